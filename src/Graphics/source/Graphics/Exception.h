@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The engine's one exception type, and the one way to raise it.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace Graphics {
+
+class GraphicsBase {
+public:
+    virtual ~GraphicsBase() = default;
+};
+
+/// Carries the plain message. Thrown by Raise only, after the diagnostic line went to the log sinks.
+class Exception : public std::runtime_error, public GraphicsBase {
+public:
+    explicit Exception(const std::string& message) : std::runtime_error(message) {}
+};
+
+/// Sends "Exception in <function> (<file>, <line>):\n\t<message>" to the log sinks and throws Exception(message).
+[[noreturn]] void Raise(const char* function, const char* file, int line, const std::string& message);
+
+} // namespace Graphics
+
+/// `function` is the raiser's qualified name, e.g. "Graphics::ProcessHeap::Alloc".
+#define GX_RAISE(function, message) ::Graphics::Raise(function, __FILE__, __LINE__, message)

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// A rectangle of pixels in memory that somebody else owns.
+#pragma once
+
+#include <cstddef>
+
+#include "../Types.h"
+
+namespace Graphics {
+
+/// Rows run top-down, `strideBytes` apart (may be any number, negative included). In one-bit formats the leftmost pixel of
+/// a byte is its most significant bit and the first pixel is bit `bitOffset` (0 to 7, counted from that end) of `data`.
+/// `palette` has `paletteCount` straight ARGB colours, or is null.
+struct PixelView {
+    uint8_t* data = nullptr;
+    ptrdiff_t strideBytes = 0;
+    int32_t width = 0;
+    int32_t height = 0;
+    GXPixelFormat format = GXPixelFormatUnknown;
+    uint32_t bitOffset = 0;
+    const uint32_t* palette = nullptr;
+    size_t paletteCount = 0;
+};
+
+} // namespace Graphics

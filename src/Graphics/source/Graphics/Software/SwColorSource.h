@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// A span filler: writes premultiplied ARGB words for a stretch of one device row.
+#pragma once
+
+#include "../Arena.h"
+#include "../Matrix.h"
+#include "../Types.h"
+
+namespace Graphics {
+
+class Brush;
+
+class SwColorSource {
+public:
+    virtual ~SwColorSource() = default;
+
+    /// Writes x1 - x0 pixels of row y; nothing when x0 >= x1.
+    virtual void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) = 0;
+
+    /// True, with the colour written, when every pixel is the same: the pipeline then never calls Fill.
+    [[nodiscard]] virtual bool IsSolid(uint32_t& color) const noexcept {
+        static_cast<void>(color);
+        return false;
+    }
+
+    /// True when every pixel that Fill writes is certain to have alpha 255.
+    [[nodiscard]] virtual bool IsOpaque() const noexcept { return false; }
+
+    /// The pixels of columns [x0, x1) of row y where they already lie in memory as opaque or premultiplied words;
+    /// null otherwise. Lets the compositor read a bitmap in place.
+    [[nodiscard]] virtual const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept {
+        static_cast<void>(x0);
+        static_cast<void>(x1);
+        static_cast<void>(y);
+        return nullptr;
+    }
+
+    /// Made in the arena of the draw call; the brush must outlive it. `bounds` is the device rectangle that may be asked
+    /// for (mesh gradients are rendered for it alone); `transform` the CTM. Raises "Not implemented" for an unknown kind.
+    [[nodiscard]] static SwColorSource* CreateFromBrush(Arena& arena, const Brush& brush, const Rect& bounds,
+                                                        const Matrix& transform);
+};
+
+} // namespace Graphics

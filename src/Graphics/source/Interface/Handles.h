@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// The handle records behind the opaque pointers of the C interface. A record is one owner among others of its object.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+#include "GX/GX.h"
+
+namespace Graphics {
+class Bitmap;
+class Brush;
+class Font;
+class Geometry;
+class Gradient;
+class Palette;
+class RenderTarget;
+} // namespace Graphics
+
+/// Base of all records: a virtual destructor and a count that starts at 1.
+class GXObjBase {
+public:
+    GXObjBase() noexcept = default;
+    GXObjBase(const GXObjBase&) = delete;
+    GXObjBase& operator=(const GXObjBase&) = delete;
+    virtual ~GXObjBase() = default;
+
+    void Acquire() noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
+    void Release() noexcept {
+        if (m_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            delete this;
+        }
+    }
+
+private:
+    std::atomic<uint32_t> m_count{1};
+};
+
+/// A record that shares an engine object.
+template <class T>
+class ImplementationHolder : public GXObjBase {
+public:
+    using Object = T;
+    explicit ImplementationHolder(std::shared_ptr<T> object) noexcept : object(std::move(object)) {}
+    const std::shared_ptr<T> object;
+};
+
+// The base sits at the record's own address: a handle is converted to GXObjBase* without knowing its kind.
+struct GXBitmapRec_ final : ImplementationHolder<Graphics::Bitmap> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXBrushRec_ final : ImplementationHolder<const Graphics::Brush> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXFontFaceRec_ final : ImplementationHolder<const Graphics::Font> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXGeometryRec_ final : ImplementationHolder<Graphics::Geometry> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXGradientRec_ final : ImplementationHolder<const Graphics::Gradient> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXPaletteRec_ final : ImplementationHolder<const Graphics::Palette> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXRenderTargetRec_ final : ImplementationHolder<Graphics::RenderTarget> {
+    using ImplementationHolder::ImplementationHolder;
+};
