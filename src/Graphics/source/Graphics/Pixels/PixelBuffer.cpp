@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "PixelBuffer.h"
+
+#include "../Exception.h"
+#include "../ProcessHeap.h"
+
+namespace Graphics {
+
+PixelBuffer::Block PixelBuffer::Make(int32_t width, int32_t height, uint32_t bitsPerPixel) {
+    // 64 bits throughout: the magnitude of the smallest 32-bit number has no 32-bit form.
+    const int64_t w = width < 0 ? -static_cast<int64_t>(width) : width;
+    const int64_t h = height < 0 ? -static_cast<int64_t>(height) : height;
+    if (w == 0 || h == 0) {
+        GX_RAISE("Graphics::PixelBuffer::PixelBuffer", "Invalid bitmap dimensions");
+    }
+    // A row's bit count, rounded up to bytes, and the whole block both stay below 2^31.
+    const int64_t stride = ((w * bitsPerPixel + 7) / 8 + 15) / 16 * 16;
+    if (w > 2147483640 / static_cast<int64_t>(bitsPerPixel) || h > 2147483647 / stride) {
+        GX_RAISE("Graphics::PixelBuffer::PixelBuffer", "Bitmap is too big");
+    }
+    auto* data = static_cast<uint8_t*>(ProcessHeap::AllocAligned(static_cast<size_t>(stride * h)));
+    return {data, static_cast<int32_t>(w), static_cast<int32_t>(h), static_cast<uint32_t>(stride)};
+}
+
+PixelBuffer::PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel)
+    : m_bitsPerPixel(bitsPerPixel), m_block(Make(width, height, bitsPerPixel)) {}
+
+PixelBuffer::~PixelBuffer() { ProcessHeap::FreeAligned(m_block.data); }
+
+void PixelBuffer::Remake(int32_t width, int32_t height) {
+    const Block block = Make(width, height, m_bitsPerPixel);
+    ProcessHeap::FreeAligned(m_block.data);
+    m_block = block;
+}
+
+} // namespace Graphics

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Lifetime of handles, the thread setting and the diagnostic log.
+#include "Guard.h"
+#include "Handles.h"
+#include "LogSinks.h"
+
+using namespace Graphics;
+
+GXResult GXObjectAcquire(void* handle) noexcept {
+    if (handle == nullptr) {
+        return GXResultInvalidArgument;
+    }
+    static_cast<GXObjBase*>(handle)->Acquire();
+    return GXResultSuccess;
+}
+
+GXResult GXObjectRelease(void* handle) noexcept {
+    if (handle == nullptr) {
+        return GXResultInvalidArgument;
+    }
+    static_cast<GXObjBase*>(handle)->Release();
+    return GXResultSuccess;
+}
+
+// A thread whose hardware cannot be had goes on drawing in software, which is no error.
+GXResult GXEnableHWAccelerationForThread() noexcept { return GXResultSuccess; }
+
+GXResult GXLogSetSink(int32_t key, GXLogProc proc, void* context) noexcept {
+    (void)Guard([&] { LogSinks::Instance().Set(key, proc, context); }); // the log never fails a host
+    return GXResultSuccess;
+}
