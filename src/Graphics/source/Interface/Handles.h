@@ -42,7 +42,7 @@ template <class T>
 class ImplementationHolder : public GXObjBase {
 public:
     using Object = T;
-    explicit ImplementationHolder(std::shared_ptr<T> object) noexcept : object(std::move(object)) {}
+    explicit ImplementationHolder(std::shared_ptr<T> shared) noexcept : object(std::move(shared)) {}
     const std::shared_ptr<T> object;
 };
 

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// A surface on a bitmap's own pixels; the bitmap lives as long as the surface.
+#pragma once
+
+#include <memory>
+
+#include "SwSurface.h"
+
+namespace Graphics {
+
+class Bitmap;
+
+class SwBitmapSurface final : public SwSurface {
+public:
+    explicit SwBitmapSurface(std::shared_ptr<Bitmap> bitmap) noexcept : m_bitmap(std::move(bitmap)) {}
+    [[nodiscard]] Size GetSize() const override;
+    [[nodiscard]] GXPixelFormat GetPixelFormat() const override;
+    [[nodiscard]] PixelView BeginPaint() override;
+    void EndPaint() override;
+
+private:
+    std::shared_ptr<Bitmap> m_bitmap;
+};
+
+} // namespace Graphics

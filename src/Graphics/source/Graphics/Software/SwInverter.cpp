@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "SwInverter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Graphics {
+namespace {
+
+constexpr uint8_t kHalf = 127; // the byte of 32 samples of 64
+
+} // namespace
+
+SwInverter::SwInverter(const SwTargetPlanes& target, const IntRect& bounds, const SwClip* clip) noexcept
+    : m_target(target), m_bounds(bounds), m_clip(clip != nullptr && clip->HasMask() ? clip : nullptr) {}
+
+void SwInverter::Pixels(int32_t y, int32_t x0, int32_t x1) {
+    auto* row = reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) -
+                m_target.origin.x;
+    if (m_clip == nullptr) {
+        ActiveKernels().invert(row + x0, static_cast<size_t>(x1 - x0));
+        return;
+    }
+    x0 = std::max(x0, m_clip->Row(y).begin);
+    x1 = std::min(x1, m_clip->Row(y).end);
+    for (int32_t x = x0; x < x1; ++x) {
+        if (*m_clip->Coverage(x, y) >= kHalf) {
+            ActiveKernels().invert(row + x, 1);
+        }
+    }
+}
+
+void SwInverter::Row(int32_t y, std::span<CoverageRun> runs) {
+    if (y < m_bounds.top || y >= m_bounds.bottom) {
+        return;
+    }
+    for (const CoverageRun& run : runs) {
+        const int32_t end = std::min(run.x1, m_bounds.right);
+        int32_t x = std::max(run.x0, m_bounds.left);
+        while (x < end) {
+            const auto covered = [&](int32_t at) {
+                return (run.shape == nullptr ? run.value : run.shape[at - run.x0]) >= kHalf;
+            };
+            int32_t stop = x + 1;
+            if (covered(x)) {
+                while (stop < end && covered(stop)) {
+                    ++stop;
+                }
+                Pixels(y, x, stop);
+            }
+            x = stop;
+        }
+    }
+}
+
+void SwInverter::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) {
+    const IntRect r = Intersect({left, top, right, bottom}, m_bounds);
+    for (int32_t y = r.top; y < r.bottom && r.left < r.right; ++y) {
+        Pixels(y, r.left, r.right);
+    }
+}
+
+void SwInverter::Line(const Point& from, const Point& to) {
+    if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) {
+        return;
+    }
+    const double dx = static_cast<double>(to.x) - from.x;
+    const double dy = static_cast<double>(to.y) - from.y;
+    const bool steep = std::fabs(dy) > std::fabs(dx);
+    // Along the longer direction u; v is the other one.
+    const double u0 = steep ? from.y : from.x;
+    const double u1 = steep ? to.y : to.x;
+    const double v0 = steep ? from.x : from.y;
+    const double slope = u1 == u0 ? 0.0 : (steep ? dx : dy) / (u1 - u0);
+    const double low = steep ? m_bounds.top : m_bounds.left;
+    const double high = steep ? m_bounds.bottom : m_bounds.right;
+    const double begin = std::clamp(std::floor(std::min(u0, u1)), low, high);
+    const double end = std::clamp(std::max(std::floor(std::max(u0, u1)), std::floor(std::min(u0, u1)) + 1.0), low, high);
+    for (auto u = static_cast<int32_t>(begin); u < static_cast<int32_t>(end); ++u) {
+        const double v = std::floor(v0 + (u + 0.5 - u0) * slope);
+        if (v < (steep ? m_bounds.left : m_bounds.top) || v >= (steep ? m_bounds.right : m_bounds.bottom)) {
+            continue;
+        }
+        const auto w = static_cast<int32_t>(v);
+        Pixels(steep ? u : w, steep ? w : u, (steep ? w : u) + 1);
+    }
+}
+
+} // namespace Graphics

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Inverts whole pixels: those that a path covers by at least a half and that the clip leaves by at least a half. Each
+// pixel of a call is inverted once, so that the same call restores it.
+#pragma once
+
+#include "SwPipeLine.h"
+
+namespace Graphics {
+
+class SwInverter final : public RasterizationSink {
+public:
+    SwInverter(const SwTargetPlanes& target, const IntRect& bounds, const SwClip* clip) noexcept;
+
+    void Row(int32_t y, std::span<CoverageRun> runs) override;
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+    /// One device pixel for each step along the longer direction.
+    void Line(const Point& from, const Point& to);
+
+private:
+    void Pixels(int32_t y, int32_t x0, int32_t x1);
+
+    const SwTargetPlanes& m_target;
+    IntRect m_bounds;
+    const SwClip* m_clip;
+};
+
+} // namespace Graphics

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+#include "SwPipeLine.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "../Exception.h"
+
+namespace Graphics {
+namespace {
+
+constexpr int32_t kMaskChunk = 1024;
+
+void CheckMaskType(const SwMaskInput& mask) {
+    if (mask.plane == nullptr && mask.type >= kMaskTypeCount) {
+        GX_RAISE("Graphics::SwSoftMaskOp::SwSoftMaskOp", "Unsupported soft mask type.");
+    }
+}
+
+/// Calls use(x, values, count) for each chunk of the mask's values over columns [x0, x1) of row y.
+template <class Use>
+void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
+    if (mask.plane != nullptr) {
+        use(x0, mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x),
+            static_cast<size_t>(x1 - x0));
+        return;
+    }
+    alignas(64) uint32_t pixels[kMaskChunk];
+    alignas(64) uint8_t values[kMaskChunk];
+    for (int32_t x = x0; x < x1; x += kMaskChunk) {
+        const int32_t stop = std::min(x1, x + kMaskChunk);
+        const auto count = static_cast<size_t>(stop - x);
+        mask.source->Fill(x, stop, y, pixels);
+        kernels.maskValues[mask.type](values, pixels, count);
+        use(x, static_cast<const uint8_t*>(values), count);
+    }
+}
+
+} // namespace
+
+SwPipeLine::SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target,
+                       const IntRect& bounds)
+    : m_kernels(kernels), m_buffers(buffers), m_target(target), m_bounds(bounds) {
+    const auto width = static_cast<size_t>(bounds.right - bounds.left);
+    m_buffers.shape.resize(width);
+    m_buffers.color.resize(width);
+}
+
+void SwPipeLine::AddShapeMask(const SwMaskInput& mask) {
+    CheckMaskType(mask);
+    m_shapeMasks[m_shapeMaskCount++] = mask;
+}
+
+void SwPipeLine::SetOpacityMask(const SwMaskInput& mask) {
+    CheckMaskType(mask);
+    m_opacityMask = mask;
+    m_hasOpacityMask = true;
+}
+
+void SwPipeLine::SetColorSource(SwColorSource& source) noexcept {
+    m_source = &source;
+    m_isSolid = source.IsSolid(m_solid);
+    m_isOpaque = m_isSolid ? (m_solid >> 24) == 255 : source.IsOpaque();
+}
+
+void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
+    if (y < m_bounds.top || y >= m_bounds.bottom) {
+        return;
+    }
+    for (const CoverageRun& run : runs) {
+        const int32_t x0 = std::max(run.x0, m_bounds.left);
+        const int32_t x1 = std::min(run.x1, m_bounds.right);
+        if (x0 < x1) {
+            Stretch(y, x0, x1, run.shape == nullptr ? nullptr : run.shape + (x0 - run.x0), run.value);
+        }
+    }
+}
+
+void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) {
+    const IntRect r = Intersect({left, top, right, bottom}, m_bounds);
+    if (IsEmpty(r)) {
+        return;
+    }
+    for (int32_t y = r.top; y < r.bottom; ++y) {
+        Stretch(y, r.left, r.right, nullptr, 255);
+    }
+}
+
+void SwPipeLine::Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value) {
+    if (m_clip == nullptr) {
+        Masked(y, x0, x1, shape, value, nullptr);
+        return;
+    }
+    const SwClipRow& row = m_clip->Row(y);
+    const int32_t begin = std::max(x0, row.begin);
+    const int32_t end = std::min(x1, row.end);
+    const auto part = [&](int32_t from, int32_t to, bool partial) {
+        if (from < to) {
+            Masked(y, from, to, shape == nullptr ? nullptr : shape + (from - x0), value,
+                   partial ? m_clip->Coverage(from, y) : nullptr);
+        }
+    };
+    const int32_t fullBegin = std::clamp(row.fullBegin, begin, std::max(begin, end));
+    const int32_t fullEnd = std::clamp(row.fullEnd, fullBegin, std::max(fullBegin, end));
+    part(begin, fullBegin, true);
+    part(fullBegin, fullEnd, false);
+    part(fullEnd, end, true);
+}
+
+void SwPipeLine::ApplyShapeMask(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, uint8_t* shape) const {
+    ForMaskChunks(m_kernels, mask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t count) {
+        m_kernels.scaleShape(shape + (x - x0), values, count);
+    });
+}
+
+void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value, const uint8_t* clip) {
+    const auto count = static_cast<size_t>(x1 - x0);
+    const bool masked = m_shapeMaskCount != 0 || clip != nullptr;
+    if (shape == nullptr && (masked || value != 255)) {
+        shape = m_buffers.shape.data();
+        if (clip != nullptr && m_shapeMaskCount == 0 && value == 255) {
+            // 255 scaled by m is m.
+            Composite(y, x0, x1, clip);
+            return;
+        }
+        std::memset(shape, value, count);
+    }
+    for (size_t i = 0; i < m_shapeMaskCount; ++i) {
+        ApplyShapeMask(m_shapeMasks[i], y, x0, x1, shape);
+    }
+    if (clip != nullptr) {
+        m_kernels.scaleShape(shape, clip, count);
+    }
+    Composite(y, x0, x1, shape);
+}
+
+const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
+    const auto count = static_cast<size_t>(x1 - x0);
+    uint32_t* buffer = m_buffers.color.data();
+    if (m_isSolid) {
+        if (m_hasOpacityMask) {
+            m_kernels.fill32(buffer, m_solid, count);
+        } else if (!m_solidRowReady) {
+            m_kernels.fill32(buffer, m_solid, m_buffers.color.size());
+            m_solidRowReady = true;
+        }
+    } else if (!m_hasOpacityMask) {
+        if (const uint32_t* direct = m_source->DirectRow(x0, x1, y)) {
+            return direct;
+        }
+        m_source->Fill(x0, x1, y, buffer);
+    } else {
+        m_source->Fill(x0, x1, y, buffer);
+    }
+    if (m_hasOpacityMask) {
+        ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t n) {
+            m_kernels.scaleColor(buffer + (x - x0), values, n);
+        });
+    }
+    return buffer;
+}
+
+void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* shape) {
+    const auto count = static_cast<size_t>(x1 - x0);
+    const ptrdiff_t dy = y - m_target.origin.y;
+    const ptrdiff_t dx = x0 - m_target.origin.x;
+    auto* dst = reinterpret_cast<uint32_t*>(m_target.color + dy * m_target.colorStride) + dx;
+    const size_t blend = std::min<size_t>(m_blendMode, kBlendCount - 1);
+    if (m_target.alpha != nullptr) {
+        const uint8_t* backdrop = m_target.backdrop;
+        const SwLayerRow row{dst, m_target.alpha + dy * m_target.planeStride + dx,
+                             m_target.shape + dy * m_target.planeStride + dx,
+                             backdrop == nullptr
+                                 ? nullptr
+                                 : reinterpret_cast<const uint32_t*>(backdrop + dy * m_target.backdropStride) + dx,
+                             m_target.knockout};
+        const uint32_t* color = Color(y, x0, x1);
+        (m_blendMode == 0 ? m_kernels.layerNormal : m_kernels.layerBlend[blend])(row, color, shape, count);
+        return;
+    }
+    if (m_blendMode != 0) {
+        m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
+        return;
+    }
+    if (m_isSolid && !m_hasOpacityMask) {
+        if (shape == nullptr && m_isOpaque) {
+            m_kernels.fill32(dst, m_solid, count);
+        } else {
+            m_kernels.normalSolid(dst, m_solid, shape, count);
+        }
+        return;
+    }
+    if (shape == nullptr && m_isOpaque && !m_hasOpacityMask) {
+        if (const uint32_t* direct = m_source->DirectRow(x0, x1, y)) {
+            std::memmove(dst, direct, count * sizeof(uint32_t));
+        } else {
+            m_source->Fill(x0, x1, y, dst);
+        }
+        return;
+    }
+    m_kernels.normalVarying(dst, Color(y, x0, x1), shape, count);
+}
+
+} // namespace Graphics

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// One draw call's road from coverage to pixels. For every stretch of a row:
+//
+//     shape  = coverage, scaled by the state's shape mask, the call's own shape mask, the clip
+//     colour = the colour source, scaled by the opacity mask
+//     composite colour through shape onto the target, by blend mode, basic or into a group
+//
+// Assembly picks the shortest form once: opaque runs are filled or copied, solid colours never pass through a buffer,
+// rows inside the full part of a clip skip its mask. Every form gives the same bytes as the steps above.
+#pragma once
+
+#include <array>
+
+#include "../Scan/RasterizationSink.h"
+#include "Kernels/SwKernels.h"
+#include "SwClip.h"
+#include "SwColorSource.h"
+
+namespace Graphics {
+
+/// The planes that a draw call composites into. Pointers belong to (origin.x, origin.y); strides in bytes.
+struct SwTargetPlanes {
+    IntPoint origin{};
+    uint8_t* color = nullptr;
+    ptrdiff_t colorStride = 0;
+    // Inside a transparency group:
+    uint8_t* alpha = nullptr; ///< null: a basic target
+    uint8_t* shape = nullptr;
+    ptrdiff_t planeStride = 0;
+    const uint8_t* backdrop = nullptr; ///< null: transparent
+    ptrdiff_t backdropStride = 0;
+    bool knockout = false;
+};
+
+/// A mask over device pixels: a colour source with the rule that makes values of its pixels, or a plane of values.
+struct SwMaskInput {
+    SwColorSource* source = nullptr;
+    uint32_t type = 0;
+    const uint8_t* plane = nullptr; ///< belongs to planeOrigin
+    ptrdiff_t planeStride = 0;
+    IntPoint planeOrigin{};
+};
+
+/// Row buffers, kept from draw to draw; each as wide as the target.
+struct SwRowBuffers {
+    HeapArray<uint8_t> shape;
+    HeapArray<uint32_t> color;
+};
+
+class SwPipeLine final : public RasterizationSink {
+public:
+    SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target, const IntRect& bounds);
+
+    void SetBlendMode(uint32_t mode) noexcept { m_blendMode = mode; }
+    /// Raises "Unsupported soft mask type." for a type above 3. At most two shape masks.
+    void AddShapeMask(const SwMaskInput& mask);
+    void SetOpacityMask(const SwMaskInput& mask);
+    void SetClip(const SwClip* clip) noexcept { m_clip = clip != nullptr && clip->HasMask() ? clip : nullptr; }
+    void SetColorSource(SwColorSource& source) noexcept;
+
+    void Row(int32_t y, std::span<CoverageRun> runs) override;
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+
+private:
+    /// [x0, x1) inside the bounds; `shape` null: `value` throughout.
+    void Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);
+    /// As Stretch, with the clip's coverage from x0 on, null where it is 255.
+    void Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value, const uint8_t* clip);
+    void Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* shape);
+    [[nodiscard]] const uint32_t* Color(int32_t y, int32_t x0, int32_t x1);
+    void ApplyShapeMask(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, uint8_t* shape) const;
+
+    const SwKernels& m_kernels;
+    SwRowBuffers& m_buffers;
+    const SwTargetPlanes& m_target;
+    IntRect m_bounds;
+    uint32_t m_blendMode = 0;
+    std::array<SwMaskInput, 2> m_shapeMasks{};
+    size_t m_shapeMaskCount = 0;
+    SwMaskInput m_opacityMask{};
+    bool m_hasOpacityMask = false;
+    const SwClip* m_clip = nullptr;
+    SwColorSource* m_source = nullptr;
+    uint32_t m_solid = 0;
+    bool m_isSolid = false;
+    bool m_isOpaque = false;
+    bool m_solidRowReady = false;
+};
+
+} // namespace Graphics

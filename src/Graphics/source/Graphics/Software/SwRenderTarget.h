@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// The software back end: keeps state, clips and layers, and turns every drawing call into one pipeline run.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "../Arena.h"
+#include "../Geometry/Pen.h"
+#include "../Scan/Rasterizer.h"
+#include "../Target/RenderTargetBase.h"
+#include "SwLayerSubTarget.h"
+#include "SwSubTarget.h"
+#include "SwSurface.h"
+
+namespace Graphics {
+
+class SwRenderTarget final : public RenderTargetBase {
+public:
+    explicit SwRenderTarget(std::unique_ptr<SwSurface> surface);
+    ~SwRenderTarget() override;
+
+    [[nodiscard]] GXPixelFormat GetPixelFormat() const override;
+    [[nodiscard]] Size GetSize() const override;
+
+    [[nodiscard]] Matrix GetTransform() const override;
+    void SetTransform(const Matrix& m) override;
+    void SetBlendMode(uint32_t mode) override;
+    void SetStrokeAdjustment(bool on) override;
+    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+
+    void BeginPaint() override;
+    void EndPaint() override;
+    void PushState() override;
+    void PopState() override;
+    void BeginLayer(const GXLayerDesc& desc) override;
+    void EndLayer() override;
+
+    void Clear(uint32_t argb) override;
+    void Fill(const PathRef& path, const Brush& brush, bool text) override;
+    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) override;
+    void Clip(const PathRef& path) override;
+    void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
+                    uint32_t interpolation) override;
+    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) override;
+    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) override;
+    void InvertRect(const Rect& rect) override;
+    void InvertLine(const Point& from, const Point& to) override;
+
+private:
+    class DrawScope;
+    struct ClipKey;
+
+    [[nodiscard]] SwSubTarget& Current() noexcept;
+    [[nodiscard]] SwState& State() noexcept { return Current().State(); }
+    /// Applies a setter to the cached state and, while painting, to the current one.
+    template <class Change>
+    void ChangeState(Change&& change);
+
+    /// The part of `region` that bounds and clip leave.
+    [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
+    [[nodiscard]] SwMaskInput MaskInput(const SwSoftMask& mask, const IntRect& visible);
+    /// A pipeline with target, state masks, clip and blend mode, and `extraMask` (null: none) as the call's own mask.
+    void Assemble(SwPipeLine& pipeLine, const IntRect& visible, const SwMaskInput* extraMask);
+    void CheckMasks();
+
+    template <class MakeSource>
+    void FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource);
+    void CloseLayer();
+
+    std::unique_ptr<SwSurface> m_surface;
+    IntRect m_area{}; // the whole surface
+    bool m_painting = false;
+    SwState m_cached;
+
+    // Before everything that may hold clips.
+    SwClipPool m_clips;
+    SwBasicSubTarget m_basic;
+    std::vector<std::unique_ptr<SwLayerSubTarget>> m_layers; // open ones, innermost last
+    std::vector<std::unique_ptr<SwLayerSubTarget>> m_spareLayers;
+    std::vector<ClipKey> m_recentClips;
+    size_t m_nextRecent = 0;
+
+    // What a draw call works with; warm after the first ones.
+    Arena m_arena;
+    Rasterizer m_rasterizer;
+    PenStorage m_pen;
+    SwRowBuffers m_buffers;
+};
+
+} // namespace Graphics

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "RenderTarget.h"
+
+#include <cmath>
+
+#include "../Exception.h"
+#include "../Software/SwBitmapSurface.h"
+#include "../Software/SwExtBufSurface.h"
+#include "../Software/SwRenderTarget.h"
+
+namespace Graphics {
+
+std::shared_ptr<RenderTarget> RenderTarget::ForBitmap(std::shared_ptr<Bitmap> bitmap) {
+    return std::make_shared<RenderTarget>(
+        std::make_unique<SwRenderTarget>(std::make_unique<SwBitmapSurface>(std::move(bitmap))));
+}
+
+std::shared_ptr<RenderTarget> RenderTarget::ForBuffer(void* pixels, GXPixelFormat format,
+                                                      const GXExtBufLayout& layout) {
+    return std::make_shared<RenderTarget>(
+        std::make_unique<SwRenderTarget>(std::make_unique<SwExtBufSurface>(pixels, format, layout)));
+}
+
+RenderTargetBase& RenderTarget::Painting() {
+    if (!m_painting) {
+        GX_RAISE("Graphics::RenderTarget::Painting", "Painting has not begun");
+    }
+    return *m_backEnd;
+}
+
+void RenderTarget::BeginPaint() {
+    if (m_painting) {
+        GX_RAISE("Graphics::RenderTarget::BeginPaint", "Painting has already begun");
+    }
+    m_backEnd->BeginPaint();
+    m_painting = true;
+}
+
+void RenderTarget::EndPaint() {
+    if (!m_painting) {
+        GX_RAISE("Graphics::RenderTarget::EndPaint", "Painting has not begun");
+    }
+    m_painting = false;
+    m_backEnd->EndPaint();
+}
+
+void RenderTarget::ConcatTransform(const Matrix& m) { m_backEnd->SetTransform(Concat(m, m_backEnd->GetTransform())); }
+
+void RenderTarget::RotateTransform(float angle) {
+    constexpr float kFullTurn = 6.2831855F;
+    if (angle >= kFullTurn) {
+        angle = std::fmod(angle, kFullTurn);
+    }
+    // In double, rounded once: the same bits with every mathematical library.
+    const auto cosine = static_cast<float>(std::cos(static_cast<double>(angle)));
+    const auto sine = static_cast<float>(std::sin(static_cast<double>(angle)));
+    ConcatTransform({cosine, sine, -sine, cosine, 0.0F, 0.0F});
+}
+
+void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {
+    RenderTargetBase& target = Painting();
+    if (rect.left == rect.right || rect.top == rect.bottom) {
+        return;
+    }
+    const BasicFigure figure(kind, rect);
+    target.Clip({nullptr, &figure});
+}
+
+} // namespace Graphics

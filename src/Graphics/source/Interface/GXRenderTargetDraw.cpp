@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+// Render targets: drawing and clipping.
+#include "Bitmaps/Bitmap.h"
+#include "Geometry/Geometry.h"
+#include "Geometry/StrokeStyle.h"
+#include "Guard.h"
+#include "Handles.h"
+#include "Paint/Brush.h"
+#include "Paint/Gradient.h"
+#include "Target/RenderTarget.h"
+
+using namespace Graphics;
+
+namespace {
+
+using Kind = BasicFigure::Kind;
+
+/// Checks every pointer, then runs work(back end) between BeginPaint and EndPaint, under the guard.
+template <class Work, class... Pointers>
+[[nodiscard]] GXResult Draw(GXRenderTarget handle, Work&& work, const Pointers*... pointers) noexcept {
+    if (AnyNull(handle, pointers...)) {
+        return GXResultInvalidArgument;
+    }
+    return Guard([&] { work(handle->object->Painting()); });
+}
+
+[[nodiscard]] GXResult FillFigure(GXRenderTarget handle, Kind kind, const GXRect* rect, GXBrush brush) noexcept {
+    return Draw(
+        handle,
+        [&](RenderTargetBase& t) {
+            const BasicFigure figure(kind, *rect);
+            t.Fill({nullptr, &figure}, *brush->object, false);
+        },
+        rect, brush);
+}
+
+[[nodiscard]] GXResult FillShape(GXRenderTarget handle, GXGeometry geometry, GXBrush brush, bool text) noexcept {
+    return Draw(
+        handle,
+        [&](RenderTargetBase& t) {
+            const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
+            t.Fill({&shape, nullptr}, *brush->object, text);
+        },
+        geometry, brush);
+}
+
+/// `path` null: nothing but the checks. Negative and NaN widths are refused.
+[[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const PathRef& path, GXBrush brush, float width,
+                                  const GXStrokeStyle* style) noexcept {
+    if (AnyNull(brush) || !(width >= 0.0F)) {
+        return GXResultInvalidArgument;
+    }
+    return Draw(handle, [&](RenderTargetBase& t) { t.Stroke(path, *brush->object, width, StrokeStyle(style)); });
+}
+
+[[nodiscard]] GXResult StrokeFigure(GXRenderTarget handle, Kind kind, const GXRect& rect, GXBrush brush, float width,
+                                    const GXStrokeStyle* style) noexcept {
+    const BasicFigure figure(kind, rect);
+    return StrokePath(handle, {nullptr, &figure}, brush, width, style);
+}
+
+[[nodiscard]] GXResult ClipFigure(GXRenderTarget handle, Kind kind, const GXRect* rect) noexcept {
+    if (AnyNull(handle, rect)) {
+        return GXResultInvalidArgument;
+    }
+    return Guard([&] { handle->object->ClipFigure(kind, *rect); });
+}
+
+[[nodiscard]] GXRect PlacedSize(const Bitmap& bitmap, float x, float y) noexcept {
+    const Size size = bitmap.GetSize();
+    return {x, y, x + static_cast<float>(size.width), y + static_cast<float>(size.height)};
+}
+
+[[nodiscard]] GXIntRect WholeOf(const Bitmap& bitmap) noexcept {
+    const Size size = bitmap.GetSize();
+    return {0, 0, static_cast<int32_t>(size.width), static_cast<int32_t>(size.height)};
+}
+
+} // namespace
+
+GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) noexcept {
+    return Draw(renderTarget, [&](RenderTargetBase& t) { t.Clear(argb); });
+}
+
+GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
+    return FillShape(renderTarget, geometry, brush, false);
+}
+
+GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
+    return FillShape(renderTarget, geometry, brush, true);
+}
+
+GXResult GXRenderTargetFillRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush) noexcept {
+    return FillFigure(renderTarget, Kind::Rectangle, rect, brush);
+}
+
+GXResult GXRenderTargetFillEllipse(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush) noexcept {
+    return FillFigure(renderTarget, Kind::Ellipse, rect, brush);
+}
+
+GXResult GXRenderTargetStrokeGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush, float width,
+                                      const GXStrokeStyle* style) noexcept {
+    if (AnyNull(renderTarget, geometry)) {
+        return GXResultInvalidArgument;
+    }
+    const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
+    return StrokePath(renderTarget, {&shape, nullptr}, brush, width, style);
+}
+
+GXResult GXRenderTargetStrokeLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2,
+                                  GXBrush brush, float width, const GXStrokeStyle* style) noexcept {
+    if (AnyNull(renderTarget, point, point2)) {
+        return GXResultInvalidArgument;
+    }
+    return StrokeFigure(renderTarget, Kind::Line, {point->x, point->y, point2->x, point2->y}, brush, width, style);
+}
+
+GXResult GXRenderTargetStrokeRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush, float width,
+                                  const GXStrokeStyle* style) noexcept {
+    if (AnyNull(renderTarget, rect)) {
+        return GXResultInvalidArgument;
+    }
+    return StrokeFigure(renderTarget, Kind::Rectangle, *rect, brush, width, style);
+}
+
+GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush, float width,
+                                     const GXStrokeStyle* style) noexcept {
+    if (AnyNull(renderTarget, rect)) {
+        return GXResultInvalidArgument;
+    }
+    return StrokeFigure(renderTarget, Kind::Ellipse, *rect, brush, width, style);
+}
+
+GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) noexcept {
+    return Draw(
+        renderTarget,
+        [&](RenderTargetBase& t) {
+            const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
+            t.Clip({&shape, nullptr});
+        },
+        geometry);
+}
+
+GXResult GXRenderTargetClipRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
+    return ClipFigure(renderTarget, Kind::Rectangle, rect);
+}
+
+GXResult GXRenderTargetClipEllipse(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
+    return ClipFigure(renderTarget, Kind::Ellipse, rect);
+}
+
+GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXPoint* origin, float opacity,
+                                  uint32_t interpolation) noexcept {
+    return Draw(
+        renderTarget,
+        [&](RenderTargetBase& t) {
+            const Bitmap& b = *bitmap->object;
+            const GXPoint at = origin == nullptr ? GXPoint{0.0F, 0.0F} : *origin;
+            t.DrawBitmap(b, WholeOf(b), PlacedSize(b, at.x, at.y), opacity, interpolation);
+        },
+        bitmap);
+}
+
+GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXRect* destination,
+                                     const GXIntRect* source, float opacity, uint32_t interpolation) noexcept {
+    return Draw(
+        renderTarget,
+        [&](RenderTargetBase& t) {
+            const Bitmap& b = *bitmap->object;
+            t.DrawBitmap(b, source == nullptr ? WholeOf(b) : *source, *destination, opacity, interpolation);
+        },
+        bitmap, destination);
+}
+
+GXResult GXRenderTargetDrawGradient(GXRenderTarget renderTarget, GXGradient gradient, float opacity,
+                                    const GXMatrix* matrix) noexcept {
+    return Draw(
+        renderTarget,
+        [&](RenderTargetBase& t) {
+            t.DrawGradient(gradient->object, opacity, matrix == nullptr ? kIdentity : *matrix);
+        },
+        gradient);
+}
+
+GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBrush brush, const GXRect* destination,
+                                uint32_t interpolation) noexcept {
+    return Draw(
+        renderTarget,
+        [&](RenderTargetBase& t) {
+            const Bitmap& m = *mask->object;
+            t.FillMask(m, *brush->object, destination == nullptr ? PlacedSize(m, 0.0F, 0.0F) : *destination,
+                       interpolation);
+        },
+        mask, brush);
+}
+
+GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
+    return Draw(
+        renderTarget, [&](RenderTargetBase& t) { t.InvertRect(*rect); }, rect);
+}
+
+GXResult GXRenderTargetInvertLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2) noexcept {
+    return Draw(
+        renderTarget, [&](RenderTargetBase& t) { t.InvertLine(*point, *point2); }, point, point2);
+}
+
+GXResult GXRenderTargetFillText(GXRenderTarget renderTarget, GXFontFace fontFace, const uint16_t* text,
+                                GXBrush brush) noexcept {
+    if (AnyNull(renderTarget, fontFace, text, brush)) {
+        return GXResultInvalidArgument;
+    }
+    return Unavailable("GXRenderTargetFillText", "Not implemented");
+}

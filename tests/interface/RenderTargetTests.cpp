@@ -1,0 +1,422 @@
+// SPDX-License-Identifier: MIT
+// The paint bracket, the graphics state, clips, layers and drawing through exported functions alone.
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "TargetSupport.h"
+
+using namespace TargetSupport;
+
+namespace {
+
+constexpr uint32_t kRed = 0xFFFF0000;
+constexpr uint32_t kGreen = 0xFF00FF00;
+constexpr uint32_t kWhite = 0xFFFFFFFF;
+
+void FillRect(Canvas& c, GXRect rect, uint32_t argb) {
+    const Owned<GXBrush> brush = Solid(argb);
+    EXPECT_EQ(GXRenderTargetFillRect(c.target, &rect, brush), GXResultSuccess);
+}
+
+TEST(RenderTarget, BracketErrorsHaveTheirTexts) {
+    const LastMessage message;
+    const Owned<GXBitmap> bitmap = MakeBitmap(4, 4, GXPixelFormatPBGRA32);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetBitmap(bitmap, target.Out()), GXResultSuccess);
+    const auto expect = [&](GXResult result, const char* text) {
+        EXPECT_EQ(result, GXResultEngineError);
+        EXPECT_EQ(message.Text(), text);
+    };
+    expect(GXRenderTargetEndPaint(target), "Painting has not begun");
+    expect(GXRenderTargetPushState(target), "Painting has not begun");
+    expect(GXRenderTargetClear(target, kRed), "Painting has not begun");
+    const GXRect rect{0, 0, 1, 1};
+    expect(GXRenderTargetClipRect(target, &rect), "Painting has not begun");
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    expect(GXRenderTargetBeginPaint(target), "Painting has already begun");
+    expect(GXRenderTargetPopState(target), "State stack is empty");
+    expect(GXRenderTargetEndLayer(target), "No layer is open");
+    const GXLayerDesc layer{{0, 0, 0, 0}, 1.0F, 1, 0};
+    ASSERT_EQ(GXRenderTargetPushState(target), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetBeginLayer(target, &layer), GXResultSuccess);
+    expect(GXRenderTargetPopState(target), "State stack is empty");
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+
+    const Owned<GXBitmap> grey = MakeBitmap(4, 4, GXPixelFormatGray8);
+    Owned<GXRenderTarget> refused;
+    ASSERT_EQ(GXCreateRenderTargetBitmap(grey, refused.Out()), GXResultSuccess);
+    expect(GXRenderTargetBeginPaint(refused), "Unsuported pixel format");
+}
+
+TEST(RenderTarget, StateOutsideTheBracketReachesTheNextOneAndIsResetByItsEnd) {
+    Canvas c(2, 1);
+    ASSERT_EQ(GXRenderTargetEndPaint(c.target), GXResultSuccess);
+    const GXMatrix move{1, 0, 0, 1, 1, 0};
+    ASSERT_EQ(GXRenderTargetSetCTM(c.target, &move), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetBeginPaint(c.target), GXResultSuccess);
+    FillRect(c, {0, 0, 1, 1}, kRed);
+    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{0, kRed}));
+    ASSERT_EQ(GXRenderTargetEndPaint(c.target), GXResultSuccess);
+    GXMatrix m{};
+    ASSERT_EQ(GXRenderTargetGetCTM(c.target, &m), GXResultSuccess);
+    EXPECT_EQ(m.m20, 0.0F);
+}
+
+TEST(RenderTarget, MatricesConcatenateBeforeTheCurrentOne) {
+    Canvas c(1, 1);
+    ASSERT_EQ(GXRenderTargetTranslateCTM(c.target, 10, 20), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetScaleCTM(c.target, 2, 3), GXResultSuccess);
+    GXMatrix m{};
+    ASSERT_EQ(GXRenderTargetGetCTM(c.target, &m), GXResultSuccess);
+    EXPECT_EQ(std::vector<float>({m.m00, m.m11, m.m20, m.m21}), std::vector<float>({2, 3, 10, 20}));
+    EXPECT_EQ(GXRenderTargetScaleCTM(c.target, -0.0F, 1), GXResultInvalidArgument);
+    ASSERT_EQ(GXRenderTargetSetCTM(c.target, nullptr), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetRotateCTM(c.target, 6.2831855F), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetGetCTM(c.target, &m), GXResultSuccess);
+    EXPECT_EQ(std::vector<float>({m.m00, m.m01, m.m10, m.m11}), std::vector<float>({1, 0, 0, 1}));
+}
+
+TEST(RenderTarget, ClipsIntersectAndArePopped) {
+    Canvas c(4, 1);
+    const GXRect left{0, 0, 3, 1};
+    const GXRect right{1, 0, 4, 1};
+    const GXRect degenerate{2, 0, 2, 1};
+    ASSERT_EQ(GXRenderTargetPushState(c.target), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetClipRect(c.target, &left), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetClipRect(c.target, &right), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetClipRect(c.target, &degenerate), GXResultSuccess);
+    FillRect(c, {0, 0, 4, 1}, kRed);
+    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{0, kRed, kRed, 0}));
+    ASSERT_EQ(GXRenderTargetPopState(c.target), GXResultSuccess);
+    FillRect(c, {0, 0, 4, 1}, kGreen);
+    EXPECT_EQ(c.Pixels(), std::vector<uint32_t>(4, kGreen));
+}
+
+TEST(RenderTarget, AnEmptyClipGeometryHidesEverything) {
+    Canvas c(2, 2);
+    Owned<GXGeometry> empty;
+    ASSERT_EQ(GXCreateGeometry(empty.Out()), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetClipGeometry(c.target, empty), GXResultSuccess);
+    FillRect(c, {0, 0, 2, 2}, kRed);
+    ASSERT_EQ(GXRenderTargetClear(c.target, kRed), GXResultSuccess);
+    EXPECT_EQ(c.Pixels(), std::vector<uint32_t>(4, 0));
+}
+
+// A clip as a mask and the same shape as a fill see the same coverage.
+TEST(RenderTarget, AClippedFillEqualsTheFillOfTheClipShape) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> at(-10, 42);
+    for (int i = 0; i < 50; ++i) {
+        Owned<GXGeometry> shape;
+        ASSERT_EQ(GXCreateGeometry(shape.Out()), GXResultSuccess);
+        GXPoint p{at(random), at(random)};
+        GXGeometryBeginFigure(shape, &p);
+        for (int k = 0; k < 6; ++k) {
+            p = {at(random), at(random)};
+            GXGeometryLineTo(shape, &p);
+        }
+        GXGeometryEndFigureClose(shape);
+        GXGeometrySetFillRule(shape, static_cast<GXFillRule>(i & 1));
+        Canvas filled(32, 32);
+        Canvas clipped(32, 32);
+        Canvas twice(32, 32);
+        const Owned<GXBrush> brush = Solid(kRed);
+        ASSERT_EQ(GXRenderTargetFillGeometry(filled.target, shape, brush), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetClipGeometry(clipped.target, shape), GXResultSuccess);
+        FillRect(clipped, {0, 0, 32, 32}, kRed);
+        ASSERT_EQ(filled.Pixels(), clipped.Pixels()) << "shape " << i;
+        // A rectangle afterwards keeps the mask inside it and nothing else.
+        const GXRect half{5, 3, 20, 30};
+        ASSERT_EQ(GXRenderTargetClipGeometry(twice.target, shape), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetClipRect(twice.target, &half), GXResultSuccess);
+        FillRect(twice, {0, 0, 32, 32}, kRed);
+        std::vector<uint32_t> expected = filled.Pixels();
+        for (uint32_t y = 0; y < 32; ++y) {
+            for (uint32_t x = 0; x < 32; ++x) {
+                if (x < 5 || x >= 20 || y < 3 || y >= 30) {
+                    expected[y * 32 + x] = 0;
+                }
+            }
+        }
+        ASSERT_EQ(twice.Pixels(), expected) << "shape " << i;
+    }
+}
+
+TEST(RenderTarget, OpaqueTargetsKeepTheirFourthByteAt255) {
+    Canvas c(3, 1, GXPixelFormatBGRX32);
+    EXPECT_EQ(c.At(0, 0), 0xFF000000U);
+    FillRect(c, {0, 0, 1, 1}, 0x80FF0000);
+    ASSERT_EQ(GXRenderTargetSetBlendMode(c.target, GXBlendModeScreen), GXResultSuccess);
+    FillRect(c, {1, 0, 2, 1}, 0x40FFFFFF);
+    for (const uint32_t pixel : c.Pixels()) {
+        EXPECT_EQ(pixel >> 24, 255U);
+    }
+    ASSERT_EQ(GXRenderTargetClear(c.target, 0x00123456), GXResultSuccess);
+    EXPECT_EQ(c.At(2, 0), 0xFF123456U);
+}
+
+TEST(RenderTarget, MaskTypesAboveThreeAreRefusedWhenDrawing) {
+    const LastMessage message;
+    Canvas c(2, 1);
+    const Owned<GXBrush> mask = Solid(0x80FFFFFF);
+    const Owned<GXBrush> red = Solid(kRed);
+    const GXRect rect{0, 0, 1, 1};
+    ASSERT_EQ(GXRenderTargetSetOpacityMask(c.target, 4, mask), GXResultSuccess);
+    EXPECT_EQ(GXRenderTargetFillRect(c.target, &rect, red), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "Unsupported soft mask type.");
+    ASSERT_EQ(GXRenderTargetSetOpacityMask(c.target, GXMaskTypeAlpha, mask), GXResultSuccess);
+    EXPECT_EQ(GXRenderTargetFillRect(c.target, &rect, red), GXResultSuccess);
+    // 255 * (128 + 1) >> 8 in alpha and red.
+    EXPECT_EQ(c.At(0, 0), 0x80800000U);
+}
+
+TEST(RenderTarget, BitmapsAreCopiedMirroredAndClampedInsideTheirSource) {
+    const Owned<GXBitmap> image = MakeBitmap(3, 1, GXPixelFormatBGRA32);
+    const uint32_t colors[3] = {kRed, kGreen, kWhite};
+    const GXBitmapData data{const_cast<uint32_t*>(colors), 12, 12};
+    ASSERT_EQ(GXBitmapCopyFromMemory(image, nullptr, &data), GXResultSuccess);
+    for (const uint32_t interpolation : {0U, 1U, 2U}) {
+        Canvas c(6, 1);
+        const GXPoint origin{1, 0};
+        ASSERT_EQ(GXRenderTargetDrawBitmap(c.target, image, &origin, 1.0F, interpolation), GXResultSuccess);
+        EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{0, kRed, kGreen, kWhite, 0, 0})) << interpolation;
+        const GXRect mirrored{3, 0, 0, 1};
+        ASSERT_EQ(GXRenderTargetStretchBitmap(c.target, image, &mirrored, nullptr, 1.0F, interpolation),
+                  GXResultSuccess);
+        EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kWhite, kGreen, kRed, kWhite, 0, 0})) << interpolation;
+        // Only the middle pixel, over everything: its neighbours do not bleed in.
+        const GXRect whole{0, 0, 6, 1};
+        const GXIntRect middle{1, 0, 2, 1};
+        ASSERT_EQ(GXRenderTargetStretchBitmap(c.target, image, &whole, &middle, 1.0F, interpolation), GXResultSuccess);
+        EXPECT_EQ(c.Pixels(), std::vector<uint32_t>(6, kGreen)) << interpolation;
+    }
+}
+
+TEST(RenderTarget, FillMaskPaintsThroughTheMasksValues) {
+    const Owned<GXBitmap> mask = MakeBitmap(3, 1, GXPixelFormatAlpha8);
+    uint8_t values[3] = {0, 127, 255};
+    const GXBitmapData data{values, 3, 3};
+    ASSERT_EQ(GXBitmapCopyFromMemory(mask, nullptr, &data), GXResultSuccess);
+    Canvas c(3, 1);
+    const Owned<GXBrush> red = Solid(kRed);
+    ASSERT_EQ(GXRenderTargetFillMask(c.target, mask, red, nullptr, GXInterpolationNearest), GXResultSuccess);
+    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{0, 0x7F7F0000, kRed}));
+}
+
+TEST(RenderTarget, InvertingTwiceRestores) {
+    Canvas c(16, 16);
+    FillRect(c, {0, 0, 16, 9}, kRed);
+    FillRect(c, {3, 3, 16, 16}, 0x80204060);
+    const std::vector<uint32_t> before = c.Pixels();
+    const GXRect rect{2.3F, 1.7F, 11.2F, 14.9F};
+    const GXPoint from{-5, 2};
+    const GXPoint to{40, 13.5F};
+    GXRenderTargetRotateCTM(c.target, 0.2F);
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_EQ(GXRenderTargetInvertRect(c.target, &rect), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetInvertLine(c.target, &from, &to), GXResultSuccess);
+        EXPECT_EQ(c.Pixels() == before, i == 1);
+    }
+}
+
+TEST(RenderTarget, ExternalBuffersAreCheckedAndNothingAroundThemIsTouched) {
+    const LastMessage message;
+    std::vector<uint8_t> memory(4096, 0xA5);
+    Owned<GXRenderTarget> target;
+    const auto make = [&](GXPixelFormat format, GXExtBufLayout layout) {
+        return GXCreateRenderTargetExtBuf(memory.data(), format, &layout, target.Out());
+    };
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const float bad : {0.0F, -3.0F, 2.5F, nan, 1e30F}) {
+        EXPECT_EQ(make(GXPixelFormatPBGRA32, {bad, 4, 64, 96, 96}), GXResultEngineError);
+        EXPECT_EQ(message.Text(), "Invalid bitmap dimensions");
+    }
+    for (const float bad : {0.0F, 27.0F, 28.5F, nan}) {
+        EXPECT_EQ(make(GXPixelFormatPBGRA32, {7, 4, bad, 96, 96}), GXResultEngineError);
+        EXPECT_EQ(message.Text(), "Invalid stride");
+    }
+    EXPECT_EQ(make(11, {7, 4, 64, 96, 96}), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "Unsupported pixel format.");
+    // Odd start and odd stride.
+    for (const uint32_t stride : {28U, 29U, 33U}) {
+        std::fill(memory.begin(), memory.end(), uint8_t{0xA5});
+        const GXExtBufLayout layout{7, 5, static_cast<float>(stride), 96, 96};
+        Owned<GXRenderTarget> odd;
+        ASSERT_EQ(GXCreateRenderTargetExtBuf(memory.data() + 101, GXPixelFormatPBGRA32, &layout, odd.Out()),
+                  GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetBeginPaint(odd), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetClear(odd, kRed), GXResultSuccess);
+        const Owned<GXBrush> green = Solid(kGreen);
+        const GXRect huge{-1e9F, -1e9F, 1e9F, 2};
+        ASSERT_EQ(GXRenderTargetFillRect(odd, &huge, green), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetEndPaint(odd), GXResultSuccess);
+        for (size_t i = 0; i < memory.size(); ++i) {
+            const size_t offset = i - 101;
+            const bool inside = i >= 101 && offset / stride < 5 && offset % stride < 28;
+            if (!inside) {
+                ASSERT_EQ(memory[i], 0xA5) << "stride " << stride << " byte " << i;
+            } else {
+                const uint32_t color = offset / stride < 2 ? kGreen : kRed;
+                ASSERT_EQ(memory[i], static_cast<uint8_t>(color >> (offset % stride % 4 * 8)));
+            }
+        }
+    }
+}
+
+TEST(RenderTarget, NonFiniteAndHugeCoordinatesDrawNothingWrong) {
+    Canvas c(8, 8);
+    const float inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const Owned<GXBrush> red = Solid(kRed);
+    for (const float bad : {nan, inf, -inf}) {
+        Owned<GXGeometry> geometry;
+        ASSERT_EQ(GXCreateGeometry(geometry.Out()), GXResultSuccess);
+        const GXPoint points[3] = {{0, 0}, {bad, 3}, {5, 5}};
+        GXGeometryBeginFigure(geometry, &points[0]);
+        GXGeometryLineTo(geometry, &points[1]);
+        GXGeometryCubicCurveTo(geometry, &points[1], &points[2], &points[0]);
+        GXGeometryEndFigureClose(geometry);
+        const GXRect neighbour{6, 6, 7, 7};
+        GXGeometryRectangle(geometry, &neighbour);
+        ASSERT_EQ(GXRenderTargetClear(c.target, 0), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetFillGeometry(c.target, geometry, red), GXResultSuccess);
+        std::vector<uint32_t> expected(64, 0);
+        expected[6 * 8 + 6] = kRed;
+        EXPECT_EQ(c.Pixels(), expected) << bad;
+        EXPECT_EQ(GXRenderTargetStrokeGeometry(c.target, geometry, red, 1, nullptr), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetStrokeGeometry(c.target, geometry, red, nan, nullptr), GXResultInvalidArgument);
+    }
+    const GXRect rect{-1e30F, -1e30F, 1e30F, 1e30F};
+    ASSERT_EQ(GXRenderTargetFillRect(c.target, &rect, red), GXResultSuccess);
+    EXPECT_EQ(c.Pixels(), std::vector<uint32_t>(64, kRed));
+}
+
+TEST(RenderTarget, GroupOpacityAppliesOnceToOverlappingContent) {
+    Canvas c(3, 1);
+    const GXLayerDesc layer{{0, 0, 0, 0}, 0.5F, 1, 0};
+    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+    FillRect(c, {0, 0, 2, 1}, kRed);
+    FillRect(c, {1, 0, 3, 1}, kGreen);
+    ASSERT_EQ(GXRenderTargetEndLayer(c.target), GXResultSuccess);
+    // The opacity factor of 0.5 is 128 of 256.
+    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{0x7F7F0000, 0x7F007F00, 0x7F007F00}));
+}
+
+TEST(RenderTarget, KnockoutGroupShowsOnlyTheLastObject) {
+    Canvas c(3, 1);
+    FillRect(c, {0, 0, 3, 1}, kWhite);
+    const GXLayerDesc layer{{0, 0, 0, 0}, 1.0F, 0, 1};
+    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+    FillRect(c, {0, 0, 2, 1}, kRed);
+    FillRect(c, {1, 0, 3, 1}, 0x80000000);
+    ASSERT_EQ(GXRenderTargetEndLayer(c.target), GXResultSuccess);
+    EXPECT_EQ(c.At(0, 0), kRed);
+    EXPECT_EQ(c.At(1, 0), c.At(2, 0)); // no red below the half-transparent black
+}
+
+// Any order of calls, balanced or not, with good and bad numbers: a result code and no write outside the buffer.
+TEST(RenderTarget, RandomCallSequencesStayInsideTheirBuffer) {
+    std::mt19937 random(2024);
+    const auto below = [&](uint32_t n) { return static_cast<uint32_t>(random() % n); };
+    const float specials[] = {0.0F, 1e9F, -1e9F, 3.4e38F, std::numeric_limits<float>::infinity(),
+                              std::numeric_limits<float>::quiet_NaN(), 0.5F, -0.5F};
+    const auto number = [&] {
+        return below(10) == 0 ? specials[below(8)] : static_cast<float>(static_cast<int32_t>(below(400)) - 100) / 8.0F;
+    };
+    const auto rect = [&] { return GXRect{number(), number(), number(), number()}; };
+
+    constexpr uint32_t kWidth = 13;
+    constexpr uint32_t kHeight = 9;
+    constexpr uint32_t kStride = 60;
+    std::vector<uint8_t> memory(kStride * (kHeight + 2), 0x5A);
+    const Owned<GXBitmap> image = MakeBitmap(5, 4, GXPixelFormatBGRA32);
+    ASSERT_EQ(GXBitmapColorFill(image, nullptr, 0x80402010), GXResultSuccess);
+    const Owned<GXBitmap> mask = MakeBitmap(11, 3, GXPixelFormatAlpha1);
+    std::vector<Owned<GXBrush>> brushes;
+    brushes.push_back(Solid(kRed));
+    brushes.push_back(Solid(0x60305080));
+    Owned<GXGradient> gradients[3];
+    const GXGradientStop stops[2] = {{0.0F, kRed}, {1.0F, 0x4000FF00}};
+    const GXLinearGradientDesc linear{stops, 2, {0, 0}, {10, 5}, 1, 0, 0x80808080};
+    const GXRadialGradientDesc radial{stops, 2, {4, 4}, 1, {6, 5}, 5, 0, 1, 0};
+    const GXTriMeshVertex mesh[3] = {{0, 0, kRed}, {12, 1, kGreen}, {3, 9, 0x20FFFFFF}};
+    ASSERT_EQ(GXCreateGradientLinear(&linear, gradients[0].Out()), GXResultSuccess);
+    ASSERT_EQ(GXCreateGradientRadial(&radial, gradients[1].Out()), GXResultSuccess);
+    ASSERT_EQ(GXCreateGradientTriMesh(mesh, 3, 0, gradients[2].Out()), GXResultSuccess);
+    for (Owned<GXGradient>& gradient : gradients) {
+        Owned<GXBrush> brush;
+        ASSERT_EQ(GXCreateBrushGradient(gradient, 0.7F, nullptr, brush.Out()), GXResultSuccess);
+        brushes.push_back(std::move(brush));
+    }
+    for (uint32_t i = 0; i < 3; ++i) {
+        Owned<GXBrush> brush;
+        const GXBitmapBrushOptions options{i, i, 2 - i};
+        ASSERT_EQ(GXCreateBrushBitmap(image, 0.9F, &options, nullptr, brush.Out()), GXResultSuccess);
+        brushes.push_back(std::move(brush));
+    }
+    const auto brush = [&]() -> GXBrush { return brushes[below(static_cast<uint32_t>(brushes.size()))]; };
+
+    constexpr int kSequences = 200000;
+    Owned<GXRenderTarget> target;
+    for (int s = 0; s < kSequences; ++s) {
+        if (s % 64 == 0) {
+            Owned<GXRenderTarget> fresh;
+            const GXExtBufLayout layout{kWidth, kHeight, kStride, 96, 96};
+            ASSERT_EQ(GXCreateRenderTargetExtBuf(memory.data() + kStride,
+                                                 below(2) != 0 ? GXPixelFormatPBGRA32 : GXPixelFormatBGRX32, &layout,
+                                                 fresh.Out()),
+                      GXResultSuccess);
+            target = std::move(fresh);
+        }
+        const uint32_t calls = 1 + below(8);
+        for (uint32_t k = 0; k < calls; ++k) {
+            const GXRect r = rect();
+            const GXPoint p{number(), number()};
+            const GXPoint q{number(), number()};
+            const GXMatrix m{number(), number(), number(), number(), number(), number()};
+            const GXStrokeStyle style{below(4), below(3), number(), 0, 0, {}, 0};
+            const GXIntRect part{static_cast<int32_t>(below(8)) - 2, static_cast<int32_t>(below(8)) - 2,
+                                 static_cast<int32_t>(below(9)) - 1, static_cast<int32_t>(below(9)) - 1};
+            const GXLayerDesc layer{r, number(), static_cast<uint8_t>(below(2)), static_cast<uint8_t>(below(2))};
+            GXResult result = GXResultSuccess;
+            switch (below(27)) {
+            case 0: case 1: case 2: result = GXRenderTargetBeginPaint(target); break;
+            case 3: result = GXRenderTargetEndPaint(target); break;
+            case 4: result = GXRenderTargetPushState(target); break;
+            case 5: result = GXRenderTargetPopState(target); break;
+            case 6: result = GXRenderTargetSetCTM(target, below(3) == 0 ? &m : nullptr); break;
+            case 7: result = GXRenderTargetSetBlendMode(target, below(19)); break;
+            case 8: result = GXRenderTargetSetStrokeAdjustment(target, static_cast<uint8_t>(below(2))); break;
+            case 9: result = GXRenderTargetSetOpacityMask(target, below(5), below(3) == 0 ? brush() : nullptr); break;
+            case 10: result = GXRenderTargetSetShapeMask(target, below(5), below(3) == 0 ? brush() : nullptr); break;
+            case 11: result = GXRenderTargetBeginLayer(target, &layer); break;
+            case 12: result = GXRenderTargetEndLayer(target); break;
+            case 13: result = GXRenderTargetClear(target, random()); break;
+            case 14: result = GXRenderTargetFillRect(target, &r, brush()); break;
+            case 15: result = GXRenderTargetFillEllipse(target, &r, brush()); break;
+            case 16: result = GXRenderTargetStrokeLine(target, &p, &q, brush(), std::fabs(number()), &style); break;
+            case 17: result = GXRenderTargetStrokeRect(target, &r, brush(), std::fabs(number()), &style); break;
+            case 18: result = GXRenderTargetStrokeEllipse(target, &r, brush(), std::fabs(number()), &style); break;
+            case 19: result = GXRenderTargetClipRect(target, &r); break;
+            case 20: result = GXRenderTargetClipEllipse(target, &r); break;
+            case 21: result = GXRenderTargetDrawBitmap(target, image, &p, number(), below(4)); break;
+            case 22: result = GXRenderTargetStretchBitmap(target, image, &r, &part, 1.0F, below(4)); break;
+            case 23: result = GXRenderTargetDrawGradient(target, gradients[below(3)], number(), &m); break;
+            case 24: result = GXRenderTargetFillMask(target, mask, brush(), &r, below(3)); break;
+            case 25: result = GXRenderTargetInvertRect(target, &r); break;
+            default: result = GXRenderTargetInvertLine(target, &p, &q); break;
+            }
+            ASSERT_TRUE(result == GXResultSuccess || result == GXResultEngineError || result == GXResultInvalidArgument)
+                << "sequence " << s << " call " << k << " result " << result;
+        }
+        if (s % 64 == 63) {
+            for (size_t i = 0; i < memory.size(); ++i) {
+                const bool inside = i / kStride >= 1 && i / kStride <= kHeight && i % kStride < kWidth * 4;
+                ASSERT_TRUE(inside || memory[i] == 0x5A) << "sequence " << s << " byte " << i;
+            }
+        }
+    }
+}
+
+} // namespace
