@@ -15,13 +15,13 @@
  * - NaN, infinite and huge coordinates are harmless: a figure with one draws nothing, its neighbours are drawn.
  * - Handles are trusted to be of the kind that the parameter names; a handle of another kind is undefined behaviour.
  * - Creation functions write a handle with a count of 1, which the caller gives back with GXObjectRelease. An object
- *   lives on while another object uses it: a brush keeps its bitmap or gradient, a target its bitmap, a state its masks.
+ *   lives on while another object uses it: a brush keeps its bitmap or gradient, a target its bitmap.
  * - Text is UTF-16 or UTF-8 and ends with a zero, paths are wchar_t. Booleans are uint8_t: 0 or 1 out, 0 or not 0 in.
  * - Packed colours are 0xAARRGGBB, not premultiplied. Angles are in radians, y grows downwards, resolutions are in dots
  *   per inch. "User units" are mapped to device pixels by the target's matrix; pixel (0, 0) covers 0 to 1.
  * - Threads: handles may be acquired and released on any thread. Finished geometries, gradients, brushes, palettes,
- *   font faces, and bitmaps that nobody writes, may be read by several threads at once, each with its own target. One render
- *   target, one geometry under construction and one region belong to one thread at a time.
+ *   font faces, and bitmaps that nobody writes, may be read by several threads at once, each with its own target. One
+ *   render target, geometry under construction or region belongs to one thread at a time.
  */
 #ifndef GX_GX_H
 #define GX_GX_H

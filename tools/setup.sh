@@ -1,0 +1,53 @@
+# SPDX-License-Identifier: MIT
+# What ./run and ./test share: the packages of a Debian 12 machine, and installing those that are not there.
+# Sourced, not run.
+
+GX_PACKAGES=(
+    cmake ninja-build g++ pkg-config
+    libgtest-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev libboost-dev zlib1g-dev
+    libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev mupdf-tools
+)
+GX_TEST_PACKAGES=(clang-14)
+
+gx_say() { printf '\n==> %s\n' "$*"; }
+
+gx_die() {
+    printf '%s\n' "$*" >&2
+    exit 1
+}
+
+# Prints those of the named packages that are not installed, one a line.
+gx_missing() {
+    local package
+    for package in "$@"; do
+        [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed ]] || printf '%s\n' "$package"
+    done
+}
+
+# Installs what is missing of the named packages, or names it and stops when this user may not install.
+gx_require() {
+    command -v dpkg-query >/dev/null || gx_die "This script knows Debian 12 only; elsewhere install by hand: $*"
+    local missing=() as_root=()
+    mapfile -t missing < <(gx_missing "$@")
+    ((${#missing[@]})) || return 0
+    if ((EUID != 0)); then
+        if command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
+            as_root=(sudo -n)
+        else
+            gx_die "Missing packages (install them as root): apt-get install ${missing[*]}"
+        fi
+    fi
+    gx_say "Installing ${missing[*]}"
+    local get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y)
+    { "${get[@]}" update && "${get[@]}" install --no-install-recommends "${missing[@]}"; } ||
+        gx_die "Could not install: ${missing[*]}"
+}
+
+# gx_build PRESET [cmake option...]: configures and builds a preset of CMakePresets.json with the compiler's progress.
+gx_build() {
+    local preset=$1
+    shift
+    gx_say "Building the $preset preset"
+    cmake --preset "$preset" "$@"
+    cmake --build --preset "$preset"
+}
