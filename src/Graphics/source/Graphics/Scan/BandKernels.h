@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// The two inner loops of the band scanner, one table for each instruction set; all give the same counts.
+//
+// A pixel row is kept as bits: for each pixel a 64-bit word, byte = sub-scanline, bit = column of 1/8 pixel. An edge
+// that crosses sub-scanline s at column c of pixel p changes the winding of the columns from c on: it adds +1 or -1 to
+// the bits c ... 7 of byte s of word p; the change of all later pixels follows from column 7 when the row is swept.
+// Windings are numbers of 1, 2, 4 or 8 bits, bit j of all pixels of a row standing in plane j. They are taken modulo
+// 2^planes, which keeps zero and non-zero apart while |winding| < 2^planes. One plane alone is the even-odd rule.
+//
+//   row: | plane 0: word of pixel 0, pixel 1, ... | plane 1: ... |      8 words are a block; `bits` has one bit a block
+//
+// The order in which edges come does not matter, so none is ever sorted.
+#pragma once
+
+#include "RasterizationSink.h"
+
+namespace Graphics {
+
+/// X of a band edge: sub units times 2^42. X after k steps exceeds the exact quotient by less than 1 / denominator, so
+/// that its integer part is the exact one (see BandScanner::AddSide).
+inline constexpr int kBandFraction = 42;
+
+inline constexpr uint32_t kNoEdge = 0xFFFFFFFFU;
+inline constexpr uint32_t kEdgeUp = 1;
+inline constexpr uint32_t kEdgeClamp = 2; // x may leave the frame and must be limited
+
+struct BandEdge {
+    int64_t x;    // at sub-scanline y, relative to the frame's left
+    int64_t step; // per sub-scanline
+    int32_t y;    // next sub-scanline, relative to the frame's first row
+    int32_t end;  // exclusive
+    uint32_t next;
+    uint32_t flags;
+};
+
+struct BandFrame {
+    uint8_t* cells;
+    uint64_t* bits;
+    size_t planeBytes;
+    size_t rowBytes;
+    size_t bitWords; // a row
+    int32_t left;    // pixel column of word 0
+    int32_t width;   // pixels; word `width` takes what lies right of them
+};
+
+struct BandKernels {
+    static constexpr int kPlaneCases = 4; // 1, 2, 4, 8 planes
+
+    /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges; those that go on are put before the list
+    /// `following`, whose new head is returned.
+    uint32_t (*walk[kPlaneCases])(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst,
+                                  int32_t bandLast, uint32_t following);
+    /// Turns a row into runs and leaves it zero. `shape` has room for all blocks, `runs` for two a block and one.
+    size_t (*sweep[kPlaneCases])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape,
+                                 CoverageRun* runs);
+};
+
+extern const BandKernels kBandKernelsSSE2;
+extern const BandKernels kBandKernelsAVX2;
+extern const BandKernels kBandKernelsAVX512;
+
+/// 0: SSE2, 1: AVX2, 2: AVX-512; null when the processor lacks it.
+[[nodiscard]] const BandKernels* BandKernelsOfSet(int set) noexcept;
+/// The best set of this processor.
+[[nodiscard]] const BandKernels& ActiveBandKernels() noexcept;
+
+} // namespace Graphics

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+// Sides of the vertex loops become band edges in fixed point, band after band is walked and swept.
+#include "BandScanner.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace Graphics {
+
+namespace {
+
+constexpr size_t kBandBytes = 128U << 10; // of cells, so that a band stays in the second-level cache
+constexpr int32_t kFarFine = 1 << 22;     // the band form takes vertices up to 32768 pixels
+constexpr int64_t kOne = int64_t{1} << kBandFraction;
+
+} // namespace
+
+// The exact position at step k is P_k = x + (error + denominator + k dx) / denominator, a multiple of 1 / dy. X_k, in
+// units of 2^-42, lies above P_k by a positive amount: the start and each step are rounded by doubles (relative
+// error below 2^-52), truncated and raised by 2 or more, in all less than 4 + k (4 + |step| 2^-50) units. Scan makes sure
+// that this stays below 1 / dy, so both have the same integer part.
+void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
+    const bool up = to.y < from.y;
+    const Vertex a = up ? to : from;
+    const Vertex b = up ? from : to;
+    const int32_t top = a.y >> 4;
+    const int32_t first = std::max(top, m_first);
+    const int32_t last = std::min(b.y >> 4, m_last);
+    const int32_t minX = std::min(a.x, b.x);
+    const int32_t maxX = std::max(a.x, b.x);
+    if (first >= last || minX >= m_allRight) {
+        return;
+    }
+    BandEdge& e = *m_nextEdge;
+    const int32_t dx = b.x - a.x;
+    if (maxX <= m_allLeft) {
+        e.x = 0;
+        e.step = 0;
+        e.flags = 0;
+    } else {
+        e.flags = minX < m_insideLeft || maxX > m_insideRight ? kEdgeClamp : 0;
+        if (dx == 0) {
+            e.x = (a.x + ((a.x & 7) != 0 ? 7 : 0)) >> 4;
+            e.x = (e.x - m_leftSub) * kOne;
+            e.step = 0;
+        } else {
+            const int32_t dy = b.y - a.y;
+            const double inverse = 1.0 / dy;
+            // Up to the next multiple of 8 in y: floor((n dx - 1) / dy), the estimate repaired by its remainder.
+            const int32_t n = ((8 - (a.y & 7)) & 7) * dx - 1;
+            auto q = static_cast<int32_t>(n * inverse);
+            int32_t rest = n - q * dy;
+            const int32_t low = rest >> 31;
+            q += low;
+            rest += low & dy;
+            const int32_t high = ~((rest - dy) >> 31);
+            q -= high;
+            rest -= high & dy;
+            int32_t x = a.x + q + 1;
+            int32_t error = rest - dy;
+            const int32_t c = x & 7;
+            error -= c != 0 ? (8 - c) * dy : 0;
+            x = (x + (c != 0 ? 7 : 0)) >> 4;
+            error >>= 4;
+            if (first > top) {
+                const int64_t moved = error + static_cast<int64_t>(first - top) * dx;
+                int64_t quotient = moved / dy;
+                int64_t remainder = moved - quotient * dy;
+                if (remainder < 0) {
+                    --quotient;
+                    remainder += dy;
+                }
+                x = static_cast<int32_t>(x + quotient + 1);
+                error = static_cast<int32_t>(remainder - dy);
+            }
+            e.x = (static_cast<int64_t>(x) - m_leftSub) * kOne +
+                  static_cast<int64_t>((error + dy) * inverse * static_cast<double>(kOne)) + 2;
+            const double slope = dx * inverse;
+            if (slope < 524288.0 && slope > -524288.0) {
+                const auto step = static_cast<int64_t>(slope * static_cast<double>(kOne));
+                e.step = step + 2 + ((step < 0 ? -step : step) >> 51);
+            } else {
+                e.step = 0; // dy is 16 at most: a single sub-scanline
+            }
+        }
+    }
+    e.y = first - m_origin;
+    e.end = last - m_origin;
+    e.flags |= up ? kEdgeUp : 0;
+    uint32_t& head = m_heads[static_cast<size_t>(e.y >> m_bandShift)];
+    e.next = head;
+    head = static_cast<uint32_t>(m_nextEdge - m_edges.data());
+    ++m_nextEdge;
+}
+
+bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
+                       RasterizationSink& sink) {
+    if (shape.windingBound > 255 || shape.minX < -kFarFine || shape.maxX > kFarFine || shape.minY < -kFarFine ||
+        shape.maxY > kFarFine) {
+        return false;
+    }
+    // A position is at most 1.5 sub units right of its side and half a one left of it: 32 fine units are room enough.
+    constexpr int32_t kRoom = 32;
+    const int32_t left = std::max(visible.left, (shape.minX - kRoom) >> 7);
+    const int32_t right = std::min(visible.right, ((shape.maxX + kRoom) >> 7) + 1);
+    const int32_t firstRow = std::max(visible.top, shape.first >> 3);
+    const int32_t lastRow = std::min(visible.bottom, (shape.last + 7) >> 3);
+    if (left >= right || firstRow >= lastRow) {
+        return true;
+    }
+    m_origin = firstRow * 8;
+    m_first = std::max(shape.first, m_origin);
+    m_last = std::min(shape.last, lastRow * 8);
+    if (m_last - m_first > 1 << 17 ||
+        (4 + 4 * static_cast<int64_t>(m_last - m_first)) * (static_cast<int64_t>(shape.maxY) - shape.minY) >= kOne / 2) {
+        return false;
+    }
+
+    const int planeCase = shape.windingBound <= 1 ? 0 : shape.windingBound <= 3 ? 1 : shape.windingBound <= 15 ? 2 : 3;
+    BandFrame frame;
+    frame.left = left;
+    frame.width = right - left;
+    // One word more than pixels; an odd number of blocks keeps equal columns of neighbouring rows apart in the cache.
+    const auto blocks = (static_cast<size_t>(frame.width) + 8) / 8 | 1;
+    frame.planeBytes = blocks * 64;
+    frame.rowBytes = frame.planeBytes << planeCase;
+    frame.bitWords = (blocks + 63) / 64;
+    const int32_t rows = lastRow - firstRow;
+    m_bandShift = 3; // log2 of the sub-scanlines of a band
+    while (m_bandShift < 9 && (frame.rowBytes << (m_bandShift - 2)) <= kBandBytes && rows > 1 << (m_bandShift - 3)) {
+        ++m_bandShift;
+    }
+    const auto bandRows = std::min(int32_t{1} << (m_bandShift - 3), rows);
+    const auto bands = static_cast<size_t>((rows * 8 - 1) >> m_bandShift) + 1;
+
+    // Everything that may fail comes before the first output.
+    const size_t cellBytes = frame.rowBytes * static_cast<size_t>(bandRows);
+    const size_t bitCount = frame.bitWords * static_cast<size_t>(bandRows);
+    if (m_dirty || m_cells.size() < cellBytes) {
+        const size_t size = std::max(cellBytes, m_cells.size());
+        m_cells.resize(size);
+        std::memset(m_cells.data(), 0, size);
+    }
+    if (m_dirty || m_bits.size() < bitCount) {
+        const size_t size = std::max(bitCount, m_bits.size());
+        m_bits.resize(size);
+        std::memset(m_bits.data(), 0, size * sizeof(uint64_t));
+    }
+    m_dirty = true;
+    m_shape.reserve(blocks * 8);
+    m_runs.reserve(2 * blocks + 2);
+    m_edges.reserve(builder.SideCount() + 1);
+    m_heads.resize(bands);
+    std::fill_n(m_heads.data(), bands, kNoEdge);
+    frame.cells = m_cells.data();
+    frame.bits = m_bits.data();
+
+    const int32_t leftFine = left * 128;
+    const int32_t rightFine = right * 128;
+    m_leftSub = left * 8;
+    m_allLeft = leftFine - kRoom;
+    m_allRight = rightFine + kRoom;
+    m_insideLeft = leftFine + kRoom;
+    m_insideRight = rightFine - kRoom;
+    if (left > visible.left) {
+        m_insideLeft = INT_MIN; // the frame was made for the shape
+    }
+    if (right < visible.right) {
+        m_insideRight = INT_MAX;
+    }
+    m_nextEdge = m_edges.data();
+    builder.ForEachSide([this](const Vertex& from, const Vertex& to) { AddSide(from, to); });
+
+    const auto walk = m_kernels->walk[planeCase];
+    const auto sweep = m_kernels->sweep[planeCase];
+    uint32_t following = kNoEdge;
+    for (size_t band = 0; band < bands; ++band) {
+        const auto bandFirst = static_cast<int32_t>(band << m_bandShift);
+        const int32_t bandLast = std::min(bandFirst + (1 << m_bandShift), rows * 8);
+        uint32_t goingOn = walk(frame, m_edges.data(), following, bandFirst, bandLast, kNoEdge);
+        following = walk(frame, m_edges.data(), m_heads[band], bandFirst, bandLast, goingOn);
+        uint8_t* cells = frame.cells;
+        uint64_t* bits = frame.bits;
+        for (int32_t y = bandFirst; y < bandLast; y += 8) {
+            const size_t count = sweep(frame, cells, bits, m_shape.data(), m_runs.data());
+            if (count != 0) {
+                sink.Row(firstRow + (y >> 3), {m_runs.data(), count});
+            }
+            cells += frame.rowBytes;
+            bits += frame.bitWords;
+        }
+    }
+    m_dirty = false;
+    return true;
+}
+
+} // namespace Graphics

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// The fast scanner: bands of pixel rows, edge after edge through each band, no sorting. Gives the counts of the sorting
+// scanner.
+#pragma once
+
+#include "BandKernels.h"
+#include "EdgeBuilder.h"
+
+namespace Graphics {
+
+class BandScanner {
+public:
+    /// Another table than the best one, for tests.
+    void UseKernels(const BandKernels& kernels) noexcept { m_kernels = &kernels; }
+
+    /// False, with nothing sent, when the fill is outside what the band form can hold exactly.
+    [[nodiscard]] bool Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
+                            RasterizationSink& sink);
+
+private:
+    void AddSide(const Vertex& from, const Vertex& to);
+
+    const BandKernels* m_kernels = &ActiveBandKernels();
+    HeapArray<uint8_t> m_cells;  // zero between fills
+    HeapArray<uint64_t> m_bits;  // likewise
+    HeapArray<BandEdge> m_edges;
+    HeapArray<uint32_t> m_heads; // first edge of each band
+    HeapArray<uint8_t> m_shape;
+    HeapArray<CoverageRun> m_runs;
+    bool m_dirty = false; // a fill was abandoned
+
+    // Of the current fill.
+    BandEdge* m_nextEdge = nullptr;
+    int32_t m_first = 0; // sub-scanlines to produce
+    int32_t m_last = 0;
+    int32_t m_origin = 0; // first sub-scanline of the frame, a multiple of 8
+    int32_t m_bandShift = 0;
+    int32_t m_leftSub = 0;
+    int32_t m_allLeft = 0; // fine units: a side with no x above this is left of the frame; likewise the others
+    int32_t m_allRight = 0;
+    int32_t m_insideLeft = 0;
+    int32_t m_insideRight = 0;
+};
+
+} // namespace Graphics

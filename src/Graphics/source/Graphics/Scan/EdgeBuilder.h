@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+// Keeps the vertices of a fill and turns them into edges. Vertices are in 1/128 pixel (fine units); edges are stepped
+// in 1/8 pixel (sub units, fine >> 4), one step a sub-scanline.
+#pragma once
+
+#include <emmintrin.h>
+
+#include "../ProcessHeap.h"
+#include "../Types.h"
+
+namespace Graphics {
+
+/// Fine units.
+struct Vertex {
+    int32_t x;
+    int32_t y;
+};
+
+/// An edge at sub-scanline `first`: the next x is x + step, plus one where error + increment reaches 0 (the error then
+/// falls by `denominator`). So x k steps on is x + k * step + floor((error + k * increment) / denominator) + 1.
+struct Edge {
+    int32_t first; // inclusive
+    int32_t last;  // exclusive
+    int32_t x;
+    int32_t step;
+    int32_t error;       // -denominator ... -1
+    int32_t increment;   // 0 ... denominator - 1
+    int32_t denominator; // height in fine units
+    int32_t direction;   // 1 downward, -1 upward
+};
+
+/// Coordinates are limited to +-2^30 fine units, so that the height and width of an edge fit 32 bits.
+inline constexpr float kFineLimit = 1073741760.0F;
+
+/// Truncated toward zero; NaN gives 0.
+[[nodiscard]] inline Vertex ToVertex(const Point& p) noexcept {
+    __m128 v = _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(&p)));
+    v = _mm_and_ps(v, _mm_cmpord_ps(v, v));
+    v = _mm_mul_ps(v, _mm_set1_ps(128.0F));
+    v = _mm_min_ps(_mm_max_ps(v, _mm_set1_ps(-kFineLimit)), _mm_set1_ps(kFineLimit));
+    Vertex out;
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(&out), _mm_cvttps_epi32(v));
+    return out;
+}
+
+/// What the vertices say about a fill before any edge is made.
+struct FillShape {
+    int32_t first; // sub-scanlines inside the clip, first inclusive, last exclusive; first >= last when there is no edge
+    int32_t last;
+    int32_t minX, minY, maxX, maxY; // fine units, of the figures that have edges
+    uint32_t windingBound;          // |winding| is nowhere larger
+};
+
+class EdgeBuilder {
+public:
+    /// `clipPixels` governs which edges and vertices exist; forgets the earlier fill.
+    void Begin(const Rect& clipPixels);
+
+    void Add(Vertex v) {
+        if (m_next == m_limit) {
+            Grow();
+        }
+        *m_next++ = v;
+    }
+    /// Closes the loop of the vertices added since the last call.
+    void CloseFigure();
+
+    /// Drops vertices outside the clip horizontally and measures the rest. Call once, after the last figure.
+    [[nodiscard]] FillShape Measure(bool nonZero);
+
+    /// True when the fill has exactly two edges, both vertical and of the same height: they are returned.
+    [[nodiscard]] bool TwoUprightEdges(Edge (&out)[2]) const;
+
+    /// Every edge inside the sub-scanlines [first, last).
+    void Build(HeapArray<Edge>& out, int32_t first, int32_t last) const;
+
+    [[nodiscard]] size_t SideCount() const noexcept { return m_vertices.size(); }
+
+    /// Calls f(from, to) for each side of each loop.
+    template <class F>
+    void ForEachSide(F&& f) const {
+        const Vertex* v = m_vertices.data();
+        for (const uint32_t end : m_figures) {
+            const Vertex* const stop = m_vertices.data() + end;
+            if (v == stop) {
+                continue;
+            }
+            Vertex from = stop[-1];
+            for (; v != stop; ++v) {
+                f(from, *v);
+                from = *v;
+            }
+        }
+    }
+
+    [[nodiscard]] int32_t ClipFirst() const noexcept { return m_clipFirst; }
+    [[nodiscard]] int32_t ClipLast() const noexcept { return m_clipLast; }
+
+    /// False when the side gives no edge between the sub-scanlines clipFirst and clipLast.
+    [[nodiscard]] static bool SetUp(Vertex from, Vertex to, int32_t clipFirst, int32_t clipLast, Edge& e) noexcept;
+
+private:
+    struct RowRange {
+        int32_t first; // pixel rows, inclusive
+        int32_t last;
+    };
+
+    void Grow();
+    [[nodiscard]] uint32_t DropOutside(Vertex* loop, uint32_t count) const noexcept;
+    void AddChains(const Vertex* loop, uint32_t count);
+    [[nodiscard]] uint32_t BoundByRows(int32_t firstRow, int32_t lastRow);
+
+    HeapArray<Vertex> m_vertices;
+    HeapArray<uint32_t> m_figures; // end index of each loop
+    HeapArray<RowRange> m_chains;  // runs of sides that go down
+    HeapArray<int32_t> m_rowSums;
+    Vertex* m_next = nullptr; // inside m_vertices
+    Vertex* m_limit = nullptr;
+    uint32_t m_figureStart = 0;
+    uint32_t m_chainCount = 0;
+    int32_t m_clipLeft = 0;
+    int32_t m_clipRight = 0;
+    int32_t m_clipFirst = 0;
+    int32_t m_clipLast = 0;
+};
+
+} // namespace Graphics

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// The sorting scanner: an active edge list from sub-scanline to sub-scanline, with trapezoid bands for sinks that take
+// them. Slower than the band scanner, but without its limits.
+#pragma once
+
+#include "CoverageBuffer.h"
+#include "EdgeBuilder.h"
+
+namespace Graphics {
+
+class EdgeScanner {
+public:
+    /// Takes the sub-scanlines [first, last). The edges are used up.
+    void Scan(HeapArray<Edge>& edges, bool evenOdd, bool trapezoids, int32_t first, int32_t last,
+              const IntRect& visible, RasterizationSink& sink);
+
+private:
+    void Insert(const Edge* from, const Edge* to);
+    void AddSpans() noexcept;
+    void Step(int32_t next) noexcept;
+    void Restore() noexcept;
+    [[nodiscard]] int64_t FindBandEnd(int32_t s, int64_t limit) const noexcept;
+    void EmitTrapezoids(int32_t s, int32_t end, RasterizationSink& sink);
+    template <class F>
+    void ForEachSpan(F&& f) noexcept(noexcept(f(size_t{}, size_t{})));
+
+    HeapArray<Edge> m_active; // sorted by x
+    CoverageBuffer m_row;
+    bool m_evenOdd = false;
+};
+
+} // namespace Graphics

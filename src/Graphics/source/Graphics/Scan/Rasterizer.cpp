@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// From vertices to output: a whole-pixel rectangle, trapezoid bands, or rows of coverage.
+#include "Rasterizer.h"
+
+#include <algorithm>
+
+#include "../Geometry/CurveFlattener.h"
+
+namespace Graphics {
+
+namespace {
+
+struct PixelRange {
+    int32_t low;
+    int32_t high; // exclusive
+};
+
+/// Whole pixels for the sub units [a, b]: as many as their length rounded up. One pixel too many goes at the end that
+/// lies less deep in its pixel, the far one when both are equal.
+PixelRange Snap(int32_t a, int32_t b) noexcept {
+    PixelRange r{a >> 3, (b + 7) >> 3};
+    int32_t length = (b - a + 7) >> 3;
+    if (b - a + 7 < 8) {
+        length = 1;
+        if (r.low == r.high) {
+            ++r.high;
+        }
+    }
+    if (r.high - r.low >= length + 1) {
+        if ((a & 7) <= r.high * 8 - b) {
+            --r.high;
+        } else {
+            ++r.low;
+        }
+    }
+    return r;
+}
+
+} // namespace
+
+void Rasterizer::Begin(const Rect& clipPixels, const IntRect& visible, bool snap) {
+    // Pixels beyond 2^23 are outside of every target and would not fit the fine units.
+    constexpr int32_t kFar = 1 << 23;
+    m_visible = Intersect(visible, {-kFar, -kFar, kFar, kFar});
+    m_snap = snap;
+    m_evenOdd = false;
+    m_current = {0, 0};
+    m_builder.Begin(clipPixels);
+}
+
+void Rasterizer::CubicTo(const Point& c1, const Point& c2, const Point& end) {
+    CurveFlattener flattener(m_tolerance, m_current, c1, c2, end);
+    Point p;
+    while (flattener.Next(p)) {
+        LineTo(p);
+    }
+    LineTo(end);
+}
+
+void Rasterizer::Finish(RasterizationSink& sink) {
+    m_builder.CloseFigure();
+    const FillShape shape = m_builder.Measure(!m_evenOdd);
+    if (shape.first >= shape.last) {
+        return;
+    }
+    if (m_snap) {
+        Edge e[2];
+        if (m_builder.TwoUprightEdges(e)) {
+            const PixelRange x = Snap(std::min(e[0].x, e[1].x), std::max(e[0].x, e[1].x));
+            const PixelRange y = Snap(e[0].first, e[0].last);
+            sink.Rectangle(x.low, y.low, x.high, y.high);
+            return;
+        }
+    }
+    const bool trapezoids = sink.Begin(shape.first, shape.last);
+    if (IsEmpty(m_visible) && !trapezoids) {
+        return;
+    }
+    if (!trapezoids && m_bands.Scan(m_builder, shape, m_visible, sink)) {
+        return;
+    }
+    const int32_t first = trapezoids ? shape.first : std::max(shape.first, m_visible.top * 8);
+    const int32_t last = trapezoids ? shape.last : std::min(shape.last, m_visible.bottom * 8);
+    // A trapezoid may reach below the clip, whose last sub-scanline ends the scan only.
+    m_builder.Build(m_edges, trapezoids ? m_builder.ClipFirst() : first, trapezoids ? m_builder.ClipLast() : last);
+    m_sorting.Scan(m_edges, m_evenOdd, trapezoids, first, last, m_visible, sink);
+}
+
+} // namespace Graphics

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// A path in device pixels becomes anti-aliased coverage: 8 x 8 samples a pixel, edges stepped exactly. One object serves
+// many fills, one after another, and keeps its memory.
+#pragma once
+
+#include "../Geometry/GeometrySink.h"
+#include "BandScanner.h"
+#include "EdgeBuilder.h"
+#include "EdgeScanner.h"
+
+namespace Graphics {
+
+class Rasterizer final : public GeometrySink {
+public:
+    /// Curves deviate from their lines by about this many pixels.
+    explicit Rasterizer(float tolerance = 0.25F) noexcept
+        : m_tolerance(tolerance < 1.1920929e-7F ? 1.1920929e-7F : tolerance) {}
+
+    /// Starts a fill. `clipPixels` is the whole target and governs what exists; rows and runs are produced inside
+    /// `visible` only. `snap` lets an upright rectangle become whole pixels.
+    void Begin(const Rect& clipPixels, const IntRect& visible, bool snap);
+
+    void SetFillRule(uint32_t rule) override { m_evenOdd = rule != 0; }
+    void BeginFigure(const Point& start) override {
+        m_builder.CloseFigure();
+        m_current = start;
+        m_builder.Add(ToVertex(start));
+    }
+    void LineTo(const Point& p) override {
+        if (p.x == m_current.x && p.y == m_current.y) {
+            return;
+        }
+        m_current = p;
+        m_builder.Add(ToVertex(p));
+    }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
+    void EndFigure() override { m_builder.CloseFigure(); }
+    void EndFigureClose() override { m_builder.CloseFigure(); }
+
+    /// Sends the coverage; nothing when the fill has no edge.
+    void Finish(RasterizationSink& sink);
+
+    /// Another set of loops than the processor's best, for tests.
+    void UseKernels(const BandKernels& kernels) noexcept { m_bands.UseKernels(kernels); }
+
+private:
+    EdgeBuilder m_builder;
+    BandScanner m_bands;
+    EdgeScanner m_sorting;
+    HeapArray<Edge> m_edges;
+    IntRect m_visible{};
+    Point m_current{};
+    float m_tolerance;
+    bool m_snap = false;
+    bool m_evenOdd = false;
+};
+
+} // namespace Graphics

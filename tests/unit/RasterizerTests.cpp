@@ -1,0 +1,558 @@
+// SPDX-License-Identifier: MIT
+// The rasterizer against a plain scan-line algorithm written here once more, with vectors and simple loops: every pixel
+// of thousands of random shapes, on every instruction set.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "Geometry/CurveFlattener.h"
+#include "Scan/Rasterizer.h"
+
+namespace Graphics {
+namespace {
+
+using Loop = std::vector<Point>;
+using Loops = std::vector<Loop>;
+
+struct PlainEdge {
+    int64_t first, last, x, step, error, increment, denominator;
+    int direction;
+};
+
+int64_t Fine(float v) {
+    const double d = static_cast<double>(v) * 128.0;
+    return static_cast<int64_t>(std::clamp(d, -1073741760.0, 1073741760.0));
+}
+
+/// The set-up with its alignment loop, and stepping instead of jumping to the clip.
+bool PlainSetUp(int64_t x0, int64_t y0, int64_t x1, int64_t y1, int64_t clipFirst, int64_t clipLast, PlainEdge& e) {
+    e.direction = y1 < y0 ? -1 : 1;
+    if (y1 < y0) {
+        std::swap(x0, x1);
+        std::swap(y0, y1);
+    }
+    e.first = y0 >> 4;
+    e.last = y1 >> 4;
+    if (e.first == e.last || e.first >= clipLast || e.last <= clipFirst) {
+        return false;
+    }
+    const int64_t dy = y1 - y0;
+    const int64_t dx = x1 - x0;
+    int64_t q = dx / dy;
+    int64_t r = dx % dy;
+    if (r < 0) {
+        r += dy;
+        --q;
+    }
+    int64_t error = -1;
+    int64_t x = x0;
+    if ((y0 & 7) != 0) {
+        for (int64_t i = 8 - (y0 & 7); i > 0; --i) {
+            error += r;
+            x += q;
+            if (error >= 0) {
+                ++x;
+                error -= dy;
+            }
+        }
+    }
+    if ((x & 7) != 0) {
+        error -= (8 - (x & 7)) * dy;
+        x += 7;
+    }
+    e.x = x >> 4;
+    e.error = error >> 4;
+    e.step = q;
+    e.increment = r;
+    e.denominator = dy;
+    if (e.first < clipFirst) {
+        const int64_t k = clipFirst - e.first;
+        e.x += k * q;
+        e.error += k * r;
+        if (e.error >= 0) {
+            const int64_t m = e.error / dy + 1;
+            e.x += m;
+            e.error -= m * dy;
+        }
+        e.first = clipFirst;
+    }
+    return true;
+}
+
+struct Grid {
+    IntRect area;
+    std::vector<int> value;
+    explicit Grid(const IntRect& r) : area(r), value(static_cast<size_t>((r.right - r.left) * (r.bottom - r.top))) {}
+    int& At(int x, int y) {
+        return value[static_cast<size_t>((y - area.top) * (area.right - area.left) + x - area.left)];
+    }
+    [[nodiscard]] bool Has(int x, int y) const {
+        return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
+    }
+};
+
+/// The vertices without those that lie, with both neighbours, beyond one side of the clip.
+Loop Inside(const Loop& loop, const Rect& clip) {
+    Loop kept;
+    for (size_t i = 0; i < loop.size(); ++i) {
+        const int64_t x[] = {Fine(loop[(i + loop.size() - 1) % loop.size()].x), Fine(loop[i].x),
+                             Fine(loop[(i + 1) % loop.size()].x)};
+        if (*std::max_element(x, x + 3) > Fine(clip.left) && *std::min_element(x, x + 3) < Fine(clip.right)) {
+            kept.push_back(loop[i]);
+        }
+    }
+    return kept;
+}
+
+/// Shape bytes of every pixel of `area`.
+Grid PlainCoverage(const Loops& loops, const Rect& clip, const IntRect& area, bool evenOdd) {
+    std::vector<PlainEdge> edges;
+    const int64_t clipFirst = Fine(clip.top) >> 4;
+    const int64_t clipLast = (Fine(clip.bottom) + 15) >> 4;
+    for (const Loop& all : loops) {
+        const Loop loop = Inside(all, clip);
+        for (size_t i = 0; i < loop.size(); ++i) {
+            const Point& a = loop[i];
+            const Point& b = loop[(i + 1) % loop.size()];
+            PlainEdge e;
+            if (PlainSetUp(Fine(a.x), Fine(a.y), Fine(b.x), Fine(b.y), clipFirst, clipLast, e)) {
+                edges.push_back(e);
+            }
+        }
+    }
+    Grid grid(area);
+    for (int64_t s = clipFirst; s < clipLast; ++s) {
+        std::vector<std::pair<int64_t, int>> crossings;
+        for (PlainEdge& e : edges) {
+            if (s < e.first || s >= e.last) {
+                continue;
+            }
+            crossings.emplace_back(e.x, e.direction);
+            e.x += e.step;
+            e.error += e.increment;
+            if (e.error >= 0) {
+                ++e.x;
+                e.error -= e.denominator;
+            }
+        }
+        std::sort(crossings.begin(), crossings.end());
+        int winding = 0;
+        for (size_t i = 0; i + 1 < crossings.size(); ++i) {
+            winding += evenOdd ? 1 : crossings[i].second;
+            if (evenOdd ? winding % 2 == 0 : winding == 0) {
+                continue;
+            }
+            const int64_t from = std::max<int64_t>(crossings[i].first, int64_t{area.left} * 8);
+            const int64_t to = std::min<int64_t>(crossings[i + 1].first, int64_t{area.right} * 8);
+            const int y = static_cast<int>(s >> 3);
+            for (int64_t x = from; x < to; ++x) {
+                if (grid.Has(static_cast<int>(x >> 3), y)) {
+                    ++grid.At(static_cast<int>(x >> 3), y);
+                }
+            }
+        }
+    }
+    for (int& v : grid.value) {
+        v = (v == 0 ? 0 : v * 256 / 64 - 1) & 255;
+    }
+    return grid;
+}
+
+/// Writes rows into a grid and checks what every row promises.
+class GridSink : public RasterizationSink {
+public:
+    explicit GridSink(const IntRect& visible, bool takeBands = false) : grid(visible), m_takeBands(takeBands) {}
+
+    void Row(int32_t y, std::span<CoverageRun> runs) override {
+        EXPECT_GT(y, lastRow);
+        lastRow = y;
+        int32_t x = grid.area.left;
+        EXPECT_TRUE(y >= grid.area.top && y < grid.area.bottom);
+        for (const CoverageRun& run : runs) {
+            ASSERT_LE(x, run.x0);
+            ASSERT_LT(run.x0, run.x1);
+            ASSERT_LE(run.x1, grid.area.right);
+            EXPECT_TRUE(run.shape != nullptr || run.value != 0);
+            for (x = run.x0; x < run.x1; ++x) {
+                grid.At(x, y) = run.shape != nullptr ? run.shape[x - run.x0] : run.value;
+            }
+        }
+    }
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override {
+        rectangles.push_back({left, top, right, bottom});
+    }
+    bool Begin(int32_t first, int32_t last) override {
+        ++begins;
+        firstSub = first;
+        lastSub = last;
+        return m_takeBands;
+    }
+    void TrapezoidBand(const Trapezoid& band) override { bands.push_back(band); }
+
+    Grid grid;
+    std::vector<IntRect> rectangles;
+    std::vector<Trapezoid> bands;
+    int32_t lastRow = INT32_MIN;
+    int32_t firstSub = 0;
+    int32_t lastSub = 0;
+    int begins = 0;
+
+private:
+    bool m_takeBands;
+};
+
+void Feed(Rasterizer& r, const Loops& loops, bool close = true) {
+    for (const Loop& loop : loops) {
+        r.BeginFigure(loop[0]);
+        for (size_t i = 1; i < loop.size(); ++i) {
+            r.LineTo(loop[i]);
+        }
+        close ? r.EndFigureClose() : r.EndFigure();
+    }
+}
+
+std::vector<const BandKernels*> KernelSets() {
+    std::vector<const BandKernels*> sets;
+    for (int i = 0; i < 3; ++i) {
+        if (const BandKernels* k = BandKernelsOfSet(i)) {
+            sets.push_back(k);
+        }
+    }
+    return sets;
+}
+
+Loop Box(float l, float t, float r, float b) { return {{l, t}, {r, t}, {r, b}, {l, b}}; }
+
+class RasterizerTest : public testing::Test {
+protected:
+    /// All sets and the sorting scanner give the plain counts.
+    void Check(const Loops& loops, const Rect& clip, const IntRect& visible, bool evenOdd, const std::string& what) {
+        Grid expected = PlainCoverage(loops, clip, visible, evenOdd);
+        for (size_t set = 0; set < m_sets.size(); ++set) {
+            GridSink sink(visible);
+            m_rasterizer.UseKernels(*m_sets[set]);
+            m_rasterizer.Begin(clip, visible, false);
+            m_rasterizer.SetFillRule(evenOdd ? 1 : 0);
+            Feed(m_rasterizer, loops);
+            m_rasterizer.Finish(sink);
+            ASSERT_TRUE(sink.rectangles.empty());
+            Compare(expected, sink.grid, what + ", set " + std::to_string(set));
+        }
+        EdgeBuilder builder;
+        builder.Begin(clip);
+        for (const Loop& loop : loops) {
+            for (const Point& p : loop) {
+                builder.Add(ToVertex(p));
+            }
+            builder.CloseFigure();
+        }
+        const FillShape shape = builder.Measure(!evenOdd);
+        HeapArray<Edge> edges;
+        builder.Build(edges, builder.ClipFirst(), builder.ClipLast());
+        GridSink sink(visible);
+        if (!edges.empty()) {
+            EdgeScanner().Scan(edges, evenOdd, false, shape.first, shape.last, visible, sink);
+        }
+        Compare(expected, sink.grid, what + ", sorting");
+    }
+
+    static void Compare(Grid& expected, Grid& actual, const std::string& what) {
+        for (int y = expected.area.top; y < expected.area.bottom; ++y) {
+            for (int x = expected.area.left; x < expected.area.right; ++x) {
+                ASSERT_EQ(expected.At(x, y), actual.At(x, y)) << what << " at " << x << ", " << y;
+            }
+        }
+    }
+
+    std::vector<const BandKernels*> m_sets = KernelSets();
+    Rasterizer m_rasterizer;
+};
+
+TEST_F(RasterizerTest, RandomShapesGiveThePlainCounts) {
+    std::mt19937 random(20240611);
+    const auto number = [&](float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); };
+    const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<uint32_t>(n)); };
+    for (int round = 0; round < 4000; ++round) {
+        const int width = 1 + pick(round % 50 == 0 ? 700 : 90);
+        const int height = 1 + pick(round % 50 == 1 ? 300 : 60);
+        Rect clip{0, 0, static_cast<float>(width), static_cast<float>(height)};
+        IntRect visible{0, 0, width, height};
+        if (pick(4) == 0) { // a part is visible
+            visible = {pick(width), pick(height), 0, 0};
+            visible.right = visible.left + 1 + pick(width - visible.left);
+            visible.bottom = visible.top + 1 + pick(height - visible.top);
+        }
+        if (pick(6) == 0) {
+            clip = {clip.left - 3.3F, 2.3F, clip.right - 0.4F, clip.bottom - 1.7F};
+        }
+        // The extent of the shape: tiny to far outside.
+        static constexpr float kReach[] = {0.02F, 1, 5, 30, 100, 3000, 32000};
+        const float reach = kReach[pick(7)];
+        const float cx = number(-0.3F, 1.3F) * static_cast<float>(width);
+        const float cy = number(-0.3F, 1.3F) * static_cast<float>(height);
+        const int kind = pick(7);
+        Loops loops;
+        const int figures = 1 + pick(kind == 1 ? 40 : 4);
+        for (int f = 0; f < figures; ++f) {
+            Loop loop;
+            const int points = 1 + pick(kind == 2 ? 60 : 8);
+            for (int i = 0; i < points; ++i) {
+                Point p{cx + number(-reach, reach), cy + number(-reach, reach)};
+                if (kind == 3) { // on whole and half pixels: shared vertices, upright and level sides
+                    p = {std::floor(p.x * 2) / 2, std::floor(p.y * 2) / 2};
+                } else if (kind == 4 && i > 0 && pick(2) == 0) { // upright sides
+                    p.x = loop.back().x;
+                } else if (kind == 5) { // a chain of small steps
+                    p = i == 0 ? p : Point{loop.back().x + number(-3, 3), loop.back().y + number(-3, 3)};
+                } else if (kind == 6 && i > 0) { // steep or flat
+                    p = {loop.back().x + number(-1, 1) * (pick(2) ? reach : 0.5F),
+                         loop.back().y + number(-1, 1) * (pick(2) ? reach : 0.5F)};
+                }
+                p = {std::clamp(p.x, -32535.0F, 32535.0F), std::clamp(p.y, -32535.0F, 32535.0F)};
+                loop.push_back(p);
+            }
+            loops.push_back(loop);
+            if (pick(5) == 0) {
+                loops.push_back(loop);
+            }
+        }
+        Check(loops, clip, visible, pick(2) == 0, "round " + std::to_string(round));
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
+TEST_F(RasterizerTest, ManyCoincidentSides) {
+    for (const int copies : {1, 2, 3, 4, 7, 8, 15, 16, 17, 100, 128, 255, 256, 257, 300}) {
+        Loops loops;
+        for (int i = 0; i < copies; ++i) {
+            loops.push_back({{3.3F, 2}, {20, 2.5F}, {15.2F, 17}, {4, 14}});
+        }
+        loops.push_back({{8, 4}, {8, 12}, {14, 12}, {14, 4}}); // the other way round
+        Check(loops, {0, 0, 24, 20}, {0, 0, 24, 20}, false, std::to_string(copies) + " copies");
+        Check(loops, {0, 0, 24, 20}, {2, 3, 17, 16}, true, std::to_string(copies) + " copies");
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
+TEST_F(RasterizerTest, LongFlatAndSteepSidesKeepTheirExactSteps) {
+    std::mt19937 random(7);
+    const auto at = [&](int range) { return static_cast<float>(static_cast<int>(random() % (2U * range * 128)) - range * 128) / 128; };
+    for (int round = 0; round < 60; ++round) {
+        // The visible part is far from where the side begins.
+        const Point a{at(32000), -32535.0F};
+        const Point b{at(200), 32535.0F};
+        const Point c{at(32000), at(32000)};
+        Check({{a, b, c}}, {0, 0, 40, 2000}, {0, 0, 40, 2000}, round % 2 == 0, "tall " + std::to_string(round));
+        const Point d{-32535.0F, at(20)};
+        const Point e{32535.0F, d.y + at(2)};
+        Check({{d, e, c}, {e, {at(20), at(20)}, d}}, {0, 0, 300, 40}, {0, 0, 300, 40}, false, "wide " + std::to_string(round));
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
+TEST(EdgeBuilderTest, ClosedFormsEqualTheAlignmentLoop) {
+    std::mt19937 random(99);
+    for (int i = 0; i < 300000; ++i) {
+        const int bits = 1 + static_cast<int>(random() % 22);
+        const auto v = [&] { return static_cast<int32_t>(random() % (2U << bits)) - (1 << bits); };
+        const Vertex from{v(), v()};
+        const Vertex to{i % 7 == 0 ? from.x : v(), i % 5 == 0 ? from.y + v() % 40 : v()};
+        const int32_t clipFirst = v() >> 4;
+        const int32_t clipLast = clipFirst + 1 + (v() & 0xFFFF);
+        PlainEdge expected;
+        Edge e;
+        const bool exists = PlainSetUp(from.x, from.y, to.x, to.y, clipFirst, clipLast, expected);
+        ASSERT_EQ(exists, EdgeBuilder::SetUp(from, to, clipFirst, clipLast, e));
+        if (exists) {
+            ASSERT_EQ(expected.first, e.first);
+            ASSERT_EQ(expected.last, e.last);
+            ASSERT_EQ(expected.x, e.x) << from.x << ' ' << from.y << ' ' << to.x << ' ' << to.y;
+            ASSERT_EQ(expected.error, e.error);
+            ASSERT_EQ(expected.step, e.step);
+            ASSERT_EQ(expected.increment, e.increment);
+            ASSERT_EQ(expected.denominator, e.denominator);
+            ASSERT_EQ(expected.direction, e.direction);
+        }
+    }
+}
+
+TEST_F(RasterizerTest, CurvesAreFlattenedAndFiguresClosed) {
+    const Rect clip{0, 0, 64, 64};
+    const IntRect all{0, 0, 64, 64};
+    Loop flat{{5, 50}};
+    CurveFlattener flattener(0.25F, {5, 50}, {-20, -30}, {90, -10}, {55, 58});
+    for (Point p; flattener.Next(p);) {
+        flat.push_back(p);
+    }
+    flat.push_back({55, 58});
+    Grid expected = PlainCoverage({flat}, clip, all, false);
+    for (const bool close : {false, true}) {
+        GridSink sink(all);
+        m_rasterizer.Begin(clip, all, true);
+        m_rasterizer.BeginFigure({5, 50});
+        m_rasterizer.CubicTo({-20, -30}, {90, -10}, {55, 58});
+        close ? m_rasterizer.EndFigureClose() : m_rasterizer.EndFigure();
+        m_rasterizer.Finish(sink);
+        EXPECT_EQ(1, sink.begins);
+        Compare(expected, sink.grid, close ? "closed" : "open");
+    }
+}
+
+TEST_F(RasterizerTest, UprightRectanglesBecomeWholePixels) {
+    const IntRect all{0, 0, 64, 64};
+    const auto snapped = [&](const Loops& loops) {
+        GridSink sink(all);
+        m_rasterizer.Begin({0, 0, 64, 64}, all, true);
+        Feed(m_rasterizer, loops);
+        m_rasterizer.Finish(sink);
+        EXPECT_EQ(sink.rectangles.empty() ? 1 : 0, sink.begins);
+        const IntRect r = sink.rectangles.empty() ? IntRect{} : sink.rectangles[0];
+        return std::vector<int>{r.left, r.top, r.right, r.bottom};
+    };
+    const auto is = [](int l, int t, int r, int b) { return std::vector<int>{l, t, r, b}; };
+    const std::vector<int> none(4);
+    EXPECT_EQ(is(10, 10, 21, 20), snapped({Box(10.25F, 10, 20.75F, 20)}));
+    EXPECT_EQ(is(10, 10, 20, 20), snapped({Box(10.5F, 10, 20.5F, 20)})); // a tie drops the far column
+    EXPECT_EQ(is(11, 10, 21, 20), snapped({Box(10.75F, 10, 20.75F, 20)}));
+    EXPECT_EQ(is(10, 10, 20, 20), snapped({Box(10.25F, 10, 20.25F, 20)}));
+    EXPECT_EQ(is(5, 7, 6, 9), snapped({Box(5, 7, 5.05F, 9)})); // never less than a pixel wide
+    EXPECT_EQ(is(5, 7, 15, 8), snapped({Box(5, 7.25F, 15, 7.5F)}));
+    EXPECT_EQ(is(1, 2, 9, 30), snapped({{{1, 2}, {4, 2}, {9, 2}, {9, 30}, {1, 30}}})); // level sides don't count
+    EXPECT_EQ(is(1, 2, 9, 30000), snapped({Box(1, 2, 9, 30000)})); // not clipped
+    EXPECT_EQ(none, snapped({Box(1, 2, 9, 8), Box(1, 12, 9, 18)}));
+    EXPECT_EQ(none, snapped({{{1, 2}, {9, 2}, {9, 8}, {1.5F, 8}}}));
+}
+
+TEST_F(RasterizerTest, SimpleShapesInPixels) {
+    const Rect clip{0, 0, 16, 16};
+    const IntRect all{0, 0, 16, 16};
+    const auto draw = [&](const Loops& loops, uint32_t rule) {
+        GridSink sink(all);
+        m_rasterizer.Begin(clip, all, false);
+        m_rasterizer.SetFillRule(rule);
+        Feed(m_rasterizer, loops);
+        m_rasterizer.Finish(sink);
+        return sink.grid;
+    };
+    Grid one = draw({Box(3, 4, 4, 5)}, 0);
+    EXPECT_EQ(255, one.At(3, 4));
+    EXPECT_EQ(255, std::accumulate(one.value.begin(), one.value.end(), 0));
+    Grid half = draw({Box(5, 2, 5.5F, 9)}, 1);
+    EXPECT_EQ(127, half.At(5, 2));
+    EXPECT_EQ(127 * 7, std::accumulate(half.value.begin(), half.value.end(), 0));
+    const Loops two{Box(1, 1, 8, 8), Box(4, 4, 12, 12)};
+    EXPECT_EQ(255, draw(two, 0).At(5, 5));
+    EXPECT_EQ(0, draw(two, 1).At(5, 5));
+    EXPECT_EQ(255, draw(two, 1).At(10, 10));
+}
+
+TEST_F(RasterizerTest, DegenerateAndAbsurdInputGivesNothingOrSomethingButNoHarm) {
+    const float inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const IntRect all{0, 0, 32, 32};
+    GridSink empty(all);
+    for (const Loops& loops : {Loops{}, Loops{{{1, 1}}}, Loops{{{1, 1}, {9, 1}}}, Loops{{{1, 1.01F}, {9, 1.02F}, {4, 1.05F}}},
+                               Loops{Box(-9, 2, -1, 8)}, Loops{Box(40, 2, 49, 8)}, Loops{Box(2, 40, 8, 50)}}) {
+        m_rasterizer.Begin({0, 0, 32, 32}, all, true);
+        Feed(m_rasterizer, loops);
+        m_rasterizer.Finish(empty);
+        EXPECT_EQ(0, empty.begins);
+    }
+    const float wild[] = {inf, -inf, nan, 1e30F, -1e30F, 5, 20, 3.4e38F, -8.3e6F, 8.3e6F, 70000, 0.3F};
+    std::mt19937 random(5);
+    for (int round = 0; round < 500; ++round) {
+        GridSink sink(all);
+        const auto any = [&] { return wild[random() % std::size(wild)]; };
+        m_rasterizer.Begin({0, 0, 32, 32}, all, round % 2 == 0);
+        m_rasterizer.SetFillRule(static_cast<uint32_t>(round) & 2U);
+        for (int f = 0; f < 3; ++f) {
+            m_rasterizer.BeginFigure({any(), any()});
+            for (int i = 0; i < 5; ++i) {
+                m_rasterizer.LineTo({any(), any()});
+            }
+            m_rasterizer.EndFigure();
+        }
+        m_rasterizer.Finish(sink);
+    }
+    m_rasterizer.Begin({nan, -inf, inf, nan}, {INT32_MIN, INT32_MIN, INT32_MIN + 4, INT32_MAX}, true);
+    Feed(m_rasterizer, {{{1, 1}, {9, 5}, {2, 9}}});
+    m_rasterizer.Finish(empty);
+    // Vertices far beyond what the fast form holds still give the plain counts.
+    Check({{{-60000, -50000}, {70000, 3}, {-40000, 60000}}, {{20, -3}, {90000, 40000}, {3, 50}}}, {0, 0, 32, 32}, all, true,
+          "far");
+}
+
+TEST_F(RasterizerTest, AFailingSinkLeavesTheNextFillClean) {
+    struct Thrower : GridSink {
+        using GridSink::GridSink;
+        void Row(int32_t, std::span<CoverageRun>) override { throw 1; }
+    };
+    const Rect clip{0, 0, 40, 40};
+    const IntRect all{0, 0, 40, 40};
+    Thrower thrower(all);
+    m_rasterizer.Begin(clip, all, false);
+    Feed(m_rasterizer, {{{1, 1}, {38, 4}, {20, 39}}});
+    EXPECT_THROW(m_rasterizer.Finish(thrower), int);
+    Check({{{5, 3}, {30, 8}, {11, 29}}}, clip, all, false, "after");
+}
+
+/// Trapezoids and rows together cover what the plain counts cover, and bands are whole rows with ordered edges.
+TEST_F(RasterizerTest, TrapezoidBandsReplaceRows) {
+    std::mt19937 random(31);
+    const auto number = [&](float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); };
+    int bands = 0;
+    for (int round = 0; round < 300; ++round) {
+        const IntRect all{0, 0, 200, 120};
+        const Rect clip{0, 0, 200, 120};
+        const Loops loops{{{number(5, 60), number(1, 30)}, {number(120, 195), number(1, 30)},
+                           {number(120, 195), number(80, 119)}, {number(5, 60), number(80, 119)}}};
+        const bool evenOdd = round % 2 == 0;
+        GridSink sink(all, true);
+        m_rasterizer.Begin(clip, all, false);
+        m_rasterizer.SetFillRule(evenOdd ? 1 : 0);
+        Feed(m_rasterizer, loops);
+        m_rasterizer.Finish(sink);
+        Grid expected = PlainCoverage(loops, clip, all, evenOdd);
+        std::vector<bool> banded(120);
+        for (const Trapezoid& t : sink.bands) {
+            ++bands;
+            ASSERT_EQ(t.top, std::floor(t.top));
+            ASSERT_EQ(t.bottom, std::floor(t.bottom));
+            ASSERT_GE(t.bottom, t.top + 1);
+            ASSERT_LT(t.leftTop, t.rightTop);
+            ASSERT_LT(t.leftBottom, t.rightBottom);
+            ASSERT_NEAR(0.5F + 0.5F * std::fabs(t.leftBottom - t.leftTop) / (t.bottom - t.top), t.leftRamp, 0.2F);
+            double sum = 0;
+            for (int y = static_cast<int>(t.top); y < static_cast<int>(t.bottom); ++y) {
+                banded[static_cast<size_t>(y)] = true;
+                for (int x = 0; x < 200; ++x) {
+                    sum += (expected.At(x, y) + 1) / 256.0 - (expected.At(x, y) == 0 ? 1 / 256.0 : 0);
+                }
+            }
+            const double area = (t.bottom - t.top) * (t.rightTop - t.leftTop + t.rightBottom - t.leftBottom) / 2;
+            // A sub-scanline's x belongs to its middle, 1/16 pixel below the y that a band names.
+            const double slopes = 2.0 * t.leftRamp + 2.0 * t.rightRamp - 2;
+            ASSERT_NEAR(sum, area, (0.2 + slopes / 16) * (t.bottom - t.top)) << round;
+        }
+        for (int y = 0; y < 120; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                ASSERT_EQ(banded[static_cast<size_t>(y)] ? 0 : expected.At(x, y), sink.grid.At(x, y)) << round << ' ' << y;
+            }
+        }
+    }
+    EXPECT_GT(bands, 300);
+}
+
+} // namespace
+} // namespace Graphics
