@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// What colours the covered pixels. A brush is filled in by the function that makes it and shared as const from then on,
+// so that any number of threads may draw with it.
+#pragma once
+
+#include <memory>
+
+#include "../Matrix.h"
+#include "../Types.h"
+
+namespace Graphics {
+
+class Bitmap;
+class Gradient;
+
+inline constexpr uint32_t kBrushSolid = 0;
+inline constexpr uint32_t kBrushBitmap = 1;
+inline constexpr uint32_t kBrushGradient = 3;
+
+class Brush {
+public:
+    virtual ~Brush() = default;
+    [[nodiscard]] virtual uint32_t Kind() const noexcept = 0;
+
+    Matrix transform = kIdentity; ///< brush space to user space
+    float opacity = 1.0F;         ///< multiplies the alpha of every colour; any value, as the host gave it
+};
+
+/// One colour, straight, each channel in [0, 1].
+class SolidBrush final : public Brush {
+public:
+    explicit SolidBrush(const Color& c) noexcept : color(c) {}
+    [[nodiscard]] uint32_t Kind() const noexcept override { return kBrushSolid; }
+
+    Color color;
+};
+
+/// Brush space is that of the bitmap's pixels. Later changes of the pixels are seen.
+class BitmapBrush final : public Brush {
+public:
+    explicit BitmapBrush(std::shared_ptr<Bitmap> b) noexcept : bitmap(std::move(b)) {}
+    [[nodiscard]] uint32_t Kind() const noexcept override { return kBrushBitmap; }
+
+    std::shared_ptr<Bitmap> bitmap;
+    uint32_t interpolation = GXInterpolationLinear; ///< unknown values count as nearest
+    uint32_t extendX = GXExtendClamp;               ///< unknown values count as clamp
+    uint32_t extendY = GXExtendClamp;
+};
+
+class GradientBrush final : public Brush {
+public:
+    explicit GradientBrush(std::shared_ptr<const Gradient> g) noexcept : gradient(std::move(g)) {}
+    [[nodiscard]] uint32_t Kind() const noexcept override { return kBrushGradient; }
+
+    std::shared_ptr<const Gradient> gradient;
+};
+
+} // namespace Graphics

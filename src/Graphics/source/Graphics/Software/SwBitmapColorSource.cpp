@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// The map of a sampler is the inverse of the placement, taken at device pixel centres.
+#include "SwBitmapColorSource.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "../Bitmaps/CacheHolder.h"
+#include "../Exception.h"
+#include "../Pixels/PixelFormat.h"
+#include "SwBitmapSampler.h"
+#include "SwOpacity.h"
+#include "SwReducedImage.h"
+#include "SwSolidColorSource.h"
+
+namespace Graphics {
+
+namespace {
+
+/// Keys of reduced images among a bitmap's derived objects; the halvings fix the size.
+constexpr uint32_t kReducedKey = 0x52440000U;
+constexpr uint32_t kReducedMask = 0x8000U;
+
+int32_t TargetSize(int32_t size, double scale) noexcept {
+    const double target = std::ceil(size / scale);
+    return target >= 1.0 ? static_cast<int32_t>(std::min(target, static_cast<double>(size))) : 1;
+}
+
+} // namespace
+
+SwColorSource* CreateBitmapSource(Arena& arena, const PixelView& view, CacheHolder* derived, uint32_t interpolation,
+                                  uint32_t extendX, uint32_t extendY, float opacity, const Matrix& bitmapToDevice,
+                                  bool asMask) {
+    if (!IsValidFormat(view.format)) {
+        GX_RAISE("Graphics::`anonymous-namespace'::CreateBitmapSampler", "Not implemented");
+    }
+    Matrix inverse;
+    if (view.data == nullptr || view.width <= 0 || view.height <= 0 || !Invert(bitmapToDevice, inverse)) {
+        return arena.Make<SwSolidColorSource>(0U);
+    }
+    SwPixelReader reader(arena, view, asMask);
+    SwSamplerSetup setup{};
+    setup.width = view.width;
+    setup.height = view.height;
+    setup.linear = interpolation == GXInterpolationLinear || interpolation == GXInterpolationAverage;
+    setup.tilingX = extendX > GXExtendMirror ? 0U : extendX;
+    setup.tilingY = extendY > GXExtendMirror ? 0U : extendY;
+    setup.opacityFactor = asMask ? 256 : OpacityFactor(opacity);
+    setup.opaque = reader.IsOpaque() && setup.opacityFactor == 256;
+
+    double scaleX = 1.0; // pixels of the sampled image for each of the bitmap
+    double scaleY = 1.0;
+    std::shared_ptr<void> keep;
+    if (interpolation == GXInterpolationAverage) {
+        const double m0 = inverse.m00, m1 = inverse.m01, m2 = inverse.m10, m3 = inverse.m11;
+        const double sx = std::sqrt(m0 * m0 + m1 * m1);
+        const double sy = std::fabs(m0 * m3 - m1 * m2) / sx;
+        const uint32_t halvingsX = SwReducedImage::Halvings(view.width, TargetSize(view.width, sy));
+        const uint32_t halvingsY = SwReducedImage::Halvings(view.height, TargetSize(view.height, sx));
+        if (halvingsX != 0 || halvingsY != 0) {
+            const uint32_t key = kReducedKey | (asMask ? kReducedMask : 0U) | halvingsX << 8 | halvingsY;
+            keep = derived != nullptr ? derived->Get(key) : nullptr;
+            if (keep == nullptr) {
+                keep = std::make_shared<SwReducedImage>(reader, view.width, view.height, halvingsX, halvingsY);
+                if (derived != nullptr) {
+                    derived->Put(key, keep);
+                }
+            }
+            const PixelView reduced = static_cast<const SwReducedImage*>(keep.get())->View();
+            scaleX = static_cast<double>(reduced.width) / view.width;
+            scaleY = static_cast<double>(reduced.height) / view.height;
+            setup.width = reduced.width;
+            setup.height = reduced.height;
+            reader = SwPixelReader(arena, reduced, false);
+        }
+    }
+    // Bilinear coordinates count from pixel centres, where the neighbours' weights are 1 and 0.
+    const double centre = setup.linear ? 0.5 : 0.0;
+    setup.m0 = static_cast<float>(inverse.m00 * scaleX);
+    setup.m1 = static_cast<float>(inverse.m01 * scaleY);
+    setup.m2 = static_cast<float>(inverse.m10 * scaleX);
+    setup.m3 = static_cast<float>(inverse.m11 * scaleY);
+    setup.m4 = static_cast<float>((0.5 * inverse.m00 + 0.5 * inverse.m10 + inverse.m20) * scaleX - centre);
+    setup.m5 = static_cast<float>((0.5 * inverse.m01 + 0.5 * inverse.m11 + inverse.m21) * scaleY - centre);
+    return arena.Make<SwBitmapSampler>(arena, reader, setup, std::move(keep));
+}
+
+} // namespace Graphics

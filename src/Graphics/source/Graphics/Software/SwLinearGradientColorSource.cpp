@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// The parameter is measured in gradient space, t = (p - start) . (end - start) / |end - start|^2 with p the inverse image
+// of the device point, so that under skew the lines of one colour follow the mapping.
+#include "SwLinearGradientColorSource.h"
+
+#include <algorithm>
+
+namespace Graphics {
+
+SwLinearGradientColorSource::SwLinearGradientColorSource(const GradientBrush& brush, const LinearGradient& gradient,
+                                                         const Matrix& transform) noexcept
+    : SwGradientColorSource(brush, gradient) {
+    InverseMap map;
+    const bool empty = gradient.start.x == gradient.end.x && gradient.start.y == gradient.end.y;
+    if (empty || !map.Set(PaintTransform(brush, transform))) {
+        MakeConstant();
+        return;
+    }
+    m_shade.notANumber = m_shade.before;
+    const double startX = gradient.start.x;
+    const double startY = gradient.start.y;
+    const double axisX = gradient.end.x - startX;
+    const double axisY = gradient.end.y - startY;
+    const double square = axisX * axisX + axisY * axisY;
+    m_dtdx = static_cast<float>((map.a * axisX + map.b * axisY) / square);
+    m_dtdy = static_cast<float>((map.c * axisX + map.d * axisY) / square);
+    m_t0 = static_cast<float>(((map.e - startX) * axisX + (map.f - startY) * axisY) / square);
+}
+
+void SwLinearGradientColorSource::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
+    if (x0 >= x1) {
+        return;
+    }
+    const auto count = static_cast<size_t>(static_cast<int64_t>(x1) - x0);
+    if (m_constant) {
+        std::fill_n(out, count, m_background);
+        return;
+    }
+    float next = static_cast<float>(y) * m_dtdy + static_cast<float>(x0) * m_dtdx + m_t0;
+    if (m_dtdx == 0.0F) { // the axis is upright: one colour for the row
+        uint32_t color;
+        m_kernels.shade(m_shade, &next, 1, &color);
+        std::fill_n(out, count, color);
+        return;
+    }
+    float t[kPaintChunk];
+    for (size_t done = 0; done < count;) {
+        const size_t n = std::min(kPaintChunk, count - done);
+        next = m_kernels.accumulate(next, m_dtdx, t, n);
+        m_kernels.shade(m_shade, t, n, out + done);
+        done += n;
+    }
+}
+
+} // namespace Graphics

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// The row loops of gradients and bitmap samplers, one table for each instruction set. All sets give the same bits.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "../Paint/GradientSampler.h"
+
+namespace Graphics {
+
+/// Colours of gradient parameters. `interval` is the one used last.
+struct GradientShade {
+    const GradientSampler* sampler;
+    GradientInterval interval;
+    uint32_t before;       ///< t < 0
+    uint32_t after;        ///< t > 1
+    uint32_t notANumber;   ///< t is NaN
+    uint32_t opacityFactor; ///< 1 to 256
+};
+
+/// Coefficients of the two-circle equation; see SwRadialGradientColorSource.
+struct RadialEquation {
+    float g2, qa4, qinv;
+};
+
+struct SwPaintKernels {
+    const char* name;
+
+    /// out = v, v + step, (v + step) + step, ... every sum rounded as a float add rounds it. Returns the term that follows.
+    float (*accumulate)(float v, float step, float* out, size_t count);
+    /// Premultiplied colours, scaled by the opacity factor.
+    void (*shade)(GradientShade& state, const float* t, size_t count, uint32_t* out);
+    /// Parameters from relative coordinates and the linear coefficient; NaN where no circle passes, -1 where the
+    /// solution itself is not a number.
+    void (*radial)(const RadialEquation& equation, const float* u, const float* v, const float* b, size_t count,
+                   float* t);
+
+    /// Pixel index of each coordinate by tiling mode.
+    void (*indices[3])(const float* c, size_t count, int32_t size, int32_t* index);
+    /// Both neighbours of each coordinate, and the second one's weight 1 to 256, twice in a word.
+    void (*taps[3])(const float* c, size_t count, int32_t size, int32_t* first, int32_t* second, uint32_t* weight);
+    /// out = a * (257 - w) / 256 + b * w / 256 with the weights of `taps`; out may be a or b.
+    void (*mix)(const uint32_t* a, const uint32_t* b, const uint32_t* weight, size_t count, uint32_t* out);
+    /// The same with one weight 1 to 256.
+    void (*mixBy)(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t count, uint32_t* out);
+    void (*scaleBy)(uint32_t* row, uint32_t factor, size_t count);
+    void (*premultiply)(uint32_t* row, size_t count);
+};
+
+/// 0: the set that every processor of the build has; 1: AVX2. Null where build or processor lack it.
+[[nodiscard]] const SwPaintKernels* PaintKernelSet(int index) noexcept;
+/// The best one.
+[[nodiscard]] const SwPaintKernels& ActivePaintKernels() noexcept;
+
+/// Longest stretch that the sources work on at once, in pixels.
+inline constexpr size_t kPaintChunk = 256;
+
+} // namespace Graphics

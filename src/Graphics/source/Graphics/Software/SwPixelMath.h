@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The 8-bit operations on one ARGB word, two 16-bit lanes at a time. They have internal linkage, because this header is
+// also compiled with the flags of wider instruction sets: no copy made there may serve the rest of the program.
+#pragma once
+
+#include <cstdint>
+
+namespace Graphics {
+
+/// Every channel times factor / 256; 256 leaves the pixel.
+[[nodiscard]] static inline uint32_t ScalePixel(uint32_t c, uint32_t factor) noexcept {
+    const uint32_t rb = ((c & 0x00FF00FFU) * factor >> 8) & 0x00FF00FFU;
+    const uint32_t ag = ((c >> 8) & 0x00FF00FFU) * factor & 0xFF00FF00U;
+    return ag | rb;
+}
+
+/// Red, green and blue times (alpha + 1) / 256; alpha stays. Opaque pixels come out as they are.
+[[nodiscard]] static inline uint32_t PremultiplyPixel(uint32_t c) noexcept {
+    return (c & 0xFF000000U) | (ScalePixel(c, (c >> 24) + 1) & 0x00FFFFFFU);
+}
+
+/// a * (257 - w) / 256 + b * w / 256, each truncated; w is 1 (all a) to 256 (all b).
+[[nodiscard]] static inline uint32_t MixPixels(uint32_t a, uint32_t b, uint32_t w) noexcept {
+    return ScalePixel(a, 257 - w) + ScalePixel(b, w);
+}
+
+} // namespace Graphics

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+// Formats differ in how a pixel is found (three bytes, a word, a byte, a bit) and what its value means; bytes and bits go
+// through a table of words, so that palettes, grey levels and coverage are one case.
+#include "SwPixelReader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "SwPaintKernels.h"
+#include "SwPixelMath.h"
+
+namespace Graphics {
+
+namespace {
+
+constexpr std::array<uint32_t, 256> Ramp(uint32_t scale, uint32_t base) noexcept {
+    std::array<uint32_t, 256> table{};
+    for (uint32_t v = 0; v < 256; ++v) {
+        table[v] = base | v * scale;
+    }
+    return table;
+}
+
+constexpr std::array<uint32_t, 256> kCoverage = Ramp(0x01010101U, 0);
+constexpr std::array<uint32_t, 256> kGrey = Ramp(0x00010101U, 0xFF000000U);
+constexpr uint32_t kBitCoverage[2] = {0, 0xFFFFFFFFU};
+constexpr uint32_t kBlackWhite[2] = {0xFF000000U, 0xFFFFFFFFU};
+constexpr uint32_t kFull[2] = {0xFFFFFFFFU, 0xFFFFFFFFU};
+
+uint32_t LoadWord(const uint8_t* row, int32_t x) noexcept {
+    uint32_t word;
+    std::memcpy(&word, row + static_cast<ptrdiff_t>(x) * 4, 4);
+    return word;
+}
+
+struct Bgr24 {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
+        const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 3;
+        return 0xFF000000U | static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[1]) << 8 | p[0];
+    }
+};
+struct Premultiplied32 {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept { return LoadWord(row, x); }
+};
+struct Straight32 {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
+        return PremultiplyPixel(LoadWord(row, x));
+    }
+};
+struct Opaque32 {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
+        return LoadWord(row, x) | 0xFF000000U;
+    }
+};
+struct AlphaOf32 {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
+        return (LoadWord(row, x) >> 24) * 0x01010101U;
+    }
+};
+struct Byte {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t* table) noexcept {
+        return table[row[x]];
+    }
+};
+struct Bit {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t offset, const uint32_t* table) noexcept {
+        const uint32_t bit = static_cast<uint32_t>(x) + offset;
+        return table[(row[bit >> 3] >> (7 - (bit & 7))) & 1];
+    }
+};
+struct Always {
+    static uint32_t At(const uint8_t*, int32_t, uint32_t, const uint32_t* table) noexcept { return table[0]; }
+};
+
+} // namespace
+
+template <class Format>
+struct SwPixelLoops {
+    static void Run(const SwPixelReader& r, const uint8_t* row, int32_t x, size_t count, uint32_t* out) {
+        if constexpr (std::is_same_v<Format, Premultiplied32>) {
+            std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
+        } else if constexpr (std::is_same_v<Format, Straight32>) {
+            std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
+            ActivePaintKernels().premultiply(out, count);
+        } else {
+            for (size_t k = 0; k < count; ++k) {
+                out[k] = Format::At(row, x + static_cast<int32_t>(k), r.m_bitOffset, r.m_table);
+            }
+        }
+    }
+    static void Columns(const SwPixelReader& r, const uint8_t* row, const int32_t* columns, size_t count,
+                        uint32_t* out) {
+        for (size_t k = 0; k < count; ++k) {
+            out[k] = Format::At(row, columns[k], r.m_bitOffset, r.m_table);
+        }
+    }
+    static void Points(const SwPixelReader& r, const int32_t* rows, const int32_t* columns, size_t count,
+                       uint32_t* out) {
+        for (size_t k = 0; k < count; ++k) {
+            out[k] = Format::At(r.Row(rows[k]), columns[k], r.m_bitOffset, r.m_table);
+        }
+    }
+};
+
+template <class Format>
+void SwPixelReader::Use() noexcept {
+    m_run = SwPixelLoops<Format>::Run;
+    m_columns = SwPixelLoops<Format>::Columns;
+    m_points = SwPixelLoops<Format>::Points;
+}
+
+SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
+    : m_data(view.data), m_strideBytes(view.strideBytes), m_bitOffset(view.bitOffset) {
+    // A palette's words; beyond its end lies opaque black, and without one the index is the level.
+    const auto useIndexed = [&](size_t count, const uint32_t* levels) {
+        m_table = levels;
+        m_opaque = true;
+        if (view.palette != nullptr) {
+            auto* words = arena.AllocArray<uint32_t>(count);
+            const size_t known = std::min(count, view.paletteCount);
+            std::transform(view.palette, view.palette + known, words, PremultiplyPixel);
+            std::fill(words + known, words + count, 0xFF000000U);
+            m_opaque = std::all_of(words, words + count, [](uint32_t c) { return c >> 24 == 255; });
+            m_table = words;
+        }
+    };
+    const auto useTable = [&](const uint32_t* table, bool opaque) {
+        m_table = table;
+        m_opaque = opaque;
+    };
+    switch (view.format) {
+    case GXPixelFormatAlpha8:
+        Use<Byte>();
+        useTable(kCoverage.data(), false);
+        return;
+    case GXPixelFormatGray8:
+        Use<Byte>();
+        useTable(asMask ? kCoverage.data() : kGrey.data(), !asMask);
+        return;
+    case GXPixelFormatAlpha1:
+        Use<Bit>();
+        useTable(kBitCoverage, false);
+        return;
+    case GXPixelFormatBlackWhite1:
+        Use<Bit>();
+        useTable(asMask ? kBitCoverage : kBlackWhite, !asMask);
+        return;
+    case GXPixelFormatPBGRA32:
+        asMask ? Use<AlphaOf32>() : Use<Premultiplied32>();
+        m_direct = !asMask;
+        return;
+    case GXPixelFormatBGRA32:
+        asMask ? Use<AlphaOf32>() : Use<Straight32>();
+        return;
+    default:
+        break;
+    }
+    if (asMask) { // no alpha and no level: everything counts
+        Use<Always>();
+        useTable(kFull, true);
+        return;
+    }
+    m_opaque = true;
+    switch (view.format) {
+    case GXPixelFormatBGR24:
+        Use<Bgr24>();
+        return;
+    case GXPixelFormatIndexed8:
+        Use<Byte>();
+        useIndexed(256, kGrey.data());
+        return;
+    case GXPixelFormatIndexed1:
+        Use<Bit>();
+        useIndexed(2, kBlackWhite);
+        return;
+    default:
+        Use<Opaque32>();
+        return;
+    }
+}
+
+} // namespace Graphics

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// Reads pixels of any format as premultiplied ARGB words, or as mask words (the mask value in all four bytes). The format
+// is looked at once; behind that a reader is three functions without a branch on it.
+#pragma once
+
+#include "../Arena.h"
+#include "../Pixels/PixelView.h"
+
+namespace Graphics {
+
+class SwPixelReader {
+public:
+    /// `view` must have a valid format. The reader stays good as long as the view's pixels and the arena's draw; a palette
+    /// is copied, premultiplied.
+    SwPixelReader(Arena& arena, const PixelView& view, bool asMask);
+
+    /// `count` pixels of row y from column x on.
+    void Run(int32_t y, int32_t x, size_t count, uint32_t* out) const noexcept {
+        m_run(*this, Row(y), x, count, out);
+    }
+    /// The pixels of row y at the given columns.
+    void Columns(int32_t y, const int32_t* columns, size_t count, uint32_t* out) const noexcept {
+        m_columns(*this, Row(y), columns, count, out);
+    }
+    /// The pixels at (columns[k], rows[k]).
+    void Points(const int32_t* rows, const int32_t* columns, size_t count, uint32_t* out) const noexcept {
+        m_points(*this, rows, columns, count, out);
+    }
+
+    /// True when no word can have an alpha below 255.
+    [[nodiscard]] bool IsOpaque() const noexcept { return m_opaque; }
+    /// True when the words lie in memory as Run gives them.
+    [[nodiscard]] bool IsDirect() const noexcept { return m_direct; }
+    [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_data + y * m_strideBytes; }
+
+private:
+    template <class Format>
+    friend struct SwPixelLoops;
+
+    template <class Format>
+    void Use() noexcept;
+
+    using RunFunction = void (*)(const SwPixelReader&, const uint8_t*, int32_t, size_t, uint32_t*);
+    using ColumnsFunction = void (*)(const SwPixelReader&, const uint8_t*, const int32_t*, size_t, uint32_t*);
+    using PointsFunction = void (*)(const SwPixelReader&, const int32_t*, const int32_t*, size_t, uint32_t*);
+
+    const uint8_t* m_data;
+    ptrdiff_t m_strideBytes;
+    uint32_t m_bitOffset;
+    bool m_opaque = false;
+    bool m_direct = false;
+    const uint32_t* m_table = nullptr; ///< words of the 256 byte values, or of the two bits
+    RunFunction m_run = nullptr;
+    ColumnsFunction m_columns = nullptr;
+    PointsFunction m_points = nullptr;
+};
+
+} // namespace Graphics

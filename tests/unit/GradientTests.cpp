@@ -1,0 +1,493 @@
+// SPDX-License-Identifier: MIT
+// Gradient colours against a plain evaluation of their formulas, pixel by pixel and without tolerance.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "Exception.h"
+#include "Paint/Brush.h"
+#include "Paint/Gradient.h"
+#include "Software/SwColorSource.h"
+#include "Software/SwPaintKernels.h"
+
+namespace {
+
+using namespace Graphics;
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInf = std::numeric_limits<float>::infinity();
+
+std::mt19937 g_random(1);
+
+float Uniform(float low, float high) { return std::uniform_real_distribution<float>(low, high)(g_random); }
+uint32_t RandomColor() { return static_cast<uint32_t>(g_random()) | (g_random() % 3 == 0 ? 0xFF000000U : 0U); }
+
+uint32_t Channel(uint32_t c, int i) { return (c >> (8 * i)) & 255U; }
+
+template <class Function>
+uint32_t PerChannel(Function&& f) {
+    return f(0) | f(1) << 8 | f(2) << 16 | f(3) << 24;
+}
+
+/// The stops as they were added; a stable insertion keeps them sorted.
+uint32_t PlainColor(const std::vector<GradientStop>& added, float t) {
+    std::vector<GradientStop> stops;
+    for (const GradientStop& s : added) {
+        auto at = stops.begin();
+        while (at != stops.end() && at->offset <= s.offset) {
+            ++at;
+        }
+        stops.insert(at, s);
+    }
+    for (size_t i = 0; i < stops.size(); ++i) {
+        if (stops[i].offset < t) {
+            continue;
+        }
+        if (stops[i].offset == t || i == 0) {
+            return stops[i].color;
+        }
+        const GradientStop& upper = stops[i];
+        const GradientStop& lower = stops[i - 1];
+        const uint32_t w =
+            (static_cast<uint32_t>((upper.offset - t) / (upper.offset - lower.offset) * 255.0F) & 255U) + 1;
+        return PerChannel([&](int c) {
+            return (Channel(lower.color, c) * w >> 8) + (Channel(upper.color, c) * (257 - w) >> 8);
+        });
+    }
+    return 0;
+}
+
+uint32_t PlainScale(uint32_t c, uint32_t f) {
+    return PerChannel([&](int i) { return Channel(c, i) * f >> 8; });
+}
+uint32_t PlainPremultiply(uint32_t c) {
+    return PerChannel([&](int i) { return i == 3 ? c >> 24 : Channel(c, i) * ((c >> 24) + 1) >> 8; });
+}
+
+struct Scene {
+    std::vector<GradientStop> stops;
+    Matrix brush = kIdentity;
+    Matrix ctm = kIdentity;
+    float opacity = 1.0F;
+    uint32_t factor = 256;
+
+    void Randomize() {
+        const float offsets[] = {0.0F, 0.25F, 0.5F, 0.5F, 0.75F, 1.0F, -0.5F, 1.5F, 0.3F, 0.30000001F};
+        stops.clear();
+        for (size_t n = g_random() % 7; n > 0; --n) {
+            const float o = g_random() % 2 != 0 ? offsets[g_random() % 10] : Uniform(0.0F, 1.0F);
+            stops.push_back({o, RandomColor()});
+        }
+        const auto matrix = [] {
+            return Matrix{Uniform(-3, 3), Uniform(-1, 1), Uniform(-1, 1), Uniform(-3, 3), Uniform(-50, 50),
+                          Uniform(-50, 50)};
+        };
+        brush = g_random() % 2 != 0 ? matrix() : kIdentity;
+        ctm = g_random() % 2 != 0 ? matrix() : kIdentity;
+        opacity = g_random() % 2 != 0 ? 1.0F : 0.5F;
+        factor = opacity == 1.0F ? 256 : 128;
+    }
+
+    uint32_t At(float t) const { return PlainScale(PlainPremultiply(PlainColor(stops, t)), factor); }
+    uint32_t Outside(const TwoPointGradientBase& g) const {
+        return g.hasBackground ? PlainScale(PackColor(g.background), factor) : 0;
+    }
+    uint32_t Color(const TwoPointGradientBase& g, float t) const {
+        if (t < 0.0F || std::isnan(t)) {
+            return g.extendStart ? At(0.0F) : Outside(g);
+        }
+        if (t > 1.0F) {
+            return g.extendEnd ? At(1.0F) : Outside(g);
+        }
+        return At(t);
+    }
+    bool Inverse(double (&m)[6]) const {
+        const Matrix f = IsIdentity(ctm) ? brush : Concat(brush, ctm);
+        const double det = double(f.m00) * f.m11 - double(f.m01) * f.m10;
+        const double k = 1.0 / det;
+        m[0] = f.m11 * k;
+        m[1] = -f.m01 * k;
+        m[2] = -f.m10 * k;
+        m[3] = f.m00 * k;
+        m[4] = (double(f.m10) * f.m21 - double(f.m11) * f.m20) * k;
+        m[5] = (double(f.m01) * f.m20 - double(f.m00) * f.m21) * k;
+        return det != 0.0;
+    }
+};
+
+template <class G>
+std::shared_ptr<G> RandomGradient(const Scene& scene) {
+    auto g = std::make_shared<G>();
+    g->stops.Add(scene.stops.data(), scene.stops.size());
+    g->start = {Uniform(-50, 50), Uniform(-50, 50)};
+    g->end = {Uniform(-50, 50), Uniform(-50, 50)};
+    g->extendStart = g_random() % 2 != 0;
+    g->extendEnd = g_random() % 2 != 0;
+    g->hasBackground = g_random() % 2 != 0;
+    g->background = UnpackColor(RandomColor());
+    return g;
+}
+
+std::vector<uint32_t> Row(SwColorSource& source, int32_t x0, int32_t x1, int32_t y) {
+    std::vector<uint32_t> out(static_cast<size_t>(x1 - x0) + 2, 0xDEADBEEFU);
+    source.Fill(x0, x1, y, out.data() + 1);
+    EXPECT_EQ(out.front(), 0xDEADBEEFU);
+    EXPECT_EQ(out.back(), 0xDEADBEEFU);
+    return {out.begin() + 1, out.end() - 1};
+}
+
+void ExpectPromises(SwColorSource& source, const std::vector<uint32_t>& row) {
+    uint32_t solid = 0;
+    const bool isSolid = source.IsSolid(solid);
+    for (const uint32_t c : row) {
+        if (isSolid) {
+            ASSERT_EQ(c, solid);
+        }
+        if (source.IsOpaque()) {
+            ASSERT_EQ(c >> 24, 255U);
+        }
+    }
+}
+
+constexpr Rect kBounds{0, 0, 100, 100};
+
+TEST(GradientStops, KeepOrderOfEqualOffsetsAndLookUpTheFirst) {
+    GradientStopCollection stops;
+    const GradientStop added[] = {{1.0F, 4}, {0.5F, 2}, {kNaN, 9}, {0.0F, 1}, {0.5F, 3}};
+    stops.Add(added, 2);
+    stops.Add(added + 2, 3);
+    std::vector<uint32_t> order;
+    for (const GradientStop& s : stops) {
+        order.push_back(s.color);
+    }
+    EXPECT_EQ(order, (std::vector<uint32_t>{1, 2, 3, 4, 9}));
+    const GradientSampler sampler(stops);
+    EXPECT_EQ(sampler.ColorAt(0.5F), 2U);
+    EXPECT_EQ(sampler.ColorAt(-1.0F), 1U);
+    EXPECT_EQ(sampler.ColorAt(1.0F), 4U);
+    EXPECT_EQ(GradientSampler(GradientStopCollection()).ColorAt(0.5F), 0U);
+}
+
+TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
+    for (int set = 0; set < 2; ++set) {
+        const SwPaintKernels* kernels = PaintKernelSet(set);
+        if (kernels == nullptr) {
+            continue;
+        }
+        for (int round = 0; round < 400; ++round) {
+            Scene scene;
+            scene.Randomize();
+            GradientStopCollection stops;
+            stops.Add(scene.stops.data(), scene.stops.size());
+            const GradientSampler sampler(stops);
+            GradientShade shade{&sampler, sampler.IntervalAt(0.0F), 11, 22, 33, scene.factor};
+            std::vector<float> t(g_random() % 40);
+            float next = Uniform(-0.2F, 0.2F);
+            const float step = Uniform(0.0F, 0.1F);
+            for (float& v : t) {
+                const float special[] = {0.0F, -0.0F, 1.0F, 0.5F, 0.25F, 0.3F, kNaN, kInf, -kInf, 1.0000001F, 1e-40F};
+                v = g_random() % 8 == 0 ? special[g_random() % 11] : next;
+                next += step;
+            }
+            std::vector<uint32_t> out(t.size() + 1, 7);
+            kernels->shade(shade, t.data(), t.size(), out.data());
+            EXPECT_EQ(out.back(), 7U);
+            for (size_t i = 0; i < t.size(); ++i) {
+                const uint32_t expected = t[i] < 0 ? 11 : t[i] > 1 ? 22 : std::isnan(t[i]) ? 33 : scene.At(t[i]);
+                ASSERT_EQ(out[i], expected) << kernels->name << " round " << round << " t " << t[i];
+            }
+        }
+    }
+}
+
+TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
+    for (int set = 0; set < 2; ++set) {
+        const SwPaintKernels* kernels = PaintKernelSet(set);
+        for (int round = 0; kernels != nullptr && round < 3000; ++round) {
+            const float scales[] = {1e-30F, 1e-3F, 1.0F, 1000.0F, 3e7F, 1e38F};
+            float v = Uniform(-1, 1) * scales[g_random() % 6];
+            float step = Uniform(-1, 1) * scales[g_random() % 5];
+            switch (g_random() % 8) {
+            case 0:
+                step = std::ldexp(static_cast<float>(g_random() % 7), -20); // many ties
+                v = 4.0F + std::ldexp(static_cast<float>(g_random() % 9), -21);
+                break;
+            case 1: {
+                const float odd[] = {0.0F, -0.0F, kNaN, kInf, 1e-45F, 1.0F, -0.5F};
+                step = odd[g_random() % 7];
+                break;
+            }
+            case 2:
+                v = std::ldexp(1.0F, static_cast<int>(g_random() % 5)) + 1.0F; // down across a binade's lower end
+                step = -std::ldexp(1.0F + Uniform(0, 1), -static_cast<int>(g_random() % 9));
+                break;
+            default:
+                break;
+            }
+            const size_t count = g_random() % 700;
+            std::vector<float> out(count + 1, 123.0F);
+            float plain = v;
+            const float next = kernels->accumulate(v, step, out.data(), count);
+            for (size_t i = 0; i < count; ++i, plain += step) {
+                ASSERT_TRUE(std::memcmp(&out[i], &plain, 4) == 0 || (std::isnan(out[i]) && std::isnan(plain)))
+                    << v << " + " << step << " term " << i << ": " << out[i] << " for " << plain;
+            }
+            ASSERT_TRUE(next == plain || std::isnan(plain));
+            ASSERT_EQ(out[count], 123.0F);
+        }
+    }
+}
+
+TEST(LinearGradientSource, EqualsFormula) {
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(round);
+        Scene scene;
+        scene.Randomize();
+        const auto g = RandomGradient<LinearGradient>(scene);
+        if (round % 10 == 0) {
+            g->end.x = g->start.x; // upright axis
+        }
+        GradientBrush brush(g);
+        brush.transform = scene.brush;
+        brush.opacity = scene.opacity;
+        Arena arena;
+        SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, kBounds, scene.ctm);
+        double m[6];
+        ASSERT_TRUE(scene.Inverse(m));
+        const double sx = g->start.x, sy = g->start.y;
+        const double ax = g->end.x - sx, ay = g->end.y - sy, square = ax * ax + ay * ay;
+        const auto dtdx = static_cast<float>((m[0] * ax + m[1] * ay) / square);
+        const auto dtdy = static_cast<float>((m[2] * ax + m[3] * ay) / square);
+        const auto t0 = static_cast<float>(((m[4] - sx) * ax + (m[5] - sy) * ay) / square);
+        for (const int32_t y : {-40, 0, 17, 500}) {
+            const int32_t x0 = static_cast<int32_t>(g_random() % 200) - 100;
+            const std::vector<uint32_t> row = Row(*source, x0, x0 + 1 + static_cast<int32_t>(g_random() % 600), y);
+            ExpectPromises(*source, row);
+            float t = static_cast<float>(y) * dtdy + static_cast<float>(x0) * dtdx + t0;
+            for (size_t i = 0; i < row.size(); ++i, t += dtdx) {
+                ASSERT_EQ(row[i], scene.Color(*g, t)) << "pixel " << i << " t " << t;
+            }
+        }
+    }
+}
+
+TEST(RadialGradientSource, EqualsFormula) {
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(round);
+        Scene scene;
+        scene.Randomize();
+        const auto g = RandomGradient<RadialGradient>(scene);
+        g->startRadius = Uniform(-5, 30);
+        g->endRadius = Uniform(0, 80);
+        if (round % 4 == 0) {
+            g->end = g->start;
+        }
+        if (round % 7 == 0) { // the circles touch from inside: the equation is linear
+            g->start = {0, 0};
+            g->end = {16, 0};
+            g->startRadius = 8;
+            g->endRadius = 24;
+        }
+        GradientBrush brush(g);
+        brush.transform = scene.brush;
+        brush.opacity = scene.opacity;
+        Arena arena;
+        SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, kBounds, scene.ctm);
+        double m[6];
+        ASSERT_TRUE(scene.Inverse(m));
+        const float dr = g->endRadius - g->startRadius;
+        const float a = static_cast<float>(m[0] / dr), b = static_cast<float>(m[1] / dr);
+        const float c = static_cast<float>(m[2] / dr), d = static_cast<float>(m[3] / dr);
+        const float e = static_cast<float>((m[4] - g->start.x) / dr), f = static_cast<float>((m[5] - g->start.y) / dr);
+        const float ex = (g->start.x - g->end.x) / dr, ey = (g->start.y - g->end.y) / dr, gg = g->startRadius / dr;
+        const float A = ex * ex + ey * ey - 1.0F, qa4 = A * 4.0F, qinv = 1.0F / (A + A);
+        for (const int32_t y : {-60, 0, 33}) {
+            const int32_t x0 = static_cast<int32_t>(g_random() % 200) - 100;
+            const std::vector<uint32_t> row = Row(*source, x0, x0 + 1 + static_cast<int32_t>(g_random() % 500), y);
+            ExpectPromises(*source, row);
+            float u = a * static_cast<float>(x0) + c * static_cast<float>(y) + e;
+            float v = b * static_cast<float>(x0) + d * static_cast<float>(y) + f;
+            float B = 2.0F * (u * ex + v * ey - gg);
+            for (size_t i = 0; i < row.size(); ++i, u += a, v += b, B += 2.0F * (ex * a + ey * b)) {
+                const float C = u * u + v * v - gg * gg;
+                float t = -C / B;
+                bool outside = false;
+                if (qa4 != 0.0F) {
+                    const float D = B * B - qa4 * C;
+                    outside = D < 0.0F;
+                    const float s = std::sqrt(D);
+                    const float t1 = (s - B) * qinv;
+                    t = D == 0.0F ? -B * qinv : t1 >= 0.0F && t1 <= 1.0F ? t1 : (-B - s) * qinv;
+                    t = std::isnan(D) ? 0.0F : t;
+                }
+                ASSERT_EQ(row[i], outside ? scene.Outside(*g) : scene.Color(*g, t)) << "pixel " << i << " t " << t;
+            }
+        }
+    }
+}
+
+TEST(GradientSources, WithoutExtentOrInverseAreBackground) {
+    Arena arena;
+    const GradientStop stops[] = {{0.0F, 0xFFFF0000U}, {1.0F, 0xFF00FF00U}};
+    for (const bool hasBackground : {false, true}) {
+        const auto linear = std::make_shared<LinearGradient>();
+        const auto radial = std::make_shared<RadialGradient>();
+        for (TwoPointGradientBase* g : {static_cast<TwoPointGradientBase*>(linear.get()),
+                                        static_cast<TwoPointGradientBase*>(radial.get())}) {
+            g->stops.Add(stops, 2);
+            g->extendStart = g->extendEnd = true;
+            g->hasBackground = hasBackground;
+            g->background = UnpackColor(0x80FFFFFFU);
+        }
+        radial->end = {5, 5};
+        radial->startRadius = radial->endRadius = 3;
+        const uint32_t expected = hasBackground ? PackColor(linear->background) : 0; // not premultiplied
+        EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(linear), kBounds, kIdentity), -3, 9, 4),
+                  std::vector<uint32_t>(12, expected));
+        EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(radial), kBounds, kIdentity), -3, 9, 4),
+                  std::vector<uint32_t>(12, expected));
+        linear->end = {10, 0};
+        for (const Matrix& m : {Matrix{1, 1, 1, 1, 0, 0}, Matrix{kNaN, 0, 0, 1, 0, 0}, Matrix{1, 0, 0, 1, kInf, 0}}) {
+            EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(linear), kBounds, m), -3, 9, 4),
+                      std::vector<uint32_t>(12, expected));
+        }
+        linear->end = linear->start;
+    }
+}
+
+class StrangeBrush final : public Brush {
+public:
+    [[nodiscard]] uint32_t Kind() const noexcept override { return 2; }
+};
+
+TEST(ColorSource, UnknownBrushIsNotImplemented) {
+    Arena arena;
+    EXPECT_THROW(static_cast<void>(SwColorSource::CreateFromBrush(arena, StrangeBrush(), kBounds, kIdentity)),
+                 Exception);
+}
+
+// A fan of triangles around a point covers its polygon: with half-transparent triangles of one colour, and a triangle
+// missing, every centre inside must be painted, and centres outside not.
+TEST(MeshSource, SharedEdgesLeaveNoGapAndLaterTrianglesDoNotSpill) {
+    for (int round = 0; round < 40; ++round) {
+        SCOPED_TRACE(round);
+        const auto g = std::make_shared<TriMeshGradient>();
+        constexpr int kCells = 4; // a jittered grid over [0, 64]: two triangles a cell
+        float gx[kCells + 1][kCells + 1];
+        float gy[kCells + 1][kCells + 1];
+        for (int j = 0; j <= kCells; ++j) {
+            for (int i = 0; i <= kCells; ++i) {
+                const bool inner = i > 0 && j > 0 && i < kCells && j < kCells;
+                const float jitter = round % 4 == 0 ? 0.5F : 5.0F;
+                gx[j][i] = static_cast<float>(i * 16) + (inner ? std::round(Uniform(-jitter, jitter) * 4) / 4 : 0);
+                gy[j][i] = static_cast<float>(j * 16) + (inner ? Uniform(-jitter, jitter) : 0);
+            }
+        }
+        uint32_t id = 0;
+        std::vector<std::vector<GXTriMeshVertex>> triangles;
+        for (int j = 0; j < kCells; ++j) {
+            for (int i = 0; i < kCells; ++i) {
+                const auto vertex = [&](int dj, int di) {
+                    return GXTriMeshVertex{gx[j + dj][i + di], gy[j + dj][i + di], 0};
+                };
+                triangles.push_back({vertex(0, 0), vertex(0, 1), vertex(1, 1)});
+                triangles.push_back({vertex(1, 1), vertex(1, 0), vertex(0, 0)});
+            }
+        }
+        for (auto& t : triangles) {
+            ++id;
+            for (auto& v : t) {
+                v.color = 0xFF000000U | id;
+            }
+        }
+        // Painted forwards and backwards: a pixel in two triangles would show the last one painted, so the images differ.
+        std::vector<std::vector<uint32_t>> images;
+        for (int pass = 0; pass < 2; ++pass) {
+            g->vertices.clear();
+            for (const auto& t : triangles) {
+                g->vertices.insert(pass == 0 ? g->vertices.end() : g->vertices.begin(), t.begin(), t.end());
+            }
+            g->vertices.push_back({-1000, -1000, 0xFFFFFFFFU}); // incomplete
+            Arena arena;
+            GradientBrush brush(g);
+            SwColorSource* source =
+                SwColorSource::CreateFromBrush(arena, brush, {-4, -4, 70, 70}, {1, 0, 0, 1, 0.0F, 0.0F});
+            std::vector<uint32_t> image;
+            for (int32_t y = -6; y < 72; ++y) {
+                const std::vector<uint32_t> row = Row(*source, -6, 72, y);
+                if (y >= -4 && y < 70) {
+                    EXPECT_EQ(0, std::memcmp(source->DirectRow(-4, 70, y), row.data() + 2, 74 * 4));
+                }
+                for (int32_t x = -6; x < 72; ++x) {
+                    const bool inside = x >= 0 && y >= 0 && x < 64 && y < 64;
+                    ASSERT_EQ(row[static_cast<size_t>(x + 6)] != 0, inside) << x << ", " << y;
+                }
+                image.insert(image.end(), row.begin(), row.end());
+            }
+            images.push_back(std::move(image));
+        }
+        EXPECT_EQ(images[0], images[1]);
+    }
+}
+
+TEST(MeshSource, InterpolatesStraightColoursAndPremultiplies) {
+    const auto g = std::make_shared<TriMeshGradient>();
+    g->background = UnpackColor(0x80FF0000U);
+    const uint32_t colors[3] = {0xFF000000U, 0x40FF8020U, 0x00FFFFFFU};
+    g->vertices = {{0, 0, colors[0]}, {40, 0, colors[1]}, {0, 40, colors[2]}};
+    GradientBrush brush(g);
+    brush.opacity = 0.5F;
+    Arena arena;
+    SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, {0, 0, 50, 50}, kIdentity);
+    for (int32_t y = 0; y < 50; ++y) {
+        const std::vector<uint32_t> row = Row(*source, 0, 50, y);
+        for (int32_t x = 0; x < 50; ++x) {
+            const uint32_t c = row[static_cast<size_t>(x)];
+            if (x + y >= 39) { // on the slanted edge: what lies to its right does not count
+                ASSERT_EQ(c, PlainScale(PlainPremultiply(PackColor(g->background)), 128));
+                continue;
+            }
+            const double wx = (x + 0.5) / 40, wy = (y + 0.5) / 40;
+            const uint32_t straight = PerChannel([&](int i) {
+                return static_cast<uint32_t>(Channel(colors[0], i) * (1 - wx - wy) + Channel(colors[1], i) * wx +
+                                             Channel(colors[2], i) * wy + 0.5);
+            });
+            const uint32_t expected = PlainScale(PlainPremultiply(straight), 128);
+            for (int i = 0; i < 4; ++i) {
+                ASSERT_NEAR(Channel(c, i), Channel(expected, i), 1) << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST(MeshSource, BearsAnyVertex) {
+    const float odd[] = {0, 10, 25.5F, -1e9F, 1e9F, 3e38F, -3e38F, kInf, -kInf, kNaN, 1e-40F};
+    for (int round = 0; round < 500; ++round) {
+        const auto g = std::make_shared<TriMeshGradient>();
+        for (int i = 0; i < 9; ++i) {
+            g->vertices.push_back({odd[g_random() % 11], odd[g_random() % 11], RandomColor()});
+        }
+        GradientBrush brush(g);
+        brush.opacity = odd[g_random() % 11];
+        Arena arena;
+        SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, {0, 0, 30, 30}, kIdentity);
+        for (const uint32_t c : Row(*source, 0, 30, static_cast<int32_t>(g_random() % 30))) {
+            for (int i = 0; i < 3; ++i) {
+                ASSERT_LE(Channel(c, i), c >> 24);
+            }
+        }
+    }
+    Arena arena;
+    const auto g = std::make_shared<TriMeshGradient>();
+    g->vertices.resize(3);
+    for (const Rect& r : {Rect{kNaN, 0, 10, 10}, Rect{5, 5, 5, 5}, Rect{0, 0, kNaN, kNaN}}) {
+        EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(g), r, kIdentity), 0, 3, 0),
+                  std::vector<uint32_t>(3, 0));
+    }
+}
+
+} // namespace
