@@ -370,8 +370,8 @@ TEST(ColorSource, UnknownBrushIsNotImplemented) {
                  Exception);
 }
 
-// A fan of triangles around a point covers its polygon: with half-transparent triangles of one colour, and a triangle
-// missing, every centre inside must be painted, and centres outside not.
+// A jittered grid covers its square exactly: every centre inside is painted, none outside, and no centre by two triangles,
+// which would show as a difference between painting forwards and backwards.
 TEST(MeshSource, SharedEdgesLeaveNoGapAndLaterTrianglesDoNotSpill) {
     for (int round = 0; round < 40; ++round) {
         SCOPED_TRACE(round);

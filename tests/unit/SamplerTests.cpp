@@ -71,7 +71,6 @@ struct Image {
             for (uint32_t& c : palette) {
                 c = static_cast<uint32_t>(g_random());
             }
-            palette.resize(std::min(palette.size(), palette.capacity()));
             view.palette = palette.data();
             view.paletteCount = palette.size();
         }

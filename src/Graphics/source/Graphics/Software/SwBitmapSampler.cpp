@@ -84,6 +84,30 @@ void SwBitmapSampler::FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* 
         m_reader.Run(row, static_cast<int32_t>(column), count, out);
         return;
     }
+    const int64_t width = m_setup.width;
+    const auto length = static_cast<int64_t>(count);
+    if (m_setup.tilingX == GXExtendRepeat) { // from tile to tile
+        int64_t from = (column % width + width) % width;
+        for (int64_t done = 0; done < length; from = 0) {
+            const int64_t n = std::min(width - from, length - done);
+            m_reader.Run(row, static_cast<int32_t>(from), static_cast<size_t>(n), out + done);
+            done += n;
+        }
+        return;
+    }
+    if (m_setup.tilingX == GXExtendClamp) { // the edge pixels on both sides of what lies inside
+        const int64_t left = std::clamp<int64_t>(-column, 0, length);
+        const int64_t right = std::clamp<int64_t>(width - column, left, length);
+        uint32_t edges[2];
+        m_reader.Run(row, 0, 1, &edges[0]);
+        m_reader.Run(row, m_setup.width - 1, 1, &edges[1]);
+        std::fill_n(out, left, edges[0]);
+        if (right > left) {
+            m_reader.Run(row, static_cast<int32_t>(column + left), static_cast<size_t>(right - left), out + left);
+        }
+        std::fill_n(out + right, length - right, edges[1]);
+        return;
+    }
     float at[kPaintChunk];
     int32_t columns[kPaintChunk];
     float next = static_cast<float>(column) + 0.5F;

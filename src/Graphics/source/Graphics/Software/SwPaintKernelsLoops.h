@@ -206,24 +206,38 @@ uint32_t ShadeOne(GradientShade& state, float t) {
 void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
     const Floats zero{};
     const Floats one = Splat(1.0F);
-    const Words factor = Words{} + (state.opacityFactor | state.opacityFactor << 16);
+    const Words factorWords = Words{} + (state.opacityFactor | state.opacityFactor << 16);
+    const bool scaled = state.opacityFactor != 256;
     size_t k = 0;
-    for (; k + kLanes <= count; k += kLanes) {
-        const Floats block = Load<Floats>(t + k, kLanes);
-        const GradientInterval& in = state.interval;
-        const Ints within = (block >= zero) & (block <= one);
-        if (All(within & (block > Splat(in.lower)) & ~(block > Splat(in.upper)))) {
-            const Floats share = (Splat(in.upper) - block) / Splat(in.upper - in.lower) * Splat(255.0F);
-            const Words w = ((Words)Truncate(share) & 255U) + 1U;
-            Words c = Mix(Words{} + in.upperColor, Words{} + in.lowerColor, w | w << 16);
-            if ((in.lowerColor & in.upperColor) >> 24 != 255) {
+    while (k + kLanes <= count) {
+        // Blocks within one interval, whose values stay in registers.
+        const GradientInterval in = state.interval;
+        const Floats lower = Splat(in.lower);
+        const Floats upper = Splat(in.upper);
+        const Floats length = Splat(in.upper - in.lower);
+        const Words lowerColor = Words{} + in.lowerColor;
+        const Words upperColor = Words{} + in.upperColor;
+        const bool premultiplied = (in.lowerColor & in.upperColor) >> 24 == 255;
+        Floats block{};
+        for (; k + kLanes <= count; k += kLanes) {
+            block = Load<Floats>(t + k, kLanes);
+            if (!All((block >= zero) & (block <= one) & (block > lower) & ~(block > upper))) {
+                break;
+            }
+            const Words w = ((Words)Truncate((upper - block) / length * Splat(255.0F)) & 255U) + 1U;
+            Words c = Mix(upperColor, lowerColor, w | w << 16);
+            if (!premultiplied) {
                 c = Premultiply(c);
             }
-            if (state.opacityFactor != 256) {
-                c = Scale(c, (Halves)factor);
+            if (scaled) {
+                c = Scale(c, (Halves)factorWords);
             }
             Store(out + k, c, kLanes);
-        } else if (All(block < zero)) {
+        }
+        if (k + kLanes > count) {
+            break;
+        }
+        if (All(block < zero)) {
             Store(out + k, Words{} + state.before, kLanes);
         } else if (All(block > one)) {
             Store(out + k, Words{} + state.after, kLanes);
@@ -232,6 +246,7 @@ void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
                 out[k + i] = ShadeOne(state, t[k + i]);
             }
         }
+        k += kLanes;
     }
     for (; k < count; ++k) {
         out[k] = ShadeOne(state, t[k]);
