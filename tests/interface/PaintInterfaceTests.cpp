@@ -8,8 +8,7 @@
 
 namespace {
 
-template <class Handle>
-class Made {
+template <class Handle> class Made {
 public:
     ~Made() {
         if (handle != nullptr) {

@@ -28,10 +28,7 @@ uint32_t RandomColor() { return static_cast<uint32_t>(g_random()) | (g_random() 
 
 uint32_t Channel(uint32_t c, int i) { return (c >> (8 * i)) & 255U; }
 
-template <class Function>
-uint32_t PerChannel(Function&& f) {
-    return f(0) | f(1) << 8 | f(2) << 16 | f(3) << 24;
-}
+template <class Function> uint32_t PerChannel(Function&& f) { return f(0) | f(1) << 8 | f(2) << 16 | f(3) << 24; }
 
 /// The stops as they were added; a stable insertion keeps them sorted.
 uint32_t PlainColor(const std::vector<GradientStop>& added, float t) {
@@ -54,9 +51,8 @@ uint32_t PlainColor(const std::vector<GradientStop>& added, float t) {
         const GradientStop& lower = stops[i - 1];
         const uint32_t w =
             (static_cast<uint32_t>((upper.offset - t) / (upper.offset - lower.offset) * 255.0F) & 255U) + 1;
-        return PerChannel([&](int c) {
-            return (Channel(lower.color, c) * w >> 8) + (Channel(upper.color, c) * (257 - w) >> 8);
-        });
+        return PerChannel(
+            [&](int c) { return (Channel(lower.color, c) * w >> 8) + (Channel(upper.color, c) * (257 - w) >> 8); });
     }
     return 0;
 }
@@ -83,8 +79,8 @@ struct Scene {
             stops.push_back({o, RandomColor()});
         }
         const auto matrix = [] {
-            return Matrix{Uniform(-3, 3), Uniform(-1, 1), Uniform(-1, 1), Uniform(-3, 3), Uniform(-50, 50),
-                          Uniform(-50, 50)};
+            return Matrix{Uniform(-3, 3), Uniform(-1, 1),   Uniform(-1, 1),
+                          Uniform(-3, 3), Uniform(-50, 50), Uniform(-50, 50)};
         };
         brush = g_random() % 2 != 0 ? matrix() : kIdentity;
         ctm = g_random() % 2 != 0 ? matrix() : kIdentity;
@@ -119,8 +115,7 @@ struct Scene {
     }
 };
 
-template <class G>
-std::shared_ptr<G> RandomGradient(const Scene& scene) {
+template <class G> std::shared_ptr<G> RandomGradient(const Scene& scene) {
     auto g = std::make_shared<G>();
     g->stops.Add(scene.stops.data(), scene.stops.size());
     g->start = {Uniform(-50, 50), Uniform(-50, 50)};
@@ -336,8 +331,8 @@ TEST(GradientSources, WithoutExtentOrInverseAreBackground) {
     for (const bool hasBackground : {false, true}) {
         const auto linear = std::make_shared<LinearGradient>();
         const auto radial = std::make_shared<RadialGradient>();
-        for (TwoPointGradientBase* g : {static_cast<TwoPointGradientBase*>(linear.get()),
-                                        static_cast<TwoPointGradientBase*>(radial.get())}) {
+        for (TwoPointGradientBase* g :
+             {static_cast<TwoPointGradientBase*>(linear.get()), static_cast<TwoPointGradientBase*>(radial.get())}) {
             g->stops.Add(stops, 2);
             g->extendStart = g->extendEnd = true;
             g->hasBackground = hasBackground;
@@ -370,8 +365,8 @@ TEST(ColorSource, UnknownBrushIsNotImplemented) {
                  Exception);
 }
 
-// A jittered grid covers its square exactly: every centre inside is painted, none outside, and no centre by two triangles,
-// which would show as a difference between painting forwards and backwards.
+// A jittered grid covers its square exactly: every centre inside is painted, none outside, and no centre by two
+// triangles, which would show as a difference between painting forwards and backwards.
 TEST(MeshSource, SharedEdgesLeaveNoGapAndLaterTrianglesDoNotSpill) {
     for (int round = 0; round < 40; ++round) {
         SCOPED_TRACE(round);
@@ -404,7 +399,8 @@ TEST(MeshSource, SharedEdgesLeaveNoGapAndLaterTrianglesDoNotSpill) {
                 v.color = 0xFF000000U | id;
             }
         }
-        // Painted forwards and backwards: a pixel in two triangles would show the last one painted, so the images differ.
+        // Painted forwards and backwards: a pixel in two triangles would show the last one painted, so the images
+        // differ.
         std::vector<std::vector<uint32_t>> images;
         for (int pass = 0; pass < 2; ++pass) {
             g->vertices.clear();

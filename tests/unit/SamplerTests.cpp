@@ -194,8 +194,8 @@ struct Plain {
     uint32_t Linear(float u, float v, uint32_t modeX, uint32_t modeY) const {
         const int64_t i = Index(u), j = Index(v);
         const uint32_t wx = Weight(u), wy = Weight(v);
-        const uint32_t top = wx == 1 ? Get(i, j, modeX, modeY)
-                                     : Mix(Get(i, j, modeX, modeY), Get(i + 1, j, modeX, modeY), wx);
+        const uint32_t top =
+            wx == 1 ? Get(i, j, modeX, modeY) : Mix(Get(i, j, modeX, modeY), Get(i + 1, j, modeX, modeY), wx);
         if (wy == 1) {
             return top;
         }
@@ -225,8 +225,8 @@ Matrix RandomPlacement() {
 void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolation, uint32_t modeX, uint32_t modeY,
                    float opacity, const Matrix& placement, bool mask, int rows) {
     Arena arena;
-    SwColorSource* source = CreateBitmapSource(arena, image.view, derived, interpolation, modeX, modeY, opacity,
-                                               placement, mask);
+    SwColorSource* source =
+        CreateBitmapSource(arena, image.view, derived, interpolation, modeX, modeY, opacity, placement, mask);
     Matrix m;
     ASSERT_TRUE(Invert(placement, m));
     Plain plain(image, mask);
@@ -274,9 +274,10 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
                 Scale(interpolation == 0 ? plain.Get(Plain::Index(u), Plain::Index(v), modeX, modeY)
                                          : plain.Linear(u, v, modeX, modeY),
                       factor);
-            ASSERT_EQ(out[k], expected) << "format " << image.view.format << " modes " << interpolation << modeX << modeY
-                                        << " mask " << mask << " at " << x0 << " + " << k << ", " << y << " u " << u
-                                        << " v " << v << " size " << image.view.width << " x " << image.view.height;
+            ASSERT_EQ(out[k], expected) << "format " << image.view.format << " modes " << interpolation << modeX
+                                        << modeY << " mask " << mask << " at " << x0 << " + " << k << ", " << y << " u "
+                                        << u << " v " << v << " size " << image.view.width << " x "
+                                        << image.view.height;
             ASSERT_TRUE(!isSolid || solid == expected);
             ASSERT_TRUE(!source->IsOpaque() || expected >> 24 == 255);
             ASSERT_TRUE(direct == nullptr || direct[k] == expected);
@@ -306,8 +307,8 @@ TEST(BitmapSampler, WholePixelPlacementCopiesEveryPixel) {
     image.view.strideBytes = 64; // aligned rows
     for (const uint32_t interpolation : {0U, 1U, 2U, 9U}) {
         Arena arena;
-        SwColorSource* source = CreateBitmapSource(arena, image.view, nullptr, interpolation, 0, 0, 1.0F,
-                                                   {1, 0, 0, 1, -5, 7}, false);
+        SwColorSource* source =
+            CreateBitmapSource(arena, image.view, nullptr, interpolation, 0, 0, 1.0F, {1, 0, 0, 1, -5, 7}, false);
         for (int32_t y = 0; y < 9 && image.bytes.size() >= 64 * 9; ++y) {
             uint32_t out[16];
             source->Fill(-5, 11, y + 7, out);
@@ -345,7 +346,8 @@ TEST(BitmapSampler, BearsAnyPlacement) {
         const auto pick = [&] { return odd[g_random() % 11]; };
         Arena arena;
         const Matrix placement{pick(), pick(), pick(), pick(), pick(), pick()};
-        SwColorSource* source = CreateBitmapSource(arena, image.view, nullptr, static_cast<uint32_t>(g_random() % 3), static_cast<uint32_t>(g_random() % 3),
+        SwColorSource* source = CreateBitmapSource(arena, image.view, nullptr, static_cast<uint32_t>(g_random() % 3),
+                                                   static_cast<uint32_t>(g_random() % 3),
                                                    static_cast<uint32_t>(g_random() % 3), pick(), placement, false);
         uint32_t out[20];
         for (const int32_t x : {-2147483647 - 1, -9, 2147483627}) {
@@ -367,9 +369,8 @@ TEST(BitmapSampler, UnknownFormatIsNotImplemented) {
     for (const uint32_t format : {0U, 11U, 0xFFFFFFFFU}) {
         image.view.format = format;
         Arena arena;
-        EXPECT_THROW(
-            static_cast<void>(CreateBitmapSource(arena, image.view, nullptr, 0, 0, 0, 1.0F, kIdentity, false)),
-            Exception);
+        EXPECT_THROW(static_cast<void>(CreateBitmapSource(arena, image.view, nullptr, 0, 0, 0, 1.0F, kIdentity, false)),
+                     Exception);
     }
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Exports that make brushes.
+#include "Bitmaps/Bitmap.h"
 #include "Guard.h"
 #include "Handles.h"
-#include "Bitmaps/Bitmap.h"
 #include "Paint/Brush.h"
 
 using namespace Graphics;
@@ -22,8 +22,8 @@ GX_API GXResult GXCreateBrushSolid(const GXColor* color, GXBrush* out) GX_NOEXCE
         return GXResultInvalidArgument;
     }
     return Create(out, [&] {
-        return std::make_shared<SolidBrush>(Color{ClampUnit(color->red), ClampUnit(color->green),
-                                                  ClampUnit(color->blue), ClampUnit(color->alpha)});
+        return std::make_shared<SolidBrush>(
+            Color{ClampUnit(color->red), ClampUnit(color->green), ClampUnit(color->blue), ClampUnit(color->alpha)});
     });
 }
 

@@ -11,8 +11,7 @@ using namespace Graphics;
 namespace {
 
 /// What the two descriptions have in common.
-template <class Desc>
-void SetCommon(TwoPointGradientBase& gradient, const Desc& desc) {
+template <class Desc> void SetCommon(TwoPointGradientBase& gradient, const Desc& desc) {
     gradient.stops.Add(desc.stops, desc.stopCount);
     gradient.extendStart = desc.extendStart != 0;
     gradient.extendEnd = desc.extendEnd != 0;
@@ -22,8 +21,7 @@ void SetCommon(TwoPointGradientBase& gradient, const Desc& desc) {
     }
 }
 
-template <class Desc>
-bool IsUsable(const Desc* desc, const GXGradient* out) noexcept {
+template <class Desc> bool IsUsable(const Desc* desc, const GXGradient* out) noexcept {
     return !AnyNull(desc, out) && (desc->stops != nullptr || desc->stopCount == 0);
 }
 

@@ -49,7 +49,7 @@ class TriMeshGradient final : public Gradient {
 public:
     [[nodiscard]] uint32_t Kind() const noexcept override { return kGradientTriMesh; }
 
-    std::vector<GXTriMeshVertex> vertices;         ///< straight ARGB colours
+    std::vector<GXTriMeshVertex> vertices;    ///< straight ARGB colours
     Color background{0.0F, 0.0F, 0.0F, 0.0F}; ///< straight; all zero is none
 };
 

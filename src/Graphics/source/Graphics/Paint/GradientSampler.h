@@ -9,8 +9,9 @@ namespace Graphics {
 /// The stretch lower < t <= upper between two neighbouring stops. Inside it the colour is one formula,
 ///     w = (truncate((upper - t) / (upper - lower) * 255) & 255) + 1
 ///     c = (lowerColor * w >> 8) + (upperColor * (257 - w) >> 8)   for each channel,
-/// which at t = upper gives w = 1 and so `upperColor` itself. Before the first stop both colours are the first one's and
-/// `lower` is minus infinity (w = 1); behind the last one both are 0 and `upper` is infinity. A NaN `upper` ends nowhere.
+/// which at t = upper gives w = 1 and so `upperColor` itself. Before the first stop both colours are the first one's
+/// and `lower` is minus infinity (w = 1); behind the last one both are 0 and `upper` is infinity. A NaN `upper` ends
+/// nowhere.
 struct GradientInterval {
     float lower;
     float upper;

@@ -11,8 +11,8 @@ namespace Graphics {
 
 using GradientStop = GXGradientStop;
 
-/// Sorted by offset; equal offsets stay in the order in which they came; NaN offsets come last. Offsets are taken as they
-/// are, inside [0, 1] or not.
+/// Sorted by offset; equal offsets stay in the order in which they came; NaN offsets come last. Offsets are taken as
+/// they are, inside [0, 1] or not.
 class GradientStopCollection {
 public:
     /// Raises the container's length error, or that of memory, when there are too many.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Bilinear: i = index(u), w = (truncate((u - i) * 255) & 255) + 1; the two pixels across mix as
-// (c0 * (257 - w) >> 8) + (c1 * w >> 8) for the rows j and j + 1, then these two the same way down. A weight of 1 gives the
-// first pixel itself, so fractions of 0 need no case of their own.
+// (c0 * (257 - w) >> 8) + (c1 * w >> 8) for the rows j and j + 1, then these two the same way down. A weight of 1 gives
+// the first pixel itself, so fractions of 0 need no case of their own.
 #include "SwBitmapSampler.h"
 
 #include <algorithm>

@@ -23,8 +23,8 @@ struct SwSamplerSetup {
     bool opaque; ///< every pixel of the image has alpha 255 and the opacity leaves it
 };
 
-/// Three ways with one result, chosen once: whole-pixel placement at scale 1 copies rows; a map without rotation keeps a
-/// table of columns and, bilinear, the two source rows already blended across; anything else goes point by point.
+/// Three ways with one result, chosen once: whole-pixel placement at scale 1 copies rows; a map without rotation keeps
+/// a table of columns and, bilinear, the two source rows already blended across; anything else goes point by point.
 class SwBitmapSampler final : public SwColorSource {
 public:
     /// `keep` is held as long as the sampler.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Each row of a triangle lies between two edges' crossings with the line through its pixel centres. An edge's crossing is
-// computed from its upper end down, whichever triangle asks, so that neighbours get the same bits.
+// Each row of a triangle lies between two edges' crossings with the line through its pixel centres. An edge's crossing
+// is computed from its upper end down, whichever triangle asks, so that neighbours get the same bits.
 #include "SwMeshColorSource.h"
 
 #include <algorithm>

@@ -9,7 +9,8 @@
 namespace Graphics {
 
 /// A pixel belongs to a triangle that holds its centre; on an edge, to the triangle on the right of it or below it. So
-/// triangles that share an edge leave no gap and no pixel is drawn by both. Where triangles overlap, the later one shows.
+/// triangles that share an edge leave no gap and no pixel is drawn by both. Where triangles overlap, the later one
+/// shows.
 class SwMeshColorSource final : public SwColorSource {
 public:
     SwMeshColorSource(Arena& arena, const GradientBrush& brush, const TriMeshGradient& gradient, const Rect& bounds,

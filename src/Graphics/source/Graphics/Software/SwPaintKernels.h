@@ -13,9 +13,9 @@ namespace Graphics {
 struct GradientShade {
     const GradientSampler* sampler;
     GradientInterval interval;
-    uint32_t before;       ///< t < 0
-    uint32_t after;        ///< t > 1
-    uint32_t notANumber;   ///< t is NaN
+    uint32_t before;        ///< t < 0
+    uint32_t after;         ///< t > 1
+    uint32_t notANumber;    ///< t is NaN
     uint32_t opacityFactor; ///< 1 to 256
 };
 
@@ -27,7 +27,8 @@ struct RadialEquation {
 struct SwPaintKernels {
     const char* name;
 
-    /// out = v, v + step, (v + step) + step, ... every sum rounded as a float add rounds it. Returns the term that follows.
+    /// out = v, v + step, (v + step) + step, ... every sum rounded as a float add rounds it. Returns the term that
+    /// follows.
     float (*accumulate)(float v, float step, float* out, size_t count);
     /// Premultiplied colours, scaled by the opacity factor.
     void (*shade)(GradientShade& state, const float* t, size_t count, uint32_t* out);

@@ -3,8 +3,8 @@
 // header once; everything lies in its unnamed namespace.
 //
 // Coordinates along a row are defined as repeated float additions, which is a serial chain. Inside one binade it can be
-// jumped: all values there are multiples of one unit u, so v + step rounds to v + D with the same D each time, as long as
-// step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
+// jumped: all values there are multiples of one unit u, so v + step rounds to v + D with the same D each time, as long
+// as step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
 #pragma once
 
 #if defined(__SSE2__)
@@ -30,21 +30,18 @@ typedef int32_t Ints __attribute__((vector_size(kLanes * 4)));
 typedef uint32_t Words __attribute__((vector_size(kLanes * 4)));
 typedef uint16_t Halves __attribute__((vector_size(kLanes * 4)));
 
-template <class V>
-GX_INLINE inline V Load(const void* p, size_t lanes) noexcept {
+template <class V> GX_INLINE inline V Load(const void* p, size_t lanes) noexcept {
     V v{};
     __builtin_memcpy(&v, p, lanes * 4);
     return v;
 }
 
-template <class V>
-GX_INLINE inline void Store(void* p, V v, size_t lanes) noexcept {
+template <class V> GX_INLINE inline void Store(void* p, V v, size_t lanes) noexcept {
     __builtin_memcpy(p, &v, lanes * 4);
 }
 
 /// Calls body(first, lanes) for whole blocks, then for the rest.
-template <class Body>
-GX_INLINE inline void Blocks(size_t count, Body&& body) noexcept {
+template <class Body> GX_INLINE inline void Blocks(size_t count, Body&& body) noexcept {
     size_t k = 0;
     for (; k + kLanes <= count; k += kLanes) {
         body(k, kLanes);
@@ -138,8 +135,7 @@ inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept
     const uint64_t halfBits = static_cast<uint64_t>(exponent + 1023 - 127 - 24) << 52;
     double half;
     __builtin_memcpy(&half, &halfBits, 8);
-    const double dropped =
-        static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
+    const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
     if (!(dropped < half && dropped > -half)) {
         return 0;
     }
@@ -298,8 +294,7 @@ GX_INLINE inline Ints ClampIndex(Ints i, int32_t size) noexcept {
 }
 
 /// Puts indices into [0, size) by repeating (1) or mirroring (2).
-template <int Mode>
-void Wrap(int32_t* index, size_t count, int32_t size) noexcept {
+template <int Mode> void Wrap(int32_t* index, size_t count, int32_t size) noexcept {
     int32_t lastIndex = 0;
     int32_t lastColumn = 0;
     for (size_t k = 0; k < count; ++k) {
@@ -329,8 +324,7 @@ void Wrap(int32_t* index, size_t count, int32_t size) noexcept {
     }
 }
 
-template <int Mode>
-void Indices(const float* c, size_t count, int32_t size, int32_t* index) {
+template <int Mode> void Indices(const float* c, size_t count, int32_t size, int32_t* index) {
     Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
         Ints i = IndexOf(Confine(Load<Floats>(c + k, lanes)));
         if constexpr (Mode == 0) {
@@ -367,7 +361,8 @@ void Taps(const float* c, size_t count, int32_t size, int32_t* first, int32_t* s
 
 void MixRows(const uint32_t* a, const uint32_t* b, const uint32_t* weight, size_t count, uint32_t* out) {
     Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        Store(out + k, Mix(Load<Words>(a + k, lanes), Load<Words>(b + k, lanes), Load<Words>(weight + k, lanes)), lanes);
+        Store(out + k, Mix(Load<Words>(a + k, lanes), Load<Words>(b + k, lanes), Load<Words>(weight + k, lanes)),
+              lanes);
     });
 }
 
@@ -380,9 +375,8 @@ void MixRowsBy(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t cou
 
 void ScaleBy(uint32_t* row, uint32_t factor, size_t count) {
     const Words f = Words{} + (factor | factor << 16);
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        Store(row + k, Scale(Load<Words>(row + k, lanes), (Halves)f), lanes);
-    });
+    Blocks(count, [&](size_t k, size_t lanes)
+                      GX_INLINE { Store(row + k, Scale(Load<Words>(row + k, lanes), (Halves)f), lanes); });
 }
 
 void PremultiplyRow(uint32_t* row, size_t count) {
@@ -391,16 +385,9 @@ void PremultiplyRow(uint32_t* row, size_t count) {
 }
 
 constexpr SwPaintKernels MakeTable(const char* name) noexcept {
-    return {name,
-            Accumulate,
-            Shade,
-            Radial,
-            {Indices<0>, Indices<1>, Indices<2>},
-            {Taps<0>, Taps<1>, Taps<2>},
-            MixRows,
-            MixRowsBy,
-            ScaleBy,
-            PremultiplyRow};
+    return {
+        name,    Accumulate, Shade,   Radial,        {Indices<0>, Indices<1>, Indices<2>}, {Taps<0>, Taps<1>, Taps<2>},
+        MixRows, MixRowsBy,  ScaleBy, PremultiplyRow};
 }
 
 #undef GX_INLINE

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Formats differ in how a pixel is found (three bytes, a word, a byte, a bit) and what its value means; bytes and bits go
-// through a table of words, so that palettes, grey levels and coverage are one case.
+// Formats differ in how a pixel is found (three bytes, a word, a byte, a bit) and what its value means; bytes and bits
+// go through a table of words, so that palettes, grey levels and coverage are one case.
 #include "SwPixelReader.h"
 
 #include <algorithm>
@@ -75,8 +75,7 @@ struct Always {
 
 } // namespace
 
-template <class Format>
-struct SwPixelLoops {
+template <class Format> struct SwPixelLoops {
     static void Run(const SwPixelReader& r, const uint8_t* row, int32_t x, size_t count, uint32_t* out) {
         if constexpr (std::is_same_v<Format, Premultiplied32>) {
             std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
@@ -103,8 +102,7 @@ struct SwPixelLoops {
     }
 };
 
-template <class Format>
-void SwPixelReader::Use() noexcept {
+template <class Format> void SwPixelReader::Use() noexcept {
     m_run = SwPixelLoops<Format>::Run;
     m_columns = SwPixelLoops<Format>::Columns;
     m_points = SwPixelLoops<Format>::Points;

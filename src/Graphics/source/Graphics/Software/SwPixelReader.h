@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reads pixels of any format as premultiplied ARGB words, or as mask words (the mask value in all four bytes). The format
-// is looked at once; behind that a reader is three functions without a branch on it.
+// Reads pixels of any format as premultiplied ARGB words, or as mask words (the mask value in all four bytes). The
+// format is looked at once; behind that a reader is three functions without a branch on it.
 #pragma once
 
 #include "../Arena.h"
@@ -10,14 +10,12 @@ namespace Graphics {
 
 class SwPixelReader {
 public:
-    /// `view` must have a valid format. The reader stays good as long as the view's pixels and the arena's draw; a palette
-    /// is copied, premultiplied.
+    /// `view` must have a valid format. The reader stays good as long as the view's pixels and the arena's draw; a
+    /// palette is copied, premultiplied.
     SwPixelReader(Arena& arena, const PixelView& view, bool asMask);
 
     /// `count` pixels of row y from column x on.
-    void Run(int32_t y, int32_t x, size_t count, uint32_t* out) const noexcept {
-        m_run(*this, Row(y), x, count, out);
-    }
+    void Run(int32_t y, int32_t x, size_t count, uint32_t* out) const noexcept { m_run(*this, Row(y), x, count, out); }
     /// The pixels of row y at the given columns.
     void Columns(int32_t y, const int32_t* columns, size_t count, uint32_t* out) const noexcept {
         m_columns(*this, Row(y), columns, count, out);
@@ -34,11 +32,9 @@ public:
     [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_data + y * m_strideBytes; }
 
 private:
-    template <class Format>
-    friend struct SwPixelLoops;
+    template <class Format> friend struct SwPixelLoops;
 
-    template <class Format>
-    void Use() noexcept;
+    template <class Format> void Use() noexcept;
 
     using RunFunction = void (*)(const SwPixelReader&, const uint8_t*, int32_t, size_t, uint32_t*);
     using ColumnsFunction = void (*)(const SwPixelReader&, const uint8_t*, const int32_t*, size_t, uint32_t*);

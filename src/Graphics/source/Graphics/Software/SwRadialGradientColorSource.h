@@ -6,7 +6,8 @@
 
 namespace Graphics {
 
-/// With everything in units of dr = endRadius - startRadius and relative to the start centre, the point (u, v), the centre
+/// With everything in units of dr = endRadius - startRadius and relative to the start centre, the point (u, v), the
+/// centre
 /// (-ex t, -ey t) and the radius g + t:
 ///     (u + ex t)^2 + (v + ey t)^2 = (g + t)^2,  that is  A t^2 + B t + C = 0
 ///     A = ex^2 + ey^2 - 1,  B = 2 (u ex + v ey - g),  C = u^2 + v^2 - g^2.
