@@ -356,12 +356,16 @@ inline void WalkEdge(const BandFrame& frame, const BandEdge& e, int64_t x, int32
         const __m512i columns = _mm512_sllv_epi64(_mm512_set1_epi64(0xFF), _mm512_and_si512(c, _mm512_set1_epi64(7)));
         const int32_t p0 = c0 >> 3;
         const int32_t p1 = c1 >> 3;
-        if (p0 == p1) {
-            const auto mask =
-                static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(lanes, columns)));
-            Toggle<K, uint64_t>(row + static_cast<size_t>(p0) * 8, planeBytes, mask, flip);
+        const __m512i pixels = _mm512_srli_epi64(c, 3);
+        if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
+            // One pixel or two: always as two, since which it is cannot be predicted.
+            const __mmask8 here = _mm512_mask_cmpeq_epi64_mask(lanes, pixels, _mm512_set1_epi64(p0));
+            const auto there = static_cast<__mmask8>(lanes & ~here);
+            const auto mask0 = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(here, columns)));
+            const auto mask1 = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(there, columns)));
+            Toggle<K, uint64_t>(row + static_cast<size_t>(p0) * 8, planeBytes, mask0, flip);
+            Toggle<K, uint64_t>(row + static_cast<size_t>(p1) * 8, planeBytes, mask1, flip);
         } else if (p0 - p1 <= 4 && p1 - p0 <= 4) {
-            const __m512i pixels = _mm512_srli_epi64(c, 3);
             const int32_t low = p0 < p1 ? p0 : p1;
             const int32_t high = p0 < p1 ? p1 : p0;
             for (int32_t p = low; p <= high; ++p) {
