@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "PageRenderer.h"
+
+#include "GxDevice.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+namespace PdfPage {
+namespace {
+
+// Far beyond any screen or printer, and small enough for the pixels to fit into memory.
+constexpr int64_t kMaxPixels = int64_t{1} << 29;
+constexpr int kMaxSide = 65500;
+
+void PrintMessage(void* user, const char* message) {
+    if (static_cast<Report*>(user)->Verbose()) std::fprintf(stderr, "pdfpage: MuPDF: %s\n", message);
+}
+
+class Stopwatch {
+public:
+    double Milliseconds() const {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - m_start).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
+}  // namespace
+
+Document::Document(const std::string& path, Report& report) : m_report(report) {
+    if (std::FILE* file = std::fopen(path.c_str(), "rb")) std::fclose(file);
+    else throw Failure("cannot open '" + path + "': " + std::strerror(errno));
+
+    m_ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
+    if (!m_ctx) throw Failure("MuPDF does not start");
+    fz_set_error_callback(m_ctx, PrintMessage, &report);
+    fz_set_warning_callback(m_ctx, PrintMessage, &report);
+
+    const char* const name = path.c_str();
+    bool encrypted = false;
+    const bool opened = Try(m_ctx, [&] {
+        fz_register_document_handlers(m_ctx);
+        m_document = fz_open_document(m_ctx, name);
+        encrypted = fz_needs_password(m_ctx, m_document) != 0;
+        if (!encrypted) m_pageCount = fz_count_pages(m_ctx, m_document);
+    });
+    std::string reason;
+    if (!opened) reason = "cannot read '" + path + "': " + fz_caught_message(m_ctx);
+    else if (encrypted) reason = "'" + path + "' is encrypted and needs a password";
+    else if (m_pageCount < 1) reason = "'" + path + "' has no pages";
+    if (!reason.empty()) {
+        fz_drop_document(m_ctx, m_document);
+        fz_drop_context(m_ctx);
+        throw Failure(reason);
+    }
+    m_caches = std::make_unique<Caches>(m_ctx);
+}
+
+Document::~Document() {
+    m_caches.reset();
+    fz_drop_document(m_ctx, m_document);
+    fz_drop_context(m_ctx);
+}
+
+Page::Page(Document& document, int number, float dpi) : m_document(document), m_dpi(dpi) {
+    const std::string which = "page " + std::to_string(number);
+    if (number < 1 || number > document.m_pageCount)
+        throw Failure(which + " does not exist, the file has " + std::to_string(document.m_pageCount) +
+                      (document.m_pageCount == 1 ? " page" : " pages"));
+    fz_context* const ctx = document.m_ctx;
+    fz_page* page = nullptr;
+    fz_rect bounds{};
+    const bool loaded = Try(ctx, [&] {
+        page = fz_load_page(ctx, document.m_document, number - 1);
+        bounds = fz_bound_page(ctx, page);
+        m_list = fz_new_display_list_from_page(ctx, page);
+    });
+    fz_drop_page(ctx, page);
+    if (!loaded) throw Failure("cannot read " + which + ": " + fz_caught_message(ctx));
+
+    const fz_matrix scale = fz_scale(dpi / 72.0f, dpi / 72.0f);
+    m_box = fz_round_rect(fz_transform_rect(bounds, scale));
+    const int64_t width = int64_t{m_box.x1} - m_box.x0, height = int64_t{m_box.y1} - m_box.y0;
+    if (width < 1 || height < 1 || width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
+        fz_drop_display_list(ctx, m_list);
+        throw Failure(which + " would be " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
+    }
+    m_ctm = fz_concat(scale, fz_translate(static_cast<float>(-m_box.x0), static_cast<float>(-m_box.y0)));
+    m_box = {0, 0, static_cast<int>(width), static_cast<int>(height)};
+}
+
+Page::~Page() {
+    fz_drop_display_list(m_document.m_ctx, m_list);
+    m_document.m_caches->images.Trim();
+}
+
+void Page::Draw(Picture* picture, double* milliseconds) {
+    fz_context* const ctx = m_document.m_ctx;
+    Report& report = m_document.m_report;
+    try {
+        Surface surface(report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
+        const Stopwatch watch;
+        {
+            Painter painter(ctx, report, *m_document.m_caches, surface, m_dpi);
+            fz_device* const device = NewGxDevice(ctx, painter);
+            if (!device) throw Failure("out of memory");
+            if (!Try(ctx, [&] {
+                    fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
+                    fz_close_device(ctx, device);
+                }))
+                report.Notice("the page could be drawn in part only");
+            fz_drop_device(ctx, device);
+        }
+        surface.Finish();
+        if (milliseconds) *milliseconds = watch.Milliseconds();
+        if (!picture) return;
+
+        GXBitmapData data{};
+        if (!report.Check(GXBitmapLock(surface.Bitmap(), nullptr, GXLockRead, &data), "GXBitmapLock"))
+            throw Failure("the picture cannot be read back");
+        picture->width = fz_irect_width(m_box);
+        picture->height = static_cast<uint32_t>(fz_irect_height(m_box));
+        picture->pixels.resize(picture->StrideBytes() * picture->height);
+        for (uint32_t y = 0; y < picture->height; ++y)
+            std::memcpy(picture->pixels.data() + y * picture->StrideBytes(),
+                        static_cast<const uint8_t*>(data.data) + size_t{y} * data.stride, picture->StrideBytes());
+        report.Check(GXBitmapUnlock(surface.Bitmap()), "GXBitmapUnlock");
+    } catch (const std::bad_alloc&) {
+        throw Failure("out of memory");
+    }
+}
+
+void Page::DrawWithPeer(Picture* picture, double* milliseconds) {
+    fz_context* const ctx = m_document.m_ctx;
+    fz_pixmap* pixmap = nullptr;
+    bool ok = Try(ctx, [&] {
+        pixmap = fz_new_pixmap_with_bbox(ctx, fz_device_bgr(ctx), m_box, nullptr, 1);
+        fz_clear_pixmap_with_value(ctx, pixmap, 255);
+    });
+    const Stopwatch watch;
+    if (ok) {
+        fz_device* device = nullptr;
+        ok = Try(ctx, [&] {
+            device = fz_new_draw_device(ctx, fz_identity, pixmap);
+            fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
+            fz_close_device(ctx, device);
+        });
+        fz_drop_device(ctx, device);
+    }
+    if (milliseconds) *milliseconds = watch.Milliseconds();
+    if (ok && picture) {
+        picture->width = static_cast<uint32_t>(pixmap->w);
+        picture->height = static_cast<uint32_t>(pixmap->h);
+        picture->pixels.resize(picture->StrideBytes() * picture->height);
+        for (uint32_t y = 0; y < picture->height; ++y)
+            std::memcpy(picture->pixels.data() + y * picture->StrideBytes(),
+                        pixmap->samples + static_cast<ptrdiff_t>(y) * pixmap->stride, picture->StrideBytes());
+    }
+    fz_drop_pixmap(ctx, pixmap);
+    if (!ok) throw Failure(std::string("MuPDF cannot draw the page: ") + fz_caught_message(ctx));
+}
+
+}  // namespace PdfPage

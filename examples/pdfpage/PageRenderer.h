@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+// Opens a document with MuPDF and draws its pages, with the library or with MuPDF's own draw device.
+#pragma once
+
+#include "Painter.h"
+#include "Report.h"
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace PdfPage {
+
+// A reason that the user can read; the program ends with it.
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Opaque rows of B, G, R, X.
+struct Picture {
+    uint32_t width = 0, height = 0;
+    std::vector<uint8_t> pixels;
+    size_t StrideBytes() const { return size_t{4} * width; }
+};
+
+class Page;
+
+class Document {
+public:
+    // Throws Failure for a file that is missing, damaged beyond repair, or encrypted.
+    Document(const std::string& path, Report& report);
+    ~Document();
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    int PageCount() const noexcept { return m_pageCount; }
+
+private:
+    friend class Page;
+
+    Report& m_report;
+    fz_context* m_ctx = nullptr;
+    fz_document* m_document = nullptr;
+    int m_pageCount = 0;
+    std::unique_ptr<Caches> m_caches;
+};
+
+// One page as a display list: contents, annotations and form fields.
+class Page {
+public:
+    // `number` counts from 1. Throws Failure when there is no such page or nothing of it can be read.
+    Page(Document& document, int number, float dpi);
+    ~Page();
+    Page(const Page&) = delete;
+    Page& operator=(const Page&) = delete;
+
+    // Draws on white. The picture is left alone when null. `milliseconds` is the time of the drawing calls alone.
+    void Draw(Picture* picture, double* milliseconds);
+    void DrawWithPeer(Picture* picture, double* milliseconds);
+
+private:
+    Document& m_document;
+    float m_dpi;
+    fz_irect m_box{};
+    fz_matrix m_ctm{};
+    fz_display_list* m_list = nullptr;
+};
+
+}  // namespace PdfPage

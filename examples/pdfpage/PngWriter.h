@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// Writes opaque pixels as an RGB PNG.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace PdfPage {
+
+// `pixels` are rows of B, G, R, X bytes. False when the file can't be written; nothing half written is left behind.
+bool WritePng(const std::string& path, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes, float dpi);
+
+}  // namespace PdfPage

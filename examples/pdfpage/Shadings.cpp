@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+#include "Shadings.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace PdfPage {
+namespace {
+
+using Color = std::array<float, 4>;   // red, green, blue, alpha from 0 to 255
+
+uint32_t Pack(const Color& c) {
+    const auto channel = [](float v) { return static_cast<uint32_t>(std::lround(std::clamp(v, 0.0f, 255.0f))); };
+    return channel(c[3]) << 24 | channel(c[0]) << 16 | channel(c[1]) << 8 | channel(c[2]);
+}
+
+Color Convert(fz_context* ctx, fz_colorspace* space, const float* value, float alpha, fz_color_params params) {
+    float rgb[FZ_MAX_COLORS] = {0.0f, 0.0f, 0.0f};
+    if (space) Try(ctx, [&] { fz_convert_color(ctx, space, value, fz_device_rgb(ctx), rgb, nullptr, params); });
+    return {rgb[0] * 255.0f, rgb[1] * 255.0f, rgb[2] * 255.0f, alpha * 255.0f};
+}
+
+std::array<Color, 256> FunctionColors(fz_context* ctx, const fz_shade& shade, fz_color_params params) {
+    std::array<Color, 256> colors;
+    const int n = shade.colorspace ? fz_colorspace_n(ctx, shade.colorspace) : 0;
+    for (size_t i = 0; i < colors.size(); ++i)
+        colors[i] = Convert(ctx, shade.colorspace, shade.function[i], shade.function[i][n], params);
+    return colors;
+}
+
+// Drops every sample that lies within `kTolerance` of the line between the stops kept, in one pass: while a run grows, each
+// channel keeps the interval of slopes that pass all samples so far ("swinging door").
+std::vector<GXGradientStop> Stops(const std::array<Color, 256>& colors) {
+    constexpr float kTolerance = 0.6f;
+    std::vector<GXGradientStop> stops;
+    const auto add = [&](size_t i) { stops.push_back({static_cast<float>(i) / 255.0f, Pack(colors[i])}); };
+    add(0);
+    size_t anchor = 0;
+    while (anchor < 255) {
+        Color low, high;
+        low.fill(-1e9f);
+        high.fill(1e9f);
+        size_t last = anchor + 1;
+        for (size_t i = anchor + 1; i < 256; ++i) {
+            const float run = static_cast<float>(i - anchor);
+            bool fits = true;
+            for (size_t k = 0; k < 4; ++k) {
+                const float slope = (colors[i][k] - colors[anchor][k]) / run;
+                fits = fits && slope >= low[k] && slope <= high[k];
+                low[k] = std::max(low[k], slope - kTolerance / run);
+                high[k] = std::min(high[k], slope + kTolerance / run);
+            }
+            if (fits) last = i;
+            bool open = true;
+            for (size_t k = 0; k < 4; ++k) open = open && low[k] <= high[k];
+            if (!open) break;
+        }
+        add(last);
+        anchor = last;
+    }
+    return stops;
+}
+
+struct Vertex {
+    fz_point at;
+    Color color;
+    float t;   // the function's argument, 0 to 1
+};
+
+// Receives the triangles of fz_process_shade.
+struct Collector {
+    const fz_shade* shade;
+    fz_color_params params;
+    const std::array<Color, 256>* colors;   // null without a function
+    std::vector<GXTriMeshVertex> vertices;
+    bool failed = false;
+
+    Color At(float t) const {
+        const float position = std::clamp(t, 0.0f, 1.0f) * 255.0f;
+        const size_t i = std::min(static_cast<size_t>(position), size_t{254});
+        const float f = position - static_cast<float>(i);
+        Color c;
+        for (size_t k = 0; k < 4; ++k) c[k] = (*colors)[i][k] + f * ((*colors)[i + 1][k] - (*colors)[i][k]);
+        return c;
+    }
+
+    // Whether colours along the edge stray from the straight line between its ends.
+    bool Bends(const Vertex& a, const Vertex& b) const {
+        if (std::fabs(a.t - b.t) < 1.0f / 255.0f || std::hypot(a.at.x - b.at.x, a.at.y - b.at.y) < 1.5f) return false;
+        for (const float f : {0.25f, 0.5f, 0.75f}) {
+            const Color there = At(a.t + f * (b.t - a.t));
+            for (size_t k = 0; k < 4; ++k)
+                if (std::fabs(there[k] - (a.color[k] + f * (b.color[k] - a.color[k]))) > 2.0f) return true;
+        }
+        return false;
+    }
+    Vertex Middle(const Vertex& a, const Vertex& b) const {
+        const float t = (a.t + b.t) / 2;
+        return {{(a.at.x + b.at.x) / 2, (a.at.y + b.at.y) / 2}, At(t), t};
+    }
+
+    void Add(const Vertex& a, const Vertex& b, const Vertex& c, int depth) {
+        if (colors && depth > 0) {
+            if (Bends(a, b)) return Split(a, b, c, depth);
+            if (Bends(b, c)) return Split(b, c, a, depth);
+            if (Bends(c, a)) return Split(c, a, b, depth);
+        }
+        for (const Vertex* v : {&a, &b, &c}) vertices.push_back({v->at.x, v->at.y, Pack(v->color)});
+    }
+    void Split(const Vertex& a, const Vertex& b, const Vertex& apex, int depth) {
+        const Vertex middle = Middle(a, b);
+        Add(a, middle, apex, depth - 1);
+        Add(middle, b, apex, depth - 1);
+    }
+};
+
+void Prepare(fz_context* ctx, void* arg, fz_vertex* v, const float* c) {
+    const auto& collector = *static_cast<Collector*>(arg);
+    if (collector.colors) {
+        v->c[0] = c[0];
+        return;
+    }
+    const Color color = Convert(ctx, collector.shade->colorspace, c, 1.0f, collector.params);
+    std::copy(color.begin(), color.end(), v->c);
+}
+
+void Process(fz_context*, void* arg, fz_vertex* a, fz_vertex* b, fz_vertex* c) {
+    auto& collector = *static_cast<Collector*>(arg);
+    const auto vertex = [&](const fz_vertex& v) {
+        if (collector.colors) return Vertex{v.p, collector.At(v.c[0]), std::clamp(v.c[0], 0.0f, 1.0f)};
+        return Vertex{v.p, {v.c[0], v.c[1], v.c[2], v.c[3]}, 0.0f};
+    };
+    try {
+        if (!collector.failed) collector.Add(vertex(*a), vertex(*b), vertex(*c), 12);
+    } catch (...) {
+        collector.failed = true;
+    }
+}
+
+uint32_t Background(fz_context* ctx, const fz_shade& shade, fz_color_params params) {
+    return shade.use_background ? Pack(Convert(ctx, shade.colorspace, shade.background, 1.0f, params)) : 0;
+}
+
+}  // namespace
+
+Shadings::~Shadings() {
+    for (auto& entry : m_gradients) fz_drop_shade(m_ctx, entry.first);
+}
+
+Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_matrix& ctm, const fz_rect& visible,
+                                    fz_color_params params) {
+    Result result;
+    if (shade->type != FZ_LINEAR && shade->type != FZ_RADIAL) {
+        result.owned = Mesh(report, shade, ctm, visible, params);
+        result.gradient = result.owned.Get();
+        result.devicePixels = true;
+        return result;
+    }
+    auto found = m_gradients.find(shade);
+    if (found == m_gradients.end()) {
+        found = m_gradients.emplace(shade, AlongLine(report, *shade, params)).first;
+        fz_keep_shade(m_ctx, shade);
+    }
+    result.gradient = found->second.Get();
+    return result;
+}
+
+Handle<GXGradient> Shadings::AlongLine(Report& report, const fz_shade& shade, fz_color_params params) {
+    const std::vector<GXGradientStop> stops = Stops(FunctionColors(m_ctx, shade, params));
+    const auto& line = shade.u.l_or_r;
+    const GXPoint start{line.coords[0][0], line.coords[0][1]}, end{line.coords[1][0], line.coords[1][1]};
+    const uint8_t extendStart = line.extend[0] != 0, extendEnd = line.extend[1] != 0;
+    const uint32_t background = Background(m_ctx, shade, params);
+    Handle<GXGradient> gradient;
+    if (shade.type == FZ_LINEAR) {
+        const GXLinearGradientDesc desc{stops.data(), stops.size(), start, end, extendStart, extendEnd, background};
+        report.Check(GXCreateGradientLinear(&desc, gradient.Out()), "GXCreateGradientLinear");
+    } else {
+        const GXRadialGradientDesc desc{stops.data(), stops.size(),      start,     line.coords[0][2], end,
+                                        line.coords[1][2], extendStart, extendEnd, background};
+        report.Check(GXCreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
+    }
+    return gradient;
+}
+
+Handle<GXGradient> Shadings::Mesh(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
+                                  fz_color_params params) {
+    std::array<Color, 256> colors;
+    if (shade->use_function) colors = FunctionColors(m_ctx, *shade, params);
+    Collector collector{shade, params, shade->use_function ? &colors : nullptr, {}};
+    Try(m_ctx, [&] { fz_process_shade(m_ctx, shade, matrix, visible, Prepare, Process, &collector); });
+    Handle<GXGradient> gradient;
+    if (!collector.vertices.empty() && !collector.failed)
+        report.Check(GXCreateGradientTriMesh(collector.vertices.data(), collector.vertices.size(),
+                                             Background(m_ctx, *shade, params), gradient.Out()),
+                     "GXCreateGradientTriMesh");
+    return gradient;
+}
+
+}  // namespace PdfPage

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Shadings as library gradients: axial and radial ones by their 256 function samples, all others as triangles.
+#pragma once
+
+#include "Handle.h"
+#include "MuPdf.h"
+#include "Report.h"
+
+#include <unordered_map>
+
+namespace PdfPage {
+
+class Shadings {
+public:
+    explicit Shadings(fz_context* ctx) : m_ctx(ctx) {}
+    ~Shadings();
+    Shadings(const Shadings&) = delete;
+    Shadings& operator=(const Shadings&) = delete;
+
+    // A gradient in the space that it has to be drawn in: under shade->matrix × ctm for axial and radial shadings, in page
+    // pixels (`devicePixels` true) for the others, which are cut into triangles for this ctm inside `visible`.
+    struct Result {
+        GXGradient gradient = nullptr;
+        bool devicePixels = false;
+        Handle<GXGradient> owned;   // a mesh is made for each use
+    };
+    Result Gradient(Report& report, fz_shade* shade, const fz_matrix& ctm, const fz_rect& visible, fz_color_params params);
+
+private:
+    Handle<GXGradient> AlongLine(Report& report, const fz_shade& shade, fz_color_params params);
+    Handle<GXGradient> Mesh(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible, fz_color_params params);
+
+    fz_context* m_ctx;
+    std::unordered_map<fz_shade*, Handle<GXGradient>> m_gradients;   // the shades are kept
+};
+
+}  // namespace PdfPage
