@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// The min/max box of every point that passes, control points included, kept up while a path is built.
+#pragma once
+
+#include "../Matrix.h"
+#include "GeometrySink.h"
+
+namespace Graphics {
+
+class BoundCalculator final : public GeometrySink {
+public:
+    void SetFillRule(uint32_t rule) override;
+    void BeginFigure(const Point& start) override { Add(start); }
+    void EndFigure() override {}
+    void EndFigureClose() override {}
+    void LineTo(const Point& p) override { Add(p); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+        Add(c1);
+        Add(c2);
+        Add(end);
+    }
+    void Reset() noexcept;
+
+    /// (0, 0, 0, 0) before the first point. NaN coordinates are left out of the box.
+    [[nodiscard]] Rect Box() const noexcept;
+    /// The box of the mapped corners; under the identity the box itself.
+    [[nodiscard]] Rect Box(const Matrix& m) const noexcept;
+    /// False once a coordinate was NaN or infinite.
+    [[nodiscard]] bool AllFinite() const noexcept { return m_check == 0.0F; }
+
+private:
+    static constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+    void Add(const Point& p) noexcept {
+        m_box.left = p.x < m_box.left ? p.x : m_box.left;
+        m_box.right = p.x > m_box.right ? p.x : m_box.right;
+        m_box.top = p.y < m_box.top ? p.y : m_box.top;
+        m_box.bottom = p.y > m_box.bottom ? p.y : m_box.bottom;
+        m_check += (p.x - p.x) + (p.y - p.y);
+    }
+
+    Rect m_box{kInfinity, kInfinity, -kInfinity, -kInfinity};
+    float m_check = 0; // x - x is 0 for a finite x, else NaN, and NaN stays
+};
+
+} // namespace Graphics

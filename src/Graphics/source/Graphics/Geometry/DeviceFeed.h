@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+// The two chains that bring a shape to a sink in device pixels: as it is filled, and as it is stroked.
+#pragma once
+
+#include <optional>
+
+#include "Dasher.h"
+#include "Pen.h"
+#include "Shape.h"
+#include "StripClipper.h"
+#include "StrokePlan.h"
+#include "Transformer.h"
+
+namespace Graphics {
+
+inline constexpr float kDeviceBand = 32535.0F;
+inline constexpr float kFillTolerance = 0.25F;
+
+/// Calls `feed` with a sink that limits figures to the band, first in y and then in x.
+template <class Sink, class Feed>
+void ThroughBand(Sink& sink, const Feed& feed) {
+    StripClipper<Sink> x(sink, ClipAxis::X, -kDeviceBand, kDeviceBand, kFillTolerance);
+    StripClipper<StripClipper<Sink>> y(x, ClipAxis::Y, -kDeviceBand, kDeviceBand, kFillTolerance);
+    feed(y);
+}
+
+/// Sends the fill rule and the mapped shape. Figures with a coordinate that is not finite are left out.
+template <class Sink>
+void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
+    sink.SetFillRule(shape.FillRule());
+    const Rect box = MapBox(m, shape.ControlBox());
+    // Inside the band the clippers change nothing. NaN compares false.
+    if (shape.AllFinite() && box.left > -kDeviceBand + 1 && box.top > -kDeviceBand + 1 && box.right < kDeviceBand - 1 &&
+        box.bottom < kDeviceBand - 1) {
+        const auto all = [](const Figure&) { return true; };
+        if (IsIdentity(m)) {
+            shape.ReplayFigures(sink, all);
+        } else {
+            Transformer<Sink> transformer(sink, m);
+            shape.ReplayFigures(transformer, all);
+        }
+        return;
+    }
+    ThroughBand(sink, [&](auto& band) {
+        Transformer<std::remove_reference_t<decltype(band)>> transformer(band, m);
+        shape.ReplayFigures(transformer, [&](const Figure& figure) { return AllFinite(figure, m); });
+    });
+}
+
+/// Moves coordinates that miss a whole pixel by a rounding error onto it.
+template <class Sink>
+class WholePixelSnapper final : public GeometrySink {
+public:
+    explicit WholePixelSnapper(Sink& sink) noexcept : m_sink(sink) {}
+
+    void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
+    void BeginFigure(const Point& start) override { m_sink.BeginFigure(Snap(start)); }
+    void EndFigure() override { m_sink.EndFigure(); }
+    void EndFigureClose() override { m_sink.EndFigureClose(); }
+    void LineTo(const Point& p) override { m_sink.LineTo(Snap(p)); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override { m_sink.CubicTo(c1, c2, Snap(end)); }
+
+private:
+    [[nodiscard]] static float Snap(float v) noexcept {
+        const float whole = std::floor(v + 0.5F);
+        return std::fabs(v - whole) < 1.0F / 256 ? whole : v;
+    }
+    [[nodiscard]] static Point Snap(const Point& p) noexcept { return {Snap(p.x), Snap(p.y)}; }
+
+    Sink& m_sink;
+};
+
+namespace Detail {
+
+/// Runs `replay` with a sink in user space that strokes into `sink`, in device space.
+template <class Sink, class Replay>
+void StrokeInto(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, const DashSequence* dashes,
+                PenStorage& storage, const Replay& replay) {
+    using PenType = Pen<Sink>;
+    PenType pen(sink, storage, style, plan.half, plan.tolerance);
+    pen.Outline().RefineCurves();
+    if (plan.cull) {
+        pen.Outline().SetVisible(plan.visiblePen);
+    }
+    Transformer<PenType> toPen(pen, plan.toPen);
+    if (dashes == nullptr) {
+        replay(toPen);
+        return;
+    }
+    Dasher<Transformer<PenType>> dasher(toPen, *dashes, plan.userTolerance);
+    dasher.RefineCurves(plan.userHalf);
+    if (plan.cull) {
+        dasher.SetVisible(plan.visibleUser);
+    }
+    replay(dasher);
+}
+
+/// The same from the pen's space on.
+template <class Sink, class Replay>
+void StrokeMapped(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, const DashSequence* dashes,
+                  PenStorage& storage, const Replay& replay) {
+    if (IsIdentity(plan.toDevice)) {
+        StrokeInto(sink, plan, style, dashes, storage, replay);
+    } else {
+        Transformer<Sink> toDevice(sink, plan.toDevice);
+        StrokeInto(toDevice, plan, style, dashes, storage, replay);
+    }
+}
+
+/// Strokes one figure that the adjuster moved and left in storage.path.
+template <class Sink>
+void StrokeAdjusted(Sink& sink, const Figure& figure, StrokePlan plan, const StrokeAdjuster& adjuster,
+                    const StrokeStyle& style, const DashSequence* dashes, PenStorage& storage) {
+    plan.toPen = adjuster.ToPen();
+    plan.toDevice = adjuster.ToDevice();
+    // The half width is 1 here; the longer of both axes sets the tolerance.
+    plan.half = 1.0F;
+    plan.tolerance = kFillTolerance / std::max(plan.toDevice.m00, plan.toDevice.m11);
+    if (plan.cull) {
+        Matrix toUser;
+        plan.cull = Invert(plan.toPen, toUser);
+        plan.visiblePen = MapBox(plan.toPen, plan.visibleUser);
+    }
+    ThroughBand(sink, [&](auto& band) {
+        using Band = std::remove_reference_t<decltype(band)>;
+        WholePixelSnapper<Band> snapper(band);
+        Transformer<WholePixelSnapper<Band>> toDevice(snapper, plan.toDevice);
+        StrokeInto(toDevice, plan, style, dashes, storage, [&](auto& user) {
+            user.BeginFigure(storage.path[0]);
+            for (size_t i = 1; i < storage.path.size(); ++i) {
+                user.LineTo(storage.path[i]);
+            }
+            if (figure.Closed()) {
+                user.EndFigureClose();
+            } else {
+                user.EndFigure();
+            }
+        });
+    });
+}
+
+} // namespace Detail
+
+/// Sends the outline of the stroked shape, mapped, under the non-zero rule. Width 0 is one device pixel. With `adjust`
+/// the edges of axis-aligned straight figures are moved onto whole pixels. What cannot touch `visibleDevice` may be
+/// left out. Raises for a bad dash pattern before anything is sent.
+template <class Sink>
+void FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
+                PenStorage& storage, const Rect& visibleDevice, Sink& sink) {
+    const StrokePlan plan(shape.ControlBox(), shape.AllFinite(), m, style, width, visibleDevice);
+    std::optional<DashSequence> dashes;
+    if (style.dashCount != 0) {
+        dashes.emplace(style, plan.dashScale);
+    }
+    sink.SetFillRule(GXFillRuleNonZero);
+    if (plan.nothing) {
+        return;
+    }
+    const DashSequence* pattern = dashes ? &*dashes : nullptr;
+    std::optional<StrokeAdjuster> adjuster;
+    if (adjust) {
+        adjuster.emplace(m, width);
+    }
+    const bool adjusts = adjuster && adjuster->Applies();
+
+    const auto replay = [&](auto& user) {
+        shape.ReplayFigures(user, [&](const Figure& figure) {
+            if (!plan.inBand && !AllFinite(figure, m)) {
+                return false;
+            }
+            if (adjusts && adjuster->Adjust(figure, storage.path)) {
+                Detail::StrokeAdjusted(sink, figure, plan, *adjuster, style, pattern, storage);
+                return false;
+            }
+            return true;
+        });
+    };
+    if (plan.inBand) {
+        Detail::StrokeMapped(sink, plan, style, pattern, storage, replay);
+    } else {
+        ThroughBand(sink, [&](auto& band) { Detail::StrokeMapped(band, plan, style, pattern, storage, replay); });
+    }
+}
+
+} // namespace Graphics

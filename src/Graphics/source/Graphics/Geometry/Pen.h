@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// Sends the outline of the stroke of every figure that arrives, as closed figures for the non-zero rule.
+#pragma once
+
+#include "GeometrySink.h"
+#include "PenOutline.h"
+
+namespace Graphics {
+
+template <class Sink>
+class Pen final : public GeometrySink {
+public:
+    /// `half` is half the line's width. Two pens may share a storage only one after the other.
+    Pen(Sink& sink, PenStorage& storage, const StrokeStyle& style, float half, float tolerance) noexcept
+        : m_outline(storage, style, half, tolerance), m_sink(sink) {}
+
+    [[nodiscard]] PenOutline& Outline() noexcept { return m_outline; }
+
+    /// Whatever the figures' rule, outlines need non-zero.
+    void SetFillRule(uint32_t) override { m_sink.SetFillRule(GXFillRuleNonZero); }
+    void BeginFigure(const Point& start) override { m_outline.Begin(start); }
+    void LineTo(const Point& p) override { m_outline.LineTo(p); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override { m_outline.CubicTo(c1, c2, end); }
+    void EndFigure() override {
+        m_outline.EndOpen();
+        SendFirst();
+    }
+    void EndFigureClose() override {
+        m_outline.EndClosed();
+        SendFirst();
+        const std::span<const Point> points = m_outline.Second();
+        if (!points.empty()) {
+            m_sink.BeginFigure(points.back());
+            for (size_t i = points.size() - 1; i-- > 0;) {
+                m_sink.LineTo(points[i]);
+            }
+            m_sink.EndFigureClose();
+        }
+    }
+
+private:
+    void SendFirst() {
+        const std::span<const Point> points = m_outline.First();
+        if (points.empty()) {
+            return;
+        }
+        m_sink.BeginFigure(points[0]);
+        for (size_t i = 1; i < points.size(); ++i) {
+            m_sink.LineTo(points[i]);
+        }
+        m_sink.EndFigureClose();
+    }
+
+    PenOutline m_outline;
+    Sink& m_sink;
+};
+
+} // namespace Graphics

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+// The outline of a stroked figure, built in two side stores while the figure's points arrive.
+//
+// Per segment there is a rectangle of the line's width, per corner a wedge on the outer side:
+//
+//        left side  --->          n is the left normal (u.y, -u.x) times half the width;
+//     C-+n ----------- +n         the corner's outer side is the left one where the cross
+//     C  o============> o         product of the directions is positive
+//     C- -n ---------- -n
+//        right side
+//
+// All these pieces wind the same way, so that they add up under the non-zero rule. On the inner side the two offset
+// lines meet in their intersection where each of both segments gives up no more than half of itself for it: what is
+// taken away, the kite between the centre, the two offset ends and the intersection, is then covered by both rectangles
+// and by no other such kite of these, and at least one winding is left. Elsewhere the inner side goes over the centre,
+// which takes away nothing.
+#pragma once
+
+#include <span>
+
+#include "../ProcessHeap.h"
+#include "CurveFlattener.h"
+#include "StrokeStyle.h"
+
+namespace Graphics {
+
+/// Working memory of strokes, kept by whoever strokes again and again.
+struct PenStorage {
+    HeapArray<Point> left;
+    HeapArray<Point> right;
+    HeapArray<Point> path; // a figure moved onto the pixel grid
+};
+
+/// The flattening tolerance for a curve that is stroked: an error e of the centre line grows to e (R + h) / R on the
+/// outer edge, where R is the radius of curvature, of the size of the curve, and h half the width.
+[[nodiscard]] float StrokeCurveTolerance(const WideCurve& curve, float tolerance, float half) noexcept;
+
+/// Finer than the coordinates of the curve resolve it makes no sense to cut it.
+[[nodiscard]] float ResolvableTolerance(const WideCurve& curve, float tolerance) noexcept;
+
+class PenOutline {
+public:
+    PenOutline(PenStorage& storage, const StrokeStyle& style, float half, float tolerance) noexcept;
+
+    /// What lies outside may be simplified. The rectangle is in the pen's space and allows for the pen's reach.
+    void SetVisible(const Rect& r) noexcept {
+        m_visible = r;
+        m_cull = true;
+    }
+    /// Flattens curves more finely, so that the outer edge keeps the tolerance and not only the centre line.
+    void RefineCurves() noexcept { m_refineCurves = true; }
+
+    void Begin(const Point& start) noexcept;
+    void LineTo(const Point& p);
+    void CubicTo(const Point& c1, const Point& c2, const Point& end);
+
+    /// One closed figure in First.
+    void EndOpen();
+    /// Two closed figures, First and Second, the latter to be sent in reverse; a lone point has only First.
+    void EndClosed();
+
+    [[nodiscard]] std::span<const Point> First() const noexcept { return {m_left.data() + m_skip, m_left.size() - m_skip}; }
+    [[nodiscard]] std::span<const Point> Second() const noexcept {
+        return m_right.size() < m_skip ? std::span<const Point>()
+                                       : std::span<const Point>(m_right.data() + m_skip, m_right.size() - m_skip);
+    }
+
+private:
+    struct Vector {
+        double x, y;
+    };
+    struct Segment {
+        Vector u;      // direction, length 1
+        Vector n;      // left normal times half the width
+        double length;
+    };
+
+    /// Bit set of the sides of the visible rectangle that the point lies beyond.
+    [[nodiscard]] uint32_t OutsideOf(const Point& p) const noexcept;
+    void Flush();
+    void AddSegment(const Point& a, const Point& b);
+    void Join(const Point& c, const Segment& s1, const Segment& s2);
+    void JoinOuter(HeapArray<Point>& side, double sign, const Point& c, const Segment& s1, const Segment& s2,
+                   double cross, double dot);
+    /// `count` points that divide the turn of v by `angle` into equal parts.
+    static void Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count);
+    [[nodiscard]] double ArcPoints(double angle) const noexcept;
+    void Dot();
+
+    static void Push(HeapArray<Point>& side, const Point& c, double dx, double dy) {
+        side.push_back({static_cast<float>(c.x + dx), static_cast<float>(c.y + dy)});
+    }
+
+    HeapArray<Point>& m_left;
+    HeapArray<Point>& m_right;
+    const uint32_t m_join;
+    const uint32_t m_cap;
+    const double m_half;
+    const float m_tolerance;
+    double m_miterLimit2; // squared; 0 where no corner passes
+    double m_arcStep;     // 4 theta
+    double m_cosArcStep;
+    Rect m_visible{};
+    bool m_cull = false;
+    bool m_refineCurves = false;
+
+    // Points run one behind: the pending one is dropped where it and both neighbours lie beyond the same side.
+    Point m_start{};
+    Point m_fixed{};
+    Point m_pending{};
+    uint32_t m_fixedOutside = 0;
+    uint32_t m_pendingOutside = 0;
+    bool m_hasPending = false;
+
+    size_t m_segments = 0;
+    Segment m_first{};
+    Segment m_last{};
+    size_t m_skip = 0; // leading points that a closed figure's start join replaces
+};
+
+} // namespace Graphics

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "Shape.h"
+
+namespace Graphics {
+
+void Shape::BeginFigure(const Point& start) {
+    const Point p = start;
+    EndFigure();
+    m_current.Reset();
+    m_open = false;
+    m_current.Start(p);
+    m_open = true;
+    m_bounds.BeginFigure(p);
+}
+
+void Shape::EndFigure() {
+    if (!m_open || !m_current.Drawn()) {
+        return;
+    }
+    m_figures.push_back(std::move(m_current));
+    m_current = Figure();
+    m_open = false;
+    m_bounds.EndFigure();
+}
+
+void Shape::EndFigureClose() {
+    if (m_open) {
+        m_current.SetClosed();
+        EndFigure();
+    }
+}
+
+void Shape::Clear() noexcept {
+    if (!m_figures.empty() && m_current.Points().empty()) {
+        m_current = std::move(m_figures.front());
+    }
+    m_current.Reset();
+    m_figures.clear();
+    m_open = false;
+    m_fillRule = GXFillRuleNonZero;
+    m_bounds.Reset();
+}
+
+bool Shape::CurrentPoint(Point& out) const noexcept {
+    if (!m_open && m_figures.empty()) {
+        return false;
+    }
+    const Figure& figure = m_open ? m_current : m_figures.back();
+    out = figure.Closed() ? figure.Points().front() : figure.Points().back();
+    return true;
+}
+
+bool Shape::Equals(const Shape& o) const noexcept {
+    if (Empty() || m_figures.size() != o.m_figures.size() || m_fillRule != o.m_fillRule) {
+        return false;
+    }
+    const Rect a = ControlBox();
+    const Rect b = o.ControlBox();
+    if (a.left != b.left || a.top != b.top || a.right != b.right || a.bottom != b.bottom) {
+        return false;
+    }
+    for (size_t i = 0; i < m_figures.size(); ++i) {
+        if (!m_figures[i].Equals(o.m_figures[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace Graphics

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// How a stroke looks, taken over from the caller's record.
+#pragma once
+
+#include <array>
+
+#include "../Types.h"
+
+namespace Graphics {
+
+struct StrokeStyle {
+    static constexpr uint32_t kMaxDashes = 15;
+
+    uint32_t join = GXLineJoinMiter; // anything but miter and round is bevel
+    uint32_t cap = GXLineCapFlat;    // anything but round and square is flat
+    float miterLimit = 10.0F;
+    float dashPhase = 0;
+    std::array<float, kMaxDashes> dashes{};
+    uint32_t dashCount = 0;
+
+    StrokeStyle() noexcept = default;
+    /// Null gives the defaults. More than 15 dashes are cut to 15; the phase counts only with dashes.
+    explicit StrokeStyle(const GXStrokeStyle* style) noexcept {
+        if (style == nullptr) {
+            return;
+        }
+        join = style->join;
+        cap = style->cap;
+        miterLimit = style->miterLimit;
+        dashCount = style->dashCount < kMaxDashes ? static_cast<uint32_t>(style->dashCount) : kMaxDashes;
+        for (uint32_t i = 0; i < dashCount; ++i) {
+            dashes[i] = style->dashes[i];
+        }
+        dashPhase = dashCount != 0 ? style->dashPhase : 0.0F;
+    }
+};
+
+} // namespace Graphics

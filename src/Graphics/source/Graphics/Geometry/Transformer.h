@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Maps every point by an affine matrix. The map of the control points is the map of the curve, so curves stay curves.
+#pragma once
+
+#include "../Matrix.h"
+#include "Figure.h"
+#include "GeometrySink.h"
+
+namespace Graphics {
+
+template <class Sink>
+class Transformer final : public GeometrySink {
+public:
+    Transformer(Sink& sink, const Matrix& m) noexcept : m_matrix(m), m_sink(sink) {}
+
+    void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
+    void BeginFigure(const Point& start) override { m_sink.BeginFigure(Map(m_matrix, start)); }
+    void EndFigure() override { m_sink.EndFigure(); }
+    void EndFigureClose() override { m_sink.EndFigureClose(); }
+    void LineTo(const Point& p) override { m_sink.LineTo(Map(m_matrix, p)); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+        m_sink.CubicTo(Map(m_matrix, c1), Map(m_matrix, c2), Map(m_matrix, end));
+    }
+
+private:
+    const Matrix m_matrix;
+    Sink& m_sink;
+};
+
+/// Whether every point of the figure is finite once mapped.
+[[nodiscard]] inline bool AllFinite(const Figure& figure, const Matrix& m) noexcept {
+    float check = 0; // x - x is 0 for a finite x, else NaN
+    for (const Point& point : figure.Points()) {
+        const Point p = Map(m, point);
+        check += (p.x - p.x) + (p.y - p.y);
+    }
+    return check == 0.0F;
+}
+
+} // namespace Graphics
