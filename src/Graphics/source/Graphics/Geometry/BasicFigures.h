@@ -2,14 +2,11 @@
 // Rectangles, ellipses and lines held by value: paths that cost no heap.
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-
 #include "Figures.h"
 
 namespace Graphics {
 
-/// A rectangle, ellipse or line as a path that is replayed like a stored shape.
+/// A rectangle, ellipse or line as a path.
 class BasicFigure {
 public:
     enum class Kind { Rectangle, Ellipse, Line };
@@ -33,17 +30,6 @@ public:
             break;
         }
     }
-
-    [[nodiscard]] Rect ControlBox() const noexcept {
-        return {std::min(m_rect.left, m_rect.right), std::min(m_rect.top, m_rect.bottom),
-                std::max(m_rect.left, m_rect.right), std::max(m_rect.top, m_rect.bottom)};
-    }
-    [[nodiscard]] bool AllFinite() const noexcept {
-        return std::isfinite(m_rect.left) && std::isfinite(m_rect.top) && std::isfinite(m_rect.right) &&
-               std::isfinite(m_rect.bottom);
-    }
-    [[nodiscard]] uint32_t FillRule() const noexcept { return 0; }
-    [[nodiscard]] bool Empty() const noexcept { return false; }
 
 private:
     Kind m_kind;

@@ -112,10 +112,10 @@ private:
             m_sequence.NextElement();
             // At an element's start whole periods change nothing but the place.
             const double done = length - rest;
-            const double target = done < seenFrom ? seenFrom : done >= seenTo ? length : done;
+            const double unseen = done < seenFrom ? seenFrom - done : done >= seenTo ? rest : 0.0;
             Point start = boundary;
-            if (skips && target - done > period) {
-                rest = std::max(rest - std::floor((target - done) / period) * period, 0.0);
+            if (skips && unseen > period) {
+                rest = std::max(rest - std::floor(unseen / period) * period, 0.0);
                 start = at(length - rest);
             }
             if (!m_sequence.InGap()) {

@@ -124,8 +124,9 @@ private:
     /// Where a - b meets `bound`. In double, and with infinities cut to the largest float, nothing overflows.
     [[nodiscard]] Point Crossing(const Point& a, const Point& b, float bound) const noexcept {
         const auto cut = [](float v) {
-            constexpr float kMost = std::numeric_limits<float>::max();
-            return static_cast<double>(v > kMost ? kMost : v < -kMost ? -kMost : v);
+            constexpr double kMost = std::numeric_limits<float>::max();
+            const double wide = v;
+            return wide > kMost ? kMost : wide < -kMost ? -kMost : wide;
         };
         if (m_axis == ClipAxis::X) {
             const double t = (bound - cut(a.x)) / (cut(b.x) - cut(a.x));

@@ -22,7 +22,7 @@ namespace {
 /// Whole pixels around a box, one more on every side: a degenerate rectangle is one pixel wide, and snapping may move
 /// an edge. NaN sides go as far as they can.
 [[nodiscard]] IntRect RoundOut(const Rect& r) noexcept {
-    constexpr float kFar = 1.0e9F;
+    static constexpr float kFar = 1.0e9F;
     const auto low = [](float v) { return v > -kFar ? SaturatingTruncate(std::floor(std::min(v, kFar))) - 1 : -1000000001; };
     const auto high = [](float v) { return v < kFar ? SaturatingTruncate(std::ceil(std::max(v, -kFar))) + 1 : 1000000001; };
     return {low(r.left), low(r.top), high(r.right), high(r.bottom)};
@@ -33,19 +33,8 @@ namespace {
             static_cast<float>(r.bottom)};
 }
 
-/// Calls use(path) with the shape or the figure.
-template <class Use>
-void Visit(const PathRef& path, Use&& use) {
-    if (path.shape != nullptr) {
-        use(**path.shape);
-    } else {
-        use(*path.figure);
-    }
-}
-
 /// Device box of a path under a matrix; the widest box where a coordinate is not finite.
-template <class Path>
-[[nodiscard]] Rect DeviceBox(const Path& path, const Matrix& m, float reach) noexcept {
+[[nodiscard]] Rect DeviceBox(const Shape& path, const Matrix& m, float reach) noexcept {
     constexpr float kFar = 1.0e9F;
     const Rect box = path.ControlBox();
     const Rect mapped = MapBox(m, {box.left - reach, box.top - reach, box.right + reach, box.bottom + reach});
@@ -109,6 +98,15 @@ SwSubTarget& SwRenderTarget::Current() noexcept {
         return m_basic;
     }
     return *m_layers.back();
+}
+
+const Shape& SwRenderTarget::Resolve(const PathRef& path) {
+    if (path.shape != nullptr) {
+        return **path.shape;
+    }
+    m_figure.Clear();
+    path.figure->Replay(m_figure);
+    return m_figure;
 }
 
 template <class Change>
@@ -231,22 +229,21 @@ template <class MakeSource>
 void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource) {
     CheckMasks();
     const Matrix transform = State().transform;
-    Visit(path, [&](const auto& p) {
-        if (p.Empty()) {
-            return;
-        }
-        const IntRect visible = Visible(RoundOut(DeviceBox(p, transform, 0.0F)));
-        if (IsEmpty(visible)) {
-            return;
-        }
-        const SwTargetPlanes planes = Current().Planes(visible);
-        SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-        Assemble(pipeLine, visible, extraMask);
-        pipeLine.SetColorSource(*makeSource(visible));
-        m_rasterizer.Begin(ToRect(m_area), visible, snap);
-        FeedFill(p, transform, m_rasterizer);
-        m_rasterizer.Finish(pipeLine);
-    });
+    const Shape& shape = Resolve(path);
+    if (shape.Empty()) {
+        return;
+    }
+    const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
+    if (IsEmpty(visible)) {
+        return;
+    }
+    const SwTargetPlanes planes = Current().Planes(visible);
+    SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
+    Assemble(pipeLine, visible, extraMask);
+    pipeLine.SetColorSource(*makeSource(visible));
+    m_rasterizer.Begin(ToRect(m_area), visible, snap);
+    FeedFill(shape, transform, m_rasterizer);
+    m_rasterizer.Finish(pipeLine);
 }
 
 void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
@@ -260,66 +257,64 @@ void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width
     const DrawScope scope(m_arena);
     CheckMasks();
     const SwState& state = State();
-    Visit(path, [&](const auto& p) {
-        if (p.Empty()) {
-            return;
-        }
-        // Two more pixels: the thinnest line is one wide, and adjustment moves edges by less than one.
-        Rect box = DeviceBox(p, state.transform, StrokeReach(width, style));
-        box = {box.left - 2.0F, box.top - 2.0F, box.right + 2.0F, box.bottom + 2.0F};
-        const IntRect visible = Visible(RoundOut(box));
-        if (IsEmpty(visible)) {
-            return;
-        }
-        const SwTargetPlanes planes = Current().Planes(visible);
-        SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-        Assemble(pipeLine, visible, nullptr);
-        pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform));
-        m_rasterizer.Begin(ToRect(m_area), visible, state.strokeAdjustment);
-        FeedStroke(p, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible), m_rasterizer);
-        m_rasterizer.Finish(pipeLine);
-    });
+    const Shape& shape = Resolve(path);
+    if (shape.Empty()) {
+        return;
+    }
+    // Two more pixels: the thinnest line is one wide, and adjustment moves edges by less than one.
+    Rect box = DeviceBox(shape, state.transform, StrokeReach(width, style));
+    box = {box.left - 2.0F, box.top - 2.0F, box.right + 2.0F, box.bottom + 2.0F};
+    const IntRect visible = Visible(RoundOut(box));
+    if (IsEmpty(visible)) {
+        return;
+    }
+    m_rasterizer.Begin(ToRect(m_area), visible, state.strokeAdjustment);
+    FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible), m_rasterizer);
+    const SwTargetPlanes planes = Current().Planes(visible);
+    SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
+    Assemble(pipeLine, visible, nullptr);
+    pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform));
+    m_rasterizer.Finish(pipeLine);
 }
 
 void SwRenderTarget::Clip(const PathRef& path) {
-    constexpr size_t kRecent = 8;
     SwState& state = State();
     const bool snap = state.strokeAdjustment;
-    Visit(path, [&](const auto& p) {
-        IntRect visible = Visible(RoundOut(DeviceBox(p, state.transform, 0.0F)));
-        if (p.Empty() || IsEmpty(visible)) {
-            visible = {0, 0, 0, 0};
+    const Shape& shape = Resolve(path);
+    IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
+    if (shape.Empty() || IsEmpty(visible)) {
+        visible = {0, 0, 0, 0};
+    }
+    // The same clip again, as hosts that save and restore state around every object ask for: built once.
+    const auto figureCount = shape.Figures().size();
+    const uint32_t rule = shape.FillRule();
+    const auto same = [&](const ClipKey& key) {
+        return path.shape != nullptr && key.shape == *path.shape && key.parent.get() == state.clip.get() &&
+               key.figureCount == figureCount && key.fillRule == rule && key.snap == snap && key.visible == visible &&
+               SameMatrix(key.transform, state.transform);
+    };
+    if (const auto found = std::find_if(m_recentClips.begin(), m_recentClips.end(), same);
+        found != m_recentClips.end()) {
+        state.clip = found->clip;
+        return;
+    }
+    SwClipBuilder builder(m_clips, state.clip.get(), visible);
+    if (!IsEmpty(visible)) {
+        m_rasterizer.Begin(ToRect(m_area), visible, snap);
+        FeedFill(shape, state.transform, m_rasterizer);
+        m_rasterizer.Finish(builder);
+    }
+    SwClipRef clip = builder.Finish();
+    if (path.shape != nullptr) {
+        constexpr size_t kRecent = 8;
+        ClipKey key{state.clip, clip, *path.shape, figureCount, rule, state.transform, visible, snap};
+        if (m_recentClips.size() < kRecent) {
+            m_recentClips.push_back(std::move(key));
+        } else {
+            m_recentClips[m_nextRecent++ % kRecent] = std::move(key);
         }
-        const uint32_t rule = p.FillRule();
-        size_t figureCount = 0;
-        if (path.shape != nullptr) {
-            figureCount = (*path.shape)->FigureCount();
-            for (const ClipKey& key : m_recentClips) {
-                if (key.shape == *path.shape && key.parent.get() == state.clip.get() &&
-                    key.figureCount == figureCount && key.fillRule == rule && key.snap == snap &&
-                    key.visible == visible && SameMatrix(key.transform, state.transform)) {
-                    state.clip = key.clip;
-                    return;
-                }
-            }
-        }
-        SwClipBuilder builder(m_clips, state.clip.get(), visible);
-        if (!IsEmpty(visible)) {
-            m_rasterizer.Begin(ToRect(m_area), visible, snap);
-            FeedFill(p, state.transform, m_rasterizer);
-            m_rasterizer.Finish(builder);
-        }
-        SwClipRef clip = builder.Finish();
-        if (path.shape != nullptr) {
-            ClipKey key{state.clip, clip, *path.shape, figureCount, rule, state.transform, visible, snap};
-            if (m_recentClips.size() < kRecent) {
-                m_recentClips.push_back(std::move(key));
-            } else {
-                m_recentClips[m_nextRecent++ % kRecent] = std::move(key);
-            }
-        }
-        state.clip = std::move(clip);
-    });
+    }
+    state.clip = std::move(clip);
 }
 
 void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
@@ -452,15 +447,16 @@ void SwRenderTarget::CloseLayer() {
 
 void SwRenderTarget::InvertRect(const Rect& rect) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
+    const Shape& shape = Resolve({nullptr, &figure});
     const Matrix transform = State().transform;
-    const IntRect visible = Visible(RoundOut(DeviceBox(figure, transform, 0.0F)));
+    const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
     if (IsEmpty(visible)) {
         return;
     }
     const SwTargetPlanes planes = Current().Planes(visible);
     SwInverter inverter(planes, visible, State().clip.get());
     m_rasterizer.Begin(ToRect(m_area), visible, true);
-    FeedFill(figure, transform, m_rasterizer);
+    FeedFill(shape, transform, m_rasterizer);
     m_rasterizer.Finish(inverter);
 }
 

@@ -7,6 +7,7 @@
 
 #include "../Arena.h"
 #include "../Geometry/Pen.h"
+#include "../Geometry/Shape.h"
 #include "../Scan/Rasterizer.h"
 #include "../Target/RenderTargetBase.h"
 #include "SwLayerSubTarget.h"
@@ -54,6 +55,8 @@ private:
 
     [[nodiscard]] SwSubTarget& Current() noexcept;
     [[nodiscard]] SwState& State() noexcept { return Current().State(); }
+    /// The stored shape, or the figure put into a shape that is void after the call.
+    [[nodiscard]] const Shape& Resolve(const PathRef& path);
     /// Applies a setter to the cached state and, while painting, to the current one.
     template <class Change>
     void ChangeState(Change&& change);
@@ -86,6 +89,7 @@ private:
     Arena m_arena;
     Rasterizer m_rasterizer;
     PenStorage m_pen;
+    Shape m_figure;
     SwRowBuffers m_buffers;
 };
 
