@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+// The row kernels in plain C++: always built, and the measure of every other set.
+#include "SwBlend.h"
+#include "SwKernelSets.h"
+
+namespace Graphics {
+namespace {
+
+using namespace Blend;
+
+uint32_t ShapeAt(const uint8_t* shape, size_t i) noexcept { return shape != nullptr ? shape[i] : 255U; }
+
+void Fill32(uint32_t* dst, uint32_t value, size_t count) noexcept {
+    for (size_t i = 0; i < count; ++i) {
+        dst[i] = value;
+    }
+}
+
+void SetOpaque(uint32_t* dst, size_t count) noexcept {
+    for (size_t i = 0; i < count; ++i) {
+        dst[i] |= 0xFF000000U;
+    }
+}
+
+/// c is already scaled by the shape. Sums are 32-bit words, so what leaves a channel enters the next.
+uint32_t Over(uint32_t d, uint32_t c) noexcept { return Alpha(d) == 0 ? c : Scale(d, 256U - Alpha(c)) + c; }
+
+void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    if (Alpha(color) == 0) {
+        return;
+    }
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t s = ShapeAt(shape, i);
+        if (s != 0) {
+            dst[i] = Over(dst[i], Scale(color, s + 1U));
+        }
+    }
+}
+
+void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t s = ShapeAt(shape, i);
+        if (s != 0 && Alpha(src[i]) != 0) {
+            dst[i] = Over(dst[i], Scale(src[i], s + 1U));
+        }
+    }
+}
+
+/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs) with alpha as + ab - as ab, each term truncated. One form serves
+/// every alpha: at 255 a complement scales a byte to 0, and t is the other alpha exactly.
+template <class Mode>
+uint32_t BlendPixel(uint32_t d, uint32_t c) noexcept {
+    const uint32_t as = Alpha(c);
+    const uint32_t ab = Alpha(d);
+    if (ab == 0) {
+        return c;
+    }
+    const uint32_t mixed = Mode::Pixel(Unpremultiply(d), Unpremultiply(c));
+    const uint32_t t = (as * (ab + 1U)) >> 8;
+    const uint32_t sum = Scale(d, 256U - as) + Scale(c, 256U - ab) + Scale(mixed, t + 1U);
+    return (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
+}
+
+template <class Mode>
+void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t s = ShapeAt(shape, i);
+        if (s != 0 && Alpha(src[i]) != 0) {
+            dst[i] = BlendPixel<Mode>(dst[i], Scale(src[i], s + 1U));
+        }
+    }
+}
+
+/// Normal inside a group: source over what lies under it.
+struct LayerOver {
+    static uint32_t Pixel(uint32_t under, uint32_t c) noexcept { return Scale(under, 256U - Alpha(c)) + c; }
+};
+
+/// The other modes inside a group: M = c (1 - au) + B au, then under (1 - as) + M as.
+template <class Mode>
+struct LayerBlended {
+    static uint32_t Pixel(uint32_t under, uint32_t c) noexcept {
+        const uint32_t mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c));
+        const uint32_t m = Scale(c, 256U - Alpha(under)) + Scale(mixed, Alpha(under) + 1U);
+        return Scale(under, 256U - Alpha(c)) + Scale(m, Alpha(c) + 1U);
+    }
+};
+
+template <class Compose>
+void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t c = src[i];
+        const uint32_t as = Alpha(c);
+        const uint32_t fs = ShapeAt(shape, i);
+        if (as == 0 || fs == 0) {
+            continue;
+        }
+        const uint32_t backdrop = row.backdrop != nullptr ? row.backdrop[i] : 0U;
+        const uint32_t old = row.color[i];
+        const uint32_t oldAlpha = row.alpha[i];
+        const uint32_t alpha = ((Union(row.knockout ? 0U : oldAlpha, as) * (fs + 1U)) >> 8) + ((oldAlpha * (256U - fs)) >> 8);
+        const uint32_t composed = Compose::Pixel(row.knockout ? backdrop : old, c);
+        const uint32_t color = Scale(old, 256U - fs) + Scale(composed, fs + 1U);
+        row.color[i] = (color & 0x00FFFFFFU) | Union(alpha, Alpha(backdrop)) << 24;
+        row.alpha[i] = static_cast<uint8_t>(alpha);
+        row.shape[i] = static_cast<uint8_t>(Union(row.shape[i], fs));
+    }
+}
+
+uint32_t SubtractClamped(uint32_t x, uint32_t y) noexcept {
+    uint32_t result = 0;
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        const uint32_t a = Channel(x, shift);
+        const uint32_t b = Channel(y, shift);
+        result |= (a > b ? a - b : 0U) << shift;
+    }
+    return result;
+}
+
+/// Every byte b becomes min(b, v) * 255 / v.
+uint32_t DivideBy(uint32_t x, uint32_t v) noexcept {
+    uint32_t result = 0;
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        result |= Lower(Channel(x, shift), v) * 255U / v << shift;
+    }
+    return result;
+}
+
+void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, const uint32_t* backdrop, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t fg = shape[i];
+        const uint32_t ag = alpha[i];
+        if (fg == 0 || (backdrop != nullptr && ag == 0)) {
+            continue;
+        }
+        uint32_t x = color[i];
+        if (backdrop != nullptr) {
+            if (ag == 255U) {
+                color[i] = x | 0xFF000000U;
+                continue;
+            }
+            x = SubtractClamped(x, Scale(backdrop[i], 256U - ag));
+        }
+        x = (x & 0x00FFFFFFU) | ag << 24;
+        color[i] = fg < 255U ? DivideBy(x, fg) : x;
+    }
+}
+
+uint32_t Luminosity8(uint32_t x) noexcept {
+    return (77U * Channel(x, 16) + 151U * Channel(x, 8) + 28U * Channel(x, 0)) >> 8;
+}
+
+template <int kType>
+void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t v = kType < 2 ? Alpha(pixels[i]) : Luminosity8(pixels[i]);
+        values[i] = static_cast<uint8_t>((kType & 1) != 0 ? 255U - v : v);
+    }
+}
+
+void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        shape[i] = static_cast<uint8_t>((shape[i] * (mask[i] + 1U)) >> 8);
+    }
+}
+
+void ScaleShapeBy(uint8_t* shape, uint8_t value, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        shape[i] = static_cast<uint8_t>((shape[i] * (value + 1U)) >> 8);
+    }
+}
+
+void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        color[i] = Scale(color[i], mask[i] + 1U);
+    }
+}
+
+void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        color[i] = Scale(color[i], factor);
+    }
+}
+
+void Premultiply(uint32_t* color, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        color[i] = (Scale(color[i], Alpha(color[i]) + 1U) & 0x00FFFFFFU) | (color[i] & 0xFF000000U);
+    }
+}
+
+void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t s = ShapeAt(shape, i);
+        dst[i] = Scale(dst[i], 256U - s) + Scale(color, s + 1U);
+    }
+}
+
+void Invert(uint32_t* dst, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t a = Alpha(dst[i]);
+        dst[i] = SubtractClamped(a << 24 | a << 16 | a << 8 | a, dst[i] & 0x00FFFFFFU);
+    }
+}
+
+#define GX_MODES(row)                                                                                                  \
+    {                                                                                                                  \
+        row(Separable<Normal>), row(Separable<Multiply>), row(Separable<Screen>), row(Separable<Overlay>),             \
+            row(Separable<Darken>), row(Separable<Lighten>), row(Separable<ColorBurn>), row(Separable<ColorDodge>),    \
+            row(Separable<HardLight>), row(Separable<SoftLight>), row(Separable<Difference>),                          \
+            row(Separable<Exclusion>), row(Hue), row(Saturation), row(HueAndSaturation), row(Luminosity),              \
+            row(Separable<Normal>)                                                                                     \
+    }
+#define GX_BLEND_ROW(...) BlendRow<__VA_ARGS__>
+#define GX_LAYER_ROW(...) LayerRow<LayerBlended<__VA_ARGS__>>
+
+constexpr SwKernels kTable = {
+    "scalar",
+    Fill32,
+    SetOpaque,
+    NormalSolid,
+    NormalVarying,
+    GX_MODES(GX_BLEND_ROW),
+    LayerRow<LayerOver>,
+    GX_MODES(GX_LAYER_ROW),
+    GroupResult,
+    {MaskValues<0>, MaskValues<1>, MaskValues<2>, MaskValues<3>},
+    ScaleShape,
+    ScaleShapeBy,
+    ScaleColor,
+    ScaleColorBy,
+    Premultiply,
+    ReplaceSolid,
+    Invert,
+};
+
+} // namespace
+
+const SwKernels* const kSwKernelsScalar = &kTable;
+
+} // namespace Graphics

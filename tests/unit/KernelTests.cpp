@@ -1,0 +1,513 @@
+// SPDX-License-Identifier: MIT
+// Every entry of every kernel table against formulas written out channel by channel, at every count and alignment that
+// crosses blocks and tails, between guard bytes.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Software/Kernels/SwKernels.h"
+
+namespace {
+
+using Graphics::KernelSet;
+using Graphics::SwKernels;
+using Graphics::SwLayerRow;
+
+// ---- The oracle: integers by channel, divisions by division ----
+
+struct Px {
+    int b, g, r, a;
+};
+Px Split(uint32_t p) { return {int(p & 255), int(p >> 8 & 255), int(p >> 16 & 255), int(p >> 24)}; }
+uint32_t Join(const Px& p) { return uint32_t(p.b) | uint32_t(p.g) << 8 | uint32_t(p.r) << 16 | uint32_t(p.a) << 24; }
+
+Px Each(const Px& p, const std::function<int(int)>& f) { return {f(p.b), f(p.g), f(p.r), f(p.a)}; }
+uint32_t Times(uint32_t p, int k) {
+    return Join(Each(Split(p), [k](int c) { return c * k / 256; }));
+}
+uint32_t WithAlpha(uint32_t p, int a) { return (p & 0xFFFFFF) | uint32_t(a & 255) << 24; }
+int UnionOf(int a, int b) { return a + b - a * (b + 1) / 256; }
+
+Px Straight(uint32_t p) {
+    const Px x = Split(p);
+    const auto f = [&](int c) { return x.a == 0 ? c : std::min(c, x.a) * 255 / x.a; };
+    return {f(x.b), f(x.g), f(x.r), x.a};
+}
+
+int HardLight(int cb, int cs) {
+    return cs > 127 ? cb + (2 * cs - 255) - (2 * cs - 255) * cb / 255 : 2 * cs * cb / 255;
+}
+int SoftLight(int cb, int cs) {
+    const float x = float(cb) / 255.0F;
+    const float f = x <= 0.25F ? ((16 * x - 12) * x + 4) * x : std::sqrt(x);
+    const int d = int(f * 255);
+    return cs > 127 ? cb + ((d - cb) * (2 * cs - 255)) / 255 : cb - ((255 - 2 * cs) * (255 - cb) * cb) / 65025;
+}
+int Function(int mode, int cb, int cs) {
+    switch (mode) {
+    case 1: return ((cb + 1) * cs) >> 8;
+    case 2: return cs + cb - (((cb + 1) * cs) >> 8);
+    case 3: return HardLight(cs, cb);
+    case 4: return std::min(cb, cs);
+    case 5: return std::max(cb, cs);
+    case 6: return cs == 0 ? 0 : 255 - std::min(255, ((255 - cb) * 255) / cs);
+    case 7: return cs == 255 ? 255 : cb < 255 - cs ? cb * 255 / (255 - cs) : 255;
+    case 8: return HardLight(cb, cs);
+    case 9: return SoftLight(cb, cs);
+    case 10: return std::abs(cb - cs);
+    case 11: return cs + cb - (2 * cs * cb) / 255;
+    default: return cs;
+    }
+}
+
+// Index 0 red, 1 green, 2 blue.
+using Rgb = std::array<float, 3>;
+Rgb Floats(const Px& p) { return {float(p.r) / 255.0F, float(p.g) / 255.0F, float(p.b) / 255.0F}; }
+float Lum(const Rgb& c) { return 0.3F * c[0] + 0.59F * c[1] + 0.11F * c[2]; }
+float Sat(const Px& p) { return float(std::max({p.r, p.g, p.b}) - std::min({p.r, p.g, p.b})) / 255.0F; }
+Rgb SetSat(Rgb c, float s) {
+    std::array<size_t, 3> order{0, 1, 2}; // highest first; among equals red before green before blue
+    std::stable_sort(order.begin(), order.end(), [&](size_t i, size_t j) { return c[i] > c[j]; });
+    const float high = c[order[0]];
+    const float mid = c[order[1]];
+    const float low = c[order[2]];
+    c[order[1]] = high > low ? (mid - low) * s / (high - low) : 0.0F;
+    c[order[0]] = high > low ? s : 0.0F;
+    return c;
+}
+Rgb SetLum(Rgb c, float l) {
+    const float d = l - Lum(c);
+    for (float& v : c) {
+        v += d;
+    }
+    const float lum = Lum(c);
+    const float low = std::min({c[0], c[1], c[2]});
+    const float high = std::max({c[0], c[1], c[2]});
+    for (float& v : c) {
+        v = low < 0 ? lum + (v - lum) * lum / (lum - low) : v;
+        v = high > 1 ? lum + (v - lum) * (1 - lum) / (high - lum) : v;
+    }
+    return c;
+}
+Px Bytes(const Rgb& c) {
+    const auto f = [](float v) { return std::isnan(v) || v < 0 ? 0 : v > 1 ? 255 : int(v * 255); };
+    return {f(c[2]), f(c[1]), f(c[0]), 0};
+}
+
+uint32_t Blend(int mode, const Px& b, const Px& s) {
+    switch (mode) {
+    case 12: return Join(Bytes(SetLum(SetSat(Floats(s), Sat(b)), Lum(Floats(b)))));
+    case 13: return Join(Bytes(SetLum(SetSat(Floats(b), Sat(s)), Lum(Floats(b)))));
+    case 14: return Join(Bytes(SetLum(Floats(s), Lum(Floats(b)))));
+    case 15: return Join(Bytes(SetLum(Floats(b), Lum(Floats(s)))));
+    default: return Join({Function(mode, b.b, s.b), Function(mode, b.g, s.g), Function(mode, b.r, s.r), 0});
+    }
+}
+
+uint32_t NormalOracle(uint32_t d, uint32_t c, int s) {
+    if (s == 0 || Split(c).a == 0) {
+        return d;
+    }
+    c = Times(c, s + 1);
+    return Split(d).a == 0 ? c : Times(d, 256 - Split(c).a) + c;
+}
+
+uint32_t BlendOracle(int mode, uint32_t d, uint32_t c, int s) {
+    if (s == 0 || Split(c).a == 0) {
+        return d;
+    }
+    c = s < 255 ? Times(c, s + 1) : c;
+    const int as = Split(c).a;
+    const int ab = Split(d).a;
+    if (ab == 0) {
+        return c;
+    }
+    const uint32_t mixed = Blend(mode, Straight(d), Straight(c));
+    if (as == 255) {
+        return WithAlpha(ab == 255 ? mixed : Times(c, 256 - ab) + Times(mixed, ab + 1), 255);
+    }
+    if (ab == 255) {
+        return WithAlpha(Times(d, 256 - as) + Times(mixed, as + 1), 255);
+    }
+    const int t = as * (ab + 1) / 256;
+    return WithAlpha(Times(d, 256 - as) + Times(c, 256 - ab) + Times(mixed, t + 1), as + ab - t);
+}
+
+struct Group {
+    uint32_t color;
+    int alpha, shape;
+};
+/// mode -1: the Normal of groups, which has a formula of its own.
+Group LayerOracle(int mode, Group o, uint32_t backdrop, bool knockout, uint32_t c, int fs) {
+    const int as = Split(c).a;
+    if (as == 0 || fs == 0) {
+        return o;
+    }
+    const int a0 = knockout ? 0 : o.alpha;
+    const int alpha = (((as + a0 - ((a0 * (as + 1)) >> 8)) * (fs + 1)) >> 8) + ((o.alpha * (256 - fs)) >> 8);
+    const uint32_t under = knockout ? backdrop : o.color;
+    uint32_t x;
+    if (mode < 0) {
+        x = Times(under, 256 - as) + c;
+    } else {
+        const int au = Split(under).a;
+        const uint32_t m = Times(c, 256 - au) + Times(Blend(mode, Straight(under), Straight(c)), au + 1);
+        x = Times(under, 256 - as) + Times(m, as + 1);
+    }
+    return {WithAlpha(Times(o.color, 256 - fs) + Times(x, fs + 1), UnionOf(alpha, Split(backdrop).a)), alpha,
+            UnionOf(o.shape, fs)};
+}
+
+uint32_t ResultOracle(uint32_t c, int ag, int fg, const uint32_t* backdrop) {
+    if (fg == 0 || (backdrop != nullptr && ag == 0)) {
+        return c;
+    }
+    if (backdrop != nullptr) {
+        if (ag == 255) {
+            return WithAlpha(c, 255);
+        }
+        const Px share = Split(Times(*backdrop, 256 - ag));
+        const Px x = Split(c);
+        c = Join({std::max(0, x.b - share.b), std::max(0, x.g - share.g), std::max(0, x.r - share.r), 0});
+    }
+    c = WithAlpha(c, ag);
+    return fg == 255 ? c : Join(Each(Split(c), [fg](int b) { return std::min(b, fg) * 255 / fg; }));
+}
+
+int MaskOracle(int type, uint32_t p) {
+    const Px x = Split(p);
+    const int v = type < 2 ? x.a : (77 * x.r + 151 * x.g + 28 * x.b) >> 8;
+    return type % 2 == 1 ? 255 - v : v;
+}
+
+// ---- Random rows ----
+
+class Source {
+public:
+    explicit Source(unsigned seed) : m_engine(seed) {}
+
+    int Byte() {
+        const unsigned pick = m_engine() % 4U;
+        return pick == 0 ? 0 : pick == 1 ? 255 : int(m_engine() % 256U);
+    }
+    /// Mostly valid premultiplied; sometimes any word.
+    uint32_t Pixel() {
+        if (m_engine() % 8U == 0) {
+            return uint32_t(m_engine());
+        }
+        const int a = Byte();
+        const auto c = [&] { return a == 0 ? 0 : m_engine() % 4U == 0 ? a : int(m_engine() % unsigned(a + 1)); };
+        return Join({c(), c(), c(), a});
+    }
+    /// One kind over a whole row now and then, so that the paths for uniform blocks run.
+    void Fill(std::vector<uint8_t>& row) {
+        const unsigned kind = m_engine() % 5U;
+        for (uint8_t& v : row) {
+            v = uint8_t(kind == 0 ? 0 : kind == 1 ? 255 : Byte());
+        }
+    }
+    void Fill(std::vector<uint32_t>& row) {
+        const unsigned kind = m_engine() % 5U;
+        for (uint32_t& v : row) {
+            v = kind == 0 ? WithAlpha(Pixel(), 255) : kind == 1 ? 0 : Pixel();
+        }
+    }
+    unsigned Number(unsigned below) { return unsigned(m_engine() % below); }
+
+private:
+    std::mt19937 m_engine;
+};
+
+/// A row with guard elements before and after, its first element at any alignment that its type allows.
+template <class T>
+struct Guarded {
+    static constexpr size_t kGuard = 24;
+    std::vector<T> memory;
+    size_t offset;
+    std::vector<T> before;
+
+    Guarded(const std::vector<T>& row, size_t shift) : memory(row.size() + 2 * kGuard + shift, T(0xA5)), offset(kGuard + shift) {
+        std::copy(row.begin(), row.end(), memory.begin() + ptrdiff_t(offset));
+        before = memory;
+    }
+    T* Row() { return memory.data() + offset; }
+    /// Compares with `expected` in place of the row and the guards as they were.
+    ::testing::AssertionResult Is(const std::vector<T>& expected) {
+        std::copy(expected.begin(), expected.end(), before.begin() + ptrdiff_t(offset));
+        for (size_t i = 0; i < memory.size(); ++i) {
+            if (memory[i] != before[i]) {
+                return ::testing::AssertionFailure() << std::hex << "element " << std::dec << ptrdiff_t(i) - ptrdiff_t(offset)
+                                                     << std::hex << " is " << +memory[i] << ", expected " << +before[i];
+            }
+        }
+        return ::testing::AssertionSuccess();
+    }
+};
+
+class KernelTest : public ::testing::TestWithParam<int> {
+protected:
+    void SetUp() override {
+        m_kernels = KernelSet(GetParam());
+        if (m_kernels == nullptr) {
+            GTEST_SKIP() << "set " << GetParam() << " is not available";
+        }
+    }
+    /// Rows of every count 0 to 67 at changing alignments, `rounds` times.
+    void ForRows(int rounds, const std::function<void(Source&, size_t count, size_t shift)>& test) {
+        for (int round = 0; round < rounds; ++round) {
+            for (size_t count = 0; count <= 67; ++count) {
+                Source random(unsigned(round * 1000) + unsigned(count));
+                SCOPED_TRACE("round " + std::to_string(round) + " count " + std::to_string(count));
+                test(random, count, (count * 7 + size_t(round)) % 17);
+                if (HasFailure()) {
+                    return;
+                }
+            }
+        }
+    }
+    const SwKernels* m_kernels = nullptr;
+};
+
+/// Runs an in-place operation on pixels and compares each with f(pixel, index).
+template <class Run, class Oracle>
+void CheckPixels(const std::vector<uint32_t>& dst, size_t shift, const char* what, Run run, Oracle oracle) {
+    Guarded<uint32_t> row(dst, shift);
+    run(row.Row());
+    std::vector<uint32_t> expected(dst.size());
+    for (size_t i = 0; i < dst.size(); ++i) {
+        expected[i] = oracle(dst[i], i);
+    }
+    EXPECT_TRUE(row.Is(expected)) << what;
+}
+
+TEST_P(KernelTest, PlainRowsFollowTheirFormulas) {
+    ForRows(34, [&](Source& random, size_t n, size_t shift) {
+        std::vector<uint32_t> dst(n);
+        std::vector<uint8_t> mask(n);
+        random.Fill(dst);
+        random.Fill(mask);
+        Guarded<uint8_t> m(mask, shift / 2);
+        const uint32_t color = random.Pixel();
+        const uint32_t factor = random.Number(256) + 1;
+        const auto& k = *m_kernels;
+        CheckPixels(dst, shift, "fill32", [&](uint32_t* p) { k.fill32(p, color, n); }, [&](uint32_t, size_t) { return color; });
+        CheckPixels(dst, shift, "setOpaque", [&](uint32_t* p) { k.setOpaque(p, n); },
+                    [](uint32_t d, size_t) { return WithAlpha(d, 255); });
+        CheckPixels(dst, shift, "scaleColor", [&](uint32_t* p) { k.scaleColor(p, m.Row(), n); },
+                    [&](uint32_t d, size_t i) { return mask[i] < 255 ? Times(d, mask[i] + 1) : d; });
+        CheckPixels(dst, shift, "scaleColorBy", [&](uint32_t* p) { k.scaleColorBy(p, factor, n); },
+                    [&](uint32_t d, size_t) { return Times(d, int(factor)); });
+        CheckPixels(dst, shift, "premultiply", [&](uint32_t* p) { k.premultiply(p, n); },
+                    [](uint32_t d, size_t) { return WithAlpha(Times(d, Split(d).a + 1), Split(d).a); });
+        CheckPixels(dst, shift, "replaceSolid", [&](uint32_t* p) { k.replaceSolid(p, color, m.Row(), n); }, [&](uint32_t d, size_t i) {
+            return mask[i] == 0 ? d : mask[i] == 255 ? color : Times(d, 256 - mask[i]) + Times(color, mask[i] + 1);
+        });
+        CheckPixels(dst, shift, "replaceSolid", [&](uint32_t* p) { k.replaceSolid(p, color, nullptr, n); },
+                    [&](uint32_t, size_t) { return color; });
+        CheckPixels(dst, shift, "invert", [&](uint32_t* p) { k.invert(p, n); }, [](uint32_t d, size_t) {
+            const Px x = Split(d);
+            return Join({std::max(0, x.a - x.b), std::max(0, x.a - x.g), std::max(0, x.a - x.r), x.a});
+        });
+    });
+    // Long rows run the unrolled stores.
+    for (size_t n : {255U, 256U, 300U, 1023U}) {
+        CheckPixels(std::vector<uint32_t>(n, 1), n % 16, "fill32", [&](uint32_t* p) { m_kernels->fill32(p, 7, n); },
+                    [](uint32_t, size_t) { return 7U; });
+    }
+}
+
+TEST_P(KernelTest, MasksFollowTheirFormulas) {
+    ForRows(34, [&](Source& random, size_t quarter, size_t shift) {
+        const size_t n = quarter * 3; // bytes come by whole registers, up to 64
+        std::vector<uint32_t> pixels(n);
+        std::vector<uint8_t> shape(n);
+        std::vector<uint8_t> mask(n);
+        random.Fill(pixels);
+        random.Fill(shape);
+        random.Fill(mask);
+        Guarded<uint32_t> p(pixels, shift);
+        std::vector<uint8_t> expected(n);
+        for (int type = 0; type < 4; ++type) {
+            Guarded<uint8_t> values(shape, shift);
+            m_kernels->maskValues[type](values.Row(), p.Row(), n);
+            std::transform(pixels.begin(), pixels.end(), expected.begin(), [&](uint32_t x) { return uint8_t(MaskOracle(type, x)); });
+            EXPECT_TRUE(values.Is(expected)) << "mask type " << type;
+        }
+        const auto by = [](int s, int m) { return uint8_t(m < 255 ? s * (m + 1) / 256 : s); };
+        Guarded<uint8_t> m(mask, 16 - shift % 16);
+        Guarded<uint8_t> row(shape, shift);
+        m_kernels->scaleShape(row.Row(), m.Row(), n);
+        std::transform(shape.begin(), shape.end(), mask.begin(), expected.begin(), by);
+        EXPECT_TRUE(row.Is(expected)) << "scaleShape";
+
+        Guarded<uint8_t> self(shape, shift);
+        m_kernels->scaleShape(self.Row(), self.Row(), n);
+        std::transform(shape.begin(), shape.end(), shape.begin(), expected.begin(), by);
+        EXPECT_TRUE(self.Is(expected)) << "scaleShape by itself";
+
+        const int value = random.Byte();
+        Guarded<uint8_t> constant(shape, shift);
+        m_kernels->scaleShapeBy(constant.Row(), uint8_t(value), n);
+        std::transform(shape.begin(), shape.end(), expected.begin(), [&](int s) { return by(s, value); });
+        EXPECT_TRUE(constant.Is(expected)) << "scaleShapeBy " << value;
+    });
+}
+
+TEST_P(KernelTest, CompositesOverABasicTarget) {
+    ForRows(17, [&](Source& random, size_t n, size_t shift) {
+        std::vector<uint32_t> dst(n);
+        std::vector<uint32_t> src(n);
+        std::vector<uint8_t> shape(n);
+        random.Fill(dst);
+        random.Fill(src);
+        random.Fill(shape);
+        Guarded<uint32_t> s(src, 16 - shift % 16);
+        Guarded<uint8_t> f(shape, shift / 2);
+        const uint32_t color = random.Pixel();
+        for (bool shaped : {false, true}) {
+            const uint8_t* shapeRow = shaped ? f.Row() : nullptr;
+            const auto at = [&](size_t i) { return shaped ? int(shape[i]) : 255; };
+            CheckPixels(dst, shift, "normalSolid", [&](uint32_t* p) { m_kernels->normalSolid(p, color, shapeRow, n); },
+                        [&](uint32_t d, size_t i) { return NormalOracle(d, color, at(i)); });
+            CheckPixels(dst, shift, "normalVarying", [&](uint32_t* p) { m_kernels->normalVarying(p, s.Row(), shapeRow, n); },
+                        [&](uint32_t d, size_t i) { return NormalOracle(d, src[i], at(i)); });
+            for (int mode = 0; mode < int(Graphics::kBlendCount); ++mode) {
+                SCOPED_TRACE("mode " + std::to_string(mode));
+                CheckPixels(dst, shift, "blend", [&](uint32_t* p) { m_kernels->blend[mode](p, s.Row(), shapeRow, n); },
+                            [&](uint32_t d, size_t i) { return BlendOracle(mode, d, src[i], at(i)); });
+            }
+        }
+    });
+}
+
+TEST_P(KernelTest, CompositesIntoAGroup) {
+    ForRows(12, [&](Source& random, size_t n, size_t shift) {
+        std::vector<uint32_t> color(n), backdrop(n), src(n);
+        std::vector<uint8_t> alpha(n), groupShape(n), shape(n);
+        for (auto* row : {&color, &backdrop, &src}) {
+            random.Fill(*row);
+        }
+        for (auto* row : {&alpha, &groupShape, &shape}) {
+            random.Fill(*row);
+        }
+        Guarded<uint32_t> b(backdrop, shift / 3), s(src, 16 - shift % 16);
+        Guarded<uint8_t> f(shape, shift / 2);
+        for (int mode = -1; mode < int(Graphics::kBlendCount); ++mode) {
+            const bool knockout = random.Number(2) != 0;
+            const bool isolated = random.Number(2) != 0;
+            const bool shaped = random.Number(4) != 0;
+            Guarded<uint32_t> c(color, shift);
+            Guarded<uint8_t> a(alpha, shift), g(groupShape, 16 - shift % 16);
+            const SwLayerRow row{c.Row(), a.Row(), g.Row(), isolated ? nullptr : b.Row(), knockout};
+            const auto kernel = mode < 0 ? m_kernels->layerNormal : m_kernels->layerBlend[mode];
+            kernel(row, s.Row(), shaped ? f.Row() : nullptr, n);
+            std::vector<uint32_t> colors(n);
+            std::vector<uint8_t> alphas(n), shapes(n);
+            for (size_t i = 0; i < n; ++i) {
+                const Group o = LayerOracle(mode, {color[i], alpha[i], groupShape[i]}, isolated ? 0 : backdrop[i], knockout,
+                                            src[i], shaped ? shape[i] : 255);
+                colors[i] = o.color;
+                alphas[i] = uint8_t(o.alpha);
+                shapes[i] = uint8_t(o.shape);
+            }
+            EXPECT_TRUE(c.Is(colors)) << "colour, mode " << mode << " knockout " << knockout << " isolated " << isolated;
+            EXPECT_TRUE(a.Is(alphas)) << "alpha, mode " << mode;
+            EXPECT_TRUE(g.Is(shapes)) << "shape, mode " << mode;
+        }
+        for (const bool isolated : {false, true}) {
+            CheckPixels(color, shift, isolated ? "isolated result" : "result", [&](uint32_t* p) {
+                m_kernels->groupResult(p, alpha.data(), shape.data(), isolated ? nullptr : b.Row(), n);
+            }, [&](uint32_t d, size_t i) { return ResultOracle(d, alpha[i], shape[i], isolated ? nullptr : &backdrop[i]); });
+        }
+    });
+}
+
+TEST_P(KernelTest, SeparableModesAreExactForEveryPairOfBytes) {
+    // Backdrop byte x against source byte y in all channels, both opaque.
+    for (int mode = 0; mode < 12; ++mode) {
+        for (uint32_t x = 0; x < 256; ++x) {
+            std::vector<uint32_t> dst(256, 0xFF000000U | x * 0x010101U);
+            std::vector<uint32_t> src(256);
+            for (uint32_t y = 0; y < 256; ++y) {
+                src[y] = 0xFF000000U | y * 0x010101U;
+            }
+            m_kernels->blend[mode](dst.data(), src.data(), nullptr, 256);
+            for (int y = 0; y < 256; ++y) {
+                const auto v = uint32_t(Function(mode, int(x), y));
+                ASSERT_EQ(dst[size_t(y)], 0xFF000000U | v * 0x010101U) << "mode " << mode << " cb " << x << " cs " << y;
+            }
+        }
+    }
+}
+
+TEST_P(KernelTest, DivisionByAlphaAndShapeIsExactForEveryPair) {
+    // Difference with an opaque white source gives the straight backdrop's inverse, weighted by alpha; all (c, a) pairs.
+    for (uint32_t a = 0; a < 256; ++a) {
+        std::vector<uint32_t> dst(256), src(256, 0xFFFFFFFFU), group(256);
+        for (uint32_t c = 0; c < 256; ++c) {
+            dst[c] = group[c] = a << 24 | c << 16 | (255 - c) << 8 | c;
+        }
+        const std::vector<uint32_t> old = dst;
+        m_kernels->blend[10](dst.data(), src.data(), nullptr, 256);
+        const std::vector<uint8_t> full(256, uint8_t(a)), shape(256, uint8_t(a));
+        m_kernels->groupResult(group.data(), full.data(), shape.data(), nullptr, 256);
+        for (size_t c = 0; c < 256; ++c) {
+            ASSERT_EQ(dst[c], BlendOracle(10, old[c], 0xFFFFFFFFU, 255)) << "alpha " << a << " channel " << c;
+            ASSERT_EQ(group[c], ResultOracle(old[c], int(a), int(a), nullptr)) << "shape " << a << " channel " << c;
+        }
+    }
+}
+
+TEST_P(KernelTest, ColourModesAgreeOnGreysTiesAndExtremes) {
+    // Every triple of a few levels against every other: equal channels, greys, and the ends of the range.
+    const std::array<uint32_t, 7> levels{0, 1, 64, 127, 128, 254, 255};
+    std::vector<uint32_t> colors;
+    for (uint32_t r : levels) {
+        for (uint32_t g : levels) {
+            for (uint32_t b : levels) {
+                colors.push_back(0xFF000000U | r << 16 | g << 8 | b);
+            }
+        }
+    }
+    for (int mode = 12; mode < 16; ++mode) {
+        for (uint32_t d : colors) {
+            std::vector<uint32_t> dst(colors.size(), d);
+            m_kernels->blend[mode](dst.data(), colors.data(), nullptr, colors.size());
+            for (size_t i = 0; i < colors.size(); ++i) {
+                ASSERT_EQ(dst[i], BlendOracle(mode, d, colors[i], 255)) << std::hex << "mode " << mode << " d " << d << " c " << colors[i];
+            }
+        }
+    }
+}
+
+std::string SetName(const ::testing::TestParamInfo<int>& set) {
+    const char* const names[] = {"Scalar", "SSE2", "AVX2", "AVX512"};
+    return names[set.param];
+}
+INSTANTIATE_TEST_SUITE_P(Sets, KernelTest, ::testing::Range(0, 4), SetName);
+
+TEST(KernelSelection, AnySetCanBeMadeActiveAndTheBestComesBack) {
+    ASSERT_NE(KernelSet(0), nullptr);
+    EXPECT_EQ(KernelSet(-1), nullptr);
+    EXPECT_EQ(KernelSet(4), nullptr);
+    const SwKernels* best = nullptr;
+    for (int index = 0; index < 4; ++index) {
+        if (const SwKernels* kernels = KernelSet(index)) {
+            Graphics::SelectKernels(kernels);
+            EXPECT_EQ(&Graphics::ActiveKernels(), kernels);
+            best = kernels;
+        }
+    }
+    Graphics::SelectKernels(nullptr);
+    EXPECT_EQ(&Graphics::ActiveKernels(), best);
+}
+
+} // namespace
