@@ -55,6 +55,9 @@ GX_INLINE void ForWholeBlocks(size_t count, Step step, Rest rest) noexcept {
     }
 }
 
+/// The set for the last n pixels, without a stop at one that would hand them on.
+GX_INLINE const SwKernels& Narrower(size_t n) noexcept { return n < 8 ? *kSwKernelsSSE2 : **kNarrower; }
+
 GX_INLINE const uint8_t* At(const uint8_t* shape, size_t i) noexcept { return shape != nullptr ? shape + i : nullptr; }
 
 /// Rows up to this length go to the narrowest set in the modes whose bodies are long.
@@ -119,7 +122,7 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
         }
         ForWholeBlocks(
             count, [=](size_t i, size_t n) { StoreSome(dst + i, n, Over(LoadSome(dst + i, n), c, complement)); },
-            [=](size_t i, size_t n) { (*kNarrower)->normalSolid(dst + i, color, nullptr, n); });
+            [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, nullptr, n); });
         return;
     }
     const auto step = [=](size_t i, size_t n) {
@@ -137,7 +140,7 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
         const U32 scaled = Scale(c, FactorOf(s));
         StoreSome(dst + i, n, Select(IsZero(s), d, Over(d, scaled, ComplementOf(Alpha(scaled)))));
     };
-    ForWholeBlocks(count, step, [=](size_t i, size_t n) { (*kNarrower)->normalSolid(dst + i, color, shape + i, n); });
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
 }
 
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
@@ -161,7 +164,7 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
         StoreSome(dst + i, n, Select(keep, d, Over(d, c, ComplementOf(Alpha(c)))));
     };
     ForWholeBlocks(count, step,
-                   [=](size_t i, size_t n) { (*kNarrower)->normalVarying(dst + i, src + i, At(shape, i), n); });
+                   [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); });
 }
 
 /// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
