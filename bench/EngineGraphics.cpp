@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// The library, through its public header.
+#include <GX/GX.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "Engine.h"
+
+namespace Bench {
+namespace {
+
+void Check(GXResult result, const char* call) {
+    if (result != GXResultSuccess) {
+        std::fprintf(stderr, "%s gave %u\n", call, result);
+        std::exit(1);
+    }
+}
+#define CHECK(call) Check(call, #call)
+
+GXPoint ToGX(Point p) { return {p.x, p.y}; }
+
+struct PathSink {
+    GXGeometry geometry;
+    void Move(Point p) const {
+        const GXPoint point = ToGX(p);
+        CHECK(GXGeometryBeginFigure(geometry, &point));
+    }
+    void Line(Point p) const {
+        const GXPoint point = ToGX(p);
+        CHECK(GXGeometryLineTo(geometry, &point));
+    }
+    void Cubic(Point a, Point b, Point c) const {
+        const GXPoint points[] = {ToGX(a), ToGX(b), ToGX(c)};
+        CHECK(GXGeometryCubicCurveTo(geometry, &points[0], &points[1], &points[2]));
+    }
+    void Close() const { CHECK(GXGeometryEndFigureClose(geometry)); }
+};
+
+class GraphicsDrawing final : public Drawing {
+public:
+    GraphicsDrawing(const Scene& scene, const Canvas& canvas) : m_scene(scene) {
+        const GXExtBufLayout layout = {static_cast<float>(canvas.width), static_cast<float>(canvas.height),
+                                       static_cast<float>(canvas.stride), 96.0f, 96.0f};
+        CHECK(GXCreateRenderTargetExtBuf(canvas.pixels, GXPixelFormatPBGRA32, &layout, &m_target));
+        CHECK(GXRenderTargetBeginPaint(m_target));
+        CHECK(GXRenderTargetSetBlendMode(m_target, static_cast<GXBlendMode>(scene.blend)));
+        if (scene.action == Action::Image) {
+            MakeImage();
+        } else {
+            MakeBrush();
+            for (const Shape& shape : scene.shapes) {
+                m_geometries.push_back(scene.rebuild ? nullptr : Build(shape));
+            }
+        }
+        if (!scene.clip.Empty()) {
+            m_clip = Build(scene.clip);
+        }
+        m_style.join = static_cast<GXLineJoin>(scene.join);
+        m_style.cap = GXLineCapFlat;
+        m_style.miterLimit = 10.0f;
+    }
+
+    ~GraphicsDrawing() override {
+        CHECK(GXRenderTargetEndPaint(m_target));
+        for (GXGeometry geometry : m_geometries) {
+            GXObjectRelease(geometry);
+        }
+        for (void* object : {static_cast<void*>(m_target), static_cast<void*>(m_brush), static_cast<void*>(m_bitmap),
+                             static_cast<void*>(m_clip)}) {
+            GXObjectRelease(object); // null is refused without harm
+        }
+    }
+
+    void Draw() override {
+        if (m_scene.action == Action::Image) {
+            const auto filter = m_scene.filter == Filter::Nearest ? GXInterpolationNearest : GXInterpolationLinear;
+            for (const Map& map : m_scene.placements) {
+                const GXMatrix matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};
+                GXRenderTargetSetCTM(m_target, &matrix);
+                GXRenderTargetDrawBitmap(m_target, m_bitmap, nullptr, 1.0f, filter);
+            }
+            return;
+        }
+        for (size_t i = 0; i < m_scene.shapes.size(); ++i) {
+            if (m_clip != nullptr) {
+                GXRenderTargetPushState(m_target);
+                GXRenderTargetClipGeometry(m_target, m_clip);
+            }
+            DrawShape(m_scene.shapes[i], m_geometries[i]);
+            if (m_clip != nullptr) {
+                GXRenderTargetPopState(m_target);
+            }
+        }
+    }
+
+private:
+    void DrawShape(const Shape& shape, GXGeometry geometry) {
+        if (m_scene.action == Action::Stroke) {
+            GXRenderTargetStrokeGeometry(m_target, geometry, m_brush, m_scene.width, &m_style);
+        } else if (shape.IsRectangle()) {
+            const GXRect rect = {shape.TopLeft().x, shape.TopLeft().y, shape.BottomRight().x, shape.BottomRight().y};
+            GXRenderTargetFillRect(m_target, &rect, m_brush);
+        } else if (m_scene.rebuild) {
+            geometry = Build(shape);
+            GXRenderTargetFillGeometry(m_target, geometry, m_brush);
+            GXObjectRelease(geometry);
+        } else {
+            GXRenderTargetFillGeometry(m_target, geometry, m_brush);
+        }
+    }
+
+    [[nodiscard]] GXGeometry Build(const Shape& shape) const {
+        GXGeometry geometry = nullptr;
+        CHECK(GXCreateGeometry(&geometry));
+        CHECK(GXGeometrySetFillRule(geometry, m_scene.evenOdd ? GXFillRuleEvenOdd : GXFillRuleNonZero));
+        shape.Replay(PathSink{geometry});
+        CHECK(GXGeometryEndFigure(geometry));
+        return geometry;
+    }
+
+    void MakeBrush() {
+        const Paint& paint = m_scene.paint;
+        if (paint.kind == PaintKind::Solid) {
+            CHECK(GXCreateBrushSolidARGB(paint.color, &m_brush));
+            return;
+        }
+        std::vector<GXGradientStop> stops;
+        for (const Stop& stop : paint.stops) {
+            stops.push_back({stop.offset, stop.color});
+        }
+        GXGradient gradient = nullptr;
+        if (paint.kind == PaintKind::Linear) {
+            const GXLinearGradientDesc desc = {stops.data(), stops.size(), ToGX(paint.start), ToGX(paint.end), 1, 1, 0};
+            CHECK(GXCreateGradientLinear(&desc, &gradient));
+        } else {
+            const GXRadialGradientDesc desc = {stops.data(), stops.size(), ToGX(paint.start), 0.0f, ToGX(paint.end),
+                                               paint.radius, 1, 1, 0};
+            CHECK(GXCreateGradientRadial(&desc, &gradient));
+        }
+        CHECK(GXCreateBrushGradient(gradient, 1.0f, nullptr, &m_brush));
+        GXObjectRelease(gradient);
+    }
+
+    void MakeImage() {
+        const Image& image = m_scene.image;
+        const GXBitmapDesc desc = {static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height),
+                                   image.opaque ? GXPixelFormat{GXPixelFormatBGRX32} : GXPixelFormat{GXPixelFormatPBGRA32},
+                                   96.0f, 96.0f};
+        CHECK(GXCreateBitmap(&desc, &m_bitmap));
+        const auto rowBytes = static_cast<uint32_t>(image.width) * 4;
+        const GXBitmapData data = {const_cast<uint32_t*>(image.pixels.data()), rowBytes, rowBytes};
+        CHECK(GXBitmapCopyFromMemory(m_bitmap, nullptr, &data));
+    }
+
+    const Scene& m_scene;
+    GXRenderTarget m_target = nullptr;
+    GXBrush m_brush = nullptr;
+    GXBitmap m_bitmap = nullptr;
+    GXGeometry m_clip = nullptr;
+    GXStrokeStyle m_style = {};
+    std::vector<GXGeometry> m_geometries;
+};
+
+} // namespace
+
+const Engine kGraphics = {"Graphics", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
+                              return std::make_unique<GraphicsDrawing>(scene, canvas);
+                          }};
+
+} // namespace Bench
