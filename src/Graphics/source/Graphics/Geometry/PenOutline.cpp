@@ -7,8 +7,8 @@ namespace Graphics {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-// Keeps one arc of an absurdly wide line affordable; enough for a quarter pixel up to radii of some million pixels.
-constexpr double kMaxArcPoints = 16384;
+// Keeps one arc of an absurdly wide line affordable; enough for a quarter pixel up to radii of a million pixels.
+constexpr double kMaxArcPoints = 4096;
 constexpr uint32_t kPlainSteps = 128;
 
 } // namespace
@@ -133,7 +133,7 @@ void PenOutline::Join(const Point& c, const Segment& s1, const Segment& s2) {
     const double sign = cross >= 0 ? 1.0 : -1.0;
     HeapArray<Point>& inner = cross >= 0 ? m_right : m_left;
     // Each segment loses h tan(phi / 2), and tan(phi / 2) = sin phi / (1 + cos phi).
-    if (m_half * std::fabs(cross) <= 0.5 * std::min(s1.length, s2.length) * (1 + dot)) {
+    if (dot > -0.9999 && m_half * std::fabs(cross) <= 0.5 * std::min(s1.length, s2.length) * (1 + dot)) {
         const double k = -sign / (1 + dot);
         Push(inner, c, (s1.n.x + s2.n.x) * k, (s1.n.y + s2.n.y) * k);
     } else {

@@ -11,6 +11,8 @@ constexpr float kDeviceTolerance = 0.25F;
 constexpr float kSafeBand = 32000.0F;
 // Patterns shorter than a rasterizer's sample in this unit, device pixels, look the same when longer by a whole factor.
 constexpr double kFinestDashes = 0.125;
+// Patterns on one straight line across what can be seen.
+constexpr double kMostDashes = 65536;
 
 struct Scales {
     double most, least; // singular values
@@ -79,9 +81,15 @@ StrokePlan::StrokePlan(const Rect& controlBox, bool finite, const Matrix& m, con
     for (uint32_t i = 0; i < style.dashCount; ++i) {
         sum += style.dashes[i];
     }
+    // Under wide pens with caps so fine gaps are closed anyhow; without caps the number that can be seen is bounded.
     const double pattern = sum * userScale;
-    if (pattern > 0 && pattern < kFinestDashes) {
-        dashScale = static_cast<float>(std::ceil(kFinestDashes / pattern));
+    const double across = std::hypot(static_cast<double>(visibleDevice.right) - visibleDevice.left,
+                                     static_cast<double>(visibleDevice.bottom) - visibleDevice.top) +
+                          2 * halfDevice * Reach(style);
+    const double capped = style.cap == GXLineCapFlat ? 0.0 : halfDevice / 256;
+    const double finest = std::max({kFinestDashes, across / kMostDashes, capped});
+    if (pattern > 0 && pattern < finest) {
+        dashScale = static_cast<float>(std::min(std::ceil(finest / pattern), 1e30));
     }
 
     // Two pixels more for rounding and the tolerance.

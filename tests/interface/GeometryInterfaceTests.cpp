@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+// The geometry calls as a host sees them.
+#include <GX/GX.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace {
+
+class GeometryInterface : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(GXCreateGeometry(&g), GXResultSuccess); }
+    void TearDown() override { GXObjectRelease(g); }
+    void Begin(float x, float y) {
+        const GXPoint p{x, y};
+        EXPECT_EQ(GXGeometryBeginFigure(g, &p), GXResultSuccess);
+    }
+    void Line(float x, float y) {
+        const GXPoint p{x, y};
+        EXPECT_EQ(GXGeometryLineTo(g, &p), GXResultSuccess);
+    }
+    static std::string Record(GXGeometry geometry) {
+        std::string text;
+        const GXGeometrySinkCallbacks table{
+            &text,
+            [](void* c, uint32_t rule) { *static_cast<std::string*>(c) += "r" + std::to_string(rule); },
+            [](void* c, const GXPoint* p) { Add(c, " b", p); },
+            [](void* c) { *static_cast<std::string*>(c) += " e"; },
+            [](void* c) { *static_cast<std::string*>(c) += " z"; },
+            [](void* c, const GXPoint* p) { Add(c, " l", p); },
+            [](void* c, const GXPoint* a, const GXPoint* b, const GXPoint* p) {
+                Add(c, " c", a);
+                Add(c, ",", b);
+                Add(c, ",", p);
+            }};
+        EXPECT_EQ(GXGeometrySendToSink(geometry, &table), GXResultSuccess);
+        return text;
+    }
+    static void Add(void* c, const char* what, const GXPoint* p) {
+        *static_cast<std::string*>(c) +=
+            what + std::to_string(std::lround(p->x)) + ":" + std::to_string(std::lround(p->y));
+    }
+
+    GXGeometry g = nullptr;
+};
+
+} // namespace
+
+TEST_F(GeometryInterface, RefusesNulls) {
+    const GXPoint p{};
+    const GXRect r{};
+    GXPoint outPoint{};
+    GXRect outRect{};
+    uint8_t flag = 7;
+    uint32_t rule = 7;
+    GXGeometry out = nullptr;
+    const GXResult bad = GXResultInvalidArgument;
+    EXPECT_EQ(GXCreateGeometry(nullptr), bad);
+    EXPECT_EQ(GXGeometrySetFillRule(nullptr, 1), bad);
+    EXPECT_EQ(GXGeometryGetFillRule(nullptr, &rule), bad);
+    EXPECT_EQ(GXGeometryGetFillRule(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryEmpty(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryPointsEqual(g, nullptr, &flag), bad);
+    EXPECT_EQ(GXGeometryGetCurrentPoint(nullptr, &outPoint), bad);
+    EXPECT_EQ(GXGeometryGetBound(g, nullptr, nullptr), bad);
+    EXPECT_EQ(GXGeometryGetBound(nullptr, nullptr, &outRect), bad);
+    EXPECT_EQ(GXGeometryBeginFigure(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryLineTo(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryConicCurveTo(g, &p, nullptr), bad);
+    EXPECT_EQ(GXGeometryCubicCurveTo(g, &p, nullptr, &p), bad);
+    EXPECT_EQ(GXGeometryEndFigure(nullptr), bad);
+    EXPECT_EQ(GXGeometryEndFigureClose(nullptr), bad);
+    EXPECT_EQ(GXGeometryRectangle(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryEllipse(nullptr, &r), bad);
+    EXPECT_EQ(GXGeometryRoundRectangle(g, nullptr, 1, 1), bad);
+    EXPECT_EQ(GXGeometryCopy(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryTransform(g, nullptr, nullptr), bad);
+    EXPECT_EQ(GXGeometrySendToSink(g, nullptr), bad);
+    EXPECT_EQ(GXGeometryWiden(g, 1, nullptr, nullptr), bad);
+    EXPECT_EQ(GXGeometryWiden(g, -1, nullptr, &out), bad);
+    EXPECT_EQ(GXGeometryWiden(g, std::numeric_limits<float>::quiet_NaN(), nullptr, &out), bad);
+    EXPECT_EQ(GXGeometryCombine(g, nullptr, 0, 0, &out), bad);
+    EXPECT_EQ(GXGeometryCombine(g, g, 4, 0, &out), bad);
+    EXPECT_EQ(GXGeometryHitTest(g, nullptr, nullptr, 0, &flag), bad);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(flag, 7);
+}
+
+TEST_F(GeometryInterface, CurrentPointAndUnfinishedFigures) {
+    GXPoint p{};
+    uint8_t empty = 0;
+    Line(5, 5);
+    EXPECT_EQ(GXGeometryGetCurrentPoint(g, &p), GXResultFalse);
+    Begin(1, 2);
+    GXGeometryEndFigure(g);
+    GXGeometryEmpty(g, &empty);
+    EXPECT_EQ(empty, 1);
+    EXPECT_EQ(GXGeometryGetCurrentPoint(g, &p), GXResultSuccess);
+    EXPECT_EQ(p.x, 1);
+    Begin(3, 4);
+    GXGeometryEndFigureClose(g);
+    GXGeometryEmpty(g, &empty);
+    EXPECT_EQ(empty, 0);
+    Begin(10, 0);
+    Line(20, 0);
+    GXGeometryGetCurrentPoint(g, &p);
+    EXPECT_EQ(p.x, 20);
+    GXGeometryEndFigureClose(g);
+    GXGeometryGetCurrentPoint(g, &p);
+    EXPECT_EQ(p.x, 10);
+    Begin(0, 0);
+    Line(-7, 0); // replayed only once it is finished, but in the bound
+    EXPECT_EQ(Record(g), "r0 b3:4 z b10:0 l20:0 z");
+    GXRect bound{};
+    GXGeometryGetBound(g, nullptr, &bound);
+    EXPECT_EQ(bound.left, -7);
+}
+
+TEST_F(GeometryInterface, ReadyMadeFiguresAndCurves) {
+    GXGeometrySetFillRule(g, 5);
+    const GXRect r{0, 0, 10, 20}, thin{3, 0, 3, 9};
+    GXGeometryRectangle(g, &r);
+    GXGeometryEllipse(g, &r);
+    GXGeometryEllipse(g, &thin);
+    GXGeometryRoundRectangle(g, &thin, 1, 1);
+    Begin(1, 1);
+    const GXPoint c2{4, 5}, end{6, 7};
+    GXGeometryConicCurveTo(g, &c2, &end);
+    GXGeometryEndFigure(g);
+    EXPECT_EQ(Record(g), "r5 b0:0 l10:0 l10:20 l0:20 z "
+                         "b5:20 c2:20,0:16,0:10 c0:4,2:0,5:0 c8:0,10:4,10:10 c10:16,8:20,5:20 z "
+                         "b1:1 c1:1,4:5,6:7 e");
+    GXGeometry round = nullptr;
+    GXCreateGeometry(&round);
+    GXGeometryRoundRectangle(round, &r, 100, 4);
+    GXRect bound{};
+    const GXMatrix turn{0, 1, -1, 0, 0, 0};
+    GXGeometryGetBound(round, &turn, &bound);
+    EXPECT_EQ(bound.left, -20);
+    EXPECT_EQ(bound.right, 0);
+    EXPECT_EQ(bound.bottom, 10);
+    GXObjectRelease(round);
+}
+
+TEST_F(GeometryInterface, CopiesAreEqualOtherStartsAreNot) {
+    uint8_t equal = 1;
+    GXGeometry other = nullptr, copy = nullptr, moved = nullptr;
+    EXPECT_EQ(GXGeometryPointsEqual(g, g, &equal), GXResultSuccess);
+    EXPECT_EQ(equal, 0); // nothing in it
+    Begin(0, 0);
+    Line(5, 0);
+    Line(5, 5);
+    GXGeometryEndFigureClose(g);
+    GXGeometryCopy(g, &copy);
+    GXGeometryPointsEqual(g, copy, &equal);
+    EXPECT_EQ(equal, 1);
+    GXCreateGeometry(&other);
+    const GXPoint points[3]{{5, 0}, {5, 5}, {0, 0}};
+    GXGeometryBeginFigure(other, &points[0]);
+    GXGeometryLineTo(other, &points[1]);
+    GXGeometryLineTo(other, &points[2]);
+    GXGeometryEndFigureClose(other);
+    GXGeometryPointsEqual(g, other, &equal);
+    EXPECT_EQ(equal, 0);
+    const GXMatrix m{2, 0, 0, 2, 10, 20};
+    GXGeometryTransform(g, &m, &moved);
+    EXPECT_EQ(Record(moved), "r0 b10:20 l20:20 l20:30 z");
+    for (GXGeometry h : {other, copy, moved}) {
+        GXObjectRelease(h);
+    }
+}
+
+TEST_F(GeometryInterface, WidenMakesOutlinesAndReportsBadDashes) {
+    Begin(0, 0);
+    Line(10, 0);
+    GXGeometryEndFigure(g);
+    Begin(std::numeric_limits<float>::quiet_NaN(), 0);
+    Line(10, 50);
+    GXGeometryEndFigure(g);
+    GXGeometrySetFillRule(g, 1);
+    GXGeometry out = nullptr;
+    ASSERT_EQ(GXGeometryWiden(g, 4, nullptr, &out), GXResultSuccess);
+    EXPECT_EQ(Record(out), "r0 b0:-2 l10:-2 l10:2 l0:2 z");
+    GXObjectRelease(out);
+
+    GXStrokeStyle style{};
+    style.miterLimit = 10;
+    style.cap = GXLineCapSquare;
+    style.dashes[0] = 4;
+    style.dashCount = 1;
+    out = nullptr;
+    ASSERT_EQ(GXGeometryWiden(g, 2, &style, &out), GXResultSuccess);
+    EXPECT_EQ(Record(out), "r0 b-1:-1 l5:-1 l5:1 l-1:1 z b7:-1 l11:-1 l11:1 l7:1 z");
+    GXObjectRelease(out);
+
+    out = nullptr;
+    style.dashes[0] = -1;
+    EXPECT_EQ(GXGeometryWiden(g, 2, &style, &out), GXResultEngineError);
+    EXPECT_EQ(out, nullptr);
+}
