@@ -43,11 +43,17 @@ gx_require() {
         gx_die "Could not install: ${missing[*]}"
 }
 
-# gx_build PRESET [cmake option...]: configures and builds a preset of CMakePresets.json with the compiler's progress.
+# gx_build PRESET [cmake option...] [-- target...]: configures and builds a preset of CMakePresets.json, all of it unless
+# targets are named, with the build's progress.
 gx_build() {
-    local preset=$1
+    local preset=$1 options=() targets=()
     shift
+    while (($#)) && [[ $1 != -- ]]; do
+        options+=("$1")
+        shift
+    done
+    if (($#)); then targets=(--target "${@:2}"); fi
     gx_say "Building the $preset preset"
-    cmake --preset "$preset" "$@"
-    cmake --build --preset "$preset"
+    cmake --preset "$preset" "${options[@]}"
+    cmake --build --preset "$preset" "${targets[@]}"
 }
