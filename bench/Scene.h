@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,9 @@ public:
 private:
     void Add(char verb, std::initializer_list<Point> points) {
         m_verbs.push_back(verb);
-        m_points.insert(m_points.end(), points);
+        for (const Point& point : points) {
+            m_points.push_back(point);
+        }
     }
     std::vector<char> m_verbs;
     std::vector<Point> m_points;
