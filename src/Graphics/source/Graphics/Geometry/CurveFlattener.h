@@ -108,6 +108,19 @@ struct WideCurve {
         return most > static_cast<double>(std::max(tolerance, CurveFlattener::kEpsilon)) * steps * steps;
     }
 
+    /// Whether the flattener's sums of up to 24 coordinates might leave the floats, which costs it all its steps.
+    [[nodiscard]] bool Overflows() const noexcept {
+        constexpr double kMost = 1e37;
+        for (const double* v : {x, y}) {
+            for (int i = 0; i < 4; ++i) {
+                if (!(std::fabs(v[i]) < kMost)) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
     void Split(WideCurve& first, WideCurve& second) const noexcept {
         SplitAxis(x, first.x, second.x);
         SplitAxis(y, first.y, second.y);
@@ -130,6 +143,10 @@ template <class Place, class Line>
 void FlattenBounded(const WideCurve& curve, float tolerance, uint32_t maxSteps, const Place& place, const Line& line,
                     int depth = 40) {
     if (!curve.NeedsMoreSteps(maxSteps, tolerance)) {
+        if (curve.Overflows()) {
+            line(curve.At(3));
+            return;
+        }
         CurveFlattener flattener(tolerance, curve.At(0), curve.At(1), curve.At(2), curve.At(3));
         Point p;
         while (flattener.Next(p)) {

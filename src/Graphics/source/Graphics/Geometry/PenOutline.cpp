@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 // Keeps one arc of an absurdly wide line affordable; enough for a quarter pixel up to radii of a million pixels.
-constexpr double kMaxArcPoints = 4096;
+constexpr double kMostArcSteps = 4096; // per full turn
 constexpr uint32_t kPlainSteps = 128;
 
 } // namespace
@@ -37,7 +37,8 @@ PenOutline::PenOutline(PenStorage& storage, const StrokeStyle& style, float half
     m_miterLimit2 = limit > 0 ? limit * limit : 0.0;
     // A chord over 4 theta strays from the circle by half the tolerance: h (1 - cos 2 theta) with
     // cos theta = h / (t / 8 + h).
-    m_arcStep = 4.0 * std::acos(m_half / (static_cast<double>(m_tolerance) * 0.125 + m_half));
+    const double theta = std::acos(m_half / (static_cast<double>(m_tolerance) * 0.125 + m_half));
+    m_arcStep = theta * 4 > 2 * kPi / kMostArcSteps ? theta * 4 : 2 * kPi / kMostArcSteps;
     m_cosArcStep = m_arcStep < kPi ? std::cos(m_arcStep) : -1.0;
 }
 
@@ -162,8 +163,7 @@ void PenOutline::JoinOuter(HeapArray<Point>& side, double sign, const Point& c, 
 }
 
 double PenOutline::ArcPoints(double angle) const noexcept {
-    const double n = m_arcStep > 0 ? std::trunc(angle / m_arcStep) : kMaxArcPoints;
-    return n < kMaxArcPoints ? n : kMaxArcPoints;
+    return std::trunc(angle / m_arcStep);
 }
 
 void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count) {
