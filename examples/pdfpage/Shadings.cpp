@@ -129,7 +129,13 @@ void Prepare(fz_context* ctx, void* arg, fz_vertex* v, const float* c) {
 void Process(fz_context*, void* arg, fz_vertex* a, fz_vertex* b, fz_vertex* c) {
     auto& collector = *static_cast<Collector*>(arg);
     const auto vertex = [&](const fz_vertex& v) {
-        if (collector.colors) return Vertex{v.p, collector.At(v.c[0]), std::clamp(v.c[0], 0.0f, 1.0f)};
+        if (collector.colors) {
+            // The vertex has the function's argument, the samples run over the range of the decode array.
+            const auto& mesh = collector.shade->u.m;
+            const float range = mesh.c1[0] - mesh.c0[0];
+            const float t = range != 0.0f ? std::clamp((v.c[0] - mesh.c0[0]) / range, 0.0f, 1.0f) : 0.0f;
+            return Vertex{v.p, collector.At(t), t};
+        }
         return Vertex{v.p, {v.c[0], v.c[1], v.c[2], v.c[3]}, 0.0f};
     };
     try {
@@ -143,19 +149,29 @@ uint32_t Background(fz_context* ctx, const fz_shade& shade, fz_color_params para
     return shade.use_background ? Pack(Convert(ctx, shade.colorspace, shade.background, 1.0f, params)) : 0;
 }
 
+bool OneCircleInsideTheOther(const fz_shade& shade) {
+    const auto& c = shade.u.l_or_r.coords;
+    return std::hypot(c[1][0] - c[0][0], c[1][1] - c[0][1]) < std::fabs(c[1][2] - c[0][2]);
+}
+
 }  // namespace
 
 Shadings::~Shadings() {
     for (auto& entry : m_gradients) fz_drop_shade(m_ctx, entry.first);
 }
 
-Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_matrix& ctm, const fz_rect& visible,
+Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
                                     fz_color_params params) {
     Result result;
     if (shade->type != FZ_LINEAR && shade->type != FZ_RADIAL) {
-        result.owned = Mesh(report, shade, ctm, visible, params);
+        result.owned = Mesh(report, shade, matrix, visible, params);
         result.gradient = result.owned.Get();
         result.devicePixels = true;
+        return result;
+    }
+    if (shade->type == FZ_RADIAL && !OneCircleInsideTheOther(*shade)) {
+        result.owned = Cone(report, *shade, matrix, visible, params);
+        result.gradient = result.owned.Get();
         return result;
     }
     auto found = m_gradients.find(shade);
@@ -168,20 +184,81 @@ Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_ma
 }
 
 Handle<GXGradient> Shadings::AlongLine(Report& report, const fz_shade& shade, fz_color_params params) {
-    const std::vector<GXGradientStop> stops = Stops(FunctionColors(m_ctx, shade, params));
+    std::vector<GXGradientStop> stops = Stops(FunctionColors(m_ctx, shade, params));
     const auto& line = shade.u.l_or_r;
-    const GXPoint start{line.coords[0][0], line.coords[0][1]}, end{line.coords[1][0], line.coords[1][1]};
-    const uint8_t extendStart = line.extend[0] != 0, extendEnd = line.extend[1] != 0;
+    GXPoint start{line.coords[0][0], line.coords[0][1]}, end{line.coords[1][0], line.coords[1][1]};
+    float startRadius = line.coords[0][2], endRadius = line.coords[1][2];
+    uint8_t extendStart = line.extend[0] != 0, extendEnd = line.extend[1] != 0;
     const uint32_t background = Background(m_ctx, shade, params);
     Handle<GXGradient> gradient;
     if (shade.type == FZ_LINEAR) {
         const GXLinearGradientDesc desc{stops.data(), stops.size(), start, end, extendStart, extendEnd, background};
         report.Check(GXCreateGradientLinear(&desc, gradient.Out()), "GXCreateGradientLinear");
-    } else {
-        const GXRadialGradientDesc desc{stops.data(), stops.size(),      start,     line.coords[0][2], end,
-                                        line.coords[1][2], extendStart, extendEnd, background};
-        report.Check(GXCreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
+        return gradient;
     }
+    if (startRadius > endRadius) {
+        // Of the two circles through a point the library takes the later one where neither lies between start and end.
+        // That is the one with a positive radius only when the radius grows: turn the gradient round.
+        std::swap(start, end);
+        std::swap(startRadius, endRadius);
+        std::swap(extendStart, extendEnd);
+        std::reverse(stops.begin(), stops.end());
+        for (GXGradientStop& stop : stops) stop.offset = 1.0f - stop.offset;
+    }
+    const GXRadialGradientDesc desc{stops.data(), stops.size(), start,     startRadius, end,
+                                    endRadius,    extendStart,  extendEnd, background};
+    report.Check(GXCreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
+    return gradient;
+}
+
+// The circle at s has centre c0 + s d and radius r0 + s dr; a point has the colour of the last circle through it. Between
+// two values of s the circles sweep a ring of triangles. Rings come in the order of s; inside a ring the triangles go from
+// the leading side (in the direction of d) to the trailing one, which meets each point at a later s.
+Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const fz_matrix& matrix, const fz_rect& visible,
+                                  fz_color_params params) {
+    constexpr float kFar = 1000.0f;
+    const auto& line = shade.u.l_or_r;
+    const float x0 = line.coords[0][0], y0 = line.coords[0][1], r0 = line.coords[0][2];
+    const float dx = line.coords[1][0] - x0, dy = line.coords[1][1] - y0, dr = line.coords[1][2] - r0;
+    const float distance = std::hypot(dx, dy);
+    fz_matrix inverse;
+    if (!(distance > 0.0f) || fz_try_invert_matrix(&inverse, matrix)) return {};
+
+    // Beyond these s no circle reaches the visible part, all of which lies within `reach` of the start's centre.
+    const fz_rect seen = fz_transform_rect(visible, inverse);
+    const float reach = std::hypot(std::max(std::fabs(seen.x0 - x0), std::fabs(seen.x1 - x0)),
+                                   std::max(std::fabs(seen.y0 - y0), std::fabs(seen.y1 - y0)));
+    const float away = std::min(kFar, (r0 + reach) / std::max(distance - std::fabs(dr), distance / kFar)) + 1.0f;
+    float first = line.extend[0] ? -away : 0.0f, last = line.extend[1] ? away : 1.0f;
+    if (dr > 0.0f) first = std::max(first, -r0 / dr);   // where the radius is 0
+    if (dr < 0.0f) last = std::min(last, -r0 / dr);
+    last = std::max(last, 1.0f);
+
+    std::vector<GXGradientStop> rings = Stops(FunctionColors(m_ctx, shade, params));
+    if (first < 0.0f) rings.insert(rings.begin(), {first, rings.front().color});
+    if (last > 1.0f) rings.push_back({last, rings.back().color});
+
+    // Chords stay within a fifth of a pixel of the widest circle.
+    const float widest = std::max(std::fabs(r0 + first * dr), std::fabs(r0 + last * dr)) * fz_matrix_max_expansion(matrix);
+    const int half = static_cast<int>(std::clamp(1.6f * std::sqrt(std::min(widest, 1e6f) / 0.4f), 8.0f, 250.0f)) + 1;
+    const float heading = std::atan2(dy, dx);
+    const auto vertex = [&](const GXGradientStop& ring, int k) {
+        const float angle = heading + 3.14159265f * static_cast<float>(k) / static_cast<float>(half);
+        const float r = std::max(0.0f, r0 + ring.offset * dr);
+        return GXTriMeshVertex{x0 + ring.offset * dx + r * std::cos(angle), y0 + ring.offset * dy + r * std::sin(angle), ring.color};
+    };
+    std::vector<GXTriMeshVertex> vertices;
+    vertices.reserve(rings.size() * static_cast<size_t>(half) * 12);
+    for (size_t i = 0; i + 1 < rings.size(); ++i)
+        for (int k = 0; k < half; ++k)
+            for (const int side : {1, -1}) {
+                const GXTriMeshVertex a = vertex(rings[i], side * k), b = vertex(rings[i], side * (k + 1));
+                const GXTriMeshVertex c = vertex(rings[i + 1], side * k), d = vertex(rings[i + 1], side * (k + 1));
+                vertices.insert(vertices.end(), {a, b, c, b, d, c});
+            }
+    Handle<GXGradient> gradient;
+    report.Check(GXCreateGradientTriMesh(vertices.data(), vertices.size(), Background(m_ctx, shade, params), gradient.Out()),
+                 "GXCreateGradientTriMesh");
     return gradient;
 }
 

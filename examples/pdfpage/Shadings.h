@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Shadings as library gradients: axial and radial ones by their 256 function samples, all others as triangles.
+// The library's radial gradient is right where one circle lies inside the other. Circles that cross or lie beside one
+// another, and circles of equal size, sweep out a surface here: rings of triangles in the order of the parameter.
 #pragma once
 
 #include "Handle.h"
@@ -17,17 +19,19 @@ public:
     Shadings(const Shadings&) = delete;
     Shadings& operator=(const Shadings&) = delete;
 
-    // A gradient in the space that it has to be drawn in: under shade->matrix × ctm for axial and radial shadings, in page
-    // pixels (`devicePixels` true) for the others, which are cut into triangles for this ctm inside `visible`.
+    // A gradient in the space that it has to be drawn in: under `matrix` (shade->matrix × ctm) for axial and radial shadings,
+    // in page pixels (`devicePixels` true) for the others, which are cut into triangles for this matrix inside `visible`.
     struct Result {
         GXGradient gradient = nullptr;
         bool devicePixels = false;
         Handle<GXGradient> owned;   // a mesh is made for each use
     };
-    Result Gradient(Report& report, fz_shade* shade, const fz_matrix& ctm, const fz_rect& visible, fz_color_params params);
+    Result Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible, fz_color_params params);
 
 private:
     Handle<GXGradient> AlongLine(Report& report, const fz_shade& shade, fz_color_params params);
+    Handle<GXGradient> Cone(Report& report, const fz_shade& shade, const fz_matrix& matrix, const fz_rect& visible,
+                            fz_color_params params);
     Handle<GXGradient> Mesh(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible, fz_color_params params);
 
     fz_context* m_ctx;

@@ -52,7 +52,7 @@ TEST(PdfPage, SaysWhatIsWrongWithTheFile) {
 TEST(PdfPage, RefusesPagesAndPlacesThatDoNotExist) {
     const std::string file = Quoted(Corpus("page_rotated.pdf"));
     ExpectOneLine(Host(file + " 0"), "does not exist");
-    ExpectOneLine(Host(file + " 4"), "the file has 3 pages");
+    ExpectOneLine(Host(file + " 7"), "the file has 6 pages");
     ExpectOneLine(Host(file + " --pages 2-9 --out " + Quoted(OutputFolder().string())), "does not exist");
     ExpectOneLine(Host(file + " --pages 3-2"), "no range");
     ExpectOneLine(Host(file + " --dpi nan"), "resolution");
