@@ -11,7 +11,9 @@ Surface::Surface(Report& report, const fz_irect& area, GXPixelFormat format, flo
     const GXBitmapDesc desc{fz_irect_width(area), static_cast<uint32_t>(fz_irect_height(area)), format, dpi, dpi};
     if (!report.Check(GXCreateBitmap(&desc, m_bitmap.Out()), "GXCreateBitmap") ||
         !report.Check(GXCreateRenderTargetBitmap(m_bitmap.Get(), m_target.Out()), "GXCreateRenderTargetBitmap") ||
-        !report.Check(GXRenderTargetBeginPaint(m_target.Get()), "GXRenderTargetBeginPaint"))
+        !report.Check(GXRenderTargetBeginPaint(m_target.Get()), "GXRenderTargetBeginPaint") ||
+        // A page starts without stroke adjustment, and the parser does not pass on a wish for it.
+        !report.Check(GXRenderTargetSetStrokeAdjustment(m_target.Get(), 0), "GXRenderTargetSetStrokeAdjustment"))
         throw std::runtime_error("the library can't make a bitmap of this size");
     report.Check(GXRenderTargetClear(m_target.Get(), clearArgb), "GXRenderTargetClear");
 }
