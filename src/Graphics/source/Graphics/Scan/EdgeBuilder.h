@@ -34,7 +34,7 @@ inline constexpr float kFineLimit = 1073741760.0F;
 
 /// Truncated toward zero; NaN gives 0.
 [[nodiscard]] inline Vertex ToVertex(const Point& p) noexcept {
-    __m128 v = _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(&p)));
+    __m128 v = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&p)));
     v = _mm_and_ps(v, _mm_cmpord_ps(v, v));
     v = _mm_mul_ps(v, _mm_set1_ps(128.0F));
     v = _mm_min_ps(_mm_max_ps(v, _mm_set1_ps(-kFineLimit)), _mm_set1_ps(kFineLimit));
