@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+// Drawing takes nothing from the heap once it is warm, and survives every allocation of a page being refused.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <vector>
+
+#include "Bitmaps/Bitmap.h"
+#include "Exception.h"
+#include "Geometry/Geometry.h"
+#include "Geometry/StrokeStyle.h"
+#include "Paint/Brush.h"
+#include "Paint/Gradient.h"
+#include "ProcessHeap.h"
+#include "Target/RenderTarget.h"
+
+namespace {
+
+std::atomic<int64_t> g_news{0};
+
+void* Counted(size_t bytes, size_t alignment) noexcept {
+    g_news.fetch_add(1, std::memory_order_relaxed);
+    const size_t rounded = (bytes + alignment - 1) / alignment * alignment;
+    return std::aligned_alloc(alignment, rounded == 0 ? alignment : rounded);
+}
+
+void* CountedOrThrow(size_t bytes, size_t alignment) {
+    void* block = Counted(bytes, alignment);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+} // namespace
+
+void* operator new(size_t n) { return CountedOrThrow(n, alignof(std::max_align_t)); }
+void* operator new(size_t n, std::align_val_t a) { return CountedOrThrow(n, static_cast<size_t>(a)); }
+void* operator new(size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
+    return Counted(n, static_cast<size_t>(a));
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, size_t) noexcept { std::free(p); }
+void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
+void operator delete(void* p, size_t, std::align_val_t) noexcept { std::free(p); }
+
+namespace Graphics {
+namespace {
+
+/// Both kinds of allocations so far.
+int64_t Allocations() { return g_news.load() + ProcessHeap::FailAfter(-1); }
+
+class Page {
+public:
+    Page() {
+        m_image = Bitmap::Create({40, 30, GXPixelFormatBGRA32, 96, 96});
+        m_image->ColorFill(nullptr, {0.5F, 0.25F, 1.0F, 0.75F});
+        m_mask = Bitmap::Create({33, 20, GXPixelFormatAlpha8, 96, 96});
+        m_mask->ColorFill(nullptr, {1.0F, 1.0F, 1.0F, 0.5F});
+        m_canvas = Bitmap::Create({200, 150, GXPixelFormatPBGRA32, 96, 96});
+        m_canvas->ColorFill(nullptr, {0.0F, 0.0F, 0.0F, 0.0F});
+        m_target = RenderTarget::ForBitmap(m_canvas);
+        m_geometry = std::make_shared<Geometry>();
+        m_geometry->BeginFigure({10, 10});
+        m_geometry->LineTo({150, 40});
+        m_geometry->CubicTo({180, 90}, {40, 200}, {30, 70});
+        m_geometry->EndFigureClose();
+        m_shape = m_geometry->SharedShape();
+        auto linear = std::make_shared<LinearGradient>();
+        const GXGradientStop stops[2] = {{0.0F, 0xFFFF0000}, {1.0F, 0x4000FF00}};
+        linear->stops.Add(stops, 2);
+        linear->end = {200, 100};
+        m_gradient = std::make_shared<GradientBrush>(linear);
+        m_bitmapBrush = std::make_shared<BitmapBrush>(m_image);
+    }
+
+    [[nodiscard]] RenderTarget& Target() { return *m_target; }
+    [[nodiscard]] const std::shared_ptr<Bitmap>& Canvas() { return m_canvas; }
+
+    /// One of everything.
+    void Draw() {
+        RenderTargetBase& t = m_target->Painting();
+        const SolidBrush solid({1.0F, 0.0F, 0.0F, 0.5F});
+        const PathRef shape{&m_shape, nullptr};
+        const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {20, 20, 120, 90});
+        const PathRef figure{nullptr, &ellipse};
+        StrokeStyle round;
+        round.join = GXLineJoinRound;
+        round.cap = GXLineCapRound;
+        for (const uint32_t mode : {0U, 1U, 12U}) {
+            t.SetBlendMode(mode);
+            t.Fill(shape, solid, false);
+            t.Fill(shape, *m_gradient, true);
+            t.Fill(figure, *m_bitmapBrush, false);
+            t.Stroke(shape, solid, 5.0F, round);
+            t.Stroke(figure, solid, 0.0F, StrokeStyle());
+            t.DrawBitmap(*m_image, {0, 0, 40, 30}, {3.5F, 7, 190, 140}, 0.5F, GXInterpolationLinear);
+            t.FillMask(*m_mask, solid, {50, 50, 90, 80}, GXInterpolationNearest);
+            t.DrawGradient(m_gradient->gradient, 0.5F, kIdentity);
+            t.InvertRect({5, 5, 60, 60});
+        }
+        t.SetBlendMode(0);
+        t.PushState();
+        t.Clip(shape);
+        t.Fill(figure, solid, false);
+        t.BeginLayer({{0, 0, 0, 0}, 0.5F, 0, 0});
+        t.Fill(shape, solid, false);
+        t.EndLayer();
+        t.PopState();
+    }
+
+private:
+    std::shared_ptr<Bitmap> m_image, m_mask, m_canvas;
+    std::shared_ptr<RenderTarget> m_target;
+    std::shared_ptr<Geometry> m_geometry;
+    std::shared_ptr<const Shape> m_shape;
+    std::shared_ptr<GradientBrush> m_gradient;
+    std::shared_ptr<BitmapBrush> m_bitmapBrush;
+};
+
+TEST(Allocation, DrawingTakesNothingFromTheHeapOnceWarm) {
+    Page page;
+    page.Target().BeginPaint();
+    page.Draw();
+    page.Draw();
+    const int64_t before = Allocations();
+    for (int i = 0; i < 5; ++i) {
+        page.Draw();
+    }
+    EXPECT_EQ(Allocations() - before, 0);
+    page.Target().EndPaint();
+}
+
+TEST(Allocation, EveryRefusedAllocationLeavesAWorkingTarget) {
+    const auto pixels = [](Page& page) {
+        std::vector<uint8_t> copy(200 * 150 * 4);
+        page.Canvas()->CopyToMemory(nullptr, {copy.data(), 800, 800});
+        return copy;
+    };
+    const auto whole = [](Page& page) {
+        page.Target().BeginPaint();
+        page.Target().BackEnd().Clear(0xFFFFFFFF);
+        page.Draw();
+        page.Target().EndPaint();
+    };
+    Page reference;
+    whole(reference);
+    const std::vector<uint8_t> expected = pixels(reference);
+    bool passed = false;
+    for (int64_t n = 0; !passed && n < 10000; ++n) {
+        Page page;
+        ProcessHeap::FailAfter(n);
+        try {
+            whole(page);
+            passed = true;
+        } catch (const Exception& e) {
+            EXPECT_STREQ(e.what(), "Not enough memory") << "allocation " << n;
+        }
+        ProcessHeap::FailAfter(-1);
+        if (!passed) {
+            try {
+                page.Target().EndPaint();
+            } catch (const Exception&) { // it had not begun
+            }
+            whole(page);
+            ASSERT_EQ(pixels(page), expected) << "allocation " << n;
+        }
+    }
+    EXPECT_TRUE(passed);
+}
+
+} // namespace
+} // namespace Graphics
