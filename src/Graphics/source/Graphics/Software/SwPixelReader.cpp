@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 
+#include "Kernels/SwKernels.h"
 #include "SwPaintKernels.h"
 #include "SwPixelMath.h"
 
@@ -82,9 +83,17 @@ template <class Format> struct SwPixelLoops {
         } else if constexpr (std::is_same_v<Format, Straight32>) {
             std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
             ActivePaintKernels().premultiply(out, count);
+        } else if constexpr (std::is_same_v<Format, Opaque32>) {
+            std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
+            ActiveKernels().setOpaque(out, count);
         } else {
+            // Copied to locals: `out` might otherwise be one of them, and each pixel would wait for the one before.
+            const uint32_t bitOffset = r.m_bitOffset;
+            const uint32_t* __restrict table = r.m_table;
+            const uint8_t* __restrict from = row;
+            uint32_t* __restrict to = out;
             for (size_t k = 0; k < count; ++k) {
-                out[k] = Format::At(row, x + static_cast<int32_t>(k), r.m_bitOffset, r.m_table);
+                to[k] = Format::At(from, x + static_cast<int32_t>(k), bitOffset, table);
             }
         }
     }
