@@ -143,6 +143,30 @@ TEST(RenderTarget, AClippedFillEqualsTheFillOfTheClipShape) {
     }
 }
 
+// Rectangles have a road of their own; a geometry of the same corners takes the general one.
+TEST(RenderTarget, ARectangleFillsThePixelsOfItsGeometry) {
+    std::mt19937 random(11);
+    const auto at = [&] {
+        const float eighths = static_cast<float>(static_cast<int32_t>(random() % 400) - 80) / 8.0F;
+        return random() % 3 == 0 ? eighths : eighths + static_cast<float>(random() % 1000) / 3000.0F;
+    };
+    const Owned<GXBrush> brush = Solid(0x80FF0000);
+    for (int i = 0; i < 3000; ++i) {
+        Canvas direct(32, 32);
+        Canvas general(32, 32);
+        const GXRect r{at(), at(), random() % 20 == 0 ? at() : at() * 0.2F, at()};
+        const GXMatrix m{random() % 2 == 0 ? 1.0F : -1.3F, 0, 0, random() % 2 == 0 ? 1.0F : 0.6F, at() * 0.5F, 3};
+        const Owned<GXGeometry> geometry = RectangleGeometry(r.left, r.top, r.right, r.bottom);
+        for (const Canvas* c : {&direct, &general}) {
+            ASSERT_EQ(GXRenderTargetSetCTM(c->target, &m), GXResultSuccess);
+        }
+        ASSERT_EQ(GXRenderTargetFillRect(direct.target, &r, brush), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetFillGeometry(general.target, geometry, brush), GXResultSuccess);
+        ASSERT_EQ(direct.Pixels(), general.Pixels())
+            << r.left << ' ' << r.top << ' ' << r.right << ' ' << r.bottom << " scaled " << m.m00 << ' ' << m.m11;
+    }
+}
+
 TEST(RenderTarget, OpaqueTargetsKeepTheirFourthByteAt255) {
     Canvas c(3, 1, GXPixelFormatBGRX32);
     EXPECT_EQ(c.At(0, 0), 0xFF000000U);

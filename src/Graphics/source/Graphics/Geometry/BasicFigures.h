@@ -13,6 +13,9 @@ public:
 
     BasicFigure(Kind kind, const Rect& r) noexcept : m_kind(kind), m_rect(r) {}
 
+    [[nodiscard]] Kind GetKind() const noexcept { return m_kind; }
+    [[nodiscard]] const Rect& Box() const noexcept { return m_rect; }
+
     template <class Sink>
     void Replay(Sink& sink) const {
         sink.SetFillRule(0);

@@ -36,7 +36,23 @@ PixelRange Snap(int32_t a, int32_t b) noexcept {
     return r;
 }
 
+IntRect Snap(const Edge (&e)[2]) noexcept {
+    const PixelRange x = Snap(std::min(e[0].x, e[1].x), std::max(e[0].x, e[1].x));
+    const PixelRange y = Snap(e[0].first, e[0].last);
+    return {x.low, y.low, x.high, y.high};
+}
+
 } // namespace
+
+bool Rasterizer::SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out) {
+    m_builder.Begin(clipPixels);
+    Edge e[2];
+    if (!m_builder.UprightRectangle(ToVertex(a), ToVertex(b), e)) {
+        return false;
+    }
+    out = Snap(e);
+    return true;
+}
 
 void Rasterizer::Begin(const Rect& clipPixels, const IntRect& visible, bool snap) {
     // Pixels beyond 2^23 are outside of every target and would not fit the fine units.
@@ -66,9 +82,8 @@ void Rasterizer::Finish(RasterizationSink& sink) {
     if (m_snap) {
         Edge e[2];
         if (m_builder.TwoUprightEdges(e)) {
-            const PixelRange x = Snap(std::min(e[0].x, e[1].x), std::max(e[0].x, e[1].x));
-            const PixelRange y = Snap(e[0].first, e[0].last);
-            sink.Rectangle(x.low, y.low, x.high, y.high);
+            const IntRect r = Snap(e);
+            sink.Rectangle(r.left, r.top, r.right, r.bottom);
             return;
         }
     }

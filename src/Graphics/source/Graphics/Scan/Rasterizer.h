@@ -40,6 +40,11 @@ public:
     /// Sends the coverage; nothing when the fill has no edge.
     void Finish(RasterizationSink& sink);
 
+    /// The whole pixels that a fill of the upright rectangle between two opposite corners (finite, device pixels) would
+    /// send, without the fill: most rectangles of a page come this way. False when it has no height. Not between Begin
+    /// and Finish.
+    [[nodiscard]] bool SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out);
+
     /// Another set of loops than the processor's best, for tests.
     void UseKernels(const BandKernels& kernels) noexcept { m_bands.UseKernels(kernels); }
 

@@ -109,6 +109,20 @@ const Shape& SwRenderTarget::Resolve(const PathRef& path) {
     return m_figure;
 }
 
+bool SwRenderTarget::SnapFigure(const BasicFigure& figure, IntRect& pixels) {
+    const Matrix& m = State().transform;
+    if (figure.GetKind() != BasicFigure::Kind::Rectangle || m.m01 != 0.0F || m.m10 != 0.0F) {
+        return false;
+    }
+    const Rect& r = figure.Box();
+    const Point a = Map(m, {r.left, r.top});
+    const Point b = Map(m, {r.right, r.bottom});
+    // NaN compares false.
+    const auto inBand = [](float v) { return std::fabs(v) < kDeviceBand; };
+    return inBand(a.x) && inBand(a.y) && inBand(b.x) && inBand(b.y) &&
+           m_rasterizer.SnapRectangle(ToRect(m_area), a, b, pixels);
+}
+
 template <class Change>
 void SwRenderTarget::ChangeState(Change&& change) {
     change(m_cached);
@@ -228,22 +242,33 @@ void SwRenderTarget::Assemble(SwPipeLine& pipeLine, const IntRect& visible, cons
 template <class MakeSource>
 void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource) {
     CheckMasks();
+    const auto run = [&](const IntRect& visible, auto&& cover) {
+        if (IsEmpty(visible)) {
+            return;
+        }
+        const SwTargetPlanes planes = Current().Planes(visible);
+        SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
+        Assemble(pipeLine, visible, extraMask);
+        pipeLine.SetColorSource(*makeSource(visible));
+        cover(pipeLine, visible);
+    };
+    IntRect pixels;
+    if (snap && path.figure != nullptr && SnapFigure(*path.figure, pixels)) {
+        run(Visible(pixels), [](SwPipeLine& pipeLine, const IntRect& visible) {
+            pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
+        });
+        return;
+    }
     const Matrix transform = State().transform;
     const Shape& shape = Resolve(path);
     if (shape.Empty()) {
         return;
     }
-    const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
-    if (IsEmpty(visible)) {
-        return;
-    }
-    const SwTargetPlanes planes = Current().Planes(visible);
-    SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    Assemble(pipeLine, visible, extraMask);
-    pipeLine.SetColorSource(*makeSource(visible));
-    m_rasterizer.Begin(ToRect(m_area), visible, snap);
-    FeedFill(shape, transform, m_rasterizer);
-    m_rasterizer.Finish(pipeLine);
+    run(Visible(RoundOut(DeviceBox(shape, transform, 0.0F))), [&](SwPipeLine& pipeLine, const IntRect& visible) {
+        m_rasterizer.Begin(ToRect(m_area), visible, snap);
+        FeedFill(shape, transform, m_rasterizer);
+        m_rasterizer.Finish(pipeLine);
+    });
 }
 
 void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {

@@ -57,6 +57,8 @@ private:
     [[nodiscard]] SwState& State() noexcept { return Current().State(); }
     /// The stored shape, or the figure put into a shape that is void after the call.
     [[nodiscard]] const Shape& Resolve(const PathRef& path);
+    /// The whole pixels of a rectangle that stays upright under the current matrix; false for everything else.
+    [[nodiscard]] bool SnapFigure(const BasicFigure& figure, IntRect& pixels);
     /// Applies a setter to the cached state and, while painting, to the current one.
     template <class Change>
     void ChangeState(Change&& change);
