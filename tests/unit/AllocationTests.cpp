@@ -42,7 +42,10 @@ void* operator new(size_t n, std::align_val_t a) { return CountedOrThrow(n, stat
 void* operator new(size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
     return Counted(n, static_cast<size_t>(a));
 }
+void* operator new(size_t n, const std::nothrow_t&) noexcept { return Counted(n, alignof(std::max_align_t)); }
 void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
+void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept { std::free(p); }
 void operator delete(void* p, size_t) noexcept { std::free(p); }
 void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
 void operator delete(void* p, size_t, std::align_val_t) noexcept { std::free(p); }
