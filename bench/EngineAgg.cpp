@@ -24,8 +24,8 @@ namespace Bench {
 namespace {
 
 using Plain = agg::pixfmt_bgra32_pre;
-using Blended = agg::pixfmt_custom_blend_rgba<agg::comp_op_adaptor_rgba_pre<agg::rgba8, agg::order_bgra>,
-                                              agg::rendering_buffer>;
+using Blended =
+    agg::pixfmt_custom_blend_rgba<agg::comp_op_adaptor_rgba_pre<agg::rgba8, agg::order_bgra>, agg::rendering_buffer>;
 using Interpolator = agg::span_interpolator_linear<>;
 using Lut = agg::gradient_lut<agg::color_interpolator<agg::rgba8>, 1024>;
 
@@ -43,9 +43,7 @@ constexpr agg::comp_op_e kOperators[] = {agg::comp_op_src_over,   agg::comp_op_m
                                          agg::comp_op_color_burn, agg::comp_op_color_dodge, agg::comp_op_hard_light,
                                          agg::comp_op_soft_light, agg::comp_op_difference,  agg::comp_op_exclusion};
 
-agg::rgba8 ToAgg(uint32_t color) {
-    return agg::rgba8(color >> 16 & 255, color >> 8 & 255, color & 255, color >> 24);
-}
+agg::rgba8 ToAgg(uint32_t color) { return agg::rgba8(color >> 16 & 255, color >> 8 & 255, color & 255, color >> 24); }
 
 void SetOperator(Plain&, int) {}
 void SetOperator(Blended& pixels, int mode) { pixels.comp_op(kOperators[mode]); }

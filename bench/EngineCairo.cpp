@@ -16,16 +16,17 @@ struct PathSink {
 };
 
 constexpr cairo_operator_t kOperators[] = {
-    CAIRO_OPERATOR_OVER,       CAIRO_OPERATOR_MULTIPLY,   CAIRO_OPERATOR_SCREEN,     CAIRO_OPERATOR_OVERLAY,
-    CAIRO_OPERATOR_DARKEN,     CAIRO_OPERATOR_LIGHTEN,    CAIRO_OPERATOR_COLOR_BURN, CAIRO_OPERATOR_COLOR_DODGE,
-    CAIRO_OPERATOR_HARD_LIGHT, CAIRO_OPERATOR_SOFT_LIGHT, CAIRO_OPERATOR_DIFFERENCE, CAIRO_OPERATOR_EXCLUSION,
-    CAIRO_OPERATOR_HSL_HUE,    CAIRO_OPERATOR_HSL_SATURATION, CAIRO_OPERATOR_HSL_COLOR, CAIRO_OPERATOR_HSL_LUMINOSITY};
+    CAIRO_OPERATOR_OVER,       CAIRO_OPERATOR_MULTIPLY,       CAIRO_OPERATOR_SCREEN,     CAIRO_OPERATOR_OVERLAY,
+    CAIRO_OPERATOR_DARKEN,     CAIRO_OPERATOR_LIGHTEN,        CAIRO_OPERATOR_COLOR_BURN, CAIRO_OPERATOR_COLOR_DODGE,
+    CAIRO_OPERATOR_HARD_LIGHT, CAIRO_OPERATOR_SOFT_LIGHT,     CAIRO_OPERATOR_DIFFERENCE, CAIRO_OPERATOR_EXCLUSION,
+    CAIRO_OPERATOR_HSL_HUE,    CAIRO_OPERATOR_HSL_SATURATION, CAIRO_OPERATOR_HSL_COLOR,  CAIRO_OPERATOR_HSL_LUMINOSITY};
 
 class CairoDrawing final : public Drawing {
 public:
     CairoDrawing(const Scene& scene, const Canvas& canvas) : m_scene(scene) {
-        m_surface = cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(canvas.pixels),
-                                                        CAIRO_FORMAT_ARGB32, canvas.width, canvas.height, canvas.stride);
+        m_surface =
+            cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(canvas.pixels), CAIRO_FORMAT_ARGB32,
+                                                canvas.width, canvas.height, canvas.stride);
         m_cairo = cairo_create(m_surface);
         cairo_set_operator(m_cairo, kOperators[scene.blend]);
         cairo_set_fill_rule(m_cairo, scene.evenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
@@ -131,8 +132,9 @@ private:
                             : cairo_pattern_create_radial(paint.start.x, paint.start.y, 0, paint.end.x, paint.end.y,
                                                           paint.radius);
             for (const Stop& stop : paint.stops) {
-                cairo_pattern_add_color_stop_rgba(m_pattern, stop.offset, channel(stop.color, 16), channel(stop.color, 8),
-                                                  channel(stop.color, 0), channel(stop.color, 24));
+                cairo_pattern_add_color_stop_rgba(m_pattern, stop.offset, channel(stop.color, 16),
+                                                  channel(stop.color, 8), channel(stop.color, 0),
+                                                  channel(stop.color, 24));
             }
             cairo_pattern_set_extend(m_pattern, CAIRO_EXTEND_PAD);
         }

@@ -134,8 +134,8 @@ private:
             const GXLinearGradientDesc desc = {stops.data(), stops.size(), ToGX(paint.start), ToGX(paint.end), 1, 1, 0};
             CHECK(GXCreateGradientLinear(&desc, &gradient));
         } else {
-            const GXRadialGradientDesc desc = {stops.data(), stops.size(), ToGX(paint.start), 0.0f, ToGX(paint.end),
-                                               paint.radius, 1, 1, 0};
+            const GXRadialGradientDesc desc = {
+                stops.data(), stops.size(), ToGX(paint.start), 0.0f, ToGX(paint.end), paint.radius, 1, 1, 0};
             CHECK(GXCreateGradientRadial(&desc, &gradient));
         }
         CHECK(GXCreateBrushGradient(gradient, 1.0f, nullptr, &m_brush));
@@ -144,9 +144,9 @@ private:
 
     void MakeImage() {
         const Image& image = m_scene.image;
-        const GXBitmapDesc desc = {static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height),
-                                   image.opaque ? GXPixelFormat{GXPixelFormatBGRX32} : GXPixelFormat{GXPixelFormatPBGRA32},
-                                   96.0f, 96.0f};
+        const GXBitmapDesc desc = {
+            static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height),
+            image.opaque ? GXPixelFormat{GXPixelFormatBGRX32} : GXPixelFormat{GXPixelFormatPBGRA32}, 96.0f, 96.0f};
         CHECK(GXCreateBitmap(&desc, &m_bitmap));
         const auto rowBytes = static_cast<uint32_t>(image.width) * 4;
         const GXBitmapData data = {const_cast<uint32_t*>(image.pixels.data()), rowBytes, rowBytes};

@@ -20,8 +20,8 @@ public:
 
     void Draw() override {
         for (const Block& block : m_blocks) {
-            auto* row = reinterpret_cast<unsigned char*>(m_canvas.pixels) + block.y * static_cast<ptrdiff_t>(m_canvas.stride) +
-                        block.x * ptrdiff_t{4};
+            auto* row = reinterpret_cast<unsigned char*>(m_canvas.pixels) +
+                        block.y * static_cast<ptrdiff_t>(m_canvas.stride) + block.x * ptrdiff_t{4};
             for (int y = 0; y < block.height; ++y, row += m_canvas.stride) {
                 std::memset(row, 0x55, block.rowBytes);
             }

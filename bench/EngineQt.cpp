@@ -36,8 +36,9 @@ public:
         m_painter.setCompositionMode(kModes[scene.blend]);
         if (scene.action == Action::Image) {
             const Image& image = scene.image;
-            m_image = QImage(reinterpret_cast<const uchar*>(image.pixels.data()), image.width, image.height,
-                             image.width * 4, image.opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
+            m_image =
+                QImage(reinterpret_cast<const uchar*>(image.pixels.data()), image.width, image.height, image.width * 4,
+                       image.opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
             return;
         }
         for (const Shape& shape : scene.shapes) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Glyph outlines for the text scenes: of the first TrueType or OpenType font found, in the order of paths, else rings and
-// bars with the number of curves that letters have.
+// Glyph outlines for the text scenes: of the first TrueType or OpenType font found, in the order of paths, else rings
+// and bars with the number of curves that letters have.
 #include "Scene.h"
 
 #include <algorithm>
@@ -119,7 +119,8 @@ std::vector<Shape> FontGlyphs() {
     namespace fs = std::filesystem;
     std::vector<std::string> files;
     std::error_code error;
-    for (fs::recursive_directory_iterator it("/usr/share/fonts", error), end; !error && it != end; it.increment(error)) {
+    for (fs::recursive_directory_iterator it("/usr/share/fonts", error), end; !error && it != end;
+         it.increment(error)) {
         const std::string ending = it->path().extension().string();
         if (ending == ".ttf" || ending == ".otf") {
             files.push_back(it->path().string());

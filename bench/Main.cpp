@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The runner: every engine draws every scene into the same memory, in one process and on one thread, and the table shows
-// the best of several runs, as time of one draw call for Cairo and as ratios to it for the others.
+// The runner: every engine draws every scene into the same memory, in one process and on one thread, and the table
+// shows the best of several runs, as time of one draw call for Cairo and as ratios to it for the others.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -25,9 +25,7 @@ struct Options {
     bool tabs = false;
 };
 
-double Now() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
+double Now() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
 /// Owns the pixels; the backdrop is opaque and not plain, so that blending has something to work on.
 class CanvasMemory {
@@ -64,7 +62,8 @@ double Difference(const std::vector<uint32_t>& a, const std::vector<uint32_t>& b
     uint64_t sum = 0;
     for (size_t i = 0; i < a.size(); ++i) {
         for (int shift : {0, 8, 16}) {
-            sum += static_cast<uint64_t>(std::abs(static_cast<int>(a[i] >> shift & 255) - static_cast<int>(b[i] >> shift & 255)));
+            sum += static_cast<uint64_t>(
+                std::abs(static_cast<int>(a[i] >> shift & 255) - static_cast<int>(b[i] >> shift & 255)));
         }
     }
     return a.empty() ? 0 : static_cast<double>(sum) / (3.0 * static_cast<double>(a.size()));
@@ -76,7 +75,8 @@ void WritePpm(const std::string& path, const Canvas& canvas) {
     for (int y = 0; y < canvas.height; ++y) {
         const uint32_t* row = canvas.pixels + static_cast<ptrdiff_t>(y) * (canvas.stride / 4);
         for (int x = 0; x < canvas.width; ++x) {
-            const char rgb[] = {static_cast<char>(row[x] >> 16), static_cast<char>(row[x] >> 8), static_cast<char>(row[x])};
+            const char rgb[] = {static_cast<char>(row[x] >> 16), static_cast<char>(row[x] >> 8),
+                                static_cast<char>(row[x])};
             file.write(rgb, 3);
         }
     }
@@ -210,9 +210,9 @@ std::string ProcessorName() {
 }
 
 bool Wanted(const std::string& name, const Options& options) {
-    return options.filters.empty() || std::any_of(options.filters.begin(), options.filters.end(), [&](const std::string& f) {
-               return name.find(f) != std::string::npos;
-           });
+    return options.filters.empty() ||
+           std::any_of(options.filters.begin(), options.filters.end(),
+                       [&](const std::string& f) { return name.find(f) != std::string::npos; });
 }
 
 [[noreturn]] void Usage() {
@@ -264,7 +264,8 @@ int main(int argc, char** argv) {
     engines.push_back(&kMemset);
 
     if (!options.list) {
-        std::printf("%s; compiler %s; best of %d runs; one thread\n", ProcessorName().c_str(), __VERSION__, options.runs);
+        std::printf("%s; compiler %s; best of %d runs; one thread\n", ProcessorName().c_str(), __VERSION__,
+                    options.runs);
         PrintHead(engines, options.tabs);
     }
     for (const SceneEntry& entry : AllScenes()) {

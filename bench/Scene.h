@@ -35,10 +35,21 @@ public:
         const Point* p = m_points.data();
         for (char verb : m_verbs) {
             switch (verb) {
-            case 'M': sink.Move(p[0]); p += 1; break;
-            case 'L': sink.Line(p[0]); p += 1; break;
-            case 'C': sink.Cubic(p[0], p[1], p[2]); p += 3; break;
-            default: sink.Close(); break;
+            case 'M':
+                sink.Move(p[0]);
+                p += 1;
+                break;
+            case 'L':
+                sink.Line(p[0]);
+                p += 1;
+                break;
+            case 'C':
+                sink.Cubic(p[0], p[1], p[2]);
+                p += 3;
+                break;
+            default:
+                sink.Close();
+                break;
             }
         }
     }
@@ -66,8 +77,8 @@ struct Paint {
     PaintKind kind = PaintKind::Solid;
     uint32_t color = 0xFF204080;
     std::vector<Stop> stops;
-    Point start, end;     ///< the axis; of a radial gradient the centre, twice
-    float radius = 0;     ///< of a radial gradient
+    Point start, end; ///< the axis; of a radial gradient the centre, twice
+    float radius = 0; ///< of a radial gradient
 };
 
 enum class Join { Miter, Round, Bevel };
@@ -88,19 +99,19 @@ struct Map {
 
 struct Scene {
     std::string name;
-    int canvas = 1000;        ///< width and height
+    int canvas = 1000; ///< width and height
     Action action = Action::Fill;
     std::vector<Shape> shapes; ///< drawn one after another, each with a call of its own
     bool evenOdd = false;
-    bool rebuild = false;     ///< the engine's path is built for every draw
+    bool rebuild = false; ///< the engine's path is built for every draw
     Paint paint;
-    float width = 1;          ///< of strokes
+    float width = 1; ///< of strokes
     Join join = Join::Miter;
-    int blend = 0;            ///< 0 Normal, then in the order of the PDF imaging model up to 15 Luminosity
+    int blend = 0; ///< 0 Normal, then in the order of the PDF imaging model up to 15 Luminosity
     Image image;
     std::vector<Map> placements; ///< of the image, one draw each
     Filter filter = Filter::Nearest;
-    Shape clip;               ///< when not empty: set anew for every shape
+    Shape clip; ///< when not empty: set anew for every shape
 
     [[nodiscard]] size_t Draws() const { return action == Action::Image ? placements.size() : shapes.size(); }
 };

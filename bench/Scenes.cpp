@@ -109,7 +109,8 @@ Shape Polyline(Point at, float size, int corners, bool closed, Random& random) {
 }
 
 std::vector<Shape> Polygons(float size, int corners, int canvas) {
-    return Scatter(2, size, canvas, [=](Point at, Random& random) { return Polyline(at, size, corners, true, random); });
+    return Scatter(2, size, canvas,
+                   [=](Point at, Random& random) { return Polyline(at, size, corners, true, random); });
 }
 
 /// A closed curve of cubics through `points`, tangents along the neighbours' chord.
@@ -149,7 +150,8 @@ std::vector<Shape> Spirals(float size, int canvas) {
         for (int i = 0; i < 600; ++i) {
             const float t = static_cast<float>(i) / 600;
             const float r = size * 0.5f * t;
-            points.push_back({at.x + size / 2 + r * std::cos(t * 60 * kPi), at.y + size / 2 + r * std::sin(t * 60 * kPi)});
+            points.push_back(
+                {at.x + size / 2 + r * std::cos(t * 60 * kPi), at.y + size / 2 + r * std::sin(t * 60 * kPi)});
         }
         Shape shape;
         Smooth(shape, points, true);
@@ -208,7 +210,8 @@ std::vector<Shape> Rules(int canvas) {
         const float at = (static_cast<float>(i) + 0.5f) * static_cast<float>(canvas) / 100;
         Shape shape;
         shape.Move(i % 2 == 0 ? Point{20, at} : Point{at, 20});
-        shape.Line(i % 2 == 0 ? Point{static_cast<float>(canvas) - 20, at} : Point{at, static_cast<float>(canvas) - 20});
+        shape.Line(i % 2 == 0 ? Point{static_cast<float>(canvas) - 20, at}
+                              : Point{at, static_cast<float>(canvas) - 20});
         shapes.push_back(shape);
     }
     return shapes;
@@ -323,18 +326,18 @@ private:
     std::vector<SceneEntry> m_entries;
 };
 
-constexpr std::array kBlendNames = {"normal",     "multiply",  "screen",    "overlay",    "darken",    "lighten",
-                                    "colorburn",  "colordodge", "hardlight", "softlight", "difference", "exclusion",
-                                    "hue",        "saturation", "color",     "luminosity"};
+constexpr std::array kBlendNames = {"normal",    "multiply",   "screen",    "overlay",   "darken",     "lighten",
+                                    "colorburn", "colordodge", "hardlight", "softlight", "difference", "exclusion",
+                                    "hue",       "saturation", "color",     "luminosity"};
 
 void Shapes(Table& table) {
     for (bool aligned : {true, false}) {
         for (bool half : {false, true}) {
             for (int size : {8, 32, 128, 512}) {
-                table.Fill(std::string("rect_") + (aligned ? "aligned_" : "unaligned_") + (half ? "half_" : "opaque_") +
-                               std::to_string(size),
-                           1000, [=] { return Rectangles(static_cast<float>(size), aligned, 1000); },
-                           half ? kHalf : kOpaque);
+                table.Fill(
+                    std::string("rect_") + (aligned ? "aligned_" : "unaligned_") + (half ? "half_" : "opaque_") +
+                        std::to_string(size),
+                    1000, [=] { return Rectangles(static_cast<float>(size), aligned, 1000); }, half ? kHalf : kOpaque);
             }
         }
     }
@@ -342,24 +345,28 @@ void Shapes(Table& table) {
         const std::string ink = half ? "half_" : "opaque_";
         for (int size : {32, 128, 512}) {
             const auto f = static_cast<float>(size);
-            table.Fill("roundrect_" + ink + std::to_string(size), 1000,
-                       [=] { return Scatter(9, f, 1000, [=](Point at, Random&) { return RoundRectangle(at, f); }); },
-                       half ? kHalf : kOpaque);
+            table.Fill(
+                "roundrect_" + ink + std::to_string(size), 1000,
+                [=] { return Scatter(9, f, 1000, [=](Point at, Random&) { return RoundRectangle(at, f); }); },
+                half ? kHalf : kOpaque);
         }
         for (int size : {8, 32, 128, 512}) {
-            table.Fill("triangle_" + ink + std::to_string(size), 1000,
-                       [=] { return Polygons(static_cast<float>(size), 3, 1000); }, half ? kHalf : kOpaque);
+            table.Fill(
+                "triangle_" + ink + std::to_string(size), 1000,
+                [=] { return Polygons(static_cast<float>(size), 3, 1000); }, half ? kHalf : kOpaque);
         }
     }
     for (int corners : {10, 40}) {
         for (bool evenOdd : {false, true}) {
             for (int size : {32, 128, 512}) {
-                table.Fill("poly" + std::to_string(corners) + (evenOdd ? "_eo_" : "_nz_") + std::to_string(size), 1000,
-                           [=] { return Polygons(static_cast<float>(size), corners, 1000); }, kOpaque, evenOdd);
+                table.Fill(
+                    "poly" + std::to_string(corners) + (evenOdd ? "_eo_" : "_nz_") + std::to_string(size), 1000,
+                    [=] { return Polygons(static_cast<float>(size), corners, 1000); }, kOpaque, evenOdd);
             }
         }
     }
-    table.Fill("poly10_nz_half_128", 1000, [] { return Polygons(128, 10, 1000); }, kHalf);
+    table.Fill(
+        "poly10_nz_half_128", 1000, [] { return Polygons(128, 10, 1000); }, kHalf);
     table.Add("build_poly10_nz_32", [] {
         Scene scene = Table::Base(1000, Polygons(32, 10, 1000));
         scene.rebuild = true;
@@ -367,8 +374,10 @@ void Shapes(Table& table) {
     });
     for (int size : {60, 250, 900}) {
         const auto f = static_cast<float>(size);
-        table.Fill("butterfly_eo_" + std::to_string(size), 1000, [=] { return Butterflies(f, 1000); }, kOpaque, true);
-        table.Fill("spiral_nz_" + std::to_string(size), 1000, [=] { return Spirals(f, 1000); }, kOpaque);
+        table.Fill(
+            "butterfly_eo_" + std::to_string(size), 1000, [=] { return Butterflies(f, 1000); }, kOpaque, true);
+        table.Fill(
+            "spiral_nz_" + std::to_string(size), 1000, [=] { return Spirals(f, 1000); }, kOpaque);
     }
     const auto map = [](int canvas, float zoom) { return [=] { return std::vector<Shape>{MapShape(canvas, zoom)}; }; };
     table.Fill("map100k_fill_nz", 1000, map(1000, 1), kOpaque);
@@ -387,16 +396,23 @@ void Strokes(Table& table) {
         table.Stroke(name + "_round", 1000, lines, static_cast<float>(width), Join::Round);
         table.Stroke(name + "_bevel", 1000, lines, static_cast<float>(width), Join::Bevel);
     }
-    table.Stroke("stroke_rules_w1", 1000, [] { return Rules(1000); }, 1);
-    table.Stroke("stroke_circle_w1", 1000, [] { return Circles(200, 1000); }, 1);
-    table.Stroke("stroke_circle_w5", 1000, [] { return Circles(200, 1000); }, 5);
-    table.Stroke("stroke_curves_w1", 1000, [] { return Curves(300, 1000); }, 1);
-    table.Stroke("stroke_curves_w3", 1000, [] { return Curves(300, 1000); }, 3);
+    table.Stroke(
+        "stroke_rules_w1", 1000, [] { return Rules(1000); }, 1);
+    table.Stroke(
+        "stroke_circle_w1", 1000, [] { return Circles(200, 1000); }, 1);
+    table.Stroke(
+        "stroke_circle_w5", 1000, [] { return Circles(200, 1000); }, 5);
+    table.Stroke(
+        "stroke_curves_w1", 1000, [] { return Curves(300, 1000); }, 1);
+    table.Stroke(
+        "stroke_curves_w3", 1000, [] { return Curves(300, 1000); }, 3);
 }
 
 void Paints(Table& table) {
-    table.Fill("text_page_em16", 1000, [] { return GlyphPage(16, 1000); }, 0xFF000000);
-    table.Fill("text_page_em40", 1000, [] { return GlyphPage(40, 1000); }, 0xFF000000);
+    table.Fill(
+        "text_page_em16", 1000, [] { return GlyphPage(16, 1000); }, 0xFF000000);
+    table.Fill(
+        "text_page_em40", 1000, [] { return GlyphPage(40, 1000); }, 0xFF000000);
     for (int size : {512, 1000}) {
         table.Gradient("gradient_linear_" + std::to_string(size), 1000, PaintKind::Linear, static_cast<float>(size));
         table.Gradient("gradient_radial_" + std::to_string(size), 1000, PaintKind::Radial, static_cast<float>(size));
@@ -429,14 +445,18 @@ void Paints(Table& table) {
 void Big(Table& table) {
     for (int size : {512, 4000}) {
         const auto f = static_cast<float>(size);
-        table.Fill("big_rect_aligned_opaque_" + std::to_string(size), 4000, [=] { return Rectangles(f, true, 4000); },
-                   kOpaque);
-        table.Fill("big_rect_aligned_half_" + std::to_string(size), 4000, [=] { return Rectangles(f, true, 4000); },
-                   kHalf);
+        table.Fill(
+            "big_rect_aligned_opaque_" + std::to_string(size), 4000, [=] { return Rectangles(f, true, 4000); },
+            kOpaque);
+        table.Fill(
+            "big_rect_aligned_half_" + std::to_string(size), 4000, [=] { return Rectangles(f, true, 4000); }, kHalf);
     }
-    table.Fill("big_triangle_1500", 4000, [] { return Polygons(1500, 3, 4000); }, kOpaque);
-    table.Fill("big_poly40_nz_1500", 4000, [] { return Polygons(1500, 40, 4000); }, kOpaque);
-    table.Fill("big_map100k_fill_nz", 4000, [] { return std::vector<Shape>{MapShape(4000, 1)}; }, kOpaque);
+    table.Fill(
+        "big_triangle_1500", 4000, [] { return Polygons(1500, 3, 4000); }, kOpaque);
+    table.Fill(
+        "big_poly40_nz_1500", 4000, [] { return Polygons(1500, 40, 4000); }, kOpaque);
+    table.Fill(
+        "big_map100k_fill_nz", 4000, [] { return std::vector<Shape>{MapShape(4000, 1)}; }, kOpaque);
     table.Gradient("big_gradient_linear_4000", 4000, PaintKind::Linear, 4000);
     table.Gradient("big_gradient_radial_4000", 4000, PaintKind::Radial, 4000);
     table.Picture("big_image_blit_alpha", 4000, false, {}, Filter::Nearest);

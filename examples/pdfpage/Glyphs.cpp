@@ -41,10 +41,11 @@ bool AppendGeometry(GXGeometry from, const fz_matrix& matrix, GXGeometry to) {
     return GXGeometrySendToSink(from, &sink) == GXResultSuccess;
 }
 
-}  // namespace
+} // namespace
 
 Glyphs::~Glyphs() {
-    for (auto& entry : m_fonts) fz_drop_font(m_ctx, entry.first);
+    for (auto& entry : m_fonts)
+        fz_drop_font(m_ctx, entry.first);
 }
 
 GXGeometry Glyphs::Outline(Report& report, fz_font* font, int gid) {
@@ -54,34 +55,40 @@ GXGeometry Glyphs::Outline(Report& report, fz_font* font, int gid) {
         fz_keep_font(m_ctx, font);
     }
     const auto [glyph, isNew] = found->second.try_emplace(gid);
-    if (!isNew) return glyph->second.Get();
+    if (!isNew)
+        return glyph->second.Get();
 
     fz_path* path = nullptr;
-    if (!Try(m_ctx, [&] { path = fz_outline_glyph(m_ctx, font, gid, fz_identity); }) || !path) return nullptr;
+    if (!Try(m_ctx, [&] { path = fz_outline_glyph(m_ctx, font, gid, fz_identity); }) || !path)
+        return nullptr;
     glyph->second = PathGeometry(m_ctx, report, path, false);
     fz_drop_path(m_ctx, path);
     uint8_t empty = 0;
-    if (glyph->second && GXGeometryEmpty(glyph->second.Get(), &empty) == GXResultSuccess && empty) glyph->second.Reset();
+    if (glyph->second && GXGeometryEmpty(glyph->second.Get(), &empty) == GXResultSuccess && empty)
+        glyph->second.Reset();
     return glyph->second.Get();
 }
 
 Handle<GXGeometry> Glyphs::TextGeometry(Report& report, const fz_text& text) {
     Handle<GXGeometry> geometry;
-    if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry")) return geometry;
+    if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry"))
+        return geometry;
     for (const fz_text_span* span = text.head; span; span = span->next) {
         if (fz_font_t3_procs(m_ctx, span->font)) {
             report.Notice("type 3 glyphs left out of a clip");
             continue;
         }
         for (int i = 0; i < span->len; ++i) {
-            if (span->items[i].gid < 0) continue;
+            if (span->items[i].gid < 0)
+                continue;
             if (const GXGeometry outline = Outline(report, span->font, span->items[i].gid))
-                report.Check(AppendGeometry(outline, Placement(*span, span->items[i]), geometry.Get()) ? GXResultSuccess
-                                                                                                      : GXResultEngineError,
+                report.Check(AppendGeometry(outline, Placement(*span, span->items[i]), geometry.Get())
+                                 ? GXResultSuccess
+                                 : GXResultEngineError,
                              "GXGeometrySendToSink");
         }
     }
     return geometry;
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -34,4 +34,4 @@ private:
     std::unordered_map<fz_font*, std::unordered_map<int, Handle<GXGeometry>>> m_fonts;
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -9,4 +9,4 @@ namespace PdfPage {
 // Null when there is no memory for it. The painter must outlive the device. Close and drop it as any MuPDF device.
 fz_device* NewGxDevice(fz_context* ctx, Painter& painter);
 
-}  // namespace PdfPage
+} // namespace PdfPage

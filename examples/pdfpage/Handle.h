@@ -8,8 +8,7 @@
 
 namespace PdfPage {
 
-template <class T>
-class Handle {
+template <class T> class Handle {
 public:
     Handle() noexcept = default;
     Handle(Handle&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
@@ -25,7 +24,8 @@ public:
     ~Handle() { Reset(); }
 
     void Reset() noexcept {
-        if (m_object) GXObjectRelease(m_object);
+        if (m_object)
+            GXObjectRelease(m_object);
         m_object = nullptr;
     }
     // For the library's trailing "out" arguments.
@@ -40,4 +40,4 @@ private:
     T m_object = nullptr;
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -35,4 +35,4 @@ private:
     size_t m_bytes = 0;
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -8,19 +8,14 @@
 
 namespace PdfPage {
 
-// Runs `call`; false when MuPDF raised an error in it (fz_caught_message then has the reason). Never inlined, so that the
-// saved registers of setjmp belong to this frame alone.
-template <class Call>
-[[gnu::noinline]] bool Try(fz_context* ctx, Call&& call) {
-    fz_try(ctx) {
-        call();
-    }
-    fz_catch(ctx) {
-        return false;
-    }
+// Runs `call`; false when MuPDF raised an error in it (fz_caught_message then has the reason). Never inlined, so that
+// the saved registers of setjmp belong to this frame alone.
+template <class Call> [[gnu::noinline]] bool Try(fz_context* ctx, Call&& call) {
+    fz_try(ctx) { call(); }
+    fz_catch(ctx) { return false; }
     return true;
 }
 
 inline GXMatrix ToMatrix(const fz_matrix& m) { return {m.a, m.b, m.c, m.d, m.e, m.f}; }
 
-}  // namespace PdfPage
+} // namespace PdfPage

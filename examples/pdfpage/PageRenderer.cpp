@@ -16,7 +16,8 @@ constexpr int64_t kMaxPixels = int64_t{1} << 29;
 constexpr int kMaxSide = 65500;
 
 void PrintMessage(void* user, const char* message) {
-    if (static_cast<Report*>(user)->Verbose()) std::fprintf(stderr, "pdfpage: MuPDF: %s\n", message);
+    if (static_cast<Report*>(user)->Verbose())
+        std::fprintf(stderr, "pdfpage: MuPDF: %s\n", message);
 }
 
 class Stopwatch {
@@ -29,14 +30,17 @@ private:
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
-}  // namespace
+} // namespace
 
 Document::Document(const std::string& path, Report& report) : m_report(report) {
-    if (std::FILE* file = std::fopen(path.c_str(), "rb")) std::fclose(file);
-    else throw Failure("cannot open '" + path + "': " + std::strerror(errno));
+    if (std::FILE* file = std::fopen(path.c_str(), "rb"))
+        std::fclose(file);
+    else
+        throw Failure("cannot open '" + path + "': " + std::strerror(errno));
 
     m_ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
-    if (!m_ctx) throw Failure("MuPDF does not start");
+    if (!m_ctx)
+        throw Failure("MuPDF does not start");
     fz_set_error_callback(m_ctx, PrintMessage, &report);
     fz_set_warning_callback(m_ctx, PrintMessage, &report);
 
@@ -46,12 +50,16 @@ Document::Document(const std::string& path, Report& report) : m_report(report) {
         fz_register_document_handlers(m_ctx);
         m_document = fz_open_document(m_ctx, name);
         encrypted = fz_needs_password(m_ctx, m_document) != 0;
-        if (!encrypted) m_pageCount = fz_count_pages(m_ctx, m_document);
+        if (!encrypted)
+            m_pageCount = fz_count_pages(m_ctx, m_document);
     });
     std::string reason;
-    if (!opened) reason = "cannot read '" + path + "': " + fz_caught_message(m_ctx);
-    else if (encrypted) reason = "'" + path + "' is encrypted and needs a password";
-    else if (m_pageCount < 1) reason = "'" + path + "' has no pages";
+    if (!opened)
+        reason = "cannot read '" + path + "': " + fz_caught_message(m_ctx);
+    else if (encrypted)
+        reason = "'" + path + "' is encrypted and needs a password";
+    else if (m_pageCount < 1)
+        reason = "'" + path + "' has no pages";
     if (!reason.empty()) {
         fz_drop_document(m_ctx, m_document);
         fz_drop_context(m_ctx);
@@ -80,7 +88,8 @@ Page::Page(Document& document, int number, float dpi) : m_document(document), m_
         m_list = fz_new_display_list_from_page(ctx, page);
     });
     fz_drop_page(ctx, page);
-    if (!loaded) throw Failure("cannot read " + which + ": " + fz_caught_message(ctx));
+    if (!loaded)
+        throw Failure("cannot read " + which + ": " + fz_caught_message(ctx));
 
     const fz_matrix scale = fz_scale(dpi / 72.0f, dpi / 72.0f);
     m_box = fz_round_rect(fz_transform_rect(bounds, scale));
@@ -107,7 +116,8 @@ void Page::Draw(Picture* picture, double* milliseconds) {
         {
             Painter painter(ctx, report, *m_document.m_caches, surface, m_dpi);
             fz_device* const device = NewGxDevice(ctx, painter);
-            if (!device) throw Failure("out of memory");
+            if (!device)
+                throw Failure("out of memory");
             if (!Try(ctx, [&] {
                     fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
                     fz_close_device(ctx, device);
@@ -116,8 +126,10 @@ void Page::Draw(Picture* picture, double* milliseconds) {
             fz_drop_device(ctx, device);
         }
         surface.Finish();
-        if (milliseconds) *milliseconds = watch.Milliseconds();
-        if (!picture) return;
+        if (milliseconds)
+            *milliseconds = watch.Milliseconds();
+        if (!picture)
+            return;
 
         GXBitmapData data{};
         if (!report.Check(GXBitmapLock(surface.Bitmap(), nullptr, GXLockRead, &data), "GXBitmapLock"))
@@ -151,7 +163,8 @@ void Page::DrawWithPeer(Picture* picture, double* milliseconds) {
         });
         fz_drop_device(ctx, device);
     }
-    if (milliseconds) *milliseconds = watch.Milliseconds();
+    if (milliseconds)
+        *milliseconds = watch.Milliseconds();
     if (ok && picture) {
         picture->width = static_cast<uint32_t>(pixmap->w);
         picture->height = static_cast<uint32_t>(pixmap->h);
@@ -161,7 +174,8 @@ void Page::DrawWithPeer(Picture* picture, double* milliseconds) {
                         pixmap->samples + static_cast<ptrdiff_t>(y) * pixmap->stride, picture->StrideBytes());
     }
     fz_drop_pixmap(ctx, pixmap);
-    if (!ok) throw Failure(std::string("MuPDF cannot draw the page: ") + fz_caught_message(ctx));
+    if (!ok)
+        throw Failure(std::string("MuPDF cannot draw the page: ") + fz_caught_message(ctx));
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

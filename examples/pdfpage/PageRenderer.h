@@ -68,4 +68,4 @@ private:
     fz_display_list* m_list = nullptr;
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -22,7 +22,8 @@ Painter::~Painter() {
 
 fz_rect Painter::Visible() const {
     const fz_rect area = fz_rect_from_irect(Current().Area());
-    if (!m_device || m_device->container_len == 0) return area;
+    if (!m_device || m_device->container_len == 0)
+        return area;
     return fz_intersect_rect(area, m_device->container[m_device->container_len - 1].scissor);
 }
 
@@ -37,13 +38,17 @@ GXColor Painter::Color(const Paint& paint) const {
         return {m_stencilColor->red, m_stencilColor->green, m_stencilColor->blue, m_stencilColor->alpha * alpha};
     fz_colorspace* space = paint.space;
     if (m_defaults && space) {
-        if (space == fz_device_gray(m_ctx)) space = fz_default_gray(m_ctx, m_defaults);
-        else if (space == fz_device_rgb(m_ctx)) space = fz_default_rgb(m_ctx, m_defaults);
-        else if (space == fz_device_cmyk(m_ctx)) space = fz_default_cmyk(m_ctx, m_defaults);
+        if (space == fz_device_gray(m_ctx))
+            space = fz_default_gray(m_ctx, m_defaults);
+        else if (space == fz_device_rgb(m_ctx))
+            space = fz_default_rgb(m_ctx, m_defaults);
+        else if (space == fz_device_cmyk(m_ctx))
+            space = fz_default_cmyk(m_ctx, m_defaults);
     }
     float rgb[FZ_MAX_COLORS] = {0.0f, 0.0f, 0.0f};
     if (space && paint.color)
-        Try(m_ctx, [&] { fz_convert_color(m_ctx, space, paint.color, fz_device_rgb(m_ctx), rgb, nullptr, paint.params); });
+        Try(m_ctx,
+            [&] { fz_convert_color(m_ctx, space, paint.color, fz_device_rgb(m_ctx), rgb, nullptr, paint.params); });
     return {rgb[0], rgb[1], rgb[2], alpha};
 }
 
@@ -58,7 +63,8 @@ GXBrush Painter::Brush(const Paint& paint) {
 
 void Painter::FillPath(const fz_path* path, bool evenOdd, const fz_matrix& ctm, const Paint& paint) {
     const Handle<GXGeometry> geometry = PathGeometry(m_ctx, m_report, path, evenOdd);
-    if (!geometry) return;
+    if (!geometry)
+        return;
     Current().SetMatrix(ctm);
     m_report.Check(GXRenderTargetFillGeometry(Target(), geometry.Get(), Brush(paint)), "GXRenderTargetFillGeometry");
 }
@@ -81,25 +87,33 @@ void Painter::Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_s
     Handle<GXGeometry> pieces;
     if (HasDashes(stroke)) {
         if (style.dashCount > 0 && m_dashesSupported) {
-            if (GXRenderTargetStrokeGeometry(Target(), geometry, brush, width, &style) == GXResultSuccess) return;
+            if (GXRenderTargetStrokeGeometry(Target(), geometry, brush, width, &style) == GXResultSuccess)
+                return;
             m_dashesSupported = false;
             m_report.Notice("dashes cut up here, the library refused them");
         }
         style.dashCount = 0;
-        if (path) pieces = Dashes(path, stroke, ctm);
-        if (pieces) geometry = pieces.Get();
-        else m_report.Notice("dashes drawn as whole lines");
+        if (path)
+            pieces = Dashes(path, stroke, ctm);
+        if (pieces)
+            geometry = pieces.Get();
+        else
+            m_report.Notice("dashes drawn as whole lines");
     }
-    m_report.Check(GXRenderTargetStrokeGeometry(Target(), geometry, brush, width, &style), "GXRenderTargetStrokeGeometry");
+    m_report.Check(GXRenderTargetStrokeGeometry(Target(), geometry, brush, width, &style),
+                   "GXRenderTargetStrokeGeometry");
 }
 
 void Painter::StrokePath(const fz_path* path, const fz_stroke_state& stroke, const fz_matrix& ctm, const Paint& paint) {
     const Handle<GXGeometry> geometry = PathGeometry(m_ctx, m_report, path, false);
-    if (geometry) Stroke(path, geometry.Get(), stroke, ctm, Brush(paint));
+    if (geometry)
+        Stroke(path, geometry.Get(), stroke, ctm, Brush(paint));
 }
 
-void Painter::ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm) {
-    // The outline is flattened at 0.25 unit: it is made four times finer than a page pixel, then brought back by the matrix.
+void Painter::ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke,
+                         const fz_matrix& ctm) {
+    // The outline is flattened at 0.25 unit: it is made four times finer than a page pixel, then brought back by the
+    // matrix.
     const float expansion = fz_matrix_max_expansion(ctm);
     const float scale = expansion > 0.0f && std::isfinite(expansion) ? 4.0f * expansion : 1.0f;
     const GXMatrix enlarge{scale, 0.0f, 0.0f, scale, 0.0f, 0.0f};
@@ -109,7 +123,8 @@ void Painter::ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stro
     Handle<GXGeometry> pieces, large, outline;
     if (HasDashes(stroke) && style.dashCount == 0 && path) {
         pieces = Dashes(path, stroke, ctm);
-        if (pieces) geometry = pieces.Get();
+        if (pieces)
+            geometry = pieces.Get();
     }
     if (m_report.Check(GXGeometryTransform(geometry, &enlarge, large.Out()), "GXGeometryTransform")) {
         if (GXGeometryWiden(large.Get(), width, &style, outline.Out()) != GXResultSuccess && style.dashCount > 0) {
@@ -126,4 +141,4 @@ void Painter::ClipStrokePath(const fz_path* path, const fz_stroke_state& stroke,
     ClipStroke(path, geometry.Get(), stroke, ctm);
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

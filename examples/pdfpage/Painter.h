@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Draws the calls of a MuPDF device with the library. Matrices map to page pixels.
 //
-// Targets form a stack: a soft mask is drawn into a bitmap of its own between BeginMask and EndMask, then masks a layer of
-// the target below. Each clip, mask and group is one entry of the current surface's stack. The content of a tiling pattern
-// is recorded (Recorder) and replayed for each cell.
+// Targets form a stack: a soft mask is drawn into a bitmap of its own between BeginMask and EndMask, then masks a layer
+// of the target below. Each clip, mask and group is one entry of the current surface's stack. The content of a tiling
+// pattern is recorded (Recorder) and replayed for each cell.
 #pragma once
 
 #include "Glyphs.h"
@@ -84,18 +84,19 @@ private:
         fz_rect area, view;
         float xStep, yStep;
         fz_matrix ctm;
-        int nested = 0;   // tiles begun inside the recording
+        int nested = 0; // tiles begun inside the recording
     };
 
     Surface& Current() const { return m_masks.empty() ? m_page : *m_masks.back().surface; }
     GXRenderTarget Target() const { return Current().Target(); }
-    fz_rect Visible() const;   // the device's scissor inside the surface
+    fz_rect Visible() const; // the device's scissor inside the surface
 
     GXColor Color(const Paint& paint) const;
     GXBrush Brush(const Paint& paint);
 
     // Strokes under `ctm`. `path` gives the dashes where the library doesn't take them.
-    void Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm, GXBrush brush);
+    void Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm,
+                GXBrush brush);
     void ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm);
     Handle<GXGeometry> Dashes(const fz_path* path, const fz_stroke_state& stroke, const fz_matrix& ctm);
     void FillType3(const fz_text_span& span, const fz_matrix& ctm, const Paint& paint);
@@ -111,14 +112,14 @@ private:
     std::vector<MaskSurface> m_masks;
     std::unique_ptr<Tile> m_tile;
     fz_default_colorspaces* m_defaults = nullptr;
-    int m_skippedMasks = 0;         // depth of begin_mask calls passed over
-    bool m_hideAfterSkip = false;   // the passed-over mask covers nothing: what it masks is hidden
+    int m_skippedMasks = 0;       // depth of begin_mask calls passed over
+    bool m_hideAfterSkip = false; // the passed-over mask covers nothing: what it masks is hidden
     bool m_dashesSupported = true;
     int m_type3Depth = 0;
-    const GXColor* m_stencilColor = nullptr;   // the text's colour while a colourless type 3 glyph runs
+    const GXColor* m_stencilColor = nullptr; // the text's colour while a colourless type 3 glyph runs
     GXColor m_brushColor{};
     Handle<GXBrush> m_brush;
     Handle<GXGeometry> m_unitSquare;
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

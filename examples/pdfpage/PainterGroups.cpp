@@ -10,13 +10,16 @@ namespace {
 
 GXBlendMode BlendMode(int mode) {
     switch (mode & FZ_BLEND_MODEMASK) {
-    case FZ_BLEND_COLOR_DODGE: return GXBlendModeColorDodge;
-    case FZ_BLEND_COLOR_BURN: return GXBlendModeColorBurn;
-    default: return static_cast<GXBlendMode>(mode & FZ_BLEND_MODEMASK);
+    case FZ_BLEND_COLOR_DODGE:
+        return GXBlendModeColorDodge;
+    case FZ_BLEND_COLOR_BURN:
+        return GXBlendModeColorBurn;
+    default:
+        return static_cast<GXBlendMode>(mode & FZ_BLEND_MODEMASK);
     }
 }
 
-}  // namespace
+} // namespace
 
 void Painter::PopClip() { Current().Pop(); }
 
@@ -35,19 +38,22 @@ void Painter::BeginMask(const fz_rect& area, bool luminosity, const Paint& backd
     if (!Surface::LayersSupported() || fz_is_empty_irect(box)) {
         m_skippedMasks = 1;
         m_hideAfterSkip = fz_is_empty_irect(box);
-        if (!m_hideAfterSkip) m_report.Notice("soft masks left out, the library has no layers");
+        if (!m_hideAfterSkip)
+            m_report.Notice("soft masks left out, the library has no layers");
         return;
     }
     uint32_t clear = 0;
     if (luminosity) {
         const GXColor c = Color(backdrop);
-        const auto channel = [](float v) { return static_cast<uint32_t>(std::lround(std::clamp(v, 0.0f, 1.0f) * 255.0f)); };
+        const auto channel = [](float v) {
+            return static_cast<uint32_t>(std::lround(std::clamp(v, 0.0f, 1.0f) * 255.0f));
+        };
         clear = 0xFF000000u | channel(c.red) << 16 | channel(c.green) << 8 | channel(c.blue);
     }
     try {
         m_masks.push_back({std::make_unique<Surface>(m_report, box, GXPixelFormatPBGRA32, m_dpi, clear), luminosity});
     } catch (...) {
-        m_skippedMasks = 1;   // the calls stay balanced
+        m_skippedMasks = 1; // the calls stay balanced
         m_hideAfterSkip = false;
         throw;
     }
@@ -55,7 +61,8 @@ void Painter::BeginMask(const fz_rect& area, bool luminosity, const Paint& backd
 
 void Painter::EndMask() {
     if (m_skippedMasks > 0) {
-        if (--m_skippedMasks > 0) return;
+        if (--m_skippedMasks > 0)
+            return;
         if (m_hideAfterSkip) {
             Handle<GXGeometry> nothing;
             m_report.Check(GXCreateGeometry(nothing.Out()), "GXCreateGeometry");
@@ -65,14 +72,16 @@ void Painter::EndMask() {
         }
         return;
     }
-    if (m_masks.empty()) return;
+    if (m_masks.empty())
+        return;
     const MaskSurface mask = std::move(m_masks.back());
     m_masks.pop_back();
     mask.surface->Finish();
     Current().PushOpacityMask(*mask.surface, mask.luminosity);
 }
 
-void Painter::BeginTile(const fz_rect& area, const fz_rect& view, float xStep, float yStep, const fz_matrix& ctm, int id) {
+void Painter::BeginTile(const fz_rect& area, const fz_rect& view, float xStep, float yStep, const fz_matrix& ctm,
+                        int id) {
     if (m_tile) {
         ++m_tile->nested;
         Try(m_ctx, [&] { fz_begin_tile_id(m_ctx, m_tile->device, area, view, xStep, yStep, ctm, id); });
@@ -81,7 +90,7 @@ void Painter::BeginTile(const fz_rect& area, const fz_rect& view, float xStep, f
     auto tile = std::make_unique<Tile>();
     tile->area = area;
     tile->view = view;
-    tile->xStep = std::fabs(xStep);   // the same lattice either way
+    tile->xStep = std::fabs(xStep); // the same lattice either way
     tile->yStep = std::fabs(yStep);
     tile->ctm = ctm;
     Tile* const t = tile.get();
@@ -89,12 +98,15 @@ void Painter::BeginTile(const fz_rect& area, const fz_rect& view, float xStep, f
         t->list = fz_new_display_list(m_ctx, fz_infinite_rect);
         t->device = fz_new_list_device(m_ctx, t->list);
     });
-    if (ok) m_tile = std::move(tile);
-    else fz_drop_display_list(m_ctx, t->list);
+    if (ok)
+        m_tile = std::move(tile);
+    else
+        fz_drop_display_list(m_ctx, t->list);
 }
 
 void Painter::EndTile() {
-    if (!m_tile) return;
+    if (!m_tile)
+        return;
     if (m_tile->nested > 0) {
         --m_tile->nested;
         Try(m_ctx, [&] { fz_end_tile(m_ctx, m_tile->device); });
@@ -110,12 +122,15 @@ void Painter::EndTile() {
 void Painter::ReplayTile(Tile& tile) {
     constexpr double kMaxCells = 200000;
     fz_matrix inverse;
-    if (fz_try_invert_matrix(&inverse, tile.ctm)) return;
+    if (fz_try_invert_matrix(&inverse, tile.ctm))
+        return;
     const fz_rect visible = Visible();
     const fz_rect area = fz_intersect_rect(tile.area, fz_transform_rect(fz_expand_rect(visible, 1.0f), inverse));
-    if (fz_is_empty_rect(area) || fz_is_empty_rect(tile.view)) return;
+    if (fz_is_empty_rect(area) || fz_is_empty_rect(tile.view))
+        return;
 
-    // Cell i covers view shifted by i steps: it meets the area when view.x1 + i step > area.x0 and view.x0 + i step < area.x1.
+    // Cell i covers view shifted by i steps: it meets the area when view.x1 + i step > area.x0 and view.x0 + i step <
+    // area.x1.
     const auto range = [](float step, float view0, float view1, float area0, float area1, int& first, int& last) {
         if (!(step > 0.0f)) {
             first = last = 0;
@@ -134,15 +149,18 @@ void Painter::ReplayTile(Tile& tile) {
     const Handle<GXGeometry> cell = RectGeometry(m_report, tile.view);
     for (int y = firstY; y <= lastY; ++y)
         for (int x = firstX; x <= lastX; ++x) {
-            const fz_matrix place = fz_pre_translate(tile.ctm, static_cast<float>(x) * tile.xStep, static_cast<float>(y) * tile.yStep);
+            const fz_matrix place =
+                fz_pre_translate(tile.ctm, static_cast<float>(x) * tile.xStep, static_cast<float>(y) * tile.yStep);
             const fz_rect box = fz_intersect_rect(visible, fz_expand_rect(fz_transform_rect(tile.view, place), 1.0f));
-            if (fz_is_empty_rect(box)) continue;
+            if (fz_is_empty_rect(box))
+                continue;
             Current().PushClip(cell.Get(), place);
             Try(m_ctx, [&] {
-                fz_run_display_list(m_ctx, tile.list, m_device, fz_translate(place.e - tile.ctm.e, place.f - tile.ctm.f), box, nullptr);
+                fz_run_display_list(m_ctx, tile.list, m_device,
+                                    fz_translate(place.e - tile.ctm.e, place.f - tile.ctm.f), box, nullptr);
             });
             Current().Pop();
         }
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -8,28 +8,34 @@ namespace {
 // Images fill the unit square, their first row at y = 0.
 constexpr GXRect kUnit{0.0f, 0.0f, 1.0f, 1.0f};
 
-}  // namespace
+} // namespace
 
-// Upright images are widened to whole pixels, so that neighbouring strips of one picture show no seams. The small images
-// of bitmap fonts keep their place.
-fz_matrix Painter::ImageMatrix(const fz_matrix& ctm) const { return m_type3Depth > 0 ? ctm : fz_gridfit_matrix(0, ctm); }
+// Upright images are widened to whole pixels, so that neighbouring strips of one picture show no seams. The small
+// images of bitmap fonts keep their place.
+fz_matrix Painter::ImageMatrix(const fz_matrix& ctm) const {
+    return m_type3Depth > 0 ? ctm : fz_gridfit_matrix(0, ctm);
+}
 
 void Painter::FillImage(fz_image* image, const fz_matrix& ctm, float alpha, fz_color_params params) {
     const GXBitmap bitmap = m_caches.images.Bitmap(m_report, image, params);
-    if (!bitmap) return;
+    if (!bitmap)
+        return;
     const fz_matrix matrix = ImageMatrix(ctm);
     Current().SetMatrix(matrix);
-    m_report.Check(GXRenderTargetStretchBitmap(Target(), bitmap, &kUnit, nullptr, alpha, Images::Interpolation(*image, bitmap, matrix)),
+    m_report.Check(GXRenderTargetStretchBitmap(Target(), bitmap, &kUnit, nullptr, alpha,
+                                               Images::Interpolation(*image, bitmap, matrix)),
                    "GXRenderTargetStretchBitmap");
 }
 
 void Painter::FillImageMask(fz_image* image, const fz_matrix& ctm, const Paint& paint) {
     const GXBitmap bitmap = m_caches.images.Bitmap(m_report, image, paint.params);
-    if (!bitmap) return;
+    if (!bitmap)
+        return;
     const fz_matrix matrix = ImageMatrix(ctm);
     Current().SetMatrix(matrix);
-    m_report.Check(GXRenderTargetFillMask(Target(), bitmap, Brush(paint), &kUnit, Images::Interpolation(*image, bitmap, matrix)),
-                   "GXRenderTargetFillMask");
+    m_report.Check(
+        GXRenderTargetFillMask(Target(), bitmap, Brush(paint), &kUnit, Images::Interpolation(*image, bitmap, matrix)),
+        "GXRenderTargetFillMask");
 }
 
 void Painter::ClipImageMask(fz_image* image, const fz_matrix& ctm) {
@@ -39,27 +45,34 @@ void Painter::ClipImageMask(fz_image* image, const fz_matrix& ctm) {
     const fz_matrix matrix = ImageMatrix(ctm);
     if (bitmap && m_report.Check(GXBitmapGetSize(bitmap, &size), "GXBitmapGetSize")) {
         const GXBitmapBrushOptions options{Images::Interpolation(*image, bitmap, matrix), GXExtendClamp, GXExtendClamp};
-        const GXMatrix fit{1.0f / static_cast<float>(size.width), 0.0f, 0.0f, 1.0f / static_cast<float>(size.height), 0.0f, 0.0f};
+        const GXMatrix fit{1.0f / static_cast<float>(size.width),  0.0f, 0.0f,
+                           1.0f / static_cast<float>(size.height), 0.0f, 0.0f};
         m_report.Check(GXCreateBrushBitmap(bitmap, 1.0f, &options, &fit, brush.Out()), "GXCreateBrushBitmap");
     }
-    if (brush) Current().PushShapeMask(m_unitSquare.Get(), brush.Get(), matrix);
-    else Current().PushClip(m_unitSquare.Get(), matrix);
+    if (brush)
+        Current().PushShapeMask(m_unitSquare.Get(), brush.Get(), matrix);
+    else
+        Current().PushClip(m_unitSquare.Get(), matrix);
 }
 
 void Painter::FillShade(fz_shade* shade, const fz_matrix& ctm, float alpha, fz_color_params params) {
     const fz_rect visible = Visible();
-    if (fz_is_empty_rect(visible)) return;
+    if (fz_is_empty_rect(visible))
+        return;
     const fz_matrix matrix = fz_concat(shade->matrix, ctm);
     const Shadings::Result shading = m_caches.shadings.Gradient(m_report, shade, matrix, visible, params);
-    if (!shading.gradient) return;
+    if (!shading.gradient)
+        return;
     const bool bounded = !fz_is_infinite_rect(shade->bbox);
     if (bounded) {
         const Handle<GXGeometry> box = RectGeometry(m_report, shade->bbox);
         Current().PushClip(box.Get(), matrix);
     }
     Current().SetMatrix(shading.devicePixels ? fz_identity : matrix);
-    m_report.Check(GXRenderTargetDrawGradient(Target(), shading.gradient, alpha, nullptr), "GXRenderTargetDrawGradient");
-    if (bounded) Current().Pop();
+    m_report.Check(GXRenderTargetDrawGradient(Target(), shading.gradient, alpha, nullptr),
+                   "GXRenderTargetDrawGradient");
+    if (bounded)
+        Current().Pop();
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

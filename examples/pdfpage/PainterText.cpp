@@ -14,7 +14,8 @@ void Painter::FillText(const fz_text& text, const fz_matrix& ctm, const Paint& p
         for (int i = 0; i < span->len; ++i) {
             const fz_text_item& item = span->items[i];
             const GXGeometry outline = item.gid < 0 ? nullptr : m_caches.glyphs.Outline(m_report, span->font, item.gid);
-            if (!outline) continue;
+            if (!outline)
+                continue;
             Current().SetMatrix(fz_concat(Glyphs::Placement(*span, item), ctm));
             m_report.Check(GXRenderTargetFillTextGeometry(Target(), outline, brush), "GXRenderTargetFillTextGeometry");
         }
@@ -22,14 +23,16 @@ void Painter::FillText(const fz_text& text, const fz_matrix& ctm, const Paint& p
 }
 
 void Painter::FillType3(const fz_text_span& span, const fz_matrix& ctm, const Paint& paint) {
-    constexpr int kMaxDepth = 8;   // a damaged font may show itself
-    if (m_type3Depth >= kMaxDepth) return;
+    constexpr int kMaxDepth = 8; // a damaged font may show itself
+    if (m_type3Depth >= kMaxDepth)
+        return;
     const GXColor color = Color(paint);
     const GXColor* const before = m_stencilColor;
     ++m_type3Depth;
     for (int i = 0; i < span.len; ++i) {
         const fz_text_item& item = span.items[i];
-        if (item.gid < 0 || item.gid >= 256) continue;
+        if (item.gid < 0 || item.gid >= 256)
+            continue;
         // A glyph declared as a stencil has no colours of its own.
         m_stencilColor = before || (span.font->t3flags[item.gid] & FZ_DEVFLAG_MASK) ? &color : nullptr;
         const fz_matrix matrix = fz_concat(Glyphs::Placement(span, item), ctm);
@@ -48,7 +51,8 @@ void Painter::StrokeText(const fz_text& text, const fz_stroke_state& stroke, con
         for (int i = 0; i < span->len; ++i) {
             const fz_text_item& item = span->items[i];
             const GXGeometry outline = item.gid < 0 ? nullptr : m_caches.glyphs.Outline(m_report, span->font, item.gid);
-            if (!outline) continue;
+            if (!outline)
+                continue;
             // The pen works in the text's user space, so the outline has to be brought there.
             const GXMatrix placement = ToMatrix(Glyphs::Placement(*span, item));
             Handle<GXGeometry> placed;
@@ -68,4 +72,4 @@ void Painter::ClipStrokeText(const fz_text& text, const fz_stroke_state& stroke,
     ClipStroke(nullptr, geometry.Get(), stroke, ctm);
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -13,22 +13,25 @@ struct Builder {
     GXGeometry geometry = nullptr;
     const fz_matrix* matrix = nullptr;
     GXPoint start{};
-    bool pending = false;   // a moveto waits for a segment
+    bool pending = false; // a moveto waits for a segment
     bool open = false;
     bool failed = false;
 
     GXPoint Map(float x, float y) const {
-        if (!matrix) return {x, y};
+        if (!matrix)
+            return {x, y};
         const fz_point p = fz_transform_point_xy(x, y, *matrix);
         return {p.x, p.y};
     }
     void Note(GXResult result) { failed |= result != GXResultSuccess; }
     void End() {
-        if (open) Note(GXGeometryEndFigure(geometry));
+        if (open)
+            Note(GXGeometryEndFigure(geometry));
         open = false;
     }
     void NeedFigure() {
-        if (open) return;
+        if (open)
+            return;
         Note(GXGeometryBeginFigure(geometry, &start));
         open = true;
         pending = false;
@@ -58,7 +61,8 @@ void CurveTo(fz_context*, void* arg, float x1, float y1, float x2, float y2, flo
 
 void ClosePath(fz_context*, void* arg) {
     auto& b = *static_cast<Builder*>(arg);
-    if (!b.open && !b.pending) return;
+    if (!b.open && !b.pending)
+        return;
     b.NeedFigure();
     b.Note(GXGeometryEndFigureClose(b.geometry));
     b.open = false;
@@ -76,8 +80,8 @@ struct Dasher {
 
     fz_point start{}, at{};
     int index = 0;
-    float left = 0.0f;      // of the current dash or gap
-    bool penDown = false;   // a piece is open
+    float left = 0.0f;    // of the current dash or gap
+    bool penDown = false; // a piece is open
     bool inFigure = false;
     bool failed = false;
     size_t pieces = 0;
@@ -85,15 +89,18 @@ struct Dasher {
     bool On() const { return index % 2 == 0; }
     void Note(GXResult result) { failed |= result != GXResultSuccess; }
     void Lift() {
-        if (penDown) Note(GXGeometryEndFigure(geometry));
+        if (penDown)
+            Note(GXGeometryEndFigure(geometry));
         penDown = false;
     }
     void Put(fz_point p) {
         const GXPoint g{p.x, p.y};
-        if (penDown) return Note(GXGeometryLineTo(geometry, &g));
+        if (penDown)
+            return Note(GXGeometryLineTo(geometry, &g));
         Note(GXGeometryBeginFigure(geometry, &g));
         penDown = true;
-        if (++pieces > kMaxPieces) failed = true;
+        if (++pieces > kMaxPieces)
+            failed = true;
     }
     // An odd count runs twice, so that dashes and gaps swap in the second round.
     void Next() {
@@ -110,14 +117,17 @@ struct Dasher {
             Next();
         }
         left -= skip;
-        if (On()) Put(at);
+        if (On())
+            Put(at);
     }
     void Line(fz_point to) {
-        if (!inFigure) Begin();
+        if (!inFigure)
+            Begin();
         const fz_point from = at;
         const float dx = to.x - from.x, dy = to.y - from.y;
         const float length = std::hypot(dx, dy);
-        if (!std::isfinite(length)) failed = true;
+        if (!std::isfinite(length))
+            failed = true;
         float done = 0.0f;
         while (!failed && length - done > left) {
             done += left;
@@ -127,10 +137,12 @@ struct Dasher {
                 Lift();
             }
             Next();
-            if (On()) Put(cut);
+            if (On())
+                Put(cut);
         }
         left -= length - done;
-        if (On() && !failed) Put(to);
+        if (On() && !failed)
+            Put(to);
         at = to;
     }
     void End() {
@@ -151,7 +163,8 @@ void DashCurveTo(fz_context*, void* arg, float x1, float y1, float x2, float y2,
     auto& d = *static_cast<Dasher*>(arg);
     const fz_point p0 = d.at;
     // n chords leave at most |second difference| * 6 / (8 n^2) between curve and polygon.
-    const float bend = std::max(std::hypot(p0.x - 2 * x1 + x2, p0.y - 2 * y1 + y2), std::hypot(x1 - 2 * x2 + x3, y1 - 2 * y2 + y3));
+    const float bend =
+        std::max(std::hypot(p0.x - 2 * x1 + x2, p0.y - 2 * y1 + y2), std::hypot(x1 - 2 * x2 + x3, y1 - 2 * y2 + y3));
     const float wanted = std::ceil(std::sqrt(0.75f * bend / d.tolerance));
     const int n = wanted >= 1.0f && wanted < 500.0f ? static_cast<int>(wanted) : wanted >= 500.0f ? 500 : 1;
     for (int i = 1; i < n; ++i) {
@@ -168,7 +181,7 @@ void DashClosePath(fz_context*, void* arg) {
     d.End();
 }
 
-}  // namespace
+} // namespace
 
 bool AppendPath(fz_context* ctx, const fz_path* path, const fz_matrix* matrix, GXGeometry geometry) {
     static constexpr fz_path_walker kWalker{MoveTo, LineTo, CurveTo, ClosePath, nullptr, nullptr, nullptr, nullptr};
@@ -182,9 +195,12 @@ bool AppendPath(fz_context* ctx, const fz_path* path, const fz_matrix* matrix, G
 
 Handle<GXGeometry> PathGeometry(fz_context* ctx, Report& report, const fz_path* path, bool evenOdd) {
     Handle<GXGeometry> geometry;
-    if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry")) return geometry;
-    if (evenOdd) report.Check(GXGeometrySetFillRule(geometry.Get(), GXFillRuleEvenOdd), "GXGeometrySetFillRule");
-    report.Check(AppendPath(ctx, path, nullptr, geometry.Get()) ? GXResultSuccess : GXResultEngineError, "building a path");
+    if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry"))
+        return geometry;
+    if (evenOdd)
+        report.Check(GXGeometrySetFillRule(geometry.Get(), GXFillRuleEvenOdd), "GXGeometrySetFillRule");
+    report.Check(AppendPath(ctx, path, nullptr, geometry.Get()) ? GXResultSuccess : GXResultEngineError,
+                 "building a path");
     return geometry;
 }
 
@@ -198,7 +214,8 @@ Handle<GXGeometry> RectGeometry(Report& report, const fz_rect& rect) {
 
 bool HasDashes(const fz_stroke_state& stroke) {
     float sum = 0.0f;
-    for (int i = 0; i < stroke.dash_len; ++i) sum += std::max(stroke.dash_list[i], 0.0f);
+    for (int i = 0; i < stroke.dash_len; ++i)
+        sum += std::max(stroke.dash_list[i], 0.0f);
     return stroke.dash_len > 0 && sum > 0.0f && std::isfinite(sum);
 }
 
@@ -214,32 +231,39 @@ GXStrokeStyle StrokeStyle(const fz_stroke_state& stroke, float scale) {
     if (HasDashes(stroke) && stroke.dash_len <= kMaxDashes) {
         style.dashCount = static_cast<uint64_t>(stroke.dash_len);
         style.dashPhase = stroke.dash_phase * scale;
-        for (int i = 0; i < stroke.dash_len; ++i) style.dashes[i] = std::max(stroke.dash_list[i], 0.0f) * scale;
+        for (int i = 0; i < stroke.dash_len; ++i)
+            style.dashes[i] = std::max(stroke.dash_list[i], 0.0f) * scale;
     }
     return style;
 }
 
 Handle<GXGeometry> CutIntoDashes(fz_context* ctx, Report& report, const fz_path* path, const fz_stroke_state& stroke,
                                  float tolerance) {
-    static constexpr fz_path_walker kWalker{DashMoveTo, DashLineTo, DashCurveTo, DashClosePath, nullptr, nullptr, nullptr, nullptr};
+    static constexpr fz_path_walker kWalker{DashMoveTo, DashLineTo, DashCurveTo, DashClosePath,
+                                            nullptr,    nullptr,    nullptr,     nullptr};
     std::vector<float> lengths(stroke.dash_list, stroke.dash_list + stroke.dash_len);
     float period = 0.0f;
-    for (float& length : lengths) period += length = std::max(length, 0.0f);
-    if (lengths.size() % 2) period *= 2;
+    for (float& length : lengths)
+        period += length = std::max(length, 0.0f);
+    if (lengths.size() % 2)
+        period *= 2;
 
     Handle<GXGeometry> geometry;
-    if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry")) return geometry;
+    if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry"))
+        return geometry;
     Dasher dasher;
     dasher.geometry = geometry.Get();
     dasher.lengths = lengths.data();
     dasher.count = static_cast<int>(lengths.size());
     dasher.phase = std::isfinite(stroke.dash_phase) ? std::fmod(stroke.dash_phase, period) : 0.0f;
-    if (dasher.phase < 0.0f) dasher.phase += period;
+    if (dasher.phase < 0.0f)
+        dasher.phase += period;
     dasher.tolerance = tolerance;
     Try(ctx, [&] { fz_walk_path(ctx, path, &kWalker, &dasher); });
     dasher.End();
-    if (dasher.failed) geometry.Reset();
+    if (dasher.failed)
+        geometry.Reset();
     return geometry;
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

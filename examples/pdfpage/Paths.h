@@ -27,4 +27,4 @@ bool HasDashes(const fz_stroke_state& stroke);
 Handle<GXGeometry> CutIntoDashes(fz_context* ctx, Report& report, const fz_path* path, const fz_stroke_state& stroke,
                                  float tolerance);
 
-}  // namespace PdfPage
+} // namespace PdfPage

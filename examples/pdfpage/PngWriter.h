@@ -9,6 +9,7 @@
 namespace PdfPage {
 
 // `pixels` are rows of B, G, R, X bytes. False when the file can't be written; nothing half written is left behind.
-bool WritePng(const std::string& path, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes, float dpi);
+bool WritePng(const std::string& path, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes,
+              float dpi);
 
-}  // namespace PdfPage
+} // namespace PdfPage

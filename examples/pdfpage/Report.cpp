@@ -18,16 +18,20 @@ void Report::Log(void* context, const char* text) {
 }
 
 bool Report::Check(GXResult result, const char* what) noexcept {
-    if (result == GXResultSuccess) return true;
-    if (m_failures++ == 0) m_firstFailure = what;
-    if (m_verbose) std::fprintf(stderr, "pdfpage: %s gave %u: %s\n", what, result, m_lastDiagnostic.c_str());
+    if (result == GXResultSuccess)
+        return true;
+    if (m_failures++ == 0)
+        m_firstFailure = what;
+    if (m_verbose)
+        std::fprintf(stderr, "pdfpage: %s gave %u: %s\n", what, result, m_lastDiagnostic.c_str());
     m_lastDiagnostic.clear();
     return false;
 }
 
 void Report::Notice(const char* text) noexcept {
     try {
-        if (m_notices.insert(text).second) std::fprintf(stderr, "pdfpage: %s\n", text);
+        if (m_notices.insert(text).second)
+            std::fprintf(stderr, "pdfpage: %s\n", text);
     } catch (...) {
     }
 }
@@ -40,4 +44,4 @@ void Report::EndPage() noexcept {
     m_notices.clear();
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

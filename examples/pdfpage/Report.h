@@ -38,4 +38,4 @@ private:
     std::string m_lastDiagnostic;
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -9,7 +9,7 @@
 namespace PdfPage {
 namespace {
 
-using Color = std::array<float, 4>;   // red, green, blue, alpha from 0 to 255
+using Color = std::array<float, 4>; // red, green, blue, alpha from 0 to 255
 
 uint32_t Pack(const Color& c) {
     const auto channel = [](float v) { return static_cast<uint32_t>(std::lround(std::clamp(v, 0.0f, 255.0f))); };
@@ -18,7 +18,8 @@ uint32_t Pack(const Color& c) {
 
 Color Convert(fz_context* ctx, fz_colorspace* space, const float* value, float alpha, fz_color_params params) {
     float rgb[FZ_MAX_COLORS] = {0.0f, 0.0f, 0.0f};
-    if (space) Try(ctx, [&] { fz_convert_color(ctx, space, value, fz_device_rgb(ctx), rgb, nullptr, params); });
+    if (space)
+        Try(ctx, [&] { fz_convert_color(ctx, space, value, fz_device_rgb(ctx), rgb, nullptr, params); });
     return {rgb[0] * 255.0f, rgb[1] * 255.0f, rgb[2] * 255.0f, alpha * 255.0f};
 }
 
@@ -30,8 +31,8 @@ std::array<Color, 256> FunctionColors(fz_context* ctx, const fz_shade& shade, fz
     return colors;
 }
 
-// Drops every sample that lies within `kTolerance` of the line between the stops kept, in one pass: while a run grows, each
-// channel keeps the interval of slopes that pass all samples so far ("swinging door").
+// Drops every sample that lies within `kTolerance` of the line between the stops kept, in one pass: while a run grows,
+// each channel keeps the interval of slopes that pass all samples so far ("swinging door").
 std::vector<GXGradientStop> Stops(const std::array<Color, 256>& colors) {
     constexpr float kTolerance = 0.6f;
     std::vector<GXGradientStop> stops;
@@ -52,10 +53,13 @@ std::vector<GXGradientStop> Stops(const std::array<Color, 256>& colors) {
                 low[k] = std::max(low[k], slope - kTolerance / run);
                 high[k] = std::min(high[k], slope + kTolerance / run);
             }
-            if (fits) last = i;
+            if (fits)
+                last = i;
             bool open = true;
-            for (size_t k = 0; k < 4; ++k) open = open && low[k] <= high[k];
-            if (!open) break;
+            for (size_t k = 0; k < 4; ++k)
+                open = open && low[k] <= high[k];
+            if (!open)
+                break;
         }
         add(last);
         anchor = last;
@@ -66,14 +70,14 @@ std::vector<GXGradientStop> Stops(const std::array<Color, 256>& colors) {
 struct Vertex {
     fz_point at;
     Color color;
-    float t;   // the function's argument, 0 to 1
+    float t; // the function's argument, 0 to 1
 };
 
 // Receives the triangles of fz_process_shade.
 struct Collector {
     const fz_shade* shade;
     fz_color_params params;
-    const std::array<Color, 256>* colors;   // null without a function
+    const std::array<Color, 256>* colors; // null without a function
     std::vector<GXTriMeshVertex> vertices;
     bool failed = false;
 
@@ -82,17 +86,20 @@ struct Collector {
         const size_t i = std::min(static_cast<size_t>(position), size_t{254});
         const float f = position - static_cast<float>(i);
         Color c;
-        for (size_t k = 0; k < 4; ++k) c[k] = (*colors)[i][k] + f * ((*colors)[i + 1][k] - (*colors)[i][k]);
+        for (size_t k = 0; k < 4; ++k)
+            c[k] = (*colors)[i][k] + f * ((*colors)[i + 1][k] - (*colors)[i][k]);
         return c;
     }
 
     // Whether colours along the edge stray from the straight line between its ends.
     bool Bends(const Vertex& a, const Vertex& b) const {
-        if (std::fabs(a.t - b.t) < 1.0f / 255.0f || std::hypot(a.at.x - b.at.x, a.at.y - b.at.y) < 1.5f) return false;
+        if (std::fabs(a.t - b.t) < 1.0f / 255.0f || std::hypot(a.at.x - b.at.x, a.at.y - b.at.y) < 1.5f)
+            return false;
         for (const float f : {0.25f, 0.5f, 0.75f}) {
             const Color there = At(a.t + f * (b.t - a.t));
             for (size_t k = 0; k < 4; ++k)
-                if (std::fabs(there[k] - (a.color[k] + f * (b.color[k] - a.color[k]))) > 2.0f) return true;
+                if (std::fabs(there[k] - (a.color[k] + f * (b.color[k] - a.color[k]))) > 2.0f)
+                    return true;
         }
         return false;
     }
@@ -103,11 +110,15 @@ struct Collector {
 
     void Add(const Vertex& a, const Vertex& b, const Vertex& c, int depth) {
         if (colors && depth > 0) {
-            if (Bends(a, b)) return Split(a, b, c, depth);
-            if (Bends(b, c)) return Split(b, c, a, depth);
-            if (Bends(c, a)) return Split(c, a, b, depth);
+            if (Bends(a, b))
+                return Split(a, b, c, depth);
+            if (Bends(b, c))
+                return Split(b, c, a, depth);
+            if (Bends(c, a))
+                return Split(c, a, b, depth);
         }
-        for (const Vertex* v : {&a, &b, &c}) vertices.push_back({v->at.x, v->at.y, Pack(v->color)});
+        for (const Vertex* v : {&a, &b, &c})
+            vertices.push_back({v->at.x, v->at.y, Pack(v->color)});
     }
     void Split(const Vertex& a, const Vertex& b, const Vertex& apex, int depth) {
         const Vertex middle = Middle(a, b);
@@ -139,7 +150,8 @@ void Process(fz_context*, void* arg, fz_vertex* a, fz_vertex* b, fz_vertex* c) {
         return Vertex{v.p, {v.c[0], v.c[1], v.c[2], v.c[3]}, 0.0f};
     };
     try {
-        if (!collector.failed) collector.Add(vertex(*a), vertex(*b), vertex(*c), 12);
+        if (!collector.failed)
+            collector.Add(vertex(*a), vertex(*b), vertex(*c), 12);
     } catch (...) {
         collector.failed = true;
     }
@@ -154,10 +166,11 @@ bool OneCircleInsideTheOther(const fz_shade& shade) {
     return std::hypot(c[1][0] - c[0][0], c[1][1] - c[0][1]) < std::fabs(c[1][2] - c[0][2]);
 }
 
-}  // namespace
+} // namespace
 
 Shadings::~Shadings() {
-    for (auto& entry : m_gradients) fz_drop_shade(m_ctx, entry.first);
+    for (auto& entry : m_gradients)
+        fz_drop_shade(m_ctx, entry.first);
 }
 
 Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
@@ -203,7 +216,8 @@ Handle<GXGradient> Shadings::AlongLine(Report& report, const fz_shade& shade, fz
         std::swap(startRadius, endRadius);
         std::swap(extendStart, extendEnd);
         std::reverse(stops.begin(), stops.end());
-        for (GXGradientStop& stop : stops) stop.offset = 1.0f - stop.offset;
+        for (GXGradientStop& stop : stops)
+            stop.offset = 1.0f - stop.offset;
     }
     const GXRadialGradientDesc desc{stops.data(), stops.size(), start,     startRadius, end,
                                     endRadius,    extendStart,  extendEnd, background};
@@ -211,18 +225,19 @@ Handle<GXGradient> Shadings::AlongLine(Report& report, const fz_shade& shade, fz
     return gradient;
 }
 
-// The circle at s has centre c0 + s d and radius r0 + s dr; a point has the colour of the last circle through it. Between
-// two values of s the circles sweep a ring of triangles. Rings come in the order of s; inside a ring the triangles go from
-// the leading side (in the direction of d) to the trailing one, which meets each point at a later s.
-Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const fz_matrix& matrix, const fz_rect& visible,
-                                  fz_color_params params) {
+// The circle at s has centre c0 + s d and radius r0 + s dr; a point has the colour of the last circle through it.
+// Between two values of s the circles sweep a ring of triangles. Rings come in the order of s; inside a ring the
+// triangles go from the leading side (in the direction of d) to the trailing one, which meets each point at a later s.
+Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const fz_matrix& matrix,
+                                  const fz_rect& visible, fz_color_params params) {
     constexpr float kFar = 1000.0f;
     const auto& line = shade.u.l_or_r;
     const float x0 = line.coords[0][0], y0 = line.coords[0][1], r0 = line.coords[0][2];
     const float dx = line.coords[1][0] - x0, dy = line.coords[1][1] - y0, dr = line.coords[1][2] - r0;
     const float distance = std::hypot(dx, dy);
     fz_matrix inverse;
-    if (!(distance > 0.0f) || fz_try_invert_matrix(&inverse, matrix)) return {};
+    if (!(distance > 0.0f) || fz_try_invert_matrix(&inverse, matrix))
+        return {};
 
     // Beyond these s no circle reaches the visible part, all of which lies within `reach` of the start's centre.
     const fz_rect seen = fz_transform_rect(visible, inverse);
@@ -230,22 +245,28 @@ Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const f
                                    std::max(std::fabs(seen.y0 - y0), std::fabs(seen.y1 - y0)));
     const float away = std::min(kFar, (r0 + reach) / std::max(distance - std::fabs(dr), distance / kFar)) + 1.0f;
     float first = line.extend[0] ? -away : 0.0f, last = line.extend[1] ? away : 1.0f;
-    if (dr > 0.0f) first = std::max(first, -r0 / dr);   // where the radius is 0
-    if (dr < 0.0f) last = std::min(last, -r0 / dr);
+    if (dr > 0.0f)
+        first = std::max(first, -r0 / dr); // where the radius is 0
+    if (dr < 0.0f)
+        last = std::min(last, -r0 / dr);
     last = std::max(last, 1.0f);
 
     std::vector<GXGradientStop> rings = Stops(FunctionColors(m_ctx, shade, params));
-    if (first < 0.0f) rings.insert(rings.begin(), {first, rings.front().color});
-    if (last > 1.0f) rings.push_back({last, rings.back().color});
+    if (first < 0.0f)
+        rings.insert(rings.begin(), {first, rings.front().color});
+    if (last > 1.0f)
+        rings.push_back({last, rings.back().color});
 
     // Chords stay within a fifth of a pixel of the widest circle.
-    const float widest = std::max(std::fabs(r0 + first * dr), std::fabs(r0 + last * dr)) * fz_matrix_max_expansion(matrix);
+    const float widest =
+        std::max(std::fabs(r0 + first * dr), std::fabs(r0 + last * dr)) * fz_matrix_max_expansion(matrix);
     const int half = static_cast<int>(std::clamp(1.6f * std::sqrt(std::min(widest, 1e6f) / 0.4f), 8.0f, 250.0f)) + 1;
     const float heading = std::atan2(dy, dx);
     const auto vertex = [&](const GXGradientStop& ring, int k) {
         const float angle = heading + 3.14159265f * static_cast<float>(k) / static_cast<float>(half);
         const float r = std::max(0.0f, r0 + ring.offset * dr);
-        return GXTriMeshVertex{x0 + ring.offset * dx + r * std::cos(angle), y0 + ring.offset * dy + r * std::sin(angle), ring.color};
+        return GXTriMeshVertex{x0 + ring.offset * dx + r * std::cos(angle), y0 + ring.offset * dy + r * std::sin(angle),
+                               ring.color};
     };
     std::vector<GXTriMeshVertex> vertices;
     vertices.reserve(rings.size() * static_cast<size_t>(half) * 12);
@@ -257,15 +278,17 @@ Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const f
                 vertices.insert(vertices.end(), {a, b, c, b, d, c});
             }
     Handle<GXGradient> gradient;
-    report.Check(GXCreateGradientTriMesh(vertices.data(), vertices.size(), Background(m_ctx, shade, params), gradient.Out()),
-                 "GXCreateGradientTriMesh");
+    report.Check(
+        GXCreateGradientTriMesh(vertices.data(), vertices.size(), Background(m_ctx, shade, params), gradient.Out()),
+        "GXCreateGradientTriMesh");
     return gradient;
 }
 
 Handle<GXGradient> Shadings::Mesh(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
                                   fz_color_params params) {
     std::array<Color, 256> colors;
-    if (shade->use_function) colors = FunctionColors(m_ctx, *shade, params);
+    if (shade->use_function)
+        colors = FunctionColors(m_ctx, *shade, params);
     Collector collector{shade, params, shade->use_function ? &colors : nullptr, {}};
     Try(m_ctx, [&] { fz_process_shade(m_ctx, shade, matrix, visible, Prepare, Process, &collector); });
     Handle<GXGradient> gradient;
@@ -276,4 +299,4 @@ Handle<GXGradient> Shadings::Mesh(Report& report, fz_shade* shade, const fz_matr
     return gradient;
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -19,23 +19,26 @@ public:
     Shadings(const Shadings&) = delete;
     Shadings& operator=(const Shadings&) = delete;
 
-    // A gradient in the space that it has to be drawn in: under `matrix` (shade->matrix × ctm) for axial and radial shadings,
-    // in page pixels (`devicePixels` true) for the others, which are cut into triangles for this matrix inside `visible`.
+    // A gradient in the space that it has to be drawn in: under `matrix` (shade->matrix × ctm) for axial and radial
+    // shadings, in page pixels (`devicePixels` true) for the others, which are cut into triangles for this matrix
+    // inside `visible`.
     struct Result {
         GXGradient gradient = nullptr;
         bool devicePixels = false;
-        Handle<GXGradient> owned;   // a mesh is made for each use
+        Handle<GXGradient> owned; // a mesh is made for each use
     };
-    Result Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible, fz_color_params params);
+    Result Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
+                    fz_color_params params);
 
 private:
     Handle<GXGradient> AlongLine(Report& report, const fz_shade& shade, fz_color_params params);
     Handle<GXGradient> Cone(Report& report, const fz_shade& shade, const fz_matrix& matrix, const fz_rect& visible,
                             fz_color_params params);
-    Handle<GXGradient> Mesh(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible, fz_color_params params);
+    Handle<GXGradient> Mesh(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
+                            fz_color_params params);
 
     fz_context* m_ctx;
-    std::unordered_map<fz_shade*, Handle<GXGradient>> m_gradients;   // the shades are kept
+    std::unordered_map<fz_shade*, Handle<GXGradient>> m_gradients; // the shades are kept
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -22,7 +22,8 @@ void Surface::SetMatrix(const fz_matrix& matrix) {
     GXMatrix moved = ToMatrix(matrix);
     moved.m20 -= static_cast<float>(m_area.x0);
     moved.m21 -= static_cast<float>(m_area.y0);
-    if (m_matrixKnown && std::memcmp(&moved, &m_matrix, sizeof moved) == 0) return;
+    if (m_matrixKnown && std::memcmp(&moved, &m_matrix, sizeof moved) == 0)
+        return;
     m_matrixKnown = m_report.Check(GXRenderTargetSetCTM(Target(), &moved), "GXRenderTargetSetCTM");
     m_matrix = moved;
 }
@@ -70,29 +71,36 @@ void Surface::PushOpacityMask(const Surface& mask, bool luminosity) {
     Entry& entry = m_entries.emplace_back();
     PushTo(entry);
     const GXBitmapBrushOptions options{GXInterpolationNearest, GXExtendClamp, GXExtendClamp};
-    const GXMatrix place{1.0f, 0.0f, 0.0f, 1.0f, static_cast<float>(mask.m_area.x0), static_cast<float>(mask.m_area.y0)};
+    const GXMatrix place{
+        1.0f, 0.0f, 0.0f, 1.0f, static_cast<float>(mask.m_area.x0), static_cast<float>(mask.m_area.y0)};
     Handle<GXBrush> brush;
     SetMatrix(fz_identity);
     if (m_report.Check(GXCreateBrushBitmap(mask.Bitmap(), 1.0f, &options, &place, brush.Out()), "GXCreateBrushBitmap"))
-        m_report.Check(GXRenderTargetSetOpacityMask(Target(), luminosity ? GXMaskTypeLuminosity : GXMaskTypeAlpha, brush.Get()),
-                       "GXRenderTargetSetOpacityMask");
+        m_report.Check(
+            GXRenderTargetSetOpacityMask(Target(), luminosity ? GXMaskTypeLuminosity : GXMaskTypeAlpha, brush.Get()),
+            "GXRenderTargetSetOpacityMask");
     const fz_rect area = fz_rect_from_irect(mask.m_area);
     entry.layer = BeginLayer(&area, 1.0f, false, false);
 }
 
 void Surface::Pop() {
-    if (m_entries.empty()) return;
+    if (m_entries.empty())
+        return;
     const Entry entry = m_entries.back();
     m_entries.pop_back();
-    if (entry.innerState) m_report.Check(GXRenderTargetPopState(Target()), "GXRenderTargetPopState");
-    if (entry.layer) m_report.Check(GXRenderTargetEndLayer(Target()), "GXRenderTargetEndLayer");
-    if (entry.state) m_report.Check(GXRenderTargetPopState(Target()), "GXRenderTargetPopState");
+    if (entry.innerState)
+        m_report.Check(GXRenderTargetPopState(Target()), "GXRenderTargetPopState");
+    if (entry.layer)
+        m_report.Check(GXRenderTargetEndLayer(Target()), "GXRenderTargetEndLayer");
+    if (entry.state)
+        m_report.Check(GXRenderTargetPopState(Target()), "GXRenderTargetPopState");
     m_shapeMask = entry.hadShapeMask;
     m_matrixKnown = false;
 }
 
 void Surface::Finish() {
-    while (!m_entries.empty()) Pop();
+    while (!m_entries.empty())
+        Pop();
     m_report.Check(GXRenderTargetEndPaint(Target()), "GXRenderTargetEndPaint");
     m_target.Reset();
 }
@@ -103,7 +111,7 @@ bool Surface::BeginLayer(const fz_rect* area, float opacity, bool isolated, bool
         return false;
     }
     SetMatrix(fz_identity);
-    GXLayerDesc desc{{0.0f, 0.0f, 0.0f, 0.0f}, opacity, isolated, knockout};   // empty: bounded by the clip alone
+    GXLayerDesc desc{{0.0f, 0.0f, 0.0f, 0.0f}, opacity, isolated, knockout}; // empty: bounded by the clip alone
     if (area && !fz_is_infinite_rect(*area)) {
         const fz_rect page = fz_expand_rect(fz_rect_from_irect(m_area), 16.0f);
         const fz_rect visible = fz_intersect_rect(*area, page);
@@ -111,7 +119,8 @@ bool Surface::BeginLayer(const fz_rect* area, float opacity, bool isolated, bool
         desc.bounds = fz_is_empty_rect(visible) ? GXRect{page.x0 + 1, page.y0 + 1, page.x0 + 2, page.y0 + 2}
                                                 : GXRect{visible.x0, visible.y0, visible.x1, visible.y1};
     }
-    if (!m_report.Check(GXRenderTargetBeginLayer(Target(), &desc), "GXRenderTargetBeginLayer")) return false;
+    if (!m_report.Check(GXRenderTargetBeginLayer(Target(), &desc), "GXRenderTargetBeginLayer"))
+        return false;
     m_shapeMask = false;
     m_matrixKnown = false;
     return true;
@@ -133,4 +142,4 @@ bool Surface::LayersSupported() {
     return supported;
 }
 
-}  // namespace PdfPage
+} // namespace PdfPage

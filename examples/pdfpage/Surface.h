@@ -56,7 +56,7 @@ private:
     std::vector<Entry> m_entries;
     GXMatrix m_matrix{};
     bool m_matrixKnown = false;
-    bool m_shapeMask = false;   // a shape mask is set in the current state
+    bool m_shapeMask = false; // a shape mask is set in the current state
 };
 
-}  // namespace PdfPage
+} // namespace PdfPage

@@ -22,17 +22,16 @@
 namespace PdfPage {
 namespace {
 
-constexpr const char* kUsage =
-    "usage: pdfpage file.pdf [page] [out.png] [--dpi N]\n"
-    "       pdfpage file.pdf --pages FIRST-LAST --out folder [--dpi N]\n"
-    "more:  --time N      draw N times, print milliseconds of the library and of MuPDF\n"
-    "       --peer x.png  write MuPDF's own rendering too\n"
-    "       --verbose     print every diagnostic\n";
+constexpr const char* kUsage = "usage: pdfpage file.pdf [page] [out.png] [--dpi N]\n"
+                               "       pdfpage file.pdf --pages FIRST-LAST --out folder [--dpi N]\n"
+                               "more:  --time N      draw N times, print milliseconds of the library and of MuPDF\n"
+                               "       --peer x.png  write MuPDF's own rendering too\n"
+                               "       --verbose     print every diagnostic\n";
 
 struct Options {
     std::string file, picture, folder, peer;
     int page = 1;
-    int first = 0, last = 0;   // of --pages
+    int first = 0, last = 0; // of --pages
     float dpi = 150.0f;
     int runs = 0;
     bool verbose = false;
@@ -59,29 +58,42 @@ Options Parse(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         const auto value = [&]() -> std::string {
-            if (++i >= argc) throw Failure(argument + " needs a value");
+            if (++i >= argc)
+                throw Failure(argument + " needs a value");
             return argv[i];
         };
-        if (argument == "--dpi") options.dpi = static_cast<float>(Number(value(), 1, 10000, "resolution from 1 to 10000"));
-        else if (argument == "--time") options.runs = static_cast<int>(Number(value(), 1, 10000, "number of runs"));
-        else if (argument == "--peer") options.peer = value();
-        else if (argument == "--out") options.folder = value();
-        else if (argument == "--verbose") options.verbose = true;
+        if (argument == "--dpi")
+            options.dpi = static_cast<float>(Number(value(), 1, 10000, "resolution from 1 to 10000"));
+        else if (argument == "--time")
+            options.runs = static_cast<int>(Number(value(), 1, 10000, "number of runs"));
+        else if (argument == "--peer")
+            options.peer = value();
+        else if (argument == "--out")
+            options.folder = value();
+        else if (argument == "--verbose")
+            options.verbose = true;
         else if (argument == "--pages") {
             const std::string range = value();
             const size_t dash = range.find('-');
             options.first = PageNumber(range.substr(0, dash));
             options.last = dash == std::string::npos ? options.first : PageNumber(range.substr(dash + 1));
-            if (options.first < 1 || options.last < options.first) throw Failure("'" + range + "' is no range of pages");
-        } else if (argument.rfind("--", 0) == 0) throw Failure("unknown option " + argument);
-        else plain.push_back(argument);
+            if (options.first < 1 || options.last < options.first)
+                throw Failure("'" + range + "' is no range of pages");
+        } else if (argument.rfind("--", 0) == 0)
+            throw Failure("unknown option " + argument);
+        else
+            plain.push_back(argument);
     }
-    if (plain.empty()) throw Failure("no file given");
+    if (plain.empty())
+        throw Failure("no file given");
     options.file = plain[0];
     size_t next = 1;
-    if (next < plain.size() && AllDigits(plain[next])) options.page = PageNumber(plain[next++]);
-    if (next < plain.size()) options.picture = plain[next++];
-    if (next < plain.size()) throw Failure("one argument too many: " + plain[next]);
+    if (next < plain.size() && AllDigits(plain[next]))
+        options.page = PageNumber(plain[next++]);
+    if (next < plain.size())
+        options.picture = plain[next++];
+    if (next < plain.size())
+        throw Failure("one argument too many: " + plain[next]);
     return options;
 }
 
@@ -96,7 +108,8 @@ void Write(const std::string& path, const Picture& picture, float dpi) {
 
 void PrintTimes(const char* name, std::vector<double> runs) {
     const double first = runs.front();
-    if (runs.size() > 1) runs.erase(runs.begin());
+    if (runs.size() > 1)
+        runs.erase(runs.begin());
     std::sort(runs.begin(), runs.end());
     const size_t n = runs.size();
     const double median = n % 2 ? runs[n / 2] : (runs[n / 2 - 1] + runs[n / 2]) / 2;
@@ -109,8 +122,10 @@ void DrawOne(const Options& options, Report& report, Document& document) {
     if (options.runs > 0) {
         // One run more than asked for: the first decodes images and loads glyphs, for both.
         std::vector<double> ours(static_cast<size_t>(options.runs) + 1), peers(ours.size());
-        for (double& time : ours) page.Draw(&picture, &time);
-        for (double& time : peers) page.DrawWithPeer(nullptr, &time);
+        for (double& time : ours)
+            page.Draw(&picture, &time);
+        for (double& time : peers)
+            page.DrawWithPeer(nullptr, &time);
         PrintTimes("library", ours);
         PrintTimes("MuPDF", peers);
     } else {
@@ -135,7 +150,8 @@ void ShowProgress(int done, int all) {
     const int filled = all > 0 ? static_cast<int>(static_cast<long long>(kWidth) * done / all) : kWidth;
     if (terminal) {
         std::fprintf(stderr, "\r[%s%s] %d/%d%s", std::string(static_cast<size_t>(filled), '#').c_str(),
-                     std::string(static_cast<size_t>(kWidth - filled), '.').c_str(), done, all, done == all ? "\n" : "");
+                     std::string(static_cast<size_t>(kWidth - filled), '.').c_str(), done, all,
+                     done == all ? "\n" : "");
         std::fflush(stderr);
     } else if (done == all) {
         std::fprintf(stderr, "pdfpage: %d of %d pages done\n", done, all);
@@ -146,7 +162,8 @@ void DrawRange(const Options& options, Report& report, Document& document) {
     const std::filesystem::path folder = options.folder.empty() ? "." : options.folder;
     std::error_code error;
     std::filesystem::create_directories(folder, error);
-    if (error) throw Failure("cannot make the folder '" + folder.string() + "': " + error.message());
+    if (error)
+        throw Failure("cannot make the folder '" + folder.string() + "': " + error.message());
     if (options.last > document.PageCount())
         throw Failure("page " + std::to_string(options.last) + " does not exist, the file has " +
                       std::to_string(document.PageCount()) + (document.PageCount() == 1 ? " page" : " pages"));
@@ -171,8 +188,10 @@ int Run(int argc, char** argv) {
         const Options options = Parse(argc, argv);
         Report report(options.verbose);
         Document document(options.file, report);
-        if (options.first > 0) DrawRange(options, report, document);
-        else DrawOne(options, report, document);
+        if (options.first > 0)
+            DrawRange(options, report, document);
+        else
+            DrawOne(options, report, document);
         return 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "pdfpage: %s\n", failure.what());
@@ -180,7 +199,7 @@ int Run(int argc, char** argv) {
     }
 }
 
-}  // namespace
-}  // namespace PdfPage
+} // namespace
+} // namespace PdfPage
 
 int main(int argc, char** argv) { return PdfPage::Run(argc, argv); }

@@ -24,9 +24,7 @@ constexpr unsigned char kUntouched = 0xA5;
 alignas(16) std::array<unsigned char, 64> g_out;
 
 /// Marks an argument that may be null.
-template <class T> struct Nullable {
-    T* pointer;
-};
+template <class T> struct Nullable { T* pointer; };
 template <class T> Nullable<T> Opt(T* pointer) { return {pointer}; }
 
 template <class T> struct IsNullable : std::false_type {};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Nested transparency groups of all four kinds, with blend modes, opacities and partial shapes, against a plain model that
-// keeps whole planes and follows the formulas pixel by pixel.
+// Nested transparency groups of all four kinds, with blend modes, opacities and partial shapes, against a plain model
+// that keeps whole planes and follows the formulas pixel by pixel.
 #include <algorithm>
 #include <memory>
 #include <random>
@@ -35,13 +35,20 @@ uint32_t Straight(uint32_t pixel) {
 
 uint32_t BlendChannel(uint32_t mode, uint32_t cb, uint32_t cs) {
     switch (mode) {
-    case GXBlendModeMultiply: return (cb + 1) * cs >> 8;
-    case GXBlendModeScreen: return cs + cb - ((cb + 1) * cs >> 8);
-    case GXBlendModeDarken: return std::min(cb, cs);
-    case GXBlendModeLighten: return std::max(cb, cs);
-    case GXBlendModeDifference: return cb > cs ? cb - cs : cs - cb;
-    case GXBlendModeExclusion: return cs + cb - 2 * cs * cb / 255;
-    default: return cs;
+    case GXBlendModeMultiply:
+        return (cb + 1) * cs >> 8;
+    case GXBlendModeScreen:
+        return cs + cb - ((cb + 1) * cs >> 8);
+    case GXBlendModeDarken:
+        return std::min(cb, cs);
+    case GXBlendModeLighten:
+        return std::max(cb, cs);
+    case GXBlendModeDifference:
+        return cb > cs ? cb - cs : cs - cb;
+    case GXBlendModeExclusion:
+        return cs + cb - 2 * cs * cb / 255;
+    default:
+        return cs;
     }
 }
 
@@ -188,9 +195,9 @@ public:
 };
 
 TEST(Groups, RandomNestsEqualThePlainModel) {
-    constexpr uint32_t kModes[] = {GXBlendModeNormal, GXBlendModeNormal, GXBlendModeMultiply, GXBlendModeScreen,
-                                   GXBlendModeDarken, GXBlendModeLighten, GXBlendModeDifference,
-                                   GXBlendModeExclusion, 99};
+    constexpr uint32_t kModes[] = {GXBlendModeNormal,     GXBlendModeNormal,    GXBlendModeMultiply,
+                                   GXBlendModeScreen,     GXBlendModeDarken,    GXBlendModeLighten,
+                                   GXBlendModeDifference, GXBlendModeExclusion, 99};
     std::mt19937 random(77);
     const auto below = [&](uint32_t n) { return static_cast<uint32_t>(random() % n); };
     const auto value = [&] { return below(3) == 0 ? below(2) * 255 : below(256); };
@@ -207,8 +214,10 @@ TEST(Groups, RandomNestsEqualThePlainModel) {
             ASSERT_EQ(GXRenderTargetSetBlendMode(canvas.target, mode), GXResultSuccess);
             const uint32_t action = below(6);
             if (action == 0 && model.layers.size() < 5) {
-                const GXLayerDesc desc{{0, 0, 0, 0}, static_cast<float>(value()) / 255.0F,
-                                       static_cast<uint8_t>(below(2)), static_cast<uint8_t>(below(2))};
+                const GXLayerDesc desc{{0, 0, 0, 0},
+                                       static_cast<float>(value()) / 255.0F,
+                                       static_cast<uint8_t>(below(2)),
+                                       static_cast<uint8_t>(below(2))};
                 ASSERT_EQ(GXRenderTargetBeginLayer(canvas.target, &desc), GXResultSuccess);
                 model.Open(desc.isolated != 0, desc.knockout != 0, desc.opacity);
             } else if (action == 1 && model.layers.size() > 1) {

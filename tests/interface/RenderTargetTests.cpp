@@ -343,8 +343,9 @@ TEST(RenderTarget, KnockoutGroupShowsOnlyTheLastObject) {
 TEST(RenderTarget, RandomCallSequencesStayInsideTheirBuffer) {
     std::mt19937 random(2024);
     const auto below = [&](uint32_t n) { return static_cast<uint32_t>(random() % n); };
-    const float specials[] = {0.0F, 1e9F, -1e9F, 3.4e38F, std::numeric_limits<float>::infinity(),
-                              std::numeric_limits<float>::quiet_NaN(), 0.5F, -0.5F};
+    const float specials[] = {
+        0.0F, 1e9F, -1e9F, 3.4e38F, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN(),
+        0.5F, -0.5F};
     const auto number = [&] {
         return below(10) == 0 ? specials[below(8)] : static_cast<float>(static_cast<int32_t>(below(400)) - 100) / 8.0F;
     };
@@ -405,31 +406,83 @@ TEST(RenderTarget, RandomCallSequencesStayInsideTheirBuffer) {
             const GXLayerDesc layer{r, number(), static_cast<uint8_t>(below(2)), static_cast<uint8_t>(below(2))};
             GXResult result = GXResultSuccess;
             switch (below(27)) {
-            case 0: case 1: case 2: result = GXRenderTargetBeginPaint(target); break;
-            case 3: result = GXRenderTargetEndPaint(target); break;
-            case 4: result = GXRenderTargetPushState(target); break;
-            case 5: result = GXRenderTargetPopState(target); break;
-            case 6: result = GXRenderTargetSetCTM(target, below(3) == 0 ? &m : nullptr); break;
-            case 7: result = GXRenderTargetSetBlendMode(target, below(19)); break;
-            case 8: result = GXRenderTargetSetStrokeAdjustment(target, static_cast<uint8_t>(below(2))); break;
-            case 9: result = GXRenderTargetSetOpacityMask(target, below(5), below(3) == 0 ? brush() : nullptr); break;
-            case 10: result = GXRenderTargetSetShapeMask(target, below(5), below(3) == 0 ? brush() : nullptr); break;
-            case 11: result = GXRenderTargetBeginLayer(target, &layer); break;
-            case 12: result = GXRenderTargetEndLayer(target); break;
-            case 13: result = GXRenderTargetClear(target, random()); break;
-            case 14: result = GXRenderTargetFillRect(target, &r, brush()); break;
-            case 15: result = GXRenderTargetFillEllipse(target, &r, brush()); break;
-            case 16: result = GXRenderTargetStrokeLine(target, &p, &q, brush(), std::fabs(number()), &style); break;
-            case 17: result = GXRenderTargetStrokeRect(target, &r, brush(), std::fabs(number()), &style); break;
-            case 18: result = GXRenderTargetStrokeEllipse(target, &r, brush(), std::fabs(number()), &style); break;
-            case 19: result = GXRenderTargetClipRect(target, &r); break;
-            case 20: result = GXRenderTargetClipEllipse(target, &r); break;
-            case 21: result = GXRenderTargetDrawBitmap(target, image, &p, number(), below(4)); break;
-            case 22: result = GXRenderTargetStretchBitmap(target, image, &r, &part, 1.0F, below(4)); break;
-            case 23: result = GXRenderTargetDrawGradient(target, gradients[below(3)], number(), &m); break;
-            case 24: result = GXRenderTargetFillMask(target, mask, brush(), &r, below(3)); break;
-            case 25: result = GXRenderTargetInvertRect(target, &r); break;
-            default: result = GXRenderTargetInvertLine(target, &p, &q); break;
+            case 0:
+            case 1:
+            case 2:
+                result = GXRenderTargetBeginPaint(target);
+                break;
+            case 3:
+                result = GXRenderTargetEndPaint(target);
+                break;
+            case 4:
+                result = GXRenderTargetPushState(target);
+                break;
+            case 5:
+                result = GXRenderTargetPopState(target);
+                break;
+            case 6:
+                result = GXRenderTargetSetCTM(target, below(3) == 0 ? &m : nullptr);
+                break;
+            case 7:
+                result = GXRenderTargetSetBlendMode(target, below(19));
+                break;
+            case 8:
+                result = GXRenderTargetSetStrokeAdjustment(target, static_cast<uint8_t>(below(2)));
+                break;
+            case 9:
+                result = GXRenderTargetSetOpacityMask(target, below(5), below(3) == 0 ? brush() : nullptr);
+                break;
+            case 10:
+                result = GXRenderTargetSetShapeMask(target, below(5), below(3) == 0 ? brush() : nullptr);
+                break;
+            case 11:
+                result = GXRenderTargetBeginLayer(target, &layer);
+                break;
+            case 12:
+                result = GXRenderTargetEndLayer(target);
+                break;
+            case 13:
+                result = GXRenderTargetClear(target, random());
+                break;
+            case 14:
+                result = GXRenderTargetFillRect(target, &r, brush());
+                break;
+            case 15:
+                result = GXRenderTargetFillEllipse(target, &r, brush());
+                break;
+            case 16:
+                result = GXRenderTargetStrokeLine(target, &p, &q, brush(), std::fabs(number()), &style);
+                break;
+            case 17:
+                result = GXRenderTargetStrokeRect(target, &r, brush(), std::fabs(number()), &style);
+                break;
+            case 18:
+                result = GXRenderTargetStrokeEllipse(target, &r, brush(), std::fabs(number()), &style);
+                break;
+            case 19:
+                result = GXRenderTargetClipRect(target, &r);
+                break;
+            case 20:
+                result = GXRenderTargetClipEllipse(target, &r);
+                break;
+            case 21:
+                result = GXRenderTargetDrawBitmap(target, image, &p, number(), below(4));
+                break;
+            case 22:
+                result = GXRenderTargetStretchBitmap(target, image, &r, &part, 1.0F, below(4));
+                break;
+            case 23:
+                result = GXRenderTargetDrawGradient(target, gradients[below(3)], number(), &m);
+                break;
+            case 24:
+                result = GXRenderTargetFillMask(target, mask, brush(), &r, below(3));
+                break;
+            case 25:
+                result = GXRenderTargetInvertRect(target, &r);
+                break;
+            default:
+                result = GXRenderTargetInvertLine(target, &p, &q);
+                break;
             }
             ASSERT_TRUE(result == GXResultSuccess || result == GXResultEngineError || result == GXResultInvalidArgument)
                 << "sequence " << s << " call " << k << " result " << result;

@@ -13,8 +13,7 @@
 
 namespace TargetSupport {
 
-template <class T>
-class Owned {
+template <class T> class Owned {
 public:
     Owned() = default;
     explicit Owned(T handle) : m_handle(handle) {}
@@ -41,7 +40,8 @@ private:
 class LastMessage {
 public:
     LastMessage() {
-        GXLogSetSink(7, [](void* self, const char* text) { static_cast<LastMessage*>(self)->m_text = text; }, this);
+        GXLogSetSink(
+            7, [](void* self, const char* text) { static_cast<LastMessage*>(self)->m_text = text; }, this);
     }
     ~LastMessage() { GXLogSetSink(7, nullptr, nullptr); }
     [[nodiscard]] std::string Text() const {

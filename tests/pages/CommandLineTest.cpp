@@ -20,7 +20,8 @@ struct Outcome {
 Outcome Host(const std::string& arguments) {
     // Tests may run side by side: each has a file of its own.
     const std::string errors =
-        (OutputFolder() / (std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-stderr.txt")).string();
+        (OutputFolder() / (std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + "-stderr.txt"))
+            .string();
     const int code = Shell(Quoted(GX_PDFPAGE) + " " + arguments + " 2>" + Quoted(errors));
     std::ifstream in(errors);
     std::ostringstream text;
@@ -43,8 +44,8 @@ TEST(PdfPage, SaysWhatIsWrongWithTheFile) {
     ExpectOneLine(Host(Quoted(junk) + " 1 " + Quoted(out)), "cannot read");
 
     const std::string locked = (OutputFolder() / "locked.pdf").string();
-    ASSERT_EQ(0, Shell(Quoted(GX_MUTOOL) + " clean -E aes-256 -U secret -O owner " + Quoted(Corpus("page_tiny.pdf")) + " " +
-                       Quoted(locked)));
+    ASSERT_EQ(0, Shell(Quoted(GX_MUTOOL) + " clean -E aes-256 -U secret -O owner " + Quoted(Corpus("page_tiny.pdf")) +
+                       " " + Quoted(locked)));
     ExpectOneLine(Host(Quoted(locked) + " 1 " + Quoted(out)), "encrypted");
     EXPECT_FALSE(std::filesystem::exists(out));
 }
@@ -63,7 +64,8 @@ TEST(PdfPage, RefusesPagesAndPlacesThatDoNotExist) {
 TEST(PdfPage, WritesARangeOfPagesAsAFolder) {
     const std::filesystem::path folder = OutputFolder() / "range";
     std::filesystem::remove_all(folder);
-    const Outcome outcome = Host(Quoted(Corpus("page_rotated.pdf")) + " --pages 1-3 --dpi 36 --out " + Quoted(folder.string()));
+    const Outcome outcome =
+        Host(Quoted(Corpus("page_rotated.pdf")) + " --pages 1-3 --dpi 36 --out " + Quoted(folder.string()));
     EXPECT_EQ(0, outcome.code) << outcome.message;
     Picture wide, tall;
     ASSERT_TRUE(ReadPng((folder / "page_rotated-1.png").string(), wide));
@@ -75,4 +77,4 @@ TEST(PdfPage, WritesARangeOfPagesAsAFolder) {
     EXPECT_EQ(421u, tall.height);
 }
 
-}  // namespace
+} // namespace

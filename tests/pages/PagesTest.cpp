@@ -21,7 +21,7 @@ struct PageCase {
     const char* file;
     int page;
     int dpi;
-    double limit;   // mean absolute difference of the worst channel
+    double limit; // mean absolute difference of the worst channel
     Needs needs;
     const char* reason;
 };
@@ -72,16 +72,20 @@ constexpr PageCase kPages[] = {
     {"slides.pdf", 2, 150, 3.0, kGroups, "slide deck"},
     {"softmask_alpha.pdf", 1, 150, 3.0, kGroups, "alpha soft masks"},
     {"softmask_alpha.pdf", 2, 150, 3.0, kGroups, "alpha soft masks"},
-    {"softmask_backdrop.pdf", 1, 150, 3.0, kGroups, "luminosity soft mask with a backdrop colour, gray image inside the"},
-    {"softmask_luminosity.pdf", 1, 150, 3.0, kGroups, "fifty luminosity soft masks made of radial shadings, 180 clips, code"},
-    {"solids_clipped.pdf", 1, 150, 5.4, kPlain, "about 2000 small clip paths each with a fill and a stroke, under text"},
+    {"softmask_backdrop.pdf", 1, 150, 3.0, kGroups,
+     "luminosity soft mask with a backdrop colour, gray image inside the"},
+    {"softmask_luminosity.pdf", 1, 150, 3.0, kGroups,
+     "fifty luminosity soft masks made of radial shadings, 180 clips, code"},
+    {"solids_clipped.pdf", 1, 150, 5.4, kPlain,
+     "about 2000 small clip paths each with a fill and a stroke, under text"},
     {"stroke_dash_degenerate.pdf", 1, 150, 3.0, kDashes, "dashes on degenerate and zero-length segments, all caps"},
     {"text_cjk.pdf", 1, 150, 9.8, kGroups, "difference is glyph hinting and anti-aliasing only"},
     {"text_clip.pdf", 1, 150, 3.0, kPlain, "clip by text"},
     {"text_clip.pdf", 2, 150, 3.0, kPlain, "clip by text"},
     {"text_dense.pdf", 1, 150, 3.3, kPlain, "text-heavy page, Latin Type 1 fonts, many glyph outlines"},
     {"text_pattern.pdf", 1, 150, 3.0, kPlain, "text filled with a tiling pattern and with an axial shading (clip by"},
-    {"text_type3_bitmap.pdf", 1, 150, 3.0, kPlain, "bitmap type 3 glyphs (169 image masks through the glyph procedures)"},
+    {"text_type3_bitmap.pdf", 1, 150, 3.0, kPlain,
+     "bitmap type 3 glyphs (169 image masks through the glyph procedures)"},
     {"tiling.pdf", 1, 150, 3.0, kPlain, "tiling patterns"},
     {"vector_tiger.pdf", 1, 150, 3.0, kPlain, "vector drawing, 226 curved fills and 78 strokes"},
 };
@@ -94,14 +98,18 @@ struct Probe {
 
     Probe() {
         const GXBitmapDesc desc{8, 8, GXPixelFormatPBGRA32, 96.0f, 96.0f};
-        if (GXCreateBitmap(&desc, &bitmap) == GXResultSuccess) GXCreateRenderTargetBitmap(bitmap, &target);
+        if (GXCreateBitmap(&desc, &bitmap) == GXResultSuccess)
+            GXCreateRenderTargetBitmap(bitmap, &target);
         GXCreateBrushSolidARGB(0xFF000000u, &brush);
         GXRenderTargetBeginPaint(target);
     }
     ~Probe() {
-        if (target) GXObjectRelease(target);
-        if (brush) GXObjectRelease(brush);
-        if (bitmap) GXObjectRelease(bitmap);
+        if (target)
+            GXObjectRelease(target);
+        if (brush)
+            GXObjectRelease(brush);
+        if (bitmap)
+            GXObjectRelease(bitmap);
     }
 };
 
@@ -112,7 +120,8 @@ bool LibraryHas(Needs needs) {
                         GXRenderTargetEndLayer(probe.target) == GXResultSuccess;
     const GXPoint from{0.0f, 4.0f}, to{8.0f, 4.0f};
     const GXStrokeStyle style{GXLineJoinMiter, GXLineCapFlat, 10.0f, 0, 0.0f, {2.0f, 1.0f}, 2};
-    const bool dashes = GXRenderTargetStrokeLine(probe.target, &from, &to, probe.brush, 1.0f, &style) == GXResultSuccess;
+    const bool dashes =
+        GXRenderTargetStrokeLine(probe.target, &from, &to, probe.brush, 1.0f, &style) == GXResultSuccess;
     return needs == kPlain || (needs == kDashes && dashes) || (needs == kGroups && layers && dashes);
 }
 
@@ -120,17 +129,22 @@ class Pages : public testing::TestWithParam<PageCase> {};
 
 TEST_P(Pages, MatchSecondRenderer) {
     const PageCase& c = GetParam();
-    if (!LibraryHas(c.needs)) GTEST_SKIP() << "the library does not draw groups or dashes yet";
+    if (!LibraryHas(c.needs))
+        GTEST_SKIP() << "the library does not draw groups or dashes yet";
 
     const std::string file = std::string(GX_PAGES_CORPUS) + "/" + c.file;
-    const std::string stem = (OutputFolder() / (std::filesystem::path(c.file).stem().string() + "-" + std::to_string(c.page))).string();
-    const std::string actualPath = stem + "-actual.png", expectedPath = stem + "-expected.png", differencePath = stem + "-difference.png";
-    for (const std::string& path : {actualPath, expectedPath, differencePath}) std::filesystem::remove(path);
+    const std::string stem =
+        (OutputFolder() / (std::filesystem::path(c.file).stem().string() + "-" + std::to_string(c.page))).string();
+    const std::string actualPath = stem + "-actual.png", expectedPath = stem + "-expected.png",
+                      differencePath = stem + "-difference.png";
+    for (const std::string& path : {actualPath, expectedPath, differencePath})
+        std::filesystem::remove(path);
     const std::string page = std::to_string(c.page), dpi = std::to_string(c.dpi);
 
-    ASSERT_EQ(0, Shell(Quoted(GX_PDFPAGE) + " " + Quoted(file) + " " + page + " " + Quoted(actualPath) + " --dpi " + dpi));
-    ASSERT_EQ(0, Shell(Quoted(GX_MUTOOL) + " draw -q -F png -r " + dpi + " -o " + Quoted(expectedPath) + " " + Quoted(file) + " " +
-                       page + " 2>/dev/null"));
+    ASSERT_EQ(0,
+              Shell(Quoted(GX_PDFPAGE) + " " + Quoted(file) + " " + page + " " + Quoted(actualPath) + " --dpi " + dpi));
+    ASSERT_EQ(0, Shell(Quoted(GX_MUTOOL) + " draw -q -F png -r " + dpi + " -o " + Quoted(expectedPath) + " " +
+                       Quoted(file) + " " + page + " 2>/dev/null"));
     Picture actual, expected;
     ASSERT_TRUE(ReadPng(actualPath, actual));
     ASSERT_TRUE(ReadPng(expectedPath, expected));
@@ -159,4 +173,4 @@ INSTANTIATE_TEST_SUITE_P(Corpus, Pages, testing::ValuesIn(kPages), [](const test
     return std::filesystem::path(page.param.file).stem().string() + "_" + std::to_string(page.param.page);
 });
 
-}  // namespace
+} // namespace

@@ -24,7 +24,8 @@ inline bool ReadPng(const std::string& path, Picture& picture) {
     png_image image;
     std::memset(&image, 0, sizeof image);
     image.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&image, path.c_str())) return false;
+    if (!png_image_begin_read_from_file(&image, path.c_str()))
+        return false;
     image.format = PNG_FORMAT_RGB;
     picture.width = image.width;
     picture.height = image.height;
@@ -45,7 +46,8 @@ inline bool WritePng(const std::string& path, const Picture& picture) {
 
 inline std::string Quoted(const std::string& text) {
     std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    for (const char c : text)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return quoted + "'";
 }
 

@@ -55,8 +55,8 @@ TEST(Dasher, StartsAtThePhase) {
     EXPECT_EQ(Cut(Dashes({4, 2}, 3.999995F), 3).size(), 2U); // in the gap at once
     EXPECT_TRUE(DashSequence(Dashes({4, 2}, 3.999995F)).InGap());
     EXPECT_FALSE(DashSequence(Dashes({0, 2}, 0)).InGap());
-    for (const float phase : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), 3e38F,
-                              -3e38F}) {
+    for (const float phase :
+         {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), 3e38F, -3e38F}) {
         EXPECT_LT(Cut(Dashes({4, 2}, phase), 100).size(), 40U) << phase;
     }
 }
@@ -75,9 +75,7 @@ TEST(Dasher, RefusesBadPatterns) {
     EXPECT_EQ(message(Dashes({std::numeric_limits<float>::quiet_NaN()})), "");
 }
 
-TEST(Dasher, ZeroDashesAreFiguresWithoutLength) {
-    EXPECT_EQ(Cut(Dashes({0, 3}), 7), (Ends{0, 0, 3, 3, 6, 6}));
-}
+TEST(Dasher, ZeroDashesAreFiguresWithoutLength) { EXPECT_EQ(Cut(Dashes({0, 3}), 7), (Ends{0, 0, 3, 3, 6, 6})); }
 
 TEST(Dasher, RestartsPerFigureAndRunsOnAroundCorners) {
     Shape out;

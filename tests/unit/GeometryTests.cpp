@@ -72,7 +72,10 @@ TEST(Shape, AFailedAllocationKeepsWhatWasThere) {
     ProcessHeap::FailAfter(0);
     int added = 0;
     EXPECT_THROW(
-        for (; added < 1000; ++added) { shape.LineTo({static_cast<float>(added), 1}); }, Exception);
+        for (; added < 1000; ++added) {
+            shape.LineTo({static_cast<float>(added), 1});
+        },
+        Exception);
     ProcessHeap::FailAfter(-1);
     shape.EndFigure();
     ASSERT_EQ(shape.Figures().size(), 1U);
@@ -101,8 +104,10 @@ TEST(CurveFlattener, StaysWithinTheToleranceOfTheCurve) {
     std::mt19937 random(11);
     std::uniform_real_distribution<float> place(-300, 300);
     for (int round = 0; round < 200; ++round) {
-        const Point c[4] = {{place(random), place(random)}, {place(random), place(random)},
-                            {place(random), place(random)}, {place(random), place(random)}};
+        const Point c[4] = {{place(random), place(random)},
+                            {place(random), place(random)},
+                            {place(random), place(random)},
+                            {place(random), place(random)}};
         std::vector<Point> points = Flatten(0.25F, c);
         ASSERT_LT(points.size(), Flatten(0.01F, c).size());
         points.insert(points.begin(), c[0]);

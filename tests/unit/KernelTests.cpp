@@ -42,9 +42,7 @@ Px Straight(uint32_t p) {
     return {f(x.b), f(x.g), f(x.r), x.a};
 }
 
-int HardLight(int cb, int cs) {
-    return cs > 127 ? cb + (2 * cs - 255) - (2 * cs - 255) * cb / 255 : 2 * cs * cb / 255;
-}
+int HardLight(int cb, int cs) { return cs > 127 ? cb + (2 * cs - 255) - (2 * cs - 255) * cb / 255 : 2 * cs * cb / 255; }
 int SoftLight(int cb, int cs) {
     const float x = float(cb) / 255.0F;
     const float f = x <= 0.25F ? ((16 * x - 12) * x + 4) * x : std::sqrt(x);
@@ -53,18 +51,30 @@ int SoftLight(int cb, int cs) {
 }
 int Function(int mode, int cb, int cs) {
     switch (mode) {
-    case 1: return ((cb + 1) * cs) >> 8;
-    case 2: return cs + cb - (((cb + 1) * cs) >> 8);
-    case 3: return HardLight(cs, cb);
-    case 4: return std::min(cb, cs);
-    case 5: return std::max(cb, cs);
-    case 6: return cs == 0 ? 0 : 255 - std::min(255, ((255 - cb) * 255) / cs);
-    case 7: return cs == 255 ? 255 : cb < 255 - cs ? cb * 255 / (255 - cs) : 255;
-    case 8: return HardLight(cb, cs);
-    case 9: return SoftLight(cb, cs);
-    case 10: return std::abs(cb - cs);
-    case 11: return cs + cb - (2 * cs * cb) / 255;
-    default: return cs;
+    case 1:
+        return ((cb + 1) * cs) >> 8;
+    case 2:
+        return cs + cb - (((cb + 1) * cs) >> 8);
+    case 3:
+        return HardLight(cs, cb);
+    case 4:
+        return std::min(cb, cs);
+    case 5:
+        return std::max(cb, cs);
+    case 6:
+        return cs == 0 ? 0 : 255 - std::min(255, ((255 - cb) * 255) / cs);
+    case 7:
+        return cs == 255 ? 255 : cb < 255 - cs ? cb * 255 / (255 - cs) : 255;
+    case 8:
+        return HardLight(cb, cs);
+    case 9:
+        return SoftLight(cb, cs);
+    case 10:
+        return std::abs(cb - cs);
+    case 11:
+        return cs + cb - (2 * cs * cb) / 255;
+    default:
+        return cs;
     }
 }
 
@@ -104,11 +114,16 @@ Px Bytes(const Rgb& c) {
 
 uint32_t Blend(int mode, const Px& b, const Px& s) {
     switch (mode) {
-    case 12: return Join(Bytes(SetLum(SetSat(Floats(s), Sat(b)), Lum(Floats(b)))));
-    case 13: return Join(Bytes(SetLum(SetSat(Floats(b), Sat(s)), Lum(Floats(b)))));
-    case 14: return Join(Bytes(SetLum(Floats(s), Lum(Floats(b)))));
-    case 15: return Join(Bytes(SetLum(Floats(b), Lum(Floats(s)))));
-    default: return Join({Function(mode, b.b, s.b), Function(mode, b.g, s.g), Function(mode, b.r, s.r), 0});
+    case 12:
+        return Join(Bytes(SetLum(SetSat(Floats(s), Sat(b)), Lum(Floats(b)))));
+    case 13:
+        return Join(Bytes(SetLum(SetSat(Floats(b), Sat(s)), Lum(Floats(b)))));
+    case 14:
+        return Join(Bytes(SetLum(Floats(s), Lum(Floats(b)))));
+    case 15:
+        return Join(Bytes(SetLum(Floats(b), Lum(Floats(s)))));
+    default:
+        return Join({Function(mode, b.b, s.b), Function(mode, b.g, s.g), Function(mode, b.r, s.r), 0});
     }
 }
 
@@ -227,14 +242,14 @@ private:
 };
 
 /// A row with guard elements before and after, its first element at any alignment that its type allows.
-template <class T>
-struct Guarded {
+template <class T> struct Guarded {
     static constexpr size_t kGuard = 24;
     std::vector<T> memory;
     size_t offset;
     std::vector<T> before;
 
-    Guarded(const std::vector<T>& row, size_t shift) : memory(row.size() + 2 * kGuard + shift, T(0xA5)), offset(kGuard + shift) {
+    Guarded(const std::vector<T>& row, size_t shift)
+        : memory(row.size() + 2 * kGuard + shift, T(0xA5)), offset(kGuard + shift) {
         std::copy(row.begin(), row.end(), memory.begin() + ptrdiff_t(offset));
         before = memory;
     }
@@ -244,8 +259,9 @@ struct Guarded {
         std::copy(expected.begin(), expected.end(), before.begin() + ptrdiff_t(offset));
         for (size_t i = 0; i < memory.size(); ++i) {
             if (memory[i] != before[i]) {
-                return ::testing::AssertionFailure() << std::hex << "element " << std::dec << ptrdiff_t(i) - ptrdiff_t(offset)
-                                                     << std::hex << " is " << +memory[i] << ", expected " << +before[i];
+                return ::testing::AssertionFailure()
+                       << std::hex << "element " << std::dec << ptrdiff_t(i) - ptrdiff_t(offset) << std::hex << " is "
+                       << +memory[i] << ", expected " << +before[i];
             }
         }
         return ::testing::AssertionSuccess();
@@ -298,29 +314,40 @@ TEST_P(KernelTest, PlainRowsFollowTheirFormulas) {
         const uint32_t color = random.Pixel();
         const uint32_t factor = random.Number(256) + 1;
         const auto& k = *m_kernels;
-        CheckPixels(dst, shift, "fill32", [&](uint32_t* p) { k.fill32(p, color, n); }, [&](uint32_t, size_t) { return color; });
-        CheckPixels(dst, shift, "setOpaque", [&](uint32_t* p) { k.setOpaque(p, n); },
-                    [](uint32_t d, size_t) { return WithAlpha(d, 255); });
-        CheckPixels(dst, shift, "scaleColor", [&](uint32_t* p) { k.scaleColor(p, m.Row(), n); },
-                    [&](uint32_t d, size_t i) { return mask[i] < 255 ? Times(d, mask[i] + 1) : d; });
-        CheckPixels(dst, shift, "scaleColorBy", [&](uint32_t* p) { k.scaleColorBy(p, factor, n); },
-                    [&](uint32_t d, size_t) { return Times(d, int(factor)); });
-        CheckPixels(dst, shift, "premultiply", [&](uint32_t* p) { k.premultiply(p, n); },
-                    [](uint32_t d, size_t) { return WithAlpha(Times(d, Split(d).a + 1), Split(d).a); });
-        CheckPixels(dst, shift, "replaceSolid", [&](uint32_t* p) { k.replaceSolid(p, color, m.Row(), n); }, [&](uint32_t d, size_t i) {
-            return mask[i] == 0 ? d : mask[i] == 255 ? color : Times(d, 256 - mask[i]) + Times(color, mask[i] + 1);
-        });
-        CheckPixels(dst, shift, "replaceSolid", [&](uint32_t* p) { k.replaceSolid(p, color, nullptr, n); },
-                    [&](uint32_t, size_t) { return color; });
-        CheckPixels(dst, shift, "invert", [&](uint32_t* p) { k.invert(p, n); }, [](uint32_t d, size_t) {
-            const Px x = Split(d);
-            return Join({std::max(0, x.a - x.b), std::max(0, x.a - x.g), std::max(0, x.a - x.r), x.a});
-        });
+        CheckPixels(
+            dst, shift, "fill32", [&](uint32_t* p) { k.fill32(p, color, n); }, [&](uint32_t, size_t) { return color; });
+        CheckPixels(
+            dst, shift, "setOpaque", [&](uint32_t* p) { k.setOpaque(p, n); },
+            [](uint32_t d, size_t) { return WithAlpha(d, 255); });
+        CheckPixels(
+            dst, shift, "scaleColor", [&](uint32_t* p) { k.scaleColor(p, m.Row(), n); },
+            [&](uint32_t d, size_t i) { return mask[i] < 255 ? Times(d, mask[i] + 1) : d; });
+        CheckPixels(
+            dst, shift, "scaleColorBy", [&](uint32_t* p) { k.scaleColorBy(p, factor, n); },
+            [&](uint32_t d, size_t) { return Times(d, int(factor)); });
+        CheckPixels(
+            dst, shift, "premultiply", [&](uint32_t* p) { k.premultiply(p, n); },
+            [](uint32_t d, size_t) { return WithAlpha(Times(d, Split(d).a + 1), Split(d).a); });
+        CheckPixels(
+            dst, shift, "replaceSolid", [&](uint32_t* p) { k.replaceSolid(p, color, m.Row(), n); },
+            [&](uint32_t d, size_t i) {
+                return mask[i] == 0 ? d : mask[i] == 255 ? color : Times(d, 256 - mask[i]) + Times(color, mask[i] + 1);
+            });
+        CheckPixels(
+            dst, shift, "replaceSolid", [&](uint32_t* p) { k.replaceSolid(p, color, nullptr, n); },
+            [&](uint32_t, size_t) { return color; });
+        CheckPixels(
+            dst, shift, "invert", [&](uint32_t* p) { k.invert(p, n); },
+            [](uint32_t d, size_t) {
+                const Px x = Split(d);
+                return Join({std::max(0, x.a - x.b), std::max(0, x.a - x.g), std::max(0, x.a - x.r), x.a});
+            });
     });
     // Long rows run the unrolled stores.
     for (size_t n : {255U, 256U, 300U, 1023U}) {
-        CheckPixels(std::vector<uint32_t>(n, 1), n % 16, "fill32", [&](uint32_t* p) { m_kernels->fill32(p, 7, n); },
-                    [](uint32_t, size_t) { return 7U; });
+        CheckPixels(
+            std::vector<uint32_t>(n, 1), n % 16, "fill32", [&](uint32_t* p) { m_kernels->fill32(p, 7, n); },
+            [](uint32_t, size_t) { return 7U; });
     }
 }
 
@@ -338,7 +365,8 @@ TEST_P(KernelTest, MasksFollowTheirFormulas) {
         for (int type = 0; type < 4; ++type) {
             Guarded<uint8_t> values(shape, shift);
             m_kernels->maskValues[type](values.Row(), p.Row(), n);
-            std::transform(pixels.begin(), pixels.end(), expected.begin(), [&](uint32_t x) { return uint8_t(MaskOracle(type, x)); });
+            std::transform(pixels.begin(), pixels.end(), expected.begin(),
+                           [&](uint32_t x) { return uint8_t(MaskOracle(type, x)); });
             EXPECT_TRUE(values.Is(expected)) << "mask type " << type;
         }
         const auto by = [](int s, int m) { return uint8_t(m < 255 ? s * (m + 1) / 256 : s); };
@@ -375,14 +403,17 @@ TEST_P(KernelTest, CompositesOverABasicTarget) {
         for (bool shaped : {false, true}) {
             const uint8_t* shapeRow = shaped ? f.Row() : nullptr;
             const auto at = [&](size_t i) { return shaped ? int(shape[i]) : 255; };
-            CheckPixels(dst, shift, "normalSolid", [&](uint32_t* p) { m_kernels->normalSolid(p, color, shapeRow, n); },
-                        [&](uint32_t d, size_t i) { return NormalOracle(d, color, at(i)); });
-            CheckPixels(dst, shift, "normalVarying", [&](uint32_t* p) { m_kernels->normalVarying(p, s.Row(), shapeRow, n); },
-                        [&](uint32_t d, size_t i) { return NormalOracle(d, src[i], at(i)); });
+            CheckPixels(
+                dst, shift, "normalSolid", [&](uint32_t* p) { m_kernels->normalSolid(p, color, shapeRow, n); },
+                [&](uint32_t d, size_t i) { return NormalOracle(d, color, at(i)); });
+            CheckPixels(
+                dst, shift, "normalVarying", [&](uint32_t* p) { m_kernels->normalVarying(p, s.Row(), shapeRow, n); },
+                [&](uint32_t d, size_t i) { return NormalOracle(d, src[i], at(i)); });
             for (int mode = 0; mode < int(Graphics::kBlendCount); ++mode) {
                 SCOPED_TRACE("mode " + std::to_string(mode));
-                CheckPixels(dst, shift, "blend", [&](uint32_t* p) { m_kernels->blend[mode](p, s.Row(), shapeRow, n); },
-                            [&](uint32_t d, size_t i) { return BlendOracle(mode, d, src[i], at(i)); });
+                CheckPixels(
+                    dst, shift, "blend", [&](uint32_t* p) { m_kernels->blend[mode](p, s.Row(), shapeRow, n); },
+                    [&](uint32_t d, size_t i) { return BlendOracle(mode, d, src[i], at(i)); });
             }
         }
     });
@@ -412,20 +443,26 @@ TEST_P(KernelTest, CompositesIntoAGroup) {
             std::vector<uint32_t> colors(n);
             std::vector<uint8_t> alphas(n), shapes(n);
             for (size_t i = 0; i < n; ++i) {
-                const Group o = LayerOracle(mode, {color[i], alpha[i], groupShape[i]}, isolated ? 0 : backdrop[i], knockout,
-                                            src[i], shaped ? shape[i] : 255);
+                const Group o = LayerOracle(mode, {color[i], alpha[i], groupShape[i]}, isolated ? 0 : backdrop[i],
+                                            knockout, src[i], shaped ? shape[i] : 255);
                 colors[i] = o.color;
                 alphas[i] = uint8_t(o.alpha);
                 shapes[i] = uint8_t(o.shape);
             }
-            EXPECT_TRUE(c.Is(colors)) << "colour, mode " << mode << " knockout " << knockout << " isolated " << isolated;
+            EXPECT_TRUE(c.Is(colors)) << "colour, mode " << mode << " knockout " << knockout << " isolated "
+                                      << isolated;
             EXPECT_TRUE(a.Is(alphas)) << "alpha, mode " << mode;
             EXPECT_TRUE(g.Is(shapes)) << "shape, mode " << mode;
         }
         for (const bool isolated : {false, true}) {
-            CheckPixels(color, shift, isolated ? "isolated result" : "result", [&](uint32_t* p) {
-                m_kernels->groupResult(p, alpha.data(), shape.data(), isolated ? nullptr : b.Row(), n);
-            }, [&](uint32_t d, size_t i) { return ResultOracle(d, alpha[i], shape[i], isolated ? nullptr : &backdrop[i]); });
+            CheckPixels(
+                color, shift, isolated ? "isolated result" : "result",
+                [&](uint32_t* p) {
+                    m_kernels->groupResult(p, alpha.data(), shape.data(), isolated ? nullptr : b.Row(), n);
+                },
+                [&](uint32_t d, size_t i) {
+                    return ResultOracle(d, alpha[i], shape[i], isolated ? nullptr : &backdrop[i]);
+                });
         }
     });
 }
@@ -449,7 +486,8 @@ TEST_P(KernelTest, SeparableModesAreExactForEveryPairOfBytes) {
 }
 
 TEST_P(KernelTest, DivisionByAlphaAndShapeIsExactForEveryPair) {
-    // Difference with an opaque white source gives the straight backdrop's inverse, weighted by alpha; all (c, a) pairs.
+    // Difference with an opaque white source gives the straight backdrop's inverse, weighted by alpha; all (c, a)
+    // pairs.
     for (uint32_t a = 0; a < 256; ++a) {
         std::vector<uint32_t> dst(256), src(256, 0xFFFFFFFFU), group(256);
         for (uint32_t c = 0; c < 256; ++c) {
@@ -482,7 +520,8 @@ TEST_P(KernelTest, ColourModesAgreeOnGreysTiesAndExtremes) {
             std::vector<uint32_t> dst(colors.size(), d);
             m_kernels->blend[mode](dst.data(), colors.data(), nullptr, colors.size());
             for (size_t i = 0; i < colors.size(); ++i) {
-                ASSERT_EQ(dst[i], BlendOracle(mode, d, colors[i], 255)) << std::hex << "mode " << mode << " d " << d << " c " << colors[i];
+                ASSERT_EQ(dst[i], BlendOracle(mode, d, colors[i], 255))
+                    << std::hex << "mode " << mode << " d " << d << " c " << colors[i];
             }
         }
     }

@@ -345,7 +345,9 @@ TEST_F(RasterizerTest, ManyCoincidentSides) {
 
 TEST_F(RasterizerTest, LongFlatAndSteepSidesKeepTheirExactSteps) {
     std::mt19937 random(7);
-    const auto at = [&](int range) { return static_cast<float>(static_cast<int>(random() % (2U * range * 128)) - range * 128) / 128; };
+    const auto at = [&](int range) {
+        return static_cast<float>(static_cast<int>(random() % (2U * range * 128)) - range * 128) / 128;
+    };
     for (int round = 0; round < 60; ++round) {
         // The visible part is far from where the side begins.
         const Point a{at(32000), -32535.0F};
@@ -354,7 +356,8 @@ TEST_F(RasterizerTest, LongFlatAndSteepSidesKeepTheirExactSteps) {
         Check({{a, b, c}}, {0, 0, 40, 2000}, {0, 0, 40, 2000}, round % 2 == 0, "tall " + std::to_string(round));
         const Point d{-32535.0F, at(20)};
         const Point e{32535.0F, d.y + at(2)};
-        Check({{d, e, c}, {e, {at(20), at(20)}, d}}, {0, 0, 300, 40}, {0, 0, 300, 40}, false, "wide " + std::to_string(round));
+        Check({{d, e, c}, {e, {at(20), at(20)}, d}}, {0, 0, 300, 40}, {0, 0, 300, 40}, false,
+              "wide " + std::to_string(round));
         if (HasFatalFailure()) {
             return;
         }
@@ -429,7 +432,7 @@ TEST_F(RasterizerTest, UprightRectanglesBecomeWholePixels) {
     EXPECT_EQ(is(5, 7, 6, 9), snapped({Box(5, 7, 5.05F, 9)})); // never less than a pixel wide
     EXPECT_EQ(is(5, 7, 15, 8), snapped({Box(5, 7.25F, 15, 7.5F)}));
     EXPECT_EQ(is(1, 2, 9, 30), snapped({{{1, 2}, {4, 2}, {9, 2}, {9, 30}, {1, 30}}})); // level sides don't count
-    EXPECT_EQ(is(1, 2, 9, 30000), snapped({Box(1, 2, 9, 30000)})); // not clipped
+    EXPECT_EQ(is(1, 2, 9, 30000), snapped({Box(1, 2, 9, 30000)}));                     // not clipped
     EXPECT_EQ(none, snapped({Box(1, 2, 9, 8), Box(1, 12, 9, 18)}));
     EXPECT_EQ(none, snapped({{{1, 2}, {9, 2}, {9, 8}, {1.5F, 8}}}));
 }
@@ -462,8 +465,9 @@ TEST_F(RasterizerTest, DegenerateAndAbsurdInputGivesNothingOrSomethingButNoHarm)
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const IntRect all{0, 0, 32, 32};
     GridSink empty(all);
-    for (const Loops& loops : {Loops{}, Loops{{{1, 1}}}, Loops{{{1, 1}, {9, 1}}}, Loops{{{1, 1.01F}, {9, 1.02F}, {4, 1.05F}}},
-                               Loops{Box(-9, 2, -1, 8)}, Loops{Box(40, 2, 49, 8)}, Loops{Box(2, 40, 8, 50)}}) {
+    for (const Loops& loops :
+         {Loops{}, Loops{{{1, 1}}}, Loops{{{1, 1}, {9, 1}}}, Loops{{{1, 1.01F}, {9, 1.02F}, {4, 1.05F}}},
+          Loops{Box(-9, 2, -1, 8)}, Loops{Box(40, 2, 49, 8)}, Loops{Box(2, 40, 8, 50)}}) {
         m_rasterizer.Begin({0, 0, 32, 32}, all, true);
         Feed(m_rasterizer, loops);
         m_rasterizer.Finish(empty);
@@ -489,8 +493,8 @@ TEST_F(RasterizerTest, DegenerateAndAbsurdInputGivesNothingOrSomethingButNoHarm)
     Feed(m_rasterizer, {{{1, 1}, {9, 5}, {2, 9}}});
     m_rasterizer.Finish(empty);
     // Vertices far beyond what the fast form holds still give the plain counts.
-    Check({{{-60000, -50000}, {70000, 3}, {-40000, 60000}}, {{20, -3}, {90000, 40000}, {3, 50}}}, {0, 0, 32, 32}, all, true,
-          "far");
+    Check({{{-60000, -50000}, {70000, 3}, {-40000, 60000}}, {{20, -3}, {90000, 40000}, {3, 50}}}, {0, 0, 32, 32}, all,
+          true, "far");
 }
 
 TEST_F(RasterizerTest, AFailingSinkLeavesTheNextFillClean) {
@@ -515,8 +519,10 @@ TEST_F(RasterizerTest, TrapezoidBandsReplaceRows) {
     for (int round = 0; round < 300; ++round) {
         const IntRect all{0, 0, 200, 120};
         const Rect clip{0, 0, 200, 120};
-        const Loops loops{{{number(5, 60), number(1, 30)}, {number(120, 195), number(1, 30)},
-                           {number(120, 195), number(80, 119)}, {number(5, 60), number(80, 119)}}};
+        const Loops loops{{{number(5, 60), number(1, 30)},
+                           {number(120, 195), number(1, 30)},
+                           {number(120, 195), number(80, 119)},
+                           {number(5, 60), number(80, 119)}}};
         const bool evenOdd = round % 2 == 0;
         GridSink sink(all, true);
         m_rasterizer.Begin(clip, all, false);
@@ -547,7 +553,8 @@ TEST_F(RasterizerTest, TrapezoidBandsReplaceRows) {
         }
         for (int y = 0; y < 120; ++y) {
             for (int x = 0; x < 200; ++x) {
-                ASSERT_EQ(banded[static_cast<size_t>(y)] ? 0 : expected.At(x, y), sink.grid.At(x, y)) << round << ' ' << y;
+                ASSERT_EQ(banded[static_cast<size_t>(y)] ? 0 : expected.At(x, y), sink.grid.At(x, y))
+                    << round << ' ' << y;
             }
         }
     }

@@ -18,7 +18,8 @@ int Winding(const Shape& shape, double x, double y) {
         for (size_t i = 0; i < points.size(); ++i) {
             const Point a = points[i], b = points[(i + 1) % points.size()];
             if ((a.y <= y) != (b.y <= y)) {
-                const double cross = a.x + (y - a.y) / (static_cast<double>(b.y) - a.y) * (static_cast<double>(b.x) - a.x);
+                const double cross =
+                    a.x + (y - a.y) / (static_cast<double>(b.y) - a.y) * (static_cast<double>(b.x) - a.x);
                 winding += cross > x ? (b.y > a.y ? 1 : -1) : 0;
             }
         }

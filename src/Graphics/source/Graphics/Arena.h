@@ -21,15 +21,13 @@ public:
     /// Uninitialised, aligned to 64 bytes; lives until Reset.
     [[nodiscard]] void* Alloc(size_t bytes);
 
-    template <class T>
-    [[nodiscard]] T* AllocArray(size_t count) {
+    template <class T> [[nodiscard]] T* AllocArray(size_t count) {
         static_assert(std::is_trivially_destructible_v<T>);
         return static_cast<T*>(Alloc(count > SIZE_MAX / 2 / sizeof(T) ? SIZE_MAX / 2 : count * sizeof(T)));
     }
 
     /// Makes an object; its destructor runs at Reset, in reverse order.
-    template <class T, class... Args>
-    [[nodiscard]] T* Make(Args&&... args) {
+    template <class T, class... Args> [[nodiscard]] T* Make(Args&&... args) {
         if constexpr (std::is_trivially_destructible_v<T>) {
             return new (Alloc(sizeof(T))) T(std::forward<Args>(args)...);
         } else {

@@ -7,8 +7,8 @@ namespace Graphics {
 
 void Raise(const char* function, const char* file, int line, const std::string& message) {
     if (!LogSinks::Instance().Empty()) {
-        LogSinks::Instance().Write(std::string("Exception in ") + function + " (" + file + ", " +
-                                   std::to_string(line) + "):\n\t" + message);
+        LogSinks::Instance().Write(std::string("Exception in ") + function + " (" + file + ", " + std::to_string(line) +
+                                   "):\n\t" + message);
     }
     throw Exception(message);
 }

@@ -43,9 +43,12 @@ inline constexpr Matrix kIdentity{1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
     if (!std::isfinite(k)) {
         return false;
     }
-    out = {static_cast<float>(d * k),  static_cast<float>(-b * k),
-           static_cast<float>(-c * k), static_cast<float>(a * k),
-           static_cast<float>((c * f - d * e) * k), static_cast<float>((b * e - a * f) * k)};
+    out = {static_cast<float>(d * k),
+           static_cast<float>(-b * k),
+           static_cast<float>(-c * k),
+           static_cast<float>(a * k),
+           static_cast<float>((c * f - d * e) * k),
+           static_cast<float>((b * e - a * f) * k)};
     return true;
 }
 

@@ -35,7 +35,7 @@ void* ProcessHeap::Alloc(size_t bytes) {
 void* ProcessHeap::AllocAligned(size_t bytes) {
     void* block = Refused() || bytes > SIZE_MAX / 2
                       ? nullptr
-                      : ::operator new(bytes == 0 ? 1 : bytes, std::align_val_t{kAlignment}, std::nothrow);
+                      : ::operator new (bytes == 0 ? 1 : bytes, std::align_val_t{kAlignment}, std::nothrow);
     if (block == nullptr) {
         GX_RAISE("Graphics::ProcessHeap::AllocAligned", "Not enough memory");
     }
@@ -52,7 +52,7 @@ void* ProcessHeap::Realloc(void* block, size_t bytes) {
 
 void ProcessHeap::Free(void* block) noexcept { std::free(block); }
 
-void ProcessHeap::FreeAligned(void* block) noexcept { ::operator delete(block, std::align_val_t{kAlignment}); }
+void ProcessHeap::FreeAligned(void* block) noexcept { ::operator delete (block, std::align_val_t{kAlignment}); }
 
 void* ProcessHeap::GrowTwoEnded(void* block, size_t& size, size_t tailBytes, size_t freeBytes, size_t neededBytes) {
     if (neededBytes <= freeBytes) {

@@ -23,13 +23,13 @@ public:
     [[nodiscard]] static void* GrowTwoEnded(void* block, size_t& size, size_t tailBytes, size_t freeBytes,
                                             size_t neededBytes);
 
-    /// For tests: fail the allocation after `count` further ones; negative switches off. Returns the allocations so far.
+    /// For tests: fail the allocation after `count` further ones; negative switches off. Returns the allocations so
+    /// far.
     static int64_t FailAfter(int64_t count) noexcept;
 };
 
 /// A growable array of trivially copyable values on ProcessHeap that keeps its memory when cleared.
-template <class T>
-class HeapArray {
+template <class T> class HeapArray {
 public:
     HeapArray() noexcept = default;
     HeapArray(const HeapArray&) = delete;

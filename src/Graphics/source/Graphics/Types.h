@@ -20,8 +20,8 @@ using Color = GXColor;
 [[nodiscard]] constexpr bool IsEmpty(const IntRect& r) noexcept { return r.left >= r.right || r.top >= r.bottom; }
 
 [[nodiscard]] constexpr IntRect Intersect(const IntRect& a, const IntRect& b) noexcept {
-    return {a.left > b.left ? a.left : b.left, a.top > b.top ? a.top : b.top,
-            a.right < b.right ? a.right : b.right, a.bottom < b.bottom ? a.bottom : b.bottom};
+    return {a.left > b.left ? a.left : b.left, a.top > b.top ? a.top : b.top, a.right < b.right ? a.right : b.right,
+            a.bottom < b.bottom ? a.bottom : b.bottom};
 }
 
 [[nodiscard]] constexpr bool operator==(const IntRect& a, const IntRect& b) noexcept {

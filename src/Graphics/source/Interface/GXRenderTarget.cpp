@@ -12,8 +12,7 @@ namespace {
 constexpr const char* kNoPlatform = "Not supported on this platform";
 
 /// Runs work(target) for a handle, under the guard.
-template <class Work>
-[[nodiscard]] GXResult With(GXRenderTarget handle, Work&& work) noexcept {
+template <class Work> [[nodiscard]] GXResult With(GXRenderTarget handle, Work&& work) noexcept {
     if (handle == nullptr) {
         return GXResultInvalidArgument;
     }

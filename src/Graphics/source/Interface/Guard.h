@@ -11,8 +11,7 @@
 namespace Graphics {
 
 /// Runs `work`; an engine error gives 5, anything else thrown 9.
-template <class Work>
-[[nodiscard]] GXResult Guard(Work&& work) noexcept {
+template <class Work> [[nodiscard]] GXResult Guard(Work&& work) noexcept {
     try {
         std::forward<Work>(work)();
         return GXResultSuccess;
@@ -23,9 +22,9 @@ template <class Work>
     }
 }
 
-/// Makes an object with `make`, wraps it in a new record of type Rec and writes the handle; `out` is untouched on failure.
-template <class Rec, class Make>
-[[nodiscard]] GXResult Create(Rec** out, Make&& make) noexcept {
+/// Makes an object with `make`, wraps it in a new record of type Rec and writes the handle; `out` is untouched on
+/// failure.
+template <class Rec, class Make> [[nodiscard]] GXResult Create(Rec** out, Make&& make) noexcept {
     return Guard([&] { *out = std::make_unique<Rec>(std::forward<Make>(make)()).release(); });
 }
 
@@ -34,8 +33,7 @@ template <class Rec, class Make>
     return Guard([&] { GX_RAISE(function, message); });
 }
 
-template <class... Pointers>
-[[nodiscard]] bool AnyNull(const Pointers*... pointers) noexcept {
+template <class... Pointers> [[nodiscard]] bool AnyNull(const Pointers*... pointers) noexcept {
     return ((pointers == nullptr) || ...);
 }
 

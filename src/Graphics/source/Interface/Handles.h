@@ -38,8 +38,7 @@ private:
 };
 
 /// A record that shares an engine object.
-template <class T>
-class ImplementationHolder : public GXObjBase {
+template <class T> class ImplementationHolder : public GXObjBase {
 public:
     using Object = T;
     explicit ImplementationHolder(std::shared_ptr<T> shared) noexcept : object(std::move(shared)) {}

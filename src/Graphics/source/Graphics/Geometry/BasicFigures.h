@@ -16,8 +16,7 @@ public:
     [[nodiscard]] Kind GetKind() const noexcept { return m_kind; }
     [[nodiscard]] const Rect& Box() const noexcept { return m_rect; }
 
-    template <class Sink>
-    void Replay(Sink& sink) const {
+    template <class Sink> void Replay(Sink& sink) const {
         sink.SetFillRule(0);
         switch (m_kind) {
         case Kind::Rectangle:

@@ -2,8 +2,8 @@
 // Turns a cubic into points by forward differencing with an adaptive step, and bounds that work for huge curves.
 //
 // With the parameter step dt, D = P(t + dt) - P(t), and A and B are the second derivatives at both ends of the step
-// times dt^2. A chord strays from its arc by about |A| / 8. The step is halved above 6 tolerances and doubled up to 1.5:
-// a factor of four apart, as halving divides A by four, so that no step is halved and doubled in turns.
+// times dt^2. A chord strays from its arc by about |A| / 8. The step is halved above 6 tolerances and doubled up
+// to 1.5: a factor of four apart, as halving divides A by four, so that no step is halved and doubled in turns.
 #pragma once
 
 #include <algorithm>
@@ -21,10 +21,10 @@ public:
     /// A tolerance under the float epsilon is replaced by it.
     CurveFlattener(float tolerance, const Point& p0, const Point& p1, const Point& p2, const Point& p3) noexcept
         : m_refine(6.0F * (tolerance < kEpsilon ? kEpsilon : tolerance)),
-          m_coarsen(1.5F * (tolerance < kEpsilon ? kEpsilon : tolerance)),
-          m_a{6.0F * (p0.x - 2.0F * p1.x + p2.x), 6.0F * (p0.y - 2.0F * p1.y + p2.y)},
-          m_b{6.0F * (p1.x - 2.0F * p2.x + p3.x), 6.0F * (p1.y - 2.0F * p2.y + p3.y)},
-          m_d{p3.x - p0.x, p3.y - p0.y}, m_p(p0) {
+          m_coarsen(1.5F * (tolerance < kEpsilon ? kEpsilon : tolerance)), m_a{6.0F * (p0.x - 2.0F * p1.x + p2.x),
+                                                                               6.0F * (p0.y - 2.0F * p1.y + p2.y)},
+          m_b{6.0F * (p1.x - 2.0F * p2.x + p3.x), 6.0F * (p1.y - 2.0F * p2.y + p3.y)}, m_d{p3.x - p0.x, p3.y - p0.y},
+          m_p(p0) {
         while (Exceeds(m_a, m_refine) || Exceeds(m_b, m_refine)) {
             Halve();
             if (m_dt <= kEpsilon) {
@@ -137,8 +137,8 @@ private:
 
 enum class CurvePlace { Mixed, Handled };
 
-/// Flattens a curve; where that would take more than `maxSteps` steps, halves are looked at one by one. `place` gets each
-/// such piece and may deal with it as a whole (pieces out of sight). The work is bounded by what stays mixed.
+/// Flattens a curve; where that would take more than `maxSteps` steps, halves are looked at one by one. `place` gets
+/// each such piece and may deal with it as a whole (pieces out of sight). The work is bounded by what stays mixed.
 template <class Place, class Line>
 void FlattenBounded(const WideCurve& curve, float tolerance, uint32_t maxSteps, const Place& place, const Line& line,
                     int depth = 40) {

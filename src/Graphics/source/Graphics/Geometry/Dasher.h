@@ -11,8 +11,7 @@
 
 namespace Graphics {
 
-template <class Sink>
-class Dasher final : public GeometrySink {
+template <class Sink> class Dasher final : public GeometrySink {
 public:
     Dasher(Sink& sink, const DashSequence& sequence, float tolerance) noexcept
         : m_sink(sink), m_begin(sequence), m_sequence(sequence), m_tolerance(tolerance) {}
@@ -51,8 +50,8 @@ public:
 
     void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
         const WideCurve curve(m_current, c1, c2, end);
-        const float tolerance =
-            ResolvableTolerance(curve, m_refineHalf > 0 ? StrokeCurveTolerance(curve, m_tolerance, m_refineHalf) : m_tolerance);
+        const float tolerance = ResolvableTolerance(
+            curve, m_refineHalf > 0 ? StrokeCurveTolerance(curve, m_tolerance, m_refineHalf) : m_tolerance);
         // Out of sight a coarse cut does: only the length counts there.
         const auto place = [this](const WideCurve& piece) {
             if (!m_cull || !Outside(piece)) {
@@ -99,7 +98,8 @@ private:
         const bool skips = period > 0 && std::isfinite(period);
         const auto at = [&](double s) {
             const double t = s / length;
-            return t >= 1 ? p : Point{static_cast<float>(m_current.x + t * dx), static_cast<float>(m_current.y + t * dy)};
+            return t >= 1 ? p
+                          : Point{static_cast<float>(m_current.x + t * dx), static_cast<float>(m_current.y + t * dy)};
         };
         double rest = length; // counted down, as that loses nothing near the end
         while (rest > m_sequence.Remaining()) {

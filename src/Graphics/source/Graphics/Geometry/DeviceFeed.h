@@ -17,16 +17,14 @@ inline constexpr float kDeviceBand = 32535.0F;
 inline constexpr float kFillTolerance = 0.25F;
 
 /// Calls `feed` with a sink that limits figures to the band, first in y and then in x.
-template <class Sink, class Feed>
-void ThroughBand(Sink& sink, const Feed& feed) {
+template <class Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed) {
     StripClipper<Sink> x(sink, ClipAxis::X, -kDeviceBand, kDeviceBand, kFillTolerance);
     StripClipper<StripClipper<Sink>> y(x, ClipAxis::Y, -kDeviceBand, kDeviceBand, kFillTolerance);
     feed(y);
 }
 
 /// Sends the fill rule and the mapped shape. Figures with a coordinate that is not finite are left out.
-template <class Sink>
-void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
+template <class Sink> void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
     sink.SetFillRule(shape.FillRule());
     const Rect box = MapBox(m, shape.ControlBox());
     // Inside the band the clippers change nothing. NaN compares false.
@@ -48,8 +46,7 @@ void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
 }
 
 /// Moves coordinates that miss a whole pixel by a rounding error onto it.
-template <class Sink>
-class WholePixelSnapper final : public GeometrySink {
+template <class Sink> class WholePixelSnapper final : public GeometrySink {
 public:
     explicit WholePixelSnapper(Sink& sink) noexcept : m_sink(sink) {}
 

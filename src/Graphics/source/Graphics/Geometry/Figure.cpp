@@ -37,8 +37,7 @@ Point* Figure::Grow(size_t points, size_t kinds) {
         }
         const size_t before = m_size;
         const size_t wanted = m_block == nullptr ? std::max(needed, kFirstBlock) : needed;
-        m_block = static_cast<uint8_t*>(
-            ProcessHeap::GrowTwoEnded(m_block, m_size, m_segmentCount, m_free, wanted));
+        m_block = static_cast<uint8_t*>(ProcessHeap::GrowTwoEnded(m_block, m_size, m_segmentCount, m_free, wanted));
         m_free += m_size - before;
     }
     Point* end = reinterpret_cast<Point*>(m_block) + m_pointCount;

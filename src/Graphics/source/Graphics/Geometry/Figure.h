@@ -48,8 +48,7 @@ public:
     [[nodiscard]] bool Equals(const Figure& o) const noexcept;
 
     /// Sends the figure to a sink. Everything needed is read up front: a sink may add figures to the same shape.
-    template <class Sink>
-    void Replay(Sink& sink) const {
+    template <class Sink> void Replay(Sink& sink) const {
         const Point* p = reinterpret_cast<const Point*>(m_block);
         const uint8_t* kind = m_block + m_size;
         const bool closed = m_closed;

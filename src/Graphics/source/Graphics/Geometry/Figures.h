@@ -12,8 +12,7 @@ namespace Graphics {
 inline constexpr float kQuarterArc = 0.55228477F;
 
 /// Corners in the order left top, right top, right bottom, left bottom; reversed rectangles stay reversed.
-template <class Sink>
-void AddRectangle(Sink& sink, const Rect& r) {
+template <class Sink> void AddRectangle(Sink& sink, const Rect& r) {
     sink.BeginFigure(Point{r.left, r.top});
     sink.LineTo(Point{r.right, r.top});
     sink.LineTo(Point{r.right, r.bottom});
@@ -22,8 +21,7 @@ void AddRectangle(Sink& sink, const Rect& r) {
 }
 
 /// Four cubics from the bottom over left, top and right. Nothing for a rectangle without width or height.
-template <class Sink>
-void AddEllipse(Sink& sink, const Rect& r) {
+template <class Sink> void AddEllipse(Sink& sink, const Rect& r) {
     if (r.left == r.right || r.top == r.bottom) {
         return;
     }
@@ -39,8 +37,7 @@ void AddEllipse(Sink& sink, const Rect& r) {
 }
 
 /// Radii are cut to half the width and height; without a radius it is a rectangle. Nothing for one without area.
-template <class Sink>
-void AddRoundRectangle(Sink& sink, const Rect& r, float radiusX, float radiusY) {
+template <class Sink> void AddRoundRectangle(Sink& sink, const Rect& r, float radiusX, float radiusY) {
     if (r.left == r.right || r.top == r.bottom) {
         return;
     }

@@ -7,8 +7,7 @@
 
 namespace Graphics {
 
-template <class Sink>
-class Pen final : public GeometrySink {
+template <class Sink> class Pen final : public GeometrySink {
 public:
     /// `half` is half the line's width. Two pens may share a storage only one after the other.
     Pen(Sink& sink, PenStorage& storage, const StrokeStyle& style, float half, float tolerance) noexcept

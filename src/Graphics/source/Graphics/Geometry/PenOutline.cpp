@@ -162,9 +162,7 @@ void PenOutline::JoinOuter(HeapArray<Point>& side, double sign, const Point& c, 
     Push(side, c, sign * s2.n.x, sign * s2.n.y);
 }
 
-double PenOutline::ArcPoints(double angle) const noexcept {
-    return std::trunc(angle / m_arcStep);
-}
+double PenOutline::ArcPoints(double angle) const noexcept { return std::trunc(angle / m_arcStep); }
 
 void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count) {
     const double step = angle / (count + 1);

@@ -59,7 +59,9 @@ public:
     /// Two closed figures, First and Second, the latter to be sent in reverse; a lone point has only First.
     void EndClosed();
 
-    [[nodiscard]] std::span<const Point> First() const noexcept { return {m_left.data() + m_skip, m_left.size() - m_skip}; }
+    [[nodiscard]] std::span<const Point> First() const noexcept {
+        return {m_left.data() + m_skip, m_left.size() - m_skip};
+    }
     [[nodiscard]] std::span<const Point> Second() const noexcept {
         return m_right.size() < m_skip ? std::span<const Point>()
                                        : std::span<const Point>(m_right.data() + m_skip, m_right.size() - m_skip);
@@ -70,8 +72,8 @@ private:
         double x, y;
     };
     struct Segment {
-        Vector u;      // direction, length 1
-        Vector n;      // left normal times half the width
+        Vector u; // direction, length 1
+        Vector n; // left normal times half the width
         double length;
     };
 

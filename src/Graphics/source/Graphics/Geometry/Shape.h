@@ -52,14 +52,12 @@ public:
     [[nodiscard]] bool Equals(const Shape& o) const noexcept;
 
     /// Sends the rule and every finished figure. Direct calls where Sink is final.
-    template <class Sink>
-    void Replay(Sink& sink) const {
+    template <class Sink> void Replay(Sink& sink) const {
         sink.SetFillRule(m_fillRule);
         ReplayFigures(sink, [](const Figure&) { return true; });
     }
     /// Sends, without the rule, the figures that `accept` takes.
-    template <class Sink, class Accept>
-    void ReplayFigures(Sink& sink, const Accept& accept) const {
+    template <class Sink, class Accept> void ReplayFigures(Sink& sink, const Accept& accept) const {
         const size_t count = m_figures.size(); // a sink may add figures
         for (size_t i = 0; i < count; ++i) {
             if (m_figures[i].Drawn() && accept(m_figures[i])) {

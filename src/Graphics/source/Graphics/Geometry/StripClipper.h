@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Limits a path to a band of one coordinate before scan conversion, whose fixed-point numbers hold no more than the band.
+// Limits a path to a band of one coordinate before scan conversion, whose fixed-point numbers hold no more than the
+// band.
 //
 // Pieces outside the band collapse onto its bounds: crossings that follow each other on one bound are joined along it,
 // which keeps the winding inside the band. Figures are closed, as filling closes them.
@@ -14,8 +15,7 @@ namespace Graphics {
 
 enum class ClipAxis { X, Y };
 
-template <class Sink>
-class StripClipper final : public GeometrySink {
+template <class Sink> class StripClipper final : public GeometrySink {
 public:
     /// Bounds in the wrong order are swapped.
     StripClipper(Sink& sink, ClipAxis axis, float lower, float upper, float tolerance) noexcept
@@ -93,8 +93,7 @@ private:
 
     [[nodiscard]] float Coordinate(const Point& p) const noexcept { return m_axis == ClipAxis::X ? p.x : p.y; }
     [[nodiscard]] Zone ZoneOf(const Point& p) const noexcept { return ZoneOf(Coordinate(p)); }
-    template <class Number>
-    [[nodiscard]] Zone ZoneOf(Number v) const noexcept {
+    template <class Number> [[nodiscard]] Zone ZoneOf(Number v) const noexcept {
         return v > m_upper ? Zone::Above : v < m_lower ? Zone::Below : Zone::Inside;
     }
     [[nodiscard]] float BoundOf(Zone zone) const noexcept { return zone == Zone::Below ? m_lower : m_upper; }

@@ -14,16 +14,16 @@
 namespace Graphics {
 
 struct StrokePlan {
-    bool nothing = false;   // a width or matrix that draws nothing, or all of it out of sight
-    bool inBand = false;    // no strip clipper is needed
-    bool cull = false;      // something may be out of sight
+    bool nothing = false; // a width or matrix that draws nothing, or all of it out of sight
+    bool inBand = false;  // no strip clipper is needed
+    bool cull = false;    // something may be out of sight
     Matrix toPen{kIdentity};
     Matrix toDevice{kIdentity};
-    float half = 0;         // half the width in the pen's space
+    float half = 0;          // half the width in the pen's space
     float tolerance = 0.25F; // in the pen's space
-    float userHalf = 0;     // the same two in user space, for the dasher
+    float userHalf = 0;      // the same two in user space, for the dasher
     float userTolerance = 0.25F;
-    Rect visiblePen{};      // what can be seen, with the pen's reach, in the pen's space
+    Rect visiblePen{}; // what can be seen, with the pen's reach, in the pen's space
     Rect visibleUser{};
     float dashScale = 1.0F; // a whole number that lifts a pattern too fine to be seen to one just as dense
 

@@ -8,8 +8,7 @@
 
 namespace Graphics {
 
-template <class Sink>
-class Transformer final : public GeometrySink {
+template <class Sink> class Transformer final : public GeometrySink {
 public:
     Transformer(Sink& sink, const Matrix& m) noexcept : m_matrix(m), m_sink(sink) {}
 

@@ -26,10 +26,7 @@ struct Vec {
     static T Majority(T a, T b, T c) { return _mm512_ternarylogic_epi64(a, b, c, 0xE8); }
     static T Or(T a, T b) { return _mm512_or_si512(a, b); }
     static T SpreadColumn7(T v) { return _mm512_movm_epi8(_mm512_movepi8_mask(v)); }
-    template <int N>
-    static T Up(T v) {
-        return _mm512_alignr_epi64(v, _mm512_setzero_si512(), 8 - N);
-    }
+    template <int N> static T Up(T v) { return _mm512_alignr_epi64(v, _mm512_setzero_si512(), 8 - N); }
     static T Exclusive(T inclusive, T carry) { return _mm512_alignr_epi64(inclusive, carry, 7); }
     static T Last(T v) { return _mm512_permutexvar_epi64(_mm512_set1_epi64(7), v); }
     static uint64_t Low(T v) { return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_castsi512_si128(v))); }
@@ -70,8 +67,7 @@ struct Vec {
     }
     static T Or(T a, T b) { return _mm256_or_si256(a, b); }
     static T SpreadColumn7(T v) { return _mm256_cmpgt_epi8(_mm256_setzero_si256(), v); }
-    template <int N>
-    static T Up(T v) {
+    template <int N> static T Up(T v) {
         if constexpr (N == 1) {
             return _mm256_blend_epi32(_mm256_permute4x64_epi64(v, 0x90), _mm256_setzero_si256(), 3);
         } else {
@@ -84,8 +80,7 @@ struct Vec {
     static T Last(T v) { return _mm256_permute4x64_epi64(v, 0xFF); }
     static uint64_t Low(T v) { return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm256_castsi256_si128(v))); }
     static T Count(T v) {
-        const T table =
-            _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
+        const T table = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
         const T low = _mm256_set1_epi8(15);
         const T n = _mm256_add_epi8(_mm256_shuffle_epi8(table, _mm256_and_si256(v, low)),
                                     _mm256_shuffle_epi8(table, _mm256_and_si256(_mm256_srli_epi64(v, 4), low)));
@@ -107,13 +102,10 @@ struct Vec {
     static T Load(const uint64_t* p) { return _mm_load_si128(reinterpret_cast<const T*>(p)); }
     static void Store(uint64_t* p, T v) { _mm_store_si128(reinterpret_cast<T*>(p), v); }
     static T Xor3(T a, T b, T c) { return _mm_xor_si128(_mm_xor_si128(a, b), c); }
-    static T Majority(T a, T b, T c) {
-        return _mm_or_si128(_mm_and_si128(a, b), _mm_and_si128(c, _mm_or_si128(a, b)));
-    }
+    static T Majority(T a, T b, T c) { return _mm_or_si128(_mm_and_si128(a, b), _mm_and_si128(c, _mm_or_si128(a, b))); }
     static T Or(T a, T b) { return _mm_or_si128(a, b); }
     static T SpreadColumn7(T v) { return _mm_cmpgt_epi8(_mm_setzero_si128(), v); }
-    template <int N>
-    static T Up(T v) {
+    template <int N> static T Up(T v) {
         static_assert(N == 1);
         return _mm_slli_si128(v, 8);
     }
@@ -141,8 +133,7 @@ struct Vec {
 // ---- Sweeping a row
 
 /// a += b, numbers of K bits, bit j in element j.
-template <int K>
-inline void AddPlanes(Vec::T* a, const Vec::T* b) {
+template <int K> inline void AddPlanes(Vec::T* a, const Vec::T* b) {
     Vec::T carry = Vec::Zero();
     for (int j = 0; j < K; ++j) {
         const Vec::T sum = Vec::Xor3(a[j], b[j], carry);
@@ -153,8 +144,7 @@ inline void AddPlanes(Vec::T* a, const Vec::T* b) {
     }
 }
 
-template <int K, int N>
-inline void AddShifted(Vec::T* a) {
+template <int K, int N> inline void AddShifted(Vec::T* a) {
     Vec::T up[K];
     for (int j = 0; j < K; ++j) {
         up[j] = Vec::Up<N>(a[j]);
@@ -164,8 +154,7 @@ inline void AddShifted(Vec::T* a) {
 
 /// The shape bytes of a block of eight pixels. `carry` is the winding left of the block in every lane, then that right
 /// of it. The block becomes zero.
-template <int K>
-inline void SweepBlock(uint8_t* cells, size_t planeBytes, Vec::T* carry, uint8_t* out) {
+template <int K> inline void SweepBlock(uint8_t* cells, size_t planeBytes, Vec::T* carry, uint8_t* out) {
     constexpr int kParts = 8 / Vec::kLanes;
     Vec::T counts[kParts];
     for (int part = 0; part < kParts; ++part) {
@@ -263,8 +252,7 @@ size_t SweepRow(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t*
 // ---- Walking edges
 
 /// Adds the bits of `mask` with carry into the planes; `flip` is 0 to add and all ones to subtract.
-template <int K, class Word>
-inline void Toggle(uint8_t* p, size_t planeBytes, Word mask, Word flip) {
+template <int K, class Word> inline void Toggle(uint8_t* p, size_t planeBytes, Word mask, Word flip) {
     for (int j = 0; j < K; ++j) {
         Word w;
         std::memcpy(&w, p, sizeof(Word));
@@ -298,8 +286,7 @@ inline void MarkBlocks(uint64_t* bits, int32_t x0, int32_t x1) {
     bits[b0 >> 6] |= (~uint64_t{0} << (b0 & 63)) & (~uint64_t{0} >> (63 - (b1 & 63)));
 }
 
-template <bool Clamp>
-inline int32_t Column(int64_t x, int32_t limit) {
+template <bool Clamp> inline int32_t Column(int64_t x, int32_t limit) {
     auto c = static_cast<int32_t>(x >> kBandFraction);
     if (Clamp) {
         c = c < 0 ? 0 : c;
@@ -318,8 +305,8 @@ inline void WalkScalar(uint8_t* row, size_t planeBytes, int64_t x, int64_t step,
                        uint64_t flip) {
     for (; s < end; ++s) {
         const auto c = static_cast<uint32_t>(Column<Clamp>(x, limit));
-        Toggle<K, uint8_t>(row + (c & ~7U) + static_cast<uint32_t>(s), planeBytes, static_cast<uint8_t>(0xFFU << (c & 7)),
-                           static_cast<uint8_t>(flip));
+        Toggle<K, uint8_t>(row + (c & ~7U) + static_cast<uint32_t>(s), planeBytes,
+                           static_cast<uint8_t>(0xFFU << (c & 7)), static_cast<uint8_t>(flip));
         x = Advance(x, step, 1);
     }
 }
@@ -370,8 +357,7 @@ inline void WalkEdge(const BandFrame& frame, const BandEdge& e, int64_t x, int32
             const int32_t high = p0 < p1 ? p1 : p0;
             for (int32_t p = low; p <= high; ++p) {
                 const __mmask8 here = _mm512_mask_cmpeq_epi64_mask(lanes, pixels, _mm512_set1_epi64(p));
-                const auto mask =
-                    static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(here, columns)));
+                const auto mask = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(here, columns)));
                 Toggle<K, uint64_t>(row + static_cast<size_t>(p) * 8, planeBytes, mask, flip);
             }
         } else {
@@ -450,4 +436,8 @@ uint32_t WalkList(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_
 } // namespace Graphics
 
 #define GX_BAND_TABLE                                                                                                  \
-    {{&WalkList<1>, &WalkList<2>, &WalkList<4>, &WalkList<8>}, {&SweepRow<1>, &SweepRow<2>, &SweepRow<4>, &SweepRow<8>}}
+    {                                                                                                                  \
+        {&WalkList<1>, &WalkList<2>, &WalkList<4>, &WalkList<8>}, {                                                    \
+            &SweepRow<1>, &SweepRow<2>, &SweepRow<4>, &SweepRow<8>                                                     \
+        }                                                                                                              \
+    }

@@ -18,8 +18,8 @@ constexpr int64_t kOne = int64_t{1} << kBandFraction;
 
 // The exact position at step k is P_k = x + (error + denominator + k dx) / denominator, a multiple of 1 / dy. X_k, in
 // units of 2^-42, lies above P_k by a positive amount: the start and each step are rounded by doubles (relative
-// error below 2^-52), truncated and raised by 2 or more, in all less than 4 + k (4 + |step| 2^-50) units. Scan makes sure
-// that this stays below 1 / dy, so both have the same integer part.
+// error below 2^-52), truncated and raised by 2 or more, in all less than 4 + k (4 + |step| 2^-50) units. Scan makes
+// sure that this stays below 1 / dy, so both have the same integer part.
 void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
     const bool up = to.y < from.y;
     const Vertex a = up ? to : from;
@@ -113,7 +113,8 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     m_first = std::max(shape.first, m_origin);
     m_last = std::min(shape.last, lastRow * 8);
     if (m_last - m_first > 1 << 17 ||
-        (4 + 4 * static_cast<int64_t>(m_last - m_first)) * (static_cast<int64_t>(shape.maxY) - shape.minY) >= kOne / 2) {
+        (4 + 4 * static_cast<int64_t>(m_last - m_first)) * (static_cast<int64_t>(shape.maxY) - shape.minY) >=
+            kOne / 2) {
         return false;
     }
 

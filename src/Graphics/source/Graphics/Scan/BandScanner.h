@@ -21,8 +21,8 @@ private:
     void AddSide(const Vertex& from, const Vertex& to);
 
     const BandKernels* m_kernels = &ActiveBandKernels();
-    HeapArray<uint8_t> m_cells;  // zero between fills
-    HeapArray<uint64_t> m_bits;  // likewise
+    HeapArray<uint8_t> m_cells; // zero between fills
+    HeapArray<uint64_t> m_bits; // likewise
     HeapArray<BandEdge> m_edges;
     HeapArray<uint32_t> m_heads; // first edge of each band
     HeapArray<uint8_t> m_shape;

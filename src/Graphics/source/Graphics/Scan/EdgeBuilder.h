@@ -45,7 +45,8 @@ inline constexpr float kFineLimit = 1073741760.0F;
 
 /// What the vertices say about a fill before any edge is made.
 struct FillShape {
-    int32_t first; // sub-scanlines inside the clip, first inclusive, last exclusive; first >= last when there is no edge
+    int32_t
+        first; // sub-scanlines inside the clip, first inclusive, last exclusive; first >= last when there is no edge
     int32_t last;
     int32_t minX, minY, maxX, maxY; // fine units, of the figures that have edges
     uint32_t windingBound;          // |winding| is nowhere larger
@@ -79,8 +80,7 @@ public:
     [[nodiscard]] size_t SideCount() const noexcept { return m_vertices.size(); }
 
     /// Calls f(from, to) for each side of each loop.
-    template <class F>
-    void ForEachSide(F&& f) const {
+    template <class F> void ForEachSide(F&& f) const {
         const Vertex* v = m_vertices.data();
         for (const uint32_t end : m_figures) {
             const Vertex* const stop = m_vertices.data() + end;

@@ -31,9 +31,7 @@ int64_t Ramp(const Edge& e) noexcept {
     return e.step >= 0 ? ramp : 1 - ramp;
 }
 
-int64_t Distance(const Edge& a, const Edge& b) noexcept {
-    return int64_t{b.x} - a.x - (b.error < a.error ? 1 : 0);
-}
+int64_t Distance(const Edge& a, const Edge& b) noexcept { return int64_t{b.x} - a.x - (b.error < a.error ? 1 : 0); }
 
 bool Converge(const Edge& a, const Edge& b) noexcept {
     if (a.step != b.step) {
@@ -47,7 +45,8 @@ float PixelX(const Edge& e) noexcept {
 }
 
 float HalfRamp(const Edge& e) noexcept {
-    const float slope = static_cast<float>(e.step) + static_cast<float>(e.increment) / static_cast<float>(e.denominator);
+    const float slope =
+        static_cast<float>(e.step) + static_cast<float>(e.increment) / static_cast<float>(e.denominator);
     return 0.5F * std::fabs(slope) + 0.5F;
 }
 
@@ -72,8 +71,7 @@ void EdgeScanner::Insert(const Edge* from, const Edge* to) {
     }
 }
 
-template <class F>
-void EdgeScanner::ForEachSpan(F&& f) noexcept(noexcept(f(size_t{}, size_t{}))) {
+template <class F> void EdgeScanner::ForEachSpan(F&& f) noexcept(noexcept(f(size_t{}, size_t{}))) {
     const Edge* a = m_active.data();
     const size_t count = m_active.size();
     for (size_t i = 0; i + 1 < count;) {
@@ -195,8 +193,8 @@ void EdgeScanner::EmitTrapezoids(int32_t s, int32_t end, RasterizationSink& sink
     ForEachSpan([&](size_t from, size_t to) {
         const Edge l = Advanced(a[from], end - s);
         const Edge r = Advanced(a[to], end - s);
-        sink.TrapezoidBand({static_cast<float>(s) * 0.125F, static_cast<float>(end) * 0.125F, PixelX(a[from]), PixelX(l),
-                            HalfRamp(l), PixelX(a[to]), PixelX(r), HalfRamp(r)});
+        sink.TrapezoidBand({static_cast<float>(s) * 0.125F, static_cast<float>(end) * 0.125F, PixelX(a[from]),
+                            PixelX(l), HalfRamp(l), PixelX(a[to]), PixelX(r), HalfRamp(r)});
     });
     Edge* out = m_active.data();
     for (Edge& e : m_active) {

@@ -21,8 +21,7 @@ private:
     void Restore() noexcept;
     [[nodiscard]] int64_t FindBandEnd(int32_t s, int64_t limit) const noexcept;
     void EmitTrapezoids(int32_t s, int32_t end, RasterizationSink& sink);
-    template <class F>
-    void ForEachSpan(F&& f) noexcept(noexcept(f(size_t{}, size_t{})));
+    template <class F> void ForEachSpan(F&& f) noexcept(noexcept(f(size_t{}, size_t{})));
 
     HeapArray<Edge> m_active; // sorted by x
     CoverageBuffer m_row;

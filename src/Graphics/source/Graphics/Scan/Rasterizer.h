@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A path in device pixels becomes anti-aliased coverage: 8 x 8 samples a pixel, edges stepped exactly. One object serves
-// many fills, one after another, and keeps its memory.
+// A path in device pixels becomes anti-aliased coverage: 8 x 8 samples a pixel, edges stepped exactly. One object
+// serves many fills, one after another, and keeps its memory.
 #pragma once
 
 #include "../Geometry/GeometrySink.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Clips. A clip is a box in device pixels and, where it is more than a rectangle, a plane of 8-bit coverage over the box
-// with the extents of each row:
+// Clips. A clip is a box in device pixels and, where it is more than a rectangle, a plane of 8-bit coverage over the
+// box with the extents of each row:
 //
 //     box.left   begin        fullBegin          fullEnd      end      box.right
 //        |  not stored  | partial |   all 255       | partial |  not stored  |

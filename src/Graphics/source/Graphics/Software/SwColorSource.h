@@ -35,8 +35,9 @@ public:
         return nullptr;
     }
 
-    /// Made in the arena of the draw call; the brush must outlive it. `bounds` is the device rectangle that may be asked
-    /// for (mesh gradients are rendered for it alone); `transform` the CTM. Raises "Not implemented" for an unknown kind.
+    /// Made in the arena of the draw call; the brush must outlive it. `bounds` is the device rectangle that may be
+    /// asked for (mesh gradients are rendered for it alone); `transform` the CTM. Raises "Not implemented" for an
+    /// unknown kind.
     [[nodiscard]] static SwColorSource* CreateFromBrush(Arena& arena, const Brush& brush, const Rect& bounds,
                                                         const Matrix& transform);
 };

@@ -75,7 +75,8 @@ void SwInverter::Line(const Point& from, const Point& to) {
     const double low = steep ? m_bounds.top : m_bounds.left;
     const double high = steep ? m_bounds.bottom : m_bounds.right;
     const double begin = std::clamp(std::floor(std::min(u0, u1)), low, high);
-    const double end = std::clamp(std::max(std::floor(std::max(u0, u1)), std::floor(std::min(u0, u1)) + 1.0), low, high);
+    const double end =
+        std::clamp(std::max(std::floor(std::max(u0, u1)), std::floor(std::min(u0, u1)) + 1.0), low, high);
     for (auto u = static_cast<int32_t>(begin); u < static_cast<int32_t>(end); ++u) {
         const double v = std::floor(v0 + (u + 0.5 - u0) * slope);
         if (v < (steep ? m_bounds.left : m_bounds.top) || v >= (steep ? m_bounds.right : m_bounds.bottom)) {

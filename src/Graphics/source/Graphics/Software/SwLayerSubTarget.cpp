@@ -116,8 +116,8 @@ void SwLayerSubTarget::Clear(const SwKernels& kernels, const IntRect& region, co
             const uint32_t backdrop =
                 m_planes.backdrop == nullptr
                     ? 0
-                    : reinterpret_cast<const uint32_t*>(m_planes.backdrop +
-                                                        (y - m_planes.origin.y) * m_planes.backdropStride)[x - m_planes.origin.x];
+                    : reinterpret_cast<const uint32_t*>(
+                          m_planes.backdrop + (y - m_planes.origin.y) * m_planes.backdropStride)[x - m_planes.origin.x];
             uint32_t result = 0;
             for (int shift = 0; shift < 32; shift += 8) {
                 const uint32_t over = ((color >> shift) & 255U) + Scale((backdrop >> shift) & 255U, 256 - alpha);

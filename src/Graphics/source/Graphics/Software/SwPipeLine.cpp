@@ -168,12 +168,11 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
     const size_t blend = std::min<size_t>(m_blendMode, kBlendCount - 1);
     if (m_target.alpha != nullptr) {
         const uint8_t* backdrop = m_target.backdrop;
-        const SwLayerRow row{dst, m_target.alpha + dy * m_target.planeStride + dx,
-                             m_target.shape + dy * m_target.planeStride + dx,
-                             backdrop == nullptr
-                                 ? nullptr
-                                 : reinterpret_cast<const uint32_t*>(backdrop + dy * m_target.backdropStride) + dx,
-                             m_target.knockout};
+        const SwLayerRow row{
+            dst, m_target.alpha + dy * m_target.planeStride + dx, m_target.shape + dy * m_target.planeStride + dx,
+            backdrop == nullptr ? nullptr
+                                : reinterpret_cast<const uint32_t*>(backdrop + dy * m_target.backdropStride) + dx,
+            m_target.knockout};
         const uint32_t* color = Color(y, x0, x1);
         (m_blendMode == 0 ? m_kernels.layerNormal : m_kernels.layerBlend[blend])(row, color, shape, count);
         return;

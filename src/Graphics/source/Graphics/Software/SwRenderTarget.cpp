@@ -23,8 +23,12 @@ namespace {
 /// an edge. NaN sides go as far as they can.
 [[nodiscard]] IntRect RoundOut(const Rect& r) noexcept {
     static constexpr float kFar = 1.0e9F;
-    const auto low = [](float v) { return v > -kFar ? SaturatingTruncate(std::floor(std::min(v, kFar))) - 1 : -1000000001; };
-    const auto high = [](float v) { return v < kFar ? SaturatingTruncate(std::ceil(std::max(v, -kFar))) + 1 : 1000000001; };
+    const auto low = [](float v) {
+        return v > -kFar ? SaturatingTruncate(std::floor(std::min(v, kFar))) - 1 : -1000000001;
+    };
+    const auto high = [](float v) {
+        return v < kFar ? SaturatingTruncate(std::ceil(std::max(v, -kFar))) + 1 : 1000000001;
+    };
     return {low(r.left), low(r.top), high(r.right), high(r.bottom)};
 }
 
@@ -123,8 +127,7 @@ bool SwRenderTarget::SnapFigure(const BasicFigure& figure, IntRect& pixels) {
            m_rasterizer.SnapRectangle(ToRect(m_area), a, b, pixels);
 }
 
-template <class Change>
-void SwRenderTarget::ChangeState(Change&& change) {
+template <class Change> void SwRenderTarget::ChangeState(Change&& change) {
     change(m_cached);
     if (m_painting) {
         change(State());
@@ -354,21 +357,28 @@ void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, con
     // The source rectangle lies exactly on the destination.
     const float sx = (destination.right - destination.left) / static_cast<float>(source.right - source.left);
     const float sy = (destination.bottom - destination.top) / static_cast<float>(source.bottom - source.top);
-    const Matrix place{sx, 0.0F, 0.0F, sy, destination.left + static_cast<float>(part.left - source.left) * sx,
+    const Matrix place{sx,
+                       0.0F,
+                       0.0F,
+                       sy,
+                       destination.left + static_cast<float>(part.left - source.left) * sx,
                        destination.top + static_cast<float>(part.top - source.top) * sy};
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
     FillPath({nullptr, &figure}, State().strokeAdjustment, nullptr, [&](const IntRect&) {
-        return CreateBitmapSource(m_arena, PixelTransfer::Part(whole, part), isWhole ? &bitmap.Derived() : nullptr, interpolation,
-                                  GXExtendClamp, GXExtendClamp, opacity, Concat(place, State().transform), false);
+        return CreateBitmapSource(m_arena, PixelTransfer::Part(whole, part), isWhole ? &bitmap.Derived() : nullptr,
+                                  interpolation, GXExtendClamp, GXExtendClamp, opacity,
+                                  Concat(place, State().transform), false);
     });
 }
 
-void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination,
-                              uint32_t interpolation) {
+void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
     const DrawScope scope(m_arena);
     const PixelView view = mask.View();
-    const Matrix place{(destination.right - destination.left) / static_cast<float>(view.width), 0.0F, 0.0F,
-                       (destination.bottom - destination.top) / static_cast<float>(view.height), destination.left,
+    const Matrix place{(destination.right - destination.left) / static_cast<float>(view.width),
+                       0.0F,
+                       0.0F,
+                       (destination.bottom - destination.top) / static_cast<float>(view.height),
+                       destination.left,
                        destination.top};
     SwMaskInput input;
     input.source = CreateBitmapSource(m_arena, view, &mask.Derived(), interpolation, GXExtendClamp, GXExtendClamp, 1.0F,

@@ -60,8 +60,7 @@ private:
     /// The whole pixels of a rectangle that stays upright under the current matrix; false for everything else.
     [[nodiscard]] bool SnapFigure(const BasicFigure& figure, IntRect& pixels);
     /// Applies a setter to the cached state and, while painting, to the current one.
-    template <class Change>
-    void ChangeState(Change&& change);
+    template <class Change> void ChangeState(Change&& change);
 
     /// The part of `region` that bounds and clip leave.
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;

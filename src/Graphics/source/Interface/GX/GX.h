@@ -169,12 +169,7 @@ enum {
 
 /** The value that a mask takes from a pixel of its brush. Luminosity is (77 red + 151 green + 28 blue) / 256 of the
  * premultiplied bytes. */
-enum {
-    GXMaskTypeAlpha = 0,
-    GXMaskTypeInverseAlpha = 1,
-    GXMaskTypeLuminosity = 2,
-    GXMaskTypeInverseLuminosity = 3
-};
+enum { GXMaskTypeAlpha = 0, GXMaskTypeInverseAlpha = 1, GXMaskTypeLuminosity = 2, GXMaskTypeInverseLuminosity = 3 };
 
 /** Set operations on two geometries or regions, the first operand being a and the second b. */
 enum {
@@ -227,61 +222,121 @@ typedef void* GXNativeDC;
 typedef void* GXNativeBitmap;
 
 /** A point in user units (or whatever space the function names). */
-typedef struct { float x, y; } GXPoint;
+typedef struct {
+    float x, y;
+} GXPoint;
 /** A rectangle in user units. Where it becomes a shape, reversed corners are kept as given. */
-typedef struct { float left, top, right, bottom; } GXRect;
+typedef struct {
+    float left, top, right, bottom;
+} GXRect;
 /** A point in whole pixels. */
-typedef struct { int32_t x, y; } GXIntPoint;
+typedef struct {
+    int32_t x, y;
+} GXIntPoint;
 /** A rectangle in whole pixels; right and bottom are exclusive. */
-typedef struct { int32_t left, top, right, bottom; } GXIntRect;
+typedef struct {
+    int32_t left, top, right, bottom;
+} GXIntRect;
 /** A size in pixels. */
-typedef struct { uint32_t width, height; } GXSize;
+typedef struct {
+    uint32_t width, height;
+} GXSize;
 /** A colour, not premultiplied; each channel from 0 to 1. */
-typedef struct { float red, green, blue, alpha; } GXColor;
+typedef struct {
+    float red, green, blue, alpha;
+} GXColor;
 /** An affine map: x' = m00 x + m10 y + m20, y' = m01 x + m11 y + m21. Identity is {1, 0, 0, 1, 0, 0}. */
-typedef struct { float m00, m01, m10, m11, m20, m21; } GXMatrix;
+typedef struct {
+    float m00, m01, m10, m11, m20, m21;
+} GXMatrix;
 /** What GXCreateBitmap makes: size in pixels (a value with the sign bit set counts as the magnitude of the negative
  * number), format, horizontal and vertical resolution. */
-typedef struct { uint32_t width, height; GXPixelFormat format; float dpiX, dpiY; } GXBitmapDesc;
+typedef struct {
+    uint32_t width, height;
+    GXPixelFormat format;
+    float dpiX, dpiY;
+} GXBitmapDesc;
 /** Rows of pixels: `data` is the first byte of the first row, `rowLength` the bytes used in a row, `stride` the
  * bytes from one row to the next. */
-typedef struct { void* data; uint32_t rowLength; uint32_t stride; } GXBitmapData;
+typedef struct {
+    void* data;
+    uint32_t rowLength;
+    uint32_t stride;
+} GXBitmapData;
 /** How a stroke looks. `miterLimit` is the ratio of miter length to line width; `reserved` is not read. `dashes`
  * holds `dashCount` lengths in user units, dash and gap in turn, starting with a dash; counts above 15 act as 15, 0
  * is a solid line. `dashPhase` is the distance into the pattern at which every figure starts; it is read only with
  * dashes. Raised when stroking: "Dash pattern has a negative element", "Dash pattern has zero length". */
-typedef struct { GXLineJoin join; GXLineCap cap; float miterLimit; uint32_t reserved;
-                 float dashPhase; float dashes[15]; uint64_t dashCount; } GXStrokeStyle;
+typedef struct {
+    GXLineJoin join;
+    GXLineCap cap;
+    float miterLimit;
+    uint32_t reserved;
+    float dashPhase;
+    float dashes[15];
+    uint64_t dashCount;
+} GXStrokeStyle;
 /** A transparency group. `bounds` is in user units and limits the group to its device bounding box rounded outwards;
  * with left >= right or top >= bottom the clip alone bounds it. `opacity` is clamped to [0, 1]. An isolated group
  * starts transparent instead of on the backdrop; in a knockout group each object replaces the earlier ones under it. */
-typedef struct { GXRect bounds; float opacity; uint8_t isolated; uint8_t knockout; } GXLayerDesc;
+typedef struct {
+    GXRect bounds;
+    float opacity;
+    uint8_t isolated;
+    uint8_t knockout;
+} GXLayerDesc;
 /** One colour of a gradient: `offset` 0 is the start and 1 the end; `color` is packed. Stops are sorted by offset;
  * equal offsets keep their order and make a hard edge. */
-typedef struct { float offset; uint32_t color; } GXGradientStop;
+typedef struct {
+    float offset;
+    uint32_t color;
+} GXGradientStop;
 /** A gradient along the line from `start` to `end`, in gradient space. `stops` holds `stopCount` entries, read only
  * during the call. The extend flags carry the end colours on beyond the ends; elsewhere `background` (packed, 0:
  * nothing) shows. */
-typedef struct { const GXGradientStop* stops; uint64_t stopCount; GXPoint start, end;
-                 uint8_t extendStart, extendEnd; uint32_t background; } GXLinearGradientDesc;
+typedef struct {
+    const GXGradientStop* stops;
+    uint64_t stopCount;
+    GXPoint start, end;
+    uint8_t extendStart, extendEnd;
+    uint32_t background;
+} GXLinearGradientDesc;
 /** A gradient from the start circle to the end circle, in gradient space; the other fields as in
  * GXLinearGradientDesc. */
-typedef struct { const GXGradientStop* stops; uint64_t stopCount; GXPoint startCenter; float startRadius;
-                 GXPoint endCenter; float endRadius; uint8_t extendStart, extendEnd;
-                 uint32_t background; } GXRadialGradientDesc;
+typedef struct {
+    const GXGradientStop* stops;
+    uint64_t stopCount;
+    GXPoint startCenter;
+    float startRadius;
+    GXPoint endCenter;
+    float endRadius;
+    uint8_t extendStart, extendEnd;
+    uint32_t background;
+} GXRadialGradientDesc;
 /** A corner of a mesh triangle in gradient space, with its packed colour. */
-typedef struct { float x, y; uint32_t color; } GXTriMeshVertex;
+typedef struct {
+    float x, y;
+    uint32_t color;
+} GXTriMeshVertex;
 /** Sampling of a bitmap brush: a GXInterpolation and two GXExtend values. */
-typedef struct { uint32_t interpolation, extendX, extendY; } GXBitmapBrushOptions;
+typedef struct {
+    uint32_t interpolation, extendX, extendY;
+} GXBitmapBrushOptions;
 /** A buffer of the host's: width and height in pixels, stride in bytes (all three whole numbers), resolutions. */
-typedef struct { float width, height, stride, dpiX, dpiY; } GXExtBufLayout;
+typedef struct {
+    float width, height, stride, dpiX, dpiY;
+} GXExtBufLayout;
 /** Receives a geometry call by call. Points are valid only during the callback. Every callback is set; `context` may
  * be null and is passed on. */
-typedef struct { void* context;
-                 void (*SetFillRule)(void*, uint32_t); void (*BeginFigure)(void*, const GXPoint*);
-                 void (*EndFigure)(void*); void (*EndFigureClose)(void*);
-                 void (*LineTo)(void*, const GXPoint*);
-                 void (*CubicTo)(void*, const GXPoint*, const GXPoint*, const GXPoint*); } GXGeometrySinkCallbacks;
+typedef struct {
+    void* context;
+    void (*SetFillRule)(void*, uint32_t);
+    void (*BeginFigure)(void*, const GXPoint*);
+    void (*EndFigure)(void*);
+    void (*EndFigureClose)(void*);
+    void (*LineTo)(void*, const GXPoint*);
+    void (*CubicTo)(void*, const GXPoint*, const GXPoint*, const GXPoint*);
+} GXGeometrySinkCallbacks;
 /** Receives one rectangle of a region; `rect` is valid only during the call. */
 typedef void (*GXRegionRectProc)(void* context, const GXIntRect* rect);
 /** Receives one diagnostic text in UTF-8 without a final line break, valid only during the call. It runs under the
@@ -652,7 +707,7 @@ GX_API GXResult GXRegionHasIntersection(GXRegion region, GXRegion other, uint8_t
 /** Answers 1 when region and rectangle share a pixel. GXResultInvalidArgument when an argument is null.
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXRegionHasIntersectionWithRect(GXRegion region, const GXIntRect* rect,
-                uint8_t* outIntersects) GX_NOEXCEPT;
+                                                uint8_t* outIntersects) GX_NOEXCEPT;
 
 /** Moves the region by (`dx`, `dy`) pixels; coordinates stop at the ends of their range instead of wrapping.
  * GXResultInvalidArgument when `region` is null; GXResultUnexpectedError when memory runs out. */
@@ -819,7 +874,7 @@ GX_API GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeomet
  * GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "Unsupported soft
  * mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry,
-                GXBrush brush) GX_NOEXCEPT;
+                                               GXBrush brush) GX_NOEXCEPT;
 
 /** Paints a rectangle with `brush`. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting
  * has not begun", "Unsupported soft mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator
@@ -836,7 +891,7 @@ GX_API GXResult GXRenderTargetFillEllipse(GXRenderTarget renderTarget, const GXR
  * argument other than `style` is null, or `width` is negative or NaN; GXResultEngineError: "Painting has not begun",
  * "Unsupported soft mask type.", the dash patterns that GXStrokeStyle refuses, "Not enough memory". */
 GX_API GXResult GXRenderTargetStrokeGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush,
-                float width, const GXStrokeStyle* style) GX_NOEXCEPT;
+                                             float width, const GXStrokeStyle* style) GX_NOEXCEPT;
 
 /** Paints the line from `start` to `end`. `width` is in user units under the matrix; 0 is the thinnest line, one
  * device pixel wide. `style` may be null: miter joins up to ratio 10, flat caps, no dashes. GXResultInvalidArgument

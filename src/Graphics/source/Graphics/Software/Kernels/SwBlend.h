@@ -83,8 +83,7 @@ struct SoftLight {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept {
         const auto b = static_cast<int32_t>(cb);
         const auto s = static_cast<int32_t>(cs);
-        const int32_t r = s > 127 ? b + (D(cb) - b) * (2 * s - 255) / 255
-                                  : b - (255 - 2 * s) * (255 - b) * b / 65025;
+        const int32_t r = s > 127 ? b + (D(cb) - b) * (2 * s - 255) / 255 : b - (255 - 2 * s) * (255 - b) * b / 65025;
         return static_cast<uint32_t>(r) & 255U;
     }
 };
@@ -178,8 +177,7 @@ struct Luminosity {
 };
 
 /// A function of single channels, applied to the three colours of a pixel; the result has alpha 0.
-template <class Function>
-struct Separable {
+template <class Function> struct Separable {
     static uint32_t Pixel(uint32_t b, uint32_t s) noexcept {
         return Function::Of(Channel(b, 16), Channel(s, 16)) << 16 | Function::Of(Channel(b, 8), Channel(s, 8)) << 8 |
                Function::Of(Channel(b, 0), Channel(s, 0));

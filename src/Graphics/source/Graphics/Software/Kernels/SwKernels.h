@@ -37,8 +37,8 @@ struct SwKernels {
     /// is below 255; a transparent destination takes the source, otherwise d = d * (256 - as) >> 8 + c.
     void (*normalSolid)(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
     void (*normalVarying)(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
-    /// The other modes over a basic target, by blend mode number; entry 0 is never used by the renderer, entry 16 serves
-    /// every number above 15.
+    /// The other modes over a basic target, by blend mode number; entry 0 is never used by the renderer, entry 16
+    /// serves every number above 15.
     void (*blend[kBlendCount])(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
 
     /// Drawing into a group: Normal, and the other modes as above.

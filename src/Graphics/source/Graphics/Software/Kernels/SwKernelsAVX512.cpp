@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The row kernels with AVX-512: sixteen pixels at a time, tails by masks. Built with flags of its own. The zeroing forms
-// of the intrinsics with a full mask are the plain instructions.
+// The row kernels with AVX-512: sixteen pixels at a time, tails by masks. Built with flags of its own. The zeroing
+// forms of the intrinsics with a full mask are the plain instructions.
 #if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512VL__) && defined(__AVX512DQ__)
 #include <immintrin.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The row loops of the vector sets and the table they fill. Included last by a set's source, after SwKernelsVector.h and
-// the set's own primitives:
+// The row loops of the vector sets and the table they fill. Included last by a set's source, after SwKernelsVector.h
+// and the set's own primitives:
 //   Load, Store       a full vector of pixels;      LoadPart, StorePart    the first n < kLanes pixels, zeros beyond
 //   Widen, Narrow     kLanes bytes to lanes, back;  WidenPart, NarrowPart  the first n < kLanes bytes
 //   Sqrt              correctly rounded;            AllSet                 whether every lane of a mask is set
@@ -18,8 +18,7 @@ GX_INLINE void StoreSome(uint32_t* p, size_t n, U32 v) noexcept { n == kLanes ? 
 GX_INLINE void NarrowSome(uint8_t* p, size_t n, U32 v) noexcept { n == kLanes ? Narrow(p, v) : NarrowPart(p, n, v); }
 
 /// Calls step(i, n) over a row; the last block may be short.
-template <class Step>
-GX_INLINE void ForBlocks(size_t count, Step step) noexcept {
+template <class Step> GX_INLINE void ForBlocks(size_t count, Step step) noexcept {
     size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
         step(i, kLanes);
@@ -30,18 +29,16 @@ GX_INLINE void ForBlocks(size_t count, Step step) noexcept {
 }
 
 /// The same for long bodies, which then stand once in the code.
-template <class Step>
-GX_INLINE void ForBlocksOnce(size_t count, Step step) noexcept {
+template <class Step> GX_INLINE void ForBlocksOnce(size_t count, Step step) noexcept {
     for (size_t i = 0; i < count; i += kLanes) {
         step(i, count - i < kLanes ? count - i : kLanes);
     }
 }
 
-/// Calls step(i, n) over the whole blocks and leaves what remains to rest(i, n). Spans are short and touch each other: a
-/// masked store here would stall the next span's load, which reaches into the same register's width, for longer than the
-/// narrower set takes to do the pixels with stores of their exact size.
-template <class Step, class Rest>
-GX_INLINE void ForWholeBlocks(size_t count, Step step, Rest rest) noexcept {
+/// Calls step(i, n) over the whole blocks and leaves what remains to rest(i, n). Spans are short and touch each other:
+/// a masked store here would stall the next span's load, which reaches into the same register's width, for longer than
+/// the narrower set takes to do the pixels with stores of their exact size.
+template <class Step, class Rest> GX_INLINE void ForWholeBlocks(size_t count, Step step, Rest rest) noexcept {
     size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
         step(i, kLanes);
@@ -168,8 +165,7 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
 }
 
 /// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
-template <class Mode>
-GX_INLINE U32 BlendPixels(U32 d, U32 c) noexcept {
+template <class Mode> GX_INLINE U32 BlendPixels(U32 d, U32 c) noexcept {
     const U32 as = Alpha(c);
     const U32 ab = Alpha(d);
     const bool opaqueSource = AllSet((as == 255U));
@@ -217,8 +213,7 @@ struct LayerOver {
     GX_INLINE U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOf(Alpha(c))) + c; }
 };
 
-template <class Mode>
-struct LayerBlended {
+template <class Mode> struct LayerBlended {
     GX_INLINE U32 Pixel(U32 under, U32 c) noexcept {
         const U32 mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c)) & 0x00FFFFFFU;
         const U32 m = Scale(c, ComplementOf(Alpha(under))) + Scale(mixed, FactorOf(Alpha(under)));
@@ -226,8 +221,7 @@ struct LayerBlended {
     }
 };
 
-template <class Compose>
-void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count) {
+template <class Compose> void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count) {
     const SwLayerRow r = row;
     ForBlocksOnce(count, [=](size_t i, size_t n) {
         const U32 c = LoadSome(src + i, n);
@@ -276,8 +270,7 @@ void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, co
     });
 }
 
-template <int kType>
-GX_INLINE U32 MaskValue(U32 x) noexcept {
+template <int kType> GX_INLINE U32 MaskValue(U32 x) noexcept {
     if constexpr (kType < 2) {
         return Alpha(kType == 0 ? x : ~x);
     } else {
@@ -290,8 +283,7 @@ GX_INLINE U32 MaskValue(U32 x) noexcept {
     }
 }
 
-template <int kType>
-void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
+template <int kType> void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
     ForBlocks(count, [=](size_t i, size_t n) { NarrowSome(values + i, n, MaskValue<kType>(LoadSome(pixels + i, n))); });
 }
 
@@ -313,7 +305,8 @@ void ScaleShapeBy(uint8_t* shape, uint8_t value, size_t count) {
     for (; count >= 4 * kLanes; count -= 4 * kLanes, shape += 4 * kLanes) {
         Store(shape, Scale(Load(shape), Spread(factor)));
     }
-    ForBlocks(count, [=](size_t i, size_t n) { NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), factor) >> 8); });
+    ForBlocks(count,
+              [=](size_t i, size_t n) { NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), factor) >> 8); });
 }
 
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
@@ -359,13 +352,12 @@ void Invert(uint32_t* dst, size_t count) {
     });
 }
 
-#define GX_MODES(row)                                                                                                 \
-    {                                                                                                                 \
-        row(0, Normal), row(1, Paired<Multiply>), row(2, Paired<Screen>), row(3, Paired<Overlay>),                    \
-        row(4, Darken), row(5, Lighten), row(6, Wide<ColorBurn>), row(7, Wide<ColorDodge>),                           \
-        row(8, Paired<HardLight>), row(9, Wide<SoftLight>), row(10, Difference), row(11, Paired<Exclusion>),          \
-        row(12, Hue), row(13, Saturation), row(14, HueAndSaturation), row(15, Luminosity),                            \
-        row(16, Normal)                                                                                               \
+#define GX_MODES(row)                                                                                                  \
+    {                                                                                                                  \
+        row(0, Normal), row(1, Paired<Multiply>), row(2, Paired<Screen>), row(3, Paired<Overlay>), row(4, Darken),     \
+            row(5, Lighten), row(6, Wide<ColorBurn>), row(7, Wide<ColorDodge>), row(8, Paired<HardLight>),             \
+            row(9, Wide<SoftLight>), row(10, Difference), row(11, Paired<Exclusion>), row(12, Hue),                    \
+            row(13, Saturation), row(14, HueAndSaturation), row(15, Luminosity), row(16, Normal)                       \
     }
 #define GX_BLEND_ROW(number, ...) BlendRow<number, __VA_ARGS__>
 #define GX_LAYER_ROW(number, ...) LayerRow<LayerBlended<__VA_ARGS__>>

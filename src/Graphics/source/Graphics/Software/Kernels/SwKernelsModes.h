@@ -9,8 +9,7 @@ namespace Graphics::GX_KERNEL_NAMESPACE {
 // ---- Functions of single channels in 16-bit lanes ----
 
 /// Runs a function over both halves of each pixel, blue and red, then green and alpha.
-template <class Function>
-struct Paired {
+template <class Function> struct Paired {
     GX_INLINE U32 Pixel(U32 b, U32 s) noexcept {
         const U16 even = Function::Of((U16)(b & 0x00FF00FFU), (U16)(s & 0x00FF00FFU));
         const U16 odd = Function::Of((U16)b >> 8, (U16)s >> 8);
@@ -64,11 +63,10 @@ struct Exclusion {
 
 // ---- Functions of single channels in 32-bit lanes, for their divisions ----
 //
-// The quotient of two integers below 2^24, truncated after a correctly rounded division, is the integer quotient as long
-// as the gap to the next integer, 1 / divisor, exceeds half a unit in the last place: true for every pair here.
+// The quotient of two integers below 2^24, truncated after a correctly rounded division, is the integer quotient as
+// long as the gap to the next integer, 1 / divisor, exceeds half a unit in the last place: true for every pair here.
 
-template <class Function>
-struct Wide {
+template <class Function> struct Wide {
     GX_INLINE U32 Pixel(U32 b, U32 s) noexcept {
         const U32 blue = Function::Of(b & 255U, s & 255U);
         const U32 green = Function::Of(b >> 8 & 255U, s >> 8 & 255U);

@@ -48,8 +48,7 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
 
 /// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs) with alpha as + ab - as ab, each term truncated. One form serves
 /// every alpha: at 255 a complement scales a byte to 0, and t is the other alpha exactly.
-template <class Mode>
-uint32_t BlendPixel(uint32_t d, uint32_t c) noexcept {
+template <class Mode> uint32_t BlendPixel(uint32_t d, uint32_t c) noexcept {
     const uint32_t as = Alpha(c);
     const uint32_t ab = Alpha(d);
     if (ab == 0) {
@@ -61,8 +60,7 @@ uint32_t BlendPixel(uint32_t d, uint32_t c) noexcept {
     return (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
 }
 
-template <class Mode>
-void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
+template <class Mode> void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
         if (s != 0 && Alpha(src[i]) != 0) {
@@ -77,8 +75,7 @@ struct LayerOver {
 };
 
 /// The other modes inside a group: M = c (1 - au) + B au, then under (1 - as) + M as.
-template <class Mode>
-struct LayerBlended {
+template <class Mode> struct LayerBlended {
     static uint32_t Pixel(uint32_t under, uint32_t c) noexcept {
         const uint32_t mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c));
         const uint32_t m = Scale(c, 256U - Alpha(under)) + Scale(mixed, Alpha(under) + 1U);
@@ -86,8 +83,7 @@ struct LayerBlended {
     }
 };
 
-template <class Compose>
-void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count) {
+template <class Compose> void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t c = src[i];
         const uint32_t as = Alpha(c);
@@ -98,7 +94,8 @@ void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, 
         const uint32_t backdrop = row.backdrop != nullptr ? row.backdrop[i] : 0U;
         const uint32_t old = row.color[i];
         const uint32_t oldAlpha = row.alpha[i];
-        const uint32_t alpha = ((Union(row.knockout ? 0U : oldAlpha, as) * (fs + 1U)) >> 8) + ((oldAlpha * (256U - fs)) >> 8);
+        const uint32_t alpha =
+            ((Union(row.knockout ? 0U : oldAlpha, as) * (fs + 1U)) >> 8) + ((oldAlpha * (256U - fs)) >> 8);
         const uint32_t composed = Compose::Pixel(row.knockout ? backdrop : old, c);
         const uint32_t color = Scale(old, 256U - fs) + Scale(composed, fs + 1U);
         row.color[i] = (color & 0x00FFFFFFU) | Union(alpha, Alpha(backdrop)) << 24;
@@ -150,8 +147,7 @@ uint32_t Luminosity8(uint32_t x) noexcept {
     return (77U * Channel(x, 16) + 151U * Channel(x, 8) + 28U * Channel(x, 0)) >> 8;
 }
 
-template <int kType>
-void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
+template <int kType> void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t v = kType < 2 ? Alpha(pixels[i]) : Luminosity8(pixels[i]);
         values[i] = static_cast<uint8_t>((kType & 1) != 0 ? 255U - v : v);

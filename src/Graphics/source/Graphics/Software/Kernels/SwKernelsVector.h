@@ -35,7 +35,7 @@ GX_INLINE F32 Select(I32 mask, F32 yes, F32 no) noexcept { return mask ? yes : n
 GX_INLINE U16 Select(I16 mask, U16 yes, U16 no) noexcept { return mask ? yes : no; }
 
 GX_INLINE F32 ToFloat(U32 v) noexcept { return __builtin_convertvector((I32)v, F32); }
-GX_INLINE U32 Truncate(F32 v) noexcept { return (U32)__builtin_convertvector(v, I32); }
+GX_INLINE U32 Truncate(F32 v) noexcept { return (U32) __builtin_convertvector(v, I32); }
 GX_INLINE F32 Lower(F32 a, F32 b) noexcept { return a < b ? a : b; }
 GX_INLINE F32 Higher(F32 a, F32 b) noexcept { return a > b ? a : b; }
 
