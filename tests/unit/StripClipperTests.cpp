@@ -6,28 +6,11 @@
 #include "Geometry/Figures.h"
 #include "Geometry/Shape.h"
 #include "Geometry/StripClipper.h"
+#include "Winding.h"
 
 using namespace Graphics;
 
-namespace {
-
-int Winding(const Shape& shape, double x, double y) {
-    int winding = 0;
-    for (const Figure& f : shape.Figures()) {
-        const auto points = f.Points();
-        for (size_t i = 0; i < points.size(); ++i) {
-            const Point a = points[i], b = points[(i + 1) % points.size()];
-            if ((a.y <= y) != (b.y <= y)) {
-                const double cross =
-                    a.x + (y - a.y) / (static_cast<double>(b.y) - a.y) * (static_cast<double>(b.x) - a.x);
-                winding += cross > x ? (b.y > a.y ? 1 : -1) : 0;
-            }
-        }
-    }
-    return winding;
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(StripClipper, CutsFiguresAtTheBounds) {
     Shape out;

@@ -144,12 +144,12 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
             m_kernels.fill32(buffer, m_solid, m_buffers.color.size());
             m_solidRowReady = true;
         }
-    } else if (!m_hasOpacityMask) {
-        if (const uint32_t* direct = m_source->DirectRow(x0, x1, y)) {
+    } else {
+        // A mask scales in place, so only without one may the source's own row be used.
+        const uint32_t* direct = m_hasOpacityMask ? nullptr : m_source->DirectRow(x0, x1, y);
+        if (direct != nullptr) {
             return direct;
         }
-        m_source->Fill(x0, x1, y, buffer);
-    } else {
         m_source->Fill(x0, x1, y, buffer);
     }
     if (m_hasOpacityMask) {
