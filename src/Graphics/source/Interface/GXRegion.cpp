@@ -1,96 +1,128 @@
 // SPDX-License-Identifier: MIT
-// Regions.
+// The region family of the C interface.
 #include "Guard.h"
+#include "Handles.h"
+#include "Regions/Region.h"
 
 using namespace Graphics;
 
-GXResult GXCreateRegion(GXRegion* out) noexcept {
-    if (out == nullptr) {
-        return GXResultInvalidArgument;
-    }
-    return Unavailable("Graphics::Region::Region", "Not implemented");
+namespace {
+
+GXResult CreateRegion(const Region& region, GXRegion* out) noexcept {
+    return Create(out, [&] { return std::make_shared<Region>(region); });
 }
 
-GXResult GXCreateRegionFromRect(const GXIntRect* rect, GXRegion* out) noexcept {
-    if (AnyNull(rect, out)) {
+GXResult Combined(const Region& a, const Region& b, uint32_t mode, GXRegion* out) noexcept {
+    if (mode > GXCombineDifference) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Region", "Not implemented");
+    return Create(out, [&] { return std::make_shared<Region>(Region::Combine(a, b, static_cast<RegionOp>(mode))); });
 }
 
-GXResult GXRegionIsAreaEmpty(GXRegion region, uint8_t* out) noexcept {
-    if (AnyNull(region, out)) {
-        return GXResultInvalidArgument;
-    }
-    return Unavailable("Graphics::Region::IsAreaEmpty", "Not implemented");
+/// The answer of a question that needs memory.
+template <class Question> GXResult Answer(uint8_t* out, const Question& question) noexcept {
+    return Guard([&] { *out = question() ? 1 : 0; });
 }
 
-GXResult GXRegionGetBound(GXRegion region, GXIntRect* out) noexcept {
-    if (AnyNull(region, out)) {
+} // namespace
+
+extern "C" {
+
+GXResult GXCreateRegion(GXRegion* out) GX_NOEXCEPT {
+    if (AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Bound", "Not implemented");
+    return CreateRegion(Region(), out);
 }
 
-GXResult GXRegionContainsPoint(GXRegion region, const GXIntPoint* point, uint8_t* out) noexcept {
-    if (AnyNull(region, point, out)) {
+GXResult GXCreateRegionFromRect(const GXIntRect* rect, GXRegion* out) GX_NOEXCEPT {
+    if (AnyNull(rect) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Contains", "Not implemented");
+    return CreateRegion(Region(*rect), out);
 }
 
-GXResult GXRegionContainsRect(GXRegion region, const GXIntRect* rect, uint8_t* out) noexcept {
-    if (AnyNull(region, rect, out)) {
+GXResult GXRegionIsAreaEmpty(GXRegion region, uint8_t* out) GX_NOEXCEPT {
+    if (AnyNull(region) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Contains", "Not implemented");
+    *out = region->object->IsAreaEmpty() ? 1 : 0;
+    return GXResultSuccess;
 }
 
-GXResult GXRegionContains(GXRegion region, GXRegion other, uint8_t* out) noexcept {
-    if (AnyNull(region, other, out)) {
+GXResult GXRegionGetBound(GXRegion region, GXIntRect* out) GX_NOEXCEPT {
+    if (AnyNull(region) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Contains", "Not implemented");
+    *out = region->object->Bound();
+    return GXResultSuccess;
 }
 
-GXResult GXRegionHasIntersection(GXRegion region, GXRegion other, uint8_t* out) noexcept {
-    if (AnyNull(region, other, out)) {
+GXResult GXRegionContainsPoint(GXRegion region, const GXIntPoint* point, uint8_t* out) GX_NOEXCEPT {
+    if (AnyNull(region) || AnyNull(point) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::HasIntersection", "Not implemented");
+    *out = region->object->Contains(*point) ? 1 : 0;
+    return GXResultSuccess;
 }
 
-GXResult GXRegionHasIntersectionWithRect(GXRegion region, const GXIntRect* rect, uint8_t* out) noexcept {
-    if (AnyNull(region, rect, out)) {
+GXResult GXRegionContainsRect(GXRegion region, const GXIntRect* rect, uint8_t* out) GX_NOEXCEPT {
+    if (AnyNull(region) || AnyNull(rect) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::HasIntersection", "Not implemented");
+    return Answer(out, [&] { return region->object->Contains(Region(*rect)); });
 }
 
-GXResult GXRegionOffset(GXRegion region, int32_t, int32_t) noexcept {
-    if (region == nullptr) {
+GXResult GXRegionContains(GXRegion region, GXRegion other, uint8_t* out) GX_NOEXCEPT {
+    if (AnyNull(region, other) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Offset", "Not implemented");
+    return Answer(out, [&] { return region->object->Contains(*other->object); });
 }
 
-GXResult GXRegionCombine(GXRegion region, GXRegion other, uint32_t, GXRegion* out) noexcept {
-    if (AnyNull(region, other, out)) {
+GXResult GXRegionHasIntersection(GXRegion region, GXRegion other, uint8_t* out) GX_NOEXCEPT {
+    if (AnyNull(region, other) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Combine", "Not implemented");
+    return Answer(out, [&] { return region->object->HasIntersection(*other->object); });
 }
 
-GXResult GXRegionCombineRect(GXRegion region, const GXIntRect* rect, uint32_t, GXRegion* out) noexcept {
-    if (AnyNull(region, rect, out)) {
+GXResult GXRegionHasIntersectionWithRect(GXRegion region, const GXIntRect* rect, uint8_t* out) GX_NOEXCEPT {
+    if (AnyNull(region) || AnyNull(rect) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::Combine", "Not implemented");
+    return Answer(out, [&] { return region->object->HasIntersection(Region(*rect)); });
 }
 
-GXResult GXRegionEnumRects(GXRegion region, GXRegionRectProc proc, void*) noexcept {
-    if (region == nullptr || proc == nullptr) {
+GXResult GXRegionOffset(GXRegion region, int32_t dx, int32_t dy) GX_NOEXCEPT {
+    if (AnyNull(region)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Region::EnumRects", "Not implemented");
+    return Guard([&] { region->object->Offset(dx, dy); });
 }
+
+GXResult GXRegionCombine(GXRegion region, GXRegion other, uint32_t mode, GXRegion* out) GX_NOEXCEPT {
+    if (AnyNull(region, other) || AnyNull(out)) {
+        return GXResultInvalidArgument;
+    }
+    return Combined(*region->object, *other->object, mode, out);
+}
+
+GXResult GXRegionCombineRect(GXRegion region, const GXIntRect* rect, uint32_t mode, GXRegion* out) GX_NOEXCEPT {
+    if (AnyNull(region) || AnyNull(rect) || AnyNull(out)) {
+        return GXResultInvalidArgument;
+    }
+    return Combined(*region->object, Region(*rect), mode, out);
+}
+
+GXResult GXRegionEnumRects(GXRegion region, GXRegionRectProc proc, void* context) GX_NOEXCEPT {
+    if (AnyNull(region) || proc == nullptr) {
+        return GXResultInvalidArgument;
+    }
+    return Guard([&] {
+        const Region held = *region->object; // the callback may release the handle
+        held.EnumRects([&](const GXIntRect& rect) { proc(context, &rect); });
+    });
+}
+
+} // extern "C"

@@ -15,6 +15,7 @@ class Font;
 class Geometry;
 class Gradient;
 class Palette;
+class Region;
 class RenderTarget;
 } // namespace Graphics
 
@@ -62,6 +63,9 @@ struct GXGradientRec_ final : ImplementationHolder<const Graphics::Gradient> {
     using ImplementationHolder::ImplementationHolder;
 };
 struct GXPaletteRec_ final : ImplementationHolder<const Graphics::Palette> {
+    using ImplementationHolder::ImplementationHolder;
+};
+struct GXRegionRec_ final : ImplementationHolder<Graphics::Region> {
     using ImplementationHolder::ImplementationHolder;
 };
 struct GXRenderTargetRec_ final : ImplementationHolder<Graphics::RenderTarget> {
