@@ -21,10 +21,23 @@ namespace {
 
 std::atomic<int64_t> g_news{0};
 
+/// Not every C library has std::aligned_alloc: the block of malloc is remembered in front of the aligned one.
 void* Counted(size_t bytes, size_t alignment) noexcept {
     g_news.fetch_add(1, std::memory_order_relaxed);
-    const size_t rounded = (bytes + alignment - 1) / alignment * alignment;
-    return std::aligned_alloc(alignment, rounded == 0 ? alignment : rounded);
+    const size_t gap = sizeof(void*) + alignment - 1;
+    void* const block = bytes > SIZE_MAX - gap ? nullptr : std::malloc(bytes + gap);
+    if (block == nullptr) {
+        return nullptr;
+    }
+    auto* const aligned = reinterpret_cast<void**>((reinterpret_cast<uintptr_t>(block) + gap) & ~(alignment - 1));
+    aligned[-1] = block;
+    return aligned;
+}
+
+void Release(void* p) noexcept {
+    if (p != nullptr) {
+        std::free(static_cast<void**>(p)[-1]);
+    }
 }
 
 void* CountedOrThrow(size_t bytes, size_t alignment) {
@@ -43,12 +56,12 @@ void* operator new(size_t n, std::align_val_t a, const std::nothrow_t&) noexcept
     return Counted(n, static_cast<size_t>(a));
 }
 void* operator new(size_t n, const std::nothrow_t&) noexcept { return Counted(n, alignof(std::max_align_t)); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete(void* p, size_t) noexcept { std::free(p); }
-void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
-void operator delete(void* p, size_t, std::align_val_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept { Release(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { Release(p); }
+void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept { Release(p); }
+void operator delete(void* p, size_t) noexcept { Release(p); }
+void operator delete(void* p, std::align_val_t) noexcept { Release(p); }
+void operator delete(void* p, size_t, std::align_val_t) noexcept { Release(p); }
 
 namespace Graphics {
 namespace {
