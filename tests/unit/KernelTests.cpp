@@ -319,6 +319,28 @@ TEST_P(KernelTest, PlainRowsFollowTheirFormulas) {
         CheckPixels(
             dst, shift, "setOpaque", [&](uint32_t* p) { k.setOpaque(p, n); },
             [](uint32_t d, size_t) { return WithAlpha(d, 255); });
+        const auto* bytes = reinterpret_cast<const uint8_t*>(dst.data());
+        const std::vector<uint8_t> odd(bytes, bytes + 4 * n);
+        Guarded<uint8_t> source(odd, shift); // at any address
+        CheckPixels(
+            std::vector<uint32_t>(n, color), shift, "copyOpaque",
+            [&](uint32_t* p) { k.copyOpaque(p, source.Row(), n); },
+            [&](uint32_t, size_t i) { return WithAlpha(dst[i], 255); });
+        EXPECT_TRUE(source.Is(odd));
+        const size_t gap = random.Number(5);
+        const size_t rows = n == 0 ? 0 : random.Number(4);
+        CheckPixels(
+            std::vector<uint32_t>((n + gap) * rows, 3), shift, "fillBlock",
+            [&](uint32_t* p) { k.fillBlock(p, ptrdiff_t(n + gap) * 4, color, n, rows); },
+            [&](uint32_t d, size_t i) { return i % (n + gap) < n ? color : d; });
+        CheckPixels(
+            std::vector<uint32_t>((n + gap) * rows, 3), shift, "fillBlock upwards",
+            [&](uint32_t* p) {
+                if (rows != 0) {
+                    k.fillBlock(p + (n + gap) * (rows - 1), -ptrdiff_t(n + gap) * 4, color, n, rows);
+                }
+            },
+            [&](uint32_t d, size_t i) { return i % (n + gap) < n ? color : d; });
         CheckPixels(
             dst, shift, "scaleColor", [&](uint32_t* p) { k.scaleColor(p, m.Row(), n); },
             [&](uint32_t d, size_t i) { return mask[i] < 255 ? Times(d, mask[i] + 1) : d; });

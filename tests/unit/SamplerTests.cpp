@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
@@ -267,6 +268,7 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
         source->Fill(x0, x1, y, out.data());
         ASSERT_EQ(out.back(), 0x12345678U);
         const uint32_t* direct = source->DirectRow(x0, x1, y);
+        const SwDirectBlock block = count != 0 ? source->DirectBlock({x0, y, x1, y + 1}) : SwDirectBlock{};
         float u = m0 * static_cast<float>(x0) + m2 * static_cast<float>(y) + m4;
         float v = m1 * static_cast<float>(x0) + m3 * static_cast<float>(y) + m5;
         for (size_t k = 0; k < count; ++k, u += m0, v += m1) {
@@ -281,6 +283,11 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
             ASSERT_TRUE(!isSolid || solid == expected);
             ASSERT_TRUE(!source->IsOpaque() || expected >> 24 == 255);
             ASSERT_TRUE(direct == nullptr || direct[k] == expected);
+            if (block.pixels != nullptr) {
+                uint32_t word;
+                std::memcpy(&word, block.pixels + k * 4, 4);
+                ASSERT_EQ(block.hasAlpha ? word : word | 0xFF000000U, expected);
+            }
         }
     }
 }
@@ -318,6 +325,11 @@ TEST(BitmapSampler, WholePixelPlacementCopiesEveryPixel) {
             ASSERT_NE(source->DirectRow(-5, 11, y + 7), nullptr);
             EXPECT_EQ(source->DirectRow(-6, 11, y + 7), nullptr);
             EXPECT_EQ(source->DirectRow(-5, 12, y + 7), nullptr);
+        }
+        EXPECT_EQ(source->DirectBlock({-5, 7, 11, 16}).pixels, image.view.data);
+        EXPECT_EQ(source->DirectBlock({-4, 9, 10, 10}).pixels, image.view.data + 2 * 64 + 4);
+        for (const IntRect& r : {IntRect{-6, 7, 11, 16}, {-5, 6, 11, 16}, {-5, 7, 12, 16}, {-5, 7, 11, 17}}) {
+            EXPECT_EQ(source->DirectBlock(r).pixels, nullptr);
         }
     }
 }

@@ -60,6 +60,22 @@ const uint32_t* SwBitmapSampler::DirectRow(int32_t x0, int32_t x1, int32_t y) co
                                                                         : nullptr;
 }
 
+SwDirectBlock SwBitmapSampler::DirectBlock(const IntRect& r) const noexcept {
+    if (m_setup.opacityFactor != 256 || !m_reader.HasWords() || !IsCopied(r.left, r.right, r.top) ||
+        !IsCopied(r.left, r.right, r.bottom)) {
+        return {};
+    }
+    const IntRect from = {r.left + m_shiftX, r.top + m_shiftY, r.right + m_shiftX, r.bottom + m_shiftY};
+    if (from.left < 0 || from.top < 0 || from.right > m_setup.width || from.bottom > m_setup.height) {
+        return {};
+    }
+    const uint8_t* pixels = m_reader.Row(from.top) + static_cast<ptrdiff_t>(from.left) * 4;
+    const bool aligned =
+        (reinterpret_cast<uintptr_t>(pixels) | static_cast<uintptr_t>(m_reader.StrideBytes())) % alignof(uint32_t) == 0;
+    return aligned || !m_reader.IsDirect() ? SwDirectBlock{pixels, m_reader.StrideBytes(), m_reader.IsDirect()}
+                                           : SwDirectBlock{};
+}
+
 void SwBitmapSampler::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
     if (x0 >= x1) {
         return;

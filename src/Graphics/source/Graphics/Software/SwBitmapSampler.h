@@ -34,6 +34,7 @@ public:
     [[nodiscard]] bool IsSolid(uint32_t& color) const noexcept override;
     [[nodiscard]] bool IsOpaque() const noexcept override { return m_setup.opaque; }
     [[nodiscard]] const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept override;
+    [[nodiscard]] SwDirectBlock DirectBlock(const IntRect& r) const noexcept override;
 
 private:
     /// A source row at the table's columns; `row` is -1 while nothing is kept.

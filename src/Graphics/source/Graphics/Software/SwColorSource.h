@@ -10,6 +10,13 @@ namespace Graphics {
 
 class Brush;
 
+/// Pixels of a rectangle where they lie in memory; null where they do not.
+struct SwDirectBlock {
+    const uint8_t* pixels = nullptr;
+    ptrdiff_t strideBytes = 0;
+    bool hasAlpha = false; ///< premultiplied words, aligned; otherwise the fourth byte is to be read as 255
+};
+
 class SwColorSource {
 public:
     virtual ~SwColorSource() = default;
@@ -33,6 +40,12 @@ public:
         static_cast<void>(x1);
         static_cast<void>(y);
         return nullptr;
+    }
+
+    /// The same for a whole rectangle, [left, right) x [top, bottom), not empty.
+    [[nodiscard]] virtual SwDirectBlock DirectBlock(const IntRect& r) const noexcept {
+        static_cast<void>(r);
+        return {};
     }
 
     /// Made in the arena of the draw call; the brush must outlive it. `bounds` is the device rectangle that may be

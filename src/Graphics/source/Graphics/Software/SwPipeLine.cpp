@@ -11,6 +11,9 @@ namespace {
 
 constexpr int32_t kMaskChunk = 1024;
 
+/// Shorter rows follow each other so closely that asking for the next one only costs.
+constexpr size_t kExpectedFrom = 64;
+
 void CheckMaskType(const SwMaskInput& mask) {
     if (mask.plane == nullptr && mask.type >= kMaskTypeCount) {
         GX_RAISE("Graphics::SwSoftMaskOp::SwSoftMaskOp", "Unsupported soft mask type.");
@@ -76,13 +79,53 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
     }
 }
 
+template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint) const {
+    const auto width = static_cast<size_t>(r.right - r.left);
+    uint32_t* dst = Pixels(r.left, r.top);
+    for (int32_t y = r.top; y < r.bottom; ++y) {
+        auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + m_target.colorStride);
+        if (width >= kExpectedFrom && y + 1 < r.bottom) {
+            m_kernels.expect(next, width);
+        }
+        paint(y, dst, width);
+        dst = next;
+    }
+}
+
+bool SwPipeLine::PlainBlock(const IntRect& r) const {
+    if (m_isSolid) {
+        if (m_isOpaque) {
+            m_kernels.fillBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid,
+                                static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
+        } else {
+            ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { m_kernels.normalSolid(dst, m_solid, nullptr, n); });
+        }
+        return true;
+    }
+    const SwDirectBlock block = m_source->DirectBlock(r);
+    if (block.pixels == nullptr) {
+        return false;
+    }
+    ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
+        const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
+        if (!block.hasAlpha) {
+            m_kernels.copyOpaque(dst, src, n);
+        } else {
+            m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), nullptr, n);
+        }
+    });
+    return true;
+}
+
 void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) {
     const IntRect r = Intersect({left, top, right, bottom}, m_bounds);
     if (IsEmpty(r)) {
         return;
     }
-    for (int32_t y = r.top; y < r.bottom; ++y) {
-        Stretch(y, r.left, r.right, nullptr, 255);
+    const bool plain = m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && !m_hasOpacityMask &&
+                       m_target.alpha == nullptr;
+    if (!plain || !PlainBlock(r)) {
+        ForRows(r, [&](int32_t y, uint32_t*, size_t) { Stretch(y, r.left, r.right, nullptr, 255); });
     }
 }
 
@@ -164,7 +207,7 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
     const auto count = static_cast<size_t>(x1 - x0);
     const ptrdiff_t dy = y - m_target.origin.y;
     const ptrdiff_t dx = x0 - m_target.origin.x;
-    auto* dst = reinterpret_cast<uint32_t*>(m_target.color + dy * m_target.colorStride) + dx;
+    uint32_t* dst = Pixels(x0, y);
     const size_t blend = std::min<size_t>(m_blendMode, kBlendCount - 1);
     if (m_target.alpha != nullptr) {
         const uint8_t* backdrop = m_target.backdrop;

@@ -62,6 +62,14 @@ public:
     void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
 
 private:
+    [[nodiscard]] uint32_t* Pixels(int32_t x, int32_t y) const noexcept {
+        return reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) +
+               (x - m_target.origin.x);
+    }
+    /// Calls paint(y, pixels, width) for each row, with the next one asked for.
+    template <class Paint> void ForRows(const IntRect& r, Paint&& paint) const;
+    /// Normal on a basic target without masks and clips: a solid colour, or pixels that lie ready. False: not done.
+    [[nodiscard]] bool PlainBlock(const IntRect& r) const;
     /// [x0, x1) inside the bounds; `shape` null: `value` throughout.
     void Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);
     /// As Stretch, with the clip's coverage from x0 on, null where it is 255.

@@ -84,8 +84,7 @@ template <class Format> struct SwPixelLoops {
             std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
             ActivePaintKernels().premultiply(out, count);
         } else if constexpr (std::is_same_v<Format, Opaque32>) {
-            std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
-            ActiveKernels().setOpaque(out, count);
+            ActiveKernels().copyOpaque(out, row + static_cast<ptrdiff_t>(x) * 4, count);
         } else {
             // Copied to locals: `out` might otherwise be one of them, and each pixel would wait for the one before.
             const uint32_t bitOffset = r.m_bitOffset;
@@ -155,7 +154,7 @@ SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
         return;
     case GXPixelFormatPBGRA32:
         asMask ? Use<AlphaOf32>() : Use<Premultiplied32>();
-        m_direct = !asMask;
+        m_direct = m_words = !asMask;
         return;
     case GXPixelFormatBGRA32:
         asMask ? Use<AlphaOf32>() : Use<Straight32>();
@@ -183,6 +182,7 @@ SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
         return;
     default:
         Use<Opaque32>();
+        m_words = true;
         return;
     }
 }

@@ -29,6 +29,9 @@ public:
     [[nodiscard]] bool IsOpaque() const noexcept { return m_opaque; }
     /// True when the words lie in memory as Run gives them.
     [[nodiscard]] bool IsDirect() const noexcept { return m_direct; }
+    /// True when they do but for the alpha, which then is 255 whatever is stored.
+    [[nodiscard]] bool HasWords() const noexcept { return m_words; }
+    [[nodiscard]] ptrdiff_t StrideBytes() const noexcept { return m_strideBytes; }
     [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_data + y * m_strideBytes; }
 
 private:
@@ -45,6 +48,7 @@ private:
     uint32_t m_bitOffset;
     bool m_opaque = false;
     bool m_direct = false;
+    bool m_words = false;
     const uint32_t* m_table = nullptr; ///< words of the 256 byte values, or of the two bits
     RunFunction m_run = nullptr;
     ColumnsFunction m_columns = nullptr;

@@ -30,8 +30,16 @@ struct SwKernels {
 
     /// dst = value
     void (*fill32)(uint32_t* dst, uint32_t value, size_t count);
+    /// The same in each of `rows` rows, from `dst` on at every `strideBytes`.
+    void (*fillBlock)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows);
+    /// Asks for the lines of a row that will be painted soon, and changes nothing. The rows of a block lie further
+    /// apart than a processor looks ahead by itself: outside the second cache, a block of 128 pixels square takes half
+    /// the time when each row is asked for while the one before is painted.
+    void (*expect)(const uint32_t* dst, size_t count);
     /// dst |= 0xFF000000
     void (*setOpaque)(uint32_t* dst, size_t count);
+    /// dst = src | 0xFF000000; `src` may have any address.
+    void (*copyOpaque)(uint32_t* dst, const uint8_t* src, size_t count);
 
     /// Normal over a basic target. Skips pixels whose shape or source alpha is 0; scales the source by shape when it
     /// is below 255; a transparent destination takes the source, otherwise d = d * (256 - as) >> 8 + c.

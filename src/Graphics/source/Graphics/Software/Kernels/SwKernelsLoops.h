@@ -95,8 +95,45 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) {
     Store(end - kLanes, v);
 }
 
+void Expect(const uint32_t* dst, size_t count) {
+    constexpr size_t kLine = 16;
+    for (size_t i = 0; i < count; i += kLine) {
+        __builtin_prefetch(dst + i, 1);
+    }
+    __builtin_prefetch(dst + count - 1, 1);
+}
+
+void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
+    const bool ahead = count >= kLanes && count < kStringStoreCount;
+    for (; rows != 0; --rows) {
+        auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<char*>(dst) + strideBytes);
+        if (ahead && rows > 1) {
+            Expect(next, count);
+        }
+        Fill32(dst, value, count);
+        dst = next;
+    }
+}
+
 void SetOpaque(uint32_t* dst, size_t count) {
     ForBlocks(count, [=](size_t i, size_t n) { StoreSome(dst + i, n, LoadSome(dst + i, n) | 0xFF000000U); });
+}
+
+/// Aligned stores: a row that starts anywhere else splits two lines at every one of them.
+void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
+    const auto step = [=](size_t i) { Store(dst + i, Load(src + i * 4) | 0xFF000000U); };
+    if (count < kLanes) {
+        if (count != 0) {
+            __builtin_memcpy(dst, src, count * 4);
+            SetOpaque(dst, count);
+        }
+        return;
+    }
+    step(0);
+    for (size_t i = kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes; i + kLanes <= count; i += kLanes) {
+        step(i);
+    }
+    step(count - kLanes);
 }
 
 /// d * (256 - as) >> 8 + c, or c where d is transparent.
@@ -365,7 +402,10 @@ void Invert(uint32_t* dst, size_t count) {
 constexpr SwKernels kTable = {
     kSetName,
     Fill32,
+    FillBlock,
+    Expect,
     SetOpaque,
+    CopyOpaque,
     NormalSolid,
     NormalVarying,
     GX_MODES(GX_BLEND_ROW),

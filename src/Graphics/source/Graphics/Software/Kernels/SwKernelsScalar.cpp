@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The row kernels in plain C++: always built, and the measure of every other set.
+#include <cstring>
+
 #include "SwBlend.h"
 #include "SwKernelSets.h"
 
@@ -16,10 +18,24 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) noexcept {
     }
 }
 
+void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) noexcept {
+    for (size_t y = 0; y < rows; ++y) {
+        auto* row = reinterpret_cast<unsigned char*>(dst) + static_cast<ptrdiff_t>(y) * strideBytes;
+        Fill32(reinterpret_cast<uint32_t*>(row), value, count);
+    }
+}
+
+void Expect(const uint32_t*, size_t) noexcept {}
+
 void SetOpaque(uint32_t* dst, size_t count) noexcept {
     for (size_t i = 0; i < count; ++i) {
         dst[i] |= 0xFF000000U;
     }
+}
+
+void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) noexcept {
+    std::memcpy(dst, src, count * 4);
+    SetOpaque(dst, count);
 }
 
 /// c is already scaled by the shape. Sums are 32-bit words, so what leaves a channel enters the next.
@@ -212,7 +228,10 @@ void Invert(uint32_t* dst, size_t count) {
 constexpr SwKernels kTable = {
     "scalar",
     Fill32,
+    FillBlock,
+    Expect,
     SetOpaque,
+    CopyOpaque,
     NormalSolid,
     NormalVarying,
     GX_MODES(GX_BLEND_ROW),
