@@ -32,25 +32,9 @@ inline constexpr Matrix kIdentity{1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
             a.m20 * b.m00 + a.m21 * b.m10 + b.m20, a.m20 * b.m01 + a.m21 * b.m11 + b.m21};
 }
 
-/// False when the matrix has no finite inverse; `out` is then left as it was. Computed in double, rounded once.
-[[nodiscard]] inline bool Invert(const Matrix& m, Matrix& out) noexcept {
-    const double a = m.m00, b = m.m01, c = m.m10, d = m.m11, e = m.m20, f = m.m21;
-    const double det = a * d - b * c;
-    if (!(det != 0.0) || !std::isfinite(det) || !std::isfinite(e) || !std::isfinite(f)) {
-        return false;
-    }
-    const double k = 1.0 / det;
-    if (!std::isfinite(k)) {
-        return false;
-    }
-    out = {static_cast<float>(d * k),
-           static_cast<float>(-b * k),
-           static_cast<float>(-c * k),
-           static_cast<float>(a * k),
-           static_cast<float>((c * f - d * e) * k),
-           static_cast<float>((b * e - a * f) * k)};
-    return true;
-}
+/// False when the matrix has no finite inverse; `out` is then left as it was. Computed in double, rounded once. Not
+/// inline: where GCC 12 vectorised it into its caller, the caller went on with elements that were not rounded.
+[[nodiscard]] bool Invert(const Matrix& m, Matrix& out) noexcept;
 
 /// The min/max box of the four mapped corners.
 [[nodiscard]] inline Rect MapBox(const Matrix& m, const Rect& r) noexcept {

@@ -28,6 +28,27 @@ int32_t TargetSize(int32_t size, double scale) noexcept {
 
 } // namespace
 
+SwReduction SwReduction::For(int32_t width, int32_t height, const Matrix& inverse) noexcept {
+    const double m0 = inverse.m00, m1 = inverse.m01, m2 = inverse.m10, m3 = inverse.m11;
+    const double sx = std::sqrt(m0 * m0 + m1 * m1);
+    const double sy = std::fabs(m0 * m3 - m1 * m2) / sx;
+    return {SwReducedImage::Halvings(width, TargetSize(width, sy)),
+            SwReducedImage::Halvings(height, TargetSize(height, sx))};
+}
+
+std::shared_ptr<const SwReducedImage> ReduceImage(const SwPixelReader& reader, int32_t width, int32_t height,
+                                                  const SwReduction& reduction, CacheHolder* derived, bool asMask) {
+    const uint32_t key = kReducedKey | (asMask ? kReducedMask : 0U) | reduction.halvingsX << 8 | reduction.halvingsY;
+    std::shared_ptr<void> kept = derived != nullptr ? derived->Get(key) : nullptr;
+    if (kept == nullptr) {
+        kept = std::make_shared<SwReducedImage>(reader, width, height, reduction.halvingsX, reduction.halvingsY);
+        if (derived != nullptr) {
+            derived->Put(key, kept);
+        }
+    }
+    return std::static_pointer_cast<const SwReducedImage>(std::move(kept));
+}
+
 SwColorSource* CreateBitmapSource(Arena& arena, const PixelView& view, CacheHolder* derived, uint32_t interpolation,
                                   uint32_t extendX, uint32_t extendY, float opacity, const Matrix& bitmapToDevice,
                                   bool asMask) {
@@ -50,23 +71,12 @@ SwColorSource* CreateBitmapSource(Arena& arena, const PixelView& view, CacheHold
 
     double scaleX = 1.0; // pixels of the sampled image for each of the bitmap
     double scaleY = 1.0;
-    std::shared_ptr<void> keep;
+    std::shared_ptr<const SwReducedImage> keep;
     if (interpolation == GXInterpolationAverage) {
-        const double m0 = inverse.m00, m1 = inverse.m01, m2 = inverse.m10, m3 = inverse.m11;
-        const double sx = std::sqrt(m0 * m0 + m1 * m1);
-        const double sy = std::fabs(m0 * m3 - m1 * m2) / sx;
-        const uint32_t halvingsX = SwReducedImage::Halvings(view.width, TargetSize(view.width, sy));
-        const uint32_t halvingsY = SwReducedImage::Halvings(view.height, TargetSize(view.height, sx));
-        if (halvingsX != 0 || halvingsY != 0) {
-            const uint32_t key = kReducedKey | (asMask ? kReducedMask : 0U) | halvingsX << 8 | halvingsY;
-            keep = derived != nullptr ? derived->Get(key) : nullptr;
-            if (keep == nullptr) {
-                keep = std::make_shared<SwReducedImage>(reader, view.width, view.height, halvingsX, halvingsY);
-                if (derived != nullptr) {
-                    derived->Put(key, keep);
-                }
-            }
-            const PixelView reduced = static_cast<const SwReducedImage*>(keep.get())->View();
+        const SwReduction reduction = SwReduction::For(view.width, view.height, inverse);
+        if (reduction.Any()) {
+            keep = ReduceImage(reader, view.width, view.height, reduction, derived, asMask);
+            const PixelView reduced = keep->View();
             scaleX = static_cast<double>(reduced.width) / view.width;
             scaleY = static_cast<double>(reduced.height) / view.height;
             setup.width = reduced.width;

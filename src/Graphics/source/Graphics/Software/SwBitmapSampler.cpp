@@ -22,7 +22,7 @@ bool WholePixels(float offset, int32_t& shift) noexcept {
 } // namespace
 
 SwBitmapSampler::SwBitmapSampler(Arena& arena, const SwPixelReader& reader, const SwSamplerSetup& setup,
-                                 std::shared_ptr<void> keep)
+                                 std::shared_ptr<const void> keep)
     : m_arena(arena), m_kernels(ActivePaintKernels()), m_reader(reader), m_setup(setup), m_keep(std::move(keep)) {
     m_upright = setup.m1 == 0.0F && setup.m2 == 0.0F;
     const float half = setup.linear ? 0.0F : 0.5F;

@@ -28,7 +28,8 @@ struct SwSamplerSetup {
 class SwBitmapSampler final : public SwColorSource {
 public:
     /// `keep` is held as long as the sampler.
-    SwBitmapSampler(Arena& arena, const SwPixelReader& reader, const SwSamplerSetup& setup, std::shared_ptr<void> keep);
+    SwBitmapSampler(Arena& arena, const SwPixelReader& reader, const SwSamplerSetup& setup,
+                    std::shared_ptr<const void> keep);
 
     void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) override;
     [[nodiscard]] bool IsSolid(uint32_t& color) const noexcept override;
@@ -55,7 +56,7 @@ private:
     const SwPaintKernels& m_kernels;
     SwPixelReader m_reader;
     SwSamplerSetup m_setup;
-    std::shared_ptr<void> m_keep;
+    std::shared_ptr<const void> m_keep;
     bool m_copies = false;  ///< scale 1, whole-pixel translation
     bool m_upright = false; ///< u depends on x alone, v on y alone
     int32_t m_shiftX = 0;

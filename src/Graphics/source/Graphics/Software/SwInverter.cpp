@@ -11,26 +11,30 @@ constexpr uint8_t kHalf = 127; // the byte of 32 samples of 64
 
 } // namespace
 
-SwInverter::SwInverter(const SwTargetPlanes& target, const IntRect& bounds, const SwClip* clip) noexcept
-    : m_target(target), m_bounds(bounds), m_clip(clip != nullptr && clip->HasMask() ? clip : nullptr) {}
+PixelInverter::PixelInverter(const IntRect& bounds, const SwClip* clip) noexcept
+    : m_bounds(bounds), m_clip(clip != nullptr && clip->HasMask() ? clip : nullptr) {}
 
-void SwInverter::Pixels(int32_t y, int32_t x0, int32_t x1) {
+void SwInverter::Invert(int32_t y, int32_t x0, int32_t x1) {
     auto* row = reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) -
                 m_target.origin.x;
+    ActiveKernels().invert(row + x0, static_cast<size_t>(x1 - x0));
+}
+
+void PixelInverter::Pixels(int32_t y, int32_t x0, int32_t x1) {
     if (m_clip == nullptr) {
-        ActiveKernels().invert(row + x0, static_cast<size_t>(x1 - x0));
+        Invert(y, x0, x1);
         return;
     }
     x0 = std::max(x0, m_clip->Row(y).begin);
     x1 = std::min(x1, m_clip->Row(y).end);
     for (int32_t x = x0; x < x1; ++x) {
         if (*m_clip->Coverage(x, y) >= kHalf) {
-            ActiveKernels().invert(row + x, 1);
+            Invert(y, x, x + 1);
         }
     }
 }
 
-void SwInverter::Row(int32_t y, std::span<CoverageRun> runs) {
+void PixelInverter::Row(int32_t y, std::span<CoverageRun> runs) {
     if (y < m_bounds.top || y >= m_bounds.bottom) {
         return;
     }
@@ -53,14 +57,14 @@ void SwInverter::Row(int32_t y, std::span<CoverageRun> runs) {
     }
 }
 
-void SwInverter::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) {
+void PixelInverter::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) {
     const IntRect r = Intersect({left, top, right, bottom}, m_bounds);
     for (int32_t y = r.top; y < r.bottom && r.left < r.right; ++y) {
         Pixels(y, r.left, r.right);
     }
 }
 
-void SwInverter::Line(const Point& from, const Point& to) {
+void PixelInverter::Line(const Point& from, const Point& to) {
     if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) {
         return;
     }

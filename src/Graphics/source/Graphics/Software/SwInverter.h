@@ -7,21 +7,36 @@
 
 namespace Graphics {
 
-class SwInverter final : public RasterizationSink {
+class PixelInverter : public RasterizationSink {
 public:
-    SwInverter(const SwTargetPlanes& target, const IntRect& bounds, const SwClip* clip) noexcept;
+    PixelInverter(const IntRect& bounds, const SwClip* clip) noexcept;
 
-    void Row(int32_t y, std::span<CoverageRun> runs) override;
-    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+    void Row(int32_t y, std::span<CoverageRun> runs) final;
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) final;
     /// One device pixel for each step along the longer direction.
     void Line(const Point& from, const Point& to);
+
+protected:
+    /// The columns [x0, x1) of row y, inside bounds and clip.
+    virtual void Invert(int32_t y, int32_t x0, int32_t x1) = 0;
 
 private:
     void Pixels(int32_t y, int32_t x0, int32_t x1);
 
-    const SwTargetPlanes& m_target;
     IntRect m_bounds;
     const SwClip* m_clip;
+};
+
+/// Inverts in memory.
+class SwInverter final : public PixelInverter {
+public:
+    SwInverter(const SwTargetPlanes& target, const IntRect& bounds, const SwClip* clip) noexcept
+        : PixelInverter(bounds, clip), m_target(target) {}
+
+private:
+    void Invert(int32_t y, int32_t x0, int32_t x1) override;
+
+    const SwTargetPlanes& m_target;
 };
 
 } // namespace Graphics

@@ -1,58 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "SwRenderTarget.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
 #include "../Exception.h"
 #include "../Geometry/DeviceFeed.h"
 #include "../Geometry/Shape.h"
-#include "../Geometry/StrokeStyle.h"
 #include "../Paint/Brush.h"
 #include "../Paint/Gradient.h"
+#include "../Scan/DeviceFigures.h"
 #include "SwBitmapColorSource.h"
 #include "SwInverter.h"
 #include "SwPlaneColorSource.h"
 
 namespace Graphics {
 namespace {
-
-/// Whole pixels around a box, one more on every side: a degenerate rectangle is one pixel wide, and snapping may move
-/// an edge. NaN sides go as far as they can.
-[[nodiscard]] IntRect RoundOut(const Rect& r) noexcept {
-    static constexpr float kFar = 1.0e9F;
-    const auto low = [](float v) {
-        return v > -kFar ? SaturatingTruncate(std::floor(std::min(v, kFar))) - 1 : -1000000001;
-    };
-    const auto high = [](float v) {
-        return v < kFar ? SaturatingTruncate(std::ceil(std::max(v, -kFar))) + 1 : 1000000001;
-    };
-    return {low(r.left), low(r.top), high(r.right), high(r.bottom)};
-}
-
-[[nodiscard]] Rect ToRect(const IntRect& r) noexcept {
-    return {static_cast<float>(r.left), static_cast<float>(r.top), static_cast<float>(r.right),
-            static_cast<float>(r.bottom)};
-}
-
-/// Device box of a path under a matrix; the widest box where a coordinate is not finite.
-[[nodiscard]] Rect DeviceBox(const Shape& path, const Matrix& m, float reach) noexcept {
-    constexpr float kFar = 1.0e9F;
-    const Rect box = path.ControlBox();
-    const Rect mapped = MapBox(m, {box.left - reach, box.top - reach, box.right + reach, box.bottom + reach});
-    const bool finite = path.AllFinite() && std::isfinite(mapped.left) && std::isfinite(mapped.top) &&
-                        std::isfinite(mapped.right) && std::isfinite(mapped.bottom);
-    return finite ? mapped : Rect{-kFar, -kFar, kFar, kFar};
-}
-
-/// How far a stroke's outline may lie from its path, in user units.
-[[nodiscard]] float StrokeReach(float width, const StrokeStyle& style) noexcept {
-    constexpr float kDiagonal = 1.4142136F; // of a square cap
-    const float factor = style.join == GXLineJoinMiter ? std::max(style.miterLimit, kDiagonal) : kDiagonal;
-    return width * 0.5F * factor;
-}
 
 [[nodiscard]] uint32_t Premultiply(uint32_t argb) noexcept {
     const uint32_t alpha = argb >> 24;
@@ -77,18 +39,6 @@ private:
     Arena& m_arena;
 };
 
-/// A clip that was built not long ago, with everything it was made from.
-struct SwRenderTarget::ClipKey {
-    SwClipRef parent;
-    SwClipRef clip;
-    std::shared_ptr<const Shape> shape;
-    size_t figureCount;
-    uint32_t fillRule;
-    Matrix transform;
-    IntRect visible;
-    bool snap;
-};
-
 SwRenderTarget::SwRenderTarget(std::unique_ptr<SwSurface> surface) : m_surface(std::move(surface)) {}
 
 SwRenderTarget::~SwRenderTarget() = default;
@@ -111,20 +61,6 @@ const Shape& SwRenderTarget::Resolve(const PathRef& path) {
     m_figure.Clear();
     path.figure->Replay(m_figure);
     return m_figure;
-}
-
-bool SwRenderTarget::SnapFigure(const BasicFigure& figure, IntRect& pixels) {
-    const Matrix& m = State().transform;
-    if (figure.GetKind() != BasicFigure::Kind::Rectangle || m.m01 != 0.0F || m.m10 != 0.0F) {
-        return false;
-    }
-    const Rect& r = figure.Box();
-    const Point a = Map(m, {r.left, r.top});
-    const Point b = Map(m, {r.right, r.bottom});
-    // NaN compares false.
-    const auto inBand = [](float v) { return std::fabs(v) < kDeviceBand; };
-    return inBand(a.x) && inBand(a.y) && inBand(b.x) && inBand(b.y) &&
-           m_rasterizer.SnapRectangle(ToRect(m_area), a, b, pixels);
 }
 
 template <class Change> void SwRenderTarget::ChangeState(Change&& change) {
@@ -181,7 +117,7 @@ void SwRenderTarget::BeginPaint() {
 void SwRenderTarget::EndPaint() {
     const auto finish = [this]() noexcept {
         m_layers.clear();
-        m_recentClips.clear();
+        m_clips.Forget();
         m_basic.Close();
         m_cached = SwState();
         m_painting = false;
@@ -256,7 +192,7 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
         cover(pipeLine, visible);
     };
     IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(*path.figure, pixels)) {
+    if (snap && path.figure != nullptr && SnapFigure(m_rasterizer, *path.figure, State().transform, m_area, pixels)) {
         run(Visible(pixels), [](SwPipeLine& pipeLine, const IntRect& visible) {
             pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
         });
@@ -289,10 +225,7 @@ void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width
     if (shape.Empty()) {
         return;
     }
-    // Two more pixels: the thinnest line is one wide, and adjustment moves edges by less than one.
-    Rect box = DeviceBox(shape, state.transform, StrokeReach(width, style));
-    box = {box.left - 2.0F, box.top - 2.0F, box.right + 2.0F, box.bottom + 2.0F};
-    const IntRect visible = Visible(RoundOut(box));
+    const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
     if (IsEmpty(visible)) {
         return;
     }
@@ -307,42 +240,10 @@ void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width
 
 void SwRenderTarget::Clip(const PathRef& path) {
     SwState& state = State();
-    const bool snap = state.strokeAdjustment;
     const Shape& shape = Resolve(path);
-    IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
-    if (shape.Empty() || IsEmpty(visible)) {
-        visible = {0, 0, 0, 0};
-    }
-    // The same clip again, as hosts that save and restore state around every object ask for: built once.
-    const auto figureCount = shape.Figures().size();
-    const uint32_t rule = shape.FillRule();
-    const auto same = [&](const ClipKey& key) {
-        return path.shape != nullptr && key.shape == *path.shape && key.parent.get() == state.clip.get() &&
-               key.figureCount == figureCount && key.fillRule == rule && key.snap == snap && key.visible == visible &&
-               SameMatrix(key.transform, state.transform);
-    };
-    if (const auto found = std::find_if(m_recentClips.begin(), m_recentClips.end(), same);
-        found != m_recentClips.end()) {
-        state.clip = found->clip;
-        return;
-    }
-    SwClipBuilder builder(m_clips, state.clip.get(), visible);
-    if (!IsEmpty(visible)) {
-        m_rasterizer.Begin(ToRect(m_area), visible, snap);
-        FeedFill(shape, state.transform, m_rasterizer);
-        m_rasterizer.Finish(builder);
-    }
-    SwClipRef clip = builder.Finish();
-    if (path.shape != nullptr) {
-        constexpr size_t kRecent = 8;
-        ClipKey key{state.clip, clip, *path.shape, figureCount, rule, state.transform, visible, snap};
-        if (m_recentClips.size() < kRecent) {
-            m_recentClips.push_back(std::move(key));
-        } else {
-            m_recentClips[m_nextRecent++ % kRecent] = std::move(key);
-        }
-    }
-    state.clip = std::move(clip);
+    const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
+    state.clip =
+        m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, state.clip, state.strokeAdjustment);
 }
 
 void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
@@ -354,15 +255,7 @@ void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, con
         return;
     }
     const bool isWhole = part == IntRect{0, 0, whole.width, whole.height};
-    // The source rectangle lies exactly on the destination.
-    const float sx = (destination.right - destination.left) / static_cast<float>(source.right - source.left);
-    const float sy = (destination.bottom - destination.top) / static_cast<float>(source.bottom - source.top);
-    const Matrix place{sx,
-                       0.0F,
-                       0.0F,
-                       sy,
-                       destination.left + static_cast<float>(part.left - source.left) * sx,
-                       destination.top + static_cast<float>(part.top - source.top) * sy};
+    const Matrix place = PlaceImage(part, source, destination);
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
     FillPath({nullptr, &figure}, State().strokeAdjustment, nullptr, [&](const IntRect&) {
         return CreateBitmapSource(m_arena, PixelTransfer::Part(whole, part), isWhole ? &bitmap.Derived() : nullptr,
@@ -374,12 +267,8 @@ void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, con
 void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
     const DrawScope scope(m_arena);
     const PixelView view = mask.View();
-    const Matrix place{(destination.right - destination.left) / static_cast<float>(view.width),
-                       0.0F,
-                       0.0F,
-                       (destination.bottom - destination.top) / static_cast<float>(view.height),
-                       destination.left,
-                       destination.top};
+    const IntRect whole{0, 0, view.width, view.height};
+    const Matrix place = PlaceImage(whole, whole, destination);
     SwMaskInput input;
     input.source = CreateBitmapSource(m_arena, view, &mask.Derived(), interpolation, GXExtendClamp, GXExtendClamp, 1.0F,
                                       Concat(place, State().transform), true);
@@ -420,12 +309,7 @@ void SwRenderTarget::Clear(uint32_t argb) {
 
 void SwRenderTarget::BeginLayer(const GXLayerDesc& desc) {
     const SwState& state = State();
-    IntRect bounds = m_area;
-    if (desc.bounds.left < desc.bounds.right && desc.bounds.top < desc.bounds.bottom) {
-        const Rect box = MapBox(state.transform, desc.bounds);
-        bounds = RoundOut({box.left + 1.0F, box.top + 1.0F, box.right - 1.0F, box.bottom - 1.0F});
-    }
-    bounds = Visible(bounds);
+    IntRect bounds = Visible(LayerBox(desc.bounds, state.transform, m_area));
     if (m_spareLayers.empty()) {
         m_spareLayers.push_back(std::make_unique<SwLayerSubTarget>());
     }

@@ -10,6 +10,7 @@
 #include "../Geometry/Shape.h"
 #include "../Scan/Rasterizer.h"
 #include "../Target/RenderTargetBase.h"
+#include "SwClipMaker.h"
 #include "SwLayerSubTarget.h"
 #include "SwSubTarget.h"
 #include "SwSurface.h"
@@ -51,14 +52,11 @@ public:
 
 private:
     class DrawScope;
-    struct ClipKey;
 
     [[nodiscard]] SwSubTarget& Current() noexcept;
     [[nodiscard]] SwState& State() noexcept { return Current().State(); }
     /// The stored shape, or the figure put into a shape that is void after the call.
     [[nodiscard]] const Shape& Resolve(const PathRef& path);
-    /// The whole pixels of a rectangle that stays upright under the current matrix; false for everything else.
-    [[nodiscard]] bool SnapFigure(const BasicFigure& figure, IntRect& pixels);
     /// Applies a setter to the cached state and, while painting, to the current one.
     template <class Change> void ChangeState(Change&& change);
 
@@ -79,12 +77,10 @@ private:
     SwState m_cached;
 
     // Before everything that may hold clips.
-    SwClipPool m_clips;
+    SwClipMaker m_clips;
     SwBasicSubTarget m_basic;
     std::vector<std::unique_ptr<SwLayerSubTarget>> m_layers; // open ones, innermost last
     std::vector<std::unique_ptr<SwLayerSubTarget>> m_spareLayers;
-    std::vector<ClipKey> m_recentClips;
-    size_t m_nextRecent = 0;
 
     // What a draw call works with; warm after the first ones.
     Arena m_arena;

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "DeviceFigures.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "../Geometry/DeviceFeed.h"
+#include "../Geometry/Shape.h"
+#include "../Geometry/StrokeStyle.h"
+#include "Rasterizer.h"
+
+namespace Graphics {
+
+IntRect RoundOut(const Rect& r) noexcept {
+    static constexpr float kFar = 1.0e9F;
+    const auto low = [](float v) {
+        return v > -kFar ? SaturatingTruncate(std::floor(std::min(v, kFar))) - 1 : -1000000001;
+    };
+    const auto high = [](float v) {
+        return v < kFar ? SaturatingTruncate(std::ceil(std::max(v, -kFar))) + 1 : 1000000001;
+    };
+    return {low(r.left), low(r.top), high(r.right), high(r.bottom)};
+}
+
+Rect DeviceBox(const Shape& path, const Matrix& m, float reach) noexcept {
+    constexpr float kFar = 1.0e9F;
+    const Rect box = path.ControlBox();
+    const Rect mapped = MapBox(m, {box.left - reach, box.top - reach, box.right + reach, box.bottom + reach});
+    const bool finite = path.AllFinite() && std::isfinite(mapped.left) && std::isfinite(mapped.top) &&
+                        std::isfinite(mapped.right) && std::isfinite(mapped.bottom);
+    return finite ? mapped : Rect{-kFar, -kFar, kFar, kFar};
+}
+
+IntRect StrokeBox(const Shape& path, const Matrix& m, float width, const StrokeStyle& style) noexcept {
+    constexpr float kDiagonal = 1.4142136F; // of a square cap
+    const float factor = style.join == GXLineJoinMiter ? std::max(style.miterLimit, kDiagonal) : kDiagonal;
+    const Rect box = DeviceBox(path, m, width * 0.5F * factor);
+    // Two more pixels: the thinnest line is one wide, and adjustment moves edges by less than one.
+    return RoundOut({box.left - 2.0F, box.top - 2.0F, box.right + 2.0F, box.bottom + 2.0F});
+}
+
+IntRect LayerBox(const Rect& bounds, const Matrix& m, const IntRect& area) noexcept {
+    if (!(bounds.left < bounds.right && bounds.top < bounds.bottom)) {
+        return area;
+    }
+    const Rect box = MapBox(m, bounds);
+    return RoundOut({box.left + 1.0F, box.top + 1.0F, box.right - 1.0F, box.bottom - 1.0F});
+}
+
+Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destination) noexcept {
+    const float sx = (destination.right - destination.left) / static_cast<float>(source.right - source.left);
+    const float sy = (destination.bottom - destination.top) / static_cast<float>(source.bottom - source.top);
+    return {sx,
+            0.0F,
+            0.0F,
+            sy,
+            destination.left + static_cast<float>(part.left - source.left) * sx,
+            destination.top + static_cast<float>(part.top - source.top) * sy};
+}
+
+bool SnapFigure(Rasterizer& rasterizer, const BasicFigure& figure, const Matrix& m, const IntRect& area,
+                IntRect& pixels) {
+    if (figure.GetKind() != BasicFigure::Kind::Rectangle || m.m01 != 0.0F || m.m10 != 0.0F) {
+        return false;
+    }
+    const Rect& r = figure.Box();
+    const Point a = Map(m, {r.left, r.top});
+    const Point b = Map(m, {r.right, r.bottom});
+    // NaN compares false.
+    const auto inBand = [](float v) { return std::fabs(v) < kDeviceBand; };
+    return inBand(a.x) && inBand(a.y) && inBand(b.x) && inBand(b.y) &&
+           rasterizer.SnapRectangle(ToRect(area), a, b, pixels);
+}
+
+} // namespace Graphics

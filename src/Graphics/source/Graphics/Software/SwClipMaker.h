@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Builds the clips of a target. The same clip again, as hosts that save and restore state around every object ask for,
+// is built once.
+#pragma once
+
+#include <vector>
+
+#include "../Geometry/Shape.h"
+#include "../Target/RenderTargetBase.h"
+#include "SwClip.h"
+
+namespace Graphics {
+
+class Rasterizer;
+
+class SwClipMaker {
+public:
+    /// `path` under `m`, inside `parent` (null: none) and `visible`. `shape` is the path's stored shape, or its figure
+    /// put into a shape.
+    [[nodiscard]] SwClipRef Make(Rasterizer& rasterizer, const PathRef& path, const Shape& shape, const Matrix& m,
+                                 const IntRect& area, const IntRect& visible, const SwClipRef& parent, bool snap);
+    void Forget() noexcept { m_recent.clear(); }
+    [[nodiscard]] SwClipPool& Pool() noexcept { return m_pool; }
+
+private:
+    /// A clip that was built not long ago, with everything it was made from.
+    struct Key {
+        SwClipRef parent;
+        SwClipRef clip;
+        std::shared_ptr<const Shape> shape;
+        size_t figureCount;
+        uint32_t fillRule;
+        Matrix transform;
+        IntRect visible;
+        bool snap;
+    };
+
+    SwClipPool m_pool; // before everything that may hold clips
+    std::vector<Key> m_recent;
+    size_t m_next = 0;
+};
+
+} // namespace Graphics
