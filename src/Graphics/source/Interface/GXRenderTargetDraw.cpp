@@ -38,8 +38,7 @@ template <class Work, class... Pointers>
     return Draw(
         handle,
         [&](RenderTargetBase& t) {
-            const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
-            t.Fill({&shape, nullptr}, *brush->object, text);
+            t.Fill({&geometry->object->SharedShape(), nullptr}, *brush->object, text);
         },
         geometry, brush);
 }
@@ -103,8 +102,7 @@ GXResult GXRenderTargetStrokeGeometry(GXRenderTarget renderTarget, GXGeometry ge
     if (AnyNull(renderTarget, geometry)) {
         return GXResultInvalidArgument;
     }
-    const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
-    return StrokePath(renderTarget, {&shape, nullptr}, brush, width, style);
+    return StrokePath(renderTarget, {&geometry->object->SharedShape(), nullptr}, brush, width, style);
 }
 
 GXResult GXRenderTargetStrokeLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2,
@@ -135,8 +133,7 @@ GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geom
     return Draw(
         renderTarget,
         [&](RenderTargetBase& t) {
-            const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
-            t.Clip({&shape, nullptr});
+            t.Clip({&geometry->object->SharedShape(), nullptr});
         },
         geometry);
 }

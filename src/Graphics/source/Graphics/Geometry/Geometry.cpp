@@ -9,7 +9,11 @@
 
 namespace Graphics {
 
-Geometry::Geometry() : m_shape(std::make_shared<Shape>()) {}
+Geometry::Geometry() {
+    auto shape = std::make_shared<Shape>();
+    m_shape = shape.get();
+    m_shared = std::move(shape);
+}
 
 void Geometry::ConicTo(const Point& c2, const Point& end) {
     Point c1 = c2;

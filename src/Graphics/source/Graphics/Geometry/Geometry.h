@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] const Shape& GetShape() const noexcept { return *m_shape; }
     [[nodiscard]] Shape& GetShape() noexcept { return *m_shape; }
-    [[nodiscard]] std::shared_ptr<const Shape> SharedShape() const noexcept { return m_shape; }
+    [[nodiscard]] const std::shared_ptr<const Shape>& SharedShape() const noexcept { return m_shared; }
 
     /// A new geometry with the finished figures, mapped.
     [[nodiscard]] std::shared_ptr<Geometry> Transform(const Matrix& m) const;
@@ -33,7 +33,8 @@ public:
     [[nodiscard]] std::shared_ptr<Geometry> Widen(float width, const StrokeStyle& style) const;
 
 private:
-    std::shared_ptr<Shape> m_shape;
+    std::shared_ptr<const Shape> m_shared;
+    Shape* m_shape; // the same, for the operations that build it
 };
 
 } // namespace Graphics

@@ -2,6 +2,18 @@
 #include "Shape.h"
 
 namespace Graphics {
+namespace {
+
+constinit std::atomic<uint64_t> g_lastIdentity{0};
+
+} // namespace
+
+uint64_t Shape::NewIdentity() const noexcept {
+    const uint64_t fresh = g_lastIdentity.fetch_add(1, std::memory_order_relaxed) + 1;
+    uint64_t known = 0;
+    // Another thread that reads the same finished shape may have been first.
+    return m_identity.compare_exchange_strong(known, fresh, std::memory_order_relaxed) ? fresh : known;
+}
 
 void Shape::BeginFigure(const Point& start) {
     const Point p = start;
@@ -11,6 +23,7 @@ void Shape::BeginFigure(const Point& start) {
     m_current.Start(p);
     m_open = true;
     m_bounds.BeginFigure(p);
+    Changed();
 }
 
 void Shape::EndFigure() {
@@ -18,6 +31,7 @@ void Shape::EndFigure() {
         return;
     }
     m_figures.push_back(std::move(m_current));
+    Changed();
     m_current = Figure();
     m_open = false;
     m_bounds.EndFigure();
@@ -36,6 +50,7 @@ void Shape::Clear() noexcept {
     }
     m_current.Reset();
     m_figures.clear();
+    Changed();
     m_open = false;
     m_fillRule = GXFillRuleNonZero;
     m_bounds.Reset();

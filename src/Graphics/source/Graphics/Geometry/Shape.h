@@ -2,6 +2,7 @@
 // A stored path: finished figures, the figure under construction, the fill rule and the box of all points.
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "BoundCalculator.h"
@@ -16,7 +17,10 @@ public:
     Shape& operator=(const Shape&) = delete;
 
     /// Kept as it is; every value but 0 acts as even-odd.
-    void SetFillRule(uint32_t rule) override { m_fillRule = rule; }
+    void SetFillRule(uint32_t rule) override {
+        m_fillRule = rule;
+        Changed();
+    }
     /// Ends a figure that is still open.
     void BeginFigure(const Point& start) override;
     /// Stores the figure unless it is a lone start point, which stays open.
@@ -27,12 +31,14 @@ public:
         if (m_open) {
             m_current.AddLine(p);
             m_bounds.LineTo(p);
+            Changed();
         }
     }
     void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
         if (m_open) {
             m_current.AddCubic(c1, c2, end);
             m_bounds.CubicTo(c1, c2, end);
+            Changed();
         }
     }
 
@@ -51,6 +57,14 @@ public:
     /// Both have figures, and rule, box and all figures are the same.
     [[nodiscard]] bool Equals(const Shape& o) const noexcept;
 
+    /// A number for the shape as it is now: no other one has it or ever had it, and this one loses it with any change.
+    /// So what was derived under the number is never mistaken, whatever became of the shape. Readers on several threads
+    /// may ask at once.
+    [[nodiscard]] uint64_t Identity() const noexcept {
+        const uint64_t known = m_identity.load(std::memory_order_relaxed);
+        return known != 0 ? known : NewIdentity();
+    }
+
     /// Sends the rule and every finished figure. Direct calls where Sink is final.
     template <class Sink> void Replay(Sink& sink) const {
         sink.SetFillRule(m_fillRule);
@@ -67,6 +81,10 @@ public:
     }
 
 private:
+    [[nodiscard]] uint64_t NewIdentity() const noexcept;
+    void Changed() noexcept { m_identity.store(0, std::memory_order_relaxed); }
+
+    mutable std::atomic<uint64_t> m_identity{0}; // 0: not asked for since the last change
     uint32_t m_fillRule = GXFillRuleNonZero;
     bool m_open = false;
     Figure m_current;

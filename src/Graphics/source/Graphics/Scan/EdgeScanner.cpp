@@ -205,14 +205,41 @@ void EdgeScanner::EmitTrapezoids(int32_t s, int32_t end, RasterizationSink& sink
     m_active.resize(static_cast<size_t>(out - m_active.data()));
 }
 
-void EdgeScanner::Scan(HeapArray<Edge>& edges, bool evenOdd, bool trapezoids, int32_t first, int32_t last,
-                       const IntRect& visible, RasterizationSink& sink) {
+void EdgeScanner::Start(HeapArray<Edge>& edges, bool evenOdd) {
     m_evenOdd = evenOdd;
-    m_row.Begin(visible.left, visible.right);
     m_active.clear();
     m_active.reserve(edges.size());
     std::sort(edges.begin(), edges.end(),
               [](const Edge& l, const Edge& r) { return l.first != r.first ? l.first < r.first : l.x < r.x; });
+}
+
+void EdgeScanner::Scan(HeapArray<Edge>& edges, bool evenOdd, int32_t first, int32_t last, SampleGrid& grid) {
+    Start(edges, evenOdd);
+    const Edge* next = edges.begin();
+    const Edge* const stop = edges.end();
+    for (int32_t s = first; s < last;) {
+        const Edge* to = next;
+        while (to != stop && to->first <= s) {
+            ++to;
+        }
+        Insert(next, to);
+        next = to;
+        if (m_active.empty()) {
+            if (next == stop) {
+                return;
+            }
+            s = next->first;
+            continue;
+        }
+        ForEachSpan([&](size_t from, size_t end) noexcept { grid.Add(s, m_active[from].x, m_active[end].x); });
+        Step(++s);
+    }
+}
+
+void EdgeScanner::Scan(HeapArray<Edge>& edges, bool evenOdd, bool trapezoids, int32_t first, int32_t last,
+                       const IntRect& visible, RasterizationSink& sink) {
+    Start(edges, evenOdd);
+    m_row.Begin(visible.left, visible.right);
     const Edge* next = edges.begin();
     const Edge* const stop = edges.end();
     const auto emit = [&](int32_t y) {

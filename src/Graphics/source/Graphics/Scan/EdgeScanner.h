@@ -5,6 +5,7 @@
 
 #include "CoverageBuffer.h"
 #include "EdgeBuilder.h"
+#include "SampleGrid.h"
 
 namespace Graphics {
 
@@ -14,7 +15,11 @@ public:
     void Scan(HeapArray<Edge>& edges, bool evenOdd, bool trapezoids, int32_t first, int32_t last,
               const IntRect& visible, RasterizationSink& sink);
 
+    /// Sets the samples of the sub-scanlines [first, last) instead; sub unit and sub-scanline 0 are the grid's first.
+    void Scan(HeapArray<Edge>& edges, bool evenOdd, int32_t first, int32_t last, SampleGrid& grid);
+
 private:
+    void Start(HeapArray<Edge>& edges, bool evenOdd);
     void Insert(const Edge* from, const Edge* to);
     void AddSpans() noexcept;
     void Step(int32_t next) noexcept;

@@ -101,4 +101,16 @@ void Rasterizer::Finish(RasterizationSink& sink) {
     m_sorting.Scan(m_edges, m_evenOdd, trapezoids, first, last, m_visible, sink);
 }
 
+void Rasterizer::FinishSamples(SampleGrid& grid) {
+    m_builder.CloseFigure();
+    grid.Begin(std::max(m_visible.right, 0), std::max(m_visible.bottom, 0));
+    const FillShape shape = m_builder.Measure(!m_evenOdd);
+    const int32_t first = std::max(shape.first, 0);
+    const int32_t last = std::min(shape.last, m_visible.bottom * 8);
+    if (first < last) {
+        m_builder.Build(m_edges, first, last);
+        m_sorting.Scan(m_edges, m_evenOdd, first, last, grid);
+    }
+}
+
 } // namespace Graphics

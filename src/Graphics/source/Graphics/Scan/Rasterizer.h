@@ -40,6 +40,10 @@ public:
     /// Sends the coverage; nothing when the fill has no edge.
     void Finish(RasterizationSink& sink);
 
+    /// Takes the fill's samples instead of sending coverage. The visible rectangle has to begin at (0, 0); the grid
+    /// gets its size.
+    void FinishSamples(SampleGrid& grid);
+
     /// The whole pixels that a fill of the upright rectangle between two opposite corners (finite, device pixels) would
     /// send, without the fill: most rectangles of a page come this way. False when it has no height. Not between Begin
     /// and Finish.

@@ -7,7 +7,6 @@
 #include "../Paint/Brush.h"
 #include "SwBitmapColorSource.h"
 #include "SwGradientColorSource.h"
-#include "SwPixelMath.h"
 #include "SwSolidColorSource.h"
 
 namespace Graphics {
@@ -15,11 +14,8 @@ namespace Graphics {
 SwColorSource* SwColorSource::CreateFromBrush(Arena& arena, const Brush& brush, const Rect& bounds,
                                               const Matrix& transform) {
     switch (brush.Kind()) {
-    case kBrushSolid: {
-        Color color = static_cast<const SolidBrush&>(brush).color;
-        color.alpha *= brush.opacity;
-        return arena.Make<SwSolidColorSource>(PremultiplyPixel(PackColor(color)));
-    }
+    case kBrushSolid:
+        return arena.Make<SwSolidColorSource>(SolidColorOf(static_cast<const SolidBrush&>(brush)));
     case kBrushBitmap: {
         const auto& b = static_cast<const BitmapBrush&>(brush);
         return CreateBitmapSource(arena, b.bitmap->View(), &b.bitmap->Derived(), b.interpolation, b.extendX, b.extendY,

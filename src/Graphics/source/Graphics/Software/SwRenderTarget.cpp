@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "SwRenderTarget.h"
 
+#include <cmath>
+#include <cstring>
+
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
 #include "../Exception.h"
@@ -12,6 +15,7 @@
 #include "SwBitmapColorSource.h"
 #include "SwInverter.h"
 #include "SwPlaneColorSource.h"
+#include "SwSolidColorSource.h"
 
 namespace Graphics {
 namespace {
@@ -119,6 +123,7 @@ void SwRenderTarget::EndPaint() {
         m_layers.clear();
         m_clips.Forget();
         m_basic.Close();
+        m_glyphs.reset();
         m_cached = SwState();
         m_painting = false;
     };
@@ -178,22 +183,26 @@ void SwRenderTarget::Assemble(SwPipeLine& pipeLine, const IntRect& visible, cons
     }
 }
 
+template <class MakeSource, class Cover>
+void SwRenderTarget::Composite(const IntRect& visible, const SwMaskInput* extraMask, MakeSource&& makeSource,
+                               Cover&& cover) {
+    if (IsEmpty(visible)) {
+        return;
+    }
+    const SwTargetPlanes planes = Current().Planes(visible);
+    SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
+    Assemble(pipeLine, visible, extraMask);
+    pipeLine.SetColorSource(*makeSource(visible));
+    cover(pipeLine);
+}
+
 template <class MakeSource>
 void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource) {
     CheckMasks();
-    const auto run = [&](const IntRect& visible, auto&& cover) {
-        if (IsEmpty(visible)) {
-            return;
-        }
-        const SwTargetPlanes planes = Current().Planes(visible);
-        SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-        Assemble(pipeLine, visible, extraMask);
-        pipeLine.SetColorSource(*makeSource(visible));
-        cover(pipeLine, visible);
-    };
     IntRect pixels;
     if (snap && path.figure != nullptr && SnapFigure(m_rasterizer, *path.figure, State().transform, m_area, pixels)) {
-        run(Visible(pixels), [](SwPipeLine& pipeLine, const IntRect& visible) {
+        const IntRect visible = Visible(pixels);
+        Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
             pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
         });
         return;
@@ -203,14 +212,70 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
     if (shape.Empty()) {
         return;
     }
-    run(Visible(RoundOut(DeviceBox(shape, transform, 0.0F))), [&](SwPipeLine& pipeLine, const IntRect& visible) {
+    const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
+    Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
         FeedFill(shape, transform, m_rasterizer);
         m_rasterizer.Finish(pipeLine);
     });
 }
 
+bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
+    CheckMasks();
+    const SwState& state = State();
+    // Nearest multiple of 1/8 pixel. Beyond, and for NaN, a float does not tell eighths apart.
+    constexpr float kFar = 1048576.0F;
+    constexpr auto kPhases = static_cast<float>(SwGlyphCache::kPhases);
+    const Matrix& m = state.transform;
+    if (shape.Empty() || !(std::fabs(m.m20) < kFar && std::fabs(m.m21) < kFar)) {
+        return false;
+    }
+    const auto x = static_cast<int32_t>(std::floor(m.m20 * kPhases + 0.5F));
+    const auto y = static_cast<int32_t>(std::floor(m.m21 * kPhases + 0.5F));
+    if (m_glyphs == nullptr) {
+        m_glyphs = SwGlyphCache::Take();
+    }
+    SwGlyph glyph;
+    if (!m_glyphs->Find(shape, m, {x & 7, y & 7}, m_rasterizer, glyph)) {
+        return false;
+    }
+    const IntPoint at{(x >> 3) + glyph.corner.x, (y >> 3) + glyph.corner.y};
+    const IntRect visible = Visible({at.x, at.y, at.x + glyph.width, at.y + glyph.height});
+    if (IsEmpty(visible)) {
+        return true;
+    }
+    const uint8_t* coverage =
+        glyph.coverage + static_cast<size_t>(visible.top - at.y) * glyph.strideBytes + (visible.left - at.x);
+    const auto width = static_cast<size_t>(visible.right - visible.left);
+    if (m_layers.empty() && brush.Kind() == kBrushSolid && state.blendMode == 0 && !state.shapeMask.IsSet() &&
+        !state.opacityMask.IsSet() && (!state.clip || !state.clip->HasMask())) {
+        // Most text: one call for all rows, without a pipeline.
+        const SwTargetPlanes planes = m_basic.Planes(visible);
+        auto* pixels = planes.color + visible.top * planes.colorStride + ptrdiff_t{visible.left} * 4;
+        ActiveKernels().normalSolidRows(pixels, planes.colorStride, SolidColorOf(static_cast<const SolidBrush&>(brush)),
+                                        coverage, glyph.strideBytes, width,
+                                        static_cast<size_t>(visible.bottom - visible.top));
+        return true;
+    }
+    const DrawScope scope(m_arena);
+    const auto makeSource = [&](const IntRect& region) {
+        return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(region), state.transform);
+    };
+    Composite(visible, nullptr, makeSource, [&](SwPipeLine& pipeLine) {
+        auto* row = m_arena.AllocArray<uint8_t>(width); // a pipeline may scale what it is given
+        for (int32_t line = visible.top; line < visible.bottom; ++line, coverage += glyph.strideBytes) {
+            std::memcpy(row, coverage, width);
+            CoverageRun run{visible.left, visible.right, row, 0};
+            pipeLine.Row(line, {&run, 1});
+        }
+    });
+    return true;
+}
+
 void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
+    if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
+        return;
+    }
     const DrawScope scope(m_arena);
     FillPath(path, State().strokeAdjustment && !text, nullptr, [&](const IntRect& visible) {
         return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), State().transform);

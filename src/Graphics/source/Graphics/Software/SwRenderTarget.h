@@ -11,6 +11,7 @@
 #include "../Scan/Rasterizer.h"
 #include "../Target/RenderTargetBase.h"
 #include "SwClipMaker.h"
+#include "SwGlyphCache.h"
 #include "SwLayerSubTarget.h"
 #include "SwSubTarget.h"
 #include "SwSurface.h"
@@ -67,8 +68,13 @@ private:
     void Assemble(SwPipeLine& pipeLine, const IntRect& visible, const SwMaskInput* extraMask);
     void CheckMasks();
 
+    /// One pipeline run: cover(pipeLine) sends coverage inside `visible`, which may be empty.
+    template <class MakeSource, class Cover>
+    void Composite(const IntRect& visible, const SwMaskInput* extraMask, MakeSource&& makeSource, Cover&& cover);
     template <class MakeSource>
     void FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource);
+    /// The fill of a glyph by its kept coverage. False when it has to be drawn as any other path.
+    [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
     void CloseLayer();
 
     std::unique_ptr<SwSurface> m_surface;
@@ -88,6 +94,7 @@ private:
     PenStorage m_pen;
     Shape m_figure;
     SwRowBuffers m_buffers;
+    SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
 };
 
 } // namespace Graphics

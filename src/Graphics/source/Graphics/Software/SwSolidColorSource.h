@@ -4,9 +4,18 @@
 
 #include <algorithm>
 
+#include "../Paint/Brush.h"
 #include "SwColorSource.h"
+#include "SwPixelMath.h"
 
 namespace Graphics {
+
+/// Premultiplied, with the brush's opacity.
+[[nodiscard]] inline uint32_t SolidColorOf(const SolidBrush& brush) noexcept {
+    Color color = brush.color;
+    color.alpha *= brush.opacity;
+    return PremultiplyPixel(PackColor(color));
+}
 
 class SwSolidColorSource final : public SwColorSource {
 public:

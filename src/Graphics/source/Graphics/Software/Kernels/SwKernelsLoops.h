@@ -142,6 +142,14 @@ GX_INLINE U32 Over(U32 d, U32 c, U32 complement) noexcept {
     return Scale(seen, complement) + c;
 }
 
+/// normalSolid on at most one vector of pixels.
+GX_INLINE void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
+    const U32 s = WidenSome(shape, n);
+    const U32 d = LoadSome(dst, n);
+    const U32 scaled = Scale(color, FactorOf(s));
+    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, ComplementOf(Alpha(scaled)))));
+}
+
 void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
     const uint32_t alpha = color >> 24;
     if (alpha == 0) {
@@ -169,12 +177,22 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
                 return;
             }
         }
-        const U32 s = WidenSome(shape + i, n);
-        const U32 d = LoadSome(dst + i, n);
-        const U32 scaled = Scale(c, FactorOf(s));
-        StoreSome(dst + i, n, Select(IsZero(s), d, Over(d, scaled, ComplementOf(Alpha(scaled)))));
+        ShapedSolid(dst + i, c, shape + i, n);
     };
     ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
+}
+
+void NormalSolidRows(uint8_t* dst, ptrdiff_t dstStride, uint32_t color, const uint8_t* shape, size_t shapeStride,
+                     size_t width, size_t height) {
+    if (color >> 24 == 0) {
+        return;
+    }
+    const U32 c = Splat(color);
+    for (size_t y = 0; y < height; ++y, dst += dstStride, shape += shapeStride) {
+        auto* row = reinterpret_cast<uint32_t*>(dst);
+        // By then the stores to the row above have left the processor's store buffer: short blocks do not stall.
+        ForBlocks(width, [=](size_t i, size_t n) { ShapedSolid(row + i, c, shape + i, n); });
+    }
 }
 
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
@@ -407,6 +425,7 @@ constexpr SwKernels kTable = {
     SetOpaque,
     CopyOpaque,
     NormalSolid,
+    NormalSolidRows,
     NormalVarying,
     GX_MODES(GX_BLEND_ROW),
     LayerRow<LayerOver>,

@@ -53,6 +53,13 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     }
 }
 
+void NormalSolidRows(uint8_t* dst, ptrdiff_t dstStride, uint32_t color, const uint8_t* shape, size_t shapeStride,
+                     size_t width, size_t height) {
+    for (; height != 0; --height, dst += dstStride, shape += shapeStride) {
+        NormalSolid(reinterpret_cast<uint32_t*>(dst), color, shape, width);
+    }
+}
+
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
@@ -233,6 +240,7 @@ constexpr SwKernels kTable = {
     SetOpaque,
     CopyOpaque,
     NormalSolid,
+    NormalSolidRows,
     NormalVarying,
     GX_MODES(GX_BLEND_ROW),
     LayerRow<LayerOver>,

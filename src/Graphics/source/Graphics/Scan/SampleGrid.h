@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// The samples of a small fill, one bit each, 8 x 8 a pixel. The rasterizer's samples lie on a grid of 1/8 pixel, so a
+// fill that moves by whole eighths has the same samples moved: one grid gives the coverage of all 64 positions.
+//
+// A row of samples is a row of bytes, one a pixel, the lowest bit leftmost:
+//
+//     | 16 zero bytes | pixel 0 | pixel 1 | ... | pixel width - 1 | zero bytes up to the next row |
+//                       ^ bits
+#pragma once
+
+#include "../ProcessHeap.h"
+
+namespace Graphics {
+
+/// A finished grid; the samples belong to somebody else.
+struct SampleView {
+    const uint8_t* bits = nullptr; ///< pixel 0 of the first row of samples
+    size_t strideBytes = 0;        ///< from one row of samples to the next
+    int32_t width = 0;             ///< pixels
+    int32_t height = 0;            ///< pixels, eight rows of samples each
+
+    static constexpr size_t kGuardBytes = 16;
+
+    [[nodiscard]] static size_t StrideFor(int32_t width) noexcept {
+        return kGuardBytes + (static_cast<size_t>(width) + 16) / 16 * 16;
+    }
+    /// Of the samples with the guard in front of the first row.
+    [[nodiscard]] size_t Bytes() const noexcept { return static_cast<size_t>(height) * 8 * strideBytes; }
+
+    /// Size in pixels of the fill moved right and down by eighths (0 to 7 each).
+    [[nodiscard]] int32_t WidthAt(int32_t right) const noexcept { return width + (right != 0 ? 1 : 0); }
+    [[nodiscard]] int32_t HeightAt(int32_t down) const noexcept { return height + (down != 0 ? 1 : 0); }
+    /// Coverage bytes from one pixel row to the next: a multiple of 16.
+    [[nodiscard]] size_t CoverageStride(int32_t right) const noexcept {
+        return (static_cast<size_t>(WidthAt(right)) + 15) / 16 * 16;
+    }
+    /// Writes HeightAt(down) rows of 8-bit coverage of the moved fill, zero beyond its width. `out` is aligned to 16.
+    void Coverage(int32_t right, int32_t down, uint8_t* out) const noexcept;
+};
+
+/// A grid under construction. Keeps its memory.
+class SampleGrid {
+public:
+    /// All samples outside.
+    void Begin(int32_t width, int32_t height);
+    /// Samples [x0, x1) of a row of samples; what lies outside of the grid is left out.
+    void Add(int32_t row, int32_t x0, int32_t x1) noexcept;
+    [[nodiscard]] const SampleView& View() const noexcept { return m_view; }
+
+private:
+    HeapArray<uint8_t> m_bytes;
+    SampleView m_view;
+};
+
+} // namespace Graphics

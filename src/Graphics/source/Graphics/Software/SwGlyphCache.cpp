@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#include "SwGlyphCache.h"
+
+#include <algorithm>
+#include <atomic>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "../Exception.h"
+#include "../Geometry/DeviceFeed.h"
+
+namespace Graphics {
+namespace {
+
+constexpr size_t kHalfBytes = SwGlyphCache::kMaxBytes / 2;
+constexpr size_t kFirstBytes = size_t{64} << 10;
+constexpr size_t kFirstTable = 256;
+
+/// Caches that wait. No constructor and no destructor: a target may still give its cache back while the process ends.
+constexpr size_t kSlots = 4;
+constinit std::atomic<SwGlyphCache*> g_waiting[kSlots]{};
+
+/// Ends the caches when the library goes.
+struct Sweeper {
+    ~Sweeper() { SwGlyphCache::DropWaiting(); }
+} g_sweeper;
+
+[[nodiscard]] uint32_t Mix(uint64_t v) noexcept {
+    v *= 0x9E3779B97F4A7C15U;
+    return static_cast<uint32_t>(v >> 32);
+}
+
+} // namespace
+
+SwGlyphCache::Ref SwGlyphCache::Take() {
+    for (std::atomic<SwGlyphCache*>& slot : g_waiting) {
+        if (slot.load(std::memory_order_relaxed) == nullptr) {
+            continue;
+        }
+        if (SwGlyphCache* cache = slot.exchange(nullptr, std::memory_order_acquire)) {
+            return Ref(cache);
+        }
+    }
+    return Ref(new SwGlyphCache());
+}
+
+void SwGlyphCache::Return::operator()(SwGlyphCache* cache) const noexcept {
+    for (std::atomic<SwGlyphCache*>& slot : g_waiting) {
+        SwGlyphCache* free = nullptr;
+        if (slot.compare_exchange_strong(free, cache, std::memory_order_release, std::memory_order_relaxed)) {
+            return;
+        }
+    }
+    delete cache;
+}
+
+void SwGlyphCache::DropWaiting() noexcept {
+    for (std::atomic<SwGlyphCache*>& slot : g_waiting) {
+        delete slot.exchange(nullptr, std::memory_order_acquire);
+    }
+}
+
+void SwGlyphCache::Clear() noexcept {
+    for (Half& half : m_halves) {
+        half = Half();
+    }
+}
+
+SwGlyphCache::Key SwGlyphCache::MakeKey(const Shape& shape, const Matrix& m, uint32_t phase) noexcept {
+    Key key;
+    key.shape = shape.Identity();
+    key.linear = {std::bit_cast<uint32_t>(m.m00), std::bit_cast<uint32_t>(m.m01), std::bit_cast<uint32_t>(m.m10),
+                  std::bit_cast<uint32_t>(m.m11)};
+    key.phase = phase;
+    if (key.linear != m_lastLinear) { // a text has one
+        m_lastLinear = key.linear;
+        m_lastLinearHash = Mix((uint64_t{key.linear[0]} << 32 | key.linear[1]) +
+                               0xC2B2AE3D27D4EB4FU * (uint64_t{key.linear[2]} << 32 | key.linear[3]));
+    }
+    key.hash = Mix((key.shape << 7 | phase) ^ uint64_t{m_lastLinearHash} << 32);
+    return key;
+}
+
+const SwGlyphCache::Entry* SwGlyphCache::LookupIn(const Half& half, const Key& key) noexcept {
+    if (half.count == 0) {
+        return nullptr;
+    }
+    const size_t mask = half.table.size() - 1;
+    for (size_t i = key.hash & mask;; i = (i + 1) & mask) {
+        const uint32_t reference = half.table[i];
+        if (reference == 0) {
+            return nullptr;
+        }
+        const auto* entry = reinterpret_cast<const Entry*>(half.bytes.data() + size_t{reference - 1} * 16);
+        if (entry->key.hash == key.hash && entry->key.shape == key.shape && entry->key.phase == key.phase &&
+            entry->key.linear == key.linear) {
+            return entry;
+        }
+    }
+}
+
+const SwGlyphCache::Entry* SwGlyphCache::Lookup(const Key& key) noexcept {
+    if (const Entry* entry = LookupIn(m_halves[m_young], key)) {
+        return entry;
+    }
+    const Entry* entry = LookupIn(m_halves[1 - m_young], key);
+    if (entry == nullptr) {
+        return nullptr;
+    }
+    // Still in use: over to the younger half, unless that had to be started for it and the entry is gone.
+    Half& young = m_halves[m_young];
+    if (young.used + kEntryBytes + entry->dataBytes > kHalfBytes) {
+        return entry;
+    }
+    const Entry* moved = Insert(*entry, Data(*entry));
+    return moved != nullptr ? moved : entry;
+}
+
+void SwGlyphCache::Empty(Half& half) noexcept {
+    half.used = 0;
+    half.count = 0;
+    std::fill(half.table.begin(), half.table.end(), 0U);
+}
+
+/// Room for one more entry; raises "Not enough memory" and leaves the half as it was.
+void SwGlyphCache::Reserve(Half& half, size_t bytes) {
+    const size_t needed = half.used + bytes;
+    if (needed > half.bytes.size()) {
+        HeapArray<uint8_t> grown;
+        grown.resize(std::min(std::max({needed, half.bytes.size() * 2, kFirstBytes}), kHalfBytes));
+        std::memcpy(grown.data(), half.bytes.data(), half.used);
+        half.bytes = std::move(grown);
+    }
+    // At most half full: short searches.
+    if ((half.count + 1) * 2 > half.table.size()) {
+        HeapArray<uint32_t> grown;
+        grown.resize(std::max(kFirstTable, half.table.size() * 2));
+        std::fill(grown.begin(), grown.end(), 0U);
+        const size_t mask = grown.size() - 1;
+        for (const uint32_t reference : half.table) {
+            if (reference != 0) {
+                const auto* entry = reinterpret_cast<const Entry*>(half.bytes.data() + size_t{reference - 1} * 16);
+                size_t i = entry->key.hash & mask;
+                while (grown[i] != 0) {
+                    i = (i + 1) & mask;
+                }
+                grown[i] = reference;
+            }
+        }
+        half.table = std::move(grown);
+    }
+}
+
+const SwGlyphCache::Entry* SwGlyphCache::Insert(const Entry& entry, const uint8_t* data) noexcept {
+    const size_t bytes = (kEntryBytes + entry.dataBytes + 15) / 16 * 16;
+    if (m_halves[m_young].used + bytes > kHalfBytes) {
+        m_young = 1 - m_young;
+        Empty(m_halves[m_young]);
+    }
+    Half& half = m_halves[m_young];
+    try {
+        Reserve(half, bytes);
+    } catch (const Exception&) {
+        return nullptr;
+    }
+    uint8_t* at = half.bytes.data() + half.used;
+    std::memcpy(at, &entry, sizeof(Entry));
+    if (entry.dataBytes != 0) {
+        std::memcpy(at + kEntryBytes, data, entry.dataBytes);
+    }
+    const size_t mask = half.table.size() - 1;
+    size_t i = entry.key.hash & mask;
+    while (half.table[i] != 0) {
+        i = (i + 1) & mask;
+    }
+    half.table[i] = static_cast<uint32_t>(half.used / 16) + 1;
+    half.used += bytes;
+    ++half.count;
+    return reinterpret_cast<const Entry*>(at);
+}
+
+bool SwGlyphCache::Report(const Entry& entry, const uint8_t* data, SwGlyph& out) noexcept {
+    out = {{entry.left, entry.top}, entry.width, entry.height, data, entry.strideBytes};
+    return true;
+}
+
+bool SwGlyphCache::FindSamples(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, SampleView& samples,
+                               IntPoint& corner) {
+    const Key key = MakeKey(shape, m, kSamples);
+    const auto view = [&](const Entry& entry, const uint8_t* data) {
+        samples = {data + SampleView::kGuardBytes, entry.strideBytes, entry.width, entry.height};
+        corner = {entry.left, entry.top};
+    };
+    if (const Entry* entry = Lookup(key)) {
+        view(*entry, Data(*entry));
+        return true;
+    }
+    const Matrix linear{m.m00, m.m01, m.m10, m.m11, 0.0F, 0.0F};
+    const Rect box = MapBox(linear, shape.ControlBox());
+    constexpr float kFar = 1.0e6F;
+    // NaN compares false.
+    if (!shape.AllFinite() || !(box.left > -kFar && box.top > -kFar && box.right < kFar && box.bottom < kFar)) {
+        return false;
+    }
+    // A side's samples lie up to 1.5 of them right of it and half a one left of it.
+    Entry entry{};
+    entry.key = key;
+    entry.left = static_cast<int32_t>(std::floor(box.left - 0.125F));
+    entry.top = static_cast<int32_t>(std::floor(box.top));
+    entry.width = static_cast<int32_t>(std::ceil(box.right + 0.25F)) - entry.left;
+    entry.height = static_cast<int32_t>(std::ceil(box.bottom)) - entry.top;
+    if (entry.width > kMaxSize || entry.height > kMaxSize) {
+        return false;
+    }
+    const IntRect visible{0, 0, entry.width, entry.height};
+    const Rect around{-2.0F, -2.0F, static_cast<float>(entry.width + 2), static_cast<float>(entry.height + 2)};
+    const Matrix placed{m.m00, m.m01, m.m10, m.m11, static_cast<float>(-entry.left), static_cast<float>(-entry.top)};
+    rasterizer.Begin(around, visible, false);
+    FeedFill(shape, placed, rasterizer);
+    rasterizer.FinishSamples(m_grid);
+
+    const SampleView& made = m_grid.View();
+    const uint8_t* data = made.bits - SampleView::kGuardBytes;
+    entry.strideBytes = static_cast<uint32_t>(made.strideBytes);
+    entry.dataBytes = static_cast<uint32_t>(made.Bytes());
+    static_cast<void>(Insert(entry, data));
+    view(entry, data);
+    return true;
+}
+
+bool SwGlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Rasterizer& rasterizer, SwGlyph& out) {
+    const Key key = MakeKey(shape, m, static_cast<uint32_t>(phase.y * kPhases + phase.x));
+    if (const Entry* entry = Lookup(key)) {
+        return Report(*entry, Data(*entry), out);
+    }
+    SampleView samples;
+    IntPoint corner;
+    if (!FindSamples(shape, m, rasterizer, samples, corner)) {
+        return false;
+    }
+    Entry entry{};
+    entry.key = key;
+    entry.left = corner.x;
+    entry.top = corner.y;
+    entry.width = samples.WidthAt(phase.x);
+    entry.height = samples.HeightAt(phase.y);
+    entry.strideBytes = static_cast<uint32_t>(samples.CoverageStride(phase.x));
+    entry.dataBytes = entry.strideBytes * static_cast<uint32_t>(entry.height);
+    m_coverage.resize(entry.dataBytes);
+    samples.Coverage(phase.x, phase.y, m_coverage.data());
+    const Entry* kept = Insert(entry, m_coverage.data());
+    return kept != nullptr ? Report(*kept, Data(*kept), out) : Report(entry, m_coverage.data(), out);
+}
+
+} // namespace Graphics

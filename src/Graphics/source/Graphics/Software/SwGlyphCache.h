@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+// Coverage of glyphs, kept from draw to draw.
+//
+// A glyph is an outline under the linear part of a matrix; its place is rounded to 1/8 pixel, the grid of the
+// rasterizer's samples. So no edge lies more than 1/16 pixel off, and every place is one of 64 phases plus whole
+// pixels. The outline is rasterized once, at phase 0, into samples; each phase's coverage is counted from those when it
+// is first asked for. Both are entries of the cache:
+//
+//     key: shape identity, m00, m01, m10, m11, phase      (phase 64: the samples)
+//     value: box relative to the whole-pixel place, rows of coverage (or of samples)
+//
+// What is drawn never depends on what the cache holds: a miss makes the bytes that a hit would have found. Memory is
+// bounded: entries lie one behind the other in the younger of two halves. When that is full the older half is emptied
+// and becomes the younger; a hit in the older half moves its entry over. Memory that cannot be had for an entry costs
+// time only.
+//
+// A cache belongs to one target while that paints, so nothing here locks; between paints it waits in a few slots that
+// all targets share, and the next page finds it warm.
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "../Geometry/Shape.h"
+#include "../Matrix.h"
+#include "../Scan/Rasterizer.h"
+#include "../Scan/SampleGrid.h"
+
+namespace Graphics {
+
+/// Coverage of one glyph, void after the next question to its cache.
+struct SwGlyph {
+    IntPoint corner{}; ///< relative to the whole-pixel place
+    int32_t width = 0; ///< 0: nothing is covered
+    int32_t height = 0;
+    const uint8_t* coverage = nullptr; ///< 8-bit shape
+    size_t strideBytes = 0;
+};
+
+class SwGlyphCache {
+public:
+    /// Of the box of a glyph in device pixels; a larger one is drawn as any other path.
+    static constexpr int32_t kMaxSize = 64;
+    /// Of the entries, half of it each half's; the tables that find them come to an eighth more at most.
+    static constexpr size_t kMaxBytes = size_t{4} << 20;
+    static constexpr int32_t kPhases = 8;
+
+    SwGlyphCache() noexcept = default;
+    SwGlyphCache(const SwGlyphCache&) = delete;
+    SwGlyphCache& operator=(const SwGlyphCache&) = delete;
+
+    /// The coverage of `shape` under the linear part of `m`, moved by the phase. False for a glyph that is no matter
+    /// for the cache: too large, or with a coordinate that is not finite. Raises "Not enough memory" when the glyph
+    /// itself could not be rasterized.
+    [[nodiscard]] bool Find(const Shape& shape, const Matrix& m, IntPoint phase, Rasterizer& rasterizer, SwGlyph& out);
+
+    /// The bytes of all entries.
+    [[nodiscard]] size_t BytesInUse() const noexcept { return m_halves[0].used + m_halves[1].used; }
+    /// Empties the cache and gives its memory back.
+    void Clear() noexcept;
+
+    /// Gives a cache back to the slots, or ends it when they are full.
+    struct Return {
+        void operator()(SwGlyphCache* cache) const noexcept;
+    };
+    using Ref = std::unique_ptr<SwGlyphCache, Return>;
+    /// A cache that waits, the warmest first, or a new one.
+    [[nodiscard]] static Ref Take();
+    /// Ends every cache that waits.
+    static void DropWaiting() noexcept;
+
+private:
+    struct Key {
+        uint64_t shape;
+        std::array<uint32_t, 4> linear; // the bits of m00, m01, m10, m11
+        uint32_t phase;
+        uint32_t hash;
+    };
+    struct Entry {
+        Key key;
+        int32_t left, top;
+        int32_t width, height;
+        uint32_t strideBytes;
+        uint32_t dataBytes;
+    };
+    struct Half {
+        HeapArray<uint8_t> bytes;
+        size_t used = 0;
+        HeapArray<uint32_t> table; // offset of an entry / 16 + 1, 0 free; a power of two
+        size_t count = 0;
+    };
+    static constexpr uint32_t kSamples = kPhases * kPhases;
+    static constexpr size_t kEntryBytes = 64;
+    static_assert(sizeof(Entry) <= kEntryBytes);
+
+    [[nodiscard]] Key MakeKey(const Shape& shape, const Matrix& m, uint32_t phase) noexcept;
+    [[nodiscard]] const Entry* Lookup(const Key& key) noexcept;
+    [[nodiscard]] static const Entry* LookupIn(const Half& half, const Key& key) noexcept;
+    /// Null when there is no memory for it. `data` lies outside of the younger half.
+    const Entry* Insert(const Entry& entry, const uint8_t* data) noexcept;
+    static void Empty(Half& half) noexcept;
+    static void Reserve(Half& half, size_t bytes);
+    [[nodiscard]] static const uint8_t* Data(const Entry& entry) noexcept {
+        return reinterpret_cast<const uint8_t*>(&entry) + kEntryBytes;
+    }
+    [[nodiscard]] static bool Report(const Entry& entry, const uint8_t* data, SwGlyph& out) noexcept;
+
+    /// Samples of the outline at phase 0, from the cache or into m_grid. False when it is no matter for the cache.
+    [[nodiscard]] bool FindSamples(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, SampleView& samples,
+                                   IntPoint& corner);
+
+    std::array<Half, 2> m_halves;
+    size_t m_young = 0;
+    std::array<uint32_t, 4> m_lastLinear{};
+    uint32_t m_lastLinearHash = 0;
+    SampleGrid m_grid;
+    HeapArray<uint8_t> m_coverage;
+};
+
+} // namespace Graphics
