@@ -66,6 +66,14 @@ public:
     /// Closes the loop of the vertices added since the last call.
     void CloseFigure();
 
+    /// Moves every vertex so far; by whole sub units edges keep their steps and roundings.
+    void Move(int32_t fineX, int32_t fineY) noexcept {
+        for (Vertex* v = m_vertices.data(); v != m_next; ++v) {
+            v->x += fineX;
+            v->y += fineY;
+        }
+    }
+
     /// Drops vertices outside the clip horizontally and measures the rest. Call once, after the last figure.
     [[nodiscard]] FillShape Measure(bool nonZero);
 

@@ -37,6 +37,9 @@ public:
     void EndFigure() override { m_builder.CloseFigure(); }
     void EndFigureClose() override { m_builder.CloseFigure(); }
 
+    /// Moves the fill as it is so far right and down by eighths of a pixel: the same samples at another place.
+    void Move(int32_t right, int32_t down) noexcept { m_builder.Move(right * 16, down * 16); }
+
     /// Sends the coverage; nothing when the fill has no edge.
     void Finish(RasterizationSink& sink);
 

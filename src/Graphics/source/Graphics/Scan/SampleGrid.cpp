@@ -54,10 +54,11 @@ void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexc
 void SampleGrid::Begin(int32_t width, int32_t height) {
     m_view = {};
     const size_t stride = SampleView::StrideFor(width);
-    const size_t bytes = static_cast<size_t>(height) * 8 * stride;
-    m_bytes.resize(bytes);
-    std::memset(m_bytes.data(), 0, bytes);
-    m_view = {m_bytes.data() + SampleView::kGuardBytes, stride, width, height};
+    const SampleView view{nullptr, stride, width, height};
+    m_bytes.resize(view.Bytes());
+    std::memset(m_bytes.data(), 0, m_bytes.size());
+    m_view = view;
+    m_view.bits = m_bytes.data() + SampleView::kGuardBytes;
 }
 
 void SampleGrid::Add(int32_t row, int32_t x0, int32_t x1) noexcept {

@@ -4,8 +4,10 @@
 //
 // A row of samples is a row of bytes, one a pixel, the lowest bit leftmost:
 //
-//     | 16 zero bytes | pixel 0 | pixel 1 | ... | pixel width - 1 | zero bytes up to the next row |
-//                       ^ bits
+//     0 | pixel 0 | pixel 1 | ... | pixel width - 1 | 0 | pixel 0 of the next row | ...
+//         ^ bits
+//
+// The zero between two rows is what lies right of the one and left of the other.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -19,13 +21,16 @@ struct SampleView {
     int32_t width = 0;             ///< pixels
     int32_t height = 0;            ///< pixels, eight rows of samples each
 
-    static constexpr size_t kGuardBytes = 16;
+    /// In front of the first row of samples.
+    static constexpr size_t kGuardBytes = 1;
+    /// What may be read behind the last one.
+    static constexpr size_t kSlackBytes = 16;
 
-    [[nodiscard]] static size_t StrideFor(int32_t width) noexcept {
-        return kGuardBytes + (static_cast<size_t>(width) + 16) / 16 * 16;
+    [[nodiscard]] static size_t StrideFor(int32_t width) noexcept { return static_cast<size_t>(width) + 1; }
+    /// Of the samples with the guard and the slack.
+    [[nodiscard]] size_t Bytes() const noexcept {
+        return kGuardBytes + static_cast<size_t>(height) * 8 * strideBytes + kSlackBytes;
     }
-    /// Of the samples with the guard in front of the first row.
-    [[nodiscard]] size_t Bytes() const noexcept { return static_cast<size_t>(height) * 8 * strideBytes; }
 
     /// Size in pixels of the fill moved right and down by eighths (0 to 7 each).
     [[nodiscard]] int32_t WidthAt(int32_t right) const noexcept { return width + (right != 0 ? 1 : 0); }
@@ -34,7 +39,8 @@ struct SampleView {
     [[nodiscard]] size_t CoverageStride(int32_t right) const noexcept {
         return (static_cast<size_t>(WidthAt(right)) + 15) / 16 * 16;
     }
-    /// Writes HeightAt(down) rows of 8-bit coverage of the moved fill, zero beyond its width. `out` is aligned to 16.
+    /// Writes HeightAt(down) rows of 8-bit coverage of the moved fill; beyond its width the bytes mean nothing. `out`
+    /// is aligned to 16.
     void Coverage(int32_t right, int32_t down, uint8_t* out) const noexcept;
 };
 

@@ -26,6 +26,29 @@ struct Sweeper {
     ~Sweeper() { SwGlyphCache::DropWaiting(); }
 } g_sweeper;
 
+/// Stores the rows of a fill.
+class CoverageRows final : public RasterizationSink {
+public:
+    CoverageRows(uint8_t* bytes, size_t stride) noexcept : m_bytes(bytes), m_stride(stride) {}
+
+    void Row(int32_t y, std::span<CoverageRun> runs) override {
+        uint8_t* row = m_bytes + static_cast<size_t>(y) * m_stride;
+        for (const CoverageRun& run : runs) {
+            const auto count = static_cast<size_t>(run.x1 - run.x0);
+            if (run.shape != nullptr) {
+                std::memcpy(row + run.x0, run.shape, count);
+            } else {
+                std::memset(row + run.x0, run.value, count);
+            }
+        }
+    }
+    void Rectangle(int32_t, int32_t, int32_t, int32_t) override {} // only of fills that may snap
+
+private:
+    uint8_t* m_bytes;
+    size_t m_stride;
+};
+
 [[nodiscard]] uint32_t Mix(uint64_t v) noexcept {
     v *= 0x9E3779B97F4A7C15U;
     return static_cast<uint32_t>(v >> 32);
@@ -82,7 +105,7 @@ SwGlyphCache::Key SwGlyphCache::MakeKey(const Shape& shape, const Matrix& m, uin
     return key;
 }
 
-const SwGlyphCache::Entry* SwGlyphCache::LookupIn(const Half& half, const Key& key) noexcept {
+SwGlyphCache::Entry* SwGlyphCache::LookupIn(Half& half, const Key& key) noexcept {
     if (half.count == 0) {
         return nullptr;
     }
@@ -92,7 +115,7 @@ const SwGlyphCache::Entry* SwGlyphCache::LookupIn(const Half& half, const Key& k
         if (reference == 0) {
             return nullptr;
         }
-        const auto* entry = reinterpret_cast<const Entry*>(half.bytes.data() + size_t{reference - 1} * 16);
+        auto* entry = reinterpret_cast<Entry*>(half.bytes.data() + size_t{reference - 1} * 16);
         if (entry->key.hash == key.hash && entry->key.shape == key.shape && entry->key.phase == key.phase &&
             entry->key.linear == key.linear) {
             return entry;
@@ -100,11 +123,11 @@ const SwGlyphCache::Entry* SwGlyphCache::LookupIn(const Half& half, const Key& k
     }
 }
 
-const SwGlyphCache::Entry* SwGlyphCache::Lookup(const Key& key) noexcept {
-    if (const Entry* entry = LookupIn(m_halves[m_young], key)) {
+SwGlyphCache::Entry* SwGlyphCache::Lookup(const Key& key) noexcept {
+    if (Entry* entry = LookupIn(m_halves[m_young], key)) {
         return entry;
     }
-    const Entry* entry = LookupIn(m_halves[1 - m_young], key);
+    Entry* entry = LookupIn(m_halves[1 - m_young], key);
     if (entry == nullptr) {
         return nullptr;
     }
@@ -113,7 +136,7 @@ const SwGlyphCache::Entry* SwGlyphCache::Lookup(const Key& key) noexcept {
     if (young.used + kEntryBytes + entry->dataBytes > kHalfBytes) {
         return entry;
     }
-    const Entry* moved = Insert(*entry, Data(*entry));
+    Entry* moved = Insert(*entry, Data(*entry));
     return moved != nullptr ? moved : entry;
 }
 
@@ -152,7 +175,7 @@ void SwGlyphCache::Reserve(Half& half, size_t bytes) {
     }
 }
 
-const SwGlyphCache::Entry* SwGlyphCache::Insert(const Entry& entry, const uint8_t* data) noexcept {
+SwGlyphCache::Entry* SwGlyphCache::Insert(const Entry& entry, const uint8_t* data) noexcept {
     const size_t bytes = (kEntryBytes + entry.dataBytes + 15) / 16 * 16;
     if (m_halves[m_young].used + bytes > kHalfBytes) {
         m_young = 1 - m_young;
@@ -177,7 +200,7 @@ const SwGlyphCache::Entry* SwGlyphCache::Insert(const Entry& entry, const uint8_
     half.table[i] = static_cast<uint32_t>(half.used / 16) + 1;
     half.used += bytes;
     ++half.count;
-    return reinterpret_cast<const Entry*>(at);
+    return reinterpret_cast<Entry*>(at);
 }
 
 bool SwGlyphCache::Report(const Entry& entry, const uint8_t* data, SwGlyph& out) noexcept {
@@ -185,48 +208,39 @@ bool SwGlyphCache::Report(const Entry& entry, const uint8_t* data, SwGlyph& out)
     return true;
 }
 
-bool SwGlyphCache::FindSamples(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, SampleView& samples,
-                               IntPoint& corner) {
-    const Key key = MakeKey(shape, m, kSamples);
-    const auto view = [&](const Entry& entry, const uint8_t* data) {
-        samples = {data + SampleView::kGuardBytes, entry.strideBytes, entry.width, entry.height};
-        corner = {entry.left, entry.top};
-    };
-    if (const Entry* entry = Lookup(key)) {
-        view(*entry, Data(*entry));
-        return true;
-    }
-    const Matrix linear{m.m00, m.m01, m.m10, m.m11, 0.0F, 0.0F};
-    const Rect box = MapBox(linear, shape.ControlBox());
+bool SwGlyphCache::Measure(const Shape& shape, const Matrix& m, Entry& entry) noexcept {
+    const Rect box = MapBox({m.m00, m.m01, m.m10, m.m11, 0.0F, 0.0F}, shape.ControlBox());
     constexpr float kFar = 1.0e6F;
     // NaN compares false.
     if (!shape.AllFinite() || !(box.left > -kFar && box.top > -kFar && box.right < kFar && box.bottom < kFar)) {
         return false;
     }
     // A side's samples lie up to 1.5 of them right of it and half a one left of it.
-    Entry entry{};
-    entry.key = key;
     entry.left = static_cast<int32_t>(std::floor(box.left - 0.125F));
     entry.top = static_cast<int32_t>(std::floor(box.top));
     entry.width = static_cast<int32_t>(std::ceil(box.right + 0.25F)) - entry.left;
     entry.height = static_cast<int32_t>(std::ceil(box.bottom)) - entry.top;
-    if (entry.width > kMaxSize || entry.height > kMaxSize) {
-        return false;
-    }
-    const IntRect visible{0, 0, entry.width, entry.height};
-    const Rect around{-2.0F, -2.0F, static_cast<float>(entry.width + 2), static_cast<float>(entry.height + 2)};
-    const Matrix placed{m.m00, m.m01, m.m10, m.m11, static_cast<float>(-entry.left), static_cast<float>(-entry.top)};
-    rasterizer.Begin(around, visible, false);
-    FeedFill(shape, placed, rasterizer);
-    rasterizer.FinishSamples(m_grid);
+    return entry.width <= kMaxSize && entry.height <= kMaxSize;
+}
 
+void SwGlyphCache::Feed(const Shape& shape, const Matrix& m, const Entry& box, int32_t width, int32_t height,
+                        Rasterizer& rasterizer) {
+    constexpr auto kAround = static_cast<float>(kMaxSize + 4);
+    rasterizer.Begin({-2.0F, -2.0F, kAround, kAround}, {0, 0, width, height}, false);
+    FeedFill(shape, {m.m00, m.m01, m.m10, m.m11, static_cast<float>(-box.left), static_cast<float>(-box.top)},
+             rasterizer);
+}
+
+SampleView SwGlyphCache::MakeSamples(const Shape& shape, const Matrix& m, const Entry& box, Rasterizer& rasterizer) {
+    Feed(shape, m, box, box.width, box.height, rasterizer);
+    rasterizer.FinishSamples(m_grid);
     const SampleView& made = m_grid.View();
-    const uint8_t* data = made.bits - SampleView::kGuardBytes;
+    Entry entry = box;
+    entry.key = MakeKey(shape, m, kSamples);
     entry.strideBytes = static_cast<uint32_t>(made.strideBytes);
     entry.dataBytes = static_cast<uint32_t>(made.Bytes());
-    static_cast<void>(Insert(entry, data));
-    view(entry, data);
-    return true;
+    static_cast<void>(Insert(entry, made.bits - SampleView::kGuardBytes));
+    return made;
 }
 
 bool SwGlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Rasterizer& rasterizer, SwGlyph& out) {
@@ -234,21 +248,43 @@ bool SwGlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Ras
     if (const Entry* entry = Lookup(key)) {
         return Report(*entry, Data(*entry), out);
     }
-    SampleView samples;
-    IntPoint corner;
-    if (!FindSamples(shape, m, rasterizer, samples, corner)) {
+    Entry box{};
+    if (!Measure(shape, m, box)) {
         return false;
     }
-    Entry entry{};
+    SampleView samples{nullptr, SampleView::StrideFor(box.width), box.width, box.height};
+    Entry entry = box;
     entry.key = key;
-    entry.left = corner.x;
-    entry.top = corner.y;
     entry.width = samples.WidthAt(phase.x);
     entry.height = samples.HeightAt(phase.y);
     entry.strideBytes = static_cast<uint32_t>(samples.CoverageStride(phase.x));
     entry.dataBytes = entry.strideBytes * static_cast<uint32_t>(entry.height);
     m_coverage.resize(entry.dataBytes);
-    samples.Coverage(phase.x, phase.y, m_coverage.data());
+
+    if (const Entry* known = Lookup(MakeKey(shape, m, kSamples))) {
+        samples.bits = Data(*known) + SampleView::kGuardBytes;
+    } else {
+        const Key counterKey = MakeKey(shape, m, kCounter);
+        Entry* counter = Lookup(counterKey);
+        if (counter == nullptr) {
+            Entry first{};
+            first.key = counterKey;
+            counter = Insert(first, nullptr);
+        }
+        // The counter's place for a number is its width.
+        if (counter != nullptr && static_cast<uint32_t>(counter->width++) >= kDirectPhases) {
+            samples = MakeSamples(shape, m, box, rasterizer);
+        }
+    }
+    if (samples.bits != nullptr) {
+        samples.Coverage(phase.x, phase.y, m_coverage.data());
+    } else {
+        std::memset(m_coverage.data(), 0, entry.dataBytes);
+        Feed(shape, m, box, entry.width, entry.height, rasterizer);
+        rasterizer.Move(phase.x, phase.y);
+        CoverageRows rows(m_coverage.data(), entry.strideBytes);
+        rasterizer.Finish(rows);
+    }
     const Entry* kept = Insert(entry, m_coverage.data());
     return kept != nullptr ? Report(*kept, Data(*kept), out) : Report(entry, m_coverage.data(), out);
 }

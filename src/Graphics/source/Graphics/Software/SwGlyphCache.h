@@ -3,11 +3,13 @@
 //
 // A glyph is an outline under the linear part of a matrix; its place is rounded to 1/8 pixel, the grid of the
 // rasterizer's samples. So no edge lies more than 1/16 pixel off, and every place is one of 64 phases plus whole
-// pixels. The outline is rasterized once, at phase 0, into samples; each phase's coverage is counted from those when it
-// is first asked for. Both are entries of the cache:
+// pixels. The first phases asked for are rasterized; when an outline turns out to come in more, it is rasterized once
+// into samples, and the coverage of all further phases is counted from those. Both ways give the same bytes: moving by
+// whole samples changes none of them. All are entries of the cache:
 //
-//     key: shape identity, m00, m01, m10, m11, phase      (phase 64: the samples)
-//     value: box relative to the whole-pixel place, rows of coverage (or of samples)
+//     key: shape identity, m00, m01, m10, m11, phase
+//     value: box relative to the whole-pixel place, rows of coverage; phase 64: the samples; 65: how many phases were
+//     rasterized
 //
 // What is drawn never depends on what the cache holds: a miss makes the bytes that a hit would have found. Memory is
 // bounded: entries lie one behind the other in the younger of two halves. When that is full the older half is emptied
@@ -90,14 +92,17 @@ private:
         size_t count = 0;
     };
     static constexpr uint32_t kSamples = kPhases * kPhases;
+    static constexpr uint32_t kCounter = kSamples + 1;
+    /// Samples cost about as much as this many phases.
+    static constexpr uint32_t kDirectPhases = 2;
     static constexpr size_t kEntryBytes = 64;
     static_assert(sizeof(Entry) <= kEntryBytes);
 
     [[nodiscard]] Key MakeKey(const Shape& shape, const Matrix& m, uint32_t phase) noexcept;
-    [[nodiscard]] const Entry* Lookup(const Key& key) noexcept;
-    [[nodiscard]] static const Entry* LookupIn(const Half& half, const Key& key) noexcept;
+    [[nodiscard]] Entry* Lookup(const Key& key) noexcept;
+    [[nodiscard]] static Entry* LookupIn(Half& half, const Key& key) noexcept;
     /// Null when there is no memory for it. `data` lies outside of the younger half.
-    const Entry* Insert(const Entry& entry, const uint8_t* data) noexcept;
+    Entry* Insert(const Entry& entry, const uint8_t* data) noexcept;
     static void Empty(Half& half) noexcept;
     static void Reserve(Half& half, size_t bytes);
     [[nodiscard]] static const uint8_t* Data(const Entry& entry) noexcept {
@@ -105,9 +110,12 @@ private:
     }
     [[nodiscard]] static bool Report(const Entry& entry, const uint8_t* data, SwGlyph& out) noexcept;
 
-    /// Samples of the outline at phase 0, from the cache or into m_grid. False when it is no matter for the cache.
-    [[nodiscard]] bool FindSamples(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, SampleView& samples,
-                                   IntPoint& corner);
+    /// The box of the outline at phase 0. False when it is no matter for the cache.
+    [[nodiscard]] static bool Measure(const Shape& shape, const Matrix& m, Entry& entry) noexcept;
+    /// Hands the outline to the rasterizer, the corner of `box` at (0, 0), `width` x `height` pixels visible.
+    static void Feed(const Shape& shape, const Matrix& m, const Entry& box, int32_t width, int32_t height,
+                     Rasterizer& rasterizer);
+    [[nodiscard]] SampleView MakeSamples(const Shape& shape, const Matrix& m, const Entry& box, Rasterizer& rasterizer);
 
     std::array<Half, 2> m_halves;
     size_t m_young = 0;
