@@ -8,6 +8,7 @@
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "Target/RenderTarget.h"
+#include "Text/Font.h"
 
 using namespace Graphics;
 
@@ -206,5 +207,5 @@ GXResult GXRenderTargetFillText(GXRenderTarget renderTarget, GXFontFace fontFace
     if (AnyNull(renderTarget, fontFace, text, brush)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("GXRenderTargetFillText", "Not implemented");
+    return Guard([&] { renderTarget->object->FillText(*fontFace->object, text, *brush->object); });
 }

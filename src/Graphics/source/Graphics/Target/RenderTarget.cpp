@@ -7,6 +7,7 @@
 #include "../Software/SwBitmapSurface.h"
 #include "../Software/SwExtBufSurface.h"
 #include "../Software/SwRenderTarget.h"
+#include "../Text/Font.h"
 
 namespace Graphics {
 
@@ -55,6 +56,23 @@ void RenderTarget::RotateTransform(float angle) {
     const auto cosine = static_cast<float>(std::cos(static_cast<double>(angle)));
     const auto sine = static_cast<float>(std::sin(static_cast<double>(angle)));
     ConcatTransform({cosine, sine, -sine, cosine, 0.0F, 0.0F});
+}
+
+void RenderTarget::FillText(const Font& font, const uint16_t* text, const Brush& brush) {
+    struct Restore {
+        RenderTargetBase& target;
+        const Matrix transform;
+        ~Restore() { target.SetTransform(transform); }
+    };
+    RenderTargetBase& target = Painting();
+    const Restore restore{target, target.GetTransform()};
+    Matrix transform = restore.transform;
+    for (; *text != 0; ++text) {
+        const FontGlyph& glyph = font.Glyph(*text);
+        target.Fill({&glyph.shape, nullptr}, brush, true);
+        transform = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, transform);
+        target.SetTransform(transform);
+    }
 }
 
 void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {

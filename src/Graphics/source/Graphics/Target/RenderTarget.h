@@ -9,6 +9,8 @@
 
 namespace Graphics {
 
+class Font;
+
 class RenderTarget {
 public:
     explicit RenderTarget(std::unique_ptr<RenderTargetBase> backEnd) noexcept : m_backEnd(std::move(backEnd)) {}
@@ -30,6 +32,10 @@ public:
     void ConcatTransform(const Matrix& m);
     /// Radians; 2 pi and more is first reduced by the remainder.
     void RotateTransform(float angle);
+
+    /// Null-terminated text glyph by glyph, the baseline beginning at the origin. The matrix is as before afterwards,
+    /// whatever happens.
+    void FillText(const Font& font, const uint16_t* text, const Brush& brush);
 
     /// Nothing happens for a rectangle without width or height.
     void ClipFigure(BasicFigure::Kind kind, const Rect& rect);

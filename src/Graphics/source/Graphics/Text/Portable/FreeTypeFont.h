@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// A font face read with FreeType. Outlines are taken unhinted in font units and scaled here, so one rounding lies
+// between the file and the shape.
+#pragma once
+
+#include "../FontBase.h"
+#include "FontLibrary.h"
+
+namespace Graphics {
+
+class FreeTypeFont final : public FontBase {
+public:
+    /// Call under the lock. Raises "No font found" when the file is not a font with outlines.
+    FreeTypeFont(std::shared_ptr<FontLibrary> library, const FontMatch& match, float size);
+    ~FreeTypeFont() override;
+
+    void LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const override;
+    void Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const override;
+
+private:
+    std::shared_ptr<FontLibrary> m_library;
+    FT_Face m_face = nullptr;
+    FontMatch m_match;
+    double m_scale = 0.0; // pixels of a font unit
+    bool m_symbols = false;
+};
+
+} // namespace Graphics
