@@ -15,6 +15,7 @@
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "ProcessHeap.h"
+#include "Software/SwGlyphCache.h"
 #include "Target/RenderTarget.h"
 
 namespace {
@@ -85,6 +86,7 @@ public:
         m_geometry->CubicTo({180, 90}, {40, 200}, {30, 70});
         m_geometry->EndFigureClose();
         m_shape = m_geometry->SharedShape();
+        m_glyph = m_geometry->Transform({0.2F, 0.0F, 0.0F, 0.2F, 50.0F, 60.0F});
         auto linear = std::make_shared<LinearGradient>();
         const GXGradientStop stops[2] = {{0.0F, 0xFFFF0000}, {1.0F, 0x4000FF00}};
         linear->stops.Add(stops, 2);
@@ -110,6 +112,8 @@ public:
             t.SetBlendMode(mode);
             t.Fill(shape, solid, false);
             t.Fill(shape, *m_gradient, true);
+            t.Fill({&m_glyph->SharedShape(), nullptr}, solid, true);
+            t.Fill({&m_glyph->SharedShape(), nullptr}, *m_gradient, true);
             t.Fill(figure, *m_bitmapBrush, false);
             t.Stroke(shape, solid, 5.0F, round);
             t.Stroke(figure, solid, 0.0F, StrokeStyle());
@@ -131,7 +135,7 @@ public:
 private:
     std::shared_ptr<Bitmap> m_image, m_mask, m_canvas;
     std::shared_ptr<RenderTarget> m_target;
-    std::shared_ptr<Geometry> m_geometry;
+    std::shared_ptr<Geometry> m_geometry, m_glyph;
     std::shared_ptr<const Shape> m_shape;
     std::shared_ptr<GradientBrush> m_gradient;
     std::shared_ptr<BitmapBrush> m_bitmapBrush;
@@ -165,27 +169,30 @@ TEST(Allocation, EveryRefusedAllocationLeavesAWorkingTarget) {
     Page reference;
     whole(reference);
     const std::vector<uint8_t> expected = pixels(reference);
-    bool passed = false;
-    for (int64_t n = 0; !passed && n < 10000; ++n) {
+    bool allGiven = false;
+    for (int64_t n = 0; !allGiven && n < 10000; ++n) {
         Page page;
-        ProcessHeap::FailAfter(n);
+        SwGlyphCache::DropWaiting();
+        const int64_t before = ProcessHeap::FailAfter(n);
+        bool passed = false;
         try {
             whole(page);
             passed = true;
         } catch (const Exception& e) {
             EXPECT_STREQ(e.what(), "Not enough memory") << "allocation " << n;
         }
-        ProcessHeap::FailAfter(-1);
+        allGiven = ProcessHeap::FailAfter(-1) - before <= n;
         if (!passed) {
             try {
                 page.Target().EndPaint();
             } catch (const Exception&) { // it had not begun
             }
             whole(page);
-            ASSERT_EQ(pixels(page), expected) << "allocation " << n;
         }
+        // A refusal that passed was one for the glyph cache, which can do without.
+        ASSERT_EQ(pixels(page), expected) << "allocation " << n;
     }
-    EXPECT_TRUE(passed);
+    EXPECT_TRUE(allGiven);
 }
 
 } // namespace

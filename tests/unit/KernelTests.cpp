@@ -431,6 +431,17 @@ TEST_P(KernelTest, CompositesOverABasicTarget) {
             CheckPixels(
                 dst, shift, "normalVarying", [&](uint32_t* p) { m_kernels->normalVarying(p, s.Row(), shapeRow, n); },
                 [&](uint32_t d, size_t i) { return NormalOracle(d, src[i], at(i)); });
+            if (shaped) { // rows without gaps: together they are one row
+                const size_t rows = 1 + random.Number(3);
+                const size_t step = n / rows;
+                CheckPixels(
+                    dst, shift, "normalSolidBlock",
+                    [&](uint32_t* p) {
+                        m_kernels->normalSolidBlock(p, ptrdiff_t(step) * 4, color, shapeRow, ptrdiff_t(step), step,
+                                                    rows);
+                    },
+                    [&](uint32_t d, size_t i) { return i < step * rows ? NormalOracle(d, color, at(i)) : d; });
+            }
             for (int mode = 0; mode < int(Graphics::kBlendCount); ++mode) {
                 SCOPED_TRACE("mode " + std::to_string(mode));
                 CheckPixels(

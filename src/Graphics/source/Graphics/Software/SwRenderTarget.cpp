@@ -251,10 +251,10 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
         !state.opacityMask.IsSet() && (!state.clip || !state.clip->HasMask())) {
         // Most text: one call for all rows, without a pipeline.
         const SwTargetPlanes planes = m_basic.Planes(visible);
-        auto* pixels = planes.color + visible.top * planes.colorStride + ptrdiff_t{visible.left} * 4;
-        ActiveKernels().normalSolidRows(pixels, planes.colorStride, SolidColorOf(static_cast<const SolidBrush&>(brush)),
-                                        coverage, glyph.strideBytes, width,
-                                        static_cast<size_t>(visible.bottom - visible.top));
+        auto* pixels = reinterpret_cast<uint32_t*>(planes.color + visible.top * planes.colorStride) + visible.left;
+        ActiveKernels().normalSolidBlock(
+            pixels, planes.colorStride, SolidColorOf(static_cast<const SolidBrush&>(brush)), coverage,
+            static_cast<ptrdiff_t>(glyph.strideBytes), width, static_cast<size_t>(visible.bottom - visible.top));
         return true;
     }
     const DrawScope scope(m_arena);

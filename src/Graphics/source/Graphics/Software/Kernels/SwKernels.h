@@ -44,9 +44,9 @@ struct SwKernels {
     /// Normal over a basic target. Skips pixels whose shape or source alpha is 0; scales the source by shape when it
     /// is below 255; a transparent destination takes the source, otherwise d = d * (256 - as) >> 8 + c.
     void (*normalSolid)(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
-    /// normalSolid with shape over `height` rows; strides in bytes.
-    void (*normalSolidRows)(uint8_t* dst, ptrdiff_t dstStride, uint32_t color, const uint8_t* shape, size_t shapeStride,
-                            size_t width, size_t height);
+    /// normalSolid with shape in each of `rows` rows, both from one row to the next by strides in bytes.
+    void (*normalSolidBlock)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape,
+                             ptrdiff_t shapeStride, size_t count, size_t rows);
     void (*normalVarying)(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
     /// The other modes over a basic target, by blend mode number; entry 0 is never used by the renderer, entry 16
     /// serves every number above 15.

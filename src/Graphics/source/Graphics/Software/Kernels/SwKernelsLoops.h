@@ -182,16 +182,18 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
 }
 
-void NormalSolidRows(uint8_t* dst, ptrdiff_t dstStride, uint32_t color, const uint8_t* shape, size_t shapeStride,
-                     size_t width, size_t height) {
+void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape, ptrdiff_t shapeStride,
+                      size_t count, size_t rows) {
     if (color >> 24 == 0) {
         return;
     }
     const U32 c = Splat(color);
-    for (size_t y = 0; y < height; ++y, dst += dstStride, shape += shapeStride) {
-        auto* row = reinterpret_cast<uint32_t*>(dst);
-        // By then the stores to the row above have left the processor's store buffer: short blocks do not stall.
-        ForBlocks(width, [=](size_t i, size_t n) { ShapedSolid(row + i, c, shape + i, n); });
+    auto* bytes = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {
+        auto* row = reinterpret_cast<uint32_t*>(bytes);
+        const uint8_t* s = shape;
+        // The next block over these pixels is many rows away: short masked stores stall nothing here.
+        ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid(row + i, c, s + i, n); });
     }
 }
 
@@ -425,7 +427,7 @@ constexpr SwKernels kTable = {
     SetOpaque,
     CopyOpaque,
     NormalSolid,
-    NormalSolidRows,
+    NormalSolidBlock,
     NormalVarying,
     GX_MODES(GX_BLEND_ROW),
     LayerRow<LayerOver>,

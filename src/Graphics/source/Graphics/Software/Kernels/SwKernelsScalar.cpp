@@ -53,10 +53,10 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     }
 }
 
-void NormalSolidRows(uint8_t* dst, ptrdiff_t dstStride, uint32_t color, const uint8_t* shape, size_t shapeStride,
-                     size_t width, size_t height) {
-    for (; height != 0; --height, dst += dstStride, shape += shapeStride) {
-        NormalSolid(reinterpret_cast<uint32_t*>(dst), color, shape, width);
+void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape, ptrdiff_t shapeStride,
+                      size_t count, size_t rows) {
+    for (auto* row = reinterpret_cast<uint8_t*>(dst); rows != 0; --rows, row += strideBytes, shape += shapeStride) {
+        NormalSolid(reinterpret_cast<uint32_t*>(row), color, shape, count);
     }
 }
 
@@ -240,7 +240,7 @@ constexpr SwKernels kTable = {
     SetOpaque,
     CopyOpaque,
     NormalSolid,
-    NormalSolidRows,
+    NormalSolidBlock,
     NormalVarying,
     GX_MODES(GX_BLEND_ROW),
     LayerRow<LayerOver>,
