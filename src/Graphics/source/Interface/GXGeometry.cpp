@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The geometry family of the C interface.
+#include "Boolean/HitTester.h"
 #include "Geometry/Figures.h"
 #include "Geometry/Geometry.h"
 #include "Geometry/GeometrySinkAdapter.h"
@@ -170,12 +171,13 @@ GXResult GXGeometryCombine(GXGeometry a, GXGeometry b, uint32_t mode, float tole
 
 GXResult GXGeometryHitTest(GXGeometry geometry, const GXPoint* point, const GXMatrix* matrix, float tolerance,
                            uint8_t* out) GX_NOEXCEPT {
-    static_cast<void>(matrix);
-    static_cast<void>(tolerance);
     if (AnyNull(geometry) || AnyNull(point) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Geometry::HitTest", "Not implemented");
+    return Guard([&] {
+        const Shape& shape = geometry->object->GetShape();
+        *out = HitTester::Test(shape, *point, matrix != nullptr ? *matrix : kIdentity, tolerance) ? 1 : 0;
+    });
 }
 
 } // extern "C"

@@ -665,9 +665,11 @@ GX_API GXResult GXGeometryWiden(GXGeometry geometry, float width, const GXStroke
 GX_API GXResult GXGeometryCombine(GXGeometry a, GXGeometry b, uint32_t mode, float tolerance,
                                   GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Answers 1 when `point` is inside the geometry, under its fill rule, or within `tolerance` of its outline, after
- * the geometry is mapped by `matrix` (null: identity). GXResultInvalidArgument when `geometry`, `point` or `outHit`
- * is null. GXResultEngineError ("Not enough memory") or GXResultUnexpectedError when memory runs out. */
+/** Answers 1 when `point` is inside the geometry, under its fill rule and borders included, or within `tolerance` (at
+ * least 0; NaN counts as 0) of its outline, after the geometry is mapped by `matrix` (null: identity). The line that
+ * closes an open figure bounds its area but is not part of its outline. Curves are tested as curves, not flattened;
+ * figures with a coordinate that is not finite once mapped are left out, unfinished ones too. GXResultInvalidArgument
+ * when `geometry`, `point` or `outHit` is null. */
 GX_API GXResult GXGeometryHitTest(GXGeometry geometry, const GXPoint* point, const GXMatrix* matrix, float tolerance,
                                   uint8_t* outHit) GX_NOEXCEPT;
 
