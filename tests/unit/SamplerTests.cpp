@@ -14,6 +14,7 @@
 #include "Bitmaps/CacheHolder.h"
 #include "Exception.h"
 #include "Software/SwBitmapColorSource.h"
+#include "Software/SwPaintKernels.h"
 
 namespace {
 
@@ -295,9 +296,12 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
 TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {
     for (uint32_t format = 1; format <= 10; ++format) {
         for (uint32_t modes = 0; modes < 27; ++modes) {
-            for (int round = 0; round < 10; ++round) {
-                const Image image(format, 1 + static_cast<int32_t>(g_random() % 20),
-                                  1 + static_cast<int32_t>(g_random() % 20));
+            for (int round = 0; round < 12; ++round) {
+                SelectPaintKernels(PaintKernelSet(round % kPaintKernelSets)); // the best one where a set is missing
+                // Some large enough for whole vectors inside.
+                const uint32_t most = round % 2 == 0 ? 20 : 90;
+                const Image image(format, 1 + static_cast<int32_t>(g_random() % most),
+                                  1 + static_cast<int32_t>(g_random() % most));
                 ExpectSampled(image, nullptr, modes / 9, modes / 3 % 3, modes % 3, round % 3 == 0 ? 0.5F : 1.0F,
                               RandomPlacement(), round % 5 == 4, 16);
                 if (HasFatalFailure()) {
@@ -306,6 +310,7 @@ TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {
             }
         }
     }
+    SelectPaintKernels(nullptr);
 }
 
 TEST(BitmapSampler, WholePixelPlacementCopiesEveryPixel) {

@@ -14,6 +14,9 @@ namespace {
 /// Placements and columns up to here are exact in floats with their half pixels.
 constexpr int32_t kExact = 1 << 21;
 
+/// Points at once where an image ends; formats with a meaning take this road alone.
+constexpr size_t kEdgeChunk = 64;
+
 bool WholePixels(float offset, int32_t& shift) noexcept {
     shift = SaturatingTruncate(std::floor(offset));
     return std::fabs(offset) <= static_cast<float>(kExact) && static_cast<float>(shift) == offset;
@@ -223,34 +226,46 @@ void SwBitmapSampler::FillPoints(int32_t x0, size_t count, int32_t y, uint32_t* 
     float nextV = s.m1 * x + s.m3 * static_cast<float>(y) + s.m5;
     float u[kPaintChunk];
     float v[kPaintChunk];
-    int32_t columns[2][kPaintChunk];
-    int32_t rows[2][kPaintChunk];
-    uint32_t across[kPaintChunk];
-    uint32_t down[kPaintChunk];
-    uint32_t top[kPaintChunk];
-    uint32_t bottom[kPaintChunk];
-    uint32_t other[kPaintChunk];
     for (size_t done = 0; done < count;) {
         const size_t n = std::min(kPaintChunk, count - done);
         nextU = m_kernels.accumulate(nextU, s.m0, u, n);
         nextV = m_kernels.accumulate(nextV, s.m1, v, n);
         if (s.linear) {
-            m_kernels.taps[s.tilingX](u, n, s.width, columns[0], columns[1], across);
-            m_kernels.taps[s.tilingY](v, n, s.height, rows[0], rows[1], down);
-            m_reader.Points(rows[0], columns[0], n, top);
-            m_reader.Points(rows[0], columns[1], n, other);
-            m_kernels.mix(top, other, across, n, top);
-            m_reader.Points(rows[1], columns[0], n, bottom);
-            m_reader.Points(rows[1], columns[1], n, other);
-            m_kernels.mix(bottom, other, across, n, bottom);
-            m_kernels.mix(top, bottom, down, n, out + done);
+            for (size_t k = 0; k < n;) {
+                k += m_reader.Bilinear(u + k, v + k, n - k, out + done + k);
+                const size_t edge = std::min(kEdgeChunk, n - k);
+                BlendPoints(u + k, v + k, edge, out + done + k);
+                k += edge;
+            }
         } else {
-            m_kernels.indices[s.tilingX](u, n, s.width, columns[0]);
-            m_kernels.indices[s.tilingY](v, n, s.height, rows[0]);
-            m_reader.Points(rows[0], columns[0], n, out + done);
+            int32_t columns[kPaintChunk];
+            int32_t rows[kPaintChunk];
+            m_kernels.indices[s.tilingX](u, n, s.width, columns);
+            m_kernels.indices[s.tilingY](v, n, s.height, rows);
+            m_reader.Points(rows, columns, n, out + done);
         }
         done += n;
     }
+}
+
+/// At most kEdgeChunk points, wherever they and their neighbours lie.
+void SwBitmapSampler::BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
+    int32_t columns[2][kEdgeChunk];
+    int32_t rows[2][kEdgeChunk];
+    uint32_t across[kEdgeChunk];
+    uint32_t down[kEdgeChunk];
+    uint32_t top[kEdgeChunk];
+    uint32_t bottom[kEdgeChunk];
+    uint32_t other[kEdgeChunk];
+    m_kernels.taps[m_setup.tilingX](u, count, m_setup.width, columns[0], columns[1], across);
+    m_kernels.taps[m_setup.tilingY](v, count, m_setup.height, rows[0], rows[1], down);
+    m_reader.Points(rows[0], columns[0], count, top);
+    m_reader.Points(rows[0], columns[1], count, other);
+    m_kernels.mix(top, other, across, count, top);
+    m_reader.Points(rows[1], columns[0], count, bottom);
+    m_reader.Points(rows[1], columns[1], count, other);
+    m_kernels.mix(bottom, other, across, count, bottom);
+    m_kernels.mix(top, bottom, down, count, out);
 }
 
 } // namespace Graphics

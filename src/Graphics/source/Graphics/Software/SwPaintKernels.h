@@ -24,6 +24,30 @@ struct RadialEquation {
     float g2, qa4, qinv;
 };
 
+/// How a pixel lies in memory.
+enum class SwPixelLayout : uint8_t {
+    Premultiplied, ///< words
+    Straight,      ///< words with the alpha not yet multiplied in
+    Opaque,        ///< words whose fourth byte says nothing
+    Triples,       ///< three bytes: blue, green, red
+};
+inline constexpr size_t kPixelLayoutCount = 4;
+
+/// An image of one of these layouts, with any alignment.
+struct SwPixelGrid {
+    const uint8_t* pixels;
+    ptrdiff_t strideBytes;
+    int32_t width;
+    int32_t height;
+
+    /// True when the offset of every pixel's byte fits in 32 bits.
+    [[nodiscard]] bool IsNear() const noexcept {
+        constexpr int64_t kMost = 0x40000000;
+        const int64_t stride = strideBytes < 0 ? -static_cast<int64_t>(strideBytes) : strideBytes;
+        return width < kMost / 4 && stride < kMost && stride * height < kMost;
+    }
+};
+
 struct SwPaintKernels {
     const char* name;
 
@@ -47,12 +71,26 @@ struct SwPaintKernels {
     void (*mixBy)(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t count, uint32_t* out);
     void (*scaleBy)(uint32_t* row, uint32_t factor, size_t count);
     void (*premultiply)(uint32_t* row, size_t count);
+
+    /// By layout: premultiplied words of the pixels of a row at the given columns; and of an image at points.
+    void (*columns[kPixelLayoutCount])(const uint8_t* row, int32_t width, const int32_t* columns, size_t count,
+                                       uint32_t* out);
+    void (*points[kPixelLayoutCount])(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns,
+                                      size_t count, uint32_t* out);
+    /// What taps, points and mix give for these coordinates, as far as both neighbours in each direction lie inside the
+    /// image. Returns how many that were, from the first one on.
+    size_t (*bilinear[kPixelLayoutCount])(const SwPixelGrid& grid, const float* u, const float* v, size_t count,
+                                          uint32_t* out);
 };
 
-/// 0: the set that every processor of the build has; 1: AVX2. Null where build or processor lack it.
+inline constexpr int kPaintKernelSets = 3;
+
+/// 0: the set that every processor of the build has; 1: AVX2; 2: AVX-512. Null where build or processor lack it.
 [[nodiscard]] const SwPaintKernels* PaintKernelSet(int index) noexcept;
 /// The best one.
 [[nodiscard]] const SwPaintKernels& ActivePaintKernels() noexcept;
+/// For tests and benches: makes a set the active one; a null pointer restores the best.
+void SelectPaintKernels(const SwPaintKernels* kernels) noexcept;
 
 /// Longest stretch that the sources work on at once, in pixels.
 inline constexpr size_t kPaintChunk = 256;

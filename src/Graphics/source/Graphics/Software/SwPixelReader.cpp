@@ -35,25 +35,6 @@ uint32_t LoadWord(const uint8_t* row, int32_t x) noexcept {
     return word;
 }
 
-struct Bgr24 {
-    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
-        const uint8_t* p = row + static_cast<ptrdiff_t>(x) * 3;
-        return 0xFF000000U | static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[1]) << 8 | p[0];
-    }
-};
-struct Premultiplied32 {
-    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept { return LoadWord(row, x); }
-};
-struct Straight32 {
-    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
-        return PremultiplyPixel(LoadWord(row, x));
-    }
-};
-struct Opaque32 {
-    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
-        return LoadWord(row, x) | 0xFF000000U;
-    }
-};
 struct AlphaOf32 {
     static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
         return (LoadWord(row, x) >> 24) * 0x01010101U;
@@ -76,24 +57,49 @@ struct Always {
 
 } // namespace
 
-template <class Format> struct SwPixelLoops {
-    static void Run(const SwPixelReader& r, const uint8_t* row, int32_t x, size_t count, uint32_t* out) {
-        if constexpr (std::is_same_v<Format, Premultiplied32>) {
-            std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
-        } else if constexpr (std::is_same_v<Format, Straight32>) {
-            std::memcpy(out, row + static_cast<ptrdiff_t>(x) * 4, count * 4);
-            ActivePaintKernels().premultiply(out, count);
-        } else if constexpr (std::is_same_v<Format, Opaque32>) {
-            ActiveKernels().copyOpaque(out, row + static_cast<ptrdiff_t>(x) * 4, count);
-        } else {
-            // Copied to locals: `out` might otherwise be one of them, and each pixel would wait for the one before.
-            const uint32_t bitOffset = r.m_bitOffset;
-            const uint32_t* __restrict table = r.m_table;
-            const uint8_t* __restrict from = row;
-            uint32_t* __restrict to = out;
-            for (size_t k = 0; k < count; ++k) {
-                to[k] = Format::At(from, x + static_cast<int32_t>(k), bitOffset, table);
+/// Pixels that stand for themselves are left to the paint kernels.
+template <SwPixelLayout kLayout> struct SwPixelReader::Direct {
+    static constexpr auto kIndex = static_cast<size_t>(kLayout);
+
+    static void Run(const SwPixelReader&, const uint8_t* row, int32_t x, size_t count, uint32_t* out) {
+        if constexpr (kLayout == SwPixelLayout::Triples) {
+            const uint8_t* __restrict from = row + static_cast<ptrdiff_t>(x) * 3;
+            for (size_t k = 0; k < count; ++k, from += 3) {
+                out[k] =
+                    0xFF000000U | static_cast<uint32_t>(from[2]) << 16 | static_cast<uint32_t>(from[1]) << 8 | from[0];
             }
+            return;
+        }
+        const uint8_t* from = row + static_cast<ptrdiff_t>(x) * 4;
+        if constexpr (kLayout == SwPixelLayout::Opaque) {
+            ActiveKernels().copyOpaque(out, from, count);
+            return;
+        }
+        std::memcpy(out, from, count * 4);
+        if constexpr (kLayout == SwPixelLayout::Straight) {
+            ActivePaintKernels().premultiply(out, count);
+        }
+    }
+    static void Columns(const SwPixelReader& r, const uint8_t* row, const int32_t* columns, size_t count,
+                        uint32_t* out) {
+        ActivePaintKernels().columns[kIndex](row, r.m_grid.width, columns, count, out);
+    }
+    static void Points(const SwPixelReader& r, const int32_t* rows, const int32_t* columns, size_t count,
+                       uint32_t* out) {
+        ActivePaintKernels().points[kIndex](r.m_grid, rows, columns, count, out);
+    }
+};
+
+/// Values with a meaning.
+template <class Format> struct SwPixelReader::Mapped {
+    static void Run(const SwPixelReader& r, const uint8_t* row, int32_t x, size_t count, uint32_t* out) {
+        // Copied to locals: `out` might otherwise be one of them, and each pixel would wait for the one before.
+        const uint32_t bitOffset = r.m_bitOffset;
+        const uint32_t* __restrict table = r.m_table;
+        const uint8_t* __restrict from = row;
+        uint32_t* __restrict to = out;
+        for (size_t k = 0; k < count; ++k) {
+            to[k] = Format::At(from, x + static_cast<int32_t>(k), bitOffset, table);
         }
     }
     static void Columns(const SwPixelReader& r, const uint8_t* row, const int32_t* columns, size_t count,
@@ -110,14 +116,19 @@ template <class Format> struct SwPixelLoops {
     }
 };
 
-template <class Format> void SwPixelReader::Use() noexcept {
-    m_run = SwPixelLoops<Format>::Run;
-    m_columns = SwPixelLoops<Format>::Columns;
-    m_points = SwPixelLoops<Format>::Points;
+template <class Loops> void SwPixelReader::Use() noexcept {
+    m_run = Loops::Run;
+    m_columns = Loops::Columns;
+    m_points = Loops::Points;
+}
+
+template <SwPixelLayout kLayout> void SwPixelReader::UseDirect() noexcept {
+    Use<Direct<kLayout>>();
+    m_bilinear = ActivePaintKernels().bilinear[static_cast<size_t>(kLayout)];
 }
 
 SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
-    : m_data(view.data), m_strideBytes(view.strideBytes), m_bitOffset(view.bitOffset) {
+    : m_grid{view.data, view.strideBytes, view.width, view.height}, m_bitOffset(view.bitOffset) {
     // A palette's words; beyond its end lies opaque black, and without one the index is the level.
     const auto useIndexed = [&](size_t count, const uint32_t* levels) {
         m_table = levels;
@@ -137,51 +148,51 @@ SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
     };
     switch (view.format) {
     case GXPixelFormatAlpha8:
-        Use<Byte>();
+        Use<Mapped<Byte>>();
         useTable(kCoverage.data(), false);
         return;
     case GXPixelFormatGray8:
-        Use<Byte>();
+        Use<Mapped<Byte>>();
         useTable(asMask ? kCoverage.data() : kGrey.data(), !asMask);
         return;
     case GXPixelFormatAlpha1:
-        Use<Bit>();
+        Use<Mapped<Bit>>();
         useTable(kBitCoverage, false);
         return;
     case GXPixelFormatBlackWhite1:
-        Use<Bit>();
+        Use<Mapped<Bit>>();
         useTable(asMask ? kBitCoverage : kBlackWhite, !asMask);
         return;
     case GXPixelFormatPBGRA32:
-        asMask ? Use<AlphaOf32>() : Use<Premultiplied32>();
+        asMask ? Use<Mapped<AlphaOf32>>() : UseDirect<SwPixelLayout::Premultiplied>();
         m_direct = m_words = !asMask;
         return;
     case GXPixelFormatBGRA32:
-        asMask ? Use<AlphaOf32>() : Use<Straight32>();
+        asMask ? Use<Mapped<AlphaOf32>>() : UseDirect<SwPixelLayout::Straight>();
         return;
     default:
         break;
     }
     if (asMask) { // no alpha and no level: everything counts
-        Use<Always>();
+        Use<Mapped<Always>>();
         useTable(kFull, true);
         return;
     }
     m_opaque = true;
     switch (view.format) {
     case GXPixelFormatBGR24:
-        Use<Bgr24>();
+        UseDirect<SwPixelLayout::Triples>();
         return;
     case GXPixelFormatIndexed8:
-        Use<Byte>();
+        Use<Mapped<Byte>>();
         useIndexed(256, kGrey.data());
         return;
     case GXPixelFormatIndexed1:
-        Use<Bit>();
+        Use<Mapped<Bit>>();
         useIndexed(2, kBlackWhite);
         return;
     default:
-        Use<Opaque32>();
+        UseDirect<SwPixelLayout::Opaque>();
         m_words = true;
         return;
     }

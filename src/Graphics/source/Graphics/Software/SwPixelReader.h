@@ -5,6 +5,7 @@
 
 #include "../Arena.h"
 #include "../Pixels/PixelView.h"
+#include "SwPaintKernels.h"
 
 namespace Graphics {
 
@@ -25,26 +26,32 @@ public:
         m_points(*this, rows, columns, count, out);
     }
 
+    /// Bilinear samples, as far as they and their neighbours lie inside; returns how many. See SwPaintKernels.
+    size_t Bilinear(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
+        return m_bilinear != nullptr ? m_bilinear(m_grid, u, v, count, out) : 0;
+    }
+
     /// True when no word can have an alpha below 255.
     [[nodiscard]] bool IsOpaque() const noexcept { return m_opaque; }
     /// True when the words lie in memory as Run gives them.
     [[nodiscard]] bool IsDirect() const noexcept { return m_direct; }
     /// True when they do but for the alpha, which then is 255 whatever is stored.
     [[nodiscard]] bool HasWords() const noexcept { return m_words; }
-    [[nodiscard]] ptrdiff_t StrideBytes() const noexcept { return m_strideBytes; }
-    [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_data + y * m_strideBytes; }
+    [[nodiscard]] ptrdiff_t StrideBytes() const noexcept { return m_grid.strideBytes; }
+    [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_grid.pixels + y * m_grid.strideBytes; }
 
 private:
-    template <class Format> friend struct SwPixelLoops;
+    template <SwPixelLayout kLayout> struct Direct;
+    template <class Format> struct Mapped;
 
-    template <class Format> void Use() noexcept;
+    template <class Loops> void Use() noexcept;
+    template <SwPixelLayout kLayout> void UseDirect() noexcept;
 
     using RunFunction = void (*)(const SwPixelReader&, const uint8_t*, int32_t, size_t, uint32_t*);
     using ColumnsFunction = void (*)(const SwPixelReader&, const uint8_t*, const int32_t*, size_t, uint32_t*);
     using PointsFunction = void (*)(const SwPixelReader&, const int32_t*, const int32_t*, size_t, uint32_t*);
 
-    const uint8_t* m_data;
-    ptrdiff_t m_strideBytes;
+    SwPixelGrid m_grid;
     uint32_t m_bitOffset;
     bool m_opaque = false;
     bool m_direct = false;
@@ -53,6 +60,7 @@ private:
     RunFunction m_run = nullptr;
     ColumnsFunction m_columns = nullptr;
     PointsFunction m_points = nullptr;
+    size_t (*m_bilinear)(const SwPixelGrid&, const float*, const float*, size_t, uint32_t*) = nullptr;
 };
 
 } // namespace Graphics

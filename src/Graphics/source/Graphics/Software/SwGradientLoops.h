@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// The loops of linear and radial gradients over vectors of kLanes words.
+//
+// Coordinates along a row are defined as repeated float additions, which is a serial chain. Inside one binade it can be
+// jumped: all values there are multiples of one unit u, so v + step rounds to v + D with the same D each time, as long
+// as step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
+#pragma once
+
+#include "SwPaintVectors.h"
+
+namespace Graphics {
+namespace {
+
+inline uint32_t BitsOf(float v) noexcept {
+    uint32_t bits;
+    __builtin_memcpy(&bits, &v, 4);
+    return bits;
+}
+inline float FloatOf(uint32_t bits) noexcept {
+    float v;
+    __builtin_memcpy(&v, &bits, 4);
+    return v;
+}
+
+/// How many terms after v follow by adding the same whole number to the bit pattern; 0 where that is not certain.
+inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept {
+    const uint32_t from = BitsOf(v);
+    const uint32_t to = BitsOf(next);
+    const uint32_t exponent = (from >> 23) & 255;
+    if (((from ^ to) & 0xFF800000U) != 0 || exponent == 0 || exponent == 255) {
+        return 0;
+    }
+    // Half a unit of the binade, 2^(exponent - 127 - 24), and the part of step that rounding drops; both exact.
+    const uint64_t halfBits = static_cast<uint64_t>(exponent + 1023 - 127 - 24) << 52;
+    double half;
+    __builtin_memcpy(&half, &halfBits, 8);
+    const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
+    if (!(dropped < half && dropped > -half)) {
+        return 0;
+    }
+    if (to == from) {
+        return most;
+    }
+    const uint32_t mantissa = from & 0x007FFFFFU;
+    // The lower end of the binade itself is left out: below it the grid is finer, and rounding may stop short of it.
+    const uint32_t steady = to > from ? (0x007FFFFFU - mantissa) / (to - from) : (mantissa - 1) / (from - to);
+    return steady < most ? steady : most;
+}
+
+float Accumulate(float v, float step, float* out, size_t count) {
+    size_t k = 0;
+    while (k < count) {
+        const float next = v + step;
+        const size_t left = count - k;
+        const size_t steady = left > 8 ? SteadyTerms(v, next, step, left - 1) : 0;
+        if (steady < 8) {
+            const size_t serial = left < 8 ? left : 8;
+            for (size_t i = 0; i < serial; ++i) {
+                out[k + i] = v;
+                v += step;
+            }
+            k += serial;
+            continue;
+        }
+        const uint32_t first = BitsOf(v);
+        const uint32_t d = BitsOf(next) - first;
+        Words bits = first + Ascending() * d;
+        const Words jump = Words{} + static_cast<uint32_t>(kLanes) * d;
+        Blocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
+            Store(out + k + at, bits, lanes);
+            bits += jump;
+        });
+        v = FloatOf(first + static_cast<uint32_t>(steady) * d) + step;
+        k += steady + 1;
+    }
+    return v;
+}
+
+/// One interval in vectors: where it lies within [0, 1] and what its colours are made from.
+struct Ramp {
+    Floats above, upTo; ///< above < t <= upTo
+    Floats upper, length, perLength;
+    Halves lowerEven, lowerOdd, upperEven, upperOdd;
+    bool tame, opaque;
+
+    GX_INLINE explicit Ramp(const GradientInterval& in) noexcept {
+        const float span = in.upper - in.lower;
+        above = Splat(in.lower < 0.0F ? -1.0e-45F : in.lower); // t >= 0 is t > -(the least number)
+        upTo = Splat(in.upper <= 1.0F ? in.upper : 1.0F);
+        upper = Splat(in.upper);
+        length = Splat(span);
+        perLength = Splat(255.0F / span);
+        const Words lowerColor = Words{} + in.lowerColor;
+        const Words upperColor = Words{} + in.upperColor;
+        lowerEven = Even(lowerColor);
+        lowerOdd = Odd(lowerColor);
+        upperEven = Even(upperColor);
+        upperOdd = Odd(upperColor);
+        tame = span > 1.0e-30F && span < 1.0e30F;
+        opaque = (in.lowerColor & in.upperColor) >> 24 == 255;
+    }
+
+    GX_INLINE Ints Holds(Floats t) const noexcept { return (Ints)((t > above) & (t <= upTo)); }
+
+    /// The colours; any words where t lies elsewhere. A product with the rounded 255 / length differs from the two
+    /// rounded operations by less than 255 * 2^-22 < 0.0001: where both ends of this doubt truncate alike, the
+    /// division is spared.
+    GX_INLINE Words Colors(Floats t) const noexcept {
+        const Floats distance = upper - t;
+        const Floats near = distance * perLength;
+        const Floats doubt = Splat(0.0001F);
+        Ints share = Truncate(near - doubt);
+        if (!tame || !All((Ints)(share == Truncate(near + doubt)))) {
+            share = Truncate(distance / length * Splat(255.0F));
+        }
+        const Words w = ((Words)share & 255U) + 1U;
+        const Words c = Mix(upperEven, upperOdd, lowerEven, lowerOdd, (Halves)(w | w << 16));
+        return opaque ? c : Premultiply(c);
+    }
+};
+
+void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
+    const auto factor = (Halves)(Words{} + (state.opacityFactor | state.opacityFactor << 16));
+    const bool scaled = state.opacityFactor != 256;
+    Ramp ramp(state.interval);
+    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const auto block = Load<Floats>(t + k, lanes);
+        if (lanes == kLanes && All(ramp.Holds(block))) {
+            const Words c = ramp.Colors(block);
+            Store(out + k, scaled ? Scale(c, factor) : c, lanes);
+            return;
+        }
+        // Several stretches meet here: each pass takes the one of the first pixel left.
+        Words colors{};
+        for (uint32_t left = (1U << lanes) - 1U; left != 0;) {
+            const auto lane = static_cast<uint32_t>(__builtin_ctz(left));
+            const float at = t[k + lane];
+            Ints mask;
+            Words c;
+            if (at < 0.0F) {
+                mask = (Ints)(block < Floats{});
+                c = Words{} + state.before;
+            } else if (at > 1.0F) {
+                mask = (Ints)(block > Splat(1.0F));
+                c = Words{} + state.after;
+            } else if (at != at) {
+                mask = (Ints)(block != block);
+                c = Words{} + state.notANumber;
+            } else {
+                if (!state.interval.Contains(at)) {
+                    state.interval = state.sampler->IntervalAt(at);
+                    ramp = Ramp(state.interval);
+                }
+                mask = ramp.Holds(block);
+                c = ramp.Colors(block);
+                c = scaled ? Scale(c, factor) : c;
+            }
+            mask |= (Ints)(Ascending() == lane); // whatever rounding the host has set
+            colors = Select(mask, c, colors);
+            left &= ~Bits(mask);
+        }
+        Store(out + k, colors, lanes);
+    });
+}
+
+void Radial(const RadialEquation& q, const float* u, const float* v, const float* b, size_t count, float* t) {
+    const Floats zero{};
+    const Floats one = Splat(1.0F);
+    const Floats none = Splat(__builtin_nanf(""));
+    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const Floats x = Load<Floats>(u + k, lanes);
+        const Floats y = Load<Floats>(v + k, lanes);
+        const Floats B = Load<Floats>(b + k, lanes);
+        const Floats C = x * x + y * y - Splat(q.g2);
+        Floats r;
+        if (q.qa4 == 0.0F) {
+            r = -C / B;
+            r = Select(r == r, r, Splat(-1.0F));
+        } else {
+            const Floats D = B * B - Splat(q.qa4) * C;
+            const Floats s = SquareRoot(Select(D > zero, D, zero));
+            const Floats t1 = (s - B) * Splat(q.qinv);
+            const Floats t2 = (-B - s) * Splat(q.qinv);
+            r = Select((t1 >= zero) & (t1 <= one), t1, t2); // both are -B / (2 A) where D is 0
+            r = Select(r == r, r, Splat(-1.0F));
+            r = Select(D < zero, none, r);
+            r = Select(D == D, r, zero);
+        }
+        Store(t + k, r, lanes);
+    });
+}
+
+} // namespace
+} // namespace Graphics
