@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Writes opaque pixels as an RGB PNG.
+// Writes opaque pixels as an RGB PNG. The gallery uses it, too.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,9 @@
 
 namespace PdfPage {
 
-// `pixels` are rows of B, G, R, X bytes. False when the file can't be written; nothing half written is left behind.
+// `pixels` are rows of B, G, R, X bytes; `level` is zlib's, from 1 (fast) to 9 (small). False when the file can't be
+// written; nothing half written is left behind.
 bool WritePng(const std::string& path, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes,
-              float dpi);
+              float dpi, int level = 3);
 
 } // namespace PdfPage
