@@ -14,8 +14,8 @@ namespace {
 /// Placements and columns up to here are exact in floats with their half pixels.
 constexpr int32_t kExact = 1 << 21;
 
-/// Points at once where an image ends; formats with a meaning take this road alone.
-constexpr size_t kEdgeChunk = 64;
+/// Points at once where an image ends, before the quick way is tried again.
+constexpr size_t kEdgeChunk = 16;
 
 bool WholePixels(float offset, int32_t& shift) noexcept {
     shift = SaturatingTruncate(std::floor(offset));
@@ -226,37 +226,46 @@ void SwBitmapSampler::FillPoints(int32_t x0, size_t count, int32_t y, uint32_t* 
     float nextV = s.m1 * x + s.m3 * static_cast<float>(y) + s.m5;
     float u[kPaintChunk];
     float v[kPaintChunk];
+    const size_t edge = m_reader.Samples() ? kEdgeChunk : kPaintChunk;
     for (size_t done = 0; done < count;) {
         const size_t n = std::min(kPaintChunk, count - done);
         nextU = m_kernels.accumulate(nextU, s.m0, u, n);
         nextV = m_kernels.accumulate(nextV, s.m1, v, n);
-        if (s.linear) {
-            for (size_t k = 0; k < n;) {
-                k += m_reader.Bilinear(u + k, v + k, n - k, out + done + k);
-                const size_t edge = std::min(kEdgeChunk, n - k);
-                BlendPoints(u + k, v + k, edge, out + done + k);
-                k += edge;
+        for (size_t k = 0; k < n;) {
+            k += m_reader.Sample(s.linear, u + k, v + k, n - k, out + done + k);
+            const size_t rest = std::min(edge, n - k);
+            if (rest == 0) {
+                break;
             }
-        } else {
-            int32_t columns[kPaintChunk];
-            int32_t rows[kPaintChunk];
-            m_kernels.indices[s.tilingX](u, n, s.width, columns);
-            m_kernels.indices[s.tilingY](v, n, s.height, rows);
-            m_reader.Points(rows, columns, n, out + done);
+            if (s.linear) {
+                BlendPoints(u + k, v + k, rest, out + done + k);
+            } else {
+                PickPoints(u + k, v + k, rest, out + done + k);
+            }
+            k += rest;
         }
         done += n;
     }
 }
 
-/// At most kEdgeChunk points, wherever they and their neighbours lie.
+/// Up to kPaintChunk points, wherever they lie.
+void SwBitmapSampler::PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
+    int32_t columns[kPaintChunk];
+    int32_t rows[kPaintChunk];
+    m_kernels.indices[m_setup.tilingX](u, count, m_setup.width, columns);
+    m_kernels.indices[m_setup.tilingY](v, count, m_setup.height, rows);
+    m_reader.Points(rows, columns, count, out);
+}
+
+/// The same with the neighbours.
 void SwBitmapSampler::BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-    int32_t columns[2][kEdgeChunk];
-    int32_t rows[2][kEdgeChunk];
-    uint32_t across[kEdgeChunk];
-    uint32_t down[kEdgeChunk];
-    uint32_t top[kEdgeChunk];
-    uint32_t bottom[kEdgeChunk];
-    uint32_t other[kEdgeChunk];
+    int32_t columns[2][kPaintChunk];
+    int32_t rows[2][kPaintChunk];
+    uint32_t across[kPaintChunk];
+    uint32_t down[kPaintChunk];
+    uint32_t top[kPaintChunk];
+    uint32_t bottom[kPaintChunk];
+    uint32_t other[kPaintChunk];
     m_kernels.taps[m_setup.tilingX](u, count, m_setup.width, columns[0], columns[1], across);
     m_kernels.taps[m_setup.tilingY](v, count, m_setup.height, rows[0], rows[1], down);
     m_reader.Points(rows[0], columns[0], count, top);

@@ -49,6 +49,7 @@ private:
     void FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
     void FillUpright(int32_t x0, size_t count, int32_t y, uint32_t* out);
     void FillPoints(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
+    void PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void BuildColumns(int32_t x0, size_t count);
     const uint32_t* BlendedRow(int32_t row, int32_t keepRow);

@@ -26,6 +26,9 @@ inline float FloatOf(uint32_t bits) noexcept {
 inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept {
     const uint32_t from = BitsOf(v);
     const uint32_t to = BitsOf(next);
+    if (to == from) { // whatever it is: the same sum gives the same again
+        return most;
+    }
     const uint32_t exponent = (from >> 23) & 255;
     if (((from ^ to) & 0xFF800000U) != 0 || exponent == 0 || exponent == 255) {
         return 0;
@@ -37,9 +40,6 @@ inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept
     const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
     if (!(dropped < half && dropped > -half)) {
         return 0;
-    }
-    if (to == from) {
-        return most;
     }
     const uint32_t mantissa = from & 0x007FFFFFU;
     // The lower end of the binade itself is left out: below it the grid is finer, and rounding may stop short of it.

@@ -48,6 +48,8 @@ struct SwPixelGrid {
     }
 };
 
+using SwSampleInside = size_t (*)(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out);
+
 struct SwPaintKernels {
     const char* name;
 
@@ -77,10 +79,9 @@ struct SwPaintKernels {
                                        uint32_t* out);
     void (*points[kPixelLayoutCount])(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns,
                                       size_t count, uint32_t* out);
-    /// What taps, points and mix give for these coordinates, as far as both neighbours in each direction lie inside the
-    /// image. Returns how many that were, from the first one on.
-    size_t (*bilinear[kPixelLayoutCount])(const SwPixelGrid& grid, const float* u, const float* v, size_t count,
-                                          uint32_t* out);
+    /// By interpolation, 0 nearest, 1 bilinear: what indices, or taps, points and mix, give for these coordinates, as
+    /// far as every pixel that counts lies inside the image. Returns how many that were, from the first one on.
+    SwSampleInside sample[2][kPixelLayoutCount];
 };
 
 inline constexpr int kPaintKernelSets = 3;

@@ -29,7 +29,7 @@ constexpr SwPaintKernels MakeTable(const char* name) noexcept {
             PremultiplyRow,
             GX_LAYOUTS(Columns),
             GX_LAYOUTS(Points),
-            GX_LAYOUTS(Bilinear)};
+            {GX_LAYOUTS(Nearest), GX_LAYOUTS(Bilinear)}};
 }
 
 #undef GX_LAYOUTS

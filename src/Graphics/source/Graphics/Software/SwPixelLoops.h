@@ -74,24 +74,15 @@ void Points(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns
     });
 }
 
-/// Two neighbours come in one read: of triples, the second starts in the first one's fourth byte.
-template <SwPixelLayout kLayout>
-size_t Bilinear(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out) {
-    const int32_t endX = grid.width - (kLayout == SwPixelLayout::Triples ? 2 : 1);
-    const int32_t endY = grid.height - 1;
+/// Calls sample(coordinates, indices, byte offsets of the pixels, lanes, first) for blocks of points while every index
+/// lies below `endX` and `endY`; returns how many points that were.
+template <SwPixelLayout kLayout, class Sample>
+GX_INLINE inline size_t WhileInside(const SwPixelGrid& grid, int32_t endX, int32_t endY, const float* u, const float* v,
+                                    size_t count, Sample&& sample) noexcept {
     if (endX <= 0 || endY <= 0 || !grid.IsNear()) {
         return 0;
     }
     const auto stride = static_cast<int32_t>(grid.strideBytes);
-    const auto read = [](const uint8_t* row, Ints offsets, Words across) GX_INLINE {
-        Words a;
-        Words b;
-        GatherPairs(row, offsets, a, b);
-        if (kLayout == SwPixelLayout::Triples) {
-            b = a >> 24 | b << 8;
-        }
-        return Mix(Understand<kLayout>(a), Understand<kLayout>(b), across);
-    };
     size_t k = 0;
     while (k < count) {
         const size_t lanes = count - k < kLanes ? count - k : kLanes; // lanes beyond the end read pixel (0, 0)
@@ -102,14 +93,44 @@ size_t Bilinear(const SwPixelGrid& grid, const float* u, const float* v, size_t 
         if (!All((Ints)((Words)i < static_cast<uint32_t>(endX)) & (Ints)((Words)j < static_cast<uint32_t>(endY)))) {
             break;
         }
-        const Ints offsets = j * stride + i * kPixelBytes<kLayout>;
-        const Words across = WeightOf(x, i);
-        const Words top = read(grid.pixels, offsets, across);
-        const Words bottom = read(grid.pixels + grid.strideBytes, offsets, across);
-        Store(out + k, Finish<kLayout>(Mix(top, bottom, WeightOf(y, j))), lanes);
+        sample(x, y, i, j, j * stride + i * kPixelBytes<kLayout>, lanes, k);
         k += lanes;
     }
     return k;
+}
+
+/// Of triples, the last of a row stays outside: its word would reach behind the image.
+template <SwPixelLayout kLayout>
+size_t Nearest(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out) {
+    const int32_t endX = grid.width - (kLayout == SwPixelLayout::Triples ? 1 : 0);
+    return WhileInside<kLayout>(grid, endX, grid.height, u, v, count,
+                                [&](Floats, Floats, Ints, Ints, Ints offsets, size_t lanes, size_t k) GX_INLINE {
+                                    const Words c = Understand<kLayout>(Gather(grid.pixels, offsets));
+                                    Store(out + k, Finish<kLayout>(c), lanes);
+                                });
+}
+
+/// Two neighbours come in one read: of triples, the second starts in the first one's fourth byte.
+template <SwPixelLayout kLayout>
+size_t Bilinear(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out) {
+    const int32_t endX = grid.width - (kLayout == SwPixelLayout::Triples ? 2 : 1);
+    const auto read = [](const uint8_t* row, Ints offsets, Words across) GX_INLINE {
+        Words a;
+        Words b;
+        GatherPairs(row, offsets, a, b);
+        if (kLayout == SwPixelLayout::Triples) {
+            b = a >> 24 | b << 8;
+        }
+        return Mix(Understand<kLayout>(a), Understand<kLayout>(b), across);
+    };
+    return WhileInside<kLayout>(grid, endX, grid.height - 1, u, v, count,
+                                [&](Floats x, Floats y, Ints i, Ints j, Ints offsets, size_t lanes, size_t k)
+                                    GX_INLINE {
+                                        const Words across = WeightOf(x, i);
+                                        const Words top = read(grid.pixels, offsets, across);
+                                        const Words bottom = read(grid.pixels + grid.strideBytes, offsets, across);
+                                        Store(out + k, Finish<kLayout>(Mix(top, bottom, WeightOf(y, j))), lanes);
+                                    });
 }
 
 } // namespace

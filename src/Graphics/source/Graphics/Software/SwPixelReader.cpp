@@ -124,7 +124,9 @@ template <class Loops> void SwPixelReader::Use() noexcept {
 
 template <SwPixelLayout kLayout> void SwPixelReader::UseDirect() noexcept {
     Use<Direct<kLayout>>();
-    m_bilinear = ActivePaintKernels().bilinear[static_cast<size_t>(kLayout)];
+    for (size_t i = 0; i < 2; ++i) {
+        m_sample[i] = ActivePaintKernels().sample[i][static_cast<size_t>(kLayout)];
+    }
 }
 
 SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)

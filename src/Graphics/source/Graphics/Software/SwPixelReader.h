@@ -26,9 +26,11 @@ public:
         m_points(*this, rows, columns, count, out);
     }
 
-    /// Bilinear samples, as far as they and their neighbours lie inside; returns how many. See SwPaintKernels.
-    size_t Bilinear(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-        return m_bilinear != nullptr ? m_bilinear(m_grid, u, v, count, out) : 0;
+    /// True when Sample may give anything.
+    [[nodiscard]] bool Samples() const noexcept { return m_sample[0] != nullptr; }
+    /// Samples, as far as they lie inside with their neighbours; returns how many. See SwPaintKernels.
+    size_t Sample(bool linear, const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
+        return Samples() ? m_sample[linear ? 1 : 0](m_grid, u, v, count, out) : 0;
     }
 
     /// True when no word can have an alpha below 255.
@@ -60,7 +62,7 @@ private:
     RunFunction m_run = nullptr;
     ColumnsFunction m_columns = nullptr;
     PointsFunction m_points = nullptr;
-    size_t (*m_bilinear)(const SwPixelGrid&, const float*, const float*, size_t, uint32_t*) = nullptr;
+    SwSampleInside m_sample[2] = {};
 };
 
 } // namespace Graphics
