@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Switches and the compile options that every target shares.
 option(GX_BUILD_TESTS "Build the tests" ON)
+option(GX_BUILD_TOOLS "Build the recorder and the player of recorded pages" ON)
 option(GX_BUILD_EXAMPLES "Build the examples" ON)
 option(GX_BUILD_BENCH "Build the benches (needs the peers' packages)" OFF)
 option(GX_BUILD_FUZZ "Build the libFuzzer harnesses (Clang)" OFF)

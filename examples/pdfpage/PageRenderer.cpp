@@ -32,7 +32,8 @@ private:
 
 } // namespace
 
-Document::Document(const std::string& path, Report& report) : m_report(report) {
+Document::Document(const std::string& path, Report& report, Gxr::Recorder* recorder)
+    : m_report(report), m_calls(recorder) {
     if (std::FILE* file = std::fopen(path.c_str(), "rb"))
         std::fclose(file);
     else
@@ -65,7 +66,7 @@ Document::Document(const std::string& path, Report& report) : m_report(report) {
         fz_drop_context(m_ctx);
         throw Failure(reason);
     }
-    m_caches = std::make_unique<Caches>(m_ctx);
+    m_caches = std::make_unique<Caches>(m_ctx, m_calls);
 }
 
 Document::~Document() {
@@ -111,10 +112,10 @@ void Page::Draw(Picture* picture, double* milliseconds) {
     fz_context* const ctx = m_document.m_ctx;
     Report& report = m_document.m_report;
     try {
-        Surface surface(report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
+        Surface surface(m_document.m_calls, report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
         const Stopwatch watch;
         {
-            Painter painter(ctx, report, *m_document.m_caches, surface, m_dpi);
+            Painter painter(ctx, m_document.m_calls, report, *m_document.m_caches, surface, m_dpi);
             fz_device* const device = NewGxDevice(ctx, painter);
             if (!device)
                 throw Failure("out of memory");

@@ -30,7 +30,8 @@ class Page;
 class Document {
 public:
     // Throws Failure for a file that is missing, damaged beyond repair, or encrypted.
-    Document(const std::string& path, Report& report);
+    // With a recorder everything drawn is recorded; it outlives the document.
+    Document(const std::string& path, Report& report, Gxr::Recorder* recorder = nullptr);
     ~Document();
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
@@ -41,6 +42,7 @@ private:
     friend class Page;
 
     Report& m_report;
+    const Gxr::Calls m_calls;
     fz_context* m_ctx = nullptr;
     fz_document* m_document = nullptr;
     int m_pageCount = 0;

@@ -8,8 +8,8 @@
 
 namespace PdfPage {
 
-Painter::Painter(fz_context* ctx, Report& report, Caches& caches, Surface& page, float dpi)
-    : m_ctx(ctx), m_report(report), m_caches(caches), m_page(page), m_dpi(dpi),
+Painter::Painter(fz_context* ctx, const Gxr::Calls& calls, Report& report, Caches& caches, Surface& page, float dpi)
+    : m_ctx(ctx), m_calls(calls), m_report(report), m_caches(caches), m_page(page), m_dpi(dpi),
       m_unitSquare(RectGeometry(report, fz_unit_rect)) {}
 
 Painter::~Painter() {
@@ -56,7 +56,7 @@ GXBrush Painter::Brush(const Paint& paint) {
     const GXColor color = Color(paint);
     if (!m_brush || std::memcmp(&color, &m_brushColor, sizeof color) != 0) {
         m_brushColor = color;
-        m_report.Check(GXCreateBrushSolid(&color, m_brush.Out()), "GXCreateBrushSolid");
+        m_report.Check(m_calls.CreateBrushSolid(&color, m_brush.Out()), "GXCreateBrushSolid");
     }
     return m_brush.Get();
 }
@@ -66,7 +66,7 @@ void Painter::FillPath(const fz_path* path, bool evenOdd, const fz_matrix& ctm, 
     if (!geometry)
         return;
     Current().SetMatrix(ctm);
-    m_report.Check(GXRenderTargetFillGeometry(Target(), geometry.Get(), Brush(paint)), "GXRenderTargetFillGeometry");
+    m_report.Check(m_calls.FillGeometry(Target(), geometry.Get(), Brush(paint)), "GXRenderTargetFillGeometry");
 }
 
 void Painter::ClipPath(const fz_path* path, bool evenOdd, const fz_matrix& ctm) {
@@ -87,7 +87,7 @@ void Painter::Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_s
     Handle<GXGeometry> pieces;
     if (HasDashes(stroke)) {
         if (style.dashCount > 0 && m_dashesSupported) {
-            if (GXRenderTargetStrokeGeometry(Target(), geometry, brush, width, &style) == GXResultSuccess)
+            if (m_calls.StrokeGeometry(Target(), geometry, brush, width, &style) == GXResultSuccess)
                 return;
             m_dashesSupported = false;
             m_report.Notice("dashes cut up here, the library refused them");
@@ -100,8 +100,7 @@ void Painter::Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_s
         else
             m_report.Notice("dashes drawn as whole lines");
     }
-    m_report.Check(GXRenderTargetStrokeGeometry(Target(), geometry, brush, width, &style),
-                   "GXRenderTargetStrokeGeometry");
+    m_report.Check(m_calls.StrokeGeometry(Target(), geometry, brush, width, &style), "GXRenderTargetStrokeGeometry");
 }
 
 void Painter::StrokePath(const fz_path* path, const fz_stroke_state& stroke, const fz_matrix& ctm, const Paint& paint) {

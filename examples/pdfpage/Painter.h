@@ -19,7 +19,7 @@ namespace PdfPage {
 
 // What outlives a page: everything made from the document's own objects.
 struct Caches {
-    explicit Caches(fz_context* ctx) : glyphs(ctx), images(ctx), shadings(ctx) {}
+    Caches(fz_context* ctx, const Gxr::Calls& calls) : glyphs(ctx), images(ctx), shadings(ctx, calls) {}
     Glyphs glyphs;
     Images images;
     Shadings shadings;
@@ -34,7 +34,7 @@ struct Paint {
 
 class Painter {
 public:
-    Painter(fz_context* ctx, Report& report, Caches& caches, Surface& page, float dpi);
+    Painter(fz_context* ctx, const Gxr::Calls& calls, Report& report, Caches& caches, Surface& page, float dpi);
     ~Painter();
     Painter(const Painter&) = delete;
     Painter& operator=(const Painter&) = delete;
@@ -104,6 +104,7 @@ private:
     void ReplayTile(Tile& tile);
 
     fz_context* m_ctx;
+    const Gxr::Calls& m_calls;
     Report& m_report;
     Caches& m_caches;
     Surface& m_page;

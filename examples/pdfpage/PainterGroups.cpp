@@ -51,7 +51,8 @@ void Painter::BeginMask(const fz_rect& area, bool luminosity, const Paint& backd
         clear = 0xFF000000u | channel(c.red) << 16 | channel(c.green) << 8 | channel(c.blue);
     }
     try {
-        m_masks.push_back({std::make_unique<Surface>(m_report, box, GXPixelFormatPBGRA32, m_dpi, clear), luminosity});
+        m_masks.push_back(
+            {std::make_unique<Surface>(m_calls, m_report, box, GXPixelFormatPBGRA32, m_dpi, clear), luminosity});
     } catch (...) {
         m_skippedMasks = 1; // the calls stay balanced
         m_hideAfterSkip = false;

@@ -22,9 +22,9 @@ void Painter::FillImage(fz_image* image, const fz_matrix& ctm, float alpha, fz_c
         return;
     const fz_matrix matrix = ImageMatrix(ctm);
     Current().SetMatrix(matrix);
-    m_report.Check(GXRenderTargetStretchBitmap(Target(), bitmap, &kUnit, nullptr, alpha,
-                                               Images::Interpolation(*image, bitmap, matrix)),
-                   "GXRenderTargetStretchBitmap");
+    m_report.Check(
+        m_calls.StretchBitmap(Target(), bitmap, &kUnit, nullptr, alpha, Images::Interpolation(*image, bitmap, matrix)),
+        "GXRenderTargetStretchBitmap");
 }
 
 void Painter::FillImageMask(fz_image* image, const fz_matrix& ctm, const Paint& paint) {
@@ -34,7 +34,7 @@ void Painter::FillImageMask(fz_image* image, const fz_matrix& ctm, const Paint& 
     const fz_matrix matrix = ImageMatrix(ctm);
     Current().SetMatrix(matrix);
     m_report.Check(
-        GXRenderTargetFillMask(Target(), bitmap, Brush(paint), &kUnit, Images::Interpolation(*image, bitmap, matrix)),
+        m_calls.FillMask(Target(), bitmap, Brush(paint), &kUnit, Images::Interpolation(*image, bitmap, matrix)),
         "GXRenderTargetFillMask");
 }
 
@@ -47,7 +47,7 @@ void Painter::ClipImageMask(fz_image* image, const fz_matrix& ctm) {
         const GXBitmapBrushOptions options{Images::Interpolation(*image, bitmap, matrix), GXExtendClamp, GXExtendClamp};
         const GXMatrix fit{1.0f / static_cast<float>(size.width),  0.0f, 0.0f,
                            1.0f / static_cast<float>(size.height), 0.0f, 0.0f};
-        m_report.Check(GXCreateBrushBitmap(bitmap, 1.0f, &options, &fit, brush.Out()), "GXCreateBrushBitmap");
+        m_report.Check(m_calls.CreateBrushBitmap(bitmap, 1.0f, &options, &fit, brush.Out()), "GXCreateBrushBitmap");
     }
     if (brush)
         Current().PushShapeMask(m_unitSquare.Get(), brush.Get(), matrix);
@@ -69,8 +69,7 @@ void Painter::FillShade(fz_shade* shade, const fz_matrix& ctm, float alpha, fz_c
         Current().PushClip(box.Get(), matrix);
     }
     Current().SetMatrix(shading.devicePixels ? fz_identity : matrix);
-    m_report.Check(GXRenderTargetDrawGradient(Target(), shading.gradient, alpha, nullptr),
-                   "GXRenderTargetDrawGradient");
+    m_report.Check(m_calls.DrawGradient(Target(), shading.gradient, alpha, nullptr), "GXRenderTargetDrawGradient");
     if (bounded)
         Current().Pop();
 }

@@ -17,7 +17,7 @@ void Painter::FillText(const fz_text& text, const fz_matrix& ctm, const Paint& p
             if (!outline)
                 continue;
             Current().SetMatrix(fz_concat(Glyphs::Placement(*span, item), ctm));
-            m_report.Check(GXRenderTargetFillTextGeometry(Target(), outline, brush), "GXRenderTargetFillTextGeometry");
+            m_report.Check(m_calls.FillTextGeometry(Target(), outline, brush), "GXRenderTargetFillTextGeometry");
         }
     }
 }

@@ -206,7 +206,7 @@ Handle<GXGradient> Shadings::AlongLine(Report& report, const fz_shade& shade, fz
     Handle<GXGradient> gradient;
     if (shade.type == FZ_LINEAR) {
         const GXLinearGradientDesc desc{stops.data(), stops.size(), start, end, extendStart, extendEnd, background};
-        report.Check(GXCreateGradientLinear(&desc, gradient.Out()), "GXCreateGradientLinear");
+        report.Check(m_calls.CreateGradientLinear(&desc, gradient.Out()), "GXCreateGradientLinear");
         return gradient;
     }
     if (startRadius > endRadius) {
@@ -221,7 +221,7 @@ Handle<GXGradient> Shadings::AlongLine(Report& report, const fz_shade& shade, fz
     }
     const GXRadialGradientDesc desc{stops.data(), stops.size(), start,     startRadius, end,
                                     endRadius,    extendStart,  extendEnd, background};
-    report.Check(GXCreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
+    report.Check(m_calls.CreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
     return gradient;
 }
 
@@ -278,9 +278,9 @@ Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const f
                 vertices.insert(vertices.end(), {a, b, c, b, d, c});
             }
     Handle<GXGradient> gradient;
-    report.Check(
-        GXCreateGradientTriMesh(vertices.data(), vertices.size(), Background(m_ctx, shade, params), gradient.Out()),
-        "GXCreateGradientTriMesh");
+    report.Check(m_calls.CreateGradientTriMesh(vertices.data(), vertices.size(), Background(m_ctx, shade, params),
+                                               gradient.Out()),
+                 "GXCreateGradientTriMesh");
     return gradient;
 }
 
@@ -293,8 +293,8 @@ Handle<GXGradient> Shadings::Mesh(Report& report, fz_shade* shade, const fz_matr
     Try(m_ctx, [&] { fz_process_shade(m_ctx, shade, matrix, visible, Prepare, Process, &collector); });
     Handle<GXGradient> gradient;
     if (!collector.vertices.empty() && !collector.failed)
-        report.Check(GXCreateGradientTriMesh(collector.vertices.data(), collector.vertices.size(),
-                                             Background(m_ctx, *shade, params), gradient.Out()),
+        report.Check(m_calls.CreateGradientTriMesh(collector.vertices.data(), collector.vertices.size(),
+                                                   Background(m_ctx, *shade, params), gradient.Out()),
                      "GXCreateGradientTriMesh");
     return gradient;
 }

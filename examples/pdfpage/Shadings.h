@@ -8,13 +8,15 @@
 #include "MuPdf.h"
 #include "Report.h"
 
+#include "../../tools/gxr/Calls.h"
+
 #include <unordered_map>
 
 namespace PdfPage {
 
 class Shadings {
 public:
-    explicit Shadings(fz_context* ctx) : m_ctx(ctx) {}
+    Shadings(fz_context* ctx, const Gxr::Calls& calls) : m_ctx(ctx), m_calls(calls) {}
     ~Shadings();
     Shadings(const Shadings&) = delete;
     Shadings& operator=(const Shadings&) = delete;
@@ -38,6 +40,7 @@ private:
                             fz_color_params params);
 
     fz_context* m_ctx;
+    const Gxr::Calls& m_calls;
     std::unordered_map<fz_shade*, Handle<GXGradient>> m_gradients; // the shades are kept
 };
 

@@ -6,16 +6,22 @@
 
 namespace PdfPage {
 
-Surface::Surface(Report& report, const fz_irect& area, GXPixelFormat format, float dpi, uint32_t clearArgb)
-    : m_report(report), m_area(area) {
+Surface::Surface(const Gxr::Calls& calls, Report& report, const fz_irect& area, GXPixelFormat format, float dpi,
+                 uint32_t clearArgb)
+    : m_calls(calls), m_report(report), m_area(area) {
     const GXBitmapDesc desc{fz_irect_width(area), static_cast<uint32_t>(fz_irect_height(area)), format, dpi, dpi};
     if (!report.Check(GXCreateBitmap(&desc, m_bitmap.Out()), "GXCreateBitmap") ||
-        !report.Check(GXCreateRenderTargetBitmap(m_bitmap.Get(), m_target.Out()), "GXCreateRenderTargetBitmap") ||
-        !report.Check(GXRenderTargetBeginPaint(m_target.Get()), "GXRenderTargetBeginPaint") ||
+        !report.Check(m_calls.CreateRenderTargetBitmap(m_bitmap.Get(), m_target.Out()), "GXCreateRenderTargetBitmap") ||
+        !report.Check(m_calls.BeginPaint(m_target.Get()), "GXRenderTargetBeginPaint") ||
         // A page starts without stroke adjustment, and the parser does not pass on a wish for it.
-        !report.Check(GXRenderTargetSetStrokeAdjustment(m_target.Get(), 0), "GXRenderTargetSetStrokeAdjustment"))
+        !report.Check(m_calls.SetStrokeAdjustment(m_target.Get(), 0), "GXRenderTargetSetStrokeAdjustment"))
         throw std::runtime_error("the library can't make a bitmap of this size");
-    report.Check(GXRenderTargetClear(m_target.Get(), clearArgb), "GXRenderTargetClear");
+    report.Check(m_calls.Clear(m_target.Get(), clearArgb), "GXRenderTargetClear");
+}
+
+Surface::~Surface() {
+    if (m_bitmap)
+        m_calls.Forget(m_bitmap.Get());
 }
 
 void Surface::SetMatrix(const fz_matrix& matrix) {
@@ -24,13 +30,13 @@ void Surface::SetMatrix(const fz_matrix& matrix) {
     moved.m21 -= static_cast<float>(m_area.y0);
     if (m_matrixKnown && std::memcmp(&moved, &m_matrix, sizeof moved) == 0)
         return;
-    m_matrixKnown = m_report.Check(GXRenderTargetSetCTM(Target(), &moved), "GXRenderTargetSetCTM");
+    m_matrixKnown = m_report.Check(m_calls.SetCTM(Target(), &moved), "GXRenderTargetSetCTM");
     m_matrix = moved;
 }
 
 void Surface::PushTo(Entry& entry) {
     entry.hadShapeMask = m_shapeMask;
-    entry.state = m_report.Check(GXRenderTargetPushState(Target()), "GXRenderTargetPushState");
+    entry.state = m_report.Check(m_calls.PushState(Target()), "GXRenderTargetPushState");
 }
 
 void Surface::PushNothing() {
@@ -42,7 +48,7 @@ void Surface::PushClip(GXGeometry geometry, const fz_matrix& matrix) {
     Entry& entry = m_entries.emplace_back();
     PushTo(entry);
     SetMatrix(matrix);
-    m_report.Check(GXRenderTargetClipGeometry(Target(), geometry), "GXRenderTargetClipGeometry");
+    m_report.Check(m_calls.ClipGeometry(Target(), geometry), "GXRenderTargetClipGeometry");
 }
 
 void Surface::PushShapeMask(GXGeometry unitSquare, GXBrush mask, const fz_matrix& matrix) {
@@ -52,18 +58,18 @@ void Surface::PushShapeMask(GXGeometry unitSquare, GXBrush mask, const fz_matrix
         // A state has one shape mask: the new one goes into a layer, which the old one masks as a whole.
         entry.layer = BeginLayer(nullptr, 1.0f, false, false);
         if (entry.layer)
-            entry.innerState = m_report.Check(GXRenderTargetPushState(Target()), "GXRenderTargetPushState");
+            entry.innerState = m_report.Check(m_calls.PushState(Target()), "GXRenderTargetPushState");
     }
     SetMatrix(matrix);
-    m_report.Check(GXRenderTargetClipGeometry(Target(), unitSquare), "GXRenderTargetClipGeometry");
-    m_report.Check(GXRenderTargetSetShapeMask(Target(), GXMaskTypeAlpha, mask), "GXRenderTargetSetShapeMask");
+    m_report.Check(m_calls.ClipGeometry(Target(), unitSquare), "GXRenderTargetClipGeometry");
+    m_report.Check(m_calls.SetShapeMask(Target(), GXMaskTypeAlpha, mask), "GXRenderTargetSetShapeMask");
     m_shapeMask = true;
 }
 
 void Surface::PushGroup(const fz_rect& area, float opacity, bool isolated, bool knockout, GXBlendMode blendMode) {
     Entry& entry = m_entries.emplace_back();
     PushTo(entry);
-    m_report.Check(GXRenderTargetSetBlendMode(Target(), blendMode), "GXRenderTargetSetBlendMode");
+    m_report.Check(m_calls.SetBlendMode(Target(), blendMode), "GXRenderTargetSetBlendMode");
     entry.layer = BeginLayer(&area, opacity, isolated, knockout);
 }
 
@@ -75,9 +81,10 @@ void Surface::PushOpacityMask(const Surface& mask, bool luminosity) {
         1.0f, 0.0f, 0.0f, 1.0f, static_cast<float>(mask.m_area.x0), static_cast<float>(mask.m_area.y0)};
     Handle<GXBrush> brush;
     SetMatrix(fz_identity);
-    if (m_report.Check(GXCreateBrushBitmap(mask.Bitmap(), 1.0f, &options, &place, brush.Out()), "GXCreateBrushBitmap"))
+    if (m_report.Check(m_calls.CreateBrushBitmap(mask.Bitmap(), 1.0f, &options, &place, brush.Out()),
+                       "GXCreateBrushBitmap"))
         m_report.Check(
-            GXRenderTargetSetOpacityMask(Target(), luminosity ? GXMaskTypeLuminosity : GXMaskTypeAlpha, brush.Get()),
+            m_calls.SetOpacityMask(Target(), luminosity ? GXMaskTypeLuminosity : GXMaskTypeAlpha, brush.Get()),
             "GXRenderTargetSetOpacityMask");
     const fz_rect area = fz_rect_from_irect(mask.m_area);
     entry.layer = BeginLayer(&area, 1.0f, false, false);
@@ -89,11 +96,11 @@ void Surface::Pop() {
     const Entry entry = m_entries.back();
     m_entries.pop_back();
     if (entry.innerState)
-        m_report.Check(GXRenderTargetPopState(Target()), "GXRenderTargetPopState");
+        m_report.Check(m_calls.PopState(Target()), "GXRenderTargetPopState");
     if (entry.layer)
-        m_report.Check(GXRenderTargetEndLayer(Target()), "GXRenderTargetEndLayer");
+        m_report.Check(m_calls.EndLayer(Target()), "GXRenderTargetEndLayer");
     if (entry.state)
-        m_report.Check(GXRenderTargetPopState(Target()), "GXRenderTargetPopState");
+        m_report.Check(m_calls.PopState(Target()), "GXRenderTargetPopState");
     m_shapeMask = entry.hadShapeMask;
     m_matrixKnown = false;
 }
@@ -101,7 +108,7 @@ void Surface::Pop() {
 void Surface::Finish() {
     while (!m_entries.empty())
         Pop();
-    m_report.Check(GXRenderTargetEndPaint(Target()), "GXRenderTargetEndPaint");
+    m_report.Check(m_calls.EndPaint(Target()), "GXRenderTargetEndPaint");
     m_target.Reset();
 }
 
@@ -119,7 +126,7 @@ bool Surface::BeginLayer(const fz_rect* area, float opacity, bool isolated, bool
         desc.bounds = fz_is_empty_rect(visible) ? GXRect{page.x0 + 1, page.y0 + 1, page.x0 + 2, page.y0 + 2}
                                                 : GXRect{visible.x0, visible.y0, visible.x1, visible.y1};
     }
-    if (!m_report.Check(GXRenderTargetBeginLayer(Target(), &desc), "GXRenderTargetBeginLayer"))
+    if (!m_report.Check(m_calls.BeginLayer(Target(), &desc), "GXRenderTargetBeginLayer"))
         return false;
     m_shapeMask = false;
     m_matrixKnown = false;

@@ -7,6 +7,8 @@
 #include "MuPdf.h"
 #include "Report.h"
 
+#include "../../tools/gxr/Calls.h"
+
 #include <vector>
 
 namespace PdfPage {
@@ -14,7 +16,11 @@ namespace PdfPage {
 class Surface {
 public:
     // Throws std::runtime_error when the library can't make the bitmap. Painting has begun on return.
-    Surface(Report& report, const fz_irect& area, GXPixelFormat format, float dpi, uint32_t clearArgb);
+    Surface(const Gxr::Calls& calls, Report& report, const fz_irect& area, GXPixelFormat format, float dpi,
+            uint32_t clearArgb);
+    ~Surface();
+    Surface(const Surface&) = delete;
+    Surface& operator=(const Surface&) = delete;
 
     GXRenderTarget Target() const noexcept { return m_target.Get(); }
     GXBitmap Bitmap() const noexcept { return m_bitmap.Get(); }
@@ -49,6 +55,7 @@ private:
     void PushTo(Entry& entry);
     bool BeginLayer(const fz_rect* area, float opacity, bool isolated, bool knockout);
 
+    const Gxr::Calls& m_calls;
     Report& m_report;
     fz_irect m_area;
     Handle<GXBitmap> m_bitmap;

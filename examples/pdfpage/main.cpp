@@ -4,6 +4,8 @@
 #include "PngWriter.h"
 #include "Report.h"
 
+#include "../../tools/gxr/Container.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -26,10 +28,11 @@ constexpr const char* kUsage = "usage: pdfpage file.pdf [page] [out.png] [--dpi 
                                "       pdfpage file.pdf --pages FIRST-LAST --out folder [--dpi N]\n"
                                "more:  --time N      draw N times, print milliseconds of the library and of MuPDF\n"
                                "       --peer x.png  write MuPDF's own rendering too\n"
+                               "       --record x.gxr  write the library calls of the page, for gxreplay\n"
                                "       --verbose     print every diagnostic\n";
 
 struct Options {
-    std::string file, picture, folder, peer;
+    std::string file, picture, folder, peer, record;
     int page = 1;
     int first = 0, last = 0; // of --pages
     float dpi = 150.0f;
@@ -68,6 +71,8 @@ Options Parse(int argc, char** argv) {
             options.runs = static_cast<int>(Number(value(), 1, 10000, "number of runs"));
         else if (argument == "--peer")
             options.peer = value();
+        else if (argument == "--record")
+            options.record = value();
         else if (argument == "--out")
             options.folder = value();
         else if (argument == "--verbose")
@@ -86,6 +91,8 @@ Options Parse(int argc, char** argv) {
     }
     if (plain.empty())
         throw Failure("no file given");
+    if (!options.record.empty() && (options.runs > 0 || options.first > 0))
+        throw Failure("--record takes one page, drawn once");
     options.file = plain[0];
     size_t next = 1;
     if (next < plain.size() && AllDigits(plain[next]))
@@ -116,7 +123,7 @@ void PrintTimes(const char* name, std::vector<double> runs) {
     std::printf("%-8s first %9.2f ms   min %9.2f ms   median %9.2f ms\n", name, first, runs.front(), median);
 }
 
-void DrawOne(const Options& options, Report& report, Document& document) {
+void DrawOne(const Options& options, Report& report, Document& document, const Gxr::Recorder* recorder) {
     Page page(document, options.page, options.dpi);
     Picture picture;
     if (options.runs > 0) {
@@ -131,7 +138,9 @@ void DrawOne(const Options& options, Report& report, Document& document) {
     } else {
         page.Draw(&picture, nullptr);
     }
-    if (options.runs == 0 || !options.picture.empty())
+    if (recorder)
+        Gxr::WriteFile(options.record, recorder->File());
+    if ((options.runs == 0 && !recorder) || !options.picture.empty())
         Write(options.picture.empty() ? DefaultName(options, options.page) : options.picture, picture, options.dpi);
     if (!options.peer.empty()) {
         page.DrawWithPeer(&picture, nullptr);
@@ -187,11 +196,13 @@ int Run(int argc, char** argv) {
     try {
         const Options options = Parse(argc, argv);
         Report report(options.verbose);
-        Document document(options.file, report);
+        Gxr::Recorder recorder;
+        Gxr::Recorder* const recording = options.record.empty() ? nullptr : &recorder;
+        Document document(options.file, report, recording);
         if (options.first > 0)
             DrawRange(options, report, document);
         else
-            DrawOne(options, report, document);
+            DrawOne(options, report, document, recording);
         return 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "pdfpage: %s\n", failure.what());
