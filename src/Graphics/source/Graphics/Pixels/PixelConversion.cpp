@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "../Exception.h"
+#include "../InstructionSets.h"
 #include "PixelRows.h"
 
 namespace Graphics {
@@ -231,11 +232,10 @@ struct Sets {
 
     Sets() noexcept {
 #if defined(__x86_64__) || defined(__i386__)
-        __builtin_cpu_init();
-        present[1] = __builtin_cpu_supports("sse2") != 0 && InstallSSE2(tables[1]);
+        present[1] = ProcessorHas(InstructionSet::SSE2) && InstallSSE2(tables[1]);
         if (present[1]) {
             tables[2] = tables[1];
-            present[2] = __builtin_cpu_supports("avx2") != 0 && InstallAVX2(tables[2]);
+            present[2] = ProcessorHas(InstructionSet::AVX2) && InstallAVX2(tables[2]);
         }
 #endif
     }
@@ -247,8 +247,9 @@ struct Sets {
 }
 
 [[nodiscard]] const ConversionTable& Best() noexcept {
-    static const ConversionTable& best = AllSets().tables[AllSets().present[2] ? 2 : AllSets().present[1] ? 1 : 0];
-    return best;
+    static const KernelChoice<ConversionTable> choice(
+        [](InstructionSet set) noexcept { return PixelConversion::Set(static_cast<int>(set)); });
+    return choice.Active();
 }
 
 } // namespace

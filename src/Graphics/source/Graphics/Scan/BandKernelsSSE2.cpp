@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The band loops of every x86-64 processor, and the choice among the sets.
+#include "../InstructionSets.h"
 #include "BandLoops.h"
 
 namespace Graphics {
@@ -11,28 +12,18 @@ const BandKernels* BandKernelsOfSet(int set) noexcept {
     case 0:
         return &kBandKernelsSSE2;
     case 1:
-        return __builtin_cpu_supports("avx2") != 0 ? &kBandKernelsAVX2 : nullptr;
+        return ProcessorHas(InstructionSet::AVX2) ? &kBandKernelsAVX2 : nullptr;
     case 2:
-        return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-                       __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-                       __builtin_cpu_supports("avx512cd") != 0
-                   ? &kBandKernelsAVX512
-                   : nullptr;
+        return ProcessorHas(InstructionSet::AVX512) ? &kBandKernelsAVX512 : nullptr;
     default:
         return nullptr;
     }
 }
 
 const BandKernels& ActiveBandKernels() noexcept {
-    static const BandKernels& best = []() -> const BandKernels& {
-        for (int set = 2; set > 0; --set) {
-            if (const BandKernels* kernels = BandKernelsOfSet(set)) {
-                return *kernels;
-            }
-        }
-        return kBandKernelsSSE2;
-    }();
-    return best;
+    static const KernelChoice<BandKernels> choice(
+        [](InstructionSet set) noexcept { return BandKernelsOfSet(static_cast<int>(set) - 1); });
+    return choice.Active();
 }
 
 } // namespace Graphics

@@ -1,52 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Picks the kernel table for this processor. The choice is made at the first use, whichever static object asks first,
-// and is one pointer that every thread computes alike, so a race writes the same value twice.
-#include <atomic>
-
+// Picks the kernel table for this processor, at the first use, whichever static object asks first.
+#include "../../InstructionSets.h"
 #include "SwKernelSets.h"
 
 namespace Graphics {
 namespace {
 
-constexpr int kSetCount = 4;
+constexpr int kSetCount = kInstructionSetCount;
 
-constinit std::atomic<const SwKernels*> g_active{nullptr};
-
-bool ProcessorRuns(int index) noexcept {
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_cpu_init();
-    switch (index) {
-    case 0:
-        return true;
-    case 1:
-        return __builtin_cpu_supports("sse2") != 0;
-    case 2:
-        return __builtin_cpu_supports("avx2") != 0;
-    case 3:
-        return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-               __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-               __builtin_cpu_supports("avx512cd") != 0;
-    default:
-        return false;
-    }
-#else
-    return index == 0;
-#endif
-}
-
-const SwKernels* Best() noexcept {
-    for (int index = kSetCount - 1; index > 0; --index) {
-        if (const SwKernels* kernels = KernelSet(index)) {
-            return kernels;
-        }
-    }
-    return kSwKernelsScalar;
+KernelChoice<SwKernels>& Choice() noexcept {
+    static KernelChoice<SwKernels> choice([](InstructionSet set) noexcept { return KernelSet(static_cast<int>(set)); });
+    return choice;
 }
 
 } // namespace
 
 const SwKernels* KernelSet(int index) noexcept {
-    if (index < 0 || index >= kSetCount || !ProcessorRuns(index)) {
+    if (index < 0 || index >= kSetCount || !ProcessorHas(static_cast<InstructionSet>(index))) {
         return nullptr;
     }
     const SwKernels* const sets[kSetCount] = {kSwKernelsScalar, kSwKernelsSSE2, kSwKernelsAVX2, kSwKernelsAVX512};
@@ -59,17 +29,8 @@ const SwKernels* KernelSet(int index) noexcept {
     return sets[index];
 }
 
-const SwKernels& ActiveKernels() noexcept {
-    const SwKernels* kernels = g_active.load(std::memory_order_acquire);
-    if (kernels == nullptr) [[unlikely]] {
-        kernels = Best();
-        g_active.store(kernels, std::memory_order_release);
-    }
-    return *kernels;
-}
+const SwKernels& ActiveKernels() noexcept { return Choice().Active(); }
 
-void SelectKernels(const SwKernels* kernels) noexcept {
-    g_active.store(kernels != nullptr ? kernels : Best(), std::memory_order_release);
-}
+void SelectKernels(const SwKernels* kernels) noexcept { Choice().Select(kernels); }
 
 } // namespace Graphics
