@@ -7,10 +7,12 @@
 
 #include <cmath>
 
-#define OK(call) EXPECT_EQ(call, GXResult{GXResultSuccess}) << #call
+#define OK(call) ExpectSuccess(call, #call)
 
 namespace RecordingTests {
 namespace {
+
+void ExpectSuccess(GXResult result, const char* call) { EXPECT_EQ(result, GXResult{GXResultSuccess}) << call; }
 
 Handle<GXBitmap> NewBitmap(uint32_t side, GXPixelFormat format) {
     const GXBitmapDesc desc{side, side, format, 96.0f, 72.0f};
