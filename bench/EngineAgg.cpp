@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include <agg_alpha_mask_u8.h>
 #include <agg_conv_curve.h>
+#include <agg_conv_dash.h>
 #include <agg_conv_stroke.h>
 #include <agg_gradient_lut.h>
 #include <agg_image_accessors.h>
@@ -13,6 +15,7 @@
 #include <agg_renderer_base.h>
 #include <agg_renderer_scanline.h>
 #include <agg_scanline_p.h>
+#include <agg_scanline_u.h>
 #include <agg_span_allocator.h>
 #include <agg_span_gradient.h>
 #include <agg_span_image_filter_rgba.h>
@@ -71,6 +74,10 @@ public:
         if (!scene.paint.stops.empty()) {
             m_lut.build_lut();
         }
+        if (!scene.mask.empty()) {
+            m_maskBuffer.attach(const_cast<uint8_t*>(scene.mask.data()), static_cast<unsigned>(canvas.width),
+                                static_cast<unsigned>(canvas.height), canvas.width);
+        }
         if (scene.action == Action::Image) {
             m_imageBuffer.attach(reinterpret_cast<agg::int8u*>(const_cast<uint32_t*>(scene.image.pixels.data())),
                                  static_cast<unsigned>(scene.image.width), static_cast<unsigned>(scene.image.height),
@@ -93,13 +100,15 @@ public:
             agg::conv_curve<agg::path_storage> curve(m_paths[i]);
             m_rasterizer.reset();
             if (m_scene.action == Action::Stroke) {
-                agg::conv_stroke<agg::conv_curve<agg::path_storage>> stroke(curve);
-                stroke.width(m_scene.width);
-                stroke.line_join(m_scene.join == Join::Miter   ? agg::miter_join_revert
-                                 : m_scene.join == Join::Round ? agg::round_join
-                                                               : agg::bevel_join);
-                stroke.miter_limit(10);
-                m_rasterizer.add_path(stroke);
+                if (m_scene.dashes.empty()) {
+                    AddStroke(curve);
+                } else {
+                    agg::conv_dash<agg::conv_curve<agg::path_storage>> dash(curve);
+                    for (size_t k = 0; k + 1 < m_scene.dashes.size(); k += 2) {
+                        dash.add_dash(m_scene.dashes[k], m_scene.dashes[k + 1]);
+                    }
+                    AddStroke(dash);
+                }
             } else {
                 m_rasterizer.add_path(curve);
             }
@@ -108,9 +117,21 @@ public:
     }
 
 private:
+    template <class Path> void AddStroke(Path& path) {
+        agg::conv_stroke<Path> stroke(path);
+        stroke.width(m_scene.width);
+        stroke.line_join(m_scene.join == Join::Miter   ? agg::miter_join_revert
+                         : m_scene.join == Join::Round ? agg::round_join
+                                                       : agg::bevel_join);
+        stroke.miter_limit(10);
+        m_rasterizer.add_path(stroke);
+    }
+
     void Paint() {
         const auto& paint = m_scene.paint;
-        if (paint.kind == PaintKind::Solid) {
+        if (!m_scene.mask.empty()) {
+            agg::render_scanlines_aa_solid(m_rasterizer, m_maskedScanline, m_base, m_color);
+        } else if (paint.kind == PaintKind::Solid) {
             agg::render_scanlines_aa_solid(m_rasterizer, m_scanline, m_base, m_color);
         } else if (paint.kind == PaintKind::Linear) {
             const double dx = paint.end.x - paint.start.x, dy = paint.end.y - paint.start.y;
@@ -167,6 +188,9 @@ private:
     agg::renderer_base<Pixels> m_base;
     agg::rasterizer_scanline_aa<> m_rasterizer;
     agg::scanline_p8 m_scanline;
+    agg::rendering_buffer m_maskBuffer;
+    agg::alpha_mask_gray8 m_mask{m_maskBuffer};
+    agg::scanline_u8_am<agg::alpha_mask_gray8> m_maskedScanline{m_mask};
     agg::span_allocator<agg::rgba8> m_allocator;
     Lut m_lut;
     agg::rgba8 m_color;
@@ -177,8 +201,9 @@ private:
 } // namespace
 
 const Engine kAgg = {"AGG", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
-                         if (scene.blend >= static_cast<int>(std::size(kOperators)) || !scene.clip.Empty()) {
-                             return nullptr; // clips are boxes only
+                         if (scene.blend >= static_cast<int>(std::size(kOperators)) || !scene.clip.Empty() ||
+                             scene.group != Group::None) {
+                             return nullptr; // clips are boxes only, and there are no groups
                          }
                          if (scene.blend == 0) {
                              return std::make_unique<AggDrawing<Plain>>(scene, canvas);

@@ -2,6 +2,8 @@
 // Cairo's image surface.
 #include <cairo.h>
 
+#include <cstring>
+
 #include "Engine.h"
 
 namespace Bench {
@@ -28,13 +30,22 @@ public:
             cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(canvas.pixels), CAIRO_FORMAT_ARGB32,
                                                 canvas.width, canvas.height, canvas.stride);
         m_cairo = cairo_create(m_surface);
-        cairo_set_operator(m_cairo, kOperators[scene.blend]);
         cairo_set_fill_rule(m_cairo, scene.evenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
         cairo_set_line_width(m_cairo, scene.width);
         cairo_set_line_join(m_cairo, scene.join == Join::Miter   ? CAIRO_LINE_JOIN_MITER
                                      : scene.join == Join::Round ? CAIRO_LINE_JOIN_ROUND
                                                                  : CAIRO_LINE_JOIN_BEVEL);
         cairo_set_miter_limit(m_cairo, 10);
+        const std::vector<double> dashes(scene.dashes.begin(), scene.dashes.end());
+        cairo_set_dash(m_cairo, dashes.data(), static_cast<int>(dashes.size()), 0);
+        if (!scene.mask.empty()) {
+            m_mask = cairo_image_surface_create(CAIRO_FORMAT_A8, canvas.width, canvas.height);
+            for (int y = 0; y < canvas.height; ++y) {
+                std::memcpy(cairo_image_surface_get_data(m_mask) + y * cairo_image_surface_get_stride(m_mask),
+                            scene.mask.data() + y * canvas.width, static_cast<size_t>(canvas.width));
+            }
+            cairo_surface_mark_dirty(m_mask);
+        }
         if (scene.action == Action::Image) {
             const Image& image = scene.image;
             m_image = cairo_image_surface_create_for_data(
@@ -67,22 +78,52 @@ public:
         cairo_pattern_destroy(m_pattern);
         cairo_destroy(m_cairo);
         cairo_surface_destroy(m_surface);
-        if (m_image != nullptr) {
-            cairo_surface_destroy(m_image);
+        for (cairo_surface_t* surface : {m_image, m_mask}) {
+            if (surface != nullptr) {
+                cairo_surface_destroy(surface);
+            }
         }
     }
 
+    // A mask means a group here: Cairo masks one source at a time.
     void Draw() override {
-        if (m_scene.action == Action::Image) {
-            for (const Map& map : m_scene.placements) {
-                const cairo_matrix_t matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};
-                cairo_set_matrix(m_cairo, &matrix);
-                cairo_set_source(m_cairo, m_pattern);
-                cairo_rectangle(m_cairo, 0, 0, m_scene.image.width, m_scene.image.height);
-                cairo_fill(m_cairo);
-            }
-            return;
+        const bool grouped = m_scene.group != Group::None || m_mask != nullptr;
+        if (grouped) {
+            cairo_push_group(m_cairo);
         }
+        cairo_set_operator(m_cairo, kOperators[m_scene.blend]);
+        if (m_scene.action == Action::Image) {
+            DrawImages();
+        } else {
+            cairo_set_source(m_cairo, m_pattern);
+            DrawShapes();
+        }
+        if (grouped) {
+            cairo_identity_matrix(m_cairo);
+            cairo_pop_group_to_source(m_cairo);
+            cairo_set_operator(m_cairo, CAIRO_OPERATOR_OVER);
+            if (m_mask != nullptr) {
+                cairo_mask_surface(m_cairo, m_mask, 0, 0);
+            } else {
+                cairo_paint_with_alpha(m_cairo, static_cast<double>(m_scene.groupOpacity));
+            }
+        }
+    }
+
+    void Flush() override { cairo_surface_flush(m_surface); }
+
+private:
+    void DrawImages() {
+        for (const Map& map : m_scene.placements) {
+            const cairo_matrix_t matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};
+            cairo_set_matrix(m_cairo, &matrix);
+            cairo_set_source(m_cairo, m_pattern);
+            cairo_rectangle(m_cairo, 0, 0, m_scene.image.width, m_scene.image.height);
+            cairo_fill(m_cairo);
+        }
+    }
+
+    void DrawShapes() {
         for (size_t i = 0; i < m_scene.shapes.size(); ++i) {
             const Shape& shape = m_scene.shapes[i];
             if (m_clip != nullptr) {
@@ -109,9 +150,6 @@ public:
         }
     }
 
-    void Flush() override { cairo_surface_flush(m_surface); }
-
-private:
     [[nodiscard]] cairo_path_t* Build(const Shape& shape) const {
         cairo_new_path(m_cairo);
         shape.Replay(PathSink{m_cairo});
@@ -144,6 +182,7 @@ private:
     const Scene& m_scene;
     cairo_surface_t* m_surface = nullptr;
     cairo_surface_t* m_image = nullptr;
+    cairo_surface_t* m_mask = nullptr;
     cairo_t* m_cairo = nullptr;
     cairo_pattern_t* m_pattern = nullptr;
     cairo_path_t* m_clip = nullptr;
@@ -153,6 +192,9 @@ private:
 } // namespace
 
 const Engine kCairo = {"Cairo", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
+                           if (scene.group == Group::NonIsolated || scene.group == Group::Knockout) {
+                               return nullptr; // groups are isolated
+                           }
                            return std::make_unique<CairoDrawing>(scene, canvas);
                        }};
 

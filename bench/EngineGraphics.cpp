@@ -2,6 +2,7 @@
 // The library, through its public header.
 #include <GX/GX.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -44,7 +45,10 @@ public:
                                        static_cast<float>(canvas.stride), 96.0f, 96.0f};
         CHECK(GXCreateRenderTargetExtBuf(canvas.pixels, GXPixelFormatPBGRA32, &layout, &m_target));
         CHECK(GXRenderTargetBeginPaint(m_target));
-        CHECK(GXRenderTargetSetBlendMode(m_target, static_cast<GXBlendMode>(scene.blend)));
+        // The blend mode of a scene with a group is that inside the group.
+        if (scene.group == Group::None) {
+            CHECK(GXRenderTargetSetBlendMode(m_target, static_cast<GXBlendMode>(scene.blend)));
+        }
         if (scene.action == Action::Image) {
             MakeImage();
         } else {
@@ -59,6 +63,14 @@ public:
         m_style.join = static_cast<GXLineJoin>(scene.join);
         m_style.cap = GXLineCapFlat;
         m_style.miterLimit = 10.0f;
+        m_style.dashCount = scene.dashes.size();
+        std::copy(scene.dashes.begin(), scene.dashes.end(), m_style.dashes);
+        m_layer.opacity = scene.groupOpacity;
+        m_layer.isolated = scene.group == Group::Isolated;
+        m_layer.knockout = scene.group == Group::Knockout;
+        if (!scene.mask.empty()) {
+            MakeMask(canvas);
+        }
     }
 
     ~GraphicsDrawing() override {
@@ -67,12 +79,32 @@ public:
             GXObjectRelease(geometry);
         }
         for (void* object : {static_cast<void*>(m_target), static_cast<void*>(m_brush), static_cast<void*>(m_bitmap),
-                             static_cast<void*>(m_clip)}) {
+                             static_cast<void*>(m_clip), static_cast<void*>(m_mask)}) {
             GXObjectRelease(object); // null is refused without harm
         }
     }
 
     void Draw() override {
+        const bool grouped = m_scene.group != Group::None;
+        if (m_mask != nullptr) {
+            GXRenderTargetPushState(m_target);
+            GXRenderTargetSetOpacityMask(m_target, GXMaskTypeAlpha, m_mask);
+        }
+        if (grouped) {
+            GXRenderTargetBeginLayer(m_target, &m_layer);
+            GXRenderTargetSetBlendMode(m_target, static_cast<GXBlendMode>(m_scene.blend));
+        }
+        DrawContent();
+        if (grouped) {
+            GXRenderTargetEndLayer(m_target);
+        }
+        if (m_mask != nullptr) {
+            GXRenderTargetPopState(m_target);
+        }
+    }
+
+private:
+    void DrawContent() {
         if (m_scene.action == Action::Image) {
             const auto filter = m_scene.filter == Filter::Nearest ? GXInterpolationNearest : GXInterpolationLinear;
             for (const Map& map : m_scene.placements) {
@@ -94,7 +126,6 @@ public:
         }
     }
 
-private:
     void DrawShape(const Shape& shape, GXGeometry geometry) {
         if (m_scene.action == Action::Stroke) {
             GXRenderTargetStrokeGeometry(m_target, geometry, m_brush, m_scene.width, &m_style);
@@ -142,6 +173,18 @@ private:
         GXObjectRelease(gradient);
     }
 
+    void MakeMask(const Canvas& canvas) {
+        const GXBitmapDesc desc = {static_cast<uint32_t>(canvas.width), static_cast<uint32_t>(canvas.height),
+                                   GXPixelFormatAlpha8, 96.0f, 96.0f};
+        const GXBitmapData data = {const_cast<uint8_t*>(m_scene.mask.data()), desc.width, desc.width};
+        const GXBitmapBrushOptions options = {GXInterpolationNearest, GXExtendClamp, GXExtendClamp};
+        GXBitmap bitmap = nullptr;
+        CHECK(GXCreateBitmap(&desc, &bitmap));
+        CHECK(GXBitmapCopyFromMemory(bitmap, nullptr, &data));
+        CHECK(GXCreateBrushBitmap(bitmap, 1.0f, &options, nullptr, &m_mask));
+        GXObjectRelease(bitmap);
+    }
+
     void MakeImage() {
         const Image& image = m_scene.image;
         const GXBitmapDesc desc = {
@@ -158,7 +201,9 @@ private:
     GXBrush m_brush = nullptr;
     GXBitmap m_bitmap = nullptr;
     GXGeometry m_clip = nullptr;
+    GXBrush m_mask = nullptr;
     GXStrokeStyle m_style = {};
+    GXLayerDesc m_layer = {};
     std::vector<GXGeometry> m_geometries;
 };
 

@@ -51,6 +51,13 @@ public:
                      : scene.join == Join::Round ? Qt::RoundJoin
                                                  : Qt::BevelJoin);
         m_pen.setMiterLimit(5); // counted in half the units of the others
+        if (!scene.dashes.empty()) {
+            QVector<qreal> dashes;
+            for (float length : scene.dashes) {
+                dashes.append(static_cast<double>(length / scene.width)); // counted in widths
+            }
+            m_pen.setDashPattern(dashes);
+        }
     }
 
     void Draw() override {
@@ -128,7 +135,8 @@ private:
 } // namespace
 
 const Engine kQt = {"Qt", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
-                        if (scene.blend >= static_cast<int>(std::size(kModes))) {
+                        if (scene.blend >= static_cast<int>(std::size(kModes)) || scene.group != Group::None ||
+                            !scene.mask.empty()) {
                             return nullptr;
                         }
                         // A pen up to one pixel wide is drawn by a line algorithm, not as an outline.

@@ -84,6 +84,8 @@ struct Paint {
 enum class Join { Miter, Round, Bevel };
 enum class Action { Fill, Stroke, Image };
 enum class Filter { Nearest, Bilinear };
+/// A transparency group around the whole drawing, as large as the canvas.
+enum class Group { None, Isolated, NonIsolated, Knockout };
 
 struct Image {
     int width = 0, height = 0;
@@ -111,9 +113,17 @@ struct Scene {
     Image image;
     std::vector<Map> placements; ///< of the image, one draw each
     Filter filter = Filter::Nearest;
-    Shape clip; ///< when not empty: set anew for every shape
+    Shape clip;                ///< when not empty: set anew for every shape
+    std::vector<float> dashes; ///< of strokes, dash and gap in turn
+    Group group = Group::None;
+    float groupOpacity = 1;
+    /// As large as the canvas, a byte each: what is drawn, or the group as a whole, is multiplied by it.
+    std::vector<uint8_t> mask;
+    bool whole = false; ///< the time is that of the whole drawing, not of one shape
 
-    [[nodiscard]] size_t Draws() const { return action == Action::Image ? placements.size() : shapes.size(); }
+    [[nodiscard]] size_t Draws() const {
+        return whole ? 1 : action == Action::Image ? placements.size() : shapes.size();
+    }
 };
 
 struct SceneEntry {

@@ -442,6 +442,98 @@ void Paints(Table& table) {
     });
 }
 
+constexpr std::pair<Group, const char*> kGroups[] = {{Group::None, "none"},
+                                                     {Group::Isolated, "isolated"},
+                                                     {Group::NonIsolated, "nonisolated"},
+                                                     {Group::Knockout, "knockout"}};
+
+/// Soft-edged discs: what a soft mask usually is.
+std::vector<uint8_t> MakeMask(int canvas) {
+    std::vector<uint8_t> mask(static_cast<size_t>(canvas) * static_cast<size_t>(canvas));
+    for (int y = 0; y < canvas; ++y) {
+        for (int x = 0; x < canvas; ++x) {
+            const float dx = static_cast<float>(x % 250 - 125), dy = static_cast<float>(y % 250 - 125);
+            const float value = 300.0f - 2.4f * std::hypot(dx, dy);
+            mask[static_cast<size_t>(y * canvas + x)] = static_cast<uint8_t>(std::clamp(value, 0.0f, 255.0f));
+        }
+    }
+    return mask;
+}
+
+/// Every group is as large as the canvas. "little": a few small shapes close to each other; "full": most of the canvas.
+void GroupsAndMasks(Table& table) {
+    for (const auto& [group, name] : kGroups) {
+        for (const bool little : {true, false}) {
+            table.Add(std::string("group_") + (little ? "little_" : "full_") + name, [group = group, little] {
+                Scene scene = Table::Base(1000, little ? Polygons(32, 10, 200) : Polygons(400, 10, 1000));
+                scene.paint.color = kHalf;
+                scene.group = group;
+                scene.groupOpacity = group == Group::None ? 1.0f : 0.5f;
+                scene.whole = true;
+                return scene;
+            });
+        }
+    }
+    for (const int mode : {1, 3, 7, 9, 15}) {
+        for (const auto& [group, name] : kGroups) {
+            table.Add(std::string("group_blend_") + kBlendNames[static_cast<size_t>(mode)] + "_" + name, [group = group,
+                                                                                                          mode] {
+                Scene scene = Table::Base(1000, {});
+                scene.action = Action::Image;
+                scene.image = MakeImage(256, false);
+                scene.blend = mode;
+                scene.group = group;
+                scene.whole = true;
+                Random random(8);
+                for (int i = 0; i < 16; ++i) {
+                    scene.placements.push_back({1, 0, 0, 1, std::floor(random(0, 744)), std::floor(random(0, 744))});
+                }
+                return scene;
+            });
+        }
+    }
+    const auto masked = [&](const std::string& name, std::function<std::vector<Shape>()> shapes, Group group) {
+        table.Add(name, [=] {
+            Scene scene = Table::Base(1000, shapes());
+            scene.mask = MakeMask(1000);
+            scene.group = group;
+            scene.whole = true;
+            return scene;
+        });
+    };
+    masked(
+        "mask_rect_1000", [] { return std::vector<Shape>{Shape::Rectangle(0, 0, 1000, 1000)}; }, Group::None);
+    masked(
+        "mask_triangle_512", [] { return std::vector<Shape>{Polygons(512, 3, 1000)[0]}; }, Group::None);
+    masked(
+        "mask_group_full", [] { return Polygons(400, 10, 1000); }, Group::Isolated);
+    masked(
+        "mask_group_little", [] { return Polygons(32, 10, 200); }, Group::Isolated);
+}
+
+void Dashes(Table& table) {
+    const auto dashed = [&](const std::string& name, std::function<std::vector<Shape>()> shapes, float width,
+                            std::vector<float> dashes) {
+        table.Add(name, [=] {
+            Scene scene = Table::Base(1000, shapes());
+            scene.action = Action::Stroke;
+            scene.width = width;
+            scene.dashes = dashes;
+            return scene;
+        });
+    };
+    const auto lines = [] {
+        return Scatter(10, 300, 1000, [](Point at, Random& random) { return Polyline(at, 300, 11, false, random); });
+    };
+    dashed("dash_poly_w1", lines, 1, {4, 2});
+    dashed("dash_poly_w3", lines, 3, {9, 3, 2, 3});
+    dashed("dash_rules_w1", [] { return Rules(1000); }, 1, {6, 3});
+    dashed("dash_rules_w2", [] { return Rules(1000); }, 2, {6, 3});
+    dashed("dash_circle_w2", [] { return Circles(200, 1000); }, 2, {5, 3});
+    dashed("dash_curves_w2", [] { return Curves(300, 1000); }, 2, {5, 3});
+    dashed("dash_dots_w2", [] { return Curves(300, 1000); }, 2, {1, 1});
+}
+
 void Big(Table& table) {
     for (int size : {512, 4000}) {
         const auto f = static_cast<float>(size);
@@ -469,6 +561,8 @@ std::vector<SceneEntry> AllScenes() {
     Shapes(table);
     Strokes(table);
     Paints(table);
+    Dashes(table);
+    GroupsAndMasks(table);
     Big(table);
     return table.Take();
 }
