@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bitset>
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -111,6 +112,57 @@ public:
 private:
     std::mt19937 m_engine;
 };
+
+/// The tree under regions beside a plain vector: replacements anywhere, in order as well, keep content, extremes and
+/// balance, and leave the earlier sequences as they were.
+TEST(Region, SequencesStayBalancedAndUnchanged) {
+    struct Item {
+        int32_t other;
+        [[nodiscard]] int32_t Left() const noexcept { return other; }
+        [[nodiscard]] int32_t Right() const noexcept { return other + 5; }
+    };
+    Random random(3);
+    for (int round = 0; round < 4; ++round) {
+        std::vector<Item> plain, earlierPlain;
+        Sequence<Item> sequence, earlier;
+        for (int step = 0; step < 1500; ++step) {
+            const int size = static_cast<int>(plain.size());
+            const int first = round == 0 ? size : round == 1 ? 0 : random(0, size);
+            const int last =
+                round < 2 ? first : std::min(size, first + (random(0, 50) == 0 ? random(0, size) : random(0, 3)));
+            std::vector<Item> middle(static_cast<size_t>(round < 2            ? 7
+                                                         : random(0, 40) == 0 ? random(0, 900)
+                                                                              : random(0, 4)));
+            for (Item& item : middle) {
+                item = {random(-1000, 1000)};
+            }
+            sequence = sequence.Replace(static_cast<size_t>(first), static_cast<size_t>(last), middle);
+            plain.erase(plain.begin() + first, plain.begin() + last);
+            plain.insert(plain.begin() + first, middle.begin(), middle.end());
+            ASSERT_EQ(sequence.Size(), plain.size());
+            ASSERT_LE(sequence.Height(), 1.45 * std::log2(static_cast<double>(plain.size()) / 8 + 2));
+            if (step % 100 != 0 || plain.empty()) {
+                continue;
+            }
+            const auto expectEqual = [](const Sequence<Item>& s, const std::vector<Item>& v) {
+                int32_t least = INT32_MAX, most = INT32_MIN;
+                Sequence<Item>::Cursor cursor(s, 0);
+                for (const Item& item : v) {
+                    ASSERT_TRUE(cursor && cursor->other == item.other);
+                    least = std::min(least, item.Left());
+                    most = std::max(most, item.Right());
+                    cursor.Next();
+                }
+                ASSERT_FALSE(cursor);
+                ASSERT_TRUE(v.empty() || (s.Left() == least && s.Right() == most));
+            };
+            expectEqual(sequence, plain);
+            expectEqual(earlier, earlierPlain);
+            earlier = sequence;
+            earlierPlain = plain;
+        }
+    }
+}
 
 TEST(Region, RandomOperationsGiveTheAreasOfABitmap) {
     Random random(7);

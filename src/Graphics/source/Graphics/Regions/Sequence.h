@@ -82,6 +82,8 @@ public:
     [[nodiscard]] size_t Size() const noexcept { return m_root ? m_root->size : 0; }
     [[nodiscard]] int32_t Left() const noexcept { return m_root->left; }
     [[nodiscard]] int32_t Right() const noexcept { return m_root->right; }
+    /// Levels above the leaves: under 1.45 log2 of their number.
+    [[nodiscard]] uint32_t Height() const noexcept { return m_root ? m_root->height : 0; }
     /// Whether both are the very same elements in memory: then they are equal.
     [[nodiscard]] bool Shares(const Sequence& o) const noexcept { return m_root.Get() == o.m_root.Get(); }
 
