@@ -182,6 +182,15 @@ TEST(HitTester, LinesAreJudgedWithoutRounding) {
         on += sign == 0 ? 1 : 0;
     }
     EXPECT_GT(on, 5000);
+    // Points of y = 3 x whose sizes lie so far apart that their differences round.
+    for (int i = 0; i < 2000; ++i) {
+        const auto number = [&] { return static_cast<float>(1 + random() % 4000000U); };
+        const float r = number(), s = number(), t = number() * 0x1p-45F;
+        const Point a{r, 3 * r}, b{-s, -3 * s};
+        ASSERT_EQ(OrientationSign(a, b, {t, 3 * t}), 0);
+        ASSERT_EQ(OrientationSign(a, b, {t, std::nextafter(3 * t, 1.0F)}), -1);
+        ASSERT_EQ(OrientationSign(a, b, {t, std::nextafter(3 * t, 0.0F)}), 1);
+    }
     // 1 + 2^-60 and the like do not fit in a double: only the exact sum sees them.
     const Point tiny{0x1p-60F, 0x1p-60F};
     EXPECT_EQ(OrientationSign({1, 1}, {-1, -1}, tiny), 0);
