@@ -2,6 +2,7 @@
 // Gradient colours against a plain evaluation of their formulas, pixel by pixel and without tolerance.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -461,6 +462,35 @@ TEST(MeshSource, InterpolatesStraightColoursAndPremultiplies) {
             for (int i = 0; i < 4; ++i) {
                 ASSERT_NEAR(Channel(c, i), Channel(expected, i), 1) << x << ", " << y;
             }
+        }
+    }
+}
+
+TEST(MeshPlane, EqualsItsFormulaInEverySet) {
+    for (int round = 0; round < 3000; ++round) {
+        const SwPaintKernels* kernels = PaintKernelSet(round % kPaintKernelSets);
+        if (kernels == nullptr) {
+            continue;
+        }
+        const float odd[] = {0, -1e9F, 3e38F, kInf, -kInf, kNaN, 254.5F, 0.5F, 255.5F};
+        const auto pick = [&](float low, float high) {
+            return g_random() % 8 == 0 ? odd[g_random() % 9] : Uniform(low, high);
+        };
+        float start[4];
+        float step[4];
+        for (int i = 0; i < 4; ++i) {
+            start[i] = pick(-20, 280);
+            step[i] = g_random() % 4 == 0 ? std::round(pick(-9, 9)) / 2 : pick(-9, 9);
+        }
+        std::vector<uint32_t> out(g_random() % 40 + 1, 7);
+        kernels->plane(start, step, out.size() - 1, out.data());
+        EXPECT_EQ(out.back(), 7U);
+        for (size_t k = 0; k + 1 < out.size(); ++k) {
+            ASSERT_EQ(out[k], PerChannel([&](int i) {
+                          const float v = start[i] + step[i] * static_cast<float>(k);
+                          return v > 0.0F ? static_cast<uint32_t>(std::min(v, 255.0F) + 0.5F) : 0U;
+                      }))
+                << kernels->name << " pixel " << k;
         }
     }
 }

@@ -190,5 +190,26 @@ void Radial(const RadialEquation& q, const float* u, const float* v, const float
     });
 }
 
+/// A vector holds kLanes / 4 pixels, their channels side by side: narrowed to bytes, it is their words.
+void Plane(const float* start, const float* step, size_t count, uint32_t* out) {
+    constexpr size_t kPixels = kLanes / 4;
+    typedef uint8_t Bytes __attribute__((vector_size(kLanes)));
+    const Floats from = Repeat(start);
+    const Floats per = Repeat(step);
+    Floats index = __builtin_convertvector((Ints)(Ascending() >> 2), Floats);
+    for (size_t k = 0; k < count; k += kPixels) {
+        Floats v = from + per * index;
+        v = Select((Ints)(v > Floats{}), v, Floats{}); // not a number counts as 0
+        v = Select((Ints)(v < Splat(255.0F)), v, Splat(255.0F));
+        const auto bytes = __builtin_convertvector(Truncate(v + Splat(0.5F)), Bytes);
+        uint32_t words[kPixels];
+        __builtin_memcpy(words, &bytes, kLanes);
+        for (size_t i = 0; i < kPixels && k + i < count; ++i) {
+            out[k + i] = words[i];
+        }
+        index += static_cast<float>(kPixels);
+    }
+}
+
 } // namespace
 } // namespace Graphics

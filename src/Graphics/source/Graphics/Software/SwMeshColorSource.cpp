@@ -24,23 +24,16 @@ int32_t Confine(float v) noexcept {
 
 /// The first pixel whose centre is at or behind `at`, within [0, size].
 int32_t FirstCentre(double at, int32_t size) noexcept {
-    const double first = std::ceil(at - 0.5);
-    return first >= size ? size : first > 0.0 ? static_cast<int32_t>(first) : 0;
-}
-
-struct Channels {
-    float value[4]; // blue, green, red, alpha
-
-    /// Rounded; thin triangles may leave the range by rounding errors.
-    [[nodiscard]] uint32_t Pack() const noexcept {
-        uint32_t c = 0;
-        for (int i = 0; i < 4; ++i) {
-            const float v = value[i] > 0.0F ? std::min(value[i], 255.0F) : 0.0F;
-            c |= static_cast<uint32_t>(v + 0.5F) << (8 * i);
-        }
-        return c;
+    const double last = at - 0.5;
+    if (!(last > 0.0)) {
+        return 0;
     }
-};
+    if (last > size - 1) {
+        return size;
+    }
+    const auto below = static_cast<int32_t>(last);
+    return below + (last > below ? 1 : 0);
+}
 
 } // namespace
 
@@ -100,24 +93,31 @@ void SwMeshColorSource::FillTriangle(const Vertex (&v)[3], uint32_t factor) noex
         origin[i] = channel(0);
     }
     // Edges that cross rows, each from its upper end to its lower one.
-    std::pair<const Vertex*, const Vertex*> edges[3];
+    struct Edge {
+        double x, y, end, perRow;
+    } edges[3];
     int count = 0;
     for (int k = 0; k < 3; ++k) {
         const Vertex* a = &v[k];
         const Vertex* b = &v[(k + 1) % 3];
         if (a->y != b->y) {
-            edges[count++] = a->y < b->y ? std::pair(a, b) : std::pair(b, a);
+            if (a->y > b->y) {
+                std::swap(a, b);
+            }
+            edges[count++] = {a->x, a->y, b->y, (b->x - a->x) / (b->y - a->y)};
         }
     }
+    const bool opaque = (v[0].color & v[1].color & v[2].color) >> 24 == 255;
+    const SwPaintKernels& kernels = ActivePaintKernels();
     const int32_t lastRow = FirstCentre(maxY, m_height);
     for (int32_t y = FirstCentre(minY, m_height); y < lastRow; ++y) {
         const double centre = y + 0.5;
         double cross[2] = {0.0, 0.0};
         int found = 0;
         for (int k = 0; k < count && found < 2; ++k) {
-            const auto [a, b] = edges[k];
-            if (centre >= a->y && centre < b->y) {
-                cross[found++] = a->x + (centre - a->y) * ((b->x - a->x) / (b->y - a->y));
+            const Edge& e = edges[k];
+            if (centre >= e.y && centre < e.end) {
+                cross[found++] = e.x + (centre - e.y) * e.perRow;
             }
         }
         if (found < 2) {
@@ -128,20 +128,20 @@ void SwMeshColorSource::FillTriangle(const Vertex (&v)[3], uint32_t factor) noex
         if (from >= to) {
             continue;
         }
-        Channels start;
-        Channels step;
+        float start[4];
+        float step[4];
         for (int i = 0; i < 4; ++i) {
-            start.value[i] =
-                static_cast<float>(origin[i] + (from + 0.5 - v[0].x) * perX[i] + (centre - v[0].y) * perY[i]);
-            step.value[i] = static_cast<float>(perX[i]);
+            start[i] = static_cast<float>(origin[i] + (from + 0.5 - v[0].x) * perX[i] + (centre - v[0].y) * perY[i]);
+            step[i] = static_cast<float>(perX[i]);
         }
-        uint32_t* row = Row(y);
-        for (int32_t x = from; x < to; ++x) {
-            Channels at;
-            for (int i = 0; i < 4; ++i) {
-                at.value[i] = start.value[i] + step.value[i] * static_cast<float>(x - from);
-            }
-            row[x] = ScalePixel(PremultiplyPixel(at.Pack()), factor);
+        const auto pixels = static_cast<size_t>(to - from);
+        uint32_t* out = Row(y) + from;
+        kernels.plane(start, step, pixels, out);
+        if (!opaque) {
+            kernels.premultiply(out, pixels);
+        }
+        if (factor != 256) {
+            kernels.scaleBy(out, factor, pixels);
         }
     }
 }

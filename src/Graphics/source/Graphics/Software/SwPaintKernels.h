@@ -63,6 +63,9 @@ struct SwPaintKernels {
     void (*radial)(const RadialEquation& equation, const float* u, const float* v, const float* b, size_t count,
                    float* t);
 
+    /// out = the words of start + k step for pixel k: four channels, blue first, limited to 0 to 255 and rounded.
+    void (*plane)(const float* start, const float* step, size_t count, uint32_t* out);
+
     /// Pixel index of each coordinate by tiling mode.
     void (*indices[3])(const float* c, size_t count, int32_t size, int32_t* index);
     /// Both neighbours of each coordinate, and the second one's weight 1 to 256, twice in a word.

@@ -21,6 +21,7 @@ constexpr SwPaintKernels MakeTable(const char* name) noexcept {
             Accumulate,
             Shade,
             Radial,
+            Plane,
             {Indices<0>, Indices<1>, Indices<2>},
             {Taps<0>, Taps<1>, Taps<2>},
             MixRows,

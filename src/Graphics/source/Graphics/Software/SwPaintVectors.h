@@ -71,6 +71,17 @@ GX_INLINE inline Ints Select(Ints mask, Ints a, Ints b) noexcept { return mask ?
 GX_INLINE inline Words Select(Ints mask, Words a, Words b) noexcept { return mask ? a : b; }
 GX_INLINE inline Floats Splat(float v) noexcept { return v - Floats{}; }
 
+/// Four floats again and again.
+GX_INLINE inline Floats Repeat(const float* four) noexcept {
+#if defined(__AVX512F__)
+    return (Floats)_mm512_maskz_broadcast_f32x4(0xFFFF, _mm_loadu_ps(four));
+#elif defined(__AVX2__)
+    return (Floats)_mm256_broadcast_ps(reinterpret_cast<const __m128*>(four));
+#else
+    return Load<Floats>(four, kLanes);
+#endif
+}
+
 /// 0, 1, 2, ...
 GX_INLINE inline Words Ascending() noexcept {
     Words v{};
