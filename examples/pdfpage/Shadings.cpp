@@ -12,7 +12,8 @@ namespace {
 using Color = std::array<float, 4>; // red, green, blue, alpha from 0 to 255
 
 uint32_t Pack(const Color& c) {
-    const auto channel = [](float v) { return static_cast<uint32_t>(std::lround(std::clamp(v, 0.0f, 255.0f))); };
+    // Rounded; the sum is exact in double.
+    const auto channel = [](float v) { return static_cast<uint32_t>(double(std::clamp(v, 0.0f, 255.0f)) + 0.5); };
     return channel(c[3]) << 24 | channel(c[0]) << 16 | channel(c[1]) << 8 | channel(c[2]);
 }
 
@@ -93,7 +94,9 @@ struct Collector {
 
     // Whether colours along the edge stray from the straight line between its ends.
     bool Bends(const Vertex& a, const Vertex& b) const {
-        if (std::fabs(a.t - b.t) < 1.0f / 255.0f || std::hypot(a.at.x - b.at.x, a.at.y - b.at.y) < 1.5f)
+        // The squares are exact in double.
+        const double dx = a.at.x - b.at.x, dy = a.at.y - b.at.y;
+        if (std::fabs(a.t - b.t) < 1.0f / 255.0f || static_cast<float>(std::sqrt(dx * dx + dy * dy)) < 1.5f)
             return false;
         for (const float f : {0.25f, 0.5f, 0.75f}) {
             const Color there = At(a.t + f * (b.t - a.t));
