@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Bitmaps in files and in native objects.
+#include "Bitmaps/Codecs/ImageFile.h"
 #include "Guard.h"
+#include "Handles.h"
 
 using namespace Graphics;
 
@@ -8,21 +10,22 @@ GXResult GXCreateBitmapFromFile(const wchar_t* path, GXBitmap* out) noexcept {
     if (AnyNull(path, out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Bitmap::LoadFromFile", "Not implemented");
+    return Create(out, [&] { return ImageFile::Load(path); });
 }
 
-GXResult GXCreateBitmapFromFileFrame(const wchar_t* path, uint32_t, uint32_t*, GXBitmap* out) noexcept {
+GXResult GXCreateBitmapFromFileFrame(const wchar_t* path, uint32_t frame, uint32_t* frameCount,
+                                     GXBitmap* out) noexcept {
     if (AnyNull(path, out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Bitmap::LoadFromFileEx", "Not implemented");
+    return Create(out, [&] { return ImageFile::LoadFrame(path, frame, frameCount); });
 }
 
-GXResult GXCreateBitmapFromMemory(const void* data, size_t, GXBitmap* out) noexcept {
+GXResult GXCreateBitmapFromMemory(const void* data, size_t size, GXBitmap* out) noexcept {
     if (AnyNull(data, out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Bitmap::LoadFromMemory", "Not implemented");
+    return Create(out, [&] { return ImageFile::LoadFromMemory(data, size); });
 }
 
 GXResult GXCreateBitmapFromHBITMAP(GXNativeBitmap nativeBitmap, GXBitmap* out) noexcept {
@@ -36,7 +39,7 @@ GXResult GXBitmapSaveToFile(GXBitmap bitmap, const wchar_t* path) noexcept {
     if (AnyNull(bitmap, path)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Bitmap::SaveToFile", "Not implemented");
+    return Guard([&] { ImageFile::Save(*bitmap->object, path); });
 }
 
 GXResult GXBitmapSaveToHBITMAP(GXBitmap bitmap, GXNativeBitmap* out) noexcept {
