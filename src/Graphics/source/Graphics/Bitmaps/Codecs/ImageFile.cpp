@@ -21,6 +21,33 @@ namespace {
     throw ImageError();
 }
 
+/// The file system's own form of a path, whatever the locale is. Throws ImageError for what is no text.
+[[nodiscard]] std::filesystem::path ToPath(const wchar_t* path) {
+    std::u8string text;
+    for (; *path != 0; ++path) {
+        auto c = static_cast<uint32_t>(*path);
+        if constexpr (sizeof(wchar_t) == 2) { // pairs of surrogates
+            c &= 0xFFFF;
+            const uint32_t low = static_cast<uint32_t>(path[1]) & 0xFFFF;
+            if (c >> 10 == 0x36 && low >> 10 == 0x37) {
+                c = 0x10000 + ((c & 0x3FF) << 10 | (low & 0x3FF));
+                ++path;
+            }
+        }
+        if (c > 0x10FFFF || c >> 11 == 0x1B) {
+            throw ImageError();
+        }
+        // The first byte's upper bits say how many follow with six bits each.
+        const int following = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+        constexpr uint32_t kLead[4] = {0, 0xC0, 0xE0, 0xF0};
+        text += static_cast<char8_t>(kLead[following] | c >> 6 * following);
+        for (int k = following - 1; k >= 0; --k) {
+            text += static_cast<char8_t>(0x80 | (c >> 6 * k & 0x3F));
+        }
+    }
+    return text;
+}
+
 /// Runs the work of a load or save; every failure becomes the message.
 template <class Work> auto Attempt(const char* function, const char* message, Work&& work) {
     try {
@@ -47,7 +74,7 @@ template <class Work> auto Attempt(const char* function, const char* message, Wo
 
 std::shared_ptr<Bitmap> ImageFile::Load(const wchar_t* path) {
     return Attempt("Graphics::Bitmap::LoadFromFile", "Failed to load", [&] {
-        FileSource source{std::filesystem::path(path)};
+        FileSource source(ToPath(path));
         return std::make_shared<Bitmap>(Open(source)->Load(0));
     });
 }
@@ -55,7 +82,7 @@ std::shared_ptr<Bitmap> ImageFile::Load(const wchar_t* path) {
 std::shared_ptr<Bitmap> ImageFile::LoadFrame(const wchar_t* path, uint32_t frame, uint32_t* frameCount) {
     constexpr const char* kFunction = "Graphics::Bitmap::LoadFromFileEx";
     std::shared_ptr<SysMemBitmap> image = Attempt(kFunction, "Failed to load", [&] {
-        FileSource source{std::filesystem::path(path)};
+        FileSource source(ToPath(path));
         const std::unique_ptr<ImageDecoder> decoder = Open(source);
         const uint32_t count = decoder->CountFrames();
         if (frameCount != nullptr) {
@@ -90,7 +117,7 @@ void ImageFile::Save(const Bitmap& bitmap, const wchar_t* path) {
         GX_RAISE(kFunction, "Failed to save bitmap: Unknown file format");
     }
     Attempt(kFunction, "Failed to save bitmap", [&] {
-        FileSink sink{std::filesystem::path(path)};
+        FileSink sink(ToPath(path));
         writer->Save(*bitmap.Image(), name, sink);
         sink.Commit();
     });
