@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Bitmaps saved and loaded again, in every format and kind of file, and what a failed save leaves behind: nothing.
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -110,6 +111,30 @@ TEST_F(ImageFiles, JpegKeepsTheLookAndDropsAlpha) {
                     << "format " << format;
             }
         }
+    }
+}
+
+TEST_F(ImageFiles, OtherProgramsAcceptThem) {
+    const std::pair<const char*, const char*> tools[] = {
+        {"pngcheck -q", "a.png"}, {"djpeg -outfile /dev/null", "a.jpg"}, {"tiffinfo -D", "a.tif"}};
+    std::mt19937 random(4);
+    int known = 0;
+    for (const auto& [tool, name] : tools) {
+        const std::string program(tool, std::string_view(tool).find(' '));
+        if (std::system(("command -v " + program + " > /dev/null").c_str()) != 0) {
+            continue;
+        }
+        ++known;
+        for (uint32_t format = 1; format <= 10; ++format) {
+            const auto bitmap = RandomBitmap(format, format == GXPixelFormatIndexed8 ? 256 : 0, false, random);
+            ImageFile::Save(*bitmap, Path(name).c_str());
+            std::string command = tool;
+            command += " '" + (m_folder / name).string() + "' > /dev/null";
+            EXPECT_EQ(std::system(command.c_str()), 0) << command << " format " << format;
+        }
+    }
+    if (known == 0) {
+        GTEST_SKIP() << "none of the programs is installed";
     }
 }
 

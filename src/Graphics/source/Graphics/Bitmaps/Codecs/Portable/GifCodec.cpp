@@ -14,6 +14,9 @@
 namespace Graphics {
 namespace {
 
+/// A code has at least 3 bits and makes at most 4096 pixels.
+constexpr uint64_t kPixelsPerByte = 4096 * 8 / 3 + 1;
+
 /// What is known of a frame before its pixels are unpacked.
 struct Frame {
     int32_t left = 0, top = 0, width = 0, height = 0;
@@ -79,9 +82,9 @@ public:
 
     /// The indices of the frame, rows in the order of the picture.
     void ReadPixels(const Frame& frame, HeapArray<uint8_t>& indices) {
-        // A code of at least 3 bits makes at most 4096 pixels: a file too short for the frame is refused first.
+        // A file too short for the frame is refused first.
         const auto width = static_cast<size_t>(frame.width);
-        Require(static_cast<uint64_t>(width) * static_cast<uint64_t>(frame.height) / 10923 <= m_cursor.Size());
+        Require(static_cast<uint64_t>(width) * static_cast<uint64_t>(frame.height) / kPixelsPerByte <= m_cursor.Size());
         indices.resize(width * static_cast<size_t>(frame.height));
         const auto line = [&](int32_t y) {
             Check(DGifGetLine(m_gif.get(), indices.data() + width * static_cast<size_t>(y), frame.width));
@@ -136,13 +139,15 @@ public:
         Frame frame;
         while (walk.Next(frame)) {
             if (m_frames.empty()) { // a screen that is too small for its first picture is taken as large enough
-                m_width = std::max(m_width, frame.left + frame.width);
-                m_height = std::max(m_height, frame.top + frame.height);
+                m_width = std::max(m_width, frame.width);
+                m_height = std::max(m_height, frame.height);
             }
             m_frames.push_back(frame);
             walk.SkipPixels();
         }
-        Require(!m_frames.empty());
+        // A screen that its pictures hardly touch is a lie, for which no memory is taken.
+        const uint64_t pixels = static_cast<uint64_t>(m_width) * static_cast<uint64_t>(m_height);
+        Require(!m_frames.empty() && (pixels <= (1U << 24) || pixels / kPixelsPerByte <= source.Size()));
     }
 
     [[nodiscard]] uint32_t CountFrames() override { return static_cast<uint32_t>(m_frames.size()); }
@@ -283,19 +288,24 @@ private:
             }
         }
         std::shared_ptr<SysMemBitmap> image = Screen(GXPixelFormatIndexed8);
+        Place last = {0, -1};
         for (int32_t y = 0; y < m_height; ++y) {
             uint8_t* row = image->Data() + static_cast<size_t>(image->StrideBytes()) * static_cast<size_t>(y);
+            const uint32_t* from = Pixel(screen, 0, y);
             for (int32_t x = 0; x < m_width; ++x) {
-                const uint32_t color = *Pixel(screen, x, y);
-                Place& place = find(color);
-                if (place.index < 0) {
-                    if (colors.size() == 256) {
-                        return nullptr;
+                const uint32_t color = from[x];
+                if (color != last.color || last.index < 0) {
+                    Place& place = find(color);
+                    if (place.index < 0) {
+                        if (colors.size() == 256) {
+                            return nullptr;
+                        }
+                        place = {color, static_cast<int32_t>(colors.size())};
+                        colors.push_back(color);
                     }
-                    place = {color, static_cast<int32_t>(colors.size())};
-                    colors.push_back(color);
+                    last = place;
                 }
-                row[x] = static_cast<uint8_t>(place.index);
+                row[x] = static_cast<uint8_t>(last.index);
             }
         }
         image->SetPalette(std::make_shared<const Palette>(colors.data(), colors.size()));

@@ -292,6 +292,18 @@ void TiffReader::ConvertRow(uint8_t* dst, const uint8_t* row, size_t planeBytes,
         return;
     }
     const size_t dstStep = m_format == GXPixelFormatBGR24 ? 3 : 4;
+    if (m_kind == Samples::Bytes && m_colors == 3 && m_samples == dstStep && !m_planes && !m_associated &&
+        m_format != GXPixelFormatBGRX32) {
+        for (const uint8_t* end = row + count * dstStep; row != end; row += dstStep, dst += dstStep) {
+            dst[0] = row[2];
+            dst[1] = row[1];
+            dst[2] = row[0];
+            if (dstStep == 4) {
+                dst[3] = row[3];
+            }
+        }
+        return;
+    }
     if (m_photometric == PHOTOMETRIC_PALETTE) {
         m_indices.resize(count);
         Unpack(m_indices.data(), row, count, 0, true);
