@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// What the targets of one thread share: the device and everything that was made with it. After a loss of the device a
+// new one takes its place, and the generation tells targets that their textures are gone.
+#pragma once
+
+#include <memory>
+
+#include "D3D11Batch.h"
+#include "D3D11BitmapCache.h"
+#include "D3D11GradientCache.h"
+#include "D3D11TexturePool.h"
+
+namespace Graphics {
+
+class D3D11Context {
+public:
+    /// Raises "D3D11 error" or what the shader compiler raises.
+    D3D11Context();
+    D3D11Context(const D3D11Context&) = delete;
+    D3D11Context& operator=(const D3D11Context&) = delete;
+    ~D3D11Context();
+
+    [[nodiscard]] IDXGIFactory1& Factory() const noexcept { return *m_factory.get(); }
+    [[nodiscard]] D3D11Device& Device() noexcept { return m_resources->device; }
+    [[nodiscard]] D3D11ShaderCache& Shaders() noexcept { return m_resources->shaders; }
+    [[nodiscard]] D3D11BitmapCache& Bitmaps() noexcept { return m_resources->bitmaps; }
+    [[nodiscard]] D3D11GradientCache& Gradients() noexcept { return m_resources->gradients; }
+    [[nodiscard]] D3D11TexturePool& Pool() noexcept { return m_resources->pool; }
+    [[nodiscard]] D3D11Batch& Batch() noexcept { return m_resources->batch; }
+    [[nodiscard]] const D3D11ShaderCompiler& Compiler() const noexcept { return m_compiler; }
+
+    /// Grows with every new device.
+    [[nodiscard]] uint32_t Generation() const noexcept { return m_generation; }
+    /// A new device when the last one is lost or could not be made. Raises "D3D11 error" when there is none.
+    void Recover();
+
+private:
+    struct Resources {
+        explicit Resources(const D3D11ShaderCompiler& compiler);
+
+        D3D11Device device;
+        D3D11SamplerState samplers;
+        D3D11ShaderCache shaders;
+        D3D11BitmapCache bitmaps;
+        D3D11GradientCache gradients;
+        D3D11TexturePool pool;
+        D3D11Batch batch;
+    };
+
+    void MakeFactory();
+
+    D3D11ShaderCompiler m_compiler;
+    D3D11Ref<IDXGIFactory1> m_factory;
+    std::unique_ptr<Resources> m_resources;
+    uint32_t m_generation = 1;
+    D3D11LiveCount<D3D11Context> m_live;
+};
+
+} // namespace Graphics

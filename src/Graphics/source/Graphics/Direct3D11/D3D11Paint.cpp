@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "D3D11Paint.h"
+
+#include "../Bitmaps/Bitmap.h"
+#include "../Paint/Gradient.h"
+#include "../Pixels/PixelFormat.h"
+#include "../Software/SwBitmapColorSource.h"
+#include "../Software/SwGradientColorSource.h"
+#include "../Software/SwOpacity.h"
+#include "../Software/SwPixelReader.h"
+#include "../Software/SwReducedImage.h"
+
+namespace Graphics {
+namespace {
+
+/// Nearest samples that fall between two texels go to the second one, as with the software; far below what is seen.
+constexpr float kNearestShift = 1.0F / 256.0F;
+
+/// Matrix from device pixels to coordinates in [0, 1] of an image.
+[[nodiscard]] Matrix Normalized(const Matrix& inverse, double scaleX, double scaleY, float shift, int32_t width,
+                                int32_t height) noexcept {
+    const double x = scaleX / width;
+    const double y = scaleY / height;
+    return {static_cast<float>(inverse.m00 * x),
+            static_cast<float>(inverse.m01 * y),
+            static_cast<float>(inverse.m10 * x),
+            static_cast<float>(inverse.m11 * y),
+            static_cast<float>(inverse.m20 * x + static_cast<double>(shift) / width),
+            static_cast<float>(inverse.m21 * y + static_cast<double>(shift) / height)};
+}
+
+[[nodiscard]] uint8_t Extend(uint32_t mode) noexcept {
+    return static_cast<uint8_t>(mode > GXExtendMirror ? static_cast<uint32_t>(GXExtendClamp) : mode);
+}
+
+} // namespace
+
+void D3D11Paint::SetWord(uint32_t premultiplied) noexcept {
+    for (int i = 0; i < 4; ++i) {
+        const int shift = i == 3 ? 24 : 16 - 8 * i;
+        color[i] = static_cast<float>(premultiplied >> shift & 255U) * (1.0F / 255.0F);
+    }
+}
+
+D3D11Paint D3D11PaintMaker::FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box) {
+    D3D11Paint paint;
+    uint32_t word = 0;
+    if (source.IsSolid(word)) {
+        paint.SetWord(word);
+        return paint;
+    }
+    D3D11SwFallbackSurface::Image image = m_fallback.Paint(context, source, box);
+    paint.texture = std::move(image.texture);
+    paint.map = image.map;
+    return paint;
+}
+
+bool D3D11PaintMaker::FromLinear(D3D11Context& context, const GradientBrush& brush, const Matrix& transform,
+                                 D3D11Paint& paint) {
+    const auto& gradient = static_cast<const LinearGradient&>(*brush.gradient);
+    InverseMap map;
+    const double axisX = static_cast<double>(gradient.end.x) - gradient.start.x;
+    const double axisY = static_cast<double>(gradient.end.y) - gradient.start.y;
+    const double square = axisX * axisX + axisY * axisY;
+    if (!(square > 0.0) || !std::isfinite(square) || !map.Set(PaintTransform(brush, transform))) {
+        return false;
+    }
+    const double dtdx = (map.a * axisX + map.b * axisY) / square;
+    const double dtdy = (map.c * axisX + map.d * axisY) / square;
+    // The parameter belongs to the pixel's corner, and the card asks at its centre.
+    const double t0 =
+        ((map.e - gradient.start.x) * axisX + (map.f - gradient.start.y) * axisY) / square - 0.5 * (dtdx + dtdy);
+    // Both ends of the axis are a little inside the texels of its colours.
+    constexpr double kInside = 1.0 / 64.0;
+    constexpr double kScale = (D3D11GradientCache::kTexels - 2 - 2 * kInside) / D3D11GradientCache::kTexels;
+    paint.map = {static_cast<float>(dtdx * kScale),
+                 0.0F,
+                 static_cast<float>(dtdy * kScale),
+                 0.0F,
+                 static_cast<float>(t0 * kScale + (1.0 + kInside) / D3D11GradientCache::kTexels),
+                 0.5F};
+    if (!std::isfinite(paint.map.m00) || !std::isfinite(paint.map.m10) || !std::isfinite(paint.map.m20)) {
+        return false;
+    }
+    paint.texture = context.Gradients().Row(brush);
+    return true;
+}
+
+D3D11Paint D3D11PaintMaker::FromBrush(D3D11Context& context, const Brush& brush, const Matrix& transform,
+                                      const IntRect& box) {
+    if (brush.Kind() == kBrushBitmap) {
+        const auto& b = static_cast<const BitmapBrush&>(brush);
+        D3D11Image image;
+        image.view = b.bitmap->View();
+        image.derived = &b.bitmap->Derived();
+        image.interpolation = b.interpolation;
+        image.extendX = b.extendX;
+        image.extendY = b.extendY;
+        image.opacity = b.opacity;
+        image.toDevice = PaintTransform(b, transform);
+        return FromImage(context, image, box);
+    }
+    if (brush.Kind() == kBrushGradient) {
+        const auto& g = static_cast<const GradientBrush&>(brush);
+        D3D11Paint paint;
+        if (g.gradient->Kind() == kGradientLinear && FromLinear(context, g, transform, paint)) {
+            return paint;
+        }
+    }
+    return FromBrushInSoftware(context, brush, transform, box);
+}
+
+D3D11Paint D3D11PaintMaker::FromBrushInSoftware(D3D11Context& context, const Brush& brush, const Matrix& transform,
+                                                const IntRect& box) {
+    const Rect bounds{static_cast<float>(box.left), static_cast<float>(box.top), static_cast<float>(box.right),
+                      static_cast<float>(box.bottom)};
+    return FromSource(context, *SwColorSource::CreateFromBrush(m_arena, brush, bounds, transform), box);
+}
+
+D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const D3D11Image& image, const IntRect& box) {
+    const auto inSoftware = [&] {
+        return FromSource(context,
+                          *CreateBitmapSource(m_arena, image.view, image.derived, image.interpolation, image.extendX,
+                                              image.extendY, image.opacity, image.toDevice, image.asMask),
+                          box);
+    };
+    PixelView view = image.view;
+    Matrix inverse;
+    if (!IsValidFormat(view.format) || view.data == nullptr || view.width <= 0 || view.height <= 0 ||
+        !Invert(image.toDevice, inverse)) {
+        return inSoftware();
+    }
+    D3D11Paint paint;
+    paint.sampling = {image.interpolation == GXInterpolationLinear || image.interpolation == GXInterpolationAverage,
+                      Extend(image.extendX), Extend(image.extendY)};
+    const bool clamps = image.extendX == GXExtendClamp && image.extendY == GXExtendClamp;
+    if (!clamps && !context.Device().TilesAnySize()) {
+        return inSoftware();
+    }
+    // Left of and above the image the mirror lies in the middle of the first pixel; the card's lies on its border.
+    const Rect asked = MapBox(inverse, {static_cast<float>(box.left), static_cast<float>(box.top),
+                                        static_cast<float>(box.right), static_cast<float>(box.bottom)});
+    if ((paint.sampling.extendX == GXExtendMirror && !(asked.left >= 0.5F)) ||
+        (paint.sampling.extendY == GXExtendMirror && !(asked.top >= 0.5F))) {
+        return inSoftware();
+    }
+    double scaleX = 1.0;
+    double scaleY = 1.0;
+    uint32_t variant = 0;
+    std::shared_ptr<const SwReducedImage> reduced;
+    if (image.interpolation == GXInterpolationAverage) {
+        const SwReduction reduction = SwReduction::For(view.width, view.height, inverse);
+        if (reduction.Any()) {
+            const SwPixelReader reader(m_arena, view, image.asMask);
+            reduced = ReduceImage(reader, view.width, view.height, reduction, image.derived, image.asMask);
+            variant = reduction.halvingsX << 8 | reduction.halvingsY;
+            const PixelView small = reduced->View();
+            scaleX = static_cast<double>(small.width) / view.width;
+            scaleY = static_cast<double>(small.height) / view.height;
+            view = small; // a mask's words are the mask value in every byte, alpha too
+        }
+    }
+    if (!context.Bitmaps().Fits(view.width, view.height)) {
+        return inSoftware();
+    }
+    paint.texture = context.Bitmaps().GetTexture(view, image.derived, variant, image.asMask);
+    paint.map =
+        Normalized(inverse, scaleX, scaleY, paint.sampling.linear ? 0.0F : kNearestShift, view.width, view.height);
+    if (!image.asMask) {
+        const float opacity = static_cast<float>(OpacityFactor(image.opacity)) * (1.0F / 256.0F);
+        for (float& c : paint.color) {
+            c *= opacity;
+        }
+    }
+    return paint;
+}
+
+} // namespace Graphics

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "D3D11Painter.h"
+
+#include <algorithm>
+
+namespace Graphics {
+namespace {
+
+/// Fragments of a mask by its type, of opacity and of shape.
+constexpr D3D11Fragment kOpacityMasks[] = {D3D11Fragment::BOAlpha, D3D11Fragment::BOIAlpha, D3D11Fragment::BOLum,
+                                           D3D11Fragment::BOILum};
+constexpr D3D11Fragment kShapeMasks[] = {D3D11Fragment::BSAlpha, D3D11Fragment::BSIAlpha, D3D11Fragment::BSLum,
+                                         D3D11Fragment::BSILum};
+
+/// The value of a mask of one colour.
+[[nodiscard]] float MaskValue(const float (&c)[4], uint32_t type) noexcept {
+    const bool luminosity = type == GXMaskTypeLuminosity || type == GXMaskTypeInverseLuminosity;
+    const bool inverse = type == GXMaskTypeInverseAlpha || type == GXMaskTypeInverseLuminosity;
+    const float v = luminosity ? (77.0F * c[0] + 151.0F * c[1] + 28.0F * c[2]) / 256.0F : c[3];
+    return inverse ? 1.0F - v : v;
+}
+
+[[nodiscard]] bool IsWhite(const float (&c)[4]) noexcept {
+    return std::all_of(c, c + 4, [](float v) { return v == 1.0F; });
+}
+
+} // namespace
+
+void D3D11Painter::AddMask(D3D11DrawState& state, const D3D11Paint& paint, uint32_t type, bool ofShape) const {
+    if (paint.texture == nullptr) {
+        static_cast<void>(state.key.Add(ofShape ? D3D11Fragment::SS : D3D11Fragment::SO));
+        state.pixelConstants.AddScalar(MaskValue(paint.color, type));
+        return;
+    }
+    static_cast<void>(state.key.Add(ofShape ? kShapeMasks[type] : kOpacityMasks[type]));
+    state.vertexConstants.AddTransform(paint.map);
+    state.AddInput(paint.texture, paint.sampling);
+}
+
+void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
+                            D3D11DrawState& state) {
+    if (paint.texture != nullptr) {
+        static_cast<void>(state.key.Add(D3D11Fragment::BCP));
+        state.vertexConstants.AddTransform(paint.map);
+        state.AddInput(paint.texture, paint.sampling);
+    }
+    const auto add = [&](const SwSoftMask& mask, bool ofShape) {
+        if (!mask.IsSet()) {
+            return;
+        }
+        D3D11Paint values = m_maker.FromBrush(call.context, *mask.brush, mask.transform, call.visible);
+        if (values.texture != nullptr && !IsWhite(values.color)) {
+            // An opacity of the mask's brush comes before the rule that makes values of colours.
+            values = m_maker.FromBrushInSoftware(call.context, *mask.brush, mask.transform, call.visible);
+        }
+        AddMask(state, values, mask.type, ofShape);
+    };
+    add(call.target.State().opacityMask, false);
+    add(call.target.State().shapeMask, true);
+    if (extra != nullptr) {
+        AddMask(state, extra->paint, extra->type, true);
+    }
+}
+
+void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SwFallbackSurface::Image& image) const {
+    static_cast<void>(state.key.Add(D3D11Fragment::BSAlpha));
+    state.vertexConstants.AddTransform(image.map);
+    state.AddInput(image.texture, {});
+}
+
+void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
+    const SwClipRef& clip = call.target.State().clip;
+    if (!clip || !clip->HasMask()) {
+        return;
+    }
+    const auto found = std::find_if(m_clipImages.begin(), m_clipImages.end(),
+                                    [&](const ClipImage& c) { return c.clip.get() == clip.get(); });
+    if (found != m_clipImages.end()) {
+        std::rotate(found, found + 1, m_clipImages.end());
+    } else {
+        constexpr size_t kKept = 8;
+        if (m_clipImages.size() >= kKept) {
+            m_clipImages.erase(m_clipImages.begin());
+        }
+        m_clipImages.push_back({clip, m_maker.Fallback().Coverage(call.context, *clip.get())});
+    }
+    AddCoverage(state, m_clipImages.back().image);
+}
+
+D3D11Mesh& D3D11Painter::Begin(const Call& call, const D3D11Paint& paint, D3D11DrawState&& state,
+                               const IntRect& box) const {
+    state.scissor = call.limit;
+    D3D11Mesh& mesh = call.context.Batch().Begin(std::move(state), box);
+    mesh.SetColor(paint.color);
+    return mesh;
+}
+
+void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
+                               const SwClipRef& covered) {
+    const IntRect box = covered->Box();
+    if (IsEmpty(box)) {
+        return;
+    }
+    D3D11DrawState state;
+    call.target.Describe(call.context, call.target.State().blendMode, box, state);
+    AddPaint(call, paint, extra, state);
+    if (covered->HasMask()) {
+        AddCoverage(state, m_maker.Fallback().Coverage(call.context, *covered.get()));
+    }
+    D3D11MeshSink(Begin(call, paint, std::move(state), box), box).Rectangle(box.left, box.top, box.right, box.bottom);
+}
+
+void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Texture>& plane, D3D11Blend blend,
+                              const D3D11Paint& paint) {
+    D3D11DrawState state;
+    call.target.DescribePlane(plane, blend, state);
+    if (paint.texture != nullptr) {
+        static_cast<void>(state.key.Add(D3D11Fragment::BCP));
+        state.vertexConstants.AddTransform(paint.map);
+        state.AddInput(paint.texture, paint.sampling);
+    }
+    AddClip(call, state);
+    const IntRect& r = call.visible;
+    D3D11MeshSink(Begin(call, paint, std::move(state), r), r).Rectangle(r.left, r.top, r.right, r.bottom);
+}
+
+void D3D11Painter::Clear(const Call& call, const float (&color)[4]) {
+    D3D11SubTarget& target = call.target;
+    target.Touch(call.visible);
+    D3D11Paint paint;
+    const SwClipRef& clip = target.State().clip;
+    const bool masked = clip && clip->HasMask();
+    // Replaced whole; or scaled by what the clip covers, then added with as much.
+    const auto replace = [&](const std::shared_ptr<D3D11Texture>& plane, const float(&value)[4]) {
+        std::fill_n(paint.color, 4, 1.0F);
+        if (masked) {
+            ClearPlane(call, plane, D3D11Blend::Remove, paint);
+        }
+        std::copy_n(value, 4, paint.color);
+        ClearPlane(call, plane, masked ? D3D11Blend::Add : D3D11Blend::Replace, paint);
+    };
+    replace(target.Color(), color);
+    if (target.Initial() != nullptr && color[3] < 1.0F) { // the group's colour lies over its backdrop
+        std::fill_n(paint.color, 4, 1.0F - color[3]);
+        paint.texture = target.Initial();
+        paint.map = target.PlaneMap(*target.Initial());
+        ClearPlane(call, target.Color(), D3D11Blend::Add, paint);
+        paint.texture.reset();
+    }
+    if (target.Shape() != nullptr) {
+        replace(target.Shape(), {1.0F, 1.0F, 1.0F, color[3]});
+    }
+}
+
+} // namespace Graphics

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// The hardware back end: keeps state, clips and layers as the software one does, and turns every drawing call into
+// quadrilaterals of a batch. A device that is lost meanwhile is replaced; what had been drawn is gone, and drawing goes
+// on.
+#pragma once
+
+#include "../Geometry/Pen.h"
+#include "../Scan/Rasterizer.h"
+#include "../Target/RenderTargetBase.h"
+#include "D3D11Painter.h"
+#include "D3D11Surface.h"
+
+namespace Graphics {
+
+class D3D11RenderTarget final : public RenderTargetBase {
+public:
+    D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface);
+    ~D3D11RenderTarget() override;
+
+    [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return GXPixelFormatBGRX32; }
+    [[nodiscard]] Size GetSize() const override { return m_surface->GetSize(); }
+
+    [[nodiscard]] Matrix GetTransform() const override;
+    void SetTransform(const Matrix& m) override;
+    void SetBlendMode(uint32_t mode) override;
+    void SetStrokeAdjustment(bool on) override;
+    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+
+    void BeginPaint() override;
+    void EndPaint() override;
+    void PushState() override { Current().PushState(); }
+    void PopState() override { Current().PopState(); }
+    void BeginLayer(const GXLayerDesc& desc) override;
+    void EndLayer() override;
+
+    void Clear(uint32_t argb) override;
+    void Fill(const PathRef& path, const Brush& brush, bool text) override;
+    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) override;
+    void Clip(const PathRef& path) override;
+    void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
+                    uint32_t interpolation) override;
+    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) override;
+    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) override;
+    void InvertRect(const Rect& rect) override;
+    void InvertLine(const Point& from, const Point& to) override;
+
+private:
+    [[nodiscard]] D3D11SubTarget& Current() noexcept { return m_layers.empty() ? m_basic : *m_layers.back(); }
+    [[nodiscard]] SwState& State() noexcept { return Current().State(); }
+    [[nodiscard]] const Shape& Resolve(const PathRef& path);
+    template <class Change> void ChangeState(Change&& change);
+
+    /// Runs the work of a drawing call. When the device is lost meanwhile, a new one is made and, with `again`, the
+    /// work is done once more.
+    template <class Work> void Run(bool again, Work&& work);
+    /// Brings surface and open layers to the context's device.
+    void FollowDevice();
+
+    [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
+    [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible) noexcept;
+    void CheckMasks();
+    template <class MakePaint>
+    void FillPath(const PathRef& path, bool snap, const D3D11ShapeMask* extra, MakePaint&& makePaint);
+    template <class Send> void Invert(const IntRect& visible, Send&& send);
+    void CloseLayer();
+
+    std::shared_ptr<D3D11Context> m_context;
+    std::unique_ptr<D3D11Surface> m_surface;
+    IntRect m_area{};
+    bool m_painting = false;
+    uint32_t m_generation = 0;
+    SwState m_cached;
+
+    SwClipMaker m_clips; // before everything that may hold clips
+    Arena m_arena;
+    D3D11Painter m_painter;
+    D3D11SubTarget m_basic;
+    std::vector<std::unique_ptr<D3D11SubTarget>> m_layers; // open ones, innermost last
+    Rasterizer m_rasterizer;
+    PenStorage m_pen;
+    Shape m_figure;
+};
+
+} // namespace Graphics

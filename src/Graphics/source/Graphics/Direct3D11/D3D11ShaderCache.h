@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Compiled shaders by key. Vertex shaders do not depend on the blend mode and are shared by keys that differ in it
+// only.
+#pragma once
+
+#include <unordered_map>
+
+#include "D3D11Device.h"
+#include "D3D11ShaderCompiler.h"
+#include "Shaders/D3D11ShaderKey.h"
+
+namespace Graphics {
+
+class D3D11ShaderCache {
+public:
+    struct Shaders {
+        ID3D11VertexShader* vertex;
+        ID3D11PixelShader* pixel;
+    };
+
+    D3D11ShaderCache(D3D11Device& device, const D3D11ShaderCompiler& compiler) noexcept
+        : m_device(device), m_compiler(compiler) {}
+
+    /// Compiles at the first call for a key. Raises "Failed to compile shader".
+    [[nodiscard]] Shaders Get(const D3D11ShaderKey& key);
+    /// The one layout of every vertex shader; after the first Get.
+    [[nodiscard]] ID3D11InputLayout* Layout() const noexcept { return m_layout.get(); }
+
+private:
+    D3D11Device& m_device;
+    const D3D11ShaderCompiler& m_compiler;
+    D3D11Ref<ID3D11InputLayout> m_layout;
+    std::unordered_map<uint64_t, D3D11Ref<ID3D11VertexShader>> m_vertex;
+    std::unordered_map<uint64_t, D3D11Ref<ID3D11PixelShader>> m_pixel;
+};
+
+} // namespace Graphics

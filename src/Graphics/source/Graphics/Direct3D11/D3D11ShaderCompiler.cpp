@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "D3D11ShaderCompiler.h"
+
+#include "../Exception.h"
+#include "D3D11Ref.h"
+#include "Shaders/D3D11ShaderTargets.h"
+
+namespace Graphics {
+
+D3D11ShaderCompiler::D3D11ShaderCompiler(const wchar_t* module, const char* entry) : m_module(LoadLibraryW(module)) {
+    constexpr const char* kConstructor = "Graphics::D3D11ShaderCompiler::D3D11ShaderCompiler";
+    if (m_module == nullptr) {
+        GX_RAISE(kConstructor, "Failed to load D3DCompiler module");
+    }
+    m_compile = reinterpret_cast<pD3DCompile>(reinterpret_cast<void*>(GetProcAddress(m_module, entry)));
+    if (m_compile == nullptr) {
+        FreeLibrary(m_module);
+        GX_RAISE(kConstructor, "D3DCompile function not found in D3DCompiler module");
+    }
+}
+
+D3D11ShaderCompiler::~D3D11ShaderCompiler() { FreeLibrary(m_module); }
+
+bool D3D11ShaderCompiler::TryCompile(const std::string& text, const char* entry, const char* target,
+                                     std::vector<uint8_t>& code, std::string* message) const {
+    D3D11Ref<ID3DBlob> blob;
+    D3D11Ref<ID3DBlob> errors;
+    const HRESULT result =
+        m_compile(text.data(), text.size(), nullptr, nullptr, nullptr, entry, target, 0, 0, blob.Out(), errors.Out());
+    if (FAILED(result) || !blob) {
+        if (message != nullptr && errors) {
+            message->assign(static_cast<const char*>(errors->GetBufferPointer()), errors->GetBufferSize());
+        }
+        return false;
+    }
+    const auto* bytes = static_cast<const uint8_t*>(blob->GetBufferPointer());
+    code.assign(bytes, bytes + blob->GetBufferSize());
+    return true;
+}
+
+std::vector<uint8_t> D3D11ShaderCompiler::Compile(const std::string& text, Stage stage, uint32_t featureLevel) const {
+    std::vector<uint8_t> code;
+    if (stage == Stage::Vertex) {
+        if (TryCompile(text, "VS", kD3D11VertexShaderTarget, code, nullptr)) {
+            return code;
+        }
+    } else {
+        for (const char* target : D3D11PixelShaderTargetsFor(featureLevel)) {
+            if (TryCompile(text, "PS", target, code, nullptr)) {
+                return code;
+            }
+        }
+    }
+    GX_RAISE("Graphics::D3D11ShaderCompiler::Compile", "Failed to compile shader");
+}
+
+} // namespace Graphics

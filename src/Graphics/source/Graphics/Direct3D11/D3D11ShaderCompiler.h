@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The platform's HLSL compiler, loaded when it is needed.
+#pragma once
+
+#include <windows.h>
+
+#include <d3dcompiler.h>
+
+#include <string>
+#include <vector>
+
+#include "D3D11Counters.h"
+
+namespace Graphics {
+
+class D3D11ShaderCompiler {
+public:
+    /// Raises "Failed to load D3DCompiler module" or "D3DCompile function not found in D3DCompiler module".
+    D3D11ShaderCompiler() : D3D11ShaderCompiler(L"d3dcompiler_47.dll", "D3DCompile") {}
+    /// With another module or entry, for tests.
+    D3D11ShaderCompiler(const wchar_t* module, const char* entry);
+    D3D11ShaderCompiler(const D3D11ShaderCompiler&) = delete;
+    D3D11ShaderCompiler& operator=(const D3D11ShaderCompiler&) = delete;
+    ~D3D11ShaderCompiler();
+
+    enum class Stage { Vertex, Pixel };
+
+    /// Byte code. A pixel shader that is too long for the smallest target is compiled again for the larger ones that
+    /// the feature level takes. Raises "Failed to compile shader".
+    [[nodiscard]] std::vector<uint8_t> Compile(const std::string& text, Stage stage, uint32_t featureLevel) const;
+
+    /// False when it does not compile; `message` then has what the compiler says.
+    [[nodiscard]] bool TryCompile(const std::string& text, const char* entry, const char* target,
+                                  std::vector<uint8_t>& code, std::string* message) const;
+
+private:
+    HMODULE m_module = nullptr;
+    pD3DCompile m_compile = nullptr;
+    D3D11LiveCount<D3D11ShaderCompiler> m_live;
+};
+
+} // namespace Graphics
