@@ -51,7 +51,7 @@ Figures Measure(const std::string& folder, const std::string& name, int runs) {
     };
     const auto drawWithPeer = [&] {
         double time = 0;
-        page.DrawWithPeer(nullptr, &time);
+        page.DrawWithPeer(nullptr, &time, true);
         return time;
     };
     draw();

@@ -147,7 +147,7 @@ void Page::Draw(Picture* picture, double* milliseconds) {
     }
 }
 
-void Page::DrawWithPeer(Picture* picture, double* milliseconds) {
+void Page::DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear) {
     fz_context* const ctx = m_document.m_ctx;
     fz_pixmap* pixmap = nullptr;
     bool ok = Try(ctx, [&] {
@@ -158,6 +158,8 @@ void Page::DrawWithPeer(Picture* picture, double* milliseconds) {
     if (ok) {
         fz_device* device = nullptr;
         ok = Try(ctx, [&] {
+            if (timeClear)
+                fz_clear_pixmap_with_value(ctx, pixmap, 255); // its memory is there since the first time
             device = fz_new_draw_device(ctx, fz_identity, pixmap);
             fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
             fz_close_device(ctx, device);

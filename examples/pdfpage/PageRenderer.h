@@ -60,7 +60,8 @@ public:
 
     // Draws on white. The picture is left alone when null. `milliseconds` is the time of the drawing calls alone.
     void Draw(Picture* picture, double* milliseconds);
-    void DrawWithPeer(Picture* picture, double* milliseconds);
+    // With `timeClear` the time is that of making the page white, too, as it is in a recording.
+    void DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear = false);
 
 private:
     Document& m_document;

@@ -582,4 +582,40 @@ TEST(KernelSelection, AnySetCanBeMadeActiveAndTheBestComesBack) {
     EXPECT_EQ(&Graphics::ActiveKernels(), best);
 }
 
+// A solid colour under an opacity mask and without coverage is drawn with the mask as its coverage.
+TEST(SwKernels, SolidUnderAMaskIsTheMaskedColour) {
+    std::mt19937 random(5);
+    for (int set = 0; set < 4; ++set) {
+        const Graphics::SwKernels* kernels = Graphics::KernelSet(set);
+        if (kernels == nullptr) {
+            continue;
+        }
+        for (int round = 0; round < 400; ++round) {
+            const uint32_t alpha = round % 4 == 0 ? 255 : random() % 256;
+            uint32_t solid = alpha << 24;
+            for (int shift = 0; shift < 24; shift += 8) {
+                solid |= random() % (alpha + 1) << shift;
+            }
+            uint8_t mask[256];
+            uint32_t masked[256], expected[256], drawn[256];
+            for (uint32_t i = 0; i < 256; ++i) {
+                mask[i] = static_cast<uint8_t>(i);
+                masked[i] = solid;
+                const uint32_t below = round % 3 == 0 ? 255 : random() % 256;
+                expected[i] = below << 24;
+                for (int shift = 0; shift < 24; shift += 8) {
+                    expected[i] |= random() % (below + 1) << shift;
+                }
+                drawn[i] = expected[i];
+            }
+            kernels->scaleColor(masked, mask, 256);
+            kernels->normalVarying(expected, masked, nullptr, 256);
+            kernels->normalSolid(drawn, solid, mask, 256);
+            for (uint32_t i = 0; i < 256; ++i) {
+                ASSERT_EQ(drawn[i], expected[i]) << kernels->name << ", mask " << i << ", colour " << solid;
+            }
+        }
+    }
+}
+
 } // namespace

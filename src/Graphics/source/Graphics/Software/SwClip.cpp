@@ -7,6 +7,42 @@
 #include "Kernels/SwKernels.h"
 
 namespace Graphics {
+namespace {
+
+/// The extents of a row, and in it the longest stretch of 255, the first of equals. Where it ends, stretches of pixels
+/// are cut, and sources that step along a stretch start anew: it is part of what a page looks like.
+struct LongestFull {
+    LongestFull(int32_t rowBegin, int32_t rowEnd) noexcept
+        : extents{rowBegin, rowEnd, rowBegin, rowBegin}, begin(rowBegin), end(rowBegin) {}
+
+    void Add(int32_t x0, int32_t x1) noexcept {
+        begin = x0 == end ? begin : x0;
+        end = x1;
+        if (end - begin > extents.fullEnd - extents.fullBegin) {
+            extents.fullBegin = begin;
+            extents.fullEnd = end;
+        }
+    }
+
+    void AddBytes(int32_t x0, int32_t x1, const uint8_t* values) noexcept {
+        for (int32_t x = x0; x < x1;) {
+            int32_t stop = x;
+            while (stop < x1 && values[stop - x0] == 255) {
+                ++stop;
+            }
+            if (stop > x) {
+                Add(x, stop);
+            }
+            x = stop + 1;
+        }
+    }
+
+    SwClipRow extents;
+    int32_t begin; ///< of the stretch that may go on
+    int32_t end;
+};
+
+} // namespace
 
 void SwClipRef::Drop() noexcept {
     if (m_clip != nullptr && --m_clip->m_references == 0) {
@@ -35,13 +71,17 @@ SwClip* SwClipPool::Take() {
 }
 
 void SwClipPool::Give(SwClip* clip) noexcept {
-    // A plane of a whole large page is not worth keeping for the next glyph-sized clip.
-    constexpr size_t kKeepBytes = 1U << 20;
-    if (clip->m_plane.capacity() > kKeepBytes) {
-        clip->m_plane = HeapArray<uint8_t>();
-    }
     clip->m_next = m_free;
     m_free = clip;
+}
+
+void SwClipPool::Trim() noexcept {
+    constexpr size_t kKeepBytes = 1U << 20;
+    for (SwClip* clip = m_free; clip != nullptr; clip = clip->m_next) {
+        if (clip->m_plane.capacity() > kKeepBytes) {
+            clip->m_plane = HeapArray<uint8_t>();
+        }
+    }
 }
 
 SwClipBuilder::SwClipBuilder(SwClipPool& pool, const SwClip* parent, const IntRect& visible)
@@ -72,26 +112,31 @@ void SwClipBuilder::Row(int32_t y, std::span<CoverageRun> runs) {
     uint8_t* plane = m_clip->m_plane.data() + static_cast<size_t>(y - m_visible.top) * m_clip->m_stride;
     const int32_t begin = runs.front().x0;
     int32_t end = begin;
+    LongestFull full(begin, runs.back().x1);
     for (const CoverageRun& run : runs) {
         std::memset(plane + (end - m_visible.left), 0, static_cast<size_t>(run.x0 - end));
         uint8_t* out = plane + (run.x0 - m_visible.left);
         const auto count = static_cast<size_t>(run.x1 - run.x0);
         if (run.shape != nullptr) {
             std::memcpy(out, run.shape, count);
+            full.AddBytes(run.x0, run.x1, run.shape);
         } else {
             std::memset(out, run.value, count);
+            if (run.value == 255) {
+                full.Add(run.x0, run.x1);
+            }
         }
         end = run.x1;
     }
-    FinishRow(y, begin, end);
+    FinishRow(y, full.extents);
 }
 
-void SwClipBuilder::FinishRow(int32_t y, int32_t begin, int32_t end) {
+void SwClipBuilder::FinishRow(int32_t y, SwClipRow extents) {
     uint8_t* plane = m_clip->m_plane.data() + static_cast<size_t>(y - m_visible.top) * m_clip->m_stride;
     if (m_parent != nullptr && m_parent->HasMask()) {
         const SwClipRow& parent = m_parent->Row(y);
-        begin = std::max(begin, parent.begin);
-        end = std::min(end, parent.end);
+        const int32_t begin = std::max(extents.begin, parent.begin);
+        const int32_t end = std::min(extents.end, parent.end);
         if (begin >= end) {
             return;
         }
@@ -104,24 +149,9 @@ void SwClipBuilder::FinishRow(int32_t y, int32_t begin, int32_t end) {
         };
         scale(begin, std::min(end, parent.fullBegin));
         scale(std::max(begin, parent.fullEnd), end);
-    }
-    // The longest run of 255.
-    const uint8_t* row = plane - m_visible.left;
-    SwClipRow extents{begin, end, begin, begin};
-    for (int32_t x = begin; x < end;) {
-        if (row[x] != 255) {
-            ++x;
-            continue;
-        }
-        int32_t stop = x + 1;
-        while (stop < end && row[stop] == 255) {
-            ++stop;
-        }
-        if (stop - x > extents.fullEnd - extents.fullBegin) {
-            extents.fullBegin = x;
-            extents.fullEnd = stop;
-        }
-        x = stop;
+        LongestFull full(begin, end);
+        full.AddBytes(begin, end, plane + (begin - m_visible.left));
+        extents = full.extents;
     }
     m_clip->m_rows[static_cast<size_t>(y - m_visible.top)] = extents;
 }

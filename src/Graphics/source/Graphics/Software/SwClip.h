@@ -88,6 +88,8 @@ public:
 
     [[nodiscard]] SwClip* Take();
     void Give(SwClip* clip) noexcept;
+    /// Drops the planes of released clips that are as large as a page: painting has ended.
+    void Trim() noexcept;
 
 private:
     SwClip* m_free = nullptr;
@@ -106,8 +108,8 @@ public:
 
 private:
     void StartMask();
-    /// Multiplies the parent's coverage into the finished row and finds the row's extents.
-    void FinishRow(int32_t y, int32_t begin, int32_t end);
+    /// Multiplies the parent's coverage into the finished row and notes the row's extents inside the parent's.
+    void FinishRow(int32_t y, SwClipRow extents);
 
     SwClip* m_clip;
     SwClipRef m_owner;

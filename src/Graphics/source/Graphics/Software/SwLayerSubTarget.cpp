@@ -153,6 +153,9 @@ void SwLayerSubTarget::MakeResult(const SwKernels& kernels) {
 void SwLayerSubTarget::Close() noexcept {
     m_states.clear();
     m_parent = nullptr;
+}
+
+void SwLayerSubTarget::Trim() noexcept {
     constexpr size_t kKeepPixels = 1U << 18;
     if (m_color.capacity() > kKeepPixels) {
         m_color = HeapArray<uint32_t>();

@@ -32,8 +32,10 @@ public:
     /// After MakeResult: the colours and the shape.
     [[nodiscard]] SwTargetPlanes Result() const noexcept { return m_planes; }
 
-    /// Drops states and large planes so that the object can wait for its next use.
+    /// Drops the states so that the object can wait for its next use; planes stay, the page's next group wants them.
     void Close() noexcept;
+    /// Drops large planes of a closed group: painting has ended.
+    void Trim() noexcept;
 
 private:
     void Reach(const IntRect& region);

@@ -33,8 +33,12 @@ void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y,
     for (int32_t x = x0; x < x1; x += kMaskChunk) {
         const int32_t stop = std::min(x1, x + kMaskChunk);
         const auto count = static_cast<size_t>(stop - x);
-        mask.source->Fill(x, stop, y, pixels);
-        kernels.maskValues[mask.type](values, pixels, count);
+        const uint32_t* row = mask.source->DirectRow(x, stop, y);
+        if (row == nullptr) {
+            mask.source->Fill(x, stop, y, pixels);
+            row = pixels;
+        }
+        kernels.maskValues[mask.type](values, row, count);
         use(x, static_cast<const uint8_t*>(values), count);
     }
 }
@@ -230,6 +234,13 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         } else {
             m_kernels.normalSolid(dst, m_solid, shape, count);
         }
+        return;
+    }
+    if (m_isSolid && shape == nullptr) {
+        // Without coverage the mask takes its place: both scale the source in the same way.
+        ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t n) {
+            m_kernels.normalSolid(dst + (x - x0), m_solid, values, n);
+        });
         return;
     }
     if (shape == nullptr && m_isOpaque && !m_hasOpacityMask) {

@@ -121,8 +121,12 @@ void SwRenderTarget::BeginPaint() {
 void SwRenderTarget::EndPaint() {
     const auto finish = [this]() noexcept {
         m_layers.clear();
+        for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
+            layer->Trim();
+        }
         m_clips.Forget();
         m_basic.Close();
+        m_clips.Pool().Trim();
         m_glyphs.reset();
         m_cached = SwState();
         m_painting = false;
