@@ -435,6 +435,24 @@ TEST_F(RasterizerTest, UprightRectanglesBecomeWholePixels) {
     EXPECT_EQ(is(1, 2, 9, 30000), snapped({Box(1, 2, 9, 30000)}));                     // not clipped
     EXPECT_EQ(none, snapped({Box(1, 2, 9, 8), Box(1, 12, 9, 18)}));
     EXPECT_EQ(none, snapped({{{1, 2}, {9, 2}, {9, 8}, {1.5F, 8}}}));
+
+    // Without the fill: the same, whichever corners are given.
+    std::mt19937 random(5);
+    for (int i = 0; i < 5000; ++i) {
+        const auto at = [&] { return static_cast<float>(static_cast<int>(random() % 12000) - 2000) / 128.0F; };
+        const Point a{at(), at()};
+        const Point b{random() % 4 == 0 ? a.x + 0.02F : at(), random() % 4 == 0 ? a.y + 0.1F : at()};
+        IntRect r{};
+        const bool found = Rasterizer::SnapRectangle({0, 0, 64, 64}, a, b, r);
+        GridSink sink(all);
+        m_rasterizer.Begin({0, 0, 64, 64}, all, true);
+        Feed(m_rasterizer, {{a, {b.x, a.y}, b, {a.x, b.y}}});
+        m_rasterizer.Finish(sink);
+        if (r.right > 0 && r.left < 64) { // beside the target a fill is dropped earlier
+            ASSERT_EQ(found, !sink.rectangles.empty());
+            ASSERT_TRUE(!found || r == sink.rectangles[0]) << a.x << ' ' << a.y << ' ' << b.x << ' ' << b.y;
+        }
+    }
 }
 
 TEST_F(RasterizerTest, SimpleShapesInPixels) {

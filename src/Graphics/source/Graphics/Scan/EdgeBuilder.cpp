@@ -251,11 +251,6 @@ bool EdgeBuilder::TwoUprightEdges(Edge (&out)[2]) const {
     return count == 2 && out[0].first == out[1].first && out[0].last == out[1].last;
 }
 
-bool EdgeBuilder::UprightRectangle(const Vertex& a, const Vertex& b, Edge (&out)[2]) const {
-    return SetUp({a.x, a.y}, {a.x, b.y}, m_clipFirst, m_clipLast, out[0]) &&
-           SetUp({b.x, b.y}, {b.x, a.y}, m_clipFirst, m_clipLast, out[1]);
-}
-
 void EdgeBuilder::Build(HeapArray<Edge>& out, int32_t first, int32_t last) const {
     out.clear();
     out.reserve(m_vertices.size());

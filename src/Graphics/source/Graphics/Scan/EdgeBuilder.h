@@ -79,8 +79,6 @@ public:
 
     /// True when the fill has exactly two edges, both vertical and of the same height: they are returned.
     [[nodiscard]] bool TwoUprightEdges(Edge (&out)[2]) const;
-    /// The two edges of the upright rectangle between opposite corners; false when it has no height.
-    [[nodiscard]] bool UprightRectangle(const Vertex& a, const Vertex& b, Edge (&out)[2]) const;
 
     /// Every edge inside the sub-scanlines [first, last).
     void Build(HeapArray<Edge>& out, int32_t first, int32_t last) const;

@@ -44,13 +44,21 @@ IntRect Snap(const Edge (&e)[2]) noexcept {
 
 } // namespace
 
-bool Rasterizer::SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out) {
-    m_builder.Begin(clipPixels);
-    Edge e[2];
-    if (!m_builder.UprightRectangle(ToVertex(a), ToVertex(b), e)) {
+bool Rasterizer::SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out) noexcept {
+    const Vertex from = ToVertex(a);
+    const Vertex to = ToVertex(b);
+    const int32_t clipFirst = ToVertex({clipPixels.left, clipPixels.top}).y >> 4;
+    const int32_t clipLast = (ToVertex({clipPixels.right, clipPixels.bottom}).y + 15) >> 4;
+    // What an edge's set-up comes to where x does not change.
+    const int32_t first = std::min(from.y, to.y) >> 4;
+    const int32_t last = std::max(from.y, to.y) >> 4;
+    if (first == last || first >= clipLast || last <= clipFirst) {
         return false;
     }
-    out = Snap(e);
+    const auto column = [](int32_t x) { return (x + ((x & 7) != 0 ? 7 : 0)) >> 4; };
+    const PixelRange x = Snap(column(std::min(from.x, to.x)), column(std::max(from.x, to.x)));
+    const PixelRange y = Snap(std::max(first, clipFirst), last);
+    out = {x.low, y.low, x.high, y.high};
     return true;
 }
 

@@ -48,9 +48,9 @@ public:
     void FinishSamples(SampleGrid& grid);
 
     /// The whole pixels that a fill of the upright rectangle between two opposite corners (finite, device pixels) would
-    /// send, without the fill: most rectangles of a page come this way. False when it has no height. Not between Begin
-    /// and Finish.
-    [[nodiscard]] bool SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out);
+    /// send, without the fill: most rectangles of a page come this way. False when it has no height.
+    [[nodiscard]] static bool SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b,
+                                            IntRect& out) noexcept;
 
     /// Another set of loops than the processor's best, for tests.
     void UseKernels(const BandKernels& kernels) noexcept { m_bands.UseKernels(kernels); }
