@@ -226,13 +226,14 @@ void SwBitmapSampler::FillPoints(int32_t x0, size_t count, int32_t y, uint32_t* 
     float nextV = s.m1 * x + s.m3 * static_cast<float>(y) + s.m5;
     float u[kPaintChunk];
     float v[kPaintChunk];
+    const bool clamp = s.tilingX == GXExtendClamp && s.tilingY == GXExtendClamp;
     const size_t edge = m_reader.Samples() ? kEdgeChunk : kPaintChunk;
     for (size_t done = 0; done < count;) {
         const size_t n = std::min(kPaintChunk, count - done);
         nextU = m_kernels.accumulate(nextU, s.m0, u, n);
         nextV = m_kernels.accumulate(nextV, s.m1, v, n);
         for (size_t k = 0; k < n;) {
-            k += m_reader.Sample(s.linear, u + k, v + k, n - k, out + done + k);
+            k += m_reader.Sample(s.linear, clamp, u + k, v + k, n - k, out + done + k);
             const size_t rest = std::min(edge, n - k);
             if (rest == 0) {
                 break;

@@ -48,7 +48,8 @@ struct SwPixelGrid {
     }
 };
 
-using SwSampleInside = size_t (*)(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out);
+using SwSampleInside = size_t (*)(const SwPixelGrid& grid, bool clamp, const float* u, const float* v, size_t count,
+                                  uint32_t* out);
 
 struct SwPaintKernels {
     const char* name;
@@ -83,7 +84,8 @@ struct SwPaintKernels {
     void (*points[kPixelLayoutCount])(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns,
                                       size_t count, uint32_t* out);
     /// By interpolation, 0 nearest, 1 bilinear: what indices, or taps, points and mix, give for these coordinates, as
-    /// far as every pixel that counts lies inside the image. Returns how many that were, from the first one on.
+    /// far as every pixel that counts lies inside the image, or further where both directions clamp (nearest). Returns
+    /// how many points were done, from the first one on.
     SwSampleInside sample[2][kPixelLayoutCount];
 };
 

@@ -74,11 +74,12 @@ void Points(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns
     });
 }
 
-/// Calls sample(coordinates, indices, byte offsets of the pixels, lanes, first) for blocks of points while every index
-/// lies below `endX` and `endY`; returns how many points that were.
-template <SwPixelLayout kLayout, class Sample>
-GX_INLINE inline size_t WhileInside(const SwPixelGrid& grid, int32_t endX, int32_t endY, const float* u, const float* v,
-                                    size_t count, Sample&& sample) noexcept {
+/// Calls sample(coordinates, indices, byte offsets of the pixels, lanes, first) for blocks of points whose indices lie
+/// below `endX` and `endY`, and border(coordinates, lanes, first) for others, which ends the row when it gives false.
+/// Returns how many points were done.
+template <SwPixelLayout kLayout, class Sample, class Border>
+GX_INLINE inline size_t SampleBlocks(const SwPixelGrid& grid, int32_t endX, int32_t endY, const float* u,
+                                     const float* v, size_t count, Sample&& sample, Border&& border) noexcept {
     if (endX <= 0 || endY <= 0 || !grid.IsNear()) {
         return 0;
     }
@@ -90,10 +91,11 @@ GX_INLINE inline size_t WhileInside(const SwPixelGrid& grid, int32_t endX, int32
         const auto y = Load<Floats>(v + k, lanes);
         const Ints i = IndexOf(x);
         const Ints j = IndexOf(y);
-        if (!All((Ints)((Words)i < static_cast<uint32_t>(endX)) & (Ints)((Words)j < static_cast<uint32_t>(endY)))) {
+        if (All((Ints)((Words)i < static_cast<uint32_t>(endX)) & (Ints)((Words)j < static_cast<uint32_t>(endY)))) {
+            sample(x, y, i, j, j * stride + i * kPixelBytes<kLayout>, lanes, k);
+        } else if (!border(Confine(x), Confine(y), lanes, k)) {
             break;
         }
-        sample(x, y, i, j, j * stride + i * kPixelBytes<kLayout>, lanes, k);
         k += lanes;
     }
     return k;
@@ -101,36 +103,47 @@ GX_INLINE inline size_t WhileInside(const SwPixelGrid& grid, int32_t endX, int32
 
 /// Of triples, the last of a row stays outside: its word would reach behind the image.
 template <SwPixelLayout kLayout>
-size_t Nearest(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out) {
-    const int32_t endX = grid.width - (kLayout == SwPixelLayout::Triples ? 1 : 0);
-    return WhileInside<kLayout>(grid, endX, grid.height, u, v, count,
-                                [&](Floats, Floats, Ints, Ints, Ints offsets, size_t lanes, size_t k) GX_INLINE {
-                                    const Words c = Understand<kLayout>(Gather(grid.pixels, offsets));
-                                    Store(out + k, Finish<kLayout>(c), lanes);
-                                });
+size_t Nearest(const SwPixelGrid& grid, bool clamp, const float* u, const float* v, size_t count, uint32_t* out) {
+    constexpr bool words = kLayout != SwPixelLayout::Triples;
+    const auto stride = static_cast<int32_t>(grid.strideBytes);
+    const auto put = [&](Ints offsets, size_t lanes, size_t k) GX_INLINE {
+        Store(out + k, Finish<kLayout>(Understand<kLayout>(Gather(grid.pixels, offsets))), lanes);
+    };
+    return SampleBlocks<kLayout>(
+        grid, grid.width - (words ? 0 : 1), grid.height, u, v, count,
+        [&](Floats, Floats, Ints, Ints, Ints offsets, size_t lanes, size_t k) GX_INLINE { put(offsets, lanes, k); },
+        [&](Floats x, Floats y, size_t lanes, size_t k) GX_INLINE {
+            if (words && clamp) {
+                const Ints i = ClampIndex(IndexOf(x), grid.width);
+                put(ClampIndex(IndexOf(y), grid.height) * stride + i * 4, lanes, k);
+            }
+            return words && clamp;
+        });
 }
 
-/// Two neighbours come in one read: of triples, the second starts in the first one's fourth byte.
+/// Clamping here, by four gathers, was slower than leaving the border to the general way, which is taken for few
+/// points. Two neighbours come in one read: of triples, the second starts in the first one's fourth byte.
 template <SwPixelLayout kLayout>
-size_t Bilinear(const SwPixelGrid& grid, const float* u, const float* v, size_t count, uint32_t* out) {
-    const int32_t endX = grid.width - (kLayout == SwPixelLayout::Triples ? 2 : 1);
+size_t Bilinear(const SwPixelGrid& grid, bool, const float* u, const float* v, size_t count, uint32_t* out) {
+    constexpr bool words = kLayout != SwPixelLayout::Triples;
     const auto read = [](const uint8_t* row, Ints offsets, Words across) GX_INLINE {
         Words a;
         Words b;
         GatherPairs(row, offsets, a, b);
-        if (kLayout == SwPixelLayout::Triples) {
+        if (!words) {
             b = a >> 24 | b << 8;
         }
         return Mix(Understand<kLayout>(a), Understand<kLayout>(b), across);
     };
-    return WhileInside<kLayout>(grid, endX, grid.height - 1, u, v, count,
-                                [&](Floats x, Floats y, Ints i, Ints j, Ints offsets, size_t lanes, size_t k)
-                                    GX_INLINE {
-                                        const Words across = WeightOf(x, i);
-                                        const Words top = read(grid.pixels, offsets, across);
-                                        const Words bottom = read(grid.pixels + grid.strideBytes, offsets, across);
-                                        Store(out + k, Finish<kLayout>(Mix(top, bottom, WeightOf(y, j))), lanes);
-                                    });
+    return SampleBlocks<kLayout>(
+        grid, grid.width - (words ? 1 : 2), grid.height - 1, u, v, count,
+        [&](Floats x, Floats y, Ints i, Ints j, Ints offsets, size_t lanes, size_t k) GX_INLINE {
+            const Words across = WeightOf(x, i);
+            const Words top = read(grid.pixels, offsets, across);
+            const Words bottom = read(grid.pixels + grid.strideBytes, offsets, across);
+            Store(out + k, Finish<kLayout>(Mix(top, bottom, WeightOf(y, j))), lanes);
+        },
+        [](Floats, Floats, size_t, size_t) GX_INLINE { return false; });
 }
 
 } // namespace

@@ -29,8 +29,8 @@ public:
     /// True when Sample may give anything.
     [[nodiscard]] bool Samples() const noexcept { return m_sample[0] != nullptr; }
     /// Samples, as far as they lie inside with their neighbours; returns how many. See SwPaintKernels.
-    size_t Sample(bool linear, const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-        return Samples() ? m_sample[linear ? 1 : 0](m_grid, u, v, count, out) : 0;
+    size_t Sample(bool linear, bool clamp, const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
+        return Samples() ? m_sample[linear ? 1 : 0](m_grid, clamp, u, v, count, out) : 0;
     }
 
     /// True when no word can have an alpha below 255.
