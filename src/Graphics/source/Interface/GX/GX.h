@@ -732,14 +732,19 @@ GX_API GXResult GXRegionEnumRects(GXRegion region, GXRegionRectProc proc, void* 
 
 /* Font faces */
 
-/** Makes a font face by its family name in UTF-16; an unknown name gives the platform's default. `flags` combines
- * GXFontBold and GXFontItalic; `size` is in points at 96 dots per inch. GXResultInvalidArgument when a pointer is
- * null; GXResultEngineError when the platform has no font to give. */
+/** Makes a font face by its family name in UTF-16; an unknown or empty name gives the platform's default. `flags`
+ * combines GXFontBold and GXFontItalic; other bits are ignored. `size` is in points at 96 dots per inch: the em is
+ * size * 96 / 72 pixels high, truncated to whole ones; for a negative size that is the height of a line, and what comes
+ * to 0 (NaN too) leaves the choice to the platform. A face may be used by several threads. GXResultInvalidArgument when
+ * a pointer is null; GXResultEngineError: "No font found" when the platform has no font to give, "Not enough memory";
+ * GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXCreateFontFace(const uint16_t* faceName, uint32_t flags, float size,
                                  GXFontFace* outFontFace) GX_NOEXCEPT;
 
-/** Measures UTF-16 text: the sum of the advance widths, then the face's size. GXResultInvalidArgument when an
- * argument is null. GXResultEngineError when a glyph cannot be read. */
+/** Measures UTF-16 text: the sum of the advance widths in pixels (whole ones, as FillText moves on), then the face's
+ * size as it was given. Every code unit counts as a glyph. GXResultInvalidArgument when an argument is null.
+ * GXResultEngineError: "Not enough memory"; GXResultUnexpectedError when the C++ allocator fails. `outSize` is written
+ * on success only. */
 GX_API GXResult GXFontFaceCalculateTextBound(GXFontFace fontFace, const uint16_t* text, float outSize[2]) GX_NOEXCEPT;
 
 /* Render targets: creation and queries */
@@ -872,7 +877,9 @@ GX_API GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) 
  * mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) GX_NOEXCEPT;
 
-/** Paints the inside of a glyph outline as GXRenderTargetFillText does, without snapping rectangles to pixels.
+/** Paints the inside of a glyph outline as GXRenderTargetFillText does, without snapping rectangles to pixels. A glyph
+ * of up to 64 pixels stands at the nearest multiple of 1/8 pixel, and its coverage is kept: a host draws text fast by
+ * keeping one geometry for each glyph of a font and placing it with the CTM.
  * GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "Unsupported soft
  * mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry,
@@ -975,8 +982,8 @@ GX_API GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRe
 GX_API GXResult GXRenderTargetInvertLine(GXRenderTarget renderTarget, const GXPoint* start,
                                          const GXPoint* end) GX_NOEXCEPT;
 
-/** Paints UTF-16 text with its baseline starting at the origin of user space; the matrix is as before afterwards,
- * also on failure. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun",
+/** Paints UTF-16 text, one glyph for each code unit, with its baseline starting at the origin of user space; each glyph
+ * moves the origin on by its advance, a whole number of user units. The matrix is as before afterwards, also on failure. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun",
  * "Unsupported soft mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillText(GXRenderTarget renderTarget, GXFontFace fontFace, const uint16_t* text,
                                        GXBrush brush) GX_NOEXCEPT;
