@@ -327,8 +327,8 @@ TEST(GlyphCache, MemoryIsBoundedAndEvictedGlyphsComeBackTheSame) {
         glyphs.push_back(RandomOutline(random, 40.0F));
     }
     size_t most = 0;
-    for (int round = 0; round < 3; ++round) {
-        for (int phase = 0; phase < 8; ++phase) {
+    for (int round = 0; round < 2; ++round) {
+        for (int phase = 0; phase < 5; ++phase) {
             for (size_t i = 0; i < glyphs.size(); ++i) {
                 const auto now = bytes(*glyphs[i], phase * 9 % 64);
                 const size_t at = static_cast<size_t>(phase) * glyphs.size() + i;

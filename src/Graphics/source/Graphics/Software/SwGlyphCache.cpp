@@ -152,7 +152,9 @@ void SwGlyphCache::Reserve(Half& half, size_t bytes) {
     if (needed > half.bytes.size()) {
         HeapArray<uint8_t> grown;
         grown.resize(std::min(std::max({needed, half.bytes.size() * 2, kFirstBytes}), kHalfBytes));
-        std::memcpy(grown.data(), half.bytes.data(), half.used);
+        if (half.used != 0) {
+            std::memcpy(grown.data(), half.bytes.data(), half.used);
+        }
         half.bytes = std::move(grown);
     }
     // At most half full: short searches.
