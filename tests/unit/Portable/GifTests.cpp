@@ -50,6 +50,8 @@ Bytes Make(int width, int height, const std::vector<uint32_t>& palette, const st
         EGifGCBToExtension(&control, block);
         EXPECT_EQ(EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, 4, block), GIF_OK);
         ColorMapObject* local = f.palette.empty() ? nullptr : Map(f.palette);
+        GifFreeMapObject(gif->Image.ColorMap); // giflib forgets the last frame's when this one has none
+        gif->Image.ColorMap = nullptr;
         EXPECT_EQ(EGifPutImageDesc(gif, f.left, f.top, f.width, f.height, f.interlaced, local), GIF_OK);
         GifFreeMapObject(local);
         Bytes rows = f.indices;
