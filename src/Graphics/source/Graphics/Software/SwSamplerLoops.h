@@ -16,8 +16,9 @@ GX_INLINE inline Floats Confine(Floats c) noexcept {
     return Select(c < -limit, -limit, c);
 }
 
-/// Truncated, and one less for every negative coordinate: -1.0 gives -2.
-GX_INLINE inline Ints IndexOf(Floats confined) noexcept { return Truncate(confined) + (confined < Floats{}); }
+/// Truncated, and one less for every negative coordinate: -1.0 gives -2. What was not confined and is too far, or NaN,
+/// gives at least 2^31 - 1 in unsigned numbers.
+GX_INLINE inline Ints IndexOf(Floats c) noexcept { return (Ints)((Words)Truncate(c) + (Words)(c < Floats{})); }
 
 /// The second neighbour's weight, 1 to 256, in both halves.
 GX_INLINE inline Words WeightOf(Floats at, Ints index) noexcept {
