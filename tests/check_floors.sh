@@ -18,7 +18,8 @@ wrong_arrows() {
         }
         function folder(path,    parts, count) {
             # What the back ends implement lies under them, whatever folder it is kept in.
-            if (path == "Graphics/Target/RenderTargetBase.h") return "the back-end interface"
+            if (path == "Graphics/Target/RenderTargetBase.h" || path == "Graphics/Target/HwRenderTargetFactory.h")
+                return "the back-end interface"
             count = split(path, parts, "/")
             if (parts[1] == "Interface") return "Interface"
             return count > 2 ? parts[2] : "ground"

@@ -54,7 +54,7 @@ TEST_F(HardwareTest, EveryShaderCompiles) {
         }
     }
     std::mt19937 random(3);
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 20; ++i) {
         D3D11ShaderKey key;
         static_cast<void>(key.Add(D3D11Fragment::T2D));
         for (size_t n = random() % 5; n > 0; --n) {

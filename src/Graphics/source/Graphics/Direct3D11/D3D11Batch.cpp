@@ -6,7 +6,8 @@
 namespace Graphics {
 namespace {
 
-constexpr uint32_t kIndexedQuads = 16384; // what 16-bit indices reach
+// What 16-bit indices reach without 0xFFFF, which some drivers take for the end of a strip.
+constexpr uint32_t kIndexedQuads = 16383;
 constexpr size_t kFirstCapacity = size_t{4096} * D3D11Mesh::kQuadVertices * sizeof(D3D11Vertex);
 constexpr size_t kMaxBoxes = 16;
 

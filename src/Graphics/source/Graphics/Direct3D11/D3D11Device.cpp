@@ -65,6 +65,11 @@ void D3D11Device::Check(HRESULT result, const char* function, const char* file, 
     Raise(function, file, line, "D3D11 error");
 }
 
+void D3D11Device::CheckRemoved() {
+    GX_D3D11_CHECK(*this, "D3D11Device::CheckRemoved",
+                   FAILED(m_device->GetDeviceRemovedReason()) ? DXGI_ERROR_DEVICE_REMOVED : S_OK);
+}
+
 void D3D11Device::CreateDevice() {
     static constexpr D3D_FEATURE_LEVEL kLevels[] = {
         D3D_FEATURE_LEVEL_11_1, D3D_FEATURE_LEVEL_11_0, D3D_FEATURE_LEVEL_10_1, D3D_FEATURE_LEVEL_10_0,

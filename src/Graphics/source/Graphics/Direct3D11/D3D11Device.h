@@ -43,6 +43,8 @@ public:
     /// Repeated and mirrored textures of any size.
     [[nodiscard]] bool TilesAnySize() const noexcept { return m_level >= D3D_FEATURE_LEVEL_10_0; }
     [[nodiscard]] bool IsLost() const noexcept { return m_lost; }
+    /// Finds out about a loss before anything is drawn.
+    void CheckRemoved();
     /// The next call that is checked finds the device removed, as after a fault of the driver.
     void LoseForTest() noexcept { m_loseNext = true; }
     [[nodiscard]] ID3D11Device* Get() const noexcept { return m_device.get(); }

@@ -135,6 +135,7 @@ void D3D11RenderTarget::FollowDevice() {
 
 void D3D11RenderTarget::BeginPaint() {
     Run(true, [&] {
+        m_context->Device().CheckRemoved();
         std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
         m_area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
         m_basic.Open(std::move(color), m_area, m_cached);

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Makes the hardware targets of one thread; they share the factory's device.
+#pragma once
+
+#include "../Target/HwRenderTargetFactory.h"
+#include "D3D11Context.h"
+
+namespace Graphics {
+
+class D3D11RenderTargetFactory final : public HwRenderTargetFactory {
+public:
+    /// Raises an engine error where there is no device that serves, or no shader compiler.
+    D3D11RenderTargetFactory();
+
+    [[nodiscard]] std::unique_ptr<RenderTargetBase> CreateWindowTarget(void* window) override;
+    [[nodiscard]] const std::shared_ptr<D3D11Context>& Context() const noexcept { return m_context; }
+
+private:
+    std::shared_ptr<D3D11Context> m_context;
+};
+
+} // namespace Graphics
