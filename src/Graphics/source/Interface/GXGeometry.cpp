@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The geometry family of the C interface.
+#include "Boolean/Boolean.h"
 #include "Boolean/HitTester.h"
 #include "Geometry/Figures.h"
 #include "Geometry/Geometry.h"
@@ -162,11 +163,14 @@ GXResult GXGeometryWiden(GXGeometry geometry, float width, const GXStrokeStyle* 
 }
 
 GXResult GXGeometryCombine(GXGeometry a, GXGeometry b, uint32_t mode, float tolerance, GXGeometry* out) GX_NOEXCEPT {
-    static_cast<void>(tolerance);
     if (AnyNull(a, b) || AnyNull(out) || mode > GXCombineDifference) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Geometry::Combine", "Not implemented");
+    return Create(out, [&] {
+        auto result = std::make_shared<Geometry>();
+        Boolean::Combine(a->object->GetShape(), b->object->GetShape(), mode, tolerance, result->GetShape());
+        return result;
+    });
 }
 
 GXResult GXGeometryHitTest(GXGeometry geometry, const GXPoint* point, const GXMatrix* matrix, float tolerance,

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Follows the borders that the scanner has linked and writes them as closed figures: simple ones, without points in the
+// middle of a straight run, outlines the way a rectangle runs and holes the other way.
+#pragma once
+
+#include "../Geometry/Shape.h"
+#include "PointGrid.h"
+#include "Scanner.h"
+
+namespace Graphics {
+
+class ContourTracer {
+public:
+    ContourTracer(const PointGrid& grid, Shape& out) noexcept : m_grid(grid), m_out(out) {}
+
+    /// Uses up the links.
+    void Trace(Scanner& scanner);
+
+private:
+    void Follow(HeapArray<GridEdge>& edges, uint32_t first);
+    void CloseLoop(size_t from, HeapArray<GridEdge>& edges);
+    void Write();
+    [[nodiscard]] Point UserPoint(size_t i) const noexcept;
+
+    static constexpr uint32_t kNone = GridEdge::kNone;
+
+    const PointGrid& m_grid;
+    Shape& m_out;
+    bool m_transposed = false;
+    HeapArray<uint32_t> m_path;    // edges since the start, less the loops that were closed
+    HeapArray<uint32_t> m_visited; // for each junction where the path has it
+    HeapArray<GridPoint> m_loop;
+};
+
+} // namespace Graphics

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// An edge of the plane's subdivision while a sweep works on it: 64 bytes, one cache line.
+//
+//   hi   o              Sweeping goes from lo to hi, by rows and inside a row from left to right, so `left` of an edge
+//         \             means smaller x. A level edge runs from left to right and has the area of smaller y at its
+//         right
+//   left   \   right    ... of larger y at its left.
+//           \           Crossing the edge from left to right adds `a` and `b` to the winding numbers of the operands.
+//   lo       o
+#pragma once
+
+#include "GridPoint.h"
+
+namespace Graphics {
+
+struct GridEdge {
+    static constexpr uint32_t kNone = 0xFFFFFFFFU;
+
+    enum class Border : uint8_t { None, InsideLeft, InsideRight };
+
+    GridPoint lo{}, hi{};
+    int32_t a = 0, b = 0;
+    uint32_t line = kNone;         // the input edge that this one is a piece of
+    uint32_t continuation = kNone; // the piece from hi on, once the edge was cut
+    int32_t leftA = 0, leftB = 0;  // winding numbers at the left
+    uint32_t block = kNone;        // where the status keeps it
+    uint32_t next = kNone;         // the border's next edge, as seen with the inside at the same hand throughout
+    uint32_t junction = kNone;     // number of the point where this border edge begins, if several borders meet there
+    Border border = Border::None;
+
+    [[nodiscard]] bool Weightless() const noexcept { return a == 0 && b == 0; }
+    [[nodiscard]] int64_t SideOf(const GridPoint& p) const noexcept { return Side(lo, hi, p); }
+};
+
+} // namespace Graphics

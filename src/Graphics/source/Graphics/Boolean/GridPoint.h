@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// Points of the integer grid on which areas are combined, the order in which a sweep meets them, and the exact
+// questions asked of them. Coordinates stay within +-2^24: a float holds them exactly, differences have 26 bits, and
+// the cross product of two differences fits 64 bits with room to spare.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace Graphics {
+
+struct GridPoint {
+    int32_t x, y;
+};
+
+[[nodiscard]] constexpr bool operator==(const GridPoint& a, const GridPoint& b) noexcept {
+    return a.x == b.x && a.y == b.y;
+}
+
+inline constexpr int32_t kGridLimit = 1 << 24;
+
+/// Rows from small to large y, inside a row from small to large x: the sweep's order, as one number of 52 bits.
+[[nodiscard]] constexpr uint64_t SweepKey(const GridPoint& p) noexcept {
+    constexpr int32_t kBias = 1 << 25;
+    return static_cast<uint64_t>(p.y + kBias) << 26 | static_cast<uint64_t>(p.x + kBias);
+}
+
+[[nodiscard]] constexpr bool Before(const GridPoint& a, const GridPoint& b) noexcept {
+    return a.y != b.y ? a.y < b.y : a.x < b.x;
+}
+
+/// (a - o) x (b - o).
+[[nodiscard]] constexpr int64_t Cross(const GridPoint& o, const GridPoint& a, const GridPoint& b) noexcept {
+    return static_cast<int64_t>(a.x - o.x) * (b.y - o.y) - static_cast<int64_t>(a.y - o.y) * (b.x - o.x);
+}
+
+/// Where p lies as seen from the line lo -> hi, lo before hi: positive right (larger x), negative left, 0 on the line.
+[[nodiscard]] constexpr int64_t Side(const GridPoint& lo, const GridPoint& hi, const GridPoint& p) noexcept {
+    return Cross(lo, p, hi);
+}
+
+/// Where two lines, each given by two points, meet: along x and y the integer nearest to the exact value (halves up)
+/// and the smallest integer not below it.
+class LineCrossing {
+public:
+    /// No value for parallel lines and for crossings outside of the first line's points.
+    [[nodiscard]] static std::optional<LineCrossing> Of(const GridPoint& a0, const GridPoint& a1, const GridPoint& b0,
+                                                        const GridPoint& b1) noexcept;
+
+    [[nodiscard]] GridPoint Nearest() const noexcept { return {m_from.x + Nearest(m_dx), m_from.y + Nearest(m_dy)}; }
+    [[nodiscard]] int32_t CeilingX() const noexcept { return m_from.x + Ceiling(m_dx); }
+    [[nodiscard]] int32_t CeilingY() const noexcept { return m_from.y + Ceiling(m_dy); }
+
+private:
+    LineCrossing(const GridPoint& from, int32_t dx, int32_t dy, int64_t part, int64_t whole) noexcept
+        : m_from(from), m_dx(dx), m_dy(dy), m_part(part), m_whole(whole) {}
+
+    [[nodiscard]] int32_t Nearest(int32_t delta) const noexcept;
+    [[nodiscard]] int32_t Ceiling(int32_t delta) const noexcept;
+
+    // The crossing is from + (dx, dy) * part / whole, 0 <= part <= whole.
+    GridPoint m_from;
+    int32_t m_dx, m_dy;
+    int64_t m_part, m_whole;
+};
+
+} // namespace Graphics

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// The map between user space and the integer grid: a power of two, so that going back is exact, and as fine as the
+// floats allow near the largest coordinate.
+#pragma once
+
+#include "../Types.h"
+#include "GridPoint.h"
+
+namespace Graphics {
+
+class PointGrid {
+public:
+    /// `most` is the largest absolute coordinate, finite.
+    explicit PointGrid(double most) noexcept {
+        // most * scale < 2^24 - 8, which leaves room for a margin; and no unit below the smallest float.
+        int exponent = 0;
+        static_cast<void>(std::frexp(most, &exponent)); // most < 2^exponent
+        int shift = 24 - exponent;
+        if (std::ldexp(most, shift) > kGridLimit - 8) {
+            shift -= 1;
+        }
+        shift = most > 0 && shift < 149 ? shift : 149;
+        m_scale = std::ldexp(1.0, shift);
+        m_unit = std::ldexp(1.0, -shift);
+    }
+
+    /// The size of a grid cell in user units.
+    [[nodiscard]] double Unit() const noexcept { return m_unit; }
+    /// The nearest grid point; p lies within the grid.
+    [[nodiscard]] GridPoint ToGrid(double x, double y) const noexcept { return {Round(x), Round(y)}; }
+    /// Exact.
+    [[nodiscard]] Point ToUser(const GridPoint& p) const noexcept {
+        return {static_cast<float>(p.x * m_unit), static_cast<float>(p.y * m_unit)};
+    }
+
+private:
+    [[nodiscard]] int32_t Round(double v) const noexcept {
+        constexpr double kMagic = 6755399441055744.0; // 1.5 * 2^52: a sum with it has no fraction
+        return static_cast<int32_t>(v * m_scale + kMagic - kMagic);
+    }
+
+    double m_scale, m_unit;
+};
+
+} // namespace Graphics

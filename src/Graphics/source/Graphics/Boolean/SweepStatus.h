@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// The edges that the sweep line crosses, from left to right, in blocks of up to 64: an edge knows its block, a block
+// its neighbours, and a sorted directory of blocks makes searching logarithmic. Neighbours lie side by side in memory,
+// and replacing an edge by the one that continues it, the most frequent step by far, moves nothing.
+#pragma once
+
+#include "../ProcessHeap.h"
+#include "GridEdge.h"
+
+namespace Graphics {
+
+class SweepStatus {
+public:
+    /// A place between edges: before the edge `index` of a block, or behind the block's last one.
+    struct Place {
+        uint32_t block, index;
+    };
+    static constexpr uint32_t kNone = GridEdge::kNone;
+
+    explicit SweepStatus(HeapArray<GridEdge>& edges) noexcept : m_edges(edges) {}
+
+    void Clear();
+
+    /// The place before an edge that the status holds.
+    [[nodiscard]] Place Find(uint32_t edge) const noexcept;
+    /// The place before the first edge that p is not right of. `steps` grows by the comparisons made.
+    [[nodiscard]] Place Search(const GridPoint& p, uint64_t& steps) const noexcept;
+    /// The edges at both sides of a place; kNone at the ends.
+    [[nodiscard]] uint32_t LeftOf(const Place& place) const noexcept;
+    [[nodiscard]] uint32_t RightOf(const Place& place) const noexcept;
+    /// The place one edge further left; there must be one.
+    [[nodiscard]] Place StepLeft(const Place& place) const noexcept;
+
+    /// Puts an edge in and gives the place behind it.
+    Place Insert(const Place& place, uint32_t edge);
+    /// Takes out the edge right of a place and gives the place that is left.
+    Place Erase(const Place& place) noexcept;
+    /// Puts `edge` where the one right of the place is now.
+    void Replace(const Place& place, uint32_t edge) noexcept;
+
+private:
+    static constexpr uint32_t kCapacity = 64;
+
+    struct Block {
+        uint32_t count, order; // order: the block's index in the directory
+        uint32_t edges[kCapacity];
+    };
+
+    [[nodiscard]] uint32_t Neighbour(uint32_t block, int step) const noexcept {
+        return m_directory[m_blocks[block].order + static_cast<uint32_t>(step)];
+    }
+    uint32_t NewBlock(uint32_t order);
+    void Renumber(size_t from) noexcept;
+
+    HeapArray<GridEdge>& m_edges;
+    HeapArray<Block> m_blocks;
+    HeapArray<uint32_t> m_directory; // blocks from left to right; none is empty but the last one left
+    HeapArray<uint32_t> m_spare;
+};
+
+} // namespace Graphics
