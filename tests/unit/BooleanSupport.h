@@ -123,9 +123,11 @@ inline std::string Faults(const Shape& shape) {
             out << "point used twice; ";
         }
     }
-    const std::vector<Segment> s = SegmentsOf(shape);
+    std::vector<Segment> s = SegmentsOf(shape);
+    const auto least = [](const Segment& t) { return std::min(t.a.x, t.b.x); };
+    std::sort(s.begin(), s.end(), [&](const Segment& t, const Segment& u) { return least(t) < least(u); });
     for (size_t i = 0; i < s.size(); ++i) {
-        for (size_t k = 0; k < i; ++k) {
+        for (size_t k = i + 1; k < s.size() && least(s[k]) <= std::max(s[i].a.x, s[i].b.x); ++k) {
             if (const char* conflict = Conflict(s[i], s[k])) {
                 out << conflict << ": " << s[i].a.x << ' ' << s[i].a.y << ' ' << s[i].b.x << ' ' << s[i].b.y << " / "
                     << s[k].a.x << ' ' << s[k].a.y << ' ' << s[k].b.x << ' ' << s[k].b.y << "; ";

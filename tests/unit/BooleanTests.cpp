@@ -229,7 +229,7 @@ TEST(Boolean, RandomPairsAreWhatTheirWindingNumbersSay) {
     const char* wanted = std::getenv("GX_BOOLEAN_PAIRS");
     const char* only = std::getenv("GX_BOOLEAN_SEED");
     const uint32_t first = only != nullptr ? static_cast<uint32_t>(std::atoi(only)) : 1;
-    const uint32_t count = only != nullptr ? 1 : wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : 3600;
+    const uint32_t count = only != nullptr ? 1 : wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : 700;
     for (uint32_t seed = first; seed < first + count; ++seed) {
         Maker maker(seed);
         const int kind = static_cast<int>(seed) % Maker::kKinds;
@@ -243,6 +243,204 @@ TEST(Boolean, RandomPairsAreWhatTheirWindingNumbersSay) {
             FAIL() << "GX_BOOLEAN_SEED=" << seed << "\nA: " << Text(a.lines) << "\nB: " << Text(b.lines);
         }
     }
+}
+
+Ring Box(float l, float t, float r, float b) { return {{l, t}, {r, t}, {r, b}, {l, b}}; }
+
+/// The work of the sweep, of rings on whole coordinates, all of one operand.
+Scanner::Counts WorkOf(const std::vector<Ring>& rings, double most) {
+    const PointGrid grid(most);
+    Scanner scanner(WindingTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleNonZero));
+    EdgeCollector collector(scanner, grid, {-most, -most, most, most}, 0.25F, false);
+    Shape shape;
+    for (const Ring& ring : rings) {
+        AddRing(shape, ring);
+    }
+    shape.Replay(collector);
+    scanner.Run();
+    return scanner.Work();
+}
+
+TEST(Boolean, WorkGrowsWithEdgesAndCrossingsOnly) {
+    constexpr int kMany = 20000;
+    const auto expectLinear = [](const Scanner::Counts& work, double edges, double factor) {
+        EXPECT_LE(work.sweeps, 4U);
+        EXPECT_LE(static_cast<double>(work.points), factor * edges);
+        EXPECT_LE(static_cast<double>(work.cuts), factor * edges);
+        EXPECT_LE(static_cast<double>(work.comparisons), factor * edges * std::log2(edges));
+    };
+    std::mt19937 random(3);
+    const auto whole = [&](int n) { return static_cast<float>(random() % static_cast<uint32_t>(n)); };
+
+    // Every spoke passes through the middle: 20000 edges cross there, two hundred million pairs.
+    Ring spokes;
+    for (int i = 0; i < kMany; ++i) {
+        const float angle = 3.1415926F * static_cast<float>(i) / kMany;
+        const Point p{std::round(4e6F * std::cos(angle)), std::round(4e6F * std::sin(angle))};
+        const Point q{-p.x, -p.y};
+        spokes.push_back(i % 2 != 0 ? q : p);
+        spokes.push_back(i % 2 != 0 ? p : q);
+    }
+    expectLinear(WorkOf({spokes}, 8388608), 2 * kMany, 8);
+
+    // Boxes inside each other on one base line: all pairs of bases overlap.
+    std::vector<Ring> nested;
+    for (int i = 0; i < kMany; ++i) {
+        const auto d = static_cast<float>(i);
+        nested.push_back(Box(d, 0, 100000 - d, 50000 - d));
+    }
+    expectLinear(WorkOf(nested, 131072), 4 * kMany, 4);
+
+    // The teeth of a comb, slanted: their boxes overlap, they do not touch.
+    Ring comb;
+    for (int i = 0; i < kMany; ++i) {
+        comb.push_back({static_cast<float>(i * 10), 0});
+        comb.push_back({static_cast<float>(i * 10 + 300005), 1000000});
+    }
+    comb.push_back({kMany * 10, -1});
+    expectLinear(WorkOf({comb}, 1048576), 2 * kMany, 4);
+
+    // 100000 edges of small boxes, each meeting a few others.
+    std::vector<Ring> confetti;
+    for (int i = 0; i < 25000; ++i) {
+        const float x = whole(100000), y = whole(100000);
+        confetti.push_back({{x, y}, {x + whole(900), y + whole(50)}, {x + whole(900), y + whole(900)}, {x, y + 400}});
+    }
+    expectLinear(WorkOf(confetti, 131072), 100000, 10);
+}
+
+TEST(Boolean, CombsMakeEverySquareOfAGrid) {
+    constexpr int kTeeth = 60;
+    Shape across, down;
+    for (int i = 0; i < kTeeth; ++i) {
+        const auto at = static_cast<float>(3 * i + 1);
+        AddRing(across, Box(0, at, 3 * kTeeth, at + 1));
+        AddRing(down, Box(at, 0, at + 1, 3 * kTeeth));
+    }
+    Shape squares, holes, both;
+    Boolean::Combine(across, down, GXCombineIntersection, 0, squares);
+    EXPECT_EQ(squares.Figures().size(), static_cast<size_t>(kTeeth * kTeeth));
+    EXPECT_EQ(AreaOf(squares), kTeeth * kTeeth);
+    Boolean::Combine(across, down, GXCombineUnion, 0, holes);
+    EXPECT_EQ(holes.Figures().size(), static_cast<size_t>((kTeeth - 1) * (kTeeth - 1) + 1));
+    // Corners touch everywhere, and still every figure is simple.
+    Boolean::Combine(across, down, GXCombineExclusiveOr, 0, both);
+    EXPECT_EQ(AreaOf(both), AreaOf(holes) - AreaOf(squares));
+    Shape small, some;
+    AddRing(small, Box(0, 0, 20, 20));
+    Boolean::Combine(both, small, GXCombineIntersection, 0, some);
+    EXPECT_EQ(Faults(some), "");
+}
+
+TEST(Boolean, CoincidentAndEmptyOperands) {
+    Operand star;
+    Maker maker(11);
+    maker.Make(5, star);
+    maker.Make(3, star);
+    const Shape& s = star.shape;
+    Shape box, same, inner, nothing, result[8];
+    AddRing(box, Box(10, 10, 20, 30));
+    AddRing(same, Box(20, 30, 10, 10)); // from the other corner
+    AddRing(inner, Box(10, 10, 20, 20));
+    Boolean::Combine(s, s, GXCombineExclusiveOr, 0.1F, result[0]);
+    EXPECT_TRUE(result[0].Empty());
+    Boolean::Combine(box, same, GXCombineDifference, 0, result[1]);
+    EXPECT_TRUE(result[1].Empty());
+    Boolean::Combine(box, same, GXCombineUnion, 0, result[2]);
+    ASSERT_EQ(result[2].Figures().size(), 1U);
+    EXPECT_EQ(result[2].Figures()[0].Points().size(), 4U);
+    EXPECT_EQ(AreaOf(result[2]), 200);
+    Boolean::Combine(box, inner, GXCombineDifference, 0, result[3]);
+    EXPECT_EQ(AreaOf(result[3]), 100);
+    EXPECT_EQ(result[3].Figures()[0].Points().size(), 4U);
+    Boolean::Combine(nothing, box, GXCombineDifference, 0, result[4]);
+    Boolean::Combine(nothing, box, GXCombineIntersection, 0, result[5]);
+    EXPECT_TRUE(result[4].Empty() && result[5].Empty());
+    Boolean::Combine(nothing, box, GXCombineUnion, 0, result[6]);
+    EXPECT_EQ(AreaOf(result[6]), 200);
+    Shape flat;
+    AddRing(flat, {{0, 0}, {50, 50}, {100, 100}, {20, 20}});
+    Boolean::Combine(flat, box, GXCombineUnion, 0, result[7]);
+    EXPECT_EQ(AreaOf(result[7]), 200);
+    EXPECT_EQ(result[7].Figures().size(), 1U);
+}
+
+TEST(Boolean, ExtremeCoordinates) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity(), kMost = std::numeric_limits<float>::max();
+    Shape broken, fine, vast, tiny;
+    AddRing(broken, {{0, 0}, {kInfinity, 5}, {10, 10}});
+    AddRing(broken, {{0, 0}, {std::nanf(""), 5}, {10, 10}});
+    AddRing(broken, Box(0, 0, 10, 10));
+    AddRing(fine, Box(0.125F, 0.25F, 3.000001F, 4));
+    AddRing(vast, Box(-kMost, -kMost, kMost, kMost));
+    Shape result[5];
+    Boolean::Combine(broken, fine, GXCombineIntersection, 0, result[0]);
+    // What is far away neither coarsens an intersection nor a difference from something near.
+    Boolean::Combine(vast, fine, GXCombineIntersection, 0, result[1]);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_NEAR(AreaOf(result[i]), AreaOf(fine), 1e-6);
+        EXPECT_EQ(Faults(result[i]), "");
+    }
+    Boolean::Combine(fine, vast, GXCombineDifference, 0, result[2]);
+    EXPECT_TRUE(result[2].Empty());
+    Boolean::Combine(vast, fine, GXCombineUnion, 0, result[3]);
+    ASSERT_EQ(result[3].Figures().size(), 1U);
+    EXPECT_GT(result[3].ControlBox().right, 0.999F * kMost);
+    const float unit = std::numeric_limits<float>::denorm_min();
+    AddRing(tiny, Box(0, 0, 3 * unit, 2 * unit));
+    Boolean::Combine(tiny, tiny, GXCombineUnion, 0, result[4]);
+    EXPECT_TRUE(result[4].Figures().size() == 1 && result[4].ControlBox().right == 3 * unit);
+
+    Shape curves; // a curve to the ends of the float range and back: little work, and no more than its box
+    curves.BeginFigure({0, 0});
+    curves.CubicTo({kMost, kMost}, {-kMost, kMost}, {10, 0});
+    curves.EndFigureClose();
+    for (const uint32_t mode : kModes) {
+        Shape out;
+        Boolean::Combine(curves, fine, mode, 1e-20F, out);
+        EXPECT_EQ(Faults(out), "") << mode;
+    }
+}
+
+TEST(Boolean, CurvesKeepToTheTolerance) {
+    Shape disc, nothing;
+    AddEllipse(disc, {-100, -100, 100, 100});
+    for (const float tolerance : {0.001F, 0.01F, 0.25F, 2.0F, -1.0F, std::nanf("")}) {
+        Shape out;
+        Boolean::Combine(disc, nothing, GXCombineUnion, tolerance, out);
+        ASSERT_EQ(out.Figures().size(), 1U);
+        const double allowed = tolerance > 0 ? tolerance : 0.25;
+        for (const Segment& s : SegmentsOf(out)) {
+            EXPECT_NEAR(std::hypot((s.a.x + s.b.x) / 2.0, (s.a.y + s.b.y) / 2.0), 100, 1.2 * allowed + 0.03)
+                << tolerance;
+        }
+    }
+}
+
+TEST(Boolean, EveryRefusedAllocationIsAnError) {
+    Operand a, b;
+    Maker maker(7);
+    maker.Make(5, a);
+    maker.Make(4, b);
+    Shape expected;
+    Boolean::Combine(a.shape, b.shape, GXCombineUnion, 0.01F, expected);
+    bool passed = false;
+    for (int64_t n = 0; !passed && n < 5000; ++n) {
+        Shape out;
+        ProcessHeap::FailAfter(n);
+        try {
+            Boolean::Combine(a.shape, b.shape, GXCombineUnion, 0.01F, out);
+            passed = true;
+        } catch (const Exception& e) {
+            EXPECT_STREQ(e.what(), "Not enough memory");
+        }
+        ProcessHeap::FailAfter(-1);
+        if (passed) {
+            EXPECT_TRUE(out.Equals(expected));
+            EXPECT_GT(n, 10);
+        }
+    }
+    EXPECT_TRUE(passed);
 }
 
 } // namespace

@@ -48,9 +48,22 @@ void Scanner::Run() {
     }
 }
 
+/// Once a sweep has kept its order, what it takes for the border is closed and wrong by bends at most, that is, about a
+/// unit: the next sweep needs the border alone. Edges inside of the area, often the bulk, are dropped.
+void Scanner::KeepBorders() {
+    for (GridEdge& edge : m_edges) {
+        edge.a = edge.border == GridEdge::Border::None ? 0 : edge.border == GridEdge::Border::InsideLeft ? 1 : -1;
+        edge.b = 0;
+    }
+    m_test = WindingTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleNonZero);
+}
+
 /// Leaves out what has no weight, forgets what the sweep before found out and exchanges x and y: edges along the sweep
 /// line, which end before the points are seen that they pass closely, lie across it the next time.
 void Scanner::Prepare() {
+    if (m_ordered) {
+        KeepBorders();
+    }
     const auto flip = [](GridPoint& p) { std::swap(p.x, p.y); };
     for (Line& line : m_lines) {
         flip(line.from);
@@ -81,6 +94,7 @@ void Scanner::Prepare() {
 
 void Scanner::Sweep() {
     m_bent = false;
+    m_ordered = true;
     m_junctions = 0;
     m_counts.sweeps += 1;
     m_status.Clear();
@@ -101,6 +115,8 @@ void Scanner::ProcessPoint() {
     WindStarts(left);
     if (!m_bent) {
         LinkBorders(left);
+    } else {
+        m_ordered = m_ordered && BordersContinue();
     }
     for (const uint32_t start : m_starts) {
         place = m_status.Insert(place, start);
@@ -186,6 +202,7 @@ void Scanner::TakeOutStragglers(Place& place) {
         }
     }
     if (found) {
+        m_ordered = false;
         place = right != kNone && m_edges[right].block != kNone ? m_status.Find(right)
                                                                 : m_status.Search(m_point, m_counts.comparisons);
     }
@@ -196,11 +213,16 @@ void Scanner::SortStarts() {
     if (m_starts.size() < 2) {
         return;
     }
-    std::sort(m_starts.begin(), m_starts.end(), [&](uint32_t i, uint32_t k) {
+    const auto before = [&](uint32_t i, uint32_t k) {
         const GridEdge &e = m_edges[i], &f = m_edges[k];
         const int64_t turn = Cross(m_point, e.hi, f.hi);
         return turn != 0 ? turn < 0 : e.hi == f.hi ? i < k : Before(e.hi, f.hi);
-    });
+    };
+    if (m_starts.size() > 2) {
+        std::sort(m_starts.begin(), m_starts.end(), before);
+    } else if (before(m_starts[1], m_starts[0])) {
+        std::swap(m_starts[0], m_starts[1]);
+    }
 }
 
 /// Edges h1, h2 ... of one direction become pieces that follow each other:
@@ -258,6 +280,19 @@ void Scanner::WindStarts(uint32_t left) {
                                          : GridEdge::Border::InsideRight;
         inside = insideRight;
     }
+}
+
+/// Whether as many borders lead to the point as away from it.
+bool Scanner::BordersContinue() const noexcept {
+    const auto sum = [&](const HeapArray<uint32_t>& list) {
+        int64_t up = 0;
+        for (const uint32_t e : list) {
+            const GridEdge::Border border = m_edges[e].border;
+            up += border == GridEdge::Border::None ? 0 : border == GridEdge::Border::InsideLeft ? 1 : -1;
+        }
+        return up;
+    };
+    return sum(m_ends) == sum(m_starts);
 }
 
 /// Links the borders that end and start at the point. Seen in a circle, the areas between them are in and out by turns;
@@ -347,6 +382,8 @@ void Scanner::CutNeighbours(uint32_t left, uint32_t right) {
     const int64_t begin = Before(e.lo, f.lo) ? -SideOf(left, f.lo) : SideOf(right, e.lo);
     if (begin < 0) {
         CutCrossing(left, right);
+    } else {
+        m_ordered = false;
     }
 }
 
@@ -390,6 +427,7 @@ bool Scanner::CutLater(uint32_t edge, const GridPoint& at) {
         return false;
     }
     m_later.push_back({edge, at});
+    m_ordered = false;
     Bend(true);
     return true;
 }
@@ -418,6 +456,7 @@ void Scanner::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
         }
         const uint32_t piece = Cut(edges[i], at);
         if (Before(end, at)) {
+            m_ordered = false;
             m_queue.Add(end, kNone, kNone, piece, kNone);
             m_queue.Add(at, piece, kNone, kNone, kNone);
         } else {

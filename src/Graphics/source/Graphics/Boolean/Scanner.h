@@ -60,6 +60,8 @@ private:
     };
 
     void Prepare();
+    void KeepBorders();
+    [[nodiscard]] bool BordersContinue() const noexcept;
     void Sweep();
     void ProcessPoint();
     [[nodiscard]] Place TakeOutEnds();
@@ -90,7 +92,7 @@ private:
         return m_edges[edge].SideOf(p);
     }
 
-    const WindingTest m_test;
+    WindingTest m_test;
     HeapArray<GridEdge> m_edges;
     HeapArray<Line> m_lines; // the input
     SweepStatus m_status;
@@ -100,8 +102,9 @@ private:
     HeapArray<LaterCut> m_later;
     uint32_t m_junctions = 0;
     bool m_transposed = false;
-    bool m_bent = false; // in this sweep
-    bool m_hot = false;  // in any sweep so far: whatever comes near a point goes through it
+    bool m_bent = false;   // in this sweep
+    bool m_ordered = true; // no sign in this sweep that bent edges stood in a wrong order
+    bool m_hot = false;    // in any sweep so far: whatever comes near a point goes through it
     Counts m_counts;
 };
 
