@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "../ScratchFolder.h"
 #include "TargetSupport.h"
 
 using namespace TargetSupport;
@@ -12,7 +13,7 @@ namespace {
 
 TEST(BitmapFiles, MessagesFramesAndOutputs) {
     const LastMessage message;
-    const std::filesystem::path folder(testing::TempDir());
+    const std::filesystem::path& folder = ScratchFolder();
     const std::wstring path = (folder / "gx_interface.BMP").wstring();
     const Owned<GXBitmap> bitmap = MakeBitmap(5, 3, GXPixelFormatBGR24);
     GXBitmapColorFill(bitmap, nullptr, 0xFF336699);

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "../../ScratchFolder.h"
 #include "Exception.h"
 #include "ProcessHeap.h"
 #include "Text/Font.h"
@@ -269,7 +270,7 @@ TEST(Font, DamagedFilesAreRefusedOrReadWithoutHarm) {
     std::ifstream in(kFolder + "LiberationSans-Regular.ttf", std::ios::binary);
     const std::string whole((std::istreambuf_iterator<char>(in)), {});
     ASSERT_GT(whole.size(), 1000U);
-    const std::string file = testing::TempDir() + "gx_damaged_font.ttf";
+    const std::string file = (ScratchFolder() / "damaged.ttf").string();
     std::mt19937 random(11);
     for (int round = 0; round < 40; ++round) {
         std::string bytes = whole;

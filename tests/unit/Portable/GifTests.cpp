@@ -5,6 +5,7 @@
 
 #include <gif_lib.h>
 
+#include "../../ScratchFolder.h"
 #include "../ImageSupport.h"
 
 using namespace Graphics;
@@ -76,7 +77,7 @@ protected:
     ~GifFile() override { std::filesystem::remove(m_path); }
 
 private:
-    std::filesystem::path m_path = std::filesystem::path(testing::TempDir()) / "gx_frames.gif";
+    std::filesystem::path m_path = ScratchFolder() / "frames.gif";
 };
 
 TEST_F(GifFile, SingleFramesKeepIndicesAndPalette) {

@@ -7,6 +7,7 @@
 
 #include <sys/resource.h>
 
+#include "../../ScratchFolder.h"
 #include "../ImageSupport.h"
 #include "Bitmaps/Codecs/ImageCodec.h"
 #include "ProcessHeap.h"
@@ -22,8 +23,8 @@ protected:
     ~ImageFiles() override { std::filesystem::remove_all(m_folder); }
 
     [[nodiscard]] std::wstring Path(const char* name) const {
-        const std::string start = testing::TempDir(), end = name;
-        return std::wstring(start.begin(), start.end()) + L"/gx_\u00E4\u03A9\u6587\U0001F58C/" +
+        const std::string start = ScratchFolder().string(), end = name;
+        return std::wstring(start.begin(), start.end()) + L"/\u00E4\u03A9\u6587\U0001F58C/" +
                std::wstring(end.begin(), end.end());
     }
     [[nodiscard]] size_t FileCount() const {
@@ -39,8 +40,7 @@ protected:
     }
 
     // Not ASCII: paths are UTF-8 in the file system.
-    const std::filesystem::path m_folder =
-        std::filesystem::path(testing::TempDir()) / u8"gx_\u00E4\u03A9\u6587\U0001F58C";
+    const std::filesystem::path m_folder = ScratchFolder() / u8"\u00E4\u03A9\u6587\U0001F58C";
 };
 
 std::shared_ptr<Bitmap> RandomBitmap(GXPixelFormat format, size_t colors, bool paletteAlpha, std::mt19937& random) {

@@ -6,6 +6,7 @@
 
 #include <tiffio.h>
 
+#include "../../ScratchFolder.h"
 #include "../ImageSupport.h"
 
 using namespace Graphics;
@@ -28,7 +29,7 @@ struct Made {
     std::vector<uint16_t> map[3];
 };
 
-const std::filesystem::path kPath = std::filesystem::path(testing::TempDir()) / "gx_tiff.tif";
+const std::filesystem::path kPath = ScratchFolder() / "pages.tif";
 
 void Put(Bytes& row, uint64_t bit, uint16_t bits, uint16_t format, double value) {
     if (format == SAMPLEFORMAT_IEEEFP) {
