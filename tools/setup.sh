@@ -62,3 +62,18 @@ gx_build() {
     cmake --preset "$preset" "${options[@]}"
     cmake --build --preset "$preset" "${targets[@]}"
 }
+
+# gx_shader_compiler DIRECTORY: puts Microsoft's HLSL compiler, out of a package of the npm registry, into the directory;
+# the tests of the Direct3D 11 back end need it and are skipped without. Kept in the user's cache between builds.
+gx_shader_compiler() {
+    local cache=${XDG_CACHE_HOME:-$HOME/.cache}/graphics-d3dcompiler name=d3dcompiler_47.dll scratch
+    if [[ ! -f $cache/$name ]]; then
+        command -v npm >/dev/null || { echo "No npm: the tests of Direct3D 11 are skipped"; return 0; }
+        scratch=$(mktemp -d)
+        (cd "$scratch" && npm pack --silent gl@6.0.2 && tar xzf gl-6.0.2.tgz "package/deps/windows/dll/x64/$name" &&
+            mkdir -p "$cache" && mv "package/deps/windows/dll/x64/$name" "$cache/") >/dev/null 2>&1 ||
+            echo "No HLSL compiler from npm: the tests of Direct3D 11 are skipped"
+        rm -rf "$scratch"
+    fi
+    [[ ! -f $cache/$name ]] || install -m 644 -D "$cache/$name" "$1/$name"
+}

@@ -2,6 +2,8 @@
 #include "D3D11RenderTarget.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
@@ -149,6 +151,7 @@ void D3D11RenderTarget::EndPaint() {
         D3D11RenderTarget& target;
         ~Finally() {
             target.m_layers.clear();
+            target.m_glyphs.reset();
             target.m_clips.Forget();
             target.m_painter.Forget();
             target.m_basic.Close();
@@ -213,8 +216,49 @@ void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Shap
     });
 }
 
+bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
+    CheckMasks();
+    // Nearest multiple of 1/8 pixel. Beyond, and for NaN, a float does not tell eighths apart.
+    constexpr float kDistant = 1048576.0F;
+    constexpr auto kPhases = static_cast<float>(SwGlyphCache::kPhases);
+    const Matrix& m = State().transform;
+    if (shape.Empty() || !(std::fabs(m.m20) < kDistant && std::fabs(m.m21) < kDistant)) {
+        return false;
+    }
+    const auto x = static_cast<int32_t>(std::floor(m.m20 * kPhases + 0.5F));
+    const auto y = static_cast<int32_t>(std::floor(m.m21 * kPhases + 0.5F));
+    if (m_glyphs == nullptr) {
+        m_glyphs = SwGlyphCache::Take();
+    }
+    SwGlyph glyph;
+    if (!m_glyphs->Find(shape, m, {x & 7, y & 7}, m_rasterizer, glyph)) {
+        return false;
+    }
+    const IntPoint at{(x >> 3) + glyph.corner.x, (y >> 3) + glyph.corner.y};
+    const IntRect visible = Visible({at.x, at.y, at.x + glyph.width, at.y + glyph.height});
+    if (IsEmpty(visible)) {
+        return true;
+    }
+    const auto width = static_cast<size_t>(visible.right - visible.left);
+    const D3D11Paint paint = m_painter.Maker().FromBrush(*m_context, brush, m, visible);
+    m_painter.Draw(CallFor(visible), paint, nullptr, [&](RasterizationSink& sink) {
+        auto* row = m_arena.AllocArray<uint8_t>(width); // a sink may change what it is given
+        for (int32_t line = visible.top; line < visible.bottom; ++line) {
+            std::memcpy(row,
+                        glyph.coverage + static_cast<size_t>(line - at.y) * glyph.strideBytes + (visible.left - at.x),
+                        width);
+            CoverageRun run{visible.left, visible.right, row, 0};
+            sink.Row(line, {&run, 1});
+        }
+    });
+    return true;
+}
+
 void D3D11RenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
     Run(true, [&] {
+        if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
+            return;
+        }
         FillPath(path, State().strokeAdjustment && !text, nullptr, [&](const IntRect& visible) {
             return m_painter.Maker().FromBrush(*m_context, brush, State().transform, visible);
         });

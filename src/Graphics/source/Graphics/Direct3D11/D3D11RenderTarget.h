@@ -6,6 +6,7 @@
 
 #include "../Geometry/Pen.h"
 #include "../Scan/Rasterizer.h"
+#include "../Software/SwGlyphCache.h"
 #include "../Target/RenderTargetBase.h"
 #include "D3D11Painter.h"
 #include "D3D11Surface.h"
@@ -62,6 +63,8 @@ private:
     void CheckMasks();
     template <class MakePaint>
     void FillPath(const PathRef& path, bool snap, const D3D11ShapeMask* extra, MakePaint&& makePaint);
+    /// The fill of a glyph by the coverage that the software keeps. False when it has to be drawn as any other path.
+    [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
     template <class Send> void Invert(const IntRect& visible, Send&& send);
     void CloseLayer();
 
@@ -80,6 +83,7 @@ private:
     Rasterizer m_rasterizer;
     PenStorage m_pen;
     Shape m_figure;
+    SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
 };
 
 } // namespace Graphics

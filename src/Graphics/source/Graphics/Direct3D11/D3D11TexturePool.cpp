@@ -21,7 +21,7 @@ std::shared_ptr<D3D11Texture> D3D11TexturePool::Take(int32_t width, int32_t heig
     const int32_t h = RoundUp(height, m_device.MaxTextureSize());
     const auto serves = [&](const std::shared_ptr<D3D11Texture>& t) {
         return t.use_count() == 1 && t->Format() == format && (t->Target() != nullptr) == drawnInto &&
-               t->Width() >= width && t->Height() >= height && t->Width() <= 2 * w && t->Height() <= 2 * h;
+               t->Width() == w && t->Height() == h;
     };
     if (const auto found = std::find_if(m_textures.begin(), m_textures.end(), serves); found != m_textures.end()) {
         std::rotate(found, found + 1, m_textures.end());

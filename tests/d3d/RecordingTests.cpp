@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// Recorded pages of real documents on both back ends.
+#include <filesystem>
+#include <map>
+
+#include "Handles.h"
+#include "HardwareTest.h"
+#include "Recording.h"
+#include "Software/SwBitmapSurface.h"
+#include "Software/SwRenderTarget.h"
+#include "Target/RenderTarget.h"
+
+using namespace Graphics;
+
+namespace {
+
+constexpr double kMean = 2.0;
+constexpr double kAbove16 = 0.01;
+
+struct Allowance {
+    double mean;
+    double above16;
+    const char* reason;
+};
+
+/// Pages that may be farther apart than the agreed bound, and why.
+const std::map<std::string, Allowance>& Exceptions() {
+    static const std::map<std::string, Allowance> kExceptions = {
+        {"blend_images-1",
+         {2.0, 0.025,
+          "images in hue, saturation, dodge and burn: the software keeps the smallest channel and has rules of its own "
+          "for black and white, the shaders follow the formulas"}},
+    };
+    return kExceptions;
+}
+
+/// Plays a page on a back end of ours, through the exported functions.
+void Play(Gxr::Player& player, std::unique_ptr<RenderTargetBase> backEnd, float scale) {
+    Gxr::Handle<GXRenderTarget> handle;
+    *handle.Out() = new GXRenderTargetRec_(std::make_shared<RenderTarget>(std::move(backEnd)));
+    player.Play(handle.Get(), scale);
+}
+
+} // namespace
+
+TEST_F(HardwareTest, RecordedPagesLookAlike) {
+    size_t pages = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(GX_RECORDINGS)) {
+        if (entry.path().extension() != ".gxr") {
+            continue;
+        }
+        const std::string name = entry.path().stem().string();
+        const Gxr::Recording recording = Gxr::Recording::FromFile(entry.path().string());
+        const Gxr::PageInfo& page = recording.Page();
+        const float scale = std::min(1.0F, 640.0F / static_cast<float>(std::max(page.width, page.height)));
+        const auto side = [&](uint32_t pixels) {
+            return std::max(1, static_cast<int32_t>(static_cast<float>(pixels) * scale + 0.5F));
+        };
+        const int32_t width = side(page.width);
+        const int32_t height = side(page.height);
+        Gxr::Player player(recording);
+
+        auto surface = std::make_unique<TextureSurface>(width, height);
+        const TextureSurface* reader = surface.get();
+        auto hardware = std::make_unique<D3D11RenderTarget>(Context(), std::move(surface));
+        Gxr::Handle<GXRenderTarget> handle;
+        *handle.Out() = new GXRenderTargetRec_(std::make_shared<RenderTarget>(std::move(hardware)));
+        player.Play(handle.Get(), scale);
+        const std::vector<uint32_t> drawn = reader->Read(*Context());
+        handle.Reset();
+
+        auto image = std::make_shared<SysMemBitmap>(width, height, GXPixelFormatBGRX32);
+        image->Zero();
+        Play(player,
+             std::make_unique<SwRenderTarget>(std::make_unique<SwBitmapSurface>(std::make_shared<Bitmap>(image))),
+             scale);
+        std::vector<uint32_t> expected;
+        for (int32_t y = 0; y < height; ++y) {
+            const auto* row =
+                reinterpret_cast<const uint32_t*>(image->Data() + static_cast<size_t>(y) * image->StrideBytes());
+            expected.insert(expected.end(), row, row + width);
+        }
+        const Difference d = Compare(drawn, expected, width);
+        const auto found = Exceptions().find(name);
+        const double mean = found != Exceptions().end() ? found->second.mean : kMean;
+        const double above16 = found != Exceptions().end() ? found->second.above16 : kAbove16;
+        EXPECT_LE(d.mean, mean) << name;
+        EXPECT_LE(d.above16, above16) << name << " largest " << d.largest << " at " << d.x << " " << d.y << " of "
+                                      << width << " x " << height;
+        ++pages;
+    }
+    EXPECT_GE(pages, 20U);
+}
