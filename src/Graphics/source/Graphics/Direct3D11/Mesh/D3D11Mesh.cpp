@@ -21,6 +21,10 @@ constexpr int32_t kBandHeight = 32 * 8;
 /// Below this slope one straight ramp is within half a level in 64.
 constexpr float kUpright = 1.0F / 32.0F;
 
+/// The rows' spans are taken in the middle of a sub-scanline and reach to the next eighth of a pixel; the line in the
+/// middle of what they cover lies half a sub unit to the right of the edge's, and half a sub-scanline down.
+constexpr float kHalfSub = 1.0F / 16.0F;
+
 struct Knot {
     float offset; // from the edge, along the row
     float coverage;
@@ -117,7 +121,7 @@ void D3D11MeshSink::TrapezoidBand(const Trapezoid& band) {
     const float height = band.bottom - band.top;
     const auto cut = [&](float& atTop, float& atBottom) {
         const float slope = (atBottom - atTop) / height;
-        const float from = atTop;
+        const float from = atTop + kHalfSub - slope * kHalfSub;
         atTop = from + slope * (top - band.top);
         atBottom = from + slope * (bottom - band.top);
     };
