@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Cairo's image surface.
 #include <cairo.h>
+#if defined(BENCH_HAS_CAIRO_FT)
+#include <cairo-ft.h>
+#endif
 
 #include <cstring>
 
@@ -64,6 +67,7 @@ public:
             m_clip = Build(scene.clip);
         }
         MakePattern();
+        MakeText();
     }
 
     ~CairoDrawing() override {
@@ -124,6 +128,10 @@ private:
     }
 
     void DrawShapes() {
+        if (!m_glyphs.empty()) {
+            cairo_show_glyphs(m_cairo, m_glyphs.data(), static_cast<int>(m_glyphs.size()));
+            return;
+        }
         for (size_t i = 0; i < m_scene.shapes.size(); ++i) {
             const Shape& shape = m_scene.shapes[i];
             if (m_clip != nullptr) {
@@ -179,7 +187,37 @@ private:
         cairo_set_source(m_cairo, m_pattern);
     }
 
+    /// All glyphs of the scene for one call, unhinted and in grey; without the font the shapes are filled instead.
+    void MakeText() {
+#if defined(BENCH_HAS_CAIRO_FT)
+        const Text& text = m_scene.text;
+        if (text.fontFile.empty() || FT_Init_FreeType(&m_library) != 0 ||
+            FT_New_Face(m_library, text.fontFile.c_str(), 0, &m_file) != 0) {
+            return;
+        }
+        cairo_font_face_t* face = cairo_ft_font_face_create_for_ft_face(m_file, FT_LOAD_NO_HINTING);
+        cairo_font_options_t* options = cairo_font_options_create();
+        cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+        cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+        cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+        cairo_set_font_face(m_cairo, face);
+        cairo_set_font_options(m_cairo, options);
+        cairo_set_font_size(m_cairo, text.em);
+        cairo_font_options_destroy(options);
+        cairo_font_face_destroy(face);
+        for (const Text::Use& use : text.uses) {
+            m_glyphs.push_back({text.glyphs[use.outline], use.at.x, use.at.y});
+        }
+#endif
+    }
+
     const Scene& m_scene;
+#if defined(BENCH_HAS_CAIRO_FT)
+    // Cairo may keep the face in its caches: both live as long as the process.
+    FT_Library m_library = nullptr;
+    FT_Face m_file = nullptr;
+#endif
+    std::vector<cairo_glyph_t> m_glyphs;
     cairo_surface_t* m_surface = nullptr;
     cairo_surface_t* m_image = nullptr;
     cairo_surface_t* m_mask = nullptr;

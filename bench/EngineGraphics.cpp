@@ -53,6 +53,12 @@ public:
             MakeImage();
         } else {
             MakeBrush();
+            for (const Shape& outline : scene.text.outlines) {
+                m_outlines.push_back(Build(outline));
+            }
+            if (scene.text.strings && !scene.text.family.empty()) {
+                MakeFace();
+            }
             for (const Shape& shape : scene.shapes) {
                 m_geometries.push_back(scene.rebuild ? nullptr : Build(shape));
             }
@@ -75,11 +81,13 @@ public:
 
     ~GraphicsDrawing() override {
         CHECK(GXRenderTargetEndPaint(m_target));
-        for (GXGeometry geometry : m_geometries) {
-            GXObjectRelease(geometry);
+        for (const auto* geometries : {&m_geometries, &m_outlines}) {
+            for (GXGeometry geometry : *geometries) {
+                GXObjectRelease(geometry);
+            }
         }
         for (void* object : {static_cast<void*>(m_target), static_cast<void*>(m_brush), static_cast<void*>(m_bitmap),
-                             static_cast<void*>(m_clip), static_cast<void*>(m_mask)}) {
+                             static_cast<void*>(m_clip), static_cast<void*>(m_mask), static_cast<void*>(m_face)}) {
             GXObjectRelease(object); // null is refused without harm
         }
     }
@@ -111,6 +119,25 @@ private:
                 const GXMatrix matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};
                 GXRenderTargetSetCTM(m_target, &matrix);
                 GXRenderTargetDrawBitmap(m_target, m_bitmap, nullptr, 1.0f, filter);
+            }
+            return;
+        }
+        if (!m_scene.text.uses.empty()) {
+            const float em = m_scene.text.em;
+            if (m_face != nullptr) {
+                const float scale = em / kFaceEm;
+                for (const Text::Use& use : m_scene.text.uses) {
+                    const GXMatrix matrix = {scale, 0, 0, scale, use.at.x, use.at.y};
+                    const uint16_t string[] = {static_cast<uint16_t>(m_scene.text.characters[use.outline]), 0};
+                    GXRenderTargetSetCTM(m_target, &matrix);
+                    GXRenderTargetFillText(m_target, m_face, string, m_brush);
+                }
+                return;
+            }
+            for (const Text::Use& use : m_scene.text.uses) {
+                const GXMatrix matrix = {em, 0, 0, em, use.at.x, use.at.y};
+                GXRenderTargetSetCTM(m_target, &matrix);
+                GXRenderTargetFillTextGeometry(m_target, m_outlines[use.outline], m_brush);
             }
             return;
         }
@@ -173,6 +200,13 @@ private:
         GXObjectRelease(gradient);
     }
 
+    void MakeFace() {
+        const Text& text = m_scene.text;
+        const std::vector<uint16_t> family(text.family.c_str(), text.family.c_str() + text.family.size() + 1);
+        const auto flags = static_cast<uint32_t>((text.bold ? GXFontBold : 0) | (text.italic ? GXFontItalic : 0));
+        CHECK(GXCreateFontFace(family.data(), flags, kFaceEm * 72 / 96, &m_face));
+    }
+
     void MakeMask(const Canvas& canvas) {
         const GXBitmapDesc desc = {static_cast<uint32_t>(canvas.width), static_cast<uint32_t>(canvas.height),
                                    GXPixelFormatAlpha8, 96.0f, 96.0f};
@@ -196,7 +230,10 @@ private:
         CHECK(GXBitmapCopyFromMemory(m_bitmap, nullptr, &data));
     }
 
+    static constexpr float kFaceEm = 100;
+
     const Scene& m_scene;
+    GXFontFace m_face = nullptr;
     GXRenderTarget m_target = nullptr;
     GXBrush m_brush = nullptr;
     GXBitmap m_bitmap = nullptr;
@@ -205,6 +242,7 @@ private:
     GXStrokeStyle m_style = {};
     GXLayerDesc m_layer = {};
     std::vector<GXGeometry> m_geometries;
+    std::vector<GXGeometry> m_outlines;
 };
 
 } // namespace

@@ -115,7 +115,7 @@ Shape Outline(FT_Face face, FT_ULong code) {
     return collector.shape;
 }
 
-std::vector<Shape> FontGlyphs() {
+void FontGlyphs(Text& text) {
     namespace fs = std::filesystem;
     std::vector<std::string> files;
     std::error_code error;
@@ -129,9 +129,8 @@ std::vector<Shape> FontGlyphs() {
     std::sort(files.begin(), files.end());
     FT_Library library = nullptr;
     if (FT_Init_FreeType(&library) != 0) {
-        return {};
+        return;
     }
-    std::vector<Shape> glyphs;
     for (const std::string& file : files) {
         FT_Face face = nullptr;
         if (FT_New_Face(library, file.c_str(), 0, &face) != 0) {
@@ -140,36 +139,45 @@ std::vector<Shape> FontGlyphs() {
         for (FT_ULong code = 'A'; code <= 'z' && FT_IS_SCALABLE(face); ++code) {
             Shape shape = Outline(face, code);
             if (!shape.Empty()) {
-                glyphs.push_back(std::move(shape));
+                text.outlines.push_back(std::move(shape));
+                text.glyphs.push_back(FT_Get_Char_Index(face, code));
+                text.characters.push_back(static_cast<char>(code));
             }
         }
+        const bool enough = text.outlines.size() >= 52 && face->family_name != nullptr;
+        if (enough) {
+            text.fontFile = file;
+            text.family = face->family_name;
+            text.bold = (face->style_flags & FT_STYLE_FLAG_BOLD) != 0;
+            text.italic = (face->style_flags & FT_STYLE_FLAG_ITALIC) != 0;
+        }
         FT_Done_Face(face);
-        if (glyphs.size() >= 52) {
+        if (enough) {
             break;
         }
-        glyphs.clear();
+        text.outlines.clear();
+        text.glyphs.clear();
+        text.characters.clear();
     }
     FT_Done_FreeType(library);
-    return glyphs;
 }
 #else
-std::vector<Shape> FontGlyphs() { return {}; }
+void FontGlyphs(Text&) {}
 #endif
 
 } // namespace
 
-std::vector<Shape> GlyphPage(float em, int canvas) {
-    std::vector<Shape> glyphs = FontGlyphs();
-    if (glyphs.empty()) {
-        glyphs = MadeUpGlyphs();
+Text GlyphText(float em, int canvas) {
+    Text text;
+    text.em = em;
+    FontGlyphs(text);
+    if (text.outlines.empty()) {
+        text.outlines = MadeUpGlyphs();
     }
-    std::vector<Shape> page;
     const float limit = static_cast<float>(canvas);
     Point at = {0.5f * em, em};
     for (size_t i = 0; i < 3000; ++i) {
-        Shape shape;
-        Place(shape, glyphs[i * 7 % glyphs.size()], em, at);
-        page.push_back(std::move(shape));
+        text.uses.push_back({i * 7 % text.outlines.size(), at});
         at.x += em * 0.57f;
         if (at.x > limit - em) {
             at = {0.5f * em, at.y + em * 1.1f};
@@ -177,6 +185,17 @@ std::vector<Shape> GlyphPage(float em, int canvas) {
         if (at.y > limit - 0.3f * em) {
             at.y = em;
         }
+    }
+    return text;
+}
+
+std::vector<Shape> GlyphPage(float em, int canvas) {
+    const Text text = GlyphText(em, canvas);
+    std::vector<Shape> page;
+    for (const Text::Use& use : text.uses) {
+        Shape shape;
+        Place(shape, text.outlines[use.outline], em, use.at);
+        page.push_back(std::move(shape));
     }
     return page;
 }

@@ -99,6 +99,23 @@ struct Map {
     [[nodiscard]] bool IsShift() const { return xx == 1 && xy == 0 && yx == 0 && yy == 1; }
 };
 
+/// The same text as shapes, for engines that keep glyphs: outlines of one em, and which of them stands where.
+struct Text {
+    struct Use {
+        size_t outline;
+        Point at; ///< of its origin on the baseline
+    };
+    float em = 0; ///< pixels
+    std::vector<Shape> outlines;
+    std::vector<unsigned> glyphs; ///< of each outline, its number in the font file
+    std::vector<char> characters; ///< of each outline
+    std::string fontFile;         ///< empty: the outlines are made up
+    std::string family;
+    bool bold = false, italic = false;
+    bool strings = false; ///< as strings of one character, where an engine has fonts of its own
+    std::vector<Use> uses;
+};
+
 struct Scene {
     std::string name;
     int canvas = 1000; ///< width and height
@@ -113,7 +130,8 @@ struct Scene {
     Image image;
     std::vector<Map> placements; ///< of the image, one draw each
     Filter filter = Filter::Nearest;
-    Shape clip;                ///< when not empty: set anew for every shape
+    Text text;  ///< when it has uses: the shapes once more, drawn by the engine's own means for text where it has any
+    Shape clip; ///< when not empty: set anew for every shape
     std::vector<float> dashes; ///< of strokes, dash and gap in turn
     Group group = Group::None;
     float groupOpacity = 1;
@@ -136,5 +154,8 @@ std::vector<SceneEntry> AllScenes();
 
 /// 3000 glyphs of a page of text at this em size: of an installed font, else made-up ones of the same build.
 std::vector<Shape> GlyphPage(float em, int canvas);
+
+/// The same page with its outlines and places.
+Text GlyphText(float em, int canvas);
 
 } // namespace Bench

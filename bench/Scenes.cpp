@@ -269,6 +269,17 @@ public:
         });
     }
 
+    /// The page of glyphs as text, engines keeping what they keep of glyphs.
+    void Text(const std::string& name, int canvas, float em, bool strings = false) {
+        Add(name, [=] {
+            Scene scene = Base(canvas, GlyphPage(em, canvas));
+            scene.paint.color = 0xFF000000;
+            scene.text = GlyphText(em, canvas);
+            scene.text.strings = strings;
+            return scene;
+        });
+    }
+
     void Gradient(const std::string& name, int canvas, PaintKind kind, float size) {
         Add(name, [=] {
             const float at = std::floor((static_cast<float>(canvas) - size) / 2);
@@ -413,6 +424,12 @@ void Paints(Table& table) {
         "text_page_em16", 1000, [] { return GlyphPage(16, 1000); }, 0xFF000000);
     table.Fill(
         "text_page_em40", 1000, [] { return GlyphPage(40, 1000); }, 0xFF000000);
+    table.Fill( // 10.5 points at 150 dpi
+        "text_page_em22", 1000, [] { return GlyphPage(21.875f, 1000); }, 0xFF000000);
+    table.Text("text_kept_em16", 1000, 16);
+    table.Text("text_kept_em22", 1000, 21.875f);
+    table.Text("text_kept_em40", 1000, 40);
+    table.Text("text_string_em22", 1000, 21.875f, true);
     for (int size : {512, 1000}) {
         table.Gradient("gradient_linear_" + std::to_string(size), 1000, PaintKind::Linear, static_cast<float>(size));
         table.Gradient("gradient_radial_" + std::to_string(size), 1000, PaintKind::Radial, static_cast<float>(size));

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "DashBoxes.h"
 #include "Dasher.h"
 #include "Pen.h"
 #include "Shape.h"
@@ -51,23 +52,33 @@ public:
     explicit WholePixelSnapper(Sink& sink) noexcept : m_sink(sink) {}
 
     void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
-    void BeginFigure(const Point& start) override { m_sink.BeginFigure(Snap(start)); }
+    void BeginFigure(const Point& start) override { m_sink.BeginFigure(SnapToPixel(start)); }
     void EndFigure() override { m_sink.EndFigure(); }
     void EndFigureClose() override { m_sink.EndFigureClose(); }
-    void LineTo(const Point& p) override { m_sink.LineTo(Snap(p)); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override { m_sink.CubicTo(c1, c2, Snap(end)); }
+    void LineTo(const Point& p) override { m_sink.LineTo(SnapToPixel(p)); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+        m_sink.CubicTo(c1, c2, SnapToPixel(end));
+    }
 
 private:
-    [[nodiscard]] static float Snap(float v) noexcept {
-        const float whole = std::floor(v + 0.5F);
-        return std::fabs(v - whole) < 1.0F / 256 ? whole : v;
-    }
-    [[nodiscard]] static Point Snap(const Point& p) noexcept { return {Snap(p.x), Snap(p.y)}; }
-
     Sink& m_sink;
 };
 
 namespace Detail {
+
+/// The dashes of the line from a to b, of which DashesAreBoxes is true.
+template <TakesBoxes Sink>
+void SendDashBoxes(Sink& sink, const Point& a, const Point& b, const StrokePlan& plan, const StrokeStyle& style,
+                   const DashSequence& dashes, bool snaps) {
+    BoxPen<Sink> pen(sink, plan, style.cap, snaps);
+    Dasher<BoxPen<Sink>> dasher(pen, dashes, plan.userTolerance);
+    if (plan.cull) {
+        dasher.SetVisible(plan.visibleUser);
+    }
+    dasher.BeginFigure(a);
+    dasher.LineTo(b);
+    dasher.EndFigure();
+}
 
 /// Runs `replay` with a sink in user space that strokes into `sink`, in device space.
 template <class Sink, class Replay>
@@ -117,6 +128,14 @@ void StrokeAdjusted(Sink& sink, const Figure& figure, StrokePlan plan, const Str
         Matrix toUser;
         plan.cull = Invert(plan.toPen, toUser);
         plan.visiblePen = MapBox(plan.toPen, plan.visibleUser);
+    }
+    if constexpr (TakesBoxes<Sink>) {
+        const HeapArray<Point>& path = storage.path;
+        if (dashes != nullptr && path.size() == 2 && !figure.Closed() &&
+            DashesAreBoxes(path[0], path[1], plan, style)) {
+            SendDashBoxes(sink, path[0], path[1], plan, style, *dashes, true);
+            return;
+        }
     }
     ThroughBand(sink, [&](auto& band) {
         using Band = std::remove_reference_t<decltype(band)>;
@@ -168,6 +187,14 @@ void FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, f
             if (adjusts && adjuster->Adjust(figure, storage.path)) {
                 Detail::StrokeAdjusted(sink, figure, plan, *adjuster, style, pattern, storage);
                 return false;
+            }
+            if constexpr (TakesBoxes<Sink>) {
+                if (pattern != nullptr && !figure.Closed() && figure.SegmentCount() == 1 &&
+                    figure.Kind(0) == Figure::kLine &&
+                    DashesAreBoxes(figure.Points()[0], figure.Points()[1], plan, style)) {
+                    Detail::SendDashBoxes(sink, figure.Points()[0], figure.Points()[1], plan, style, *pattern, false);
+                    return false;
+                }
             }
             return true;
         });

@@ -165,6 +165,9 @@ void PenOutline::JoinOuter(HeapArray<Point>& side, double sign, const Point& c, 
 double PenOutline::ArcPoints(double angle) const noexcept { return std::trunc(angle / m_arcStep); }
 
 void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count) {
+    if (!(count > 0)) {
+        return;
+    }
     const double step = angle / (count + 1);
     const double cosine = std::cos(step), sine = std::sin(step);
     for (double i = 0; i < count; ++i) {

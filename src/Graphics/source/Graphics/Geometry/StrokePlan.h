@@ -7,6 +7,8 @@
 // identity; else it works in user space and toPen is. An adjusted figure has a plan of its own.
 #pragma once
 
+#include <cmath>
+
 #include "../Matrix.h"
 #include "Figure.h"
 #include "PenOutline.h"
@@ -30,6 +32,15 @@ struct StrokePlan {
     StrokePlan(const Rect& controlBox, bool finite, const Matrix& m, const StrokeStyle& style, float width,
                const Rect& visibleDevice) noexcept;
 };
+
+/// Moves a coordinate that misses a whole pixel by a rounding error onto it.
+[[nodiscard]] inline Point SnapToPixel(const Point& p) noexcept {
+    const auto snap = [](float v) {
+        const float whole = std::floor(v + 0.5F);
+        return std::fabs(v - whole) < 1.0F / 256 ? whole : v;
+    };
+    return {snap(p.x), snap(p.y)};
+}
 
 /// Device space for axis-aligned strokes whose edges lie on whole pixels.
 class StrokeAdjuster {

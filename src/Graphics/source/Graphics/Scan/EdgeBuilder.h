@@ -101,6 +101,17 @@ public:
         }
     }
 
+    /// Where every figure has four vertices: calls f(first vertex, third) for each.
+    template <class F> void ForEachBox(F&& f) const {
+        const Vertex* const stop = m_vertices.data() + (m_figures.empty() ? 0 : m_figures[m_figures.size() - 1]);
+        for (const Vertex* v = m_vertices.data(); v != stop; v += 4) {
+            f(v[0], v[2]);
+        }
+    }
+    [[nodiscard]] size_t FigureCount() const noexcept { return m_figures.size(); }
+
+    [[nodiscard]] int32_t ClipLeft() const noexcept { return m_clipLeft; }
+    [[nodiscard]] int32_t ClipRight() const noexcept { return m_clipRight; }
     [[nodiscard]] int32_t ClipFirst() const noexcept { return m_clipFirst; }
     [[nodiscard]] int32_t ClipLast() const noexcept { return m_clipLast; }
 

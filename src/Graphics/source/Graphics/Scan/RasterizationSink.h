@@ -33,7 +33,14 @@ public:
     virtual void Row(int32_t y, std::span<CoverageRun> runs) = 0;
     /// Fully covered whole pixels, right and bottom exclusive; not clipped.
     virtual void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) = 0;
-    /// Called once before any output, with the first (inclusive) and last (exclusive) sub-scanline, 1/8 pixel each.
+    /// Rows [y0, y1) with the same bytes in columns [x0, x1), inside the visible rectangle; the bytes stay as they are.
+    /// False, and nothing done, when the sink wants them row by row.
+    virtual bool Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) {
+        static_cast<void>(x0 + y0 + x1 + y1);
+        static_cast<void>(shape);
+        return false;
+    }
+    /// Called before any output, with the first (inclusive) and last (exclusive) sub-scanline, 1/8 pixel each.
     /// True when the sink accepts trapezoids.
     virtual bool Begin(int32_t firstSub, int32_t lastSub) {
         static_cast<void>(firstSub);

@@ -68,6 +68,7 @@ void Rasterizer::Begin(const Rect& clipPixels, const IntRect& visible, bool snap
     m_visible = Intersect(visible, {-kFar, -kFar, kFar, kFar});
     m_snap = snap;
     m_evenOdd = false;
+    m_onlyBoxes = true;
     m_current = {0, 0};
     m_builder.Begin(clipPixels);
 }
@@ -83,6 +84,15 @@ void Rasterizer::CubicTo(const Point& c1, const Point& c2, const Point& end) {
 
 void Rasterizer::Finish(RasterizationSink& sink) {
     m_builder.CloseFigure();
+    if (m_onlyBoxes && !m_evenOdd && m_boxes.Prepare(m_builder, m_visible, m_snap)) {
+        if (m_boxes.First() >= m_boxes.Last()) {
+            return;
+        }
+        if (!sink.Begin(m_boxes.First(), m_boxes.Last())) {
+            m_boxes.Send(sink);
+            return;
+        }
+    }
     const FillShape shape = m_builder.Measure(!m_evenOdd);
     if (shape.first >= shape.last) {
         return;

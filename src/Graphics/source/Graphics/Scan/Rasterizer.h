@@ -5,6 +5,7 @@
 
 #include "../Geometry/GeometrySink.h"
 #include "BandScanner.h"
+#include "BoxScanner.h"
 #include "EdgeBuilder.h"
 #include "EdgeScanner.h"
 
@@ -23,6 +24,7 @@ public:
     void SetFillRule(uint32_t rule) override { m_evenOdd = rule != 0; }
     void BeginFigure(const Point& start) override {
         m_builder.CloseFigure();
+        m_onlyBoxes = false;
         m_current = start;
         m_builder.Add(ToVertex(start));
     }
@@ -36,6 +38,19 @@ public:
     void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
     void EndFigure() override { m_builder.CloseFigure(); }
     void EndFigureClose() override { m_builder.CloseFigure(); }
+
+    /// A closed figure: the upright rectangle between two opposite corners, from the first along x. A fill of nothing
+    /// else, non-zero, in a row or a column, needs no edges; all have to wind the same way.
+    void Box(const Point& a, const Point& b) {
+        m_builder.CloseFigure();
+        const Vertex from = ToVertex(a);
+        const Vertex to = ToVertex(b);
+        m_builder.Add(from);
+        m_builder.Add({to.x, from.y});
+        m_builder.Add(to);
+        m_builder.Add({from.x, to.y});
+        m_builder.CloseFigure();
+    }
 
     /// Moves the fill as it is so far right and down by eighths of a pixel: the same samples at another place.
     void Move(int32_t right, int32_t down) noexcept { m_builder.Move(right * 16, down * 16); }
@@ -58,6 +73,7 @@ public:
 private:
     EdgeBuilder m_builder;
     BandScanner m_bands;
+    BoxScanner m_boxes;
     EdgeScanner m_sorting;
     HeapArray<Edge> m_edges;
     IntRect m_visible{};
@@ -65,6 +81,7 @@ private:
     float m_tolerance;
     bool m_snap = false;
     bool m_evenOdd = false;
+    bool m_onlyBoxes = true;
 };
 
 } // namespace Graphics

@@ -126,11 +126,21 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
     if (IsEmpty(r)) {
         return;
     }
-    const bool plain = m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && !m_hasOpacityMask &&
-                       m_target.alpha == nullptr;
-    if (!plain || !PlainBlock(r)) {
+    if (!IsPlain() || !PlainBlock(r)) {
         ForRows(r, [&](int32_t y, uint32_t*, size_t) { Stretch(y, r.left, r.right, nullptr, 255); });
     }
+}
+
+bool SwPipeLine::Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) {
+    if (!m_isSolid || !IsPlain()) {
+        return false;
+    }
+    const IntRect r = Intersect({x0, y0, x1, y1}, m_bounds);
+    if (!IsEmpty(r)) {
+        m_kernels.normalSolidBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid, shape + (r.left - x0), 0,
+                                   static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
+    }
+    return true;
 }
 
 void SwPipeLine::Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value) {

@@ -60,6 +60,7 @@ public:
 
     void Row(int32_t y, std::span<CoverageRun> runs) override;
     void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
+    bool Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) override;
 
 private:
     [[nodiscard]] uint32_t* Pixels(int32_t x, int32_t y) const noexcept {
@@ -68,7 +69,12 @@ private:
     }
     /// Calls paint(y, pixels, width) for each row, with the next one asked for.
     template <class Paint> void ForRows(const IntRect& r, Paint&& paint) const;
-    /// Normal on a basic target without masks and clips: a solid colour, or pixels that lie ready. False: not done.
+    /// Normal on a basic target without masks and clips.
+    [[nodiscard]] bool IsPlain() const noexcept {
+        return m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && !m_hasOpacityMask &&
+               m_target.alpha == nullptr;
+    }
+    /// When IsPlain: a solid colour, or pixels that lie ready. False: not done.
     [[nodiscard]] bool PlainBlock(const IntRect& r) const;
     /// [x0, x1) inside the bounds; `shape` null: `value` throughout.
     void Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);
