@@ -125,12 +125,15 @@ void SwLayerSubTarget::Clear(const SwKernels& kernels, const IntRect& region, co
                     share == 255 ? over : Scale((*pixel >> shift) & 255U, 256 - share) + Scale(over, share + 1);
                 result |= std::min(mixed, 255U) << shift;
             }
-            *pixel = result;
             const auto replace = [share](uint8_t& v, uint32_t to) {
                 v = static_cast<uint8_t>(share == 255 ? to : Scale(v, 256 - share) + Scale(to, share + 1));
             };
             replace(m_planes.alpha[offset], alpha);
             replace(m_planes.shape[offset], 255);
+            // The plane's alpha is the union of the group's and the backdrop's, as drawing leaves it.
+            const uint32_t group = m_planes.alpha[offset];
+            const uint32_t below = backdrop >> 24;
+            *pixel = (result & 0x00FFFFFFU) | (group + below - (group * (below + 1) >> 8)) << 24;
         }
     }
 }
