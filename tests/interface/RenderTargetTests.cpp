@@ -339,161 +339,30 @@ TEST(RenderTarget, KnockoutGroupShowsOnlyTheLastObject) {
     EXPECT_EQ(c.At(1, 0), c.At(2, 0)); // no red below the half-transparent black
 }
 
-// Any order of calls, balanced or not, with good and bad numbers: a result code and no write outside the buffer.
-TEST(RenderTarget, RandomCallSequencesStayInsideTheirBuffer) {
-    std::mt19937 random(2024);
-    const auto below = [&](uint32_t n) { return static_cast<uint32_t>(random() % n); };
-    const float specials[] = {
-        0.0F, 1e9F, -1e9F, 3.4e38F, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN(),
-        0.5F, -0.5F};
-    const auto number = [&] {
-        return below(10) == 0 ? specials[below(8)] : static_cast<float>(static_cast<int32_t>(below(400)) - 100) / 8.0F;
-    };
-    const auto rect = [&] { return GXRect{number(), number(), number(), number()}; };
+// Bounds are rounded outwards, also where one more than them is not a float.
+TEST(RenderTarget, LayerBoundsHoldEveryPixelThatTheyTouch) {
+    Canvas c(4, 1);
+    const GXLayerDesc layer{{0.99999994F, 0, 2.0000002F, 1}, 1.0F, 1, 0};
+    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+    FillRect(c, {0, 0, 4, 1}, kRed);
+    ASSERT_EQ(GXRenderTargetEndLayer(c.target), GXResultSuccess);
+    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kRed, kRed, kRed, 0}));
+}
 
-    constexpr uint32_t kWidth = 13;
-    constexpr uint32_t kHeight = 9;
-    constexpr uint32_t kStride = 60;
-    std::vector<uint8_t> memory(kStride * (kHeight + 2), 0x5A);
-    const Owned<GXBitmap> image = MakeBitmap(5, 4, GXPixelFormatBGRA32);
-    ASSERT_EQ(GXBitmapColorFill(image, nullptr, 0x80402010), GXResultSuccess);
-    const Owned<GXBitmap> mask = MakeBitmap(11, 3, GXPixelFormatAlpha1);
-    std::vector<Owned<GXBrush>> brushes;
-    brushes.push_back(Solid(kRed));
-    brushes.push_back(Solid(0x60305080));
-    Owned<GXGradient> gradients[3];
-    const GXGradientStop stops[2] = {{0.0F, kRed}, {1.0F, 0x4000FF00}};
-    const GXLinearGradientDesc linear{stops, 2, {0, 0}, {10, 5}, 1, 0, 0x80808080};
-    const GXRadialGradientDesc radial{stops, 2, {4, 4}, 1, {6, 5}, 5, 0, 1, 0};
-    const GXTriMeshVertex mesh[3] = {{0, 0, kRed}, {12, 1, kGreen}, {3, 9, 0x20FFFFFF}};
-    ASSERT_EQ(GXCreateGradientLinear(&linear, gradients[0].Out()), GXResultSuccess);
-    ASSERT_EQ(GXCreateGradientRadial(&radial, gradients[1].Out()), GXResultSuccess);
-    ASSERT_EQ(GXCreateGradientTriMesh(mesh, 3, 0, gradients[2].Out()), GXResultSuccess);
-    for (Owned<GXGradient>& gradient : gradients) {
-        Owned<GXBrush> brush;
-        ASSERT_EQ(GXCreateBrushGradient(gradient, 0.7F, nullptr, brush.Out()), GXResultSuccess);
-        brushes.push_back(std::move(brush));
-    }
-    for (uint32_t i = 0; i < 3; ++i) {
-        Owned<GXBrush> brush;
-        const GXBitmapBrushOptions options{i, i, 2 - i};
-        ASSERT_EQ(GXCreateBrushBitmap(image, 0.9F, &options, nullptr, brush.Out()), GXResultSuccess);
-        brushes.push_back(std::move(brush));
-    }
-    const auto brush = [&]() -> GXBrush { return brushes[below(static_cast<uint32_t>(brushes.size()))]; };
-
-    constexpr int kSequences = 200000;
-    Owned<GXRenderTarget> target;
-    for (int s = 0; s < kSequences; ++s) {
-        if (s % 64 == 0) {
-            Owned<GXRenderTarget> fresh;
-            const GXExtBufLayout layout{kWidth, kHeight, kStride, 96, 96};
-            ASSERT_EQ(GXCreateRenderTargetExtBuf(memory.data() + kStride,
-                                                 below(2) != 0 ? GXPixelFormatPBGRA32 : GXPixelFormatBGRX32, &layout,
-                                                 fresh.Out()),
-                      GXResultSuccess);
-            target = std::move(fresh);
-        }
-        const uint32_t calls = 1 + below(8);
-        for (uint32_t k = 0; k < calls; ++k) {
-            const GXRect r = rect();
-            const GXPoint p{number(), number()};
-            const GXPoint q{number(), number()};
-            const GXMatrix m{number(), number(), number(), number(), number(), number()};
-            const GXStrokeStyle style{below(4), below(3), number(), 0, 0, {}, 0};
-            const GXIntRect part{static_cast<int32_t>(below(8)) - 2, static_cast<int32_t>(below(8)) - 2,
-                                 static_cast<int32_t>(below(9)) - 1, static_cast<int32_t>(below(9)) - 1};
-            const GXLayerDesc layer{r, number(), static_cast<uint8_t>(below(2)), static_cast<uint8_t>(below(2))};
-            GXResult result = GXResultSuccess;
-            switch (below(27)) {
-            case 0:
-            case 1:
-            case 2:
-                result = GXRenderTargetBeginPaint(target);
-                break;
-            case 3:
-                result = GXRenderTargetEndPaint(target);
-                break;
-            case 4:
-                result = GXRenderTargetPushState(target);
-                break;
-            case 5:
-                result = GXRenderTargetPopState(target);
-                break;
-            case 6:
-                result = GXRenderTargetSetCTM(target, below(3) == 0 ? &m : nullptr);
-                break;
-            case 7:
-                result = GXRenderTargetSetBlendMode(target, below(19));
-                break;
-            case 8:
-                result = GXRenderTargetSetStrokeAdjustment(target, static_cast<uint8_t>(below(2)));
-                break;
-            case 9:
-                result = GXRenderTargetSetOpacityMask(target, below(5), below(3) == 0 ? brush() : nullptr);
-                break;
-            case 10:
-                result = GXRenderTargetSetShapeMask(target, below(5), below(3) == 0 ? brush() : nullptr);
-                break;
-            case 11:
-                result = GXRenderTargetBeginLayer(target, &layer);
-                break;
-            case 12:
-                result = GXRenderTargetEndLayer(target);
-                break;
-            case 13:
-                result = GXRenderTargetClear(target, random());
-                break;
-            case 14:
-                result = GXRenderTargetFillRect(target, &r, brush());
-                break;
-            case 15:
-                result = GXRenderTargetFillEllipse(target, &r, brush());
-                break;
-            case 16:
-                result = GXRenderTargetStrokeLine(target, &p, &q, brush(), std::fabs(number()), &style);
-                break;
-            case 17:
-                result = GXRenderTargetStrokeRect(target, &r, brush(), std::fabs(number()), &style);
-                break;
-            case 18:
-                result = GXRenderTargetStrokeEllipse(target, &r, brush(), std::fabs(number()), &style);
-                break;
-            case 19:
-                result = GXRenderTargetClipRect(target, &r);
-                break;
-            case 20:
-                result = GXRenderTargetClipEllipse(target, &r);
-                break;
-            case 21:
-                result = GXRenderTargetDrawBitmap(target, image, &p, number(), below(4));
-                break;
-            case 22:
-                result = GXRenderTargetStretchBitmap(target, image, &r, &part, 1.0F, below(4));
-                break;
-            case 23:
-                result = GXRenderTargetDrawGradient(target, gradients[below(3)], number(), &m);
-                break;
-            case 24:
-                result = GXRenderTargetFillMask(target, mask, brush(), &r, below(3));
-                break;
-            case 25:
-                result = GXRenderTargetInvertRect(target, &r);
-                break;
-            default:
-                result = GXRenderTargetInvertLine(target, &p, &q);
-                break;
-            }
-            ASSERT_TRUE(result == GXResultSuccess || result == GXResultEngineError || result == GXResultInvalidArgument)
-                << "sequence " << s << " call " << k << " result " << result;
-        }
-        if (s % 64 == 63) {
-            for (size_t i = 0; i < memory.size(); ++i) {
-                const bool inside = i / kStride >= 1 && i / kStride <= kHeight && i % kStride < kWidth * 4;
-                ASSERT_TRUE(inside || memory[i] == 0x5A) << "sequence " << s << " byte " << i;
-            }
-        }
-    }
+TEST(RenderTarget, EndPaintClosesTheLayersAroundOneThatFails) {
+    Canvas c(2, 1);
+    const LastMessage message;
+    const GXLayerDesc layer{{0, 0, 0, 0}, 1.0F, 1, 0};
+    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+    FillRect(c, {0, 0, 1, 1}, kRed);
+    const Owned<GXBrush> mask = Solid(kWhite);
+    ASSERT_EQ(GXRenderTargetSetShapeMask(c.target, 9, mask), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+    FillRect(c, {0, 0, 2, 1}, kGreen);
+    EXPECT_EQ(GXRenderTargetEndPaint(c.target), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "Unsupported soft mask type.");
+    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kRed, 0}));
+    EXPECT_EQ(GXRenderTargetBeginPaint(c.target), GXResultSuccess);
 }
 
 } // namespace

@@ -59,6 +59,8 @@ TEST(Dasher, StartsAtThePhase) {
          {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), 3e38F, -3e38F}) {
         EXPECT_LT(Cut(Dashes({4, 2}, phase), 100).size(), 40U) << phase;
     }
+    // The sum is beyond the floats, and with it the way back from its end.
+    EXPECT_EQ(Cut(Dashes({3e38F, 3e38F, 1}, -1), 100), (Ends{0, 100}));
 }
 
 TEST(Dasher, RefusesBadPatterns) {

@@ -2,6 +2,8 @@
 #include "DashSequence.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "../Exception.h"
 
@@ -10,7 +12,8 @@ namespace {
 
 constexpr float kPhaseTolerance = 1e-5F;
 
-/// The phase inside [0, period). Non-finite phases come out as NaN, which starts the pattern.
+/// The phase inside [0, period). What is not finite comes out as NaN, which starts the pattern: phases, and those
+/// before the start of a pattern whose length is beyond the floats.
 [[nodiscard]] float Wrap(float phase, float period) noexcept {
     if (phase >= period) {
         phase = std::fmod(phase, period);
@@ -19,7 +22,7 @@ constexpr float kPhaseTolerance = 1e-5F;
         const float back = -phase;
         phase = period - (back > period ? std::fmod(back, period) : back);
     }
-    return phase;
+    return std::isfinite(phase) ? phase : std::numeric_limits<float>::quiet_NaN();
 }
 
 } // namespace

@@ -44,7 +44,9 @@ IntRect LayerBox(const Rect& bounds, const Matrix& m, const IntRect& area) noexc
         return area;
     }
     const Rect box = MapBox(m, bounds);
-    return RoundOut({box.left + 1.0F, box.top + 1.0F, box.right - 1.0F, box.bottom - 1.0F});
+    // Whole before RoundOut's margin is taken off: a sum that rounds must not take a pixel.
+    return RoundOut({std::floor(box.left) + 1.0F, std::floor(box.top) + 1.0F, std::ceil(box.right) - 1.0F,
+                     std::ceil(box.bottom) - 1.0F});
 }
 
 Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destination) noexcept {

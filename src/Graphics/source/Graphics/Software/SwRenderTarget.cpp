@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <exception>
 
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
@@ -119,29 +120,28 @@ void SwRenderTarget::BeginPaint() {
 }
 
 void SwRenderTarget::EndPaint() {
-    const auto finish = [this]() noexcept {
-        m_layers.clear();
-        for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
-            layer->Trim();
-        }
-        m_clips.Forget();
-        m_basic.Close();
-        m_clips.Pool().Trim();
-        m_glyphs.reset();
-        m_cached = SwState();
-        m_painting = false;
-    };
-    try {
-        while (!m_layers.empty()) {
+    // A layer that cannot be closed is lost; those around it, and the bracket, are closed all the same.
+    std::exception_ptr failure;
+    while (!m_layers.empty()) {
+        try {
             CloseLayer();
+        } catch (...) {
+            failure = failure == nullptr ? std::current_exception() : failure;
         }
-    } catch (...) {
-        finish();
-        m_surface->EndPaint();
-        throw;
     }
-    finish();
+    for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
+        layer->Trim();
+    }
+    m_clips.Forget();
+    m_basic.Close();
+    m_clips.Pool().Trim();
+    m_glyphs.reset();
+    m_cached = SwState();
+    m_painting = false;
     m_surface->EndPaint();
+    if (failure != nullptr) {
+        std::rethrow_exception(failure);
+    }
 }
 
 void SwRenderTarget::PushState() { Current().PushState(); }
