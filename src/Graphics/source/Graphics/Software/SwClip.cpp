@@ -25,16 +25,28 @@ struct LongestFull {
     }
 
     void AddBytes(int32_t x0, int32_t x1, const uint8_t* values) noexcept {
-        for (int32_t x = x0; x < x1;) {
-            int32_t stop = x;
-            while (stop < x1 && values[stop - x0] == 255) {
-                ++stop;
-            }
-            if (stop > x) {
-                Add(x, stop);
-            }
-            x = stop + 1;
+        const uint8_t* const last = values + (x1 - x0);
+        const uint8_t* at = values;
+        while (at != last &&
+               (at = static_cast<const uint8_t*>(std::memchr(at, 255, static_cast<size_t>(last - at)))) != nullptr) {
+            const uint8_t* stop = EndOfFull(at + 1, last);
+            Add(x0 + static_cast<int32_t>(at - values), x0 + static_cast<int32_t>(stop - values));
+            at = stop;
         }
+    }
+
+    /// The first byte from `at` on that is not 255.
+    [[nodiscard]] static const uint8_t* EndOfFull(const uint8_t* at, const uint8_t* end) noexcept {
+        for (uint64_t word; end - at >= 8; at += 8) {
+            std::memcpy(&word, at, 8);
+            if (word != ~uint64_t{0}) {
+                break;
+            }
+        }
+        while (at != end && *at == 255) {
+            ++at;
+        }
+        return at;
     }
 
     SwClipRow extents;
@@ -113,13 +125,16 @@ void SwClipBuilder::Row(int32_t y, std::span<CoverageRun> runs) {
     const int32_t begin = runs.front().x0;
     int32_t end = begin;
     LongestFull full(begin, runs.back().x1);
+    const bool scaled = m_parent != nullptr && m_parent->HasMask(); // FinishRow looks for the longest stretch then
     for (const CoverageRun& run : runs) {
         std::memset(plane + (end - m_visible.left), 0, static_cast<size_t>(run.x0 - end));
         uint8_t* out = plane + (run.x0 - m_visible.left);
         const auto count = static_cast<size_t>(run.x1 - run.x0);
         if (run.shape != nullptr) {
             std::memcpy(out, run.shape, count);
-            full.AddBytes(run.x0, run.x1, run.shape);
+            if (!scaled) {
+                full.AddBytes(run.x0, run.x1, run.shape);
+            }
         } else {
             std::memset(out, run.value, count);
             if (run.value == 255) {

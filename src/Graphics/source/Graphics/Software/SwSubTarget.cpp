@@ -35,10 +35,18 @@ SwTargetPlanes SwBasicSubTarget::Planes(const IntRect& region) {
 }
 
 void SwBasicSubTarget::Clear(const SwKernels& kernels, const IntRect& region, const SwClip* clip, uint32_t color) {
+    const auto width = static_cast<size_t>(region.right - region.left);
+    if ((clip == nullptr || !clip->HasMask()) &&
+        static_cast<ptrdiff_t>(width * sizeof(uint32_t)) == m_planes.colorStride) {
+        // Rows without a gap are one long row.
+        kernels.fill32(reinterpret_cast<uint32_t*>(m_planes.color + region.top * m_planes.colorStride) + region.left,
+                       color, width * static_cast<size_t>(region.bottom - region.top));
+        return;
+    }
     for (int32_t y = region.top; y < region.bottom; ++y) {
         auto* row = reinterpret_cast<uint32_t*>(m_planes.color + y * m_planes.colorStride);
         if (clip == nullptr || !clip->HasMask()) {
-            kernels.fill32(row + region.left, color, static_cast<size_t>(region.right - region.left));
+            kernels.fill32(row + region.left, color, width);
             continue;
         }
         const int32_t x0 = std::max(region.left, clip->Row(y).begin);
