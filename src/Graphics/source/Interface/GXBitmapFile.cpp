@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Bitmaps in files and in native objects.
+#include "Bitmaps/Bitmap.h"
 #include "Bitmaps/Codecs/ImageFile.h"
+#include "Bitmaps/NativeBitmap.h"
 #include "Guard.h"
 #include "Handles.h"
 
@@ -32,7 +34,7 @@ GXResult GXCreateBitmapFromHBITMAP(GXNativeBitmap nativeBitmap, GXBitmap* out) n
     if (AnyNull(nativeBitmap, out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Bitmap::FromNative", "Not supported on this platform");
+    return Create(out, [&] { return BitmapFromNative(nativeBitmap); });
 }
 
 GXResult GXBitmapSaveToFile(GXBitmap bitmap, const wchar_t* path) noexcept {
@@ -46,5 +48,5 @@ GXResult GXBitmapSaveToHBITMAP(GXBitmap bitmap, GXNativeBitmap* out) noexcept {
     if (AnyNull(bitmap, out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("Graphics::Bitmap::ToNative", "Not supported on this platform");
+    return Guard([&] { *out = BitmapToNative(*bitmap->object); });
 }

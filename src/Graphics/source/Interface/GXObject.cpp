@@ -3,6 +3,7 @@
 #include "Guard.h"
 #include "Handles.h"
 #include "LogSinks.h"
+#include "Target/PlatformTargets.h"
 
 using namespace Graphics;
 
@@ -22,8 +23,9 @@ GXResult GXObjectRelease(void* handle) noexcept {
     return GXResultSuccess;
 }
 
-// A thread whose hardware cannot be had goes on drawing in software, which is no error.
-GXResult GXEnableHWAccelerationForThread() noexcept { return GXResultSuccess; }
+GXResult GXEnableHWAccelerationForThread() noexcept {
+    return Guard([] { EnableHardwareForThread(); });
+}
 
 GXResult GXLogSetSink(int32_t key, GXLogProc proc, void* context) noexcept {
     (void)Guard([&] { LogSinks::Instance().Set(key, proc, context); }); // the log never fails a host

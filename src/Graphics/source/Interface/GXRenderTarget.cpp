@@ -9,8 +9,6 @@ using namespace Graphics;
 
 namespace {
 
-constexpr const char* kNoPlatform = "Not supported on this platform";
-
 /// Runs work(target) for a handle, under the guard.
 template <class Work> [[nodiscard]] GXResult With(GXRenderTarget handle, Work&& work) noexcept {
     if (handle == nullptr) {
@@ -41,25 +39,24 @@ GXResult GXCreateRenderTargetExtBuf(void* pixels, GXPixelFormat format, const GX
 }
 
 GXResult GXCreateRenderTargetHWND(GXNativeWindow window, uint32_t softwareOnly, GXRenderTarget* out) noexcept {
-    static_cast<void>(softwareOnly);
     if (window == nullptr || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("GXCreateRenderTargetHWND", kNoPlatform);
+    return Create(out, [&] { return RenderTarget::ForWindow(window, softwareOnly != 0); });
 }
 
 GXResult GXCreateRenderTargetHDC(GXNativeDC dc, const GXIntRect* area, GXRenderTarget* out) noexcept {
     if (dc == nullptr || AnyNull(area, out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("GXCreateRenderTargetHDC", kNoPlatform);
+    return Create(out, [&] { return RenderTarget::ForDevice(dc, *area); });
 }
 
 GXResult GXCreateRenderTargetPrintDC(GXNativeDC dc, GXRenderTarget* out) noexcept {
     if (dc == nullptr || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Unavailable("GXCreateRenderTargetPrintDC", kNoPlatform);
+    return Create(out, [&] { return RenderTarget::ForPrinter(dc); });
 }
 
 GXResult GXRenderTargetGetPixelFormat(GXRenderTarget renderTarget, GXPixelFormat* out) noexcept {

@@ -102,6 +102,7 @@ void SwRenderTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> br
 }
 
 void SwRenderTarget::BeginPaint() {
+    m_surface->UpdateSurface();
     const GXPixelFormat format = m_surface->GetPixelFormat();
     if (format != GXPixelFormatPBGRA32 && format != GXPixelFormatBGRX32) {
         GX_RAISE("Graphics::SwRenderTarget::BeginPaint", "Unsuported pixel format");

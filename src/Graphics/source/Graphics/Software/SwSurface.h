@@ -11,9 +11,15 @@ public:
     virtual ~SwSurface() = default;
     [[nodiscard]] virtual Size GetSize() const = 0;
     [[nodiscard]] virtual GXPixelFormat GetPixelFormat() const = 0;
+    /// Before every frame: follows a destination whose size or format may change between frames.
+    virtual void UpdateSurface() {}
     /// The drawable pixels, valid until EndPaint.
     [[nodiscard]] virtual PixelView BeginPaint() = 0;
     virtual void EndPaint() = 0;
+
+protected:
+    /// The format of a back buffer for a display of so many bits a pixel; raises "Unsupported pixel format."
+    [[nodiscard]] static GXPixelFormat GetCompatibleFormat(int bitsPerPixel);
 };
 
 } // namespace Graphics

@@ -8,6 +8,7 @@
 #include "../Software/SwExtBufSurface.h"
 #include "../Software/SwRenderTarget.h"
 #include "../Text/Font.h"
+#include "PlatformTargets.h"
 
 namespace Graphics {
 
@@ -20,6 +21,18 @@ std::shared_ptr<RenderTarget> RenderTarget::ForBuffer(void* pixels, GXPixelForma
                                                       const GXExtBufLayout& layout) {
     return std::make_shared<RenderTarget>(
         std::make_unique<SwRenderTarget>(std::make_unique<SwExtBufSurface>(pixels, format, layout)));
+}
+
+std::shared_ptr<RenderTarget> RenderTarget::ForWindow(void* window, bool softwareOnly) {
+    return std::make_shared<RenderTarget>(CreateWindowTarget(window, softwareOnly));
+}
+
+std::shared_ptr<RenderTarget> RenderTarget::ForDevice(void* dc, const IntRect& area) {
+    return std::make_shared<RenderTarget>(CreateDeviceTarget(dc, area));
+}
+
+std::shared_ptr<RenderTarget> RenderTarget::ForPrinter(void* dc) {
+    return std::make_shared<RenderTarget>(CreatePrinterTarget(dc));
 }
 
 RenderTargetBase& RenderTarget::Painting() {

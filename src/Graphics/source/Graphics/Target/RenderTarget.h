@@ -21,6 +21,11 @@ public:
     [[nodiscard]] static std::shared_ptr<RenderTarget> ForBuffer(void* pixels, GXPixelFormat format,
                                                                  const GXExtBufLayout& layout);
 
+    /// The platform's own destinations, which must outlive the target; PlatformTargets.h says what each raises.
+    [[nodiscard]] static std::shared_ptr<RenderTarget> ForWindow(void* window, bool softwareOnly);
+    [[nodiscard]] static std::shared_ptr<RenderTarget> ForDevice(void* dc, const IntRect& area);
+    [[nodiscard]] static std::shared_ptr<RenderTarget> ForPrinter(void* dc);
+
     [[nodiscard]] RenderTargetBase& BackEnd() noexcept { return *m_backEnd; }
     /// The back end for a call that is only legal between BeginPaint and EndPaint; raises "Painting has not begun".
     [[nodiscard]] RenderTargetBase& Painting();

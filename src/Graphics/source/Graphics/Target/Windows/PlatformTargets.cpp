@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// Windows: which back end draws into what.
+#include "../PlatformTargets.h"
+
+#include "../../Exception.h"
+#include "../../Software/SwRenderTarget.h"
+#include "../../Software/Windows/SwDeviceSurface.h"
+#include "../../Software/Windows/SwWindowSurface.h"
+#include "ThreadHardware.h"
+
+namespace Graphics {
+
+std::unique_ptr<RenderTargetBase> CreateWindowTarget(void* window, bool softwareOnly) {
+    if (HwRenderTargetFactory* hardware = softwareOnly ? nullptr : ThreadHardware::Factory(); hardware != nullptr) {
+        try {
+            if (std::unique_ptr<RenderTargetBase> target = hardware->CreateWindowTarget(window); target != nullptr) {
+                return target;
+            }
+        } catch (const Exception&) {
+            // Software draws the same.
+        }
+    }
+    return std::make_unique<SwRenderTarget>(std::make_unique<SwWindowSurface>(static_cast<HWND>(window)));
+}
+
+std::unique_ptr<RenderTargetBase> CreateDeviceTarget(void* dc, const IntRect& area) {
+    return std::make_unique<SwRenderTarget>(std::make_unique<SwDeviceSurface>(static_cast<HDC>(dc), area));
+}
+
+std::unique_ptr<RenderTargetBase> CreatePrinterTarget(void*) {
+    GX_RAISE("Graphics::CreatePrinterTarget", "Not implemented");
+}
+
+void EnableHardwareForThread() { ThreadHardware::Enable(); }
+
+} // namespace Graphics

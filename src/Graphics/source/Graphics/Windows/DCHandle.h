@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// Owners of what GDI hands out: device contexts, objects, a selection, a saved state. All give back in their destructors.
+#pragma once
+
+#include <utility>
+
+#include "SystemCalls.h"
+
+namespace Graphics {
+
+/// A device context, or none where the system had none to give.
+class DCHandle {
+public:
+    DCHandle() noexcept = default;
+    DCHandle(DCHandle&& o) noexcept : m_dc(std::exchange(o.m_dc, nullptr)), m_window(o.m_window) {}
+    DCHandle& operator=(DCHandle&& o) noexcept {
+        std::swap(m_dc, o.m_dc);
+        std::swap(m_window, o.m_window);
+        return *this;
+    }
+    ~DCHandle() {
+        if (m_dc != nullptr) {
+            m_window != nullptr ? static_cast<void>(g_system.releaseDC(m_window, m_dc))
+                                : static_cast<void>(g_system.deleteDC(m_dc));
+        }
+    }
+
+    /// The display's properties; not for drawing.
+    [[nodiscard]] static DCHandle DisplayInformation() noexcept {
+        return {g_system.createIC(L"DISPLAY", nullptr, nullptr, nullptr), nullptr};
+    }
+    /// The client area of a window.
+    [[nodiscard]] static DCHandle OfWindow(HWND window) noexcept { return {g_system.getDC(window), window}; }
+    /// A context in memory like `dc`; null: like the display.
+    [[nodiscard]] static DCHandle Compatible(HDC dc) noexcept { return {g_system.createCompatibleDC(dc), nullptr}; }
+
+    [[nodiscard]] HDC Get() const noexcept { return m_dc; }
+    [[nodiscard]] explicit operator bool() const noexcept { return m_dc != nullptr; }
+
+private:
+    DCHandle(HDC dc, HWND window) noexcept : m_dc(dc), m_window(window) {}
+
+    HDC m_dc = nullptr;
+    HWND m_window = nullptr; // of a context that is released instead of deleted
+};
+
+/// A bitmap of GDI, or none.
+class GdiBitmap {
+public:
+    GdiBitmap() noexcept = default;
+    explicit GdiBitmap(HBITMAP bitmap) noexcept : m_bitmap(bitmap) {}
+    GdiBitmap(GdiBitmap&& o) noexcept : m_bitmap(o.Release()) {}
+    GdiBitmap& operator=(GdiBitmap&& o) noexcept {
+        std::swap(m_bitmap, o.m_bitmap);
+        return *this;
+    }
+    ~GdiBitmap() {
+        if (m_bitmap != nullptr) {
+            g_system.deleteObject(m_bitmap);
+        }
+    }
+
+    [[nodiscard]] HBITMAP Get() const noexcept { return m_bitmap; }
+    [[nodiscard]] HBITMAP Release() noexcept { return std::exchange(m_bitmap, nullptr); }
+    [[nodiscard]] explicit operator bool() const noexcept { return m_bitmap != nullptr; }
+
+private:
+    HBITMAP m_bitmap = nullptr;
+};
+
+/// A bitmap stays in a device context while this lives. False: the system refused.
+class GdiSelection {
+public:
+    GdiSelection(HDC dc, HBITMAP bitmap) noexcept : m_dc(dc), m_before(g_system.selectObject(dc, bitmap)) {}
+    GdiSelection(const GdiSelection&) = delete;
+    GdiSelection& operator=(const GdiSelection&) = delete;
+    ~GdiSelection() {
+        if (m_before != nullptr) {
+            g_system.selectObject(m_dc, m_before);
+        }
+    }
+    [[nodiscard]] explicit operator bool() const noexcept { return m_before != nullptr; }
+
+private:
+    HDC m_dc;
+    HGDIOBJ m_before;
+};
+
+/// While this lives, one unit of the host's context is one device pixel and (0, 0) is the device's top left corner,
+/// whatever mapping, origin, transform or mirroring the host has set. Its clip stays in force. False: the system refused.
+class DevicePixels {
+public:
+    explicit DevicePixels(HDC dc) noexcept;
+    DevicePixels(const DevicePixels&) = delete;
+    DevicePixels& operator=(const DevicePixels&) = delete;
+    ~DevicePixels();
+    [[nodiscard]] explicit operator bool() const noexcept { return m_saved != 0; }
+
+private:
+    HDC m_dc;
+    int m_saved;
+};
+
+} // namespace Graphics

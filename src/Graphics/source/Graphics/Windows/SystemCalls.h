@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The calls of Windows that drawing into windows, device contexts and native bitmaps depends on, as one table: a test
+// replaces an entry to see what happens when the system refuses.
+#pragma once
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+namespace Graphics {
+
+struct SystemCalls {
+    decltype(&::IsWindow) isWindow = &::IsWindow;
+    decltype(&::IsIconic) isIconic = &::IsIconic;
+    decltype(&::GetClientRect) getClientRect = &::GetClientRect;
+    decltype(&::GetDC) getDC = &::GetDC;
+    decltype(&::ReleaseDC) releaseDC = &::ReleaseDC;
+    decltype(&::CreateICW) createIC = &::CreateICW;
+    decltype(&::CreateCompatibleDC) createCompatibleDC = &::CreateCompatibleDC;
+    decltype(&::DeleteDC) deleteDC = &::DeleteDC;
+    decltype(&::GetDeviceCaps) getDeviceCaps = &::GetDeviceCaps;
+    decltype(&::GetObjectType) getObjectType = &::GetObjectType;
+    decltype(&::GetObjectW) getObject = &::GetObjectW;
+    decltype(&::SaveDC) saveDC = &::SaveDC;
+    decltype(&::CreateDIBSection) createDIBSection = &::CreateDIBSection;
+    decltype(&::CreateCompatibleBitmap) createCompatibleBitmap = &::CreateCompatibleBitmap;
+    decltype(&::SelectObject) selectObject = &::SelectObject;
+    decltype(&::DeleteObject) deleteObject = &::DeleteObject;
+    decltype(&::BitBlt) bitBlt = &::BitBlt;
+    decltype(&::StretchBlt) stretchBlt = &::StretchBlt;
+    decltype(&::GetDIBits) getDIBits = &::GetDIBits;
+    decltype(&::SetDIBitsToDevice) setDIBitsToDevice = &::SetDIBitsToDevice;
+};
+
+/// The table in force. Only tests write to it, while nothing draws.
+inline SystemCalls g_system;
+
+} // namespace Graphics
