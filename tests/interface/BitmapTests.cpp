@@ -355,21 +355,4 @@ TEST_F(Bitmaps, LogSinksGoInKeyOrderAndCanBeReplaced) {
     EXPECT_EQ(order, "abb");
 }
 
-TEST_F(Bitmaps, NativeBitmapsNeedTheirPlatform) {
-    int handle = 0;
-    GXBitmap bitmap = Make(2, 2, GXPixelFormatBGRA32);
-    GXBitmap out = nullptr;
-    GXNativeBitmap native = nullptr;
-    EXPECT_EQ(GXCreateBitmapFromHBITMAP(nullptr, &out), GXResultInvalidArgument);
-    EXPECT_EQ(GXCreateBitmapFromHBITMAP(&handle, nullptr), GXResultInvalidArgument);
-    EXPECT_EQ(GXBitmapSaveToHBITMAP(bitmap, nullptr), GXResultInvalidArgument);
-    EXPECT_EQ(GXCreateBitmapFromHBITMAP(&handle, &out), GXResultEngineError);
-    EXPECT_EQ(Message(), "Not supported on this platform");
-    EXPECT_EQ(GXBitmapSaveToHBITMAP(bitmap, &native), GXResultEngineError);
-    EXPECT_EQ(Message(), "Not supported on this platform");
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(native, nullptr);
-    GXObjectRelease(bitmap);
-}
-
 } // namespace

@@ -11,8 +11,8 @@ class Bitmap;
 /// A bitmap with a copy of the pixels of a native one. Raises "Failed to load"; "Not supported on this platform".
 [[nodiscard]] std::shared_ptr<Bitmap> BitmapFromNative(void* nativeBitmap);
 
-/// A native bitmap with a copy of the pixels: 32 bits, premultiplied, rows from the top down. The caller deletes it. Raises
-/// "CreateDIBSection fail"; "Not supported on this platform".
+/// A native bitmap with a copy of the pixels: 32 bits, premultiplied, rows from the top down. The caller deletes it.
+/// Raises "CreateDIBSection fail"; "Not supported on this platform".
 [[nodiscard]] void* BitmapToNative(const Bitmap& bitmap);
 
 } // namespace Graphics

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The seam of the platform: back ends that draw into its windows, device contexts and printers. Where there are none, every
-// function but the hardware switch raises "Not supported on this platform".
+// The seam of the platform: back ends that draw into its windows, device contexts and printers. Where there are none,
+// every function but the hardware switch raises "Not supported on this platform".
 #pragma once
 
 #include <memory>
@@ -9,8 +9,8 @@
 
 namespace Graphics {
 
-/// With the graphics processor when this thread may use it and `softwareOnly` is false, else in software. Raises "The window
-/// does not exist".
+/// With the graphics processor when this thread may use it and `softwareOnly` is false, else in software. Raises "The
+/// window does not exist".
 [[nodiscard]] std::unique_ptr<RenderTargetBase> CreateWindowTarget(void* window, bool softwareOnly);
 
 /// `area` in device pixels; an empty one is the whole device. Raises "CreateCompatibleDC is failed.", "CreateDIBSection

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Owners of what GDI hands out: device contexts, objects, a selection, a saved state. All give back in their destructors.
+// Owners of what GDI hands out: device contexts, objects, a selection, a saved state. All give back in their
+// destructors.
 #pragma once
 
 #include <utility>
@@ -87,7 +88,8 @@ private:
 };
 
 /// While this lives, one unit of the host's context is one device pixel and (0, 0) is the device's top left corner,
-/// whatever mapping, origin, transform or mirroring the host has set. Its clip stays in force. False: the system refused.
+/// whatever mapping, origin, transform or mirroring the host has set. Its clip stays in force. False: the system
+/// refused.
 class DevicePixels {
 public:
     explicit DevicePixels(HDC dc) noexcept;

@@ -16,9 +16,10 @@ public:
     /// Raises "CreateDIBSection fail".
     [[nodiscard]] static GdiBitmap CreateBitmap(const Bitmap& bitmap);
 
-    /// 1 and 8 bits become Indexed1 and Indexed8 with the palette, 24 bits BGR24, others 32 bits. The fourth byte of those is
-    /// an alpha only by custom: it counts, as that of PBGRA32, when it can be one and says something, that is when no
-    /// colour lies above it and some pixel has neither 0 nor 255; else the bitmap is BGRX32. Raises "Failed to load".
+    /// 1 and 8 bits become Indexed1 and Indexed8 with the palette, 24 bits BGR24, others 32 bits. The fourth byte of
+    /// those is an alpha only by custom: it counts, as that of PBGRA32, when it can be one and says something, that is
+    /// when no colour lies above it and some pixel has neither 0 nor 255; else the bitmap is BGRX32. Raises "Failed to
+    /// load".
     [[nodiscard]] static std::shared_ptr<Bitmap> Load(HBITMAP native);
 };
 

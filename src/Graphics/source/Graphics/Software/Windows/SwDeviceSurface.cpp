@@ -59,7 +59,8 @@ void SwDeviceSurface::Present() {
     const DevicePixels pixels(m_dc);
     const PixelView view = m_backBuffer.View();
     // Pixels of another depth are made in memory, so that the device gets one plain copy in its own form.
-    const bool converted = g_system.getObjectType(m_dc) != OBJ_ENHMETADC && g_system.getDeviceCaps(m_dc, BITSPIXEL) < 24;
+    const bool converted =
+        g_system.getObjectType(m_dc) != OBJ_ENHMETADC && g_system.getDeviceCaps(m_dc, BITSPIXEL) < 24;
     if (converted) {
         PresentConverted(view.width, view.height);
     } else if (!pixels || g_system.bitBlt(m_dc, m_area.left, m_area.top, view.width, view.height,
@@ -82,8 +83,8 @@ void SwDeviceSurface::PresentConverted(int width, int height) {
     SetStretchBltMode(context.Get(), HALFTONE);
     SetBrushOrgEx(context.Get(), 0, 0, nullptr);
     if (!selection ||
-        g_system.stretchBlt(context.Get(), 0, 0, width, height, m_backBuffer.Context(), 0, 0, width, height,
-                            SRCCOPY) == 0 ||
+        g_system.stretchBlt(context.Get(), 0, 0, width, height, m_backBuffer.Context(), 0, 0, width, height, SRCCOPY) ==
+            0 ||
         g_system.bitBlt(m_dc, m_area.left, m_area.top, width, height, context.Get(), 0, 0, SRCCOPY) == 0) {
         GX_RAISE(kPresent, "BitBlt is failed.");
     }

@@ -90,12 +90,11 @@ void SwWindowSurface::Present() {
     }
     const DevicePixels pixels(context.Get());
     const auto bits = static_cast<uint32_t>(BitsPerPixel(m_format));
-    SwBitmapInfo info(static_cast<int32_t>(m_backBuffer->StrideBytes() * 8 / bits),
-                      static_cast<int32_t>(m_size.height), bits);
+    SwBitmapInfo info(static_cast<int32_t>(m_backBuffer->StrideBytes() * 8 / bits), static_cast<int32_t>(m_size.height),
+                      bits);
     info.colors[1] = {255, 255, 255, 0}; // of a display with one bit: 0 black, 1 white
-    const int rows =
-        g_system.setDIBitsToDevice(context.Get(), 0, 0, m_size.width, m_size.height, 0, 0, 0, m_size.height,
-                                   m_backBuffer->Data(), info.Get(), DIB_RGB_COLORS);
+    const int rows = g_system.setDIBitsToDevice(context.Get(), 0, 0, m_size.width, m_size.height, 0, 0, 0,
+                                                m_size.height, m_backBuffer->Data(), info.Get(), DIB_RGB_COLORS);
     RECT visible;
     // Nothing is copied to a window of which nothing is seen.
     if (!pixels || (rows == 0 && GetClipBox(context.Get(), &visible) != NULLREGION)) {

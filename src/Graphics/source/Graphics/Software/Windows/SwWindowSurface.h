@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A surface for a window: a back buffer of the client area's size in memory, brought to the window at the end of a frame.
+// A surface for a window: a back buffer of the client area's size in memory, brought to the window at the end of a
+// frame.
 #pragma once
 
 #include <memory>
@@ -19,9 +20,9 @@ public:
     [[nodiscard]] Size GetSize() const override { return m_size; }
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return m_format; }
 
-    /// Follows the client area, the display's depth and its resolution. What both sizes have in common keeps its pixels,
-    /// the rest is black. Raises "The window does not exist", "The DC does not exist", "Unsupported pixel format." and
-    /// what a bitmap of that size raises; the back buffer is then as it was.
+    /// Follows the client area, the display's depth and its resolution. What both sizes have in common keeps its
+    /// pixels, the rest is black. Raises "The window does not exist", "The DC does not exist", "Unsupported pixel
+    /// format." and what a bitmap of that size raises; the back buffer is then as it was.
     void UpdateSurface() override;
     [[nodiscard]] PixelView BeginPaint() override;
     void EndPaint() override { Present(); }

@@ -18,8 +18,8 @@ public:
     /// Makes the calling thread's factory unless it has one. A failure leaves the thread without.
     static void Enable();
 
-    /// For tests: puts another maker in the place of CreateHardwareFactory and gives the one that was there. The calling
-    /// thread loses its factory.
+    /// For tests: puts another maker in the place of CreateHardwareFactory and gives the one that was there. The
+    /// calling thread loses its factory.
     static Maker Replace(Maker maker) noexcept;
 };
 
