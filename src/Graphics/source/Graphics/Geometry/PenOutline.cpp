@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "../Trigonometry.h"
+
 namespace Graphics {
 namespace {
 
@@ -37,9 +39,10 @@ PenOutline::PenOutline(PenStorage& storage, const StrokeStyle& style, float half
     m_miterLimit2 = limit > 0 ? limit * limit : 0.0;
     // A chord over 4 theta strays from the circle by half the tolerance: h (1 - cos 2 theta) with
     // cos theta = h / (t / 8 + h).
-    const double theta = std::acos(m_half / (static_cast<double>(m_tolerance) * 0.125 + m_half));
+    const double cosTheta = m_half / (static_cast<double>(m_tolerance) * 0.125 + m_half);
+    const double theta = Angle(std::sqrt((1 - cosTheta) * (1 + cosTheta)), cosTheta);
     m_arcStep = theta * 4 > 2 * kPi / kMostArcSteps ? theta * 4 : 2 * kPi / kMostArcSteps;
-    m_cosArcStep = m_arcStep < kPi ? std::cos(m_arcStep) : -1.0;
+    m_cosArcStep = m_arcStep < kPi ? SineAndCosine(m_arcStep).cosine : -1.0;
 }
 
 uint32_t PenOutline::OutsideOf(const Point& p) const noexcept {
@@ -156,7 +159,7 @@ void PenOutline::JoinOuter(HeapArray<Point>& side, double sign, const Point& c, 
     }
     Push(side, c, sign * s1.n.x, sign * s1.n.y);
     if (m_join == GXLineJoinRound && !(dot > m_cosArcStep)) {
-        const double angle = std::atan2(std::fabs(cross), dot);
+        const double angle = Angle(std::fabs(cross), dot);
         Arc(side, c, {sign * s1.n.x, sign * s1.n.y}, sign * angle, ArcPoints(angle));
     }
     Push(side, c, sign * s2.n.x, sign * s2.n.y);
@@ -169,7 +172,7 @@ void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double an
         return;
     }
     const double step = angle / (count + 1);
-    const double cosine = std::cos(step), sine = std::sin(step);
+    const auto [sine, cosine] = SineAndCosine(step);
     for (double i = 0; i < count; ++i) {
         v = {v.x * cosine - v.y * sine, v.x * sine + v.y * cosine};
         Push(side, c, v.x, v.y);

@@ -14,13 +14,16 @@ constexpr double kFinestDashes = 0.125;
 // Patterns on one straight line across what can be seen.
 constexpr double kMostDashes = 65536;
 
+/// Without std::hypot, whose last bits differ between libraries. The squares of what comes from floats fit.
+[[nodiscard]] double Length(double x, double y) noexcept { return std::sqrt(x * x + y * y); }
+
 struct Scales {
     double most, least; // singular values
 };
 
 [[nodiscard]] Scales ScalesOf(const Matrix& m) noexcept {
     const double a = m.m00, b = m.m01, c = m.m10, d = m.m11;
-    const double p = std::hypot(a + d, b - c) * 0.5, q = std::hypot(a - d, b + c) * 0.5;
+    const double p = Length(a + d, b - c) * 0.5, q = Length(a - d, b + c) * 0.5;
     return {p + q, std::fabs(p - q)};
 }
 
@@ -83,8 +86,8 @@ StrokePlan::StrokePlan(const Rect& controlBox, bool finite, const Matrix& m, con
     }
     // Under wide pens with caps so fine gaps are closed anyhow; without caps the number that can be seen is bounded.
     const double pattern = sum * userScale;
-    const double across = std::hypot(static_cast<double>(visibleDevice.right) - visibleDevice.left,
-                                     static_cast<double>(visibleDevice.bottom) - visibleDevice.top) +
+    const double across = Length(static_cast<double>(visibleDevice.right) - visibleDevice.left,
+                                 static_cast<double>(visibleDevice.bottom) - visibleDevice.top) +
                           2 * halfDevice * Reach(style);
     const double capped = style.cap == GXLineCapFlat ? 0.0 : halfDevice / 256;
     const double finest = std::max({kFinestDashes, across / kMostDashes, capped});

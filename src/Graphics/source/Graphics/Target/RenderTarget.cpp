@@ -8,6 +8,7 @@
 #include "../Software/SwExtBufSurface.h"
 #include "../Software/SwRenderTarget.h"
 #include "../Text/Font.h"
+#include "../Trigonometry.h"
 #include "PlatformTargets.h"
 
 namespace Graphics {
@@ -65,9 +66,10 @@ void RenderTarget::RotateTransform(float angle) {
     if (angle >= kFullTurn) {
         angle = std::fmod(angle, kFullTurn);
     }
-    // In double, rounded once: the same bits with every mathematical library.
-    const auto cosine = static_cast<float>(std::cos(static_cast<double>(angle)));
-    const auto sine = static_cast<float>(std::sin(static_cast<double>(angle)));
+    // In double, rounded once.
+    const auto [sineExact, cosineExact] = SineAndCosine(static_cast<double>(angle));
+    const auto cosine = static_cast<float>(cosineExact);
+    const auto sine = static_cast<float>(sineExact);
     ConcatTransform({cosine, sine, -sine, cosine, 0.0F, 0.0F});
 }
 

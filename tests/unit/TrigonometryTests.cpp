@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// The engine's own circle functions against the C library's, whose last bits are its own.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "Trigonometry.h"
+
+namespace Graphics {
+namespace {
+
+TEST(Trigonometry, SineAndCosineAreThoseOfTheCircle) {
+    std::mt19937_64 random(3);
+    const auto check = [](double angle) {
+        const SineCosine got = SineAndCosine(angle);
+        // Near zeros of one function the argument itself is the limit: 2^-51 of the value then.
+        ASSERT_NEAR(got.sine, std::sin(angle), 0x1p-51 * std::fabs(std::sin(angle)) + 0x1p-66) << angle;
+        ASSERT_NEAR(got.cosine, std::cos(angle), 0x1p-51 * std::fabs(std::cos(angle)) + 0x1p-66) << angle;
+    };
+    for (int i = 0; i < 200000; ++i) {
+        const double scale = std::ldexp(1.0, static_cast<int>(random() % 60) - 40);
+        check((static_cast<double>(random()) * 0x1p-63 - 1.0) * scale);
+    }
+    for (int quarter = -100; quarter <= 100; ++quarter) {
+        const auto angle = static_cast<float>(quarter * 0.78539816339744831);
+        for (float near : {angle, std::nextafter(angle, 9e9F), std::nextafter(angle, -9e9F)}) {
+            check(static_cast<double>(near));
+        }
+    }
+    for (double far : {-1e30, 1e9, -3.4e38, 1e300}) {
+        const SineCosine got = SineAndCosine(far);
+        EXPECT_NEAR(got.sine * got.sine + got.cosine * got.cosine, 1.0, 1e-15) << far;
+    }
+    EXPECT_TRUE(std::isnan(SineAndCosine(INFINITY).sine));
+    EXPECT_TRUE(std::isnan(SineAndCosine(NAN).cosine));
+    EXPECT_EQ(SineAndCosine(0.0).sine, 0.0);
+    EXPECT_EQ(SineAndCosine(0.0).cosine, 1.0);
+}
+
+TEST(Trigonometry, AnglesAreThoseOfTheirPoints) {
+    std::mt19937_64 random(5);
+    const auto check = [](double y, double x) {
+        const double expected = std::atan2(y, x);
+        ASSERT_NEAR(Angle(y, x), expected, 3 * 0x1p-53 * std::fabs(expected)) << y << " " << x;
+    };
+    for (int i = 0; i < 200000; ++i) {
+        const double scale = std::ldexp(1.0, static_cast<int>(random() % 80) - 40);
+        check((static_cast<double>(random()) * 0x1p-63 - 1.0) * scale, static_cast<double>(random()) * 0x1p-63 - 1.0);
+    }
+    for (double y : {-1.0, 0.0, 1.0}) {
+        for (double x : {-1.0, 0.0, 1.0}) {
+            check(y, x);
+        }
+    }
+}
+
+} // namespace
+} // namespace Graphics
