@@ -21,10 +21,14 @@
 namespace {
 
 std::atomic<int64_t> g_news{0};
+std::atomic<int64_t> g_live{0};
+std::atomic<int64_t> g_refused{-1}; // the number of the allocation that is refused
 
 /// Not every C library has std::aligned_alloc: the block of malloc is remembered in front of the aligned one.
 void* Counted(size_t bytes, size_t alignment) noexcept {
-    g_news.fetch_add(1, std::memory_order_relaxed);
+    if (g_news.fetch_add(1, std::memory_order_relaxed) == g_refused.load(std::memory_order_relaxed)) {
+        return nullptr;
+    }
     const size_t gap = sizeof(void*) + alignment - 1;
     void* const block = bytes > SIZE_MAX - gap ? nullptr : std::malloc(bytes + gap);
     if (block == nullptr) {
@@ -32,11 +36,13 @@ void* Counted(size_t bytes, size_t alignment) noexcept {
     }
     auto* const aligned = reinterpret_cast<void**>((reinterpret_cast<uintptr_t>(block) + gap) & ~(alignment - 1));
     aligned[-1] = block;
+    g_live.fetch_add(1, std::memory_order_relaxed);
     return aligned;
 }
 
 void Release(void* p) noexcept {
     if (p != nullptr) {
+        g_live.fetch_sub(1, std::memory_order_relaxed);
         std::free(static_cast<void**>(p)[-1]);
     }
 }
@@ -130,9 +136,30 @@ public:
         t.Fill(shape, solid, false);
         t.EndLayer();
         t.PopState();
+        DrawGroups(t, 0);
     }
 
 private:
+    /// Groups of every kind inside each other, composited under masks and clips, with drawing under masks in each.
+    void DrawGroups(RenderTargetBase& t, uint32_t depth) {
+        const PathRef shape{&m_shape, nullptr};
+        t.PushState();
+        t.Clip(shape);
+        t.SetShapeMask(GXMaskTypeLuminosity, m_bitmapBrush);
+        t.SetOpacityMask(GXMaskTypeInverseAlpha, m_gradient);
+        t.SetBlendMode(depth * 3);
+        t.BeginLayer({{0, 0, 0, 0}, 0.75F, static_cast<uint8_t>(depth & 1), static_cast<uint8_t>(depth >> 1)});
+        t.Fill(shape, *m_bitmapBrush, false);
+        t.SetOpacityMask(GXMaskTypeAlpha, m_gradient);
+        t.Fill({&m_glyph->SharedShape(), nullptr}, *m_gradient, true);
+        t.Clear(0x40302010);
+        if (depth < 3) {
+            DrawGroups(t, depth + 1);
+        }
+        t.EndLayer();
+        t.PopState();
+    }
+
     std::shared_ptr<Bitmap> m_image, m_mask, m_canvas;
     std::shared_ptr<RenderTarget> m_target;
     std::shared_ptr<Geometry> m_geometry, m_glyph;
@@ -154,7 +181,9 @@ TEST(Allocation, DrawingTakesNothingFromTheHeapOnceWarm) {
     page.Target().EndPaint();
 }
 
-TEST(Allocation, EveryRefusedAllocationLeavesAWorkingTarget) {
+/// Refuses one allocation after the other of a page's, by `refuse(n)`, until none is left; `refuse(-1)` tells how many
+/// there have been.
+template <class Refuse> void RefuseEach(const Refuse& refuse) {
     const auto pixels = [](Page& page) {
         std::vector<uint8_t> copy(200 * 150 * 4);
         page.Canvas()->CopyToMemory(nullptr, {copy.data(), 800, 800});
@@ -171,28 +200,46 @@ TEST(Allocation, EveryRefusedAllocationLeavesAWorkingTarget) {
     const std::vector<uint8_t> expected = pixels(reference);
     bool allGiven = false;
     for (int64_t n = 0; !allGiven && n < 10000; ++n) {
-        Page page;
         SwGlyphCache::DropWaiting();
-        const int64_t before = ProcessHeap::FailAfter(n);
-        bool passed = false;
-        try {
-            whole(page);
-            passed = true;
-        } catch (const Exception& e) {
-            EXPECT_STREQ(e.what(), "Not enough memory") << "allocation " << n;
-        }
-        allGiven = ProcessHeap::FailAfter(-1) - before <= n;
-        if (!passed) {
+        const int64_t live = g_live.load();
+        {
+            Page page;
+            const int64_t before = refuse(n);
+            bool passed = false;
             try {
-                page.Target().EndPaint();
-            } catch (const Exception&) { // it had not begun
+                whole(page);
+                passed = true;
+            } catch (const Exception& e) { // EXPECT_STREQ takes memory only when it fails
+                EXPECT_STREQ(e.what(), "Not enough memory") << "allocation " << n;
+            } catch (const std::bad_alloc&) {
             }
-            whole(page);
+            allGiven = refuse(-1) - before <= n;
+            if (!passed) {
+                try {
+                    page.Target().EndPaint();
+                } catch (const Exception&) { // it had not begun
+                }
+                whole(page);
+            }
+            // A refusal that passed was one for the glyph cache, which can do without.
+            ASSERT_EQ(pixels(page), expected) << "allocation " << n;
         }
-        // A refusal that passed was one for the glyph cache, which can do without.
-        ASSERT_EQ(pixels(page), expected) << "allocation " << n;
+        SwGlyphCache::DropWaiting();
+        ASSERT_EQ(g_live.load(), live) << "allocation " << n;
     }
     EXPECT_TRUE(allGiven);
+}
+
+TEST(Allocation, EveryRefusedBufferLeavesAWorkingTarget) {
+    RefuseEach([](int64_t n) { return ProcessHeap::FailAfter(n); });
+}
+
+TEST(Allocation, EveryRefusedObjectLeavesAWorkingTarget) {
+    RefuseEach([](int64_t n) {
+        const int64_t now = g_news.load();
+        g_refused.store(n < 0 ? -1 : now + n);
+        return now;
+    });
 }
 
 } // namespace

@@ -27,6 +27,9 @@ void SwLayerSubTarget::Open(SwSubTarget& parent, const IntRect& bounds, bool iso
     Reset(bounds, state);
     const auto width = static_cast<size_t>(bounds.right - bounds.left);
     const auto count = width * static_cast<size_t>(bounds.bottom - bounds.top);
+    if (Capacity() < count) {
+        DropPlanes(); // neither copied nor kept while the new ones are made
+    }
     m_color.resize(count);
     m_alpha.resize(count);
     m_shape.resize(count);
@@ -161,10 +164,14 @@ void SwLayerSubTarget::Close() noexcept {
 void SwLayerSubTarget::Trim() noexcept {
     constexpr size_t kKeepPixels = 1U << 18;
     if (m_color.capacity() > kKeepPixels) {
-        m_color = HeapArray<uint32_t>();
-        m_alpha = HeapArray<uint8_t>();
-        m_shape = HeapArray<uint8_t>();
+        DropPlanes();
     }
+}
+
+void SwLayerSubTarget::DropPlanes() noexcept {
+    m_color = HeapArray<uint32_t>();
+    m_alpha = HeapArray<uint8_t>();
+    m_shape = HeapArray<uint8_t>();
 }
 
 } // namespace Graphics

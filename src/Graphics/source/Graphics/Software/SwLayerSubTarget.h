@@ -10,6 +10,8 @@
 // so the backdrop is read in place.
 #pragma once
 
+#include <algorithm>
+
 #include "SwSubTarget.h"
 
 namespace Graphics {
@@ -36,6 +38,11 @@ public:
     void Close() noexcept;
     /// Drops large planes of a closed group: painting has ended.
     void Trim() noexcept;
+    void DropPlanes() noexcept;
+    /// Of the planes, in pixels.
+    [[nodiscard]] size_t Capacity() const noexcept {
+        return std::min({m_color.capacity(), m_alpha.capacity(), m_shape.capacity()});
+    }
 
 private:
     void Reach(const IntRect& region);

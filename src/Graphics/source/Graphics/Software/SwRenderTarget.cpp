@@ -377,16 +377,38 @@ void SwRenderTarget::Clear(uint32_t argb) {
     Current().Clear(ActiveKernels(), visible, State().clip.get(), Premultiply(argb));
 }
 
-void SwRenderTarget::BeginLayer(const GXLayerDesc& desc) {
-    const SwState& state = State();
-    IntRect bounds = Visible(LayerBox(desc.bounds, state.transform, m_area));
+/// Brings the closed layer that fits closest to the end of the spare ones. Where none fits, their planes go before new
+/// ones are made: no more is held than the layers that were open at one time.
+void SwRenderTarget::PrepareSpareLayer(size_t pixels) {
+    const size_t all = m_spareLayers.size() + m_layers.size();
+    m_spareLayers.reserve(all + 1); // every layer may come back
+    std::unique_ptr<SwLayerSubTarget>* best = nullptr;
+    for (std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
+        if (layer->Capacity() >= pixels && (best == nullptr || layer->Capacity() < (*best)->Capacity())) {
+            best = &layer;
+        }
+    }
+    if (best != nullptr) {
+        std::swap(*best, m_spareLayers.back());
+        return;
+    }
+    for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
+        layer->DropPlanes();
+    }
     if (m_spareLayers.empty()) {
         m_spareLayers.push_back(std::make_unique<SwLayerSubTarget>());
     }
-    m_layers.reserve(m_layers.size() + 1);
+}
+
+void SwRenderTarget::BeginLayer(const GXLayerDesc& desc) {
+    const SwState& state = State();
+    IntRect bounds = Visible(LayerBox(desc.bounds, state.transform, m_area));
     if (IsEmpty(bounds)) {
         bounds = {0, 0, 0, 0};
     }
+    PrepareSpareLayer(static_cast<size_t>(bounds.right - bounds.left) *
+                      static_cast<size_t>(bounds.bottom - bounds.top));
+    m_layers.reserve(m_layers.size() + 1);
     m_spareLayers.back()->Open(Current(), bounds, desc.isolated != 0, desc.knockout != 0, desc.opacity);
     m_layers.push_back(std::move(m_spareLayers.back()));
     m_spareLayers.pop_back();

@@ -75,6 +75,7 @@ private:
     void FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource);
     /// The fill of a glyph by its kept coverage. False when it has to be drawn as any other path.
     [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
+    void PrepareSpareLayer(size_t pixels);
     void CloseLayer();
 
     std::unique_ptr<SwSurface> m_surface;
