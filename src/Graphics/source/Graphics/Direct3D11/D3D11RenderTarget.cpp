@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <exception>
 
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
@@ -155,17 +156,27 @@ void D3D11RenderTarget::EndPaint() {
             target.m_clips.Forget();
             target.m_painter.Forget();
             target.m_basic.Close();
+            target.m_clips.Pool().Trim();
             target.m_cached = SwState();
             target.m_painting = false;
         }
     } finally{*this};
+    // A layer that cannot be closed is lost; those around it, and the bracket, are closed all the same.
+    std::exception_ptr failure;
     Run(false, [&] {
         while (!m_layers.empty()) {
-            CloseLayer();
+            try {
+                CloseLayer();
+            } catch (const Exception&) {
+                failure = failure == nullptr ? std::current_exception() : failure;
+            }
         }
         m_context->Batch().Flush();
         m_surface->EndPaint(*m_context);
     });
+    if (failure != nullptr) {
+        std::rethrow_exception(failure);
+    }
 }
 
 IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
