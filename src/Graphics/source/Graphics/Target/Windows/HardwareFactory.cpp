@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Names the hardware back end.
-#include "../HwRenderTargetFactory.h"
+#include "../../Direct3D11/D3D11RenderTargetFactory.h"
 
 namespace Graphics {
 
-std::unique_ptr<HwRenderTargetFactory> CreateHardwareFactory() { return nullptr; }
+std::unique_ptr<HwRenderTargetFactory> CreateHardwareFactory() { return std::make_unique<D3D11RenderTargetFactory>(); }
 
 } // namespace Graphics
