@@ -34,6 +34,7 @@ struct SystemCalls {
     decltype(&::StretchBlt) stretchBlt = &::StretchBlt;
     decltype(&::GetDIBits) getDIBits = &::GetDIBits;
     decltype(&::SetDIBitsToDevice) setDIBitsToDevice = &::SetDIBitsToDevice;
+    decltype(&::StretchDIBits) stretchDIBits = &::StretchDIBits;
 };
 
 /// The table in force. Only tests write to it, while nothing draws.

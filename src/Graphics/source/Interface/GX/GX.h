@@ -775,9 +775,9 @@ GX_API GXResult GXCreateRenderTargetHWND(GXNativeWindow window, uint32_t softwar
  * where there is no GDI. */
 GX_API GXResult GXCreateRenderTargetHDC(GXNativeDC dc, const GXIntRect* area, GXRenderTarget* outTarget) GX_NOEXCEPT;
 
-/** Makes a target that draws through the printing system into a printer's device context. GXResultInvalidArgument
- * when an argument is null. GXResultEngineError: "Failed to gdi+ startup"; "Not supported on this platform" where
- * there is no GDI. */
+/** Makes a target on a printer's device context through the printing system; one paint bracket is one page's picture.
+ * GXResultInvalidArgument when an argument is null. GXResultEngineError: "Failed to gdi+ startup", "The DC does not
+ * exist"; "Not supported on this platform" where there is no GDI. */
 GX_API GXResult GXCreateRenderTargetPrintDC(GXNativeDC dc, GXRenderTarget* outTarget) GX_NOEXCEPT;
 
 /** Reads the format of the pixels drawn into. GXResultInvalidArgument when an argument is null. */

@@ -3,6 +3,8 @@
 #include "../PlatformTargets.h"
 
 #include "../../Exception.h"
+#include "../../Gdiplus/GdipDeviceRenderTarget.h"
+#include "../../Software/SwBitmapSurface.h"
 #include "../../Software/SwRenderTarget.h"
 #include "../../Software/Windows/SwDeviceSurface.h"
 #include "../../Software/Windows/SwWindowSurface.h"
@@ -27,8 +29,12 @@ std::unique_ptr<RenderTargetBase> CreateDeviceTarget(void* dc, const IntRect& ar
     return std::make_unique<SwRenderTarget>(std::make_unique<SwDeviceSurface>(static_cast<HDC>(dc), area));
 }
 
-std::unique_ptr<RenderTargetBase> CreatePrinterTarget(void*) {
-    GX_RAISE("Graphics::CreatePrinterTarget", "Not implemented");
+std::unique_ptr<RenderTargetBase> CreatePrinterTarget(void* dc) {
+    // What GDI+ cannot draw is drawn in software.
+    const BitmapTargetMaker inSoftware = [](std::shared_ptr<Bitmap> bitmap) -> std::unique_ptr<RenderTargetBase> {
+        return std::make_unique<SwRenderTarget>(std::make_unique<SwBitmapSurface>(std::move(bitmap)));
+    };
+    return std::make_unique<GdipDeviceRenderTarget>(static_cast<HDC>(dc), inSoftware);
 }
 
 void EnableHardwareForThread() { ThreadHardware::Enable(); }

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "GdipPageList.h"
+
+#include <cstring>
+
+#include "../Bitmaps/Bitmap.h"
+#include "../Exception.h"
+#include "../Pixels/PixelFormat.h"
+
+namespace Graphics {
+namespace {
+
+constexpr IntRect kEverywhere{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+
+[[nodiscard]] bool SamePixels(const PixelView& a, const PixelView& b) noexcept {
+    if (a.format != b.format || a.width != b.width || a.height != b.height || a.paletteCount != b.paletteCount ||
+        (a.palette == nullptr) != (b.palette == nullptr) ||
+        (a.palette != nullptr && std::memcmp(a.palette, b.palette, a.paletteCount * sizeof(uint32_t)) != 0)) {
+        return false;
+    }
+    const size_t bytes = RowBytes(a.format, a.width);
+    for (int32_t y = 0; y < a.height; ++y) {
+        if (std::memcmp(a.data + y * a.strideBytes, b.data + y * b.strideBytes, bytes) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+void GdipPageList::AddState(const Matrix& transform, Call call) { Add(transform, kEverywhere, std::move(call)); }
+
+void GdipPageList::Replay(RenderTargetBase& target, const IntRect& part) const {
+    const Matrix shift{1.0F, 0.0F, 0.0F, 1.0F, static_cast<float>(-part.left), static_cast<float>(-part.top)};
+    for (const Entry& entry : m_entries) {
+        if (!IsEmpty(Intersect(entry.box, part))) {
+            target.SetTransform(Concat(entry.transform, shift));
+            entry.call(target);
+        }
+    }
+}
+
+void GdipPageList::Clear() noexcept {
+    m_entries.clear();
+    m_bitmaps.clear();
+}
+
+std::shared_ptr<Bitmap> GdipPageList::Keep(const Bitmap& bitmap) {
+    std::shared_ptr<Bitmap>& kept = m_bitmaps[bitmap.Image().get()];
+    if (kept == nullptr || !SamePixels(kept->View(), bitmap.View())) {
+        const Size size = bitmap.GetSize();
+        auto copy = Bitmap::Create({size.width, size.height, bitmap.Format(), bitmap.DpiX(), bitmap.DpiY()});
+        copy->SetPalette(bitmap.GetPalette());
+        copy->CopyFromBitmap(nullptr, bitmap, nullptr);
+        kept = std::move(copy);
+    }
+    return kept;
+}
+
+std::shared_ptr<const Brush> GdipPageList::Keep(const Brush& brush) {
+    switch (brush.Kind()) {
+    case kBrushSolid:
+        return std::make_shared<SolidBrush>(static_cast<const SolidBrush&>(brush));
+    case kBrushBitmap: {
+        auto copy = std::make_shared<BitmapBrush>(static_cast<const BitmapBrush&>(brush));
+        copy->bitmap = Keep(*copy->bitmap);
+        return copy;
+    }
+    case kBrushGradient:
+        return std::make_shared<GradientBrush>(static_cast<const GradientBrush&>(brush));
+    default:
+        GX_RAISE("Graphics::GdipPageList::Keep", "Not implemented");
+    }
+}
+
+} // namespace Graphics

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// A path of GDI+, filled through the sink that every geometry can be sent to. Takes device pixels, holds page units.
+#pragma once
+
+#include "../Geometry/GeometrySink.h"
+#include "../Matrix.h"
+#include "GdipStatus.h"
+
+namespace Graphics {
+
+class GdipPath final : public GeometrySink {
+public:
+    /// `toPage` maps device pixels to page units. Raises when GDI+ makes no path.
+    explicit GdipPath(const Matrix& toPage);
+    GdipPath(const GdipPath&) = delete;
+    GdipPath& operator=(const GdipPath&) = delete;
+    ~GdipPath() override;
+
+    void SetFillRule(uint32_t rule) override;
+    void BeginFigure(const Point& start) override;
+    void EndFigure() override {}
+    void EndFigureClose() override { m_status.Note(g_gdip.closePathFigure(m_path)); }
+    void LineTo(const Point& p) override;
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
+
+    /// The finished path. Raises when one of its parts was refused.
+    [[nodiscard]] Gdiplus::GpPath* Get() const;
+
+private:
+    const Matrix m_toPage;
+    Gdiplus::GpPath* m_path = nullptr;
+    mutable GdipStatus m_status;
+    Point m_current{};
+};
+
+} // namespace Graphics

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+// The GDI+ back end. What GDI+ can draw as it is meant is drawn at once: paths in opaque colours, images and gradients;
+// with alpha where the device composites. Everything else (groups with an effect, soft masks, blend modes, inversion,
+// meshes, stencils) is only noted: the pixels that it reaches are drawn by the software renderer from the list of all
+// calls when painting ends, and cover what GDI+ has drawn there. So a pixel is either GDI+'s alone or the screen's
+// alone.
+#pragma once
+
+#include "../Geometry/Pen.h"
+#include "../Geometry/Shape.h"
+#include "../Regions/Region.h"
+#include "../Scan/Rasterizer.h"
+#include "GdipColorSource.h"
+#include "GdipPageList.h"
+#include "GdipShows.h"
+#include "GdipSubTarget.h"
+
+namespace Graphics {
+
+/// What is drawn on.
+struct GdipDevice {
+    IntRect area{}; ///< device pixels, from (0, 0) on
+    float dpiX = 0, dpiY = 0;
+    GXPixelFormat format = GXPixelFormatBGRX32;
+    bool blends = false; ///< composites pixels with alpha
+};
+
+class GdipRenderTarget : public RenderTargetBase {
+public:
+    GdipRenderTarget(const GdipDevice& device, BitmapTargetMaker makeTarget);
+    ~GdipRenderTarget() override;
+
+    [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return m_device.format; }
+    [[nodiscard]] Size GetSize() const override;
+
+    [[nodiscard]] Matrix GetTransform() const override;
+    void SetTransform(const Matrix& m) override;
+    void SetBlendMode(uint32_t mode) override;
+    void SetStrokeAdjustment(bool on) override;
+    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+
+    /// Raises "Unsuported pixel format" when GDI+ has no counterpart of the target's format, and what Open raises.
+    void BeginPaint() override;
+    void EndPaint() override;
+    void PushState() override;
+    void PopState() override;
+    void BeginLayer(const GXLayerDesc& desc) override;
+    void EndLayer() override;
+
+    void Clear(uint32_t argb) override;
+    void Fill(const PathRef& path, const Brush& brush, bool text) override;
+    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) override;
+    void Clip(const PathRef& path) override;
+    void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
+                    uint32_t interpolation) override;
+    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) override;
+    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) override;
+    void InvertRect(const Rect& rect) override;
+    void InvertLine(const Point& from, const Point& to) override;
+
+protected:
+    /// The graphics of a page that begins.
+    [[nodiscard]] virtual std::unique_ptr<GdipGraphics> Open() = 0;
+    /// Brings opaque pixels, the first one at `origin`, to these rectangles of the device.
+    virtual void Place(GdipGraphics& graphics, const PixelView& pixels, const IntPoint& origin,
+                       const std::vector<IntRect>& rects) = 0;
+    /// The page ends, whether it succeeded or not; the graphics is gone.
+    virtual void Close() noexcept = 0;
+
+private:
+    using MaskSetter = void (RenderTargetBase::*)(uint32_t, std::shared_ptr<const Brush>);
+
+    [[nodiscard]] GdipState& State() noexcept { return m_targets.back().State(); }
+    template <class Change> void ChangeState(const GdipPageList::Call& call, Change&& change);
+    void SetMask(GdipMask GdipState::*which, MaskSetter set, GdipMask mask);
+    void AddMask(MaskSetter set, const GdipMask& mask);
+    void CheckMasks();
+    void Finish() noexcept;
+
+    /// The stored shape, or the figure put into a shape that is void after the call.
+    [[nodiscard]] const Shape& Resolve(const PathRef& path);
+    /// The part of `pixels` that the clip leaves.
+    [[nodiscard]] IntRect Visible(const IntRect& pixels) noexcept;
+    /// Whether GDI+ may draw under the present state.
+    [[nodiscard]] bool DrawsItself() noexcept;
+    [[nodiscard]] GdipShows Judge(const IntRect& visible) noexcept;
+    /// Fills what feed(path) adds with what makeSource() returns. `call` is noted.
+    template <class MakeSource, class Feed>
+    void Draw(const IntRect& visible, uint32_t interpolation, MakeSource&& makeSource, Feed&& feed,
+              GdipPageList::Call call);
+    /// The same, or nothing but the note where the brush is not for GDI+.
+    template <class Feed>
+    void DrawWith(const Brush& brush, const IntRect& visible, Feed&& feed, GdipPageList::Call call);
+    /// These pixels are the software renderer's.
+    void Leave(const IntRect& visible, GdipPageList::Call call);
+    void FeedPath(const Shape& shape, bool snap, GdipPath& sink);
+
+    const GdipDevice m_device;
+    const Matrix m_toPage;
+    const BitmapTargetMaker m_makeTarget;
+    GdipState m_cached; // what is set outside a paint bracket; the page starts with it
+
+    // While painting.
+    std::unique_ptr<GdipGraphics> m_graphics;
+    std::vector<GdipSubTarget> m_targets; // the page, then the open groups
+    GdipPageList m_page;
+    Region m_left; // pixels left to the software renderer
+
+    Rasterizer m_rasterizer; // for rectangles on whole pixels
+    PenStorage m_pen;
+    Shape m_figure;
+};
+
+} // namespace Graphics

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "GdipShows.h"
+
+#include <cmath>
+
+#include "../Bitmaps/Bitmap.h"
+#include "../Paint/GradientSampler.h"
+#include "../Pixels/PixelFormat.h"
+#include "../Scan/DeviceFigures.h"
+#include "GdipSolidColorSource.h"
+
+namespace Graphics {
+namespace {
+
+[[nodiscard]] bool IsOpaque(const PixelView& pixels) noexcept {
+    switch (pixels.format) {
+    case GXPixelFormatBGR24:
+    case GXPixelFormatBGRX32:
+    case GXPixelFormatGray8:
+    case GXPixelFormatBlackWhite1:
+        return true;
+    case GXPixelFormatIndexed8:
+    case GXPixelFormatIndexed1:
+        return std::all_of(pixels.palette, pixels.palette + (pixels.palette != nullptr ? pixels.paletteCount : 0),
+                           [](uint32_t color) { return color >> 24 == 255; });
+    case GXPixelFormatPBGRA32:
+    case GXPixelFormatBGRA32:
+        for (int32_t y = 0; y < pixels.height; ++y) {
+            const uint8_t* alpha = pixels.data + y * pixels.strideBytes + 3;
+            for (int32_t x = 0; x < pixels.width; ++x) {
+                if (alpha[static_cast<size_t>(x) * 4] != 255) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+bool GdipShows::Shows(const Brush& brush) const {
+    switch (brush.Kind()) {
+    case kBrushSolid:
+        return blends || GdipSolidColorSource::ColorOf(static_cast<const SolidBrush&>(brush)) >> 24 == 255;
+    case kBrushBitmap: {
+        const auto& b = static_cast<const BitmapBrush&>(brush);
+        const Matrix toDevice = Concat(b.transform, transform);
+        return Shows(b.bitmap->View(), b.opacity, b.interpolation, toDevice) && Covers(b, toDevice);
+    }
+    case kBrushGradient: {
+        const auto& b = static_cast<const GradientBrush&>(brush);
+        return b.gradient->Kind() != kGradientTriMesh && b.opacity >= 0.0F && b.opacity <= 1.0F &&
+               (blends || IsOpaque(b));
+    }
+    default:
+        return true; // the source's maker raises
+    }
+}
+
+bool GdipShows::Shows(const PixelView& pixels, float opacity, uint32_t interpolation, const Matrix& toDevice) const {
+    // Opacities from 0.99 on are none to the colour source.
+    if (!(opacity >= 0.0F && opacity <= 1.0F) || (!blends && (opacity < 0.99F || !Graphics::IsOpaque(pixels)))) {
+        return false;
+    }
+    Matrix inverse;
+    if (!Invert(toDevice, inverse)) {
+        return false;
+    }
+    // The filters of GDI+ skip pixels of images that are made much smaller.
+    constexpr float kLeastScale = 0.5F;
+    return interpolation == GXInterpolationNearest || (std::hypot(toDevice.m00, toDevice.m01) >= kLeastScale &&
+                                                       std::hypot(toDevice.m10, toDevice.m11) >= kLeastScale);
+}
+
+/// A clamped texture of GDI+ is transparent beyond the image and fades at its edges, and one that is clamped in a
+/// single direction is tiled: it has to lie around all that is painted.
+bool GdipShows::Covers(const BitmapBrush& brush, const Matrix& toDevice) const noexcept {
+    const auto tiles = [](uint32_t extend) { return extend == GXExtendRepeat || extend == GXExtendMirror; };
+    if (tiles(brush.extendX) && tiles(brush.extendY)) {
+        return true;
+    }
+    Matrix toImage;
+    if (!Invert(toDevice, toImage)) {
+        return false;
+    }
+    constexpr float kFilterReach = 2.0F;
+    const Rect box = MapBox(toImage, ToRect(visible));
+    const PixelView pixels = brush.bitmap->View();
+    const bool coversX = box.left >= kFilterReach && box.right <= static_cast<float>(pixels.width) - kFilterReach;
+    const bool coversY = box.top >= kFilterReach && box.bottom <= static_cast<float>(pixels.height) - kFilterReach;
+    return (tiles(brush.extendX) || coversX) && (tiles(brush.extendY) || coversY);
+}
+
+bool GdipShows::IsOpaque(const GradientBrush& brush) const noexcept {
+    const auto& gradient = static_cast<const TwoPointGradientBase&>(*brush.gradient);
+    Matrix inverse;
+    if (brush.opacity != 1.0F || !GradientSampler(gradient.stops).IsOpaque() ||
+        !Invert(Concat(brush.transform, transform), inverse)) {
+        return false;
+    }
+    if (gradient.hasBackground && PackColor(gradient.background) >> 24 == 255) {
+        return true;
+    }
+    if (!gradient.extendStart || !gradient.extendEnd) {
+        return false;
+    }
+    const float distance = std::hypot(gradient.end.x - gradient.start.x, gradient.end.y - gradient.start.y);
+    if (gradient.Kind() == kGradientLinear) {
+        return distance > 0.0F;
+    }
+    // The plane is covered when one circle lies inside the other.
+    const auto& radial = static_cast<const RadialGradient&>(gradient);
+    return distance < std::fabs(radial.endRadius - radial.startRadius);
+}
+
+} // namespace Graphics
