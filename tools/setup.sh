@@ -11,7 +11,7 @@ GX_TEST_PACKAGES=(fonts-liberation clang-14 libpolyclipping-dev)
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
 GX_WINDOWS_PACKAGES=(
     g++-mingw-w64-x86-64-posix googletest lld-14 llvm-14 wine wine64 xvfb libgl1 libgl1-mesa-dri fonts-liberation
-    fonts-dejavu-core libz-mingw-w64-dev
+    fonts-dejavu-core libz-mingw-w64-dev ghostscript
 )
 
 gx_say() { printf '\n==> %s\n' "$*"; }

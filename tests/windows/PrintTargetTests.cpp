@@ -1,0 +1,406 @@
+// SPDX-License-Identifier: MIT
+// The printer target on a picture in memory that answers as a printer does: what GDI+ is told, what the software
+// renderer draws instead, and that whatever fails has its message and leaves no object behind.
+#include "PrintSupport.h"
+
+#include "Gdiplus/GdipBitmapColorSource.h"
+#include "Gdiplus/GdipRenderTarget.h"
+#include "Windows/GdiplusScope.h"
+
+namespace {
+
+using namespace TargetSupport;
+using namespace WindowsSupport;
+using namespace PrintSupport;
+using Graphics::g_gdip;
+using Graphics::GdipCalls;
+
+class PrintTarget : public ::testing::Test {
+public:
+    void TearDown() override {
+        g_gdip = GdipCalls();
+        g_system = SystemCalls();
+    }
+    LastMessage message;
+};
+
+// The first printer target of a process brings GDI+ up; the test runs in a process of its own.
+TEST_F(PrintTarget, StartsGdiplusOnceAndTriesAgainAfterAFailure) {
+    static int starts;
+    starts = 0;
+    const bool fresh = !Graphics::GdiplusScope::IsUp();
+    g_gdip.startup = [](ULONG_PTR*, const Gdiplus::GdiplusStartupInput*,
+                        Gdiplus::GdiplusStartupOutput*) -> Gdiplus::Status { return Gdiplus::GdiplusNotInitialized; };
+    EXPECT_THROW(const Graphics::GdiplusScope scope("Failed to gdi+ startup"), Graphics::Exception);
+    EXPECT_EQ(message.Text(), "Failed to gdi+ startup");
+    const Printer printer(40, 30, false);
+    Owned<GXRenderTarget> target;
+    if (fresh) {
+        EXPECT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultEngineError);
+        EXPECT_EQ(static_cast<GXRenderTarget>(target), nullptr);
+    }
+    g_gdip.startup = [](ULONG_PTR* token, const Gdiplus::GdiplusStartupInput* in,
+                        Gdiplus::GdiplusStartupOutput* out) -> Gdiplus::Status {
+        ++starts;
+        return Gdiplus::GdiplusStartup(token, in, out);
+    };
+    for (int i = 0; i < 3; ++i) {
+        Owned<GXRenderTarget> another;
+        EXPECT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), another.Out()), GXResultSuccess);
+    }
+    EXPECT_EQ(starts, fresh ? 1 : 0);
+}
+
+// What the calls were told, in their order.
+std::vector<std::string> g_told;
+template <class Value> Gdiplus::GpStatus Tell(const char* name, Value value) {
+    g_told.push_back(name + std::string(" ") + std::to_string(static_cast<int>(value)));
+    return Gdiplus::Ok;
+}
+
+void ListenToState() {
+    g_told.clear();
+    g_gdip.saveGraphics = [](Gdiplus::GpGraphics*, Gdiplus::GraphicsState*) { return Tell("save", 0); };
+    g_gdip.restoreGraphics = [](Gdiplus::GpGraphics*, Gdiplus::GraphicsState) { return Tell("restore", 0); };
+    g_gdip.setCompositingMode = [](Gdiplus::GpGraphics*, Gdiplus::CompositingMode m) { return Tell("mode", m); };
+    g_gdip.setCompositingQuality = [](Gdiplus::GpGraphics*, Gdiplus::CompositingQuality q) {
+        return Tell("quality", q);
+    };
+    g_gdip.setInterpolationMode = [](Gdiplus::GpGraphics*, Gdiplus::InterpolationMode m) {
+        return Tell("interpolation", m);
+    };
+    g_gdip.setPixelOffsetMode = [](Gdiplus::GpGraphics*, Gdiplus::PixelOffsetMode m) { return Tell("offset", m); };
+    g_gdip.setSmoothingMode = [](Gdiplus::GpGraphics*, Gdiplus::SmoothingMode m) { return Tell("smoothing", m); };
+    g_gdip.setPageUnit = [](Gdiplus::GpGraphics*, Gdiplus::GpUnit u) { return Tell("unit", u); };
+    g_gdip.resetWorldTransform = [](Gdiplus::GpGraphics*) { return Tell("reset", 0); };
+    g_gdip.fillPath = [](Gdiplus::GpGraphics*, Gdiplus::GpBrush*, Gdiplus::GpPath*) { return Tell("fill", 0); };
+}
+
+TEST_F(PrintTarget, EveryDrawHasItsState) {
+    const Printer printer(40, 30, false);
+    const Owned<GXBitmap> image = MakeBitmap(4, 4, GXPixelFormatBGRX32);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    const GXIntRect all{0, 0, 4, 4};
+    const GXRect to{2, 2, 30, 28};
+    const char* const modes[] = {"interpolation 5", "interpolation 4", "interpolation 7", "interpolation 5"};
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    for (uint32_t interpolation = 0; interpolation < 4; ++interpolation) {
+        ListenToState();
+        ASSERT_EQ(GXRenderTargetStretchBitmap(target, image, &to, &all, 1.0F, interpolation), GXResultSuccess);
+        EXPECT_EQ(g_told, (std::vector<std::string>{"save 0", "mode 0", "quality 2", modes[interpolation], "offset 2",
+                                                    "smoothing 2", "unit 3", "fill 0", "restore 0", "reset 0"}));
+    }
+    // A refusal in the middle is told, and the sequence goes on.
+    const std::vector<std::string> whole = g_told;
+    ListenToState();
+    g_gdip.setPixelOffsetMode = [](Gdiplus::GpGraphics*, Gdiplus::PixelOffsetMode m) {
+        Tell("offset", m);
+        return Gdiplus::ValueOverflow;
+    };
+    g_gdip.setPageUnit = [](Gdiplus::GpGraphics*, Gdiplus::GpUnit u) {
+        Tell("unit", u);
+        return Gdiplus::WrongState;
+    };
+    EXPECT_EQ(GXRenderTargetStretchBitmap(target, image, &to, &all, 1.0F, 3), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "Gdiplus call failed - status: {11}");
+    EXPECT_EQ(g_told, whole);
+    g_gdip = GdipCalls();
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+}
+
+TEST_F(PrintTarget, TexturesHaveTheWrapModesAndOpacitiesOfTheirBrushes) {
+    using Source = Graphics::GdipBitmapColorSource;
+    const int modes[4][4] = {{4, 0, 0, 0}, {0, 0, 2, 0}, {0, 1, 3, 0}, {0, 0, 0, 0}};
+    for (uint32_t x = 0; x < 4; ++x) {
+        for (uint32_t y = 0; y < 4; ++y) {
+            EXPECT_EQ(static_cast<int>(Source::WrapModeOf(x, y)), modes[x][y]) << x << ", " << y;
+        }
+    }
+    Graphics::GdiplusScope::BringUp();
+    static int plain, scaled;
+    static float alpha;
+    static Gdiplus::ColorMatrixFlags flags;
+    g_gdip.createTexture = [](Gdiplus::GpImage* i, Gdiplus::GpWrapMode m, Gdiplus::GpTexture** t) {
+        plain += m == Gdiplus::WrapModeTile;
+        return Graphics::GdipFlat::GdipCreateTexture(i, m, t);
+    };
+    g_gdip.createTextureIA = [](Gdiplus::GpImage* i, const Gdiplus::GpImageAttributes* a, float x, float y, float w,
+                                float h, Gdiplus::GpTexture** t) {
+        scaled += x == 0.0F && y == 0.0F && w == 2.0F && h == 2.0F;
+        return Graphics::GdipFlat::GdipCreateTextureIA(i, a, x, y, w, h, t);
+    };
+    g_gdip.setImageAttributesColorMatrix = [](Gdiplus::GpImageAttributes* a, Gdiplus::ColorAdjustType type, BOOL on,
+                                              const Gdiplus::ColorMatrix* m, const Gdiplus::ColorMatrix* grey,
+                                              Gdiplus::ColorMatrixFlags f) {
+        alpha = m->m[3][3];
+        flags = f;
+        EXPECT_TRUE(type == Gdiplus::ColorAdjustTypeBitmap && on && grey == nullptr && m->m[0][0] == 1.0F);
+        return Graphics::GdipFlat::GdipSetImageAttributesColorMatrix(a, type, on, m, grey, f);
+    };
+    uint32_t pixels[4] = {0xFF000000U, 0xFFFFFFFFU, 0xFF00FF00U, 0xFF0000FFU};
+    Graphics::PixelView view;
+    view.data = reinterpret_cast<uint8_t*>(pixels);
+    view.strideBytes = 8;
+    view.width = view.height = 2;
+    view.format = GXPixelFormatBGRX32;
+    for (const float opacity : {0.5F, 0.98F, 0.99F, 1.0F, 1.01F, 1.02F}) {
+        plain = scaled = 0;
+        Source source(view, 96.0F, 96.0F, opacity, Graphics::kIdentity, 1, 1);
+        source.Check();
+        const bool isPlain = opacity >= 0.99F && opacity <= 1.01F;
+        EXPECT_EQ(plain, isPlain ? 1 : 0) << opacity;
+        EXPECT_EQ(scaled, isPlain ? 0 : 1) << opacity;
+        EXPECT_TRUE(isPlain || (alpha == opacity && flags == Gdiplus::ColorMatrixFlagsDefault)) << opacity;
+    }
+}
+
+// Every pixel under alpha, groups and inversion is the screen's where the printer cannot composite.
+TEST_F(PrintTarget, WhatGdiplusCannotCompositeIsThatOfABitmap) {
+    const Printer printer(93, 61, false);
+    SetMapMode(printer.Context(), MM_LOMETRIC); // a host may leave its context in any state
+    SetViewportOrgEx(printer.Context(), 17, 5, nullptr);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    GXSize size{};
+    ASSERT_EQ(GXRenderTargetGetSize(target, &size), GXResultSuccess);
+    EXPECT_TRUE(size.width == 93 && size.height == 61);
+    for (int page = 0; page < 2; ++page) {
+        printer.Picture().Fill(0x123456);
+        ASSERT_EQ(DrawScene(target, 93, 61), GXResultSuccess);
+        EXPECT_EQ(printer.Picture().Colors(), SceneColors(93, 61, 0xFFFFFF));
+    }
+}
+
+// Pixels that only opaque paint and groups without effect reach are GDI+'s; those of a blend are the screen's, with all
+// that lies below and above them, and nothing beyond.
+TEST_F(PrintTarget, OnlyThePixelsOfAnEffectAreLeftToTheSoftwareRenderer) {
+    static std::vector<GXIntRect> placed;
+    placed.clear();
+    const Printer printer(64, 48, false);
+    g_system.stretchDIBits = [](HDC dc, int x, int y, int w, int h, int sx, int sy, int sw, int sh, const void* bits,
+                                const BITMAPINFO* info, UINT use, DWORD how) -> int {
+        placed.push_back({x, y, x + w, y + h});
+        return ::StretchDIBits(dc, x, y, w, h, sx, sy, sw, sh, bits, info, use, how);
+    };
+    const auto draw = [](GXRenderTarget t, bool effect) {
+        const Owned<GXBrush> red = Solid(0xFFD04020U), blue = Solid(0xFF3050C0U), light = Solid(0xFFE0E0A0U);
+        const GXRect left{4, 4, 30, 40}, right{20, 10, 56, 30}, on{24, 12, 40, 24}, late{28, 14, 60, 18};
+        const GXLayerDesc group{{0, 0, 0, 0}, 1.0F, 1, 0};
+        EXPECT_EQ(GXRenderTargetBeginPaint(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetClear(t, 0xFFFFFFFFU), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetBeginLayer(t, &group), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetPushState(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetClipRect(t, &right), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetFillRect(t, &left, red), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetPopState(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetEndLayer(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetFillRect(t, &right, blue), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetFillRect(t, &left, red), GXResultSuccess);
+        if (effect) {
+            EXPECT_EQ(GXRenderTargetSetBlendMode(t, GXBlendModeDifference), GXResultSuccess);
+            EXPECT_EQ(GXRenderTargetFillRect(t, &on, light), GXResultSuccess);
+            EXPECT_EQ(GXRenderTargetSetBlendMode(t, GXBlendModeNormal), GXResultSuccess);
+        }
+        EXPECT_EQ(GXRenderTargetFillRect(t, &late, light), GXResultSuccess);
+        return GXRenderTargetEndPaint(t);
+    };
+    for (const bool effect : {false, true}) {
+        const Owned<GXBitmap> bitmap = MakeBitmap(64, 48, GXPixelFormatBGRX32);
+        Owned<GXRenderTarget> plain, target;
+        ASSERT_EQ(GXCreateRenderTargetBitmap(bitmap, plain.Out()), GXResultSuccess);
+        ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+        ASSERT_EQ(draw(plain, effect), GXResultSuccess);
+        ASSERT_EQ(draw(target, effect), GXResultSuccess);
+        EXPECT_EQ(printer.Picture().Colors(), ColorsOf(bitmap, 64, 48)) << effect;
+    }
+    ASSERT_EQ(placed.size(), 1U);
+    const GXIntRect r = placed[0];
+    EXPECT_TRUE(r.left >= 23 && r.top >= 11 && r.right <= 41 && r.bottom <= 25);
+
+    // What is cleared away leaves nothing to do, unless a clip keeps some of it.
+    for (const bool clip : {false, true}) {
+        placed.clear();
+        Owned<GXRenderTarget> target;
+        const Owned<GXBrush> half = Solid(0x80D04020U);
+        const GXRect all{0, 0, 64, 48};
+        ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetFillRect(target, &all, half), GXResultSuccess);
+        if (clip) {
+            ASSERT_EQ(GXRenderTargetClipEllipse(target, &all), GXResultSuccess);
+        }
+        ASSERT_EQ(GXRenderTargetClear(target, 0xFF00FF00U), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+        EXPECT_EQ(placed.empty(), !clip);
+        EXPECT_EQ(printer.Picture().Colors()[24 * 64 + 32], 0x00FF00U);
+        EXPECT_EQ(printer.Picture().Colors()[0] == 0x00FF00U, !clip);
+    }
+}
+
+TEST_F(PrintTarget, BitmapsArePrintedAsTheyWereWhenTheyWereDrawn) {
+    const Printer printer(32, 16, false);
+    const Owned<GXBitmap> image = MakeBitmap(8, 8, GXPixelFormatBGRA32); // with alpha: drawn at the page's end
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    const GXIntRect all{0, 0, 8, 8};
+    for (int i = 0; i < 3; ++i) {
+        const uint32_t color = i == 0 ? 0x80FF0000U : i == 1 ? 0xFF00FF00U : 0x000000FFU;
+        const GXRect to{static_cast<float>(i) * 10, 2, static_cast<float>(i) * 10 + 8, 10};
+        ASSERT_EQ(GXBitmapColorFill(image, nullptr, color), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetStretchBitmap(target, image, &to, &all, 1.0F, 0), GXResultSuccess);
+    }
+    ASSERT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess) << message.Text();
+    const std::vector<uint32_t> colors = printer.Picture().Colors();
+    EXPECT_NEAR(static_cast<int>(colors[5 * 32 + 4] & 0xFF), 127, 1); // half red on white
+    EXPECT_EQ(colors[5 * 32 + 4] >> 16, 0xFFU);
+    EXPECT_EQ(colors[5 * 32 + 14], 0x00FF00U);
+    EXPECT_EQ(colors[5 * 32 + 24], 0xFFFFFFU);
+}
+
+// Wine's GDI+ samples a texture at the corners of pixels instead of their centres and fills whole pixels: edges may be
+// elsewhere by a pixel, colours by what half a pixel changes them.
+TEST_F(PrintTarget, GradientsAndImagesOfGdiplusHaveTheColoursOfABitmap) {
+    const Printer printer(120, 90, true);
+    const auto draw = [](GXRenderTarget t) {
+        const GXGradientStop stops[] = {{0.0F, 0xFF203A8CU}, {0.6F, 0xFFE86A5CU}, {1.0F, 0xFFFFE08AU}};
+        const GXLinearGradientDesc linear{stops, 3, {10, 20}, {50, 35}, 1, 1, 0};
+        const GXRadialGradientDesc radial{stops, 3, {86, 26}, 4, {90, 30}, 30, 1, 1, 0};
+        Owned<GXGradient> along, around;
+        EXPECT_EQ(GXCreateGradientLinear(&linear, along.Out()), GXResultSuccess);
+        EXPECT_EQ(GXCreateGradientRadial(&radial, around.Out()), GXResultSuccess);
+        Owned<GXBrush> a, b;
+        EXPECT_EQ(GXCreateBrushGradient(along, 1.0F, nullptr, a.Out()), GXResultSuccess);
+        EXPECT_EQ(GXCreateBrushGradient(around, 1.0F, nullptr, b.Out()), GXResultSuccess);
+        const GXRect left{0, 0, 60, 90}, right{60, 0, 120, 60}, image{64, 62, 118, 88};
+        const GXMatrix skew{1, 0.2F, -0.1F, 1, 0, 0};
+        const Owned<GXBitmap> picture = Checks();
+        const GXIntRect part{1, 0, 4, 3};
+        EXPECT_EQ(GXRenderTargetBeginPaint(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetClear(t, 0xFFFFFFFFU), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetPushState(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetConcatCTM(t, &skew), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetFillRect(t, &left, a), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetPopState(t), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetFillRect(t, &right, b), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetStretchBitmap(t, picture, &image, &part, 1.0F, 0), GXResultSuccess);
+        return GXRenderTargetEndPaint(t);
+    };
+    static int placed;
+    placed = 0;
+    g_system.stretchDIBits = [](HDC, int, int, int, int, int, int, int, int, const void*, const BITMAPINFO*, UINT,
+                                DWORD) -> int { return ++placed; };
+    const Owned<GXBitmap> bitmap = MakeBitmap(120, 90, GXPixelFormatBGRX32);
+    Owned<GXRenderTarget> plain, target;
+    ASSERT_EQ(GXCreateRenderTargetBitmap(bitmap, plain.Out()), GXResultSuccess);
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    ASSERT_EQ(draw(plain), GXResultSuccess);
+    ASSERT_EQ(draw(target), GXResultSuccess) << message.Text();
+    EXPECT_EQ(placed, 0) << "all of it is GDI+'s";
+    const Difference difference = Compare(ColorsOf(bitmap, 120, 90), printer.Picture().Colors(), 120, 90, 10);
+    EXPECT_LT(difference.mean, 4.0);
+    EXPECT_LT(difference.worst, 30.0);
+}
+
+TEST_F(PrintTarget, BandsAreOnePicture) {
+    Graphics::GdipPageList page;
+    const auto kept = std::make_shared<Graphics::SolidBrush>(Graphics::Color{0.2F, 0.5F, 0.9F, 0.6F});
+    const Graphics::BasicFigure disc(Graphics::BasicFigure::Kind::Ellipse, {3, 2, 47, 39});
+    const Graphics::GdipKeptPath path({nullptr, &disc});
+    page.AddState(Graphics::kIdentity, [](Graphics::RenderTargetBase& t) { t.BeginLayer({{0, 0, 0, 0}, 0.7F, 0, 0}); });
+    page.Add(Graphics::kIdentity, {2, 1, 48, 40},
+             [&](Graphics::RenderTargetBase& t) { t.Fill(path.Ref(), *kept, false); });
+    page.AddState(Graphics::kIdentity, [](Graphics::RenderTargetBase& t) { t.EndLayer(); });
+    using Graphics::Region;
+    const Region region = Region::Combine(Region({1, 0, 30, 41}), Region({20, 10, 49, 35}), Graphics::RegionOp::Union);
+    const auto run = [&](int64_t pixels, int& bands) {
+        std::vector<uint32_t> all(50 * 42, 0x55);
+        bands = 0;
+        Graphics::GdipFlattener(page, SoftwareTarget)
+            .Run(
+                region,
+                [&](const Graphics::PixelView& band, const Graphics::IntPoint& at,
+                    const std::vector<Graphics::IntRect>& rects) {
+                    ++bands;
+                    EXPECT_LE(static_cast<int64_t>(band.width) * band.height, pixels);
+                    for (const Graphics::IntRect& r : rects) {
+                        for (int y = r.top; y < r.bottom; ++y) {
+                            for (int x = r.left; x < r.right; ++x) {
+                                uint32_t& pixel = all[static_cast<size_t>(y * 50 + x)];
+                                EXPECT_EQ(pixel, 0x55U) << "placed twice";
+                                std::memcpy(&pixel, band.data + (y - at.y) * band.strideBytes + (x - at.x) * 4, 4);
+                            }
+                        }
+                    }
+                },
+                pixels);
+        return all;
+    };
+    int one = 0, many = 0;
+    const std::vector<uint32_t> whole = run(100000, one);
+    // A curve that is moved by whole pixels may lose or gain a sample.
+    const std::vector<uint32_t> pieces = run(50 * 4, many);
+    EXPECT_LE(Compare(pieces, whole, 50, 42, 1).worst, 8.0);
+    EXPECT_LT(Compare(pieces, whole, 50, 42, 1).mean, 0.1);
+    EXPECT_EQ(one, 1);
+    EXPECT_EQ(many, 11);
+    EXPECT_EQ(whole[0], 0x55U);
+    EXPECT_EQ(whole[41 * 50 - 48], 0xFFFFFFFFU);
+    EXPECT_NE(whole[20 * 50 + 25], 0xFFFFFFFFU);
+}
+
+class GreyTarget final : public Graphics::GdipRenderTarget {
+public:
+    GreyTarget() : GdipRenderTarget({{0, 0, 8, 8}, 96, 96, GXPixelFormatGray8, false}, SoftwareTarget) {}
+
+protected:
+    std::unique_ptr<Graphics::GdipGraphics> Open() override { return nullptr; }
+    void Place(Graphics::GdipGraphics&, const Graphics::PixelView&, const Graphics::IntPoint&,
+               const std::vector<Graphics::IntRect>&) override {}
+    void Close() noexcept override {}
+};
+
+TEST_F(PrintTarget, ErrorsAreThoseOfOtherTargets) {
+    GreyTarget grey;
+    EXPECT_THROW(grey.BeginPaint(), Graphics::Exception);
+    EXPECT_EQ(message.Text(), "Unsuported pixel format");
+
+    Owned<GXRenderTarget> target, none;
+    const HDC gone = CreateCompatibleDC(nullptr);
+    DeleteDC(gone);
+    EXPECT_EQ(GXCreateRenderTargetPrintDC(gone, none.Out()), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "The DC does not exist");
+    EXPECT_EQ(GXCreateRenderTargetPrintDC(nullptr, none.Out()), GXResultInvalidArgument);
+
+    const Printer printer(20, 20, false);
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    GXPixelFormat format = 0;
+    EXPECT_EQ(GXRenderTargetGetPixelFormat(target, &format), GXResultSuccess);
+    EXPECT_EQ(format, GXPixelFormat{GXPixelFormatBGRX32});
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "Painting has not begun");
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    EXPECT_EQ(GXRenderTargetPopState(target), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "State stack is empty");
+    EXPECT_EQ(GXRenderTargetEndLayer(target), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "No layer is open");
+    const Owned<GXBrush> brush = Solid(0xFF000000U);
+    const GXRect all{0, 0, 20, 20};
+    ASSERT_EQ(GXRenderTargetSetShapeMask(target, 9, brush), GXResultSuccess);
+    EXPECT_EQ(GXRenderTargetFillRect(target, &all, brush), GXResultEngineError);
+    EXPECT_EQ(message.Text(), "Unsupported soft mask type.");
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+    // Numbers that are none, and shapes far beyond the page.
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    const float huge = 1e30F, nan = std::nanf("");
+    for (const GXRect& rect : {GXRect{-huge, -huge, huge, huge}, GXRect{nan, 0, 5, 5}, GXRect{0, 0, huge, 1},
+                               GXRect{3, 3, 3, 9}, GXRect{1e9F, 0, 2e9F, 9}}) {
+        EXPECT_EQ(GXRenderTargetFillRect(target, &rect, brush), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetFillEllipse(target, &rect, brush), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetStrokeRect(target, &rect, brush, 0.0F, nullptr), GXResultSuccess);
+    }
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+}
+
+} // namespace
