@@ -78,19 +78,47 @@ SwClip* SwClipPool::Take() {
     }
     SwClip* clip = m_free;
     m_free = clip->m_next;
+    m_freeBytes -= clip->PlaneBytes();
     clip->m_hasMask = false;
     return clip;
 }
 
 void SwClipPool::Give(SwClip* clip) noexcept {
+    if (m_freeBytes != 0 && m_freeBytes + clip->PlaneBytes() > kKeepBytes) {
+        clip->m_plane = HeapArray<uint8_t>();
+    }
+    m_freeBytes += clip->PlaneBytes();
     clip->m_next = m_free;
     m_free = clip;
 }
 
+void SwClipPool::FindPlane(SwClip& clip, size_t bytes) noexcept {
+    if (clip.PlaneBytes() >= bytes) {
+        return;
+    }
+    SwClip* best = nullptr;
+    for (SwClip* other = m_free; other != nullptr; other = other->m_next) {
+        if (other->PlaneBytes() >= bytes && (best == nullptr || other->PlaneBytes() < best->PlaneBytes())) {
+            best = other;
+        }
+    }
+    if (best != nullptr) {
+        m_freeBytes -= best->PlaneBytes() - clip.PlaneBytes();
+        std::swap(clip.m_plane, best->m_plane);
+        return;
+    }
+    // All too small: not kept while a larger one is made.
+    clip.m_plane = HeapArray<uint8_t>();
+    for (SwClip* other = m_free; other != nullptr; other = other->m_next) {
+        other->m_plane = HeapArray<uint8_t>();
+    }
+    m_freeBytes = 0;
+}
+
 void SwClipPool::Trim() noexcept {
-    constexpr size_t kKeepBytes = 1U << 20;
     for (SwClip* clip = m_free; clip != nullptr; clip = clip->m_next) {
-        if (clip->m_plane.capacity() > kKeepBytes) {
+        if (clip->PlaneBytes() > kKeepBytes) {
+            m_freeBytes -= clip->PlaneBytes();
             clip->m_plane = HeapArray<uint8_t>();
         }
     }
@@ -107,6 +135,7 @@ void SwClipBuilder::StartMask() {
     m_clip->m_hasMask = true;
     m_clip->m_stride = static_cast<size_t>(m_visible.right - m_visible.left);
     const auto rows = static_cast<size_t>(m_visible.bottom - m_visible.top);
+    m_clip->m_pool->FindPlane(*m_clip, m_clip->m_stride * rows);
     m_clip->m_plane.resize(m_clip->m_stride * rows);
     m_clip->m_rows.resize(rows);
     for (SwClipRow& row : m_clip->m_rows) {

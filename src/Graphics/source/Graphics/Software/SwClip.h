@@ -34,6 +34,10 @@ public:
         return m_plane.data() + static_cast<size_t>(y - m_box.top) * m_stride + static_cast<size_t>(x - m_box.left);
     }
 
+    /// Of the memory for the mask, whether there is one now or not.
+    [[nodiscard]] size_t PlaneBytes() const noexcept { return m_plane.capacity(); }
+    [[nodiscard]] bool IsShared() const noexcept { return m_references > 1; }
+
 private:
     friend class SwClipPool;
     friend class SwClipRef;
@@ -78,7 +82,8 @@ private:
     SwClip* m_clip = nullptr;
 };
 
-/// Keeps released clips with their memory. Outlives every reference to its clips.
+/// Keeps released clips with their memory: one plane of any size, or some that are no more than kKeepBytes together.
+/// Outlives every reference to its clips.
 class SwClipPool {
 public:
     SwClipPool() noexcept = default;
@@ -88,11 +93,16 @@ public:
 
     [[nodiscard]] SwClip* Take();
     void Give(SwClip* clip) noexcept;
+    /// Gives a clip without a plane of this size the closest fit of the released ones, or no plane where none fits.
+    void FindPlane(SwClip& clip, size_t bytes) noexcept;
     /// Drops the planes of released clips that are as large as a page: painting has ended.
     void Trim() noexcept;
 
 private:
+    static constexpr size_t kKeepBytes = 1U << 20;
+
     SwClip* m_free = nullptr;
+    size_t m_freeBytes = 0;
 };
 
 /// Turns the coverage of one path into a clip inside `parent` (null: none) and `visible`.

@@ -30,13 +30,20 @@ SwClipRef SwClipMaker::Make(Rasterizer& rasterizer, const PathRef& path, const S
     }
     SwClipRef clip = builder.Finish();
     if (path.shape != nullptr) {
+        // The oldest go: a few are kept, and of planes that nobody else holds no more than a little.
         constexpr size_t kRecent = 8;
-        Key key{parent, clip, *path.shape, figureCount, rule, m, inside, snap};
-        if (m_recent.size() < kRecent) {
-            m_recent.push_back(std::move(key));
-        } else {
-            m_recent[m_next++ % kRecent] = std::move(key);
+        constexpr size_t kRecentBytes = 1U << 21;
+        m_recent.push_back({parent, clip, *path.shape, figureCount, rule, m, inside, snap});
+        size_t bytes = 0;
+        size_t kept = 1;
+        for (; kept < m_recent.size() && kept < kRecent; ++kept) {
+            const SwClip& older = *m_recent[m_recent.size() - 1 - kept].clip.get();
+            bytes += older.IsShared() ? 0 : older.PlaneBytes();
+            if (bytes > kRecentBytes) {
+                break;
+            }
         }
+        m_recent.erase(m_recent.begin(), m_recent.end() - static_cast<ptrdiff_t>(kept));
     }
     return clip;
 }

@@ -35,9 +35,8 @@ private:
         bool snap;
     };
 
-    SwClipPool m_pool; // before everything that may hold clips
-    std::vector<Key> m_recent;
-    size_t m_next = 0;
+    SwClipPool m_pool;         // before everything that may hold clips
+    std::vector<Key> m_recent; // the oldest first
 };
 
 } // namespace Graphics
