@@ -2,6 +2,8 @@
 // FreeType's memory comes from ProcessHeap, so that it is refused and counted like all working memory.
 #include "FontLibrary.h"
 
+#include <dlfcn.h>
+
 #include "../../Exception.h"
 #include "../../ProcessHeap.h"
 
@@ -28,6 +30,20 @@ using Pattern = std::unique_ptr<FcPattern, PatternEnd>;
 
 const FcChar8* Text(const std::string& s) noexcept { return reinterpret_cast<const FcChar8*>(s.c_str()); }
 
+/// fontconfig keeps tables of its own beside every configuration (names of properties, the default languages), a few
+/// hundred bytes that only FcFini frees; but FcFini also ends the current configuration, which is the host's, if it
+/// uses fontconfig too. So fontconfig stays loaded when this library goes: its tables stay reachable, and the next load
+/// finds them instead of making others.
+void KeepFontconfigLoaded() noexcept {
+    Dl_info info;
+    if (dladdr(reinterpret_cast<const void*>(&FcInit), &info) != 0 && info.dli_fname != nullptr) {
+        // RTLD_NOLOAD: a program that has fontconfig inside has nothing to keep.
+        if (void* const handle = dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE)) {
+            dlclose(handle);
+        }
+    }
+}
+
 } // namespace
 
 std::mutex& FontLibrary::Lock() noexcept { return g_lock; }
@@ -52,6 +68,7 @@ FontLibrary::FontLibrary() {
         // A module without memory is left out silently: all or none.
         FT_Add_Default_Modules(m_freeType);
         FT_Set_Default_Properties(m_freeType);
+        KeepFontconfigLoaded();
         m_config = WasRefused() ? nullptr : FcInitLoadConfigAndFonts();
     }
     if (m_config == nullptr) {
