@@ -2,7 +2,10 @@
 // Image files and the bitmap cache through the C interface, as every platform has them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <random>
 
 #include "../ScratchFolder.h"
 #include "TargetSupport.h"
@@ -46,6 +49,94 @@ TEST(BitmapFiles, MessagesFramesAndOutputs) {
         EXPECT_EQ(message.Text(), "Failed to save bitmap: Unknown file format");
     }
     std::filesystem::remove(path);
+}
+
+/// Random pixels; a palette with room to spare for the indexed formats.
+Owned<GXBitmap> RandomBitmap(uint32_t width, uint32_t height, GXPixelFormat format, uint32_t seed) {
+    Owned<GXBitmap> bitmap;
+    const GXBitmapDesc desc{width, height, format, 144.0F, 72.0F};
+    EXPECT_EQ(GXCreateBitmap(&desc, bitmap.Out()), GXResultSuccess);
+    std::mt19937 random(seed);
+    if (format == GXPixelFormatIndexed8 || format == GXPixelFormatIndexed1) {
+        std::vector<uint32_t> colors(format == GXPixelFormatIndexed8 ? 256 : 2);
+        for (uint32_t& c : colors) {
+            c = 0xFF000000U | (random() & 0xFFFFFFU);
+        }
+        Owned<GXPalette> palette;
+        EXPECT_EQ(GXCreatePalette(colors.data(), colors.size(), palette.Out()), GXResultSuccess);
+        EXPECT_EQ(GXBitmapSetPalette(bitmap, palette), GXResultSuccess);
+    }
+    std::vector<uint8_t> bytes(static_cast<size_t>(width) * height * 4);
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<uint8_t>(random() % 4 == 0 ? 255 : random()); });
+    if (format == GXPixelFormatPBGRA32) {
+        for (size_t i = 0; i < bytes.size(); ++i) { // no colour above its alpha
+            bytes[i] = std::min(bytes[i], bytes[i | 3]);
+        }
+    }
+    const GXBitmapData data{bytes.data(), width * 4, width * 4};
+    EXPECT_EQ(GXBitmapCopyFromMemory(bitmap, nullptr, &data), GXResultSuccess);
+    return bitmap;
+}
+
+/// Straight colours, whatever the format is.
+std::vector<uint32_t> Colors(GXBitmap bitmap) {
+    GXSize size{};
+    EXPECT_EQ(GXBitmapGetSize(bitmap, &size), GXResultSuccess);
+    const Owned<GXBitmap> straight = MakeBitmap(size.width, size.height, GXPixelFormatBGRA32);
+    EXPECT_EQ(GXBitmapCopyFromBitmap(straight, nullptr, bitmap, nullptr), GXResultSuccess);
+    std::vector<uint32_t> colors(static_cast<size_t>(size.width) * size.height);
+    const GXBitmapData data{colors.data(), size.width * 4, size.width * 4};
+    EXPECT_EQ(GXBitmapCopyToMemory(straight, nullptr, &data), GXResultSuccess);
+    return colors;
+}
+
+std::vector<char> BytesOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(BitmapFiles, LosslessFilesGiveBackColorsAndResolutionOnEveryPlatform) {
+    const std::filesystem::path folder(testing::TempDir());
+    for (const char* ending : {"png", "TIF", "tiff", "bmp"}) {
+        for (GXPixelFormat format = GXPixelFormatBGR24; format <= GXPixelFormatIndexed1; ++format) {
+            const Owned<GXBitmap> bitmap = RandomBitmap(13, 7, format, format);
+            const std::filesystem::path path = folder / (std::string("gx_lossless.") + ending);
+            ASSERT_EQ(GXBitmapSaveToFile(bitmap, path.wstring().c_str()), GXResultSuccess) << ending << " " << format;
+            Owned<GXBitmap> loaded, fromMemory;
+            ASSERT_EQ(GXCreateBitmapFromFile(path.wstring().c_str(), loaded.Out()), GXResultSuccess);
+            const std::vector<char> bytes = BytesOf(path);
+            ASSERT_EQ(GXCreateBitmapFromMemory(bytes.data(), bytes.size(), fromMemory.Out()), GXResultSuccess);
+            EXPECT_EQ(Colors(loaded), Colors(bitmap)) << ending << " " << format;
+            EXPECT_EQ(Colors(fromMemory), Colors(bitmap)) << ending << " " << format;
+            float dpi[2] = {};
+            EXPECT_EQ(GXBitmapGetDpiX(loaded, &dpi[0]), GXResultSuccess);
+            EXPECT_EQ(GXBitmapGetDpiY(loaded, &dpi[1]), GXResultSuccess);
+            EXPECT_NEAR(dpi[0], 144.0F, 0.1F) << ending << " " << format;
+            EXPECT_NEAR(dpi[1], 72.0F, 0.1F) << ending << " " << format;
+            std::filesystem::remove(path);
+        }
+    }
+}
+
+TEST(BitmapFiles, TheEndingChoosesTheEncoder) {
+    const std::filesystem::path folder(testing::TempDir());
+    const Owned<GXBitmap> bitmap = RandomBitmap(9, 9, GXPixelFormatBGR24, 3);
+    const struct {
+        const char* ending;
+        std::string start;
+    } kinds[] = {{"JPG", "\xFF\xD8\xFF"}, {"jpeg", "\xFF\xD8\xFF"}, {"tif", "II*"},
+                 {"TIFF", "II*"},         {"Png", "\x89PNG"},       {"bmp", "BM"}};
+    for (const auto& kind : kinds) {
+        const std::filesystem::path path = folder / (std::string("gx_kind.x.") + kind.ending);
+        ASSERT_EQ(GXBitmapSaveToFile(bitmap, path.wstring().c_str()), GXResultSuccess) << kind.ending;
+        const std::vector<char> bytes = BytesOf(path);
+        ASSERT_GT(bytes.size(), 16U);
+        EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(kind.start.size())), kind.start)
+            << kind.ending;
+        Owned<GXBitmap> loaded;
+        EXPECT_EQ(GXCreateBitmapFromFile(path.wstring().c_str(), loaded.Out()), GXResultSuccess) << kind.ending;
+        std::filesystem::remove(path);
+    }
 }
 
 TEST(BitmapCache, DropsTheOldestAndKeepsBareHandles) {

@@ -16,7 +16,7 @@ namespace Graphics {
 struct GlyphMetrics {
     float advanceX = 0.0F; ///< whole pixels, as are all of these
     float advanceY = 0.0F;
-    float originX = 0.0F; ///< left and top of the black box
+    float originX = 0.0F; ///< of the black box: left, and what the platform gives for its height (FreeType: the top)
     float originY = 0.0F;
     float boxWidth = 0.0F;
     float boxHeight = 0.0F;

@@ -69,10 +69,10 @@ private:
     HBITMAP m_bitmap = nullptr;
 };
 
-/// A bitmap stays in a device context while this lives. False: the system refused.
+/// A bitmap or font stays in a device context while this lives. False: the system refused.
 class GdiSelection {
 public:
-    GdiSelection(HDC dc, HBITMAP bitmap) noexcept : m_dc(dc), m_before(g_system.selectObject(dc, bitmap)) {}
+    GdiSelection(HDC dc, HGDIOBJ object) noexcept : m_dc(dc), m_before(g_system.selectObject(dc, object)) {}
     GdiSelection(const GdiSelection&) = delete;
     GdiSelection& operator=(const GdiSelection&) = delete;
     ~GdiSelection() {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The calls of Windows that drawing into windows, device contexts and native bitmaps depends on, as one table: a test
-// replaces an entry to see what happens when the system refuses.
+// The calls of Windows that drawing into windows, device contexts and native bitmaps, and text, depend on, as one
+// table: a test replaces an entry to see what happens when the system refuses.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN
@@ -25,6 +25,11 @@ struct SystemCalls {
     decltype(&::GetDeviceCaps) getDeviceCaps = &::GetDeviceCaps;
     decltype(&::GetObjectType) getObjectType = &::GetObjectType;
     decltype(&::GetObjectW) getObject = &::GetObjectW;
+    decltype(&::CreateFontW) createFont = &::CreateFontW;
+    decltype(&::SetGraphicsMode) setGraphicsMode = &::SetGraphicsMode;
+    decltype(&::GetGlyphIndicesW) getGlyphIndices = &::GetGlyphIndicesW;
+    decltype(&::GetGlyphOutlineW) getGlyphOutline = &::GetGlyphOutlineW;
+    decltype(&::GetCharWidthI) getCharWidthI = &::GetCharWidthI;
     decltype(&::SaveDC) saveDC = &::SaveDC;
     decltype(&::CreateDIBSection) createDIBSection = &::CreateDIBSection;
     decltype(&::CreateCompatibleBitmap) createCompatibleBitmap = &::CreateCompatibleBitmap;

@@ -3,11 +3,13 @@
 // where the platform's are one piece.
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <span>
 #include <stdexcept>
 #include <string_view>
 
+#include "../../Exception.h"
 #include "../SysMemBitmap.h"
 #include "ByteSink.h"
 #include "ByteSource.h"
@@ -20,6 +22,20 @@ class ImageError final : public std::runtime_error {
 public:
     ImageError() : std::runtime_error("image file") {}
 };
+
+/// An engine error that was raised already and goes on to the host as it is, where others become the one message.
+struct RaisedImageError {
+    std::exception_ptr error;
+};
+
+/// What `make` makes; engine errors keep their message.
+template <class Make> auto KeepMessage(Make&& make) {
+    try {
+        return make();
+    } catch (const Exception&) {
+        throw RaisedImageError{std::current_exception()};
+    }
+}
 
 /// An open image file.
 class ImageDecoder {
@@ -51,7 +67,7 @@ public:
     [[nodiscard]] virtual std::unique_ptr<ImageDecoder> Open(ByteSource& source) const = 0;
 
     /// Whether files are written for the MIME type "image/" + `name`; lower case.
-    [[nodiscard]] virtual bool Writes(std::string_view name) const noexcept = 0;
+    [[nodiscard]] virtual bool Writes(std::string_view name) const = 0;
     virtual void Save(const SysMemBitmap& image, std::string_view name, ByteSink& sink) const = 0;
 };
 

@@ -48,10 +48,12 @@ namespace {
     return text;
 }
 
-/// Runs the work of a load or save; every failure becomes the message.
+/// Runs the work of a load or save; every failure but those with a message of their own becomes this one.
 template <class Work> auto Attempt(const char* function, const char* message, Work&& work) {
     try {
         return work();
+    } catch (const RaisedImageError& raised) {
+        std::rethrow_exception(raised.error);
     } catch (const std::exception&) {
         GX_RAISE(function, message);
     }
@@ -109,14 +111,18 @@ void ImageFile::Save(const Bitmap& bitmap, const wchar_t* path) {
         GX_RAISE(kFunction, "Failed to save bitmap: Zero size");
     }
     const std::string name = CodecName(path);
-    const ImageCodec* writer = nullptr;
-    for (const ImageCodec* codec : PlatformCodecs()) {
-        writer = writer == nullptr && codec->Writes(name) ? codec : writer;
-    }
+    constexpr const char* kMessage = "Failed to save bitmap";
+    const ImageCodec* writer = Attempt(kFunction, kMessage, [&] {
+        const ImageCodec* found = nullptr;
+        for (const ImageCodec* codec : PlatformCodecs()) {
+            found = found == nullptr && codec->Writes(name) ? codec : found;
+        }
+        return found;
+    });
     if (writer == nullptr) {
         GX_RAISE(kFunction, "Failed to save bitmap: Unknown file format");
     }
-    Attempt(kFunction, "Failed to save bitmap", [&] {
+    Attempt(kFunction, kMessage, [&] {
         FileSink sink(ToPath(path));
         writer->Save(*bitmap.Image(), name, sink);
         sink.Commit();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Font faces and text through the C interface, with a font that every test machine has (Debian: fonts-liberation).
-#include "../TargetSupport.h"
+#include "TargetSupport.h"
 
 #include <cmath>
 #include <limits>
@@ -83,7 +83,8 @@ TEST(Text, BoundsAddUpAndHoldTheInk) {
     EXPECT_LT(static_cast<float>(drawn.right), 20 + bound.width);
     EXPECT_GT(static_cast<float>(drawn.right), 20 + bound.width - 6);
     // H stands on the baseline and is 1409 / 2048 of the em of 32 pixels high; o hangs a little below.
-    EXPECT_EQ(drawn.top, 50U - 23U);
+    // Windows may hint, which moves level edges by less than a pixel.
+    EXPECT_NEAR(drawn.top, 50.0 - 23.0, 1.0);
     EXPECT_LE(drawn.bottom, 51U);
 }
 
