@@ -462,7 +462,7 @@ GX_API GXResult GXBitmapSetOffscreenPainting(GXBitmap bitmap, uint8_t flag) GX_N
 /** Loads the first frame of a PNG, JPEG, TIFF, GIF or BMP file. The format follows the image: 24-bit RGB gives
  * BGR24, RGBA and grey with alpha BGRA32, palette and grey images Indexed8 or Indexed1 with their palette, all else
  * BGRX32. The resolution is kept. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Failed to
- * load" when the file is missing, damaged or of another kind. */
+ * load" when the file is missing, damaged or of another kind; on Windows also "Failed to initialize GDI+". */
 GX_API GXResult GXCreateBitmapFromFile(const wchar_t* path, GXBitmap* outBitmap) GX_NOEXCEPT;
 
 /** Loads frame `frame`, counted from 0, of an image file; otherwise as GXCreateBitmapFromFile. `outFrameCount` may
@@ -485,7 +485,7 @@ GX_API GXResult GXCreateBitmapFromHBITMAP(GXNativeBitmap nativeBitmap, GXBitmap*
 /** Writes the bitmap as the file kind that the ending of `path` names: png, jpg or jpeg, tif or tiff, bmp, in either
  * case of letters. Formats that the file cannot hold are converted first; the resolution is kept. A failed save
  * leaves no half-written file behind. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Failed
- * to save bitmap: Unknown file format", "Failed to save bitmap". */
+ * to save bitmap: Unknown file format", "Failed to save bitmap"; on Windows those of GDI+ too. */
 GX_API GXResult GXBitmapSaveToFile(GXBitmap bitmap, const wchar_t* path) GX_NOEXCEPT;
 
 /** Makes a Windows bitmap with a copy of the pixels; the caller owns it and deletes it. GXResultInvalidArgument when
