@@ -71,7 +71,7 @@ private:
     void SetLength() {
         const size_t length = bytes.size() - m_start;
         for (size_t i = 0; i < 4; ++i) {
-            bytes[m_start + i] = static_cast<uint8_t>(length >> 8 * i);
+            bytes[m_start + i] = static_cast<uint8_t>(length >> (8 * i));
         }
     }
     size_t m_start = 0;
