@@ -31,6 +31,9 @@ private:
 
 } // namespace
 
+/// What fontconfig makes once and keeps for the process.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig"; }
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ByteChoice choice(data, size);
     CallStream<ByteChoice> calls(choice);

@@ -13,6 +13,7 @@
 #include "Arena.h"
 #include "Bitmaps/CacheHolder.h"
 #include "Exception.h"
+#include "Scan/DeviceFigures.h"
 #include "Software/SwBitmapColorSource.h"
 #include "Software/SwPaintKernels.h"
 
@@ -291,6 +292,15 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
             }
         }
     }
+}
+
+TEST(Placement, ASourceMaySpanMoreThanAnInteger) {
+    const Matrix m =
+        PlaceImage({0, 0, 2, 1}, {INT32_MIN, INT32_MIN, INT32_MAX, 1}, {0, 0, 4294967296.0F, 2147483648.0F});
+    EXPECT_EQ(m.m00, 1.0F);
+    EXPECT_EQ(m.m20, 2147483648.0F);
+    EXPECT_EQ(m.m11, 1.0F);
+    EXPECT_EQ(m.m21, 2147483648.0F);
 }
 
 TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {

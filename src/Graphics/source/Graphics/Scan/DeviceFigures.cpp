@@ -50,14 +50,16 @@ IntRect LayerBox(const Rect& bounds, const Matrix& m, const IntRect& area) noexc
 }
 
 Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destination) noexcept {
-    const float sx = (destination.right - destination.left) / static_cast<float>(source.right - source.left);
-    const float sy = (destination.bottom - destination.top) / static_cast<float>(source.bottom - source.top);
+    // A source may span more than an integer holds.
+    const auto distance = [](int32_t from, int32_t to) { return static_cast<float>(static_cast<int64_t>(to) - from); };
+    const float sx = (destination.right - destination.left) / distance(source.left, source.right);
+    const float sy = (destination.bottom - destination.top) / distance(source.top, source.bottom);
     return {sx,
             0.0F,
             0.0F,
             sy,
-            destination.left + static_cast<float>(part.left - source.left) * sx,
-            destination.top + static_cast<float>(part.top - source.top) * sy};
+            destination.left + distance(source.left, part.left) * sx,
+            destination.top + distance(source.top, part.top) * sy};
 }
 
 bool SnapFigure(Rasterizer& rasterizer, const BasicFigure& figure, const Matrix& m, const IntRect& area,
