@@ -228,4 +228,21 @@ TEST(WindowTarget, HardwareIsAskedOnlyWhereTheThreadMayAndFallsBack) {
     Graphics::ThreadHardware::Replace(before);
 }
 
+// With a device and a shader compiler this is the graphics processor, else software; the host cannot tell.
+TEST(WindowTarget, AnEnabledThreadDrawsWithWhatTheMachineHas) {
+    const TestWindow window(64, 48);
+    std::thread([&] {
+        ASSERT_EQ(GXEnableHWAccelerationForThread(), GXResultSuccess);
+        Owned<GXRenderTarget> target;
+        ASSERT_EQ(GXCreateRenderTargetHWND(window.Get(), 0, target.Out()), GXResultSuccess);
+        for (int frame = 0; frame < 3; ++frame) {
+            ASSERT_EQ(DrawScene(target, 64, 48), GXResultSuccess);
+        }
+        GXSize size{};
+        ASSERT_EQ(GXRenderTargetGetSize(target, &size), GXResultSuccess);
+        EXPECT_EQ(size.width, 64U);
+        EXPECT_EQ(size.height, 48U);
+    }).join();
+}
+
 } // namespace
