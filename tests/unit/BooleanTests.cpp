@@ -264,7 +264,7 @@ Scanner::Counts WorkOf(const std::vector<Ring>& rings, double most) {
 TEST(Boolean, WorkGrowsWithEdgesAndCrossingsOnly) {
     constexpr int kMany = 20000;
     const auto expectLinear = [](const Scanner::Counts& work, double edges, double factor) {
-        EXPECT_LE(work.sweeps, 4U);
+        EXPECT_LE(work.sweeps, 5U); // an eager one and four patient ones
         EXPECT_LE(static_cast<double>(work.points), factor * edges);
         EXPECT_LE(static_cast<double>(work.cuts), factor * edges);
         EXPECT_LE(static_cast<double>(work.comparisons), factor * edges * std::log2(edges));

@@ -25,6 +25,7 @@ struct GridEdge {
     int32_t leftA = 0, leftB = 0;  // winding numbers at the left
     uint32_t block = kNone;        // where the status keeps it
     uint32_t next = kNone;         // the border's next edge, as seen with the inside at the same hand throughout
+    uint32_t root = kNone;         // the edge of this sweep's beginning that this one is a piece of
     uint32_t junction = kNone;     // number of the point where this border edge begins, if several borders meet there
     Border border = Border::None;
 

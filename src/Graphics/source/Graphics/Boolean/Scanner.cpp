@@ -18,6 +18,22 @@ namespace {
     return static_cast<int64_t>(std::abs(q.x - p.x)) + std::abs(q.y - p.y);
 }
 
+void Flip(GridPoint& p) noexcept { std::swap(p.x, p.y); }
+
+/// Spreads a number over all bits (Steele, Lea and Flood 2014).
+[[nodiscard]] uint64_t Scrambled(uint64_t v) noexcept {
+    v = (v ^ v >> 30) * 0xBF58476D1CE4E5B9U;
+    v = (v ^ v >> 27) * 0x94D049BB133111EBU;
+    return v ^ v >> 31;
+}
+
+[[nodiscard]] GridEdge::Border Opposite(GridEdge::Border border) noexcept {
+    using Border = GridEdge::Border;
+    return border == Border::None         ? Border::None
+           : border == Border::InsideLeft ? Border::InsideRight
+                                          : Border::InsideLeft;
+}
+
 } // namespace
 
 void Scanner::AddEdge(const GridPoint& from, const GridPoint& to, bool ofB) {
@@ -40,17 +56,61 @@ void Scanner::Run() {
     }
     m_lines.reserve(m_edges.size());
     for (const GridEdge& edge : m_edges) {
-        m_lines.push_back({edge.lo, edge.hi});
+        m_lines.push_back({edge.lo, edge.hi, edge.a, edge.b});
     }
     while (Sweep(), m_bent) {
-
-        Prepare();
+        if (m_eager && Doubtful()) {
+            Restart();
+        } else {
+            Prepare();
+        }
     }
+}
+
+/// Whether the eager way is not worth going on with: bends in each other's way are more than exceptions, or don't end.
+bool Scanner::Doubtful() const noexcept {
+    return m_counts.sweeps == 1 ? !m_ordered || m_exceptions > m_edges.size() / kEdgesPerException || !BordersClose()
+                                : m_counts.sweeps >= kEagerSweeps;
+}
+
+/// Begins anew with the input, and lets each sweep leave to the next what it can't cut where the lines cross.
+void Scanner::Restart() {
+    m_eager = m_hot = false;
+    m_test = m_givenTest;
+    m_edges.clear();
+    for (size_t i = 0; i < m_lines.size(); ++i) {
+        Line& line = m_lines[i];
+        if (m_transposed) {
+            Flip(line.from);
+            Flip(line.to);
+        }
+        GridEdge edge;
+        edge.lo = line.from;
+        edge.hi = line.to;
+        edge.a = line.a;
+        edge.b = line.b;
+        edge.line = static_cast<uint32_t>(i);
+        m_edges.push_back(edge);
+    }
+    m_transposed = false;
+}
+
+/// Whether as many borders begin as end at every point: then the sum over both of a scrambled number of the point, less
+/// for ends, is 0. A sum of 64 bits that is 0 by chance does not happen.
+bool Scanner::BordersClose() const noexcept {
+    uint64_t sum = 0;
+    for (const GridEdge& edge : m_edges) {
+        if (edge.border != GridEdge::Border::None) {
+            const uint64_t along = Scrambled(SweepKey(edge.hi)) - Scrambled(SweepKey(edge.lo));
+            sum += edge.border == GridEdge::Border::InsideLeft ? along : 0 - along;
+        }
+    }
+    return sum == 0;
 }
 
 /// Once a sweep has kept its order, what it takes for the border is closed and wrong by bends at most, that is, about a
 /// unit: the next sweep needs the border alone. Edges inside of the area, often the bulk, are dropped.
-void Scanner::KeepBorders() {
+void Scanner::KeepBorders() noexcept {
     for (GridEdge& edge : m_edges) {
         edge.a = edge.border == GridEdge::Border::None ? 0 : edge.border == GridEdge::Border::InsideLeft ? 1 : -1;
         edge.b = 0;
@@ -61,26 +121,25 @@ void Scanner::KeepBorders() {
 /// Leaves out what has no weight, forgets what the sweep before found out and exchanges x and y: edges along the sweep
 /// line, which end before the points are seen that they pass closely, lie across it the next time.
 void Scanner::Prepare() {
-    if (m_ordered) {
+    if (m_ordered && BordersClose()) {
         KeepBorders();
     }
-    const auto flip = [](GridPoint& p) { std::swap(p.x, p.y); };
     for (Line& line : m_lines) {
-        flip(line.from);
-        flip(line.to);
+        Flip(line.from);
+        Flip(line.to);
     }
     m_transposed = !m_transposed;
     size_t count = 0;
     for (const GridEdge& old : m_edges) {
-        if (!old.Weightless()) {
+        if (!old.Weightless() && !(old.lo == old.hi)) {
             GridEdge edge;
             edge.lo = old.lo;
             edge.hi = old.hi;
             edge.a = old.a;
             edge.b = old.b;
             edge.line = old.line;
-            flip(edge.lo);
-            flip(edge.hi);
+            Flip(edge.lo);
+            Flip(edge.hi);
             if (Before(edge.hi, edge.lo)) {
                 std::swap(edge.lo, edge.hi);
                 edge.a = -edge.a;
@@ -99,6 +158,10 @@ void Scanner::Sweep() {
     m_counts.sweeps += 1;
     m_status.Clear();
     m_queue.Reset(m_edges);
+    m_lastPiece.resize(m_edges.size());
+    for (size_t i = 0; i < m_edges.size(); ++i) {
+        m_edges[i].root = m_lastPiece[i] = static_cast<uint32_t>(i);
+    }
     while (m_queue.Next(m_point, m_endHints, m_starts)) {
         m_counts.points += 1;
         ProcessPoint();
@@ -115,12 +178,10 @@ void Scanner::ProcessPoint() {
     WindStarts(left);
     if (!m_bent) {
         LinkBorders(left);
-    } else {
+    } else if (!m_eager) {
         m_ordered = m_ordered && BordersContinue();
     }
-    for (const uint32_t start : m_starts) {
-        place = m_status.Insert(place, start);
-    }
+    place = m_status.Exchange(place, m_taken, m_starts);
     const uint32_t right = m_status.RightOf(place);
     if (m_starts.empty()) {
         CutNeighbours(left, right);
@@ -137,14 +198,19 @@ bool Scanner::InCell(const Line& line, const GridPoint& p) noexcept {
 
 /// The piece of a cut edge that ends at p, if the status holds it.
 uint32_t Scanner::PieceEndingAt(uint32_t edge, const GridPoint& p) const noexcept {
+    // Mostly it is the edge itself or its last piece; else the pieces are looked through one by one.
+    if (!(m_edges[edge].hi == p)) {
+        const uint32_t last = m_lastPiece[m_edges[edge].root];
+        edge = last != kNone && m_edges[last].hi == p ? last : m_edges[edge].continuation;
+    }
     while (edge != kNone && !(m_edges[edge].hi == p)) {
         edge = m_edges[edge].continuation;
     }
     return edge != kNone && m_edges[edge].block != kNone ? edge : kNone;
 }
 
-/// Takes the edges that end at the point out of the status, from left to right, and cuts those that pass through it.
-/// Gives the place that they leave, which is the point's own.
+/// Collects the edges that end at the point, from left to right, and cuts those that pass through it. They keep their
+/// slots in the status, `m_taken` of them right of the place that is given, but count as taken out.
 Scanner::Place Scanner::TakeOutEnds() {
     m_ends.clear();
     uint32_t known = kNone;
@@ -157,15 +223,18 @@ Scanner::Place Scanner::TakeOutEnds() {
     for (uint32_t e = m_status.LeftOf(place); e != kNone && Touches(e, false); e = m_status.LeftOf(place)) {
         place = m_status.StepLeft(place);
     }
-    for (uint32_t e = m_status.RightOf(place); e != kNone && Touches(e, searched); e = m_status.RightOf(place)) {
+    Place behind = place;
+    for (uint32_t e = m_status.RightOf(behind); e != kNone && Touches(e, searched); e = m_status.RightOf(behind)) {
         if (!(m_edges[e].hi == m_point)) {
             Bend(m_edges[e].SideOf(m_point) != 0);
             const uint32_t upper = Cut(e, m_point);
             m_starts.push_back(upper);
         }
         m_ends.push_back(e);
-        place = m_status.Erase(place);
+        m_edges[e].block = kNone;
+        behind = m_status.StepRight(behind);
     }
+    m_taken = static_cast<uint32_t>(m_ends.size());
     return place;
 }
 
@@ -192,20 +261,22 @@ void Scanner::TakeOutStragglers(Place& place) {
     if (!m_bent) {
         return;
     }
+    const auto stands = [&](uint32_t hint) { return PieceEndingAt(hint, m_point) != kNone; };
+    if (std::none_of(m_endHints.begin(), m_endHints.end(), stands)) {
+        return;
+    }
+    m_ordered = false;
+    m_around.clear();
+    place = m_status.Exchange(place, std::exchange(m_taken, 0U), m_around);
     const uint32_t right = m_status.RightOf(place);
-    bool found = false;
     for (const uint32_t hint : m_endHints) {
         const uint32_t e = PieceEndingAt(hint, m_point);
         if (e != kNone) {
             static_cast<void>(m_status.Erase(m_status.Find(e)));
-            found = true;
         }
     }
-    if (found) {
-        m_ordered = false;
-        place = right != kNone && m_edges[right].block != kNone ? m_status.Find(right)
-                                                                : m_status.Search(m_point, m_counts.comparisons);
-    }
+    place = right != kNone && m_edges[right].block != kNone ? m_status.Find(right)
+                                                            : m_status.Search(m_point, m_counts.comparisons);
 }
 
 /// From left to right; of the same direction, from short to long.
@@ -350,10 +421,13 @@ uint32_t Scanner::Cut(uint32_t edge, GridPoint at) {
     piece.block = piece.next = piece.junction = kNone;
     piece.border = GridEdge::Border::None;
     piece.lo = at;
+    uint32_t& last = m_lastPiece[piece.root];
+    last = last == edge ? upper : last;
     if (Before(piece.hi, at)) {
         std::swap(piece.lo, piece.hi);
         piece.a = -piece.a;
         piece.b = -piece.b;
+        last = kNone; // two pieces end at one point
     }
     m_edges.push_back(piece);
     m_edges[edge].hi = at;
@@ -394,6 +468,7 @@ void Scanner::CutCrossing(uint32_t left, uint32_t right) {
     const GridEdge& e = m_edges[left];
     const GridEdge& f = m_edges[right];
     const Line &le = m_lines[e.line], &lf = m_lines[f.line];
+    bool later = false;
     if (const auto crossing = LineCrossing::Of(le.from, le.to, lf.from, lf.to)) {
         const GridPoint at = crossing->Nearest();
         if (Usable(e, f, at)) {
@@ -402,21 +477,24 @@ void Scanner::CutCrossing(uint32_t left, uint32_t right) {
             return;
         }
         const bool cutsLeft = CutLater(left, at), cutsRight = CutLater(right, at);
-        if (cutsLeft || cutsRight) {
-            return;
+        later = cutsLeft || cutsRight;
+    }
+    if (!later) {
+        for (const GridPoint& end : {e.lo, e.hi}) {
+            later |= InCell(lf, end) && CutLater(right, end);
+        }
+        for (const GridPoint& end : {f.lo, f.hi}) {
+            later |= InCell(le, end) && CutLater(left, end);
         }
     }
-    bool cuts = false;
-    for (const GridPoint& end : {e.lo, e.hi}) {
-        cuts |= InCell(lf, end) && CutLater(right, end);
-    }
-    for (const GridPoint& end : {f.lo, f.hi}) {
-        cuts |= InCell(le, end) && CutLater(left, end);
-    }
+    // The first sweep, whatever the next is to do, goes on with the edges exchanged: one wrong pair would hide the
+    // crossings of all that meet it. Later ones leave the cut to the next, as cuts at ever new points need not end.
     GridPoint at{};
-    if (!cuts && CrossingPoint(e, f, at)) {
+    if ((EagerSweep() || !later) && CrossingPoint(e, f, at)) {
         Bend(true);
         CutBoth(left, right, at);
+    } else {
+        m_ordered = false;
     }
 }
 
@@ -427,7 +505,7 @@ bool Scanner::CutLater(uint32_t edge, const GridPoint& at) {
         return false;
     }
     m_later.push_back({edge, at});
-    m_ordered = false;
+    ++m_exceptions;
     Bend(true);
     return true;
 }
@@ -440,7 +518,9 @@ void Scanner::CutNoted() {
             edge = m_edges[edge].continuation;
         }
         if (edge != kNone) {
-            static_cast<void>(Cut(edge, cut.at));
+            const GridEdge::Border border = m_edges[edge].border;
+            const bool back = Before(m_edges[edge].hi, cut.at);
+            m_edges[Cut(edge, cut.at)].border = back ? Opposite(border) : border;
         }
     }
     m_later.clear();
@@ -456,7 +536,8 @@ void Scanner::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
         }
         const uint32_t piece = Cut(edges[i], at);
         if (Before(end, at)) {
-            m_ordered = false;
+            m_ordered = m_ordered && EagerSweep(); // a level piece: there the borders will tell
+            ++m_exceptions;
             m_queue.Add(end, kNone, kNone, piece, kNone);
             m_queue.Add(at, piece, kNone, kNone, kNone);
         } else {

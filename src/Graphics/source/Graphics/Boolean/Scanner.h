@@ -11,6 +11,10 @@
 // |dy| of the pieces add up to that of the edge, each is at least 1, so the repetition ends; in practice after two or
 // three.
 //
+// That is done eagerly at first: where a bend is in the way, the first sweep cuts nearby and goes on in the right
+// order, so that it finds all crossings, however many, at once. If such bends are more than exceptions, or four sweeps
+// were not enough, everything begins anew by the patient way, in which a sweep leaves such pairs to the next.
+//
 // Cut points are computed from the input edges rather than from their bent pieces: bends do not add up.
 #pragma once
 
@@ -30,7 +34,7 @@ public:
         uint64_t cuts = 0;
     };
 
-    explicit Scanner(const WindingTest& test) noexcept : m_test(test), m_status(m_edges) {}
+    explicit Scanner(const WindingTest& test) noexcept : m_givenTest(test), m_test(test), m_status(m_edges) {}
     Scanner(const Scanner&) = delete;
     Scanner& operator=(const Scanner&) = delete;
 
@@ -48,10 +52,13 @@ public:
 
 private:
     static constexpr uint32_t kNone = GridEdge::kNone;
+    static constexpr uint32_t kEagerSweeps = 4;
+    static constexpr size_t kEdgesPerException = 1024;
     using Place = SweepStatus::Place;
 
     struct Line {
         GridPoint from, to;
+        int32_t a, b;
     };
 
     struct LaterCut {
@@ -60,8 +67,12 @@ private:
     };
 
     void Prepare();
-    void KeepBorders();
+    void KeepBorders() noexcept;
+    [[nodiscard]] bool BordersClose() const noexcept;
     [[nodiscard]] bool BordersContinue() const noexcept;
+    [[nodiscard]] bool Doubtful() const noexcept;
+    void Restart();
+    [[nodiscard]] bool EagerSweep() const noexcept { return m_eager && m_counts.sweeps == 1; }
     void Sweep();
     void ProcessPoint();
     [[nodiscard]] Place TakeOutEnds();
@@ -92,16 +103,21 @@ private:
         return m_edges[edge].SideOf(p);
     }
 
+    const WindingTest m_givenTest;
     WindingTest m_test;
     HeapArray<GridEdge> m_edges;
     HeapArray<Line> m_lines; // the input
     SweepStatus m_status;
     EventQueue m_queue;
     GridPoint m_point{};
+    uint32_t m_taken = 0;            // how many edges in the status end at the point
+    HeapArray<uint32_t> m_lastPiece; // of each edge that the sweep began with, the one that ends where it ended
     HeapArray<uint32_t> m_endHints, m_ends, m_starts, m_around;
     HeapArray<LaterCut> m_later;
     uint32_t m_junctions = 0;
     bool m_transposed = false;
+    size_t m_exceptions = 0; // cuts elsewhere than where the lines cross, as bends were in the way
+    bool m_eager = true;
     bool m_bent = false;   // in this sweep
     bool m_ordered = true; // no sign in this sweep that bent edges stood in a wrong order
     bool m_hot = false;    // in any sweep so far: whatever comes near a point goes through it

@@ -2,6 +2,7 @@
 #include "SweepStatus.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Graphics {
 
@@ -82,6 +83,13 @@ SweepStatus::Place SweepStatus::StepLeft(const Place& place) const noexcept {
     return {block, m_blocks[block].count - 1};
 }
 
+SweepStatus::Place SweepStatus::StepRight(const Place& place) const noexcept {
+    if (place.index < m_blocks[place.block].count) {
+        return {place.block, place.index + 1};
+    }
+    return {Neighbour(place.block, 1), 1};
+}
+
 SweepStatus::Place SweepStatus::Insert(const Place& place, uint32_t edge) {
     Place at = place;
     if (m_blocks[at.block].count == kCapacity) {
@@ -130,15 +138,29 @@ SweepStatus::Place SweepStatus::Erase(const Place& place) noexcept {
     return {last, m_blocks[last].count};
 }
 
-void SweepStatus::Replace(const Place& place, uint32_t edge) noexcept {
+SweepStatus::Place SweepStatus::Exchange(const Place& place, uint32_t count, const HeapArray<uint32_t>& edges) {
     Place at = place;
-    if (at.index == m_blocks[at.block].count) {
-        at = {Neighbour(at.block, 1), 0};
+    Block& b = m_blocks[at.block];
+    const auto added = static_cast<uint32_t>(edges.size());
+    if (at.index + count <= b.count && b.count - count + added <= kCapacity && b.count + added > count) {
+        uint32_t* slots = b.edges + at.index;
+        if (added != count) {
+            std::memmove(slots + added, slots + count, (b.count - count - at.index) * sizeof *slots);
+            b.count = b.count - count + added;
+        }
+        for (const uint32_t edge : edges) {
+            *slots++ = edge;
+            m_edges[edge].block = at.block;
+        }
+        return {at.block, at.index + added};
     }
-    uint32_t& slot = m_blocks[at.block].edges[at.index];
-    m_edges[slot].block = kNone;
-    slot = edge;
-    m_edges[edge].block = at.block;
+    for (uint32_t i = 0; i < count; ++i) {
+        at = Erase(at);
+    }
+    for (const uint32_t edge : edges) {
+        at = Insert(at, edge);
+    }
+    return at;
 }
 
 } // namespace Graphics

@@ -28,15 +28,17 @@ public:
     /// The edges at both sides of a place; kNone at the ends.
     [[nodiscard]] uint32_t LeftOf(const Place& place) const noexcept;
     [[nodiscard]] uint32_t RightOf(const Place& place) const noexcept;
-    /// The place one edge further left; there must be one.
+    /// The place one edge further left or right; there must be one.
     [[nodiscard]] Place StepLeft(const Place& place) const noexcept;
+    [[nodiscard]] Place StepRight(const Place& place) const noexcept;
 
     /// Puts an edge in and gives the place behind it.
     Place Insert(const Place& place, uint32_t edge);
     /// Takes out the edge right of a place and gives the place that is left.
     Place Erase(const Place& place) noexcept;
-    /// Puts `edge` where the one right of the place is now.
-    void Replace(const Place& place, uint32_t edge) noexcept;
+    /// Puts new edges in the place of the `count` ones right of it, which count as taken out already (block kNone), and
+    /// gives the place behind them.
+    Place Exchange(const Place& place, uint32_t count, const HeapArray<uint32_t>& edges);
 
 private:
     static constexpr uint32_t kCapacity = 64;
