@@ -17,5 +17,7 @@ void DrawText(Canvas& canvas);
 void DrawTilings(Canvas& canvas);
 void DrawHitTest(Canvas& canvas);
 void DrawRegions(Canvas& canvas);
+void DrawShapes(Canvas& canvas);
+void DrawPhoto(Canvas& canvas);
 
 } // namespace Gallery

@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
     } pictures[] = {
         {"blend-modes", DrawBlendModes}, {"groups", DrawGroups},   {"masks", DrawMasks}, {"strokes", DrawStrokes},
         {"gradients", DrawGradients},    {"tilings", DrawTilings}, {"text", DrawText},   {"hit-test", DrawHitTest},
-        {"regions", DrawRegions},
+        {"regions", DrawRegions},        {"shapes", DrawShapes},   {"photo", DrawPhoto},
     };
     if (argc != 2) {
         std::fprintf(stderr, "usage: gallery FOLDER\n");
