@@ -16,7 +16,11 @@ constexpr size_t kFewEnds = 512; // below, comparing is faster than counting dig
 }
 
 /// std::push_heap makes a heap with the largest on top; the sweep wants the first.
-[[nodiscard]] bool Later(const EventQueue::Meeting& a, const EventQueue::Meeting& b) noexcept { return a.key > b.key; }
+struct Later {
+    [[nodiscard]] bool operator()(const EventQueue::Meeting& a, const EventQueue::Meeting& b) const noexcept {
+        return a.key > b.key;
+    }
+};
 
 } // namespace
 
@@ -70,7 +74,7 @@ void EventQueue::Sort() {
 
 void EventQueue::Add(const GridPoint& at, uint32_t end0, uint32_t end1, uint32_t start0, uint32_t start1) {
     m_meetings.push_back({SweepKey(at), {end0, end1}, {start0, start1}});
-    std::push_heap(m_meetings.begin(), m_meetings.end(), Later);
+    std::push_heap(m_meetings.begin(), m_meetings.end(), Later{});
 }
 
 bool EventQueue::Next(GridPoint& point, HeapArray<uint32_t>& ends, HeapArray<uint32_t>& starts) {
@@ -92,7 +96,7 @@ bool EventQueue::Next(GridPoint& point, HeapArray<uint32_t>& ends, HeapArray<uin
         }
     };
     while (!m_meetings.empty() && m_meetings[0].key == key) {
-        std::pop_heap(m_meetings.begin(), m_meetings.end(), Later);
+        std::pop_heap(m_meetings.begin(), m_meetings.end(), Later{});
         for (int i = 0; i < 2; ++i) {
             put(ends, m_meetings.back().ends[i]);
             put(starts, m_meetings.back().starts[i]);

@@ -3,6 +3,8 @@
 // the way, in a heap.
 #pragma once
 
+#include <array>
+
 #include "../ProcessHeap.h"
 #include "GridEdge.h"
 
@@ -23,6 +25,21 @@ public:
 
     /// Moves on to the next point: false when there is none. The lists get the edges that end and start there.
     [[nodiscard]] bool Next(GridPoint& point, HeapArray<uint32_t>& ends, HeapArray<uint32_t>& starts);
+
+    /// Edges that will probably be asked for soon, kNone among them.
+    [[nodiscard]] std::array<uint32_t, 4> Upcoming() const noexcept {
+        constexpr size_t kAhead = 8;
+        std::array<uint32_t, 4> edges{GridEdge::kNone, GridEdge::kNone, GridEdge::kNone, GridEdge::kNone};
+        if (!m_meetings.empty()) {
+            edges[0] = m_meetings[0].starts[0];
+            edges[1] = m_meetings[0].starts[1];
+        }
+        if (m_position + kAhead + 1 < m_ends.size()) {
+            edges[2] = m_ends[m_position + kAhead].edge;
+            edges[3] = m_ends[m_position + kAhead + 1].edge;
+        }
+        return edges;
+    }
 
 private:
     struct End {

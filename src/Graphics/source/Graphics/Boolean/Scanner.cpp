@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Scanner.h"
 
+#include <xmmintrin.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -163,6 +165,12 @@ void Scanner::Sweep() {
         m_edges[i].root = m_lastPiece[i] = static_cast<uint32_t>(i);
     }
     while (m_queue.Next(m_point, m_endHints, m_starts)) {
+        // Memory's time is most of the time: what starts next was written long ago.
+        for (const uint32_t edge : m_queue.Upcoming()) {
+            if (edge != kNone) {
+                _mm_prefetch(reinterpret_cast<const char*>(&m_edges[edge]), _MM_HINT_T0);
+            }
+        }
         m_counts.points += 1;
         ProcessPoint();
     }
@@ -428,6 +436,9 @@ uint32_t Scanner::Cut(uint32_t edge, GridPoint at) {
         piece.a = -piece.a;
         piece.b = -piece.b;
         last = kNone; // two pieces end at one point
+    }
+    if (m_edges.size() == m_edges.capacity()) {
+        m_edges.reserve(2 * m_edges.size()); // crossings may be many: few moves
     }
     m_edges.push_back(piece);
     m_edges[edge].hi = at;
