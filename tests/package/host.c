@@ -3,8 +3,7 @@
  * linker, so it calls nothing but the library. */
 #include <GX/GX.h>
 
-int main(void)
-{
+int main(void) {
     const GXBitmapDesc desc = {1, 1, GXPixelFormatPBGRA32, 96.0f, 96.0f};
     const GXRect all = {0.0f, 0.0f, 1.0f, 1.0f};
     uint32_t pixel = 0;

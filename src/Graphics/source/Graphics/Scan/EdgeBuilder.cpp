@@ -109,7 +109,7 @@ void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
 }
 
 uint32_t EdgeBuilder::BoundByRows(int32_t firstRow, int32_t lastRow) {
-    const auto rows = static_cast<size_t>(lastRow - firstRow + 1);
+    const size_t rows = static_cast<size_t>(lastRow - firstRow) + 1;
     m_rowSums.resize(rows + 1);
     std::fill_n(m_rowSums.data(), rows + 1, 0);
     for (const RowRange& c : m_chains) {

@@ -3,6 +3,7 @@
 // in 1/8 pixel (sub units, fine >> 4), one step a sub-scanline.
 #pragma once
 
+#include <bit>
 #include <emmintrin.h>
 
 #include "../ProcessHeap.h"
@@ -38,9 +39,7 @@ inline constexpr float kFineLimit = 1073741760.0F;
     v = _mm_and_ps(v, _mm_cmpord_ps(v, v));
     v = _mm_mul_ps(v, _mm_set1_ps(128.0F));
     v = _mm_min_ps(_mm_max_ps(v, _mm_set1_ps(-kFineLimit)), _mm_set1_ps(kFineLimit));
-    Vertex out;
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(&out), _mm_cvttps_epi32(v));
-    return out;
+    return std::bit_cast<Vertex>(_mm_cvtsi128_si64(_mm_cvttps_epi32(v)));
 }
 
 /// What the vertices say about a fill before any edge is made.

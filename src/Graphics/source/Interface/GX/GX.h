@@ -983,7 +983,8 @@ GX_API GXResult GXRenderTargetInvertLine(GXRenderTarget renderTarget, const GXPo
                                          const GXPoint* end) GX_NOEXCEPT;
 
 /** Paints UTF-16 text, one glyph for each code unit, with its baseline starting at the origin of user space; each glyph
- * moves the origin on by its advance, a whole number of user units. The matrix is as before afterwards, also on failure. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun",
+ * moves the origin on by its advance, a whole number of user units. The matrix is as before afterwards, also on
+ * failure. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun",
  * "Unsupported soft mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillText(GXRenderTarget renderTarget, GXFontFace fontFace, const uint16_t* text,
                                        GXBrush brush) GX_NOEXCEPT;
