@@ -190,7 +190,7 @@ void CheckPair(const Operand& a, const Operand& b, Maker& maker, double slack) {
     const std::vector<Segment> more = SegmentsOf(b.lines);
     edges.insert(edges.end(), more.begin(), more.end());
     const Rect box = a.lines.ControlBox(), other = b.lines.ControlBox();
-    for (int i = 0; i < 30; ++i) {
+    for (int i = 0; i < 8; ++i) {
         const double x = maker.Real(std::min(box.left, other.left), std::max(box.right, other.right));
         const double y = maker.Real(std::min(box.top, other.top), std::max(box.bottom, other.bottom));
         const bool close =
@@ -207,19 +207,20 @@ void CheckPair(const Operand& a, const Operand& b, Maker& maker, double slack) {
     const double margin = slack * (LengthOf(a.lines) + LengthOf(b.lines)) + 1e-9;
     const double both = areas[GXCombineIntersection];
     EXPECT_NEAR(areas[GXCombineUnion] - both, areas[GXCombineExclusiveOr], margin);
-    const Shape nothing;
-    Shape cleanA, cleanB;
-    Boolean::Combine(a.shape, nothing, GXCombineUnion, kTolerance, cleanA);
-    Boolean::Combine(nothing, b.shape, GXCombineUnion, kTolerance, cleanB);
-    EXPECT_NEAR(areas[GXCombineUnion], AreaOf(cleanA) + AreaOf(cleanB) - both, margin);
-    EXPECT_NEAR(areas[GXCombineDifference], AreaOf(cleanA) - both, margin);
+    if (maker.Whole(4) == 0) {
+        const Shape nothing;
+        Shape cleanA, cleanB;
+        Boolean::Combine(a.shape, nothing, GXCombineUnion, kTolerance, cleanA);
+        Boolean::Combine(nothing, b.shape, GXCombineUnion, kTolerance, cleanB);
+        EXPECT_NEAR(areas[GXCombineUnion], AreaOf(cleanA) + AreaOf(cleanB) - both, margin);
+        EXPECT_NEAR(areas[GXCombineDifference], AreaOf(cleanA) - both, margin);
+    }
 #ifdef GX_TEST_HAS_CLIPPER
-    for (const uint32_t mode : kModes) {
-        // Clipper errs now and then where many edges coincide: what it denies is judged by the plain integral.
-        const double theirs = ClipperArea(a.lines, b.lines, mode, 64 / UnitOf(a.lines, b.lines));
-        if (!(std::fabs(areas[mode] - theirs) <= margin)) {
-            EXPECT_NEAR(areas[mode], PlainArea(a.lines, b.lines, mode), margin + 1e-6) << "mode " << mode;
-        }
+    // Clipper errs now and then where many edges coincide: what it denies is judged by the plain integral.
+    const auto mode = static_cast<uint32_t>(maker.Whole(4));
+    const double theirs = ClipperArea(a.lines, b.lines, mode, 64 / UnitOf(a.lines, b.lines));
+    if (!(std::fabs(areas[mode] - theirs) <= margin)) {
+        EXPECT_NEAR(areas[mode], PlainArea(a.lines, b.lines, mode), margin + 1e-6) << "mode " << mode;
     }
 #endif
 }
@@ -229,7 +230,7 @@ TEST(Boolean, RandomPairsAreWhatTheirWindingNumbersSay) {
     const char* wanted = std::getenv("GX_BOOLEAN_PAIRS");
     const char* only = std::getenv("GX_BOOLEAN_SEED");
     const uint32_t first = only != nullptr ? static_cast<uint32_t>(std::atoi(only)) : 1;
-    const uint32_t count = only != nullptr ? 1 : wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : 700;
+    const uint32_t count = only != nullptr ? 1 : wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : 2000;
     for (uint32_t seed = first; seed < first + count; ++seed) {
         Maker maker(seed);
         const int kind = static_cast<int>(seed) % Maker::kKinds;
