@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 
 namespace Gxr {
 namespace {
@@ -24,10 +25,11 @@ bool IsIdentity(const GXMatrix& m) {
 
 } // namespace
 
-void Interpreter::Run(GXRenderTarget page, float scale) {
+void Interpreter::Run(GXRenderTarget page, float scale, const uint32_t* paper) {
     if (!(scale > 0.0f) || !std::isfinite(scale))
         throw Error("the scale is not above 0");
     m_scale = scale;
+    m_paper = paper;
     m_surfaces.clear();
     m_surfaceBrushes.clear();
     m_selected = 0;
@@ -257,6 +259,8 @@ void Interpreter::Follow(Op op, Surface& surface) {
         if (surface.painting)
             throw Error("the recording begins to paint twice");
         surface.painting = true;
+        if (m_live && &surface == m_surfaces.data() && m_paper != nullptr)
+            Check(GXRenderTargetClear(surface.target, *std::exchange(m_paper, nullptr)), "GXRenderTargetClear");
         break;
     case Op::EndPaint:
         if (!surface.painting)

@@ -22,7 +22,8 @@ public:
 
     const PageInfo& Page() const noexcept { return m_page; }
     // Checks all commands, or, when live, plays them: `page` is not being painted on, and is not afterwards.
-    void Run(GXRenderTarget page, float scale);
+    // With `paper` the page is cleared with that colour when painting on it begins for the first time.
+    void Run(GXRenderTarget page, float scale, const uint32_t* paper = nullptr);
 
     // For the arguments of commands.
     GXGeometry Find(uint64_t number, GXGeometry) const { return At(m_geometries, number); }
@@ -91,6 +92,7 @@ private:
 
     // While commands run.
     float m_scale = 1.0f;
+    const uint32_t* m_paper = nullptr; // as long as the page is not cleared
     std::vector<Surface> m_surfaces;
     std::vector<SurfaceBrush> m_surfaceBrushes;
     uint32_t m_selected = 0;

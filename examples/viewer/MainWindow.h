@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// The program's window: menu, keys, mouse and scroll bars around the page.
+#pragma once
+
+#include "Options.h"
+#include "PageWindow.h"
+
+namespace Viewer {
+
+class MainWindow {
+public:
+    // Throws Gxr::Error. `hardware`, `zoom` and `frames` as in Options.
+    explicit MainWindow(const Options& options);
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
+    ~MainWindow();
+
+    // Throws Gxr::Error; the document shown before is then still there.
+    void Open(const std::wstring& path);
+    // Until the window is closed. The program's exit code.
+    int Run();
+
+    HWND Window() const noexcept { return m_window; }
+    HWND Page() const noexcept { return m_page->Window(); }
+    const View& GetView() const noexcept { return m_view; }
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    // False: left to Windows.
+    bool Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void Command(int command);
+    bool Key(WPARAM key);
+    void Wheel(UINT message, WPARAM wParam, LPARAM lParam);
+    void Drag(UINT message, LPARAM lParam);
+    void Scroll(int bar, int request);
+    void Dropped(WPARAM files);
+
+    void OpenWithDialog();
+    void ZoomBy(double factor);
+    // Brings window, scroll bars and title to what the view says.
+    void Follow();
+    void Painted(const std::string& failure);
+    void Tell(const std::string& text);
+
+    HWND m_window = nullptr;
+    Options m_options;
+    View m_view;
+    std::unique_ptr<Document> m_document;
+    std::unique_ptr<PageWindow> m_page;
+    POINT m_dragged{};
+    bool m_dragging = false;
+    std::string m_failure;
+    int m_frames = 0, m_exitCode = 0;
+};
+
+} // namespace Viewer

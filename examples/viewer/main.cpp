@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// Shows and prints recorded pages on Windows: a window target in software or on the graphics card, a printer target,
+// and nothing of the library but its exported functions.
+#include "MainWindow.h"
+#include "Printing.h"
+
+#include <shellapi.h>
+
+namespace Viewer {
+namespace {
+
+std::vector<std::wstring> Arguments() {
+    int count = 0;
+    wchar_t** const list = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (list == nullptr)
+        throw Gxr::Error(WithSystemReason("the command line cannot be read"));
+    std::vector<std::wstring> arguments(list + (count > 0 ? 1 : 0), list + count);
+    LocalFree(list);
+    return arguments;
+}
+
+int Run() {
+    Options options;
+    try {
+        Parse(Arguments(), options);
+        ListenToLibrary();
+        if (!options.printer.empty()) {
+            Document document(options.file);
+            PrintToFile(options.printer, options.output, document);
+            return 0;
+        }
+        SetProcessDPIAware(); // a pixel of the page is to be a pixel of the screen
+        if (options.hardware && GXEnableHWAccelerationForThread() != GXResultSuccess)
+            throw Gxr::Error(WithReason("the graphics card cannot be used"));
+        MainWindow window(options);
+        if (!options.file.empty())
+            window.Open(options.file);
+        return window.Run();
+    } catch (const std::exception& failure) {
+        Report(nullptr, failure.what(), options.Unattended());
+        return 1;
+    }
+}
+
+} // namespace
+} // namespace Viewer
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t*, int) { return Viewer::Run(); }

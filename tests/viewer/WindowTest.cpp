@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+// The viewer's window: what is seen in it has the pixels of the page drawn into a bitmap, wherever it is moved to.
+#include "MainWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace Viewer {
+namespace {
+
+const std::string kPages = GX_RECORDINGS;
+
+std::vector<uint32_t> SeenIn(HWND window, int width, int height) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    void* bits = nullptr;
+    const HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HDC memory = CreateCompatibleDC(nullptr), screen = GetDC(window);
+    const HGDIOBJ before = SelectObject(memory, bitmap);
+    EXPECT_NE(BitBlt(memory, 0, 0, width, height, screen, 0, 0, SRCCOPY), FALSE);
+    GdiFlush();
+    const auto* const first = static_cast<const uint32_t*>(bits);
+    const std::vector<uint32_t> pixels(first, first + static_cast<size_t>(width) * height);
+    SelectObject(memory, before);
+    ReleaseDC(window, screen);
+    DeleteDC(memory);
+    DeleteObject(bitmap);
+    return pixels;
+}
+
+class ViewerWindow : public ::testing::Test {
+protected:
+    // The page's window shows just what a bitmap of the page at this zoom has there.
+    void ExpectThePage(const std::string& page, const MainWindow& window, const char* when) {
+        SCOPED_TRACE(when);
+        const View& view = window.GetView();
+        const Box seen = view.Visible(), whole = view.Page();
+        RECT place{};
+        GetWindowRect(window.Page(), &place);
+        MapWindowPoints(nullptr, window.Window(), reinterpret_cast<POINT*>(&place), 2);
+        EXPECT_EQ((Box{place.left, place.top, place.right - place.left, place.bottom - place.top}), seen);
+        UpdateWindow(window.Page());
+        const std::vector<uint32_t> pixels = SeenIn(window.Page(), seen.width, seen.height);
+
+        const Gxr::Recording recording = Gxr::Recording::FromFile(page);
+        const Gxr::Handle<GXBitmap> bitmap = Gxr::NewPageBitmap(recording.Page(), view.Zoom());
+        Gxr::Handle<GXRenderTarget> target;
+        ASSERT_EQ(GXCreateRenderTargetBitmap(bitmap.Get(), target.Out()), GXResultSuccess);
+        Gxr::Player(recording).Play(target.Get(), view.Zoom());
+        GXBitmapData data{};
+        ASSERT_EQ(GXBitmapLock(bitmap.Get(), nullptr, GXLockRead, &data), GXResultSuccess);
+        size_t different = 0;
+        int most = 0;
+        for (int y = 0; y < seen.height; ++y) {
+            const auto* const row = reinterpret_cast<const uint32_t*>(
+                static_cast<const uint8_t*>(data.data) + static_cast<size_t>(y + seen.top - whole.top) * data.stride);
+            for (int x = 0; x < seen.width; ++x) {
+                const uint32_t a = row[x + seen.left - whole.left] & 0xFFFFFF;
+                const uint32_t b = pixels[static_cast<size_t>(y) * seen.width + x] & 0xFFFFFF;
+                different += a != b;
+                for (int c = 0; c < 24; c += 8)
+                    most = std::max(most, std::abs(static_cast<int>(a >> c & 255) - static_cast<int>(b >> c & 255)));
+            }
+        }
+        GXBitmapUnlock(bitmap.Get());
+        RecordProperty(when, std::to_string(different) + " of " + std::to_string(pixels.size()) + ", at most " +
+                                 std::to_string(most));
+        std::printf("%s: zoom %.3f, %d x %d: %zu pixels differ, by %d at most\n", when,
+                    static_cast<double>(view.Zoom()), seen.width, seen.height, different, most);
+        if (whole == seen) {
+            EXPECT_EQ(different, 0U);
+        }
+    }
+};
+
+TEST_F(ViewerWindow, ShowsThePageFittedZoomedMovedAndResized) {
+    const std::string page = kPages + "/vector_tiger-1.gxr";
+    MainWindow window({});
+    window.Open(Wide(page));
+    ShowWindow(window.Window(), SW_SHOWNOACTIVATE);
+    ExpectThePage(page, window, "fitted");
+    RECT place{};
+    GetWindowRect(window.Window(), &place);
+
+    const LPARAM cursor = MAKELPARAM(place.left + 300, place.top + 400);
+    for (int i = 0; i < 4; ++i)
+        SendMessageW(window.Window(), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), cursor);
+    EXPECT_FALSE(window.GetView().IsFitted());
+    ExpectThePage(page, window, "zoomed");
+
+    const Box before = window.GetView().Page();
+    SendMessageW(window.Window(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(200, 200));
+    SendMessageW(window.Window(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(170, 215));
+    SendMessageW(window.Window(), WM_LBUTTONUP, 0, MAKELPARAM(170, 215));
+    SendMessageW(window.Window(), WM_MOUSEMOVE, 0, MAKELPARAM(20, 20));
+    EXPECT_EQ(window.GetView().Page(), (Box{before.left - 30, before.top + 15, before.width, before.height}));
+    ExpectThePage(page, window, "dragged");
+
+    SetWindowPos(window.Window(), nullptr, 0, 0, 500, 620, SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+    ExpectThePage(page, window, "resized");
+    SendMessageW(window.Window(), WM_KEYDOWN, VK_END, 0);
+    const Box low = window.GetView().Page();
+    EXPECT_EQ(low.top + low.height, window.GetView().ClientHeight());
+    SendMessageW(window.Window(), WM_VSCROLL, SB_TOP, 0);
+    EXPECT_EQ(window.GetView().Page().top, 0);
+    ExpectThePage(page, window, "at the top");
+}
+
+// A page that draws for itself and is not filled by its recording; then another one in the same window.
+TEST_F(ViewerWindow, PagesWithMasksAndAnotherDocument) {
+    MainWindow window({});
+    ShowWindow(window.Window(), SW_SHOWNOACTIVATE);
+    for (const char* name : {"/softmask_luminosity-1.gxr", "/page_tiny-1.gxr"}) {
+        window.Open(Wide(kPages + name));
+        ExpectThePage(kPages + name, window, name);
+    }
+    EXPECT_THROW(window.Open(L"nowhere.gxr"), Gxr::Error);
+    ExpectThePage(kPages + "/page_tiny-1.gxr", window, "after a file that is not there");
+}
+
+TEST(ViewerDocument, FaultsAreToldInOneLineWithTheFile) {
+    const std::string good = [] {
+        std::ifstream file(kPages + "/text_clip-2.gxr", std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }();
+    const std::wstring name = L"d\u00E9g\u00E2ts.gxr"; // a name beyond the code page of some systems
+    const auto fault = [&](const std::string& bytes) -> std::string {
+        std::FILE* const file = _wfopen(name.c_str(), L"wb");
+        std::fwrite(bytes.data(), 1, bytes.size(), file);
+        std::fclose(file);
+        try {
+            Document document(name);
+            return "none";
+        } catch (const Gxr::Error& error) {
+            return error.what();
+        }
+    };
+    const std::string quoted = Quoted(name);
+    EXPECT_EQ(fault(good), "none");
+    EXPECT_EQ(fault(good.substr(0, good.size() / 2)), quoted + ": the recording is cut off");
+    EXPECT_EQ(fault("%PDF-1.7"), quoted + ": this is no recording");
+    std::string bent = good;
+    bent[bent.size() / 2] = static_cast<char>(bent[bent.size() / 2] ^ 1);
+    EXPECT_EQ(fault(bent), quoted + ": the recording is damaged: wrong checksum");
+    _wremove(name.c_str());
+}
+
+} // namespace
+} // namespace Viewer
