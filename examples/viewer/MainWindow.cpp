@@ -103,6 +103,7 @@ void MainWindow::Open(const std::wstring& path) {
 
 int MainWindow::Run() {
     const HACCEL keys = Keys();
+    m_running = true;
     ShowWindow(m_window, SW_SHOWDEFAULT);
     MSG message;
     BOOL got;
@@ -112,6 +113,7 @@ int MainWindow::Run() {
             DispatchMessageW(&message);
         }
     }
+    m_running = false;
     DestroyAcceleratorTable(keys);
     return got < 0 ? 1 : m_exitCode;
 }
@@ -186,7 +188,9 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         DestroyWindow(m_window);
         return true;
     case WM_DESTROY:
-        PostQuitMessage(0);
+        m_page.reset(); // the library's target goes before its window
+        if (m_running)
+            PostQuitMessage(0);
         return true;
     case WM_NCDESTROY:
         SetWindowLongPtrW(m_window, GWLP_USERDATA, 0);

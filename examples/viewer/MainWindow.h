@@ -48,7 +48,7 @@ private:
     std::unique_ptr<Document> m_document;
     std::unique_ptr<PageWindow> m_page;
     POINT m_dragged{};
-    bool m_dragging = false;
+    bool m_dragging = false, m_running = false;
     std::string m_failure;
     int m_frames = 0, m_exitCode = 0;
 };

@@ -2,6 +2,8 @@
 // The viewer's window: what is seen in it has the pixels of the page drawn into a bitmap, wherever it is moved to.
 #include "MainWindow.h"
 
+#include "Container.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -63,18 +65,19 @@ protected:
             for (int x = 0; x < seen.width; ++x) {
                 const uint32_t a = row[x + seen.left - whole.left] & 0xFFFFFF;
                 const uint32_t b = pixels[static_cast<size_t>(y) * seen.width + x] & 0xFFFFFF;
-                different += a != b;
+                int apart = 0;
                 for (int c = 0; c < 24; c += 8)
-                    most = std::max(most, std::abs(static_cast<int>(a >> c & 255) - static_cast<int>(b >> c & 255)));
+                    apart = std::max(apart, std::abs(static_cast<int>(a >> c & 255) - static_cast<int>(b >> c & 255)));
+                most = std::max(most, apart);
+                different += whole == seen ? apart > 0 : apart > 2;
             }
         }
         GXBitmapUnlock(bitmap.Get());
-        RecordProperty(when, std::to_string(different) + " of " + std::to_string(pixels.size()) + ", at most " +
-                                 std::to_string(most));
-        std::printf("%s: zoom %.3f, %d x %d: %zu pixels differ, by %d at most\n", when,
-                    static_cast<double>(view.Zoom()), seen.width, seen.height, different, most);
         if (whole == seen) {
-            EXPECT_EQ(different, 0U);
+            EXPECT_EQ(different, 0U) << "by " << most;
+        } else {
+            // Another place is another rounding of coordinates: edges that graze a sample may fall to its other side.
+            EXPECT_LE(different, pixels.size() / 200) << "by " << most;
         }
     }
 };
@@ -120,8 +123,40 @@ TEST_F(ViewerWindow, PagesWithMasksAndAnotherDocument) {
         window.Open(Wide(kPages + name));
         ExpectThePage(kPages + name, window, name);
     }
+    for (int i = 0; i < 6; ++i)
+        SendMessageW(window.Window(), WM_CHAR, '+', 0);
+    SendMessageW(window.Window(), WM_KEYDOWN, VK_DOWN, 0);
+    ExpectThePage(kPages + "/page_tiny-1.gxr", window, "zoomed");
     EXPECT_THROW(window.Open(L"nowhere.gxr"), Gxr::Error);
     ExpectThePage(kPages + "/page_tiny-1.gxr", window, "after a file that is not there");
+}
+
+// A file in order whose page the library refuses, found while painting.
+TEST_F(ViewerWindow, AFrameThatFailsEndsTheProgramWhereNobodyWatches) {
+    Gxr::ByteWriter body;
+    body.U32(40);
+    body.U32(30);
+    body.U32(GXPixelFormatBGRX32);
+    body.F32(96.0f);
+    body.F32(96.0f);
+    body.U8(static_cast<uint8_t>(Gxr::ObjectKind::End));
+    body.U8(static_cast<uint8_t>(Gxr::Op::BeginPaint));
+    body.U8(static_cast<uint8_t>(Gxr::Op::FillGeometry));
+    body.Count(0); // no geometry
+    body.Count(0); // no brush
+    body.U8(static_cast<uint8_t>(Gxr::Op::End));
+    Gxr::WriteFile("refused.gxr", Gxr::Pack(body.Get()));
+    Options options;
+    options.frames = 3;
+    {
+        MainWindow window(options);
+        window.Open(L"refused.gxr");
+        EXPECT_EQ(window.Run(), 1);
+    }
+    MainWindow window(options);
+    window.Open(Wide(kPages + "/page_tiny-1.gxr"));
+    EXPECT_EQ(window.Run(), 0);
+    _wremove(L"refused.gxr");
 }
 
 TEST(ViewerDocument, FaultsAreToldInOneLineWithTheFile) {
