@@ -203,6 +203,70 @@ TEST_F(HardwareTest, DrawingGoesOnAfterALossOfTheDevice) {
     expectPage("at last");
 }
 
+/// The paint in which the device is lost ends well and leaves nothing behind; windows ask for another one, once.
+TEST_F(HardwareTest, APaintThatLosesTheDeviceLeavesACleanState) {
+    auto context = std::make_shared<D3D11Context>();
+    auto surface = std::make_unique<TextureSurface>(kSide, kSide);
+    const TextureSurface* reader = surface.get();
+    D3D11RenderTarget target(context, std::move(surface));
+    const BasicFigure small(BasicFigure::Kind::Ellipse, {0, 0, 9, 9});
+    for (int where = 0; where < 4; ++where) { // at a draw, at a group's end, at the paint's end, with groups open
+        target.BeginPaint();
+        target.PushState();
+        target.SetTransform({2, 0, 0, 2, 5, 5});
+        target.SetBlendMode(GXBlendModeMultiply);
+        target.SetOpacityMask(GXMaskTypeAlpha, std::make_shared<SolidBrush>(Color{1, 1, 1, 0.25F}));
+        target.Clip({nullptr, &small});
+        GXLayerDesc layer{};
+        layer.opacity = 1.0F;
+        layer.knockout = 1;
+        target.BeginLayer(layer);
+        FillRect(target, {0, 0, 9, 9}, {1, 0, 0, 1});
+        context->Device().LoseForTest();
+        if (where == 0) {
+            FillRect(target, {0, 0, 9, 9}, {0, 1, 0, 1});
+        }
+        if (where < 2) {
+            target.EndLayer();
+        } else if (where == 2) {
+            EXPECT_NO_THROW(target.EndLayer());
+            context->Device().LoseForTest();
+        }
+        EXPECT_NO_THROW(target.EndPaint()) << where;
+        EXPECT_EQ(target.GetTransform().m00, 1.0F) << where;
+        EXPECT_EQ(target.GetTransform().m20, 0.0F) << where;
+
+        target.BeginPaint();
+        EXPECT_EQ(Message([&] { target.PopState(); }), "State stack is empty") << where;
+        EXPECT_EQ(Message([&] { target.EndLayer(); }), "No layer is open") << where;
+        target.Clear(0xFFFFFFFFU);
+        FillRect(target, {20, 20, 60, 60}, {0, 0, 1, 1});
+        target.EndPaint();
+        const std::vector<uint32_t> pixels = reader->Read(*context);
+        EXPECT_EQ(pixels[0], 0xFFFFFFFFU) << where;
+        EXPECT_EQ(pixels[40 * kSide + 40], 0xFF0000FFU) << where;
+    }
+
+    D3D11RenderTargetFactory factory;
+    TestWindow window(100, 80);
+    const auto onWindow = factory.CreateWindowTarget(window.Get());
+    const auto asksAfter = [&](bool lose) {
+        ValidateRect(window.Get(), nullptr);
+        onWindow->BeginPaint();
+        onWindow->Clear(0xFF00FF00U);
+        if (lose) {
+            factory.Context()->Device().LoseForTest();
+        }
+        onWindow->EndPaint();
+        return GetUpdateRect(window.Get(), nullptr, FALSE) != FALSE;
+    };
+    EXPECT_FALSE(asksAfter(false));
+    EXPECT_TRUE(asksAfter(true));
+    EXPECT_FALSE(asksAfter(true)) << "no endless round";
+    EXPECT_FALSE(asksAfter(false));
+    EXPECT_TRUE(asksAfter(true));
+}
+
 TEST_F(HardwareTest, StateErrorsAreThoseOfTheSoftware) {
     static_cast<void>(OnHardware(kSide, kSide, [](RenderTargetBase& t) {
         EXPECT_EQ(Message([&] { t.PopState(); }), "State stack is empty");

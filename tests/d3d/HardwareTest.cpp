@@ -59,6 +59,7 @@ Difference Compare(const std::vector<uint32_t>& a, const std::vector<uint32_t>& 
 }
 
 std::shared_ptr<D3D11Context> HardwareTest::s_context;
+std::shared_ptr<D3D11Context> HardwareTest::s_refusing;
 
 void HardwareTest::SetUp() {
     static std::string s_problem;
@@ -81,14 +82,31 @@ void HardwareTest::TearDown() {
     }
 }
 
+std::shared_ptr<D3D11Context> HardwareTest::RefusingContext() {
+    if (s_refusing == nullptr) {
+        s_refusing = std::make_shared<D3D11Context>();
+        s_refusing->Compiler().RefuseForTest([](const std::string&) { return true; });
+    }
+    return s_refusing;
+}
+
 std::vector<uint32_t> HardwareTest::OnHardware(int32_t width, int32_t height, const Drawing& draw) {
+    return On(s_context, width, height, draw);
+}
+
+std::vector<uint32_t> HardwareTest::ByFormulas(int32_t width, int32_t height, const Drawing& draw) {
+    return On(RefusingContext(), width, height, draw);
+}
+
+std::vector<uint32_t> HardwareTest::On(const std::shared_ptr<D3D11Context>& context, int32_t width, int32_t height,
+                                       const Drawing& draw) {
     auto surface = std::make_unique<TextureSurface>(width, height);
     const TextureSurface* reader = surface.get();
-    D3D11RenderTarget target(s_context, std::move(surface));
+    D3D11RenderTarget target(context, std::move(surface));
     target.BeginPaint();
     draw(target);
     target.EndPaint();
-    return reader->Read(*s_context);
+    return reader->Read(*context);
 }
 
 std::vector<uint32_t> HardwareTest::InSoftware(int32_t width, int32_t height, const Drawing& draw) {

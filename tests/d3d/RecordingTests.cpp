@@ -45,6 +45,8 @@ void Play(Gxr::Player& player, std::unique_ptr<RenderTargetBase> backEnd, float 
 
 TEST_F(HardwareTest, RecordedPagesLookAlike) {
     size_t pages = 0;
+    std::printf("%-28s %7s %7s %6s %8s %7s %8s %8s\n", "page", "batches", "calls", "maps", "compiled", "copies",
+                "uploads", "software");
     for (const auto& entry : std::filesystem::directory_iterator(GX_RECORDINGS)) {
         if (entry.path().extension() != ".gxr") {
             continue;
@@ -65,7 +67,21 @@ TEST_F(HardwareTest, RecordedPagesLookAlike) {
         auto hardware = std::make_unique<D3D11RenderTarget>(Context(), std::move(surface));
         Gxr::Handle<GXRenderTarget> handle;
         *handle.Out() = new GXRenderTargetRec_(std::make_shared<RenderTarget>(std::move(hardware)));
+        const D3D11Counters before = Context()->Device().Counters();
+        const size_t shadersBefore = Context()->Shaders().Count();
         player.Play(handle.Get(), scale);
+        const D3D11Counters& after = Context()->Device().Counters();
+        const uint64_t batches = after.batches - before.batches;
+        const uint64_t maps = after.vertexMaps - before.vertexMaps;
+        const uint64_t compiled = after.compilations - before.compilations;
+        const auto print = [](uint64_t n) { return static_cast<unsigned long long>(n); };
+        std::printf("%-28s %7llu %7llu %6llu %8llu %7llu %8llu %8llu\n", name.c_str(), print(batches),
+                    print(after.drawCalls - before.drawCalls), print(maps), print(compiled),
+                    print(after.backdropCopies - before.backdropCopies), print(after.uploads - before.uploads),
+                    print(after.softwareSources - before.softwareSources));
+        EXPECT_LE(maps, batches) << name;
+        EXPECT_EQ(compiled, Context()->Shaders().Count() - shadersBefore) << name << ": once for each key";
+        EXPECT_EQ(after.softwareDraws, before.softwareDraws) << name;
         const std::vector<uint32_t> drawn = reader->Read(*Context());
         handle.Reset();
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "D3D11SwFallbackSurface.h"
+
 namespace Graphics {
 namespace {
 
@@ -70,9 +72,15 @@ void D3D11Batch::Flush() {
     if (quads == 0) {
         return;
     }
-    const D3D11ShaderCache::Shaders shaders = m_shaders.Get(m_state.key);
+    ++m_device.Counters().batches;
+    D3D11ShaderCache::Shaders shaders{};
+    const bool compiled = m_shaders.TryGet(m_state.key, shaders);
     Prepare();
     CopyTouched();
+    if (!compiled) {
+        D3D11SwFallbackSurface::Draw(m_device, m_state, m_mesh);
+        return;
+    }
     const uint32_t offset = FillVertexBuffer();
     m_device.SetRenderTarget(*m_state.color, m_state.shape.get());
     m_samplers.Forget();

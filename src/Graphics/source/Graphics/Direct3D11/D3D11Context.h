@@ -27,7 +27,7 @@ public:
     [[nodiscard]] D3D11GradientCache& Gradients() noexcept { return m_resources->gradients; }
     [[nodiscard]] D3D11TexturePool& Pool() noexcept { return m_resources->pool; }
     [[nodiscard]] D3D11Batch& Batch() noexcept { return m_resources->batch; }
-    [[nodiscard]] const D3D11ShaderCompiler& Compiler() const noexcept { return m_compiler; }
+    [[nodiscard]] D3D11ShaderCompiler& Compiler() noexcept { return m_compiler; }
 
     /// Grows with every new device.
     [[nodiscard]] uint32_t Generation() const noexcept { return m_generation; }

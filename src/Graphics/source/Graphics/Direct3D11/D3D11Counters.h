@@ -9,9 +9,11 @@ namespace Graphics {
 
 /// Of one context.
 struct D3D11Counters {
+    uint64_t batches = 0; ///< that had anything to draw
     uint64_t drawCalls = 0;
     uint64_t vertexMaps = 0;
-    uint64_t compilations = 0;
+    uint64_t compilations = 0;  ///< tried, of vertex and pixel shaders
+    uint64_t softwareDraws = 0; ///< batches whose shader the compiler refuses
     uint64_t backdropCopies = 0;
     uint64_t uploads = 0;         ///< of bitmaps, masks and clips
     uint64_t softwareSources = 0; ///< colours that the software computed

@@ -315,9 +315,11 @@ void D3D11Device::Update(const D3D11Texture& texture, const IntRect& part, const
     m_context->UpdateSubresource(texture.Resource(), 0, &box, pixels, strideBytes, 0);
 }
 
-void D3D11Device::Copy(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
+void D3D11Device::CopyPart(const D3D11Texture& to, const IntPoint& at, const D3D11Texture& from,
+                           const IntRect& part) noexcept {
     const D3D11_BOX box = Box(part);
-    m_context->CopySubresourceRegion(to.Resource(), 0, box.left, box.top, 0, from.Resource(), 0, &box);
+    m_context->CopySubresourceRegion(to.Resource(), 0, static_cast<UINT>(at.x), static_cast<UINT>(at.y), 0,
+                                     from.Resource(), 0, &box);
 }
 
 D3D11Ref<ID3D11Texture2D> D3D11Device::BackBuffer(IDXGISwapChain& chain) {

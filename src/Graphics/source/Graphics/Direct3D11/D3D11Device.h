@@ -81,7 +81,13 @@ public:
 
     void Update(const D3D11Texture& texture, const IntRect& part, const void* pixels, uint32_t strideBytes) noexcept;
     /// Copies `part` to the same place.
-    void Copy(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept;
+    void Copy(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
+        CopyPart(to, {part.left, part.top}, from, part);
+    }
+    /// Copies `part` to the upper left corner.
+    void CopyToCorner(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
+        CopyPart(to, {0, 0}, from, part);
+    }
     /// The render texture over a back buffer of the chain.
     [[nodiscard]] D3D11Ref<ID3D11Texture2D> BackBuffer(IDXGISwapChain& chain);
     void CopyWhole(ID3D11Texture2D& to, const D3D11Texture& from) noexcept;
@@ -93,6 +99,7 @@ public:
 private:
     void CreateDevice();
     void CreateBlendStates();
+    void CopyPart(const D3D11Texture& to, const IntPoint& at, const D3D11Texture& from, const IntRect& part) noexcept;
     [[nodiscard]] std::shared_ptr<D3D11Texture> CreateTexture(const D3D11_TEXTURE2D_DESC& desc,
                                                               const D3D11_SUBRESOURCE_DATA* data, const char* function);
 

@@ -134,6 +134,7 @@ void D3D11RenderTarget::FollowDevice() {
         parent = layer.get();
     }
     m_generation = m_context->Generation();
+    m_incomplete = true;
 }
 
 void D3D11RenderTarget::BeginPaint() {
@@ -159,6 +160,7 @@ void D3D11RenderTarget::EndPaint() {
             target.m_clips.Pool().Trim();
             target.m_cached = SwState();
             target.m_painting = false;
+            target.m_incomplete = false;
         }
     } finally{*this};
     // A layer that cannot be closed is lost; those around it, and the bracket, are closed all the same.
@@ -174,6 +176,10 @@ void D3D11RenderTarget::EndPaint() {
         m_context->Batch().Flush();
         m_surface->EndPaint(*m_context);
     });
+    if (m_incomplete && !m_asked) {
+        m_surface->AskForRepaint();
+    }
+    m_asked = m_incomplete;
     if (failure != nullptr) {
         std::rethrow_exception(failure);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The hardware back end: keeps state, clips and layers as the software one does, and turns every drawing call into
 // quadrilaterals of a batch. A device that is lost meanwhile is replaced; what had been drawn is gone, and drawing goes
-// on.
+// on. The end of that paint asks the host for another one.
 #pragma once
 
 #include "../Geometry/Pen.h"
@@ -72,6 +72,8 @@ private:
     std::unique_ptr<D3D11Surface> m_surface;
     IntRect m_area{};
     bool m_painting = false;
+    bool m_incomplete = false; // some of this paint went with a lost device
+    bool m_asked = false; // for a repaint; once, so that a device that is lost by every paint makes no endless round
     uint32_t m_generation = 0;
     SwState m_cached;
 

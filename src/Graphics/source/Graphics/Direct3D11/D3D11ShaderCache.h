@@ -21,17 +21,27 @@ public:
     D3D11ShaderCache(D3D11Device& device, const D3D11ShaderCompiler& compiler) noexcept
         : m_device(device), m_compiler(compiler) {}
 
-    /// Compiles at the first call for a key. Raises "Failed to compile shader".
+    /// Compiles at the first call for a key. False when the compiler refuses one of the two.
+    [[nodiscard]] bool TryGet(const D3D11ShaderKey& key, Shaders& shaders);
+    /// The same; raises "Failed to compile shader".
     [[nodiscard]] Shaders Get(const D3D11ShaderKey& key);
+    /// Different shaders asked for, of both stages.
+    [[nodiscard]] size_t Count() const noexcept { return m_vertex.size() + m_pixel.size(); }
     /// The one layout of every vertex shader; after the first Get.
     [[nodiscard]] ID3D11InputLayout* Layout() const noexcept { return m_layout.get(); }
 
 private:
+    template <class Shader> using Kept = std::unordered_map<uint64_t, D3D11Ref<Shader>>;
+
+    template <class Shader, class Make>
+    [[nodiscard]] Shader* Find(Kept<Shader>& kept, uint64_t code, D3D11ShaderCompiler::Stage stage,
+                               const D3D11ShaderKey& key, Make&& make);
+
     D3D11Device& m_device;
     const D3D11ShaderCompiler& m_compiler;
     D3D11Ref<ID3D11InputLayout> m_layout;
-    std::unordered_map<uint64_t, D3D11Ref<ID3D11VertexShader>> m_vertex;
-    std::unordered_map<uint64_t, D3D11Ref<ID3D11PixelShader>> m_pixel;
+    Kept<ID3D11VertexShader> m_vertex; // null: refused
+    Kept<ID3D11PixelShader> m_pixel;
 };
 
 } // namespace Graphics

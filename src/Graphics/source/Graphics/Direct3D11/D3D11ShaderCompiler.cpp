@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "D3D11ShaderCompiler.h"
 
+#include <algorithm>
+
 #include "../Exception.h"
 #include "D3D11Ref.h"
 #include "Shaders/D3D11ShaderTargets.h"
@@ -38,19 +40,28 @@ bool D3D11ShaderCompiler::TryCompile(const std::string& text, const char* entry,
     return true;
 }
 
+bool D3D11ShaderCompiler::TryCompile(const std::string& text, Stage stage, uint32_t featureLevel,
+                                     std::vector<uint8_t>& code) const {
+    if (m_refuses != nullptr && m_refuses(text)) {
+        return false;
+    }
+    if (stage == Stage::Vertex) {
+        return TryCompile(text, "VS", kD3D11VertexShaderTarget, code, nullptr);
+    }
+    const auto targets = D3D11PixelShaderTargetsFor(featureLevel);
+    return std::any_of(targets.begin(), targets.end(),
+                       [&](const char* target) { return TryCompile(text, "PS", target, code, nullptr); });
+}
+
 std::vector<uint8_t> D3D11ShaderCompiler::Compile(const std::string& text, Stage stage, uint32_t featureLevel) const {
     std::vector<uint8_t> code;
-    if (stage == Stage::Vertex) {
-        if (TryCompile(text, "VS", kD3D11VertexShaderTarget, code, nullptr)) {
-            return code;
-        }
-    } else {
-        for (const char* target : D3D11PixelShaderTargetsFor(featureLevel)) {
-            if (TryCompile(text, "PS", target, code, nullptr)) {
-                return code;
-            }
-        }
+    if (!TryCompile(text, stage, featureLevel, code)) {
+        RaiseRefused();
     }
+    return code;
+}
+
+void D3D11ShaderCompiler::RaiseRefused() {
     GX_RAISE("Graphics::D3D11ShaderCompiler::Compile", "Failed to compile shader");
 }
 

@@ -28,14 +28,24 @@ public:
     /// Byte code. A pixel shader that is too long for the smallest target is compiled again for the larger ones that
     /// the feature level takes. Raises "Failed to compile shader".
     [[nodiscard]] std::vector<uint8_t> Compile(const std::string& text, Stage stage, uint32_t featureLevel) const;
+    /// The same, but false when no target takes the text.
+    [[nodiscard]] bool TryCompile(const std::string& text, Stage stage, uint32_t featureLevel,
+                                  std::vector<uint8_t>& code) const;
 
     /// False when it does not compile; `message` then has what the compiler says.
     [[nodiscard]] bool TryCompile(const std::string& text, const char* entry, const char* target,
                                   std::vector<uint8_t>& code, std::string* message) const;
 
+    /// Raises "Failed to compile shader".
+    [[noreturn]] static void RaiseRefused();
+
+    /// From here on the texts for which `refuses` is true fail at every target, as if the compiler had refused them.
+    void RefuseForTest(bool (*refuses)(const std::string& text)) noexcept { m_refuses = refuses; }
+
 private:
     HMODULE m_module = nullptr;
     pD3DCompile m_compile = nullptr;
+    bool (*m_refuses)(const std::string& text) = nullptr;
     D3D11LiveCount<D3D11ShaderCompiler> m_live;
 };
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "D3D11SoftwareDraw.h"
+
 namespace Graphics {
 
 D3D11SwFallbackSurface::Image D3D11SwFallbackSurface::Upload(D3D11Context& context, const IntRect& box,
@@ -48,6 +50,14 @@ D3D11SwFallbackSurface::Image D3D11SwFallbackSurface::Coverage(D3D11Context& con
         std::fill(to + end, to + box.right, uint8_t{0});
     }
     return Upload(context, box, DXGI_FORMAT_A8_UNORM, m_values.data(), static_cast<uint32_t>(width));
+}
+
+void D3D11SwFallbackSurface::Draw(D3D11Device& device, const D3D11DrawState& state, const D3D11Mesh& mesh) {
+    if (!D3D11SoftwareDraw::Can(state)) {
+        D3D11ShaderCompiler::RaiseRefused();
+    }
+    ++device.Counters().softwareDraws;
+    D3D11SoftwareDraw(device, state, mesh).Run();
 }
 
 } // namespace Graphics

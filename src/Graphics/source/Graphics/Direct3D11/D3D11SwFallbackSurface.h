@@ -22,6 +22,9 @@ public:
     [[nodiscard]] Image Paint(D3D11Context& context, SwColorSource& source, const IntRect& box);
     /// The coverage of a clip that has a mask, in an alpha texture over its box.
     [[nodiscard]] Image Coverage(D3D11Context& context, const SwClip& clip);
+    /// A batch whose shader the compiler refuses, in the pixels of its target. Raises "Failed to compile shader" where
+    /// its textures cannot be read.
+    static void Draw(D3D11Device& device, const D3D11DrawState& state, const D3D11Mesh& mesh);
 
 private:
     [[nodiscard]] static Image Upload(D3D11Context& context, const IntRect& box, DXGI_FORMAT format, const void* pixels,

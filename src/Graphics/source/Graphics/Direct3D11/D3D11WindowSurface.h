@@ -14,6 +14,7 @@ public:
     [[nodiscard]] Size GetSize() const override;
     [[nodiscard]] std::shared_ptr<D3D11Texture> BeginPaint(D3D11Context& context) override;
     void EndPaint(D3D11Context& context) override;
+    void AskForRepaint() noexcept override { InvalidateRect(m_window, nullptr, FALSE); }
 
 private:
     void Make(D3D11Context& context);
