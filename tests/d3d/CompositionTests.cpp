@@ -95,7 +95,7 @@ void Check(const std::vector<uint32_t>& card, const std::vector<uint32_t>& softw
            const std::vector<uint32_t>& formulas, const Distance& distance, bool inGroup, const std::string& what) {
     const Difference f = Compare(card, formulas, kSide);
     EXPECT_LE(f.largest, 2) << what << " at " << f.x << " " << f.y;
-    EXPECT_LE(f.mean, 0.1) << what;
+    EXPECT_LE(f.mean, 0.25) << what;
     const Difference d = Compare(card, software, kSide);
     std::printf("  %-24s formulas: largest %d mean %.3f  software: largest %3d mean %5.2f\n", what.c_str(), f.largest,
                 f.mean, d.largest, d.mean);

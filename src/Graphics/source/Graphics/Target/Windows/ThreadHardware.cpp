@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ThreadHardware.h"
 
+#include <windows.h>
+
 #include <atomic>
 
 #include "../../Exception.h"
@@ -20,43 +22,47 @@ std::atomic<ThreadHardware::Maker> g_maker{&CreateHardwareFactory};
     return ends != nullptr && ends() != FALSE;
 }
 
-struct ThreadFactory {
-    std::unique_ptr<HwRenderTargetFactory> factory;
-    ThreadFactory() noexcept = default;
-    ThreadFactory(const ThreadFactory&) = delete;
-    ThreadFactory& operator=(const ThreadFactory&) = delete;
-    /// The factory of the thread that ends the process stays: giving a device back waits for threads of the driver
-    /// that are no more.
-    ~ThreadFactory() {
-        if (factory != nullptr && ProcessEnds()) {
-            static_cast<void>(factory.release());
-        }
+/// The factory of the thread that ends the process stays: giving a device back waits for threads of the driver that are
+/// no more.
+void NTAPI Drop(void* factory) noexcept {
+    if (!ProcessEnds()) {
+        delete static_cast<HwRenderTargetFactory*>(factory);
     }
-};
+}
 
-/// Made on a thread's first use, so that other threads pay nothing for it.
-[[nodiscard]] std::unique_ptr<HwRenderTargetFactory>& Slot() noexcept {
-    static thread_local ThreadFactory slot;
-    return slot.factory;
+/// The slot is the platform's: with mingw-w64 the memory of a thread_local may be freed before its destructor runs. The
+/// platform calls back at a thread's end, where the thread has a factory.
+[[nodiscard]] DWORD Slot() noexcept {
+    static const DWORD slot = FlsAlloc(&Drop);
+    return slot;
+}
+
+void Put(std::unique_ptr<HwRenderTargetFactory> factory) noexcept {
+    const std::unique_ptr<HwRenderTargetFactory> old(ThreadHardware::Factory());
+    if (FlsSetValue(Slot(), factory.get()) != FALSE) {
+        static_cast<void>(factory.release());
+    }
 }
 
 } // namespace
 
-HwRenderTargetFactory* ThreadHardware::Factory() noexcept { return Slot().get(); }
+HwRenderTargetFactory* ThreadHardware::Factory() noexcept {
+    return static_cast<HwRenderTargetFactory*>(FlsGetValue(Slot()));
+}
 
 void ThreadHardware::Enable() {
-    if (Slot() != nullptr) {
+    if (Factory() != nullptr) {
         return;
     }
     try {
-        Slot() = g_maker.load()();
+        Put(g_maker.load()());
     } catch (const Exception&) {
         // No device: the thread goes on drawing in software, which is no error.
     }
 }
 
 ThreadHardware::Maker ThreadHardware::Replace(Maker maker) noexcept {
-    Slot() = nullptr;
+    Put(nullptr);
     return g_maker.exchange(maker);
 }
 
