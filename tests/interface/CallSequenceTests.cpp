@@ -14,13 +14,19 @@ struct RandomChoice {
 };
 
 TEST(CallSequences, RandomOnesGiveResultsAndStayInsideTheirBuffer) {
-    for (uint32_t seed = 0; seed < 1200; ++seed) {
+    constexpr uint32_t kSeeds = 1000;
+    constexpr int kSequences = 200; // of each seed, on objects that they share
+    for (uint32_t seed = 0; seed < kSeeds; ++seed) {
         RandomChoice choice{std::mt19937(seed)};
         CallStream<RandomChoice> calls(choice);
-        for (int i = 0; i < 400; ++i) {
-            ASSERT_TRUE(calls.Call()) << "seed " << seed << " call " << i;
+        for (int sequence = 0; sequence < kSequences; ++sequence) {
+            ASSERT_TRUE(calls.Restart());
+            const uint32_t count = 1 + choice.Below(6);
+            for (uint32_t i = 0; i < count; ++i) {
+                ASSERT_TRUE(calls.Call()) << "seed " << seed << " sequence " << sequence << " call " << i;
+            }
+            ASSERT_TRUE(calls.GuardsHold()) << "seed " << seed << " sequence " << sequence;
         }
-        ASSERT_TRUE(calls.GuardsHold()) << "seed " << seed;
     }
     EXPECT_EQ(GXBitmapCacheSetMemoryQuota(0), GXResultSuccess); // it knows handles that have gone
     EXPECT_EQ(GXBitmapCacheSetMemoryQuota(uint64_t{40} << 20), GXResultSuccess);

@@ -56,6 +56,9 @@ public:
         return result <= GXResultInvalidArgument || result == GXResultIndexOutOfRange || result == GXResultEngineError;
     }
 
+    /// A new target for the calls that follow; false for an answer that none may give.
+    [[nodiscard]] bool Restart() { return NewTarget() <= GXResultInvalidArgument; }
+
     /// Whether every byte around the pixels of the host's buffer is as it was.
     [[nodiscard]] bool GuardsHold() const {
         for (size_t i = 0; i < kMemory; ++i) {
