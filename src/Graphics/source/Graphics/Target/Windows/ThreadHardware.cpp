@@ -22,19 +22,29 @@ std::atomic<ThreadHardware::Maker> g_maker{&CreateHardwareFactory};
     return ends != nullptr && ends() != FALSE;
 }
 
+std::atomic<bool> g_unloading{false};
+
 /// The factory of the thread that ends the process stays: giving a device back waits for threads of the driver that are
-/// no more.
+/// no more. So do the factories of threads that outlive the library: while it is unloaded, under the loader's lock, no
+/// thread of the driver can end.
 void NTAPI Drop(void* factory) noexcept {
-    if (!ProcessEnds()) {
+    if (!g_unloading.load() && !ProcessEnds()) {
         delete static_cast<HwRenderTargetFactory*>(factory);
     }
 }
 
 /// The slot is the platform's: with mingw-w64 the memory of a thread_local may be freed before its destructor runs. The
-/// platform calls back at a thread's end, where the thread has a factory.
+/// platform calls back at a thread's end, where the thread has a factory, as long as the library is there.
 [[nodiscard]] DWORD Slot() noexcept {
-    static const DWORD slot = FlsAlloc(&Drop);
-    return slot;
+    struct Owner {
+        DWORD index = FlsAlloc(&Drop);
+        ~Owner() {
+            g_unloading.store(true);
+            FlsFree(index);
+        }
+    };
+    static const Owner owner;
+    return owner.index;
 }
 
 void Put(std::unique_ptr<HwRenderTargetFactory> factory) noexcept {
