@@ -25,6 +25,7 @@ namespace {
 [[nodiscard]] std::filesystem::path ToPath(const wchar_t* path) {
     std::u8string text;
     for (; *path != 0; ++path) {
+        // The check takes wchar_t for a small character. NOLINTNEXTLINE(bugprone-signed-char-misuse)
         auto c = static_cast<uint32_t>(*path);
         if constexpr (sizeof(wchar_t) == 2) { // pairs of surrogates
             c &= 0xFFFF;
