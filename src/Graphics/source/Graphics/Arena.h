@@ -61,4 +61,16 @@ private:
     size_t m_offset = 0;      // in the current block
 };
 
+/// Ends the objects of a draw call, also when it fails.
+class ArenaScope {
+public:
+    explicit ArenaScope(Arena& arena) noexcept : m_arena(arena) {}
+    ArenaScope(const ArenaScope&) = delete;
+    ArenaScope& operator=(const ArenaScope&) = delete;
+    ~ArenaScope() { m_arena.Reset(); }
+
+private:
+    Arena& m_arena;
+};
+
 } // namespace Graphics

@@ -34,18 +34,6 @@ private:
     D3D11Mesh& m_mesh;
 };
 
-/// The end of a draw call's objects.
-class ArenaScope {
-public:
-    explicit ArenaScope(Arena& arena) noexcept : m_arena(arena) {}
-    ArenaScope(const ArenaScope&) = delete;
-    ArenaScope& operator=(const ArenaScope&) = delete;
-    ~ArenaScope() { m_arena.Reset(); }
-
-private:
-    Arena& m_arena;
-};
-
 const auto kWholeBox = [](const IntRect& r) {
     return [r](RasterizationSink& sink) { sink.Rectangle(r.left, r.top, r.right, r.bottom); };
 };
@@ -57,54 +45,12 @@ D3D11RenderTarget::D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std:
 
 D3D11RenderTarget::~D3D11RenderTarget() = default;
 
-const Shape& D3D11RenderTarget::Resolve(const PathRef& path) {
-    if (path.shape != nullptr) {
-        return **path.shape;
-    }
-    m_figure.Clear();
-    path.figure->Replay(m_figure);
-    return m_figure;
-}
-
-template <class Change> void D3D11RenderTarget::ChangeState(Change&& change) {
-    change(m_cached);
-    if (m_painting) {
-        change(State());
-    }
-}
-
-Matrix D3D11RenderTarget::GetTransform() const {
-    return m_painting ? const_cast<D3D11RenderTarget*>(this)->State().transform : m_cached.transform;
-}
-
-void D3D11RenderTarget::SetTransform(const Matrix& m) {
-    ChangeState([&](SwState& s) { s.transform = m; });
-}
-
-void D3D11RenderTarget::SetBlendMode(uint32_t mode) {
-    ChangeState([&](SwState& s) { s.blendMode = mode; });
-}
-
-void D3D11RenderTarget::SetStrokeAdjustment(bool on) {
-    ChangeState([&](SwState& s) { s.strokeAdjustment = on; });
-}
-
-void D3D11RenderTarget::SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) {
-    const SwSoftMask mask{std::move(brush), type, GetTransform()};
-    ChangeState([&](SwState& s) { s.opacityMask = mask; });
-}
-
-void D3D11RenderTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) {
-    const SwSoftMask mask{std::move(brush), type, GetTransform()};
-    ChangeState([&](SwState& s) { s.shapeMask = mask; });
-}
-
 template <class Work> void D3D11RenderTarget::Run(bool again, Work&& work) {
     const ArenaScope scope(m_arena);
     for (bool first = true;; first = false) {
         try {
             m_context->Recover();
-            if (m_painting && m_generation != m_context->Generation()) {
+            if (IsPainting() && m_generation != m_context->Generation()) {
                 FollowDevice();
             }
             if (first || again) {
@@ -142,10 +88,10 @@ void D3D11RenderTarget::BeginPaint() {
         m_context->Device().CheckRemoved();
         std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
         m_area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
-        m_basic.Open(std::move(color), m_area, m_cached);
+        m_basic.Open(std::move(color), m_area, Cached());
         m_generation = m_context->Generation();
     });
-    m_painting = true;
+    StartPainting();
 }
 
 void D3D11RenderTarget::EndPaint() {
@@ -158,8 +104,7 @@ void D3D11RenderTarget::EndPaint() {
             target.m_painter.Forget();
             target.m_basic.Close();
             target.m_clips.Pool().Trim();
-            target.m_cached = SwState();
-            target.m_painting = false;
+            target.StopPainting();
             target.m_incomplete = false;
         }
     } finally{*this};
@@ -196,14 +141,6 @@ IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
 
 D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible) noexcept {
     return {*m_context, Current(), m_clips.Pool(), visible, Visible(m_area)};
-}
-
-void D3D11RenderTarget::CheckMasks() {
-    for (const SwSoftMask* mask : {&State().shapeMask, &State().opacityMask}) {
-        if (mask->IsSet() && mask->type > GXMaskTypeInverseLuminosity) {
-            GX_RAISE("Graphics::SwSoftMaskOp::SwSoftMaskOp", "Unsupported soft mask type.");
-        }
-    }
 }
 
 template <class MakePaint>

@@ -7,26 +7,19 @@
 #include "../Geometry/Pen.h"
 #include "../Scan/Rasterizer.h"
 #include "../Software/SwGlyphCache.h"
-#include "../Target/RenderTargetBase.h"
+#include "../Software/SwStateTarget.h"
 #include "D3D11Painter.h"
 #include "D3D11Surface.h"
 
 namespace Graphics {
 
-class D3D11RenderTarget final : public RenderTargetBase {
+class D3D11RenderTarget final : public SwStateTarget {
 public:
     D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface);
     ~D3D11RenderTarget() override;
 
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return GXPixelFormatBGRX32; }
     [[nodiscard]] Size GetSize() const override { return m_surface->GetSize(); }
-
-    [[nodiscard]] Matrix GetTransform() const override;
-    void SetTransform(const Matrix& m) override;
-    void SetBlendMode(uint32_t mode) override;
-    void SetStrokeAdjustment(bool on) override;
-    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
-    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
 
     void BeginPaint() override;
     void EndPaint() override;
@@ -48,9 +41,7 @@ public:
 
 private:
     [[nodiscard]] D3D11SubTarget& Current() noexcept { return m_layers.empty() ? m_basic : *m_layers.back(); }
-    [[nodiscard]] SwState& State() noexcept { return Current().State(); }
-    [[nodiscard]] const Shape& Resolve(const PathRef& path);
-    template <class Change> void ChangeState(Change&& change);
+    [[nodiscard]] SwState& State() noexcept override { return Current().State(); }
 
     /// Runs the work of a drawing call. When the device is lost meanwhile, a new one is made and, with `again`, the
     /// work is done once more.
@@ -60,7 +51,6 @@ private:
 
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
     [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible) noexcept;
-    void CheckMasks();
     template <class MakePaint>
     void FillPath(const PathRef& path, bool snap, const D3D11ShapeMask* extra, MakePaint&& makePaint);
     /// The fill of a glyph by the coverage that the software keeps. False when it has to be drawn as any other path.
@@ -71,11 +61,9 @@ private:
     std::shared_ptr<D3D11Context> m_context;
     std::unique_ptr<D3D11Surface> m_surface;
     IntRect m_area{};
-    bool m_painting = false;
     bool m_incomplete = false; // some of this paint went with a lost device
     bool m_asked = false; // for a repaint; once, so that a device that is lost by every paint makes no endless round
     uint32_t m_generation = 0;
-    SwState m_cached;
 
     SwClipMaker m_clips; // before everything that may hold clips
     Arena m_arena;
@@ -84,7 +72,6 @@ private:
     std::vector<std::unique_ptr<D3D11SubTarget>> m_layers; // open ones, innermost last
     Rasterizer m_rasterizer;
     PenStorage m_pen;
-    Shape m_figure;
     SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
 };
 

@@ -32,18 +32,6 @@ namespace {
 
 } // namespace
 
-/// Ends the objects of a draw call, also when it fails.
-class SwRenderTarget::DrawScope {
-public:
-    explicit DrawScope(Arena& arena) noexcept : m_arena(arena) {}
-    DrawScope(const DrawScope&) = delete;
-    DrawScope& operator=(const DrawScope&) = delete;
-    ~DrawScope() { m_arena.Reset(); }
-
-private:
-    Arena& m_arena;
-};
-
 SwRenderTarget::SwRenderTarget(std::unique_ptr<SwSurface> surface) : m_surface(std::move(surface)) {}
 
 SwRenderTarget::~SwRenderTarget() = default;
@@ -59,48 +47,6 @@ SwSubTarget& SwRenderTarget::Current() noexcept {
     return *m_layers.back();
 }
 
-const Shape& SwRenderTarget::Resolve(const PathRef& path) {
-    if (path.shape != nullptr) {
-        return **path.shape;
-    }
-    m_figure.Clear();
-    path.figure->Replay(m_figure);
-    return m_figure;
-}
-
-template <class Change> void SwRenderTarget::ChangeState(Change&& change) {
-    change(m_cached);
-    if (m_painting) {
-        change(State());
-    }
-}
-
-Matrix SwRenderTarget::GetTransform() const {
-    return m_painting ? const_cast<SwRenderTarget*>(this)->State().transform : m_cached.transform;
-}
-
-void SwRenderTarget::SetTransform(const Matrix& m) {
-    ChangeState([&](SwState& s) { s.transform = m; });
-}
-
-void SwRenderTarget::SetBlendMode(uint32_t mode) {
-    ChangeState([&](SwState& s) { s.blendMode = mode; });
-}
-
-void SwRenderTarget::SetStrokeAdjustment(bool on) {
-    ChangeState([&](SwState& s) { s.strokeAdjustment = on; });
-}
-
-void SwRenderTarget::SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) {
-    const SwSoftMask mask{std::move(brush), type, GetTransform()};
-    ChangeState([&](SwState& s) { s.opacityMask = mask; });
-}
-
-void SwRenderTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) {
-    const SwSoftMask mask{std::move(brush), type, GetTransform()};
-    ChangeState([&](SwState& s) { s.shapeMask = mask; });
-}
-
 void SwRenderTarget::BeginPaint() {
     m_surface->UpdateSurface();
     const GXPixelFormat format = m_surface->GetPixelFormat();
@@ -109,7 +55,7 @@ void SwRenderTarget::BeginPaint() {
     }
     const PixelView pixels = m_surface->BeginPaint();
     m_area = {0, 0, pixels.width, pixels.height};
-    m_basic.Open(pixels.data, pixels.strideBytes, m_area, m_cached);
+    m_basic.Open(pixels.data, pixels.strideBytes, m_area, Cached());
     if (format == GXPixelFormatBGRX32) {
         // With 255 in every fourth byte the composites for pixels with alpha keep it so.
         for (int32_t y = 0; y < pixels.height; ++y) {
@@ -117,7 +63,7 @@ void SwRenderTarget::BeginPaint() {
                                       static_cast<size_t>(pixels.width));
         }
     }
-    m_painting = true;
+    StartPainting();
 }
 
 void SwRenderTarget::EndPaint() {
@@ -137,8 +83,7 @@ void SwRenderTarget::EndPaint() {
     m_basic.Close();
     m_clips.Pool().Trim();
     m_glyphs.reset();
-    m_cached = SwState();
-    m_painting = false;
+    StopPainting();
     m_surface->EndPaint();
     if (failure != nullptr) {
         std::rethrow_exception(failure);
@@ -156,14 +101,6 @@ IntRect SwRenderTarget::Visible(const IntRect& region) noexcept {
         visible = Intersect(visible, target.State().clip->Box());
     }
     return visible;
-}
-
-void SwRenderTarget::CheckMasks() {
-    for (const SwSoftMask* mask : {&State().shapeMask, &State().opacityMask}) {
-        if (mask->IsSet() && mask->type >= kMaskTypeCount) {
-            GX_RAISE("Graphics::SwSoftMaskOp::SwSoftMaskOp", "Unsupported soft mask type.");
-        }
-    }
 }
 
 SwMaskInput SwRenderTarget::MaskInput(const SwSoftMask& mask, const IntRect& visible) {
@@ -262,7 +199,7 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
             static_cast<ptrdiff_t>(glyph.strideBytes), width, static_cast<size_t>(visible.bottom - visible.top));
         return true;
     }
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     const auto makeSource = [&](const IntRect& region) {
         return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(region), state.transform);
     };
@@ -281,14 +218,14 @@ void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
     if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
         return;
     }
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     FillPath(path, State().strokeAdjustment && !text, nullptr, [&](const IntRect& visible) {
         return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), State().transform);
     });
 }
 
 void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     CheckMasks();
     const SwState& state = State();
     const Shape& shape = Resolve(path);
@@ -318,7 +255,7 @@ void SwRenderTarget::Clip(const PathRef& path) {
 
 void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
                                 uint32_t interpolation) {
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     const PixelView whole = bitmap.View();
     const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
     if (IsEmpty(part)) {
@@ -335,7 +272,7 @@ void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, con
 }
 
 void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     const PixelView view = mask.View();
     const IntRect whole{0, 0, view.width, view.height};
     const Matrix place = PlaceImage(whole, whole, destination);
@@ -350,7 +287,7 @@ void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect
 }
 
 void SwRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     CheckMasks();
     const IntRect visible = Visible(m_area);
     if (IsEmpty(visible)) {
@@ -422,7 +359,7 @@ void SwRenderTarget::EndLayer() {
 }
 
 void SwRenderTarget::CloseLayer() {
-    const DrawScope scope(m_arena);
+    const ArenaScope scope(m_arena);
     // Back among the spare ones however this ends.
     struct Keeper {
         std::vector<std::unique_ptr<SwLayerSubTarget>>& spare;

@@ -7,31 +7,23 @@
 
 #include "../Arena.h"
 #include "../Geometry/Pen.h"
-#include "../Geometry/Shape.h"
 #include "../Scan/Rasterizer.h"
-#include "../Target/RenderTargetBase.h"
 #include "SwClipMaker.h"
 #include "SwGlyphCache.h"
 #include "SwLayerSubTarget.h"
+#include "SwStateTarget.h"
 #include "SwSubTarget.h"
 #include "SwSurface.h"
 
 namespace Graphics {
 
-class SwRenderTarget final : public RenderTargetBase {
+class SwRenderTarget final : public SwStateTarget {
 public:
     explicit SwRenderTarget(std::unique_ptr<SwSurface> surface);
     ~SwRenderTarget() override;
 
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override;
     [[nodiscard]] Size GetSize() const override;
-
-    [[nodiscard]] Matrix GetTransform() const override;
-    void SetTransform(const Matrix& m) override;
-    void SetBlendMode(uint32_t mode) override;
-    void SetStrokeAdjustment(bool on) override;
-    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
-    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
 
     void BeginPaint() override;
     void EndPaint() override;
@@ -52,21 +44,14 @@ public:
     void InvertLine(const Point& from, const Point& to) override;
 
 private:
-    class DrawScope;
-
     [[nodiscard]] SwSubTarget& Current() noexcept;
-    [[nodiscard]] SwState& State() noexcept { return Current().State(); }
-    /// The stored shape, or the figure put into a shape that is void after the call.
-    [[nodiscard]] const Shape& Resolve(const PathRef& path);
-    /// Applies a setter to the cached state and, while painting, to the current one.
-    template <class Change> void ChangeState(Change&& change);
+    [[nodiscard]] SwState& State() noexcept override { return Current().State(); }
 
     /// The part of `region` that bounds and clip leave.
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
     [[nodiscard]] SwMaskInput MaskInput(const SwSoftMask& mask, const IntRect& visible);
     /// A pipeline with target, state masks, clip and blend mode, and `extraMask` (null: none) as the call's own mask.
     void Assemble(SwPipeLine& pipeLine, const IntRect& visible, const SwMaskInput* extraMask);
-    void CheckMasks();
 
     /// One pipeline run: cover(pipeLine) sends coverage inside `visible`, which may be empty.
     template <class MakeSource, class Cover>
@@ -80,8 +65,6 @@ private:
 
     std::unique_ptr<SwSurface> m_surface;
     IntRect m_area{}; // the whole surface
-    bool m_painting = false;
-    SwState m_cached;
 
     // Before everything that may hold clips.
     SwClipMaker m_clips;
@@ -93,7 +76,6 @@ private:
     Arena m_arena;
     Rasterizer m_rasterizer;
     PenStorage m_pen;
-    Shape m_figure;
     SwRowBuffers m_buffers;
     SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
 };

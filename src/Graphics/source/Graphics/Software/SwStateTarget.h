@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// The graphics state of the back ends that rasterize by themselves: what a host sets outside the paint bracket reaches
+// the next one, what it sets inside goes to the innermost layer too.
+#pragma once
+
+#include <memory>
+
+#include "../Geometry/Shape.h"
+#include "../Target/RenderTargetBase.h"
+#include "SwSubTarget.h"
+
+namespace Graphics {
+
+class SwStateTarget : public RenderTargetBase {
+public:
+    [[nodiscard]] Matrix GetTransform() const final;
+    void SetTransform(const Matrix& m) final;
+    void SetBlendMode(uint32_t mode) final;
+    void SetStrokeAdjustment(bool on) final;
+    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) final;
+    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) final;
+
+protected:
+    /// The state of the innermost layer; only asked for while painting.
+    [[nodiscard]] virtual SwState& State() noexcept = 0;
+
+    [[nodiscard]] bool IsPainting() const noexcept { return m_painting; }
+    /// What the next bracket begins with.
+    [[nodiscard]] const SwState& Cached() const noexcept { return m_cached; }
+    void StartPainting() noexcept { m_painting = true; }
+    /// Everything is as in a new target again.
+    void StopPainting() noexcept;
+
+    /// The stored shape, or the figure put into a shape that is void after the call.
+    [[nodiscard]] const Shape& Resolve(const PathRef& path);
+    /// Raises "Unsupported soft mask type." for the masks of the current state.
+    void CheckMasks();
+
+private:
+    /// Applies a setter to the cached state and, while painting, to the current one.
+    template <class Change> void ChangeState(Change&& change);
+
+    bool m_painting = false;
+    SwState m_cached;
+    Shape m_figure;
+};
+
+} // namespace Graphics
