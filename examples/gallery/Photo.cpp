@@ -3,6 +3,7 @@
 // a row with the whole at a fifth and a detail at four times its size.
 #include <cmath>
 #include <filesystem>
+#include <random>
 #include <string>
 
 #include "Pictures.h"
@@ -46,7 +47,8 @@ Picture TakePhoto() {
 
 /// Saved and loaded by the library.
 Picture Reloaded(const Picture& bitmap) {
-    const std::filesystem::path path = std::filesystem::temp_directory_path() / "gxgallery-photo.png";
+    const std::string name = "gxgallery-photo-" + std::to_string(std::random_device()()) + ".png";
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / name;
     GALLERY_CHECK(GXBitmapSaveToFile(bitmap.Get(), path.wstring().c_str()));
     Picture loaded;
     GALLERY_CHECK(GXCreateBitmapFromFile(path.wstring().c_str(), loaded.Out()));

@@ -96,7 +96,7 @@ std::vector<char> BytesOf(const std::filesystem::path& path) {
 }
 
 TEST(BitmapFiles, LosslessFilesGiveBackColorsAndResolutionOnEveryPlatform) {
-    const std::filesystem::path folder(testing::TempDir());
+    const std::filesystem::path& folder = ScratchFolder();
     for (const char* ending : {"png", "TIF", "tiff", "bmp"}) {
         for (GXPixelFormat format = GXPixelFormatBGR24; format <= GXPixelFormatIndexed1; ++format) {
             const Owned<GXBitmap> bitmap = RandomBitmap(13, 7, format, format);
@@ -119,7 +119,7 @@ TEST(BitmapFiles, LosslessFilesGiveBackColorsAndResolutionOnEveryPlatform) {
 }
 
 TEST(BitmapFiles, TheEndingChoosesTheEncoder) {
-    const std::filesystem::path folder(testing::TempDir());
+    const std::filesystem::path& folder = ScratchFolder();
     const Owned<GXBitmap> bitmap = RandomBitmap(9, 9, GXPixelFormatBGR24, 3);
     const struct {
         const char* ending;

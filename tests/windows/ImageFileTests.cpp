@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Image files through GDI+: frames, formats that the engine does not have, every refusal of GDI+ with its message, and
 // that all is given back.
+#include "../ScratchFolder.h"
 #include "WindowsSupport.h"
 
 #include "ProcessHeap.h"
@@ -130,8 +131,8 @@ public:
     }
 
     const Bytes pages = Tiff({10, 20, 30});
-    const std::filesystem::path tiff = std::filesystem::path(testing::TempDir()) / "gx_windows_pages.tif";
-    const std::filesystem::path png = std::filesystem::path(testing::TempDir()) / "gx_windows_saved.png";
+    const std::filesystem::path tiff = ScratchFolder() / "pages.tif";
+    const std::filesystem::path png = ScratchFolder() / "saved.png";
     const Owned<GXBitmap> small = MakeBitmap(3, 2, GXPixelFormatBGR24);
     const LastMessage message;
     static inline HGLOBAL g_block = nullptr;
