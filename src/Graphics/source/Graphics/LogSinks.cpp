@@ -2,11 +2,15 @@
 #include "LogSinks.h"
 
 namespace Graphics {
+namespace {
 
-LogSinks& LogSinks::Instance() noexcept {
-    static LogSinks instance;
-    return instance;
-}
+// Made when the library is loaded, not on first use: it has to outlive the static objects of a program that is linked
+// against the library.
+LogSinks g_sinks;
+
+} // namespace
+
+LogSinks& LogSinks::Instance() noexcept { return g_sinks; }
 
 void LogSinks::Set(int32_t key, GXLogProc proc, void* context) {
     const std::lock_guard lock(m_mutex);

@@ -4,11 +4,13 @@
 #include "../Pixels/PixelFormat.h"
 
 namespace Graphics {
+namespace {
 
-BitmapCache& BitmapCache::Shared() noexcept {
-    static BitmapCache cache;
-    return cache;
-}
+BitmapCache g_cache; // made when the library is loaded, so that it outlives a program's static objects
+
+} // namespace
+
+BitmapCache& BitmapCache::Shared() noexcept { return g_cache; }
 
 uint64_t BitmapCache::EntryBytes(const Size& size, GXPixelFormat format) noexcept {
     const uint64_t bits = IsValidFormat(format) ? static_cast<uint64_t>(BitsPerPixel(format)) : 32;

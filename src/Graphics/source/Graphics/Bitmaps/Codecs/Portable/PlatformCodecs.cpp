@@ -7,15 +7,18 @@
 #include "TiffCodec.h"
 
 namespace Graphics {
+namespace {
 
-std::span<const ImageCodec* const> PlatformCodecs() noexcept {
-    static const PngCodec png;
-    static const JpegCodec jpeg;
-    static const TiffCodec tiff;
-    static const GifCodec gif;
-    static const BmpCodec bmp;
-    static const ImageCodec* const all[] = {&png, &jpeg, &tiff, &gif, &bmp};
-    return all;
-}
+// Not made on first use: a program may load and save while its static objects end.
+const PngCodec g_png;
+const JpegCodec g_jpeg;
+const TiffCodec g_tiff;
+const GifCodec g_gif;
+const BmpCodec g_bmp;
+const ImageCodec* const g_all[] = {&g_png, &g_jpeg, &g_tiff, &g_gif, &g_bmp};
+
+} // namespace
+
+std::span<const ImageCodec* const> PlatformCodecs() noexcept { return g_all; }
 
 } // namespace Graphics

@@ -5,12 +5,15 @@
 #include "GdipCodec.h"
 
 namespace Graphics {
+namespace {
 
-std::span<const ImageCodec* const> PlatformCodecs() noexcept {
-    static const BmpCodec bmp;
-    static const GdipCodec gdiplus;
-    static const ImageCodec* const all[] = {&bmp, &gdiplus};
-    return all;
-}
+// Not made on first use: a program may load and save while its static objects end.
+const BmpCodec g_bmp;
+const GdipCodec g_gdiplus;
+const ImageCodec* const g_all[] = {&g_bmp, &g_gdiplus};
+
+} // namespace
+
+std::span<const ImageCodec* const> PlatformCodecs() noexcept { return g_all; }
 
 } // namespace Graphics
