@@ -118,6 +118,22 @@ TEST(BitmapFiles, LosslessFilesGiveBackColorsAndResolutionOnEveryPlatform) {
     }
 }
 
+TEST(BitmapFiles, ResolutionsThatCannotBeMeantAreSavedAsOthersAre) {
+    const std::filesystem::path& folder = ScratchFolder();
+    for (const char* ending : {"png", "jpg", "tif", "bmp"}) {
+        for (const float dpi : {0.0F, -5.0F, 1e30F, NAN, INFINITY}) {
+            const GXBitmapDesc desc{3, 2, GXPixelFormatBGR24, dpi, dpi};
+            Owned<GXBitmap> bitmap, loaded;
+            ASSERT_EQ(GXCreateBitmap(&desc, bitmap.Out()), GXResultSuccess);
+            ASSERT_EQ(GXBitmapColorFill(bitmap, nullptr, 0xFF102030), GXResultSuccess);
+            const std::filesystem::path path = folder / (std::string("gx_dpi.") + ending);
+            EXPECT_EQ(GXBitmapSaveToFile(bitmap, path.wstring().c_str()), GXResultSuccess) << ending << " " << dpi;
+            ASSERT_EQ(GXCreateBitmapFromFile(path.wstring().c_str(), loaded.Out()), GXResultSuccess) << ending;
+            std::filesystem::remove(path);
+        }
+    }
+}
+
 TEST(BitmapFiles, TheEndingChoosesTheEncoder) {
     const std::filesystem::path& folder = ScratchFolder();
     const Owned<GXBitmap> bitmap = RandomBitmap(9, 9, GXPixelFormatBGR24, 3);

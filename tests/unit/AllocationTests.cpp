@@ -230,16 +230,80 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
     EXPECT_TRUE(allGiven);
 }
 
-TEST(Allocation, EveryRefusedBufferLeavesAWorkingTarget) {
-    RefuseEach([](int64_t n) { return ProcessHeap::FailAfter(n); });
+int64_t RefuseBuffer(int64_t n) { return ProcessHeap::FailAfter(n); }
+
+int64_t RefuseObject(int64_t n) {
+    const int64_t now = g_news.load();
+    g_refused.store(n < 0 ? -1 : now + n);
+    return now;
 }
 
-TEST(Allocation, EveryRefusedObjectLeavesAWorkingTarget) {
-    RefuseEach([](int64_t n) {
-        const int64_t now = g_news.load();
-        g_refused.store(n < 0 ? -1 : now + n);
-        return now;
-    });
+TEST(Allocation, EveryRefusedBufferLeavesAWorkingTarget) { RefuseEach(RefuseBuffer); }
+
+TEST(Allocation, EveryRefusedObjectLeavesAWorkingTarget) { RefuseEach(RefuseObject); }
+
+TEST(Allocation, ARefusedStepLeavesAGeometryAsItWas) {
+    const std::function<void(Shape&)> steps[] = {
+        [](Shape& s) {
+            s.BeginFigure({50, 60});
+        },
+        [](Shape& s) { s.EndFigure(); },
+        [](Shape& s) { s.EndFigureClose(); },
+        [](Shape& s) { s.AddClosed([](auto& sink) {
+                           AddRectangle(sink, {-5, -5, 70, 80});
+                       }); },
+        [](Shape& s) { s.AddClosed([](auto& sink) {
+                           AddRoundRectangle(sink, {-5, -5, 70, 80}, 3, 3);
+                       }); },
+    };
+    // Points of the figure under construction: none, a lone start, one that fills its block to a few bytes.
+    for (const int points : {0, 1, 13}) {
+        for (const int finished : {0, 1, 4}) {
+            const auto build = [&](Shape& s) {
+                for (int i = 0; i < finished; ++i) {
+                    AddRectangle(s, {0, 0, 10, 10});
+                }
+                for (int i = 0; i < points; ++i) {
+                    const Point p{static_cast<float>(i), 9};
+                    i == 0 ? s.BeginFigure(p) : s.LineTo(p);
+                }
+            };
+            for (const auto& step : steps) {
+                Shape done;
+                build(done);
+                step(done);
+                for (int64_t (*refuse)(int64_t) : {RefuseBuffer, RefuseObject}) {
+                    for (int64_t n = 0, refused = 1; refused != 0; ++n) {
+                        Shape shape, before;
+                        build(shape);
+                        build(before);
+                        refuse(n);
+                        refused = 0;
+                        try {
+                            step(shape);
+                        } catch (...) {
+                            refused = 1;
+                        }
+                        refuse(-1);
+                        if (refused != 0) {
+                            const auto same = [&](const Shape& o) {
+                                Point a{}, b{};
+                                return shape.CurrentPoint(a) == o.CurrentPoint(b) && a.x == b.x && a.y == b.y &&
+                                       shape.ControlBox().right == o.ControlBox().right &&
+                                       shape.Figures().size() == o.Figures().size() && (o.Empty() || shape.Equals(o));
+                            };
+                            EXPECT_TRUE(same(before)) << points << " " << finished << " step " << &step - steps;
+                            before.EndFigure(); // what is under construction is the same too
+                            shape.EndFigure();
+                            EXPECT_TRUE(same(before)) << points << " " << finished << " step " << &step - steps;
+                        } else {
+                            EXPECT_TRUE(done.Empty() || shape.Equals(done));
+                        }
+                    }
+                }
+            }
+        }
+    }
 }
 
 } // namespace

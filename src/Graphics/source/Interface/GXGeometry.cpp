@@ -112,21 +112,23 @@ GXResult GXGeometryRectangle(GXGeometry geometry, const GXRect* rect) GX_NOEXCEP
     if (AnyNull(geometry) || AnyNull(rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { AddRectangle(geometry->object->GetShape(), *rect); });
+    return Guard([&] { geometry->object->GetShape().AddClosed([&](auto& sink) { AddRectangle(sink, *rect); }); });
 }
 
 GXResult GXGeometryEllipse(GXGeometry geometry, const GXRect* rect) GX_NOEXCEPT {
     if (AnyNull(geometry) || AnyNull(rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { AddEllipse(geometry->object->GetShape(), *rect); });
+    return Guard([&] { geometry->object->GetShape().AddClosed([&](auto& sink) { AddEllipse(sink, *rect); }); });
 }
 
 GXResult GXGeometryRoundRectangle(GXGeometry geometry, const GXRect* rect, float radiusX, float radiusY) GX_NOEXCEPT {
     if (AnyNull(geometry) || AnyNull(rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { AddRoundRectangle(geometry->object->GetShape(), *rect, radiusX, radiusY); });
+    return Guard([&] {
+        geometry->object->GetShape().AddClosed([&](auto& sink) { AddRoundRectangle(sink, *rect, radiusX, radiusY); });
+    });
 }
 
 GXResult GXGeometryCopy(GXGeometry geometry, GXGeometry* out) GX_NOEXCEPT {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Shape.h"
 
+#include <algorithm>
+
 namespace Graphics {
 namespace {
 
@@ -15,12 +17,24 @@ uint64_t Shape::NewIdentity() const noexcept {
     return m_identity.compare_exchange_strong(known, fresh, std::memory_order_relaxed) ? fresh : known;
 }
 
+void Shape::MakeRoom(size_t figures) {
+    const size_t size = m_figures.size();
+    if (m_figures.capacity() - size < figures) {
+        m_figures.reserve(std::max(size + figures, size * 2));
+    }
+}
+
 void Shape::BeginFigure(const Point& start) {
     const Point p = start;
-    EndFigure();
-    m_current.Reset();
-    m_open = false;
-    m_current.Start(p);
+    if (m_open && m_current.Drawn()) {
+        Figure next;
+        next.Start(p);
+        EndFigure();
+        m_current = std::move(next);
+    } else {
+        m_current.Reset(); // a lone start point; its memory takes the new one
+        m_current.Start(p);
+    }
     m_open = true;
     m_bounds.BeginFigure(p);
     Changed();
@@ -30,6 +44,7 @@ void Shape::EndFigure() {
     if (!m_open || !m_current.Drawn()) {
         return;
     }
+    MakeRoom(1);
     m_figures.push_back(std::move(m_current));
     Changed();
     m_current = Figure();
@@ -39,9 +54,22 @@ void Shape::EndFigure() {
 
 void Shape::EndFigureClose() {
     if (m_open) {
+        MakeRoom(1);
         m_current.SetClosed();
         EndFigure();
     }
+}
+
+void Shape::Append(Figure&& closed) {
+    MakeRoom(2);
+    EndFigure();
+    m_current.Reset();
+    m_open = false;
+    for (const Point& p : closed.Points()) {
+        m_bounds.LineTo(p);
+    }
+    m_figures.push_back(std::move(closed));
+    Changed();
 }
 
 void Shape::Clear() noexcept {

@@ -21,7 +21,7 @@ public:
         m_fillRule = rule;
         Changed();
     }
-    /// Ends a figure that is still open.
+    /// Ends a figure that is still open. A refused allocation changes nothing, here as in every other operation.
     void BeginFigure(const Point& start) override;
     /// Stores the figure unless it is a lone start point, which stays open.
     void EndFigure() override;
@@ -39,6 +39,15 @@ public:
             m_current.AddCubic(c1, c2, end);
             m_bounds.CubicTo(c1, c2, end);
             Changed();
+        }
+    }
+
+    /// Adds the closed figure that `add` sends to a sink, if any: as if it were sent here, but all of it or nothing.
+    template <class Add> void AddClosed(const Add& add) {
+        ClosedFigure sink;
+        add(sink);
+        if (sink.figure.Drawn()) {
+            Append(std::move(sink.figure));
         }
     }
 
@@ -81,6 +90,18 @@ public:
     }
 
 private:
+    /// Takes one closed figure aside.
+    struct ClosedFigure {
+        void BeginFigure(const Point& start) { figure.Start(start); }
+        void LineTo(const Point& p) { figure.AddLine(p); }
+        void CubicTo(const Point& c1, const Point& c2, const Point& end) { figure.AddCubic(c1, c2, end); }
+        void EndFigureClose() noexcept { figure.SetClosed(); }
+        Figure figure;
+    };
+    void Append(Figure&& closed);
+    /// So that this many figures can be stored without an allocation.
+    void MakeRoom(size_t figures);
+
     [[nodiscard]] uint64_t NewIdentity() const noexcept;
     void Changed() noexcept { m_identity.store(0, std::memory_order_relaxed); }
 

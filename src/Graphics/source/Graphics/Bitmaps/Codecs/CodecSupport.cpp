@@ -14,10 +14,6 @@ namespace {
 
 constexpr double kMetresPerInch = 0.0254;
 
-[[nodiscard]] float SaneDpi(double dpi) noexcept {
-    return dpi >= 0.01 && dpi <= 1e6 ? static_cast<float>(dpi) : kDefaultDpi;
-}
-
 [[nodiscard]] bool IsGreyRamp(const PixelView& view) noexcept {
     for (size_t i = 0; i < view.paletteCount; ++i) {
         if (view.palette[i] != (0xFF000000U | static_cast<uint32_t>(i) * 0x010101U)) {
@@ -28,6 +24,8 @@ constexpr double kMetresPerInch = 0.0254;
 }
 
 } // namespace
+
+float SaneDpi(double dpi) noexcept { return dpi >= 0.01 && dpi <= 1e6 ? static_cast<float>(dpi) : kDefaultDpi; }
 
 std::shared_ptr<SysMemBitmap> NewImage(uint64_t width, uint64_t height, GXPixelFormat format, double dpiX,
                                        double dpiY) {

@@ -14,8 +14,11 @@ inline constexpr float kDefaultDpi = 96.0F;
 [[nodiscard]] inline uint32_t Load16(const uint8_t* p) noexcept { return p[0] | static_cast<uint32_t>(p[1]) << 8; }
 [[nodiscard]] inline uint32_t Load32(const uint8_t* p) noexcept { return Load16(p) | Load16(p + 2) << 16; }
 
+/// Resolutions that cannot be meant, in a file as well as from a host, count as kDefaultDpi.
+[[nodiscard]] float SaneDpi(double dpi) noexcept;
+
 /// A new bitmap, pixels not cleared. Throws ImageError for a size of zero and from the bitmap limits on. Resolutions
-/// that cannot be meant count as kDefaultDpi.
+/// are made sane.
 [[nodiscard]] std::shared_ptr<SysMemBitmap> NewImage(uint64_t width, uint64_t height, GXPixelFormat format,
                                                      double dpiX = kDefaultDpi, double dpiY = kDefaultDpi);
 

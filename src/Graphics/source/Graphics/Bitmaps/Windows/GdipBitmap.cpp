@@ -28,6 +28,9 @@ namespace {
            pixels.strideBytes <= INT32_MAX && reinterpret_cast<uintptr_t>(pixels.data) % 4 == 0;
 }
 
+/// Other resolutions are left to the file's default.
+[[nodiscard]] bool CanBeSaved(float dpi) noexcept { return dpi >= 0.01F && dpi <= 1e6F; }
+
 } // namespace
 
 Gdiplus::PixelFormat GdipBitmap::FormatOf(GXPixelFormat format) noexcept {
@@ -59,7 +62,8 @@ GdipBitmap::GdipBitmap(const PixelView& pixels, float dpiX, float dpiY)
     try {
         made = made &&
                (share ? !IsIndexedFormat(AsIndexed(pixels.format)) || SetPalette(pixels) : CopyConverted(pixels)) &&
-               (!(dpiX > 0.0F && dpiY > 0.0F) || g_gdip.bitmapSetResolution(m_bitmap, dpiX, dpiY) == Gdiplus::Ok);
+               (!(CanBeSaved(dpiX) && CanBeSaved(dpiY)) ||
+                g_gdip.bitmapSetResolution(m_bitmap, dpiX, dpiY) == Gdiplus::Ok);
         if (!made) {
             GX_RAISE("Graphics::GdipBitmap::GdipBitmap",
                      "Failed to create Gdiplus bitmap of size - width: {" + std::to_string(m_width) + "}; height: {" +

@@ -51,8 +51,8 @@ public:
             Set(TIFFTAG_COLORMAP, map[0], map[1], map[2]);
         }
         Set(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-        Set(TIFFTAG_XRESOLUTION, static_cast<double>(image.DpiX()));
-        Set(TIFFTAG_YRESOLUTION, static_cast<double>(image.DpiY()));
+        Set(TIFFTAG_XRESOLUTION, static_cast<double>(SaneDpi(image.DpiX())));
+        Set(TIFFTAG_YRESOLUTION, static_cast<double>(SaneDpi(image.DpiY())));
         Set(TIFFTAG_ROWSPERSTRIP,
             static_cast<uint32_t>(std::clamp<size_t>(kStripBytes / rows.RowBytes(), 1, rows.Height())));
         for (uint32_t y = 0; y < rows.Height(); ++y) {
