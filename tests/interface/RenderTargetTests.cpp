@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The paint bracket, the graphics state, clips, layers and drawing through exported functions alone.
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -154,8 +156,12 @@ TEST(RenderTarget, ARectangleFillsThePixelsOfItsGeometry) {
     for (int i = 0; i < 3000; ++i) {
         Canvas direct(32, 32);
         Canvas general(32, 32);
-        const GXRect r{at(), at(), random() % 20 == 0 ? at() : at() * 0.2F, at()};
-        const GXMatrix m{random() % 2 == 0 ? 1.0F : -1.3F, 0, 0, random() % 2 == 0 ? 1.0F : 0.6F, at() * 0.5F, 3};
+        GXRect r{at(), at(), random() % 20 == 0 ? at() : at() * 0.2F, at()};
+        if (random() % 20 == 0) { // a line, also on the target's left side
+            r.right = r.left = random() % 2 == 0 ? 0.0F : r.left;
+        }
+        const GXMatrix m{random() % 2 == 0 ? 1.0F : -1.3F,       0, 0, random() % 2 == 0 ? 1.0F : 0.6F,
+                         random() % 4 == 0 ? 0.0F : at() * 0.5F, 3};
         const Owned<GXGeometry> geometry = RectangleGeometry(r.left, r.top, r.right, r.bottom);
         for (const Canvas* c : {&direct, &general}) {
             ASSERT_EQ(GXRenderTargetSetCTM(c->target, &m), GXResultSuccess);
@@ -209,6 +215,11 @@ TEST(RenderTarget, BitmapsAreCopiedMirroredAndClampedInsideTheirSource) {
         ASSERT_EQ(GXRenderTargetStretchBitmap(c.target, image, &mirrored, nullptr, 1.0F, interpolation),
                   GXResultSuccess);
         EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kWhite, kGreen, kRed, kWhite, 0, 0})) << interpolation;
+        const GXRect unmirrored{3, 0, 6, 1};
+        const GXIntRect backwards{3, 0, 0, 1};
+        ASSERT_EQ(GXRenderTargetStretchBitmap(c.target, image, &unmirrored, &backwards, 1.0F, interpolation),
+                  GXResultSuccess);
+        EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kWhite, kGreen, kRed, kWhite, kGreen, kRed})) << interpolation;
         // Only the middle pixel, over everything: its neighbours do not bleed in.
         const GXRect whole{0, 0, 6, 1};
         const GXIntRect middle{1, 0, 2, 1};
@@ -228,8 +239,20 @@ TEST(RenderTarget, FillMaskPaintsThroughTheMasksValues) {
     EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{0, 0x7F7F0000, kRed}));
 }
 
+// Whatever the pixels hold, colours above their alpha too.
 TEST(RenderTarget, InvertingTwiceRestores) {
+    std::mt19937 random(3);
     Canvas c(16, 16);
+    std::vector<uint32_t> any(256);
+    std::generate(any.begin(), any.end(), std::ref(random));
+    const GXBitmapData data{any.data(), 64, 64};
+    ASSERT_EQ(GXBitmapCopyFromMemory(c.bitmap, nullptr, &data), GXResultSuccess);
+    const GXRect all{0, 0, 16, 16};
+    ASSERT_EQ(GXRenderTargetInvertRect(c.target, &all), GXResultSuccess);
+    const std::vector<uint32_t> inverted = c.Pixels();
+    for (size_t i = 0; i < 256; ++i) {
+        ASSERT_EQ(inverted[i], any[i] ^ 0x00FFFFFFU);
+    }
     FillRect(c, {0, 0, 16, 9}, kRed);
     FillRect(c, {3, 3, 16, 16}, 0x80204060);
     const std::vector<uint32_t> before = c.Pixels();

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Render targets: drawing and clipping.
+#include <utility>
+
 #include "Bitmaps/Bitmap.h"
 #include "Geometry/Geometry.h"
 #include "Geometry/StrokeStyle.h"
@@ -165,7 +167,18 @@ GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitma
         renderTarget,
         [&](RenderTargetBase& t) {
             const Bitmap& b = *bitmap->object;
-            t.DrawBitmap(b, source == nullptr ? WholeOf(b) : *source, *destination, opacity, interpolation);
+            GXIntRect from = source == nullptr ? WholeOf(b) : *source;
+            GXRect to = *destination;
+            // A reversed source is the same part onto a reversed destination.
+            if (from.left > from.right) {
+                std::swap(from.left, from.right);
+                std::swap(to.left, to.right);
+            }
+            if (from.top > from.bottom) {
+                std::swap(from.top, from.bottom);
+                std::swap(to.top, to.bottom);
+            }
+            t.DrawBitmap(b, from, to, opacity, interpolation);
         },
         bitmap, destination);
 }

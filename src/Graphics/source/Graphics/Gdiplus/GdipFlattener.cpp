@@ -6,6 +6,9 @@
 namespace Graphics {
 namespace {
 
+/// The software renderer draws no further than this from a picture's corner.
+constexpr int32_t kFarthest = 32000;
+
 /// Beyond so many rectangles their common box is brought to the device in one piece. It shows the same.
 constexpr size_t kMostRects = 256;
 
@@ -21,7 +24,14 @@ void GdipFlattener::Run(const Region& region, const Place& place, int64_t bandPi
     std::vector<IntRect> all; // from the top down
     region.EnumRects([&](const IntRect& rect) { all.push_back(rect); });
     const IntRect bound = region.Bound();
-    const int64_t rows = std::max<int64_t>(1, bandPixels / std::max(1, bound.right - bound.left));
+    for (int32_t left = bound.left; left < bound.right; left += kFarthest) {
+        RunColumns(all, {left, bound.top, std::min(bound.right, left + kFarthest), bound.bottom}, place, bandPixels);
+    }
+}
+
+void GdipFlattener::RunColumns(const std::vector<IntRect>& all, const IntRect& bound, const Place& place,
+                               int64_t bandPixels) const {
+    const int64_t rows = std::clamp<int64_t>(bandPixels / (bound.right - bound.left), 1, kFarthest);
     std::vector<IntRect> rects;
     size_t first = 0; // ends below the band's top
     for (int32_t top = bound.top; top < bound.bottom;) {

@@ -25,6 +25,10 @@ public:
     void Run(const Region& region, const Place& place, int64_t bandPixels = kBandPixels) const;
 
 private:
+    /// Those parts of the rectangles that lie in `bound`.
+    void RunColumns(const std::vector<IntRect>& all, const IntRect& bound, const Place& place,
+                    int64_t bandPixels) const;
+
     const GdipPageList& m_page;
     BitmapTargetMaker m_makeTarget;
 };

@@ -10,6 +10,9 @@ namespace Graphics {
 
 class GdipPath final : public GeometrySink {
 public:
+    /// Device pixels that a page may have from its corner: paper on a roll is long.
+    static constexpr float kBand = 1048576.0F;
+
     /// `toPage` maps device pixels to page units. Raises when GDI+ makes no path.
     explicit GdipPath(const Matrix& toPage);
     GdipPath(const GdipPath&) = delete;

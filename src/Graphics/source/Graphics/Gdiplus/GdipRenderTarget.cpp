@@ -40,7 +40,9 @@ constexpr float kPointsPerInch = 72.0F;
     }
     a = p[0];
     b = p[2];
-    const auto inBand = [](const Point& q) { return std::fabs(q.x) < kDeviceBand && std::fabs(q.y) < kDeviceBand; };
+    const auto inBand = [](const Point& q) {
+        return std::fabs(q.x) < GdipPath::kBand && std::fabs(q.y) < GdipPath::kBand;
+    };
     return inBand(a) && inBand(b) &&
            ((a.y == p[1].y && p[1].x == b.x && b.y == p[3].y && p[3].x == a.x) ||
             (a.x == p[1].x && p[1].y == b.y && b.x == p[3].x && p[3].y == a.y));

@@ -17,10 +17,20 @@ namespace Graphics {
 inline constexpr float kDeviceBand = 32535.0F;
 inline constexpr float kFillTolerance = 0.25F;
 
+/// The device pixels that a sink takes: from the negative of this to it, in both directions.
+template <class Sink> constexpr float BandOf() noexcept {
+    if constexpr (requires { Sink::kBand; }) {
+        return Sink::kBand;
+    } else {
+        return kDeviceBand;
+    }
+}
+
 /// Calls `feed` with a sink that limits figures to the band, first in y and then in x.
 template <class Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed) {
-    StripClipper<Sink> x(sink, ClipAxis::X, -kDeviceBand, kDeviceBand, kFillTolerance);
-    StripClipper<StripClipper<Sink>> y(x, ClipAxis::Y, -kDeviceBand, kDeviceBand, kFillTolerance);
+    constexpr float band = BandOf<Sink>();
+    StripClipper<Sink> x(sink, ClipAxis::X, -band, band, kFillTolerance);
+    StripClipper<StripClipper<Sink>> y(x, ClipAxis::Y, -band, band, kFillTolerance);
     feed(y);
 }
 
@@ -28,9 +38,9 @@ template <class Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed)
 template <class Sink> void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
     sink.SetFillRule(shape.FillRule());
     const Rect box = MapBox(m, shape.ControlBox());
+    constexpr float inner = BandOf<Sink>() - 1;
     // Inside the band the clippers change nothing. NaN compares false.
-    if (shape.AllFinite() && box.left > -kDeviceBand + 1 && box.top > -kDeviceBand + 1 && box.right < kDeviceBand - 1 &&
-        box.bottom < kDeviceBand - 1) {
+    if (shape.AllFinite() && box.left > -inner && box.top > -inner && box.right < inner && box.bottom < inner) {
         const auto all = [](const Figure&) { return true; };
         if (IsIdentity(m)) {
             shape.ReplayFigures(sink, all);

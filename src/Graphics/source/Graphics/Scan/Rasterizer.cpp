@@ -47,12 +47,14 @@ IntRect Snap(const Edge (&e)[2]) noexcept {
 bool Rasterizer::SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out) noexcept {
     const Vertex from = ToVertex(a);
     const Vertex to = ToVertex(b);
-    const int32_t clipFirst = ToVertex({clipPixels.left, clipPixels.top}).y >> 4;
+    const Vertex clipFrom = ToVertex({clipPixels.left, clipPixels.top});
+    const int32_t clipFirst = clipFrom.y >> 4;
     const int32_t clipLast = (ToVertex({clipPixels.right, clipPixels.bottom}).y + 15) >> 4;
     // What an edge's set-up comes to where x does not change.
     const int32_t first = std::min(from.y, to.y) >> 4;
     const int32_t last = std::max(from.y, to.y) >> 4;
-    if (first == last || first >= clipLast || last <= clipFirst) {
+    // Vertices that are all at or beyond the clip's left side are dropped, those of a line on that side too.
+    if (first == last || first >= clipLast || last <= clipFirst || std::max(from.x, to.x) <= clipFrom.x) {
         return false;
     }
     const auto column = [](int32_t x) { return (x + ((x & 7) != 0 ? 7 : 0)) >> 4; };

@@ -949,8 +949,8 @@ GX_API GXResult GXRenderTargetClipEllipse(GXRenderTarget renderTarget, const GXR
 GX_API GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXPoint* origin,
                                          float opacity, uint32_t interpolation) GX_NOEXCEPT;
 
-/** Draws the part `source` of a bitmap, in bitmap pixels (null: all of it), exactly onto `destination`; a reversed
- * rectangle mirrors. Nothing outside `source` bleeds in. GXResultInvalidArgument when `renderTarget`, `bitmap` or
+/** Draws the part `source` of a bitmap, in bitmap pixels (null: all of it), exactly onto `destination`; either
+ * rectangle, reversed, mirrors. Nothing outside `source` bleeds in. GXResultInvalidArgument when `renderTarget`, `bitmap` or
  * `destination` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.", "Not enough
  * memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXRect* destination,
