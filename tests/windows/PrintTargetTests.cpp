@@ -3,6 +3,8 @@
 // renderer draws instead, and that whatever fails has its message and leaves no object behind.
 #include "PrintSupport.h"
 
+#include <random>
+
 #include "Gdiplus/GdipBitmapColorSource.h"
 #include "Gdiplus/GdipRenderTarget.h"
 #include "Windows/GdiplusScope.h"
@@ -301,6 +303,118 @@ TEST_F(PrintTarget, GradientsAndImagesOfGdiplusHaveTheColoursOfABitmap) {
     const Difference difference = Compare(ColorsOf(bitmap, 120, 90), printer.Picture().Colors(), 120, 90, 10);
     EXPECT_LT(difference.mean, 4.0);
     EXPECT_LT(difference.worst, 30.0);
+}
+
+// One call of a page whose edges all lie on whole pixels, so that GDI+ has nothing to round.
+struct PageCall {
+    uint32_t kind, color, modes, low, high;
+    GXRect rect;
+};
+
+GXResult Make(const PageCall& call, GXRenderTarget target, GXBitmap picture) {
+    const Owned<GXBrush> solid = Solid(call.color);
+    Owned<GXBrush> texture;
+    const GXBitmapBrushOptions options{GXInterpolationNearest, call.modes % 3, call.modes / 3 % 3};
+    const GXMatrix place{1, 0, 0, 1, static_cast<float>(call.low), static_cast<float>(call.high)};
+    EXPECT_EQ(GXCreateBrushBitmap(picture, 1.0F, &options, &place, texture.Out()), GXResultSuccess);
+    const GXMatrix matrix{call.modes % 2 == 0 ? 1.0F : 2.0F, 0, 0, 1, static_cast<float>(call.low) - 20.0F, 3};
+    const GXLayerDesc layer{call.low < 25 ? GXRect{0, 0, 0, 0} : call.rect, call.high < 30 ? 1.0F : 0.5F,
+                            static_cast<uint8_t>(call.modes % 2), static_cast<uint8_t>(call.modes / 2 % 3 == 0)};
+    const GXPoint at{static_cast<float>(call.high), static_cast<float>(call.low)};
+    GXBrush const mask = call.low < 25 ? nullptr : static_cast<GXBrush>(call.high < 25 ? solid : texture);
+    switch (call.kind) {
+    case 0:
+        return GXRenderTargetClipRect(target, &call.rect);
+    case 1:
+        return GXRenderTargetPushState(target);
+    case 2:
+    case 3:
+        return GXRenderTargetPopState(target);
+    case 4:
+        return GXRenderTargetSetCTM(target, call.low < 30 ? nullptr : &matrix);
+    case 5:
+        return GXRenderTargetSetBlendMode(target, call.low < 30 ? 0 : call.modes % 16);
+    case 6:
+        return GXRenderTargetSetShapeMask(target, call.modes % 4, mask);
+    case 7:
+        return GXRenderTargetSetOpacityMask(target, call.modes % 4, mask);
+    case 8:
+        return GXRenderTargetBeginLayer(target, &layer);
+    case 9:
+    case 10:
+        return GXRenderTargetEndLayer(target);
+    case 11:
+        return call.low < 20 ? GXRenderTargetClear(target, call.color) : GXRenderTargetInvertRect(target, &call.rect);
+    case 12:
+        return GXRenderTargetDrawBitmap(target, picture, &at, 1.0F, GXInterpolationNearest);
+    case 13:
+        return GXRenderTargetFillRect(target, &call.rect, texture);
+    default:
+        return GXRenderTargetFillRect(target, &call.rect, solid);
+    }
+}
+
+// Whatever of a page is GDI+'s and whatever the software renderer's, all of it is what a bitmap shows.
+TEST_F(PrintTarget, PagesOnWholePixelsAreThoseOfABitmap) {
+    constexpr int kWidth = 80, kHeight = 60;
+    std::mt19937 random(23);
+    const auto below = [&](uint32_t n) { return static_cast<uint32_t>(random() % n); };
+    for (int page = 0; page < 150; ++page) {
+        const Printer printer(kWidth, kHeight, false);
+        const Owned<GXBitmap> bitmap = MakeBitmap(kWidth, kHeight, GXPixelFormatBGRX32);
+        EXPECT_EQ(GXBitmapColorFill(bitmap, nullptr, 0xFFFFFFFFU), GXResultSuccess);
+        const Owned<GXBitmap> picture =
+            MakeBitmap(below(2) == 0 ? 5 : 40, 31, below(2) == 0 ? GXPixelFormatBGRX32 : GXPixelFormatPBGRA32);
+        for (int32_t i = 0; i < 31; ++i) {
+            const GXIntRect row{i % 4, i, i % 4 + 30, i + 1};
+            const uint32_t alpha = page % 2 == 0 ? 255 : below(256);
+            EXPECT_EQ(GXBitmapColorFill(picture, &row, alpha << 24 | below(alpha + 1) << 8), GXResultSuccess);
+        }
+        Owned<GXRenderTarget> targets[2];
+        ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), targets[0].Out()), GXResultSuccess);
+        ASSERT_EQ(GXCreateRenderTargetBitmap(bitmap, targets[1].Out()), GXResultSuccess);
+        for (const Owned<GXRenderTarget>& target : targets) {
+            ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+        }
+        for (int i = 0; i < 40; ++i) {
+            const auto x = static_cast<float>(below(80)) - 5.0F, y = static_cast<float>(below(60)) - 5.0F;
+            const PageCall call{
+                below(20),  (below(3) == 0 ? below(256) : 255) << 24 | below(1U << 24),
+                below(144), below(50),
+                below(50),  {x, y, x + 1.0F + static_cast<float>(below(50)), y + 1.0F + static_cast<float>(below(40))}};
+            ASSERT_EQ(Make(call, targets[0], picture), Make(call, targets[1], picture))
+                << "page " << page << ", call " << i;
+        }
+        for (const Owned<GXRenderTarget>& target : targets) {
+            ASSERT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+        }
+        ASSERT_EQ(printer.Picture().Colors(), ColorsOf(bitmap, kWidth, kHeight)) << "page " << page;
+    }
+}
+
+// Paper on a roll is longer than the software renderer draws from a picture's corner.
+TEST_F(PrintTarget, LongPagesArePrintedToTheirEnd) {
+    for (const bool wide : {true, false}) {
+        const int width = wide ? 40000 : 4, height = wide ? 4 : 40000;
+        const Printer printer(width, height, false);
+        Owned<GXRenderTarget> target;
+        ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+        const auto along = [&](float from, float to) { return wide ? GXRect{from, 0, to, 4} : GXRect{0, from, 4, to}; };
+        const GXRect ink = along(10, 39000), shade = along(5, 39900);
+        ASSERT_EQ(GXRenderTargetFillRect(target, &ink, Solid(0xFF204060U)), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+        const auto at = [&](size_t i) { return printer.Picture().Colors()[wide ? i : i * 4]; };
+        EXPECT_EQ(at(38999), 0x204060U);
+        EXPECT_EQ(at(39000), 0xFFFFFFU);
+        ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetFillRect(target, &shade, Solid(0x80000000U)), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+        EXPECT_EQ(at(4), 0xFFFFFFU);
+        EXPECT_EQ(at(5), 0x7F7F7FU);
+        EXPECT_EQ(at(39899), 0x7F7F7FU);
+        EXPECT_EQ(at(39900), 0xFFFFFFU);
+    }
 }
 
 TEST_F(PrintTarget, BandsAreOnePicture) {

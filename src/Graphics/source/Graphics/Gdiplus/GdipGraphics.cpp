@@ -67,10 +67,10 @@ GdipGraphics::~GdipGraphics() {
 }
 
 void GdipGraphics::Clear(uint32_t argb) {
-    {
-        const DrawState state(*this, GXInterpolationNearest);
-        m_status.Note(g_gdip.graphicsClear(m_graphics, argb));
-    }
+    // The bounds of the clip are rounded in page units: in pixels nothing is.
+    m_status.Note(g_gdip.setPageUnit(m_graphics, Gdiplus::UnitPixel));
+    m_status.Note(g_gdip.graphicsClear(m_graphics, argb));
+    m_status.Note(g_gdip.setPageUnit(m_graphics, Gdiplus::UnitPoint));
     m_status.Check("Graphics::GdipGraphics::Clear");
 }
 

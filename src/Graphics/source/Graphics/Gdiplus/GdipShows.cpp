@@ -76,10 +76,12 @@ bool GdipShows::Shows(const PixelView& pixels, float opacity, uint32_t interpola
 }
 
 /// A clamped texture of GDI+ is transparent beyond the image and fades at its edges, and one that is clamped in a
-/// single direction is tiled: it has to lie around all that is painted.
+/// single direction is tiled without mirroring: it has to lie around all that is painted. A mirrored one repeats its
+/// first pixel before it starts, which the engine's does not: nothing may be painted there.
 bool GdipShows::Covers(const BitmapBrush& brush, const Matrix& toDevice) const noexcept {
     const auto tiles = [](uint32_t extend) { return extend == GXExtendRepeat || extend == GXExtendMirror; };
-    if (tiles(brush.extendX) && tiles(brush.extendY)) {
+    const bool both = tiles(brush.extendX) && tiles(brush.extendY);
+    if (brush.extendX == GXExtendRepeat && brush.extendY == GXExtendRepeat) {
         return true;
     }
     Matrix toImage;
@@ -89,9 +91,12 @@ bool GdipShows::Covers(const BitmapBrush& brush, const Matrix& toDevice) const n
     constexpr float kFilterReach = 2.0F;
     const Rect box = MapBox(toImage, ToRect(visible));
     const PixelView pixels = brush.bitmap->View();
-    const bool coversX = box.left >= kFilterReach && box.right <= static_cast<float>(pixels.width) - kFilterReach;
-    const bool coversY = box.top >= kFilterReach && box.bottom <= static_cast<float>(pixels.height) - kFilterReach;
-    return (tiles(brush.extendX) || coversX) && (tiles(brush.extendY) || coversY);
+    const auto covers = [both](uint32_t extend, float low, float high, int32_t size) {
+        return extend == GXExtendRepeat || (low >= kFilterReach && ((both && extend == GXExtendMirror) ||
+                                                                    high <= static_cast<float>(size) - kFilterReach));
+    };
+    return covers(brush.extendX, box.left, box.right, pixels.width) &&
+           covers(brush.extendY, box.top, box.bottom, pixels.height);
 }
 
 bool GdipShows::IsOpaque(const GradientBrush& brush) const noexcept {
