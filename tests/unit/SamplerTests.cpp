@@ -225,6 +225,23 @@ Matrix RandomPlacement() {
     }
 }
 
+/// Runs of one row side by side, as a shape's coverage cuts them.
+void ExpectRunsEqualFills(SwColorSource& source, int32_t x0, int32_t x1, int32_t y) {
+    std::vector<CoverageRun> runs;
+    std::vector<uint32_t> plain(static_cast<size_t>(std::max(x1 - x0, 0)));
+    for (int32_t x = x0; x < x1;) {
+        const auto end = std::min(x1, x + 1 + static_cast<int32_t>(g_random() % 40));
+        runs.push_back({x, end, nullptr, 255});
+        source.Fill(x, end, y, plain.data() + (x - x0));
+        x = end;
+    }
+    if (!runs.empty()) {
+        std::vector<uint32_t> joined(plain.size());
+        source.FillRuns(runs, y, joined.data());
+        ASSERT_EQ(joined, plain);
+    }
+}
+
 void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolation, uint32_t modeX, uint32_t modeY,
                    float opacity, const Matrix& placement, bool mask, int rows) {
     Arena arena;
@@ -269,6 +286,7 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
         const auto x1 = static_cast<int32_t>(x0 + static_cast<int32_t>(count));
         source->Fill(x0, x1, y, out.data());
         ASSERT_EQ(out.back(), 0x12345678U);
+        ExpectRunsEqualFills(*source, x0, x1, y);
         const uint32_t* direct = source->DirectRow(x0, x1, y);
         const SwDirectBlock block = count != 0 ? source->DirectBlock({x0, y, x1, y + 1}) : SwDirectBlock{};
         float u = m0 * static_cast<float>(x0) + m2 * static_cast<float>(y) + m4;

@@ -89,7 +89,8 @@ void SwBitmapSampler::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
     } else if (m_upright) {
         FillUpright(x0, count, y, out);
     } else {
-        FillPoints(x0, count, y, out);
+        const CoverageRun run{x0, x1, nullptr, 255};
+        FillPoints({&run, 1}, y, out);
     }
     if (m_setup.opacityFactor != 256) {
         m_kernels.scaleBy(out, m_setup.opacityFactor, count);
@@ -219,33 +220,56 @@ void SwBitmapSampler::FillUpright(int32_t x0, size_t count, int32_t y, uint32_t*
     m_kernels.mixBy(top, bottom, weight, count, out);
 }
 
-void SwBitmapSampler::FillPoints(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept {
+bool SwBitmapSampler::JoinsRuns() const noexcept { return !m_copies && !m_upright; }
+
+void SwBitmapSampler::FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
+    FillPoints(runs, y, out);
+    if (m_setup.opacityFactor != 256) {
+        m_kernels.scaleBy(out, m_setup.opacityFactor, static_cast<size_t>(runs.back().x1 - runs.front().x0));
+    }
+}
+
+/// Coordinates begin anew at every run, but are read together.
+void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) const noexcept {
     const SwSamplerSetup& s = m_setup;
-    const auto x = static_cast<float>(x0);
-    float nextU = s.m0 * x + s.m2 * static_cast<float>(y) + s.m4;
-    float nextV = s.m1 * x + s.m3 * static_cast<float>(y) + s.m5;
-    float u[kPaintChunk];
-    float v[kPaintChunk];
-    const bool clamp = s.tilingX == GXExtendClamp && s.tilingY == GXExtendClamp;
-    const size_t edge = m_reader.Samples() ? kEdgeChunk : kPaintChunk;
-    for (size_t done = 0; done < count;) {
-        const size_t n = std::min(kPaintChunk, count - done);
-        nextU = m_kernels.accumulate(nextU, s.m0, u, n);
-        nextV = m_kernels.accumulate(nextV, s.m1, v, n);
-        for (size_t k = 0; k < n;) {
-            k += m_reader.Sample(s.linear, clamp, u + k, v + k, n - k, out + done + k);
-            const size_t rest = std::min(edge, n - k);
-            if (rest == 0) {
-                break;
+    alignas(64) float u[kPaintChunk];
+    alignas(64) float v[kPaintChunk];
+    size_t known = 0;
+    for (const CoverageRun& run : runs) {
+        const auto x = static_cast<float>(run.x0);
+        SwPoint next = {s.m0 * x + s.m2 * static_cast<float>(y) + s.m4,
+                        s.m1 * x + s.m3 * static_cast<float>(y) + s.m5};
+        for (auto left = static_cast<size_t>(static_cast<int64_t>(run.x1) - run.x0); left != 0;) {
+            const size_t n = std::min(kPaintChunk - known, left);
+            next = m_kernels.accumulatePoints(next, {s.m0, s.m1}, u + known, v + known, n);
+            known += n;
+            left -= n;
+            if (known == kPaintChunk) {
+                ReadPoints(u, v, known, out);
+                out += known;
+                known = 0;
             }
-            if (s.linear) {
-                BlendPoints(u + k, v + k, rest, out + done + k);
-            } else {
-                PickPoints(u + k, v + k, rest, out + done + k);
-            }
-            k += rest;
         }
-        done += n;
+    }
+    ReadPoints(u, v, known, out);
+}
+
+/// Up to kPaintChunk points, the quick way where it is.
+void SwBitmapSampler::ReadPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
+    const bool clamp = m_setup.tilingX == GXExtendClamp && m_setup.tilingY == GXExtendClamp;
+    const size_t edge = m_reader.Samples() ? kEdgeChunk : kPaintChunk;
+    for (size_t k = 0; k < count;) {
+        k += m_reader.Sample(m_setup.linear, clamp, u + k, v + k, count - k, out + k);
+        const size_t rest = std::min(edge, count - k);
+        if (rest == 0) {
+            return;
+        }
+        if (m_setup.linear) {
+            BlendPoints(u + k, v + k, rest, out + k);
+        } else {
+            PickPoints(u + k, v + k, rest, out + k);
+        }
+        k += rest;
     }
 }
 

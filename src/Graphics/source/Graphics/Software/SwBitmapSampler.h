@@ -32,6 +32,8 @@ public:
                     std::shared_ptr<const void> keep);
 
     void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) override;
+    [[nodiscard]] bool JoinsRuns() const noexcept override;
+    void FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) override;
     [[nodiscard]] bool IsSolid(uint32_t& color) const noexcept override;
     [[nodiscard]] bool IsOpaque() const noexcept override { return m_setup.opaque; }
     [[nodiscard]] const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept override;
@@ -48,7 +50,8 @@ private:
     [[nodiscard]] int32_t TiledRow(int32_t y) const noexcept;
     void FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
     void FillUpright(int32_t x0, size_t count, int32_t y, uint32_t* out);
-    void FillPoints(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
+    void FillPoints(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) const noexcept;
+    void ReadPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void BuildColumns(int32_t x0, size_t count);

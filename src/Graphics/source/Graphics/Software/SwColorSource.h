@@ -4,6 +4,7 @@
 
 #include "../Arena.h"
 #include "../Matrix.h"
+#include "../Scan/RasterizationSink.h"
 #include "../Types.h"
 
 namespace Graphics {
@@ -23,6 +24,15 @@ public:
 
     /// Writes x1 - x0 pixels of row y; nothing when x0 >= x1.
     virtual void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) = 0;
+
+    /// True when runs side by side had better be asked for together, by FillRuns.
+    [[nodiscard]] virtual bool JoinsRuns() const noexcept { return false; }
+    /// What Fill writes for each of these runs of row y, the next one beginning where one ends; at least one run.
+    virtual void FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
+        for (const CoverageRun& run : runs) {
+            Fill(run.x0, run.x1, y, out + (run.x0 - runs.front().x0));
+        }
+    }
 
     /// True, with the colour written, when every pixel is the same: the pipeline then never calls Fill.
     [[nodiscard]] virtual bool IsSolid(uint32_t& color) const noexcept {

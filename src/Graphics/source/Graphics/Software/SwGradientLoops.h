@@ -1,80 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The loops of linear and radial gradients over vectors of kLanes words.
-//
-// Coordinates along a row are defined as repeated float additions, which is a serial chain. Inside one binade it can be
-// jumped: all values there are multiples of one unit u, so v + step rounds to v + D with the same D each time, as long
-// as step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
 #pragma once
 
 #include "SwPaintVectors.h"
 
 namespace Graphics {
 namespace {
-
-inline uint32_t BitsOf(float v) noexcept {
-    uint32_t bits;
-    __builtin_memcpy(&bits, &v, 4);
-    return bits;
-}
-inline float FloatOf(uint32_t bits) noexcept {
-    float v;
-    __builtin_memcpy(&v, &bits, 4);
-    return v;
-}
-
-/// How many terms after v follow by adding the same whole number to the bit pattern; 0 where that is not certain.
-inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept {
-    const uint32_t from = BitsOf(v);
-    const uint32_t to = BitsOf(next);
-    if (to == from) { // whatever it is: the same sum gives the same again
-        return most;
-    }
-    const uint32_t exponent = (from >> 23) & 255;
-    if (((from ^ to) & 0xFF800000U) != 0 || exponent == 0 || exponent == 255) {
-        return 0;
-    }
-    // Half a unit of the binade, 2^(exponent - 127 - 24), and the part of step that rounding drops; both exact.
-    const uint64_t halfBits = static_cast<uint64_t>(exponent + 1023 - 127 - 24) << 52;
-    double half;
-    __builtin_memcpy(&half, &halfBits, 8);
-    const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
-    if (!(dropped < half && dropped > -half)) {
-        return 0;
-    }
-    const uint32_t mantissa = from & 0x007FFFFFU;
-    // The lower end of the binade itself is left out: below it the grid is finer, and rounding may stop short of it.
-    const uint32_t steady = to > from ? (0x007FFFFFU - mantissa) / (to - from) : (mantissa - 1) / (from - to);
-    return steady < most ? steady : most;
-}
-
-float Accumulate(float v, float step, float* out, size_t count) {
-    size_t k = 0;
-    while (k < count) {
-        const float next = v + step;
-        const size_t left = count - k;
-        const size_t steady = left > 8 ? SteadyTerms(v, next, step, left - 1) : 0;
-        if (steady < 8) {
-            const size_t serial = left < 8 ? left : 8;
-            for (size_t i = 0; i < serial; ++i) {
-                out[k + i] = v;
-                v += step;
-            }
-            k += serial;
-            continue;
-        }
-        const uint32_t first = BitsOf(v);
-        const uint32_t d = BitsOf(next) - first;
-        Words bits = first + Ascending() * d;
-        const Words jump = Words{} + static_cast<uint32_t>(kLanes) * d;
-        Blocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
-            Store(out + k + at, bits, lanes);
-            bits += jump;
-        });
-        v = FloatOf(first + static_cast<uint32_t>(steady) * d) + step;
-        k += steady + 1;
-    }
-    return v;
-}
 
 /// One interval in vectors: where it lies within [0, 1] and what its colours are made from.
 struct Ramp {

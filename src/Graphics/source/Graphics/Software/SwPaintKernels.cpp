@@ -7,9 +7,6 @@
 
 namespace Graphics {
 
-const SwPaintKernels* PaintKernelsAVX2() noexcept;
-const SwPaintKernels* PaintKernelsAVX512() noexcept;
-
 const SwPaintKernels* PaintKernelSet(int index) noexcept {
     static constexpr SwPaintKernels base = MakeTable("base");
     if (index == 0) {

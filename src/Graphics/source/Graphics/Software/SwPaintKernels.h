@@ -48,8 +48,12 @@ struct SwPixelGrid {
     }
 };
 
-using SwSampleInside = size_t (*)(const SwPixelGrid& grid, bool clamp, const float* u, const float* v, size_t count,
-                                  uint32_t* out);
+using SwSampleRow = size_t (*)(const SwPixelGrid& grid, bool clamp, const float* u, const float* v, size_t count,
+                               uint32_t* out);
+
+struct SwPoint {
+    float u, v;
+};
 
 struct SwPaintKernels {
     const char* name;
@@ -57,6 +61,8 @@ struct SwPaintKernels {
     /// out = v, v + step, (v + step) + step, ... every sum rounded as a float add rounds it. Returns the term that
     /// follows.
     float (*accumulate)(float v, float step, float* out, size_t count);
+    /// The same for both coordinates of points.
+    SwPoint (*accumulatePoints)(SwPoint at, SwPoint step, float* u, float* v, size_t count);
     /// Premultiplied colours, scaled by the opacity factor.
     void (*shade)(GradientShade& state, const float* t, size_t count, uint32_t* out);
     /// Parameters from relative coordinates and the linear coefficient; NaN where no circle passes, -1 where the
@@ -84,15 +90,17 @@ struct SwPaintKernels {
     void (*points[kPixelLayoutCount])(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns,
                                       size_t count, uint32_t* out);
     /// By interpolation, 0 nearest, 1 bilinear: what indices, or taps, points and mix, give for these coordinates, as
-    /// far as every pixel that counts lies inside the image, or further where both directions clamp (nearest). Returns
-    /// how many points were done, from the first one on.
-    SwSampleInside sample[2][kPixelLayoutCount];
+    /// far as every pixel that counts lies inside the image, or to the end where both directions clamp, which images
+    /// of one or two columns may refuse. Returns how many points were done, from the first one on.
+    SwSampleRow sample[2][kPixelLayoutCount];
 };
 
 inline constexpr int kPaintKernelSets = 3;
 
 /// 0: the set that every processor of the build has; 1: AVX2; 2: AVX-512. Null where build or processor lack it.
 [[nodiscard]] const SwPaintKernels* PaintKernelSet(int index) noexcept;
+[[nodiscard]] const SwPaintKernels* PaintKernelsAVX2() noexcept;
+[[nodiscard]] const SwPaintKernels* PaintKernelsAVX512() noexcept;
 /// The best one.
 [[nodiscard]] const SwPaintKernels& ActivePaintKernels() noexcept;
 /// For tests and benches: makes a set the active one; a null pointer restores the best.

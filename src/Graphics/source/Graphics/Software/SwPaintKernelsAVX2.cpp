@@ -8,8 +8,6 @@
 
 namespace Graphics {
 
-const SwPaintKernels* PaintKernelsAVX2() noexcept;
-
 const SwPaintKernels* PaintKernelsAVX2() noexcept {
 #if defined(__AVX2__)
     static constexpr SwPaintKernels table = MakeTable("avx2");

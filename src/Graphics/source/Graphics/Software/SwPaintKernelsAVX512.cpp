@@ -8,8 +8,6 @@
 
 namespace Graphics {
 
-const SwPaintKernels* PaintKernelsAVX512() noexcept;
-
 const SwPaintKernels* PaintKernelsAVX512() noexcept {
 #if defined(__AVX512F__)
     static constexpr SwPaintKernels table = MakeTable("avx512");

@@ -6,6 +6,7 @@
 #include "SwGradientLoops.h"
 #include "SwPixelLoops.h"
 #include "SwSamplerLoops.h"
+#include "SwSumLoops.h"
 
 namespace Graphics {
 namespace {
@@ -16,9 +17,13 @@ namespace {
             loop<SwPixelLayout::Triples>                                                                               \
     }
 
+template <SwPixelLayout kLayout> constexpr SwSampleRow NearestRow = SampleRow<NearestPoints<kLayout>>;
+template <SwPixelLayout kLayout> constexpr SwSampleRow BilinearRow = SampleRow<BilinearPoints<kLayout>>;
+
 constexpr SwPaintKernels MakeTable(const char* name) noexcept {
     return {name,
             Accumulate,
+            AccumulatePoints,
             Shade,
             Radial,
             Plane,
@@ -30,7 +35,7 @@ constexpr SwPaintKernels MakeTable(const char* name) noexcept {
             PremultiplyRow,
             GX_LAYOUTS(Columns),
             GX_LAYOUTS(Points),
-            {GX_LAYOUTS(Nearest), GX_LAYOUTS(Bilinear)}};
+            {GX_LAYOUTS(NearestRow), GX_LAYOUTS(BilinearRow)}};
 }
 
 #undef GX_LAYOUTS

@@ -28,6 +28,18 @@ typedef int32_t Ints __attribute__((vector_size(kLanes * 4)));
 typedef uint32_t Words __attribute__((vector_size(kLanes * 4)));
 typedef uint16_t Halves __attribute__((vector_size(kLanes * 4)));
 
+inline uint32_t BitsOf(float v) noexcept {
+    uint32_t bits;
+    __builtin_memcpy(&bits, &v, 4);
+    return bits;
+}
+
+#if defined(__AVX2__) && !defined(__AVX512F__)
+GX_INLINE inline __m256i FirstLanes(size_t lanes) noexcept {
+    return _mm256_cmpgt_epi32(_mm256_set1_epi32(static_cast<int>(lanes)), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+}
+#endif
+
 /// The first `lanes` of a vector, zeros beyond.
 template <class V> GX_INLINE inline V Load(const void* p, size_t lanes) noexcept {
     V v{};
@@ -37,6 +49,8 @@ template <class V> GX_INLINE inline V Load(const void* p, size_t lanes) noexcept
     }
 #if defined(__AVX512F__)
     return (V)_mm512_maskz_loadu_epi32(static_cast<__mmask16>((1U << lanes) - 1U), p);
+#elif defined(__AVX2__)
+    return (V)_mm256_maskload_epi32(static_cast<const int*>(p), FirstLanes(lanes));
 #else
     __builtin_memcpy(&v, p, lanes * 4);
     return v;
@@ -50,6 +64,8 @@ template <class V> GX_INLINE inline void Store(void* p, V v, size_t lanes) noexc
     }
 #if defined(__AVX512F__)
     _mm512_mask_storeu_epi32(p, static_cast<__mmask16>((1U << lanes) - 1U), (__m512i)v);
+#elif defined(__AVX2__)
+    _mm256_maskstore_epi32(static_cast<int*>(p), FirstLanes(lanes), (__m256i)v);
 #else
     __builtin_memcpy(p, &v, lanes * 4);
 #endif
@@ -91,6 +107,29 @@ GX_INLINE inline Words Ascending() noexcept {
     return v;
 }
 
+/// A constant that stays in its register through a loop: the compiler would build it anew for every block.
+template <class V> GX_INLINE inline V Kept(V v) noexcept {
+#if defined(__AVX512F__)
+    __asm__("" : "+v"(v));
+#elif defined(__SSE2__)
+    __asm__("" : "+x"(v));
+#endif
+    return v;
+}
+
+/// Words below 65536, in both halves.
+GX_INLINE inline Words Twice(Words w) noexcept {
+#if defined(__AVX512BW__)
+    const auto order = Words{} + 0x01000100U + (Ascending() % 4 * 0x04040404U);
+    return (Words)_mm512_shuffle_epi8((__m512i)w, (__m512i)order);
+#elif defined(__AVX2__)
+    const auto order = Words{} + 0x01000100U + (Ascending() % 4 * 0x04040404U);
+    return (Words)_mm256_shuffle_epi8((__m256i)w, (__m256i)order);
+#else
+    return w | w << 16;
+#endif
+}
+
 /// One bit for each lane of a mask.
 GX_INLINE inline uint32_t Bits(Ints mask) noexcept {
 #if defined(__AVX512F__)
@@ -104,6 +143,40 @@ GX_INLINE inline uint32_t Bits(Ints mask) noexcept {
 #endif
 }
 GX_INLINE inline bool All(Ints mask) noexcept { return Bits(mask) == (1U << kLanes) - 1U; }
+
+/// True when a < x and b < y in all lanes.
+GX_INLINE inline bool AllBelow(Words a, Words x, Words b, Words y) noexcept {
+#if defined(__AVX512F__)
+    const __mmask16 first = _mm512_cmplt_epu32_mask((__m512i)a, (__m512i)x);
+    return _mm512_mask_cmplt_epu32_mask(first, (__m512i)b, (__m512i)y) == 0xFFFF;
+#else
+    return All((Ints)(a < x) & (Ints)(b < y));
+#endif
+}
+
+/// The higher, the lower of two; b where one is not a number.
+GX_INLINE inline Floats Higher(Floats a, Floats b) noexcept {
+#if defined(__AVX512F__)
+    return (Floats)_mm512_maskz_max_ps(0xFFFF, (__m512)a, (__m512)b);
+#elif defined(__AVX2__)
+    return (Floats)_mm256_max_ps((__m256)a, (__m256)b);
+#elif defined(__SSE2__)
+    return (Floats)_mm_max_ps((__m128)a, (__m128)b);
+#else
+    return a > b ? a : b;
+#endif
+}
+GX_INLINE inline Floats Lower(Floats a, Floats b) noexcept {
+#if defined(__AVX512F__)
+    return (Floats)_mm512_maskz_min_ps(0xFFFF, (__m512)a, (__m512)b);
+#elif defined(__AVX2__)
+    return (Floats)_mm256_min_ps((__m256)a, (__m256)b);
+#elif defined(__SSE2__)
+    return (Floats)_mm_min_ps((__m128)a, (__m128)b);
+#else
+    return a < b ? a : b;
+#endif
+}
 
 GX_INLINE inline Floats SquareRoot(Floats v) noexcept {
 #if defined(__AVX512F__)
@@ -170,25 +243,38 @@ GX_INLINE inline Words Gather(const uint8_t* base, Ints offsets) noexcept {
 #endif
 }
 
-/// The words at base + offsets, and those that follow them.
+/// The words at base + offsets, and those that follow them. Shuffles stay in their quarters of 128 bits: offsets are
+/// dealt out before, so that words come out in order.
 GX_INLINE inline void GatherPairs(const uint8_t* base, Ints offsets, Words& first, Words& second) noexcept {
 #if defined(__AVX512F__)
     const __m512i zero = _mm512_setzero_si512();
-    const __m512i all = (__m512i)offsets;
+    const __m512i all =
+        _mm512_maskz_permutexvar_epi64(0xFF, _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), (__m512i)offsets);
     const __m512i a = _mm512_mask_i32gather_epi64(zero, 0xFF, _mm512_maskz_extracti64x4_epi64(0xF, all, 0), base, 1);
     const __m512i b = _mm512_mask_i32gather_epi64(zero, 0xFF, _mm512_maskz_extracti64x4_epi64(0xF, all, 1), base, 1);
-    const Ints even = {0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30};
-    first = (Words)_mm512_permutex2var_epi32(a, (__m512i)even, b);
-    second = (Words)_mm512_permutex2var_epi32(a, (__m512i)(even + 1), b);
+    first = (Words)_mm512_maskz_shuffle_ps(0xFFFF, (__m512)a, (__m512)b, 0x88);
+    second = (Words)_mm512_maskz_shuffle_ps(0xFFFF, (__m512)a, (__m512)b, 0xDD);
 #elif defined(__AVX2__)
     const auto* p = reinterpret_cast<const long long*>(base);
-    const __m256 a = (__m256)_mm256_i32gather_epi64(p, _mm256_castsi256_si128((__m256i)offsets), 1);
-    const __m256 b = (__m256)_mm256_i32gather_epi64(p, _mm256_extracti128_si256((__m256i)offsets, 1), 1);
-    first = (Words)_mm256_permute4x64_epi64((__m256i)_mm256_shuffle_ps(a, b, 0x88), 0xD8);
-    second = (Words)_mm256_permute4x64_epi64((__m256i)_mm256_shuffle_ps(a, b, 0xDD), 0xD8);
+    const __m256i all = _mm256_permute4x64_epi64((__m256i)offsets, 0xD8);
+    const __m256 a = (__m256)_mm256_i32gather_epi64(p, _mm256_castsi256_si128(all), 1);
+    const __m256 b = (__m256)_mm256_i32gather_epi64(p, _mm256_extracti128_si256(all, 1), 1);
+    first = (Words)_mm256_shuffle_ps(a, b, 0x88);
+    second = (Words)_mm256_shuffle_ps(a, b, 0xDD);
+#else
+#if defined(__SSE2__)
+    const auto two = [&](int i, int j) GX_INLINE {
+        const __m128i one = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(base + offsets[i]));
+        return _mm_loadh_pi((__m128)one, reinterpret_cast<const __m64*>(base + offsets[j]));
+    };
+    const __m128 a = two(0, 1);
+    const __m128 b = two(2, 3);
+    first = (Words)_mm_shuffle_ps(a, b, 0x88);
+    second = (Words)_mm_shuffle_ps(a, b, 0xDD);
 #else
     first = Gather(base, offsets);
     second = Gather(base + 4, offsets);
+#endif
 #endif
 }
 
@@ -236,6 +322,31 @@ GX_INLINE inline Words Mix(Halves evenA, Halves oddA, Halves evenB, Halves oddB,
 GX_INLINE inline Words Mix(Words a, Words b, Words weight) noexcept {
     return Mix(Even(a), Odd(a), Even(b), Odd(b), (Halves)weight);
 }
+/// Two rows of two corners, mixed across, then down. A low product leaves its channel in the high byte of the half, a
+/// high product in the low one: taken in turns, they put each channel where the next step needs it.
+struct CornerMix {
+    Halves low = Kept(Halves{} + 0x00FFU);
+    Halves high = Kept(Halves{} + 0xFF00U);
+    Halves whole = Kept(Halves{} + 257U);
+
+    GX_INLINE Words operator()(const Words* c, Words acrossWeight, Words downWeight) const noexcept {
+        const auto across = (Halves)acrossWeight;
+        const auto down = (Halves)downWeight;
+        const Halves restAcross = whole - across;
+        const Halves restDown = whole - down;
+        const auto even = [&](const Words* row) GX_INLINE {
+            const Halves a = ((Halves)row[0] & low) * restAcross;
+            const Halves b = ((Halves)row[1] & low) * across;
+            return (a & high) + (b & high);
+        };
+        const auto odd = [&](const Words* row) GX_INLINE {
+            return HighProduct((Halves)row[0] & high, restAcross) + HighProduct((Halves)row[1] & high, across);
+        };
+        const Halves evens = HighProduct(even(c), restDown) + HighProduct(even(c + 2), down);
+        const Halves odds = ((odd(c) * restDown) & high) + ((odd(c + 2) * down) & high);
+        return (Words)(evens | odds);
+    }
+};
 GX_INLINE inline Words Premultiply(Words c) noexcept {
     const Words a = (c >> 24) + 1;
     const Words colors = Words{} + 0x00FFFFFFU;

@@ -66,6 +66,7 @@ void SwPipeLine::SetOpacityMask(const SwMaskInput& mask) {
 
 void SwPipeLine::SetColorSource(SwColorSource& source) noexcept {
     m_source = &source;
+    m_joins = source.JoinsRuns();
     m_isSolid = source.IsSolid(m_solid);
     m_isOpaque = m_isSolid ? (m_solid >> 24) == 255 : source.IsOpaque();
 }
@@ -74,12 +75,32 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
     if (y < m_bounds.top || y >= m_bounds.bottom) {
         return;
     }
-    for (const CoverageRun& run : runs) {
+    for (CoverageRun& run : runs) {
         const int32_t x0 = std::max(run.x0, m_bounds.left);
-        const int32_t x1 = std::min(run.x1, m_bounds.right);
-        if (x0 < x1) {
-            Stretch(y, x0, x1, run.shape == nullptr ? nullptr : run.shape + (x0 - run.x0), run.value);
+        run.shape += run.shape == nullptr ? 0 : x0 - run.x0;
+        run.x0 = x0;
+        run.x1 = std::min(run.x1, m_bounds.right);
+    }
+    for (size_t i = 0; i < runs.size();) {
+        const size_t first = i++;
+        if (runs[first].x0 >= runs[first].x1) {
+            continue;
         }
+        if (m_joins && m_clip == nullptr) {
+            while (i < runs.size() && runs[i].x0 == runs[i - 1].x1 && runs[i].x0 < runs[i].x1) {
+                ++i;
+            }
+            if (i - first > 1) {
+                m_kernels.expect(Pixels(runs[first].x0, y), static_cast<size_t>(runs[i - 1].x1 - runs[first].x0));
+                m_joined = m_buffers.color.data();
+                m_source->FillRuns(runs.subspan(first, i - first), y, m_joined);
+            }
+        }
+        for (size_t k = first; k < i; ++k) {
+            Stretch(y, runs[k].x0, runs[k].x1, runs[k].shape, runs[k].value);
+            m_joined += m_joined == nullptr ? 0 : runs[k].x1 - runs[k].x0;
+        }
+        m_joined = nullptr;
     }
 }
 
@@ -193,8 +214,10 @@ void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8
 
 const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
     const auto count = static_cast<size_t>(x1 - x0);
-    uint32_t* buffer = m_buffers.color.data();
-    if (m_isSolid) {
+    uint32_t* buffer = m_joined != nullptr ? m_joined : m_buffers.color.data();
+    if (m_joined != nullptr) {
+        // Filled together with its neighbours.
+    } else if (m_isSolid) {
         if (m_hasOpacityMask) {
             m_kernels.fill32(buffer, m_solid, count);
         } else if (!m_solidRowReady) {
@@ -207,6 +230,7 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
         if (direct != nullptr) {
             return direct;
         }
+        m_kernels.expect(Pixels(x0, y), count); // its pixels arrive while the colours are found
         m_source->Fill(x0, x1, y, buffer);
     }
     if (m_hasOpacityMask) {
@@ -254,7 +278,9 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         return;
     }
     if (shape == nullptr && m_isOpaque && !m_hasOpacityMask) {
-        if (const uint32_t* direct = m_source->DirectRow(x0, x1, y)) {
+        if (m_joined != nullptr) {
+            std::memcpy(dst, m_joined, count * sizeof(uint32_t));
+        } else if (const uint32_t* direct = m_source->DirectRow(x0, x1, y)) {
             std::memmove(dst, direct, count * sizeof(uint32_t));
         } else {
             m_source->Fill(x0, x1, y, dst);

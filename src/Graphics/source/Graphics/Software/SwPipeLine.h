@@ -98,6 +98,8 @@ private:
     uint32_t m_solid = 0;
     bool m_isSolid = false;
     bool m_isOpaque = false;
+    bool m_joins = false;
+    uint32_t* m_joined = nullptr; ///< colours of the stretch at hand, found together with those of its neighbours
     bool m_solidRowReady = false;
 };
 

@@ -7,6 +7,9 @@
 namespace Graphics {
 namespace {
 
+/// Floats below are exact integers' neighbours: an end up to here is a float.
+constexpr int32_t kWhole = 1 << 24;
+
 template <SwPixelLayout kLayout> constexpr int32_t kPixelBytes = kLayout == SwPixelLayout::Triples ? 3 : 4;
 
 /// From words as they are stored. What fills the fourth byte of opaque pixels is no matter while they are mixed,
@@ -74,76 +77,156 @@ void Points(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns
     });
 }
 
-/// Calls sample(coordinates, indices, byte offsets of the pixels, lanes, first) for blocks of points whose indices lie
-/// below `endX` and `endY`, and border(coordinates, lanes, first) for others, which ends the row when it gives false.
-/// Returns how many points were done.
-template <SwPixelLayout kLayout, class Sample, class Border>
-GX_INLINE inline size_t SampleBlocks(const SwPixelGrid& grid, int32_t endX, int32_t endY, const float* u,
-                                     const float* v, size_t count, Sample&& sample, Border&& border) noexcept {
-    if (endX <= 0 || endY <= 0 || !grid.IsNear()) {
+/// Of triples, a word begins with the byte before the pixel, but for the first of a row: none reaches behind the image.
+template <SwPixelLayout kLayout> class NearestPoints {
+public:
+    static constexpr int kInterpolation = 0;
+    /// Clamping costs no more than to find out whether it is needed.
+    GX_INLINE NearestPoints(const SwPixelGrid& grid, uint32_t* out) noexcept : m_grid(grid), m_out(out) {}
+
+    static constexpr bool kClampsAll = true;
+
+    [[nodiscard]] bool Suits() const noexcept {
+        return m_grid.IsNear() && m_grid.width >= (kWords ? 1 : 2) && m_grid.width <= kWhole && m_grid.height <= kWhole;
+    }
+    /// Indices below these are inside.
+    [[nodiscard]] int32_t EndX() const noexcept { return m_grid.width; }
+    [[nodiscard]] int32_t EndY() const noexcept { return m_grid.height; }
+
+    GX_INLINE void Inside(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+        Put(Truncate(x), Truncate(y), lanes, k);
+    }
+    GX_INLINE void Clamped(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+        Put(Column(x, m_grid.width), Column(y, m_grid.height), lanes, k);
+    }
+
+private:
+    static constexpr bool kWords = kLayout != SwPixelLayout::Triples;
+
+    /// Clamped as a coordinate, which then truncates to the clamped index.
+    GX_INLINE static Ints Column(Floats c, int32_t size) noexcept {
+        return Truncate(Lower(Higher(c, Floats{}), Splat(static_cast<float>(size - 1))));
+    }
+
+    GX_INLINE void Put(Ints i, Ints j, size_t lanes, size_t k) const noexcept {
+        const Ints offsets = j * static_cast<int32_t>(m_grid.strideBytes) + i * kPixelBytes<kLayout>;
+        Words c;
+        if constexpr (kWords) {
+            c = Gather(m_grid.pixels, offsets);
+        } else {
+            const Ints later = (Ints)(i > Ints{});
+            c = Gather(m_grid.pixels, offsets + later);
+            c = Select(later, c >> 8, c);
+        }
+        Store(m_out + k, Finish<kLayout>(Understand<kLayout>(c)), lanes);
+    }
+
+    const SwPixelGrid& m_grid;
+    uint32_t* m_out;
+};
+
+/// Two neighbours come in one read. The last pixel of a row is read with the one before it; of triples, the eight bytes
+/// read end with the second pixel, but for the first two of a row, which begin them.
+template <SwPixelLayout kLayout> class BilinearPoints {
+public:
+    static constexpr int kInterpolation = 1;
+
+    GX_INLINE BilinearPoints(const SwPixelGrid& grid, uint32_t* out) noexcept : m_grid(grid), m_out(out) {}
+
+    static constexpr bool kClampsAll = false;
+
+    [[nodiscard]] bool Suits() const noexcept { return m_grid.IsNear() && m_grid.width >= (kWords ? 2 : 3); }
+    [[nodiscard]] int32_t EndX() const noexcept { return m_grid.width - 1; }
+    [[nodiscard]] int32_t EndY() const noexcept { return m_grid.height - 1; }
+
+    GX_INLINE void Inside(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+        const Ints i = Truncate(x);
+        const Ints j = Truncate(y);
+        Ints later;
+        const Ints offsets = j * Stride() + ByteOf(i, later);
+        Words c[4];
+        Read(m_grid.pixels, offsets, later, c[0], c[1]);
+        Read(m_grid.pixels + m_grid.strideBytes, offsets, later, c[2], c[3]);
+        Put(c, WeightInside(x, i, m_one), WeightInside(y, j, m_one), lanes, k);
+    }
+
+    GX_INLINE void Clamped(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+        x = Confine(x);
+        y = Confine(y);
+        const Ints i = IndexOf(x);
+        const Ints j = IndexOf(y);
+        const Ints left = (Ints)(i < Ints{});                       // both neighbours are the first pixel
+        const Ints right = (Ints)(i > Ints{} + (m_grid.width - 2)); // both are the last
+        Ints later;
+        const Ints column = ByteOf(ClampIndex(i, m_grid.width - 1), later);
+        Words c[4];
+        for (int32_t row = 0; row < 2; ++row) {
+            Words a;
+            Words b;
+            Read(m_grid.pixels, ClampIndex(j + row, m_grid.height) * Stride() + column, later, a, b);
+            c[row * 2] = Select(right, b, a);
+            c[row * 2 + 1] = Select(left, a, b);
+        }
+        Put(c, WeightOf(x, i), WeightOf(y, j), lanes, k);
+    }
+
+private:
+    static constexpr bool kWords = kLayout != SwPixelLayout::Triples;
+
+    [[nodiscard]] int32_t Stride() const noexcept { return static_cast<int32_t>(m_grid.strideBytes); }
+
+    /// Where the pair begins in its row.
+    GX_INLINE static Ints ByteOf(Ints i, Ints& later) noexcept {
+        later = (Ints)(i > Ints{});
+        return kWords ? i * 4 : i * 3 + (later & -2);
+    }
+
+    GX_INLINE static void Read(const uint8_t* row, Ints offsets, Ints later, Words& a, Words& b) noexcept {
+        GatherPairs(row, offsets, a, b);
+        if constexpr (!kWords) {
+            const Words second = Select(later, b >> 8, a >> 24 | b << 8);
+            a = Select(later, a >> 16 | b << 16, a);
+            b = second;
+        }
+        a = Understand<kLayout>(a);
+        b = Understand<kLayout>(b);
+    }
+
+    GX_INLINE void Put(const Words* corners, Words across, Words down, size_t lanes, size_t k) const noexcept {
+        Store(m_out + k, Finish<kLayout>(m_mix(corners, across, down)), lanes);
+    }
+
+    const SwPixelGrid& m_grid;
+    uint32_t* m_out;
+    CornerMix m_mix;
+    Words m_one = Kept(Words{} + 0x00010001U);
+};
+
+template <class Way>
+size_t SampleRow(const SwPixelGrid& grid, bool clamp, const float* u, const float* v, size_t count, uint32_t* out) {
+    const Way way(grid, out);
+    if (!way.Suits()) {
         return 0;
     }
-    const auto stride = static_cast<int32_t>(grid.strideBytes);
-    size_t k = 0;
-    while (k < count) {
+    // The patterns of positive floats are in the order of their values; all others, and NaN, stand above.
+    const auto limit = [](int32_t end) { return BitsOf(static_cast<float>(end < kWhole ? end : kWhole)); };
+    const Words limitX = Words{} + limit(way.EndX());
+    const Words limitY = Words{} + limit(way.EndY());
+    for (size_t k = 0; k < count; k += kLanes) {
         const size_t lanes = count - k < kLanes ? count - k : kLanes; // lanes beyond the end read pixel (0, 0)
         const auto x = Load<Floats>(u + k, lanes);
         const auto y = Load<Floats>(v + k, lanes);
-        const Ints i = IndexOf(x);
-        const Ints j = IndexOf(y);
-        if (All((Ints)((Words)i < static_cast<uint32_t>(endX)) & (Ints)((Words)j < static_cast<uint32_t>(endY)))) {
-            sample(x, y, i, j, j * stride + i * kPixelBytes<kLayout>, lanes, k);
-        } else if (!border(Confine(x), Confine(y), lanes, k)) {
-            break;
+        if (Way::kClampsAll && clamp) {
+            way.Clamped(x, y, lanes, k);
+        } else if (AllBelow((Words)x, limitX, (Words)y, limitY)) {
+            way.Inside(x, y, lanes, k);
+        } else if (clamp) {
+            way.Clamped(x, y, lanes, k);
+        } else {
+            return k;
         }
-        k += lanes;
     }
-    return k;
-}
-
-/// Of triples, the last of a row stays outside: its word would reach behind the image.
-template <SwPixelLayout kLayout>
-size_t Nearest(const SwPixelGrid& grid, bool clamp, const float* u, const float* v, size_t count, uint32_t* out) {
-    constexpr bool words = kLayout != SwPixelLayout::Triples;
-    const auto stride = static_cast<int32_t>(grid.strideBytes);
-    const auto put = [&](Ints offsets, size_t lanes, size_t k) GX_INLINE {
-        Store(out + k, Finish<kLayout>(Understand<kLayout>(Gather(grid.pixels, offsets))), lanes);
-    };
-    return SampleBlocks<kLayout>(
-        grid, grid.width - (words ? 0 : 1), grid.height, u, v, count,
-        [&](Floats, Floats, Ints, Ints, Ints offsets, size_t lanes, size_t k) GX_INLINE { put(offsets, lanes, k); },
-        [&](Floats x, Floats y, size_t lanes, size_t k) GX_INLINE {
-            if (words && clamp) {
-                const Ints i = ClampIndex(IndexOf(x), grid.width);
-                put(ClampIndex(IndexOf(y), grid.height) * stride + i * 4, lanes, k);
-            }
-            return words && clamp;
-        });
-}
-
-/// Clamping here, by four gathers, was slower than leaving the border to the general way, which is taken for few
-/// points. Two neighbours come in one read: of triples, the second starts in the first one's fourth byte.
-template <SwPixelLayout kLayout>
-size_t Bilinear(const SwPixelGrid& grid, bool, const float* u, const float* v, size_t count, uint32_t* out) {
-    constexpr bool words = kLayout != SwPixelLayout::Triples;
-    const auto read = [](const uint8_t* row, Ints offsets, Words across) GX_INLINE {
-        Words a;
-        Words b;
-        GatherPairs(row, offsets, a, b);
-        if (!words) {
-            b = a >> 24 | b << 8;
-        }
-        return Mix(Understand<kLayout>(a), Understand<kLayout>(b), across);
-    };
-    return SampleBlocks<kLayout>(
-        grid, grid.width - (words ? 1 : 2), grid.height - 1, u, v, count,
-        [&](Floats x, Floats y, Ints i, Ints j, Ints offsets, size_t lanes, size_t k) GX_INLINE {
-            const Words across = WeightOf(x, i);
-            const Words top = read(grid.pixels, offsets, across);
-            const Words bottom = read(grid.pixels + grid.strideBytes, offsets, across);
-            Store(out + k, Finish<kLayout>(Mix(top, bottom, WeightOf(y, j))), lanes);
-        },
-        [](Floats, Floats, size_t, size_t) GX_INLINE { return false; });
+    return count;
 }
 
 } // namespace

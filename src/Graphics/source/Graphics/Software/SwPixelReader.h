@@ -62,7 +62,7 @@ private:
     RunFunction m_run = nullptr;
     ColumnsFunction m_columns = nullptr;
     PointsFunction m_points = nullptr;
-    SwSampleInside m_sample[2] = {};
+    SwSampleRow m_sample[2] = {};
 };
 
 } // namespace Graphics

@@ -11,9 +11,7 @@ namespace {
 /// Coordinates beyond 2^30 stop there, so that neither neighbour leaves the integers; NaN counts as 0.
 GX_INLINE inline Floats Confine(Floats c) noexcept {
     const Floats limit = Splat(1073741824.0F);
-    c = Select(c == c, c, Floats{});
-    c = Select(c > limit, limit, c);
-    return Select(c < -limit, -limit, c);
+    return Lower(Higher(Select(c == c, c, Floats{}), -limit), limit);
 }
 
 /// Truncated, and one less for every negative coordinate: -1.0 gives -2. What was not confined and is too far, or NaN,
@@ -25,6 +23,12 @@ GX_INLINE inline Words WeightOf(Floats at, Ints index) noexcept {
     const Floats share = (at - __builtin_convertvector(index, Floats)) * Splat(255.0F);
     const Words w = ((Words)Truncate(share) & 255U) + 1U;
     return w | w << 16;
+}
+
+/// The same for a truncated coordinate that is not negative: its fraction is below 1. `one` is 1 in both halves.
+GX_INLINE inline Words WeightInside(Floats at, Ints index, Words one) noexcept {
+    const Floats share = (at - __builtin_convertvector(index, Floats)) * Splat(255.0F);
+    return Twice((Words)Truncate(share)) + one;
 }
 
 GX_INLINE inline Ints ClampIndex(Ints i, int32_t size) noexcept {
