@@ -41,7 +41,7 @@ Gxr::Recording Read(const std::wstring& path) {
 Document::Document(const std::wstring& path)
     : m_recording(Read(path)), m_player(m_recording), m_name(path.substr(path.find_last_of(L"/\\") + 1)) {}
 
-void Document::Draw(GXRenderTarget target, float zoom, float x, float y, const uint32_t* paper) {
+void Document::Draw(GXRenderTarget target, float zoom, float x, float y, const Gxr::Paper* paper) {
     const auto play = [&](float scale) {
         const float rest = zoom / scale;
         const GXMatrix place{rest, 0, 0, rest, x, y};

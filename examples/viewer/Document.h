@@ -19,9 +19,9 @@ public:
     const std::wstring& Name() const noexcept { return m_name; }
     std::string NarrowName() const { return Narrow(m_name); }
 
-    // One frame: the page `zoom` times as large with its corner at (x, y) of the target. With `paper` the target is
-    // filled with that colour first. Throws Gxr::Error with the library's own words.
-    void Draw(GXRenderTarget target, float zoom, float x, float y, const uint32_t* paper);
+    // One frame: the page `zoom` times as large with its corner at (x, y) of the target. `paper` as in
+    // Gxr::Player::Play. Throws Gxr::Error with the library's own words.
+    void Draw(GXRenderTarget target, float zoom, float x, float y, const Gxr::Paper* paper);
 
 private:
     Gxr::Recording m_recording;

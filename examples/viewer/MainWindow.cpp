@@ -60,21 +60,19 @@ MainWindow::MainWindow(const Options& options) : m_options(options) {
     description.lpfnWndProc = Procedure;
     description.hInstance = instance;
     description.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // IDC_ARROW
-    description.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_APPWORKSPACE + 1));
-    description.lpszClassName = kClass;
+    description.lpszClassName = kClass;                                  // no background: every frame covers all of it
     if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
         throw Gxr::Error(WithSystemReason("the window class cannot be registered"));
     const HMENU menu = Menu();
-    m_window = CreateWindowExW(WS_EX_ACCEPTFILES, kClass, L"Viewer",
-                               WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN | WS_HSCROLL | WS_VSCROLL, CW_USEDEFAULT,
-                               CW_USEDEFAULT, 900, 900, nullptr, menu, instance, this);
+    m_window = CreateWindowExW(WS_EX_ACCEPTFILES, kClass, L"Viewer", WS_OVERLAPPEDWINDOW | WS_HSCROLL | WS_VSCROLL,
+                               CW_USEDEFAULT, CW_USEDEFAULT, 900, 900, nullptr, menu, instance, this);
     if (m_window == nullptr) {
         DestroyMenu(menu);
         throw Gxr::Error(WithSystemReason("the window cannot be made"));
     }
     try {
-        m_page = std::make_unique<PageWindow>(m_window, options.hardware,
-                                              [this](const std::string& failure) { Painted(failure); });
+        m_canvas = std::make_unique<Canvas>(m_window, options.hardware,
+                                            [this](const std::string& failure) { Painted(failure); });
     } catch (...) {
         DestroyWindow(m_window);
         throw;
@@ -86,14 +84,14 @@ MainWindow::MainWindow(const Options& options) : m_options(options) {
 }
 
 MainWindow::~MainWindow() {
-    m_page.reset();
+    m_canvas.reset();
     if (m_window != nullptr)
         DestroyWindow(m_window);
 }
 
 void MainWindow::Open(const std::wstring& path) {
     auto document = std::make_unique<Document>(path);
-    m_page->Show(document.get());
+    m_canvas->Show(document.get());
     m_document = std::move(document);
     m_view.SetPage(m_document->Page().width, m_document->Page().height);
     if (m_options.zoom > 0)
@@ -150,6 +148,13 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             Follow();
         }
         return true;
+    case WM_PAINT:
+        if (m_canvas == nullptr)
+            return false;
+        m_canvas->Paint();
+        return true;
+    case WM_ERASEBKGND:
+        return true;
     case WM_COMMAND:
         Command(LOWORD(wParam));
         return true;
@@ -179,7 +184,7 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         Dropped(wParam);
         return true;
     case kFailed:
-        m_page->Show(nullptr);
+        m_canvas->Show(nullptr);
         m_document.reset();
         Follow();
         Tell(m_failure);
@@ -188,7 +193,7 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         DestroyWindow(m_window);
         return true;
     case WM_DESTROY:
-        m_page.reset(); // the library's target goes before its window
+        m_canvas.reset(); // the library's target goes before its window
         if (m_running)
             PostQuitMessage(0);
         return true;
@@ -373,9 +378,9 @@ void MainWindow::ZoomBy(double factor) {
 }
 
 void MainWindow::Follow() {
-    if (m_page == nullptr)
+    if (m_canvas == nullptr)
         return; // the window is being made
-    m_page->Follow(m_view);
+    m_canvas->Follow(m_view);
     const Box page = m_view.Page();
     const auto bar = [&](int which, int extent, int window, int at) {
         SCROLLINFO info{};
@@ -407,7 +412,7 @@ void MainWindow::Painted(const std::string& failure) {
         if (++m_frames >= m_options.frames)
             PostMessageW(m_window, kEnough, 0, 0);
         else
-            InvalidateRect(m_page->Window(), nullptr, FALSE);
+            InvalidateRect(m_window, nullptr, FALSE);
     }
 }
 

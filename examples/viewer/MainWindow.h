@@ -2,8 +2,10 @@
 // The program's window: menu, keys, mouse and scroll bars around the page.
 #pragma once
 
+#include "Canvas.h"
 #include "Options.h"
-#include "PageWindow.h"
+
+#include <memory>
 
 namespace Viewer {
 
@@ -21,7 +23,6 @@ public:
     int Run();
 
     HWND Window() const noexcept { return m_window; }
-    HWND Page() const noexcept { return m_page->Window(); }
     const View& GetView() const noexcept { return m_view; }
 
 private:
@@ -46,7 +47,7 @@ private:
     Options m_options;
     View m_view;
     std::unique_ptr<Document> m_document;
-    std::unique_ptr<PageWindow> m_page;
+    std::unique_ptr<Canvas> m_canvas;
     POINT m_dragged{};
     bool m_dragging = false, m_running = false;
     std::string m_failure;

@@ -132,6 +132,20 @@ TEST(Recording, PlaysAtAnyScaleAndPlace) {
             std::memcpy(&pixel, &pixels[4 * (size_t{y} * 60 + x)], 4);
             ASSERT_EQ(pixel, expected(x - 14.5, y - 9.5)) << x << ", " << y;
         }
+    // On paper nothing is drawn beside, and what lay there before is gone.
+    const Gxr::Paper part{0xFFFFFFFFu, 0xFF445566u, {20, 12, 58, 30}};
+    for (int i = 0; i < 2; ++i) {
+        GXRenderTargetSetCTM(paperTarget.Get(), &place);
+        Gxr::Player(recording).Play(paperTarget.Get(), 1.0f, &part);
+    }
+    const std::vector<uint8_t> cut = Pixels(paper.Get());
+    for (uint32_t y = 0; y < 50; ++y)
+        for (uint32_t x = 0; x < 60; ++x) {
+            uint32_t pixel = 0;
+            std::memcpy(&pixel, &cut[4 * (size_t{y} * 60 + x)], 4);
+            const bool inside = x >= 20 && x < 58 && y >= 12 && y < 30;
+            ASSERT_EQ(pixel, inside ? expected(x - 14.5, y - 9.5) : part.around) << x << ", " << y;
+        }
 }
 
 TEST(Recording, SaysWhatCannotBeRecorded) {

@@ -25,11 +25,12 @@ bool IsIdentity(const GXMatrix& m) {
 
 } // namespace
 
-void Interpreter::Run(GXRenderTarget page, float scale, const uint32_t* paper) {
+void Interpreter::Run(GXRenderTarget page, float scale, const Paper* paper) {
     if (!(scale > 0.0f) || !std::isfinite(scale))
         throw Error("the scale is not above 0");
     m_scale = scale;
     m_paper = paper;
+    m_filled = false;
     m_surfaces.clear();
     m_surfaceBrushes.clear();
     m_selected = 0;
@@ -244,6 +245,18 @@ GXResult Interpreter::SetMatrix(const Surface& surface, const GXMatrix* matrix) 
     return GXRenderTargetSetCTM(surface.target, &placed);
 }
 
+// Each bracket has a clip of its own, and the target's pixels stay between them.
+void Interpreter::LayPaper(const Surface& surface) {
+    const bool fill = !std::exchange(m_filled, true);
+    if (fill)
+        Check(GXRenderTargetClear(surface.target, m_paper->around), "GXRenderTargetClear");
+    Check(GXRenderTargetSetCTM(surface.target, nullptr), "GXRenderTargetSetCTM");
+    Check(GXRenderTargetClipRect(surface.target, &m_paper->area), "GXRenderTargetClipRect");
+    if (fill)
+        Check(GXRenderTargetClear(surface.target, m_paper->color), "GXRenderTargetClear");
+    Check(GXRenderTargetSetCTM(surface.target, &surface.base), "GXRenderTargetSetCTM");
+}
+
 void Interpreter::Follow(Op op, Surface& surface) {
     const auto close = [&](Op opened, size_t& count) {
         if (surface.open.empty() || surface.open.back() != opened)
@@ -260,7 +273,7 @@ void Interpreter::Follow(Op op, Surface& surface) {
             throw Error("the recording begins to paint twice");
         surface.painting = true;
         if (m_live && &surface == m_surfaces.data() && m_paper != nullptr)
-            Check(GXRenderTargetClear(surface.target, *std::exchange(m_paper, nullptr)), "GXRenderTargetClear");
+            LayPaper(surface);
         break;
     case Op::EndPaint:
         if (!surface.painting)

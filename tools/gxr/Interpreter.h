@@ -15,6 +15,13 @@ struct PageInfo {
     float dpiX = 96.0f, dpiY = 96.0f;
 };
 
+// What a page is drawn on: an area of the target, in its pixels, in one colour, which nothing is drawn beside, and the
+// colour of all the rest. Colours as GXRenderTargetClear takes them.
+struct Paper {
+    uint32_t color = 0, around = 0;
+    GXRect area{};
+};
+
 class Interpreter {
 public:
     // Reads page and objects; with `live` the objects are made. The body outlives this object. Throws Error.
@@ -22,8 +29,8 @@ public:
 
     const PageInfo& Page() const noexcept { return m_page; }
     // Checks all commands, or, when live, plays them: `page` is not being painted on, and is not afterwards.
-    // With `paper` the page is cleared with that colour when painting on it begins for the first time.
-    void Run(GXRenderTarget page, float scale, const uint32_t* paper = nullptr);
+    // With `paper` the target is filled when painting on the page begins for the first time.
+    void Run(GXRenderTarget page, float scale, const Paper* paper = nullptr);
 
     // For the arguments of commands.
     GXGeometry Find(uint64_t number, GXGeometry) const { return At(m_geometries, number); }
@@ -77,6 +84,7 @@ private:
     template <class... P> void TargetCall(Op op, ByteReader& in, GXResult (*call)(GXRenderTarget, P...) noexcept);
     void Place(Surface& surface);
     void Follow(Op op, Surface& surface);
+    void LayPaper(const Surface& surface);
     GXResult SetMatrix(const Surface& surface, const GXMatrix* matrix) const;
 
     const bool m_live;
@@ -92,7 +100,8 @@ private:
 
     // While commands run.
     float m_scale = 1.0f;
-    const uint32_t* m_paper = nullptr; // as long as the page is not cleared
+    const Paper* m_paper = nullptr;
+    bool m_filled = false; // with the paper
     std::vector<Surface> m_surfaces;
     std::vector<SurfaceBrush> m_surfaceBrushes;
     uint32_t m_selected = 0;

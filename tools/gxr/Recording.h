@@ -31,9 +31,9 @@ public:
 
     // Draws the page, in the units that the target has: `scale` of its pixels for a recorded one, from the target's
     // matrix on. Begins and ends painting itself; the matrix is then the identity, as always after painting. Throws
-    // Error when a call fails; painting is ended then, too. With `paper` (as GXRenderTargetClear takes colours) the
-    // whole target has that colour first: recordings need not fill their page.
-    void Play(GXRenderTarget target, float scale = 1.0f, const uint32_t* paper = nullptr) {
+    // Error when a call fails; painting is ended then, too. Recordings need not fill their page and may draw beyond it:
+    // `paper` says what lies below and where they stop.
+    void Play(GXRenderTarget target, float scale = 1.0f, const Paper* paper = nullptr) {
         m_interpreter.Run(target, scale, paper);
     }
 
