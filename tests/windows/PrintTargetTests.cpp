@@ -392,6 +392,22 @@ TEST_F(PrintTarget, PagesOnWholePixelsAreThoseOfABitmap) {
     }
 }
 
+// A host may turn the paper between two pages of a job.
+TEST_F(PrintTarget, EachPageHasThePaperOfItsTime) {
+    const Printer printer(30, 20, false);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    const Printer turned(20, 30, false);
+    g_gdip.createFromHDC = [](HDC, Gdiplus::GpGraphics**) { return Gdiplus::OutOfMemory; };
+    EXPECT_EQ(GXRenderTargetBeginPaint(target), GXResultEngineError);
+    g_gdip = GdipCalls();
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    GXSize size{};
+    ASSERT_EQ(GXRenderTargetGetSize(target, &size), GXResultSuccess);
+    EXPECT_TRUE(size.width == 20 && size.height == 30);
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+}
+
 // Paper on a roll is longer than the software renderer draws from a picture's corner.
 TEST_F(PrintTarget, LongPagesArePrintedToTheirEnd) {
     for (const bool wide : {true, false}) {

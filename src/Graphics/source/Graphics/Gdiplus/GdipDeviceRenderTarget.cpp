@@ -50,7 +50,8 @@ GdipDevice GdipDeviceRenderTarget::DeviceOf(HDC dc) {
 }
 
 std::unique_ptr<GdipGraphics> GdipDeviceRenderTarget::Open() {
-    if (g_system.getObjectType(m_dc) == 0 || !m_devicePixels.emplace(m_dc)) {
+    SetDevice(DeviceOf(m_dc)); // a host may turn the paper between two pages
+    if (!m_devicePixels.emplace(m_dc)) {
         GX_RAISE("Graphics::GdipDeviceRenderTarget::Open", "The DC does not exist");
     }
     return std::make_unique<GdipGraphics>(m_dc);

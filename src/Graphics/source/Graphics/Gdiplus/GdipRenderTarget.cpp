@@ -50,11 +50,16 @@ constexpr float kPointsPerInch = 72.0F;
 
 } // namespace
 
-GdipRenderTarget::GdipRenderTarget(const GdipDevice& device, BitmapTargetMaker makeTarget)
-    : m_device(device), m_toPage{kPointsPerInch / device.dpiX, 0.0F, 0.0F, kPointsPerInch / device.dpiY, 0.0F, 0.0F},
-      m_makeTarget(makeTarget) {}
+GdipRenderTarget::GdipRenderTarget(const GdipDevice& device, BitmapTargetMaker makeTarget) : m_makeTarget(makeTarget) {
+    SetDevice(device);
+}
 
 GdipRenderTarget::~GdipRenderTarget() = default;
+
+void GdipRenderTarget::SetDevice(const GdipDevice& device) noexcept {
+    m_device = device;
+    m_toPage = {kPointsPerInch / device.dpiX, 0.0F, 0.0F, kPointsPerInch / device.dpiY, 0.0F, 0.0F};
+}
 
 Size GdipRenderTarget::GetSize() const {
     return {static_cast<uint32_t>(m_device.area.right), static_cast<uint32_t>(m_device.area.bottom)};

@@ -60,8 +60,9 @@ public:
     void InvertLine(const Point& from, const Point& to) override;
 
 protected:
-    /// The graphics of a page that begins.
+    /// The graphics of a page that begins. Sees to it that the device is the present one: pages of a job may differ.
     [[nodiscard]] virtual std::unique_ptr<GdipGraphics> Open() = 0;
+    void SetDevice(const GdipDevice& device) noexcept;
     /// Brings opaque pixels, the first one at `origin`, to these rectangles of the device.
     virtual void Place(GdipGraphics& graphics, const PixelView& pixels, const IntPoint& origin,
                        const std::vector<IntRect>& rects) = 0;
@@ -96,8 +97,8 @@ private:
     void Leave(const IntRect& visible, GdipPageList::Call call);
     void FeedPath(const Shape& shape, bool snap, GdipPath& sink);
 
-    const GdipDevice m_device;
-    const Matrix m_toPage;
+    GdipDevice m_device;
+    Matrix m_toPage{};
     const BitmapTargetMaker m_makeTarget;
     GdipState m_cached; // what is set outside a paint bracket; the page starts with it
 
