@@ -9,14 +9,14 @@ using namespace Graphics;
 namespace {
 
 GXResult CreateRegion(const Region& region, GXRegion* out) noexcept {
-    return Create(out, [&] { return std::make_shared<Region>(region); });
+    return Create(out, [&] { return region; });
 }
 
 GXResult Combined(const Region& a, const Region& b, uint32_t mode, GXRegion* out) noexcept {
     if (mode > GXCombineDifference) {
         return GXResultInvalidArgument;
     }
-    return Create(out, [&] { return std::make_shared<Region>(Region::Combine(a, b, static_cast<RegionOp>(mode))); });
+    return Create(out, [&] { return Region::Combine(a, b, static_cast<RegionOp>(mode)); });
 }
 
 /// The answer of a question that needs memory.
@@ -46,7 +46,7 @@ GXResult GXRegionIsAreaEmpty(GXRegion region, uint8_t* out) GX_NOEXCEPT {
     if (AnyNull(region) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    *out = region->object->IsAreaEmpty() ? 1 : 0;
+    *out = region->region.IsAreaEmpty() ? 1 : 0;
     return GXResultSuccess;
 }
 
@@ -54,7 +54,7 @@ GXResult GXRegionGetBound(GXRegion region, GXIntRect* out) GX_NOEXCEPT {
     if (AnyNull(region) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    *out = region->object->Bound();
+    *out = region->region.Bound();
     return GXResultSuccess;
 }
 
@@ -62,7 +62,7 @@ GXResult GXRegionContainsPoint(GXRegion region, const GXIntPoint* point, uint8_t
     if (AnyNull(region) || AnyNull(point) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    *out = region->object->Contains(*point) ? 1 : 0;
+    *out = region->region.Contains(*point) ? 1 : 0;
     return GXResultSuccess;
 }
 
@@ -70,49 +70,49 @@ GXResult GXRegionContainsRect(GXRegion region, const GXIntRect* rect, uint8_t* o
     if (AnyNull(region) || AnyNull(rect) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Answer(out, [&] { return region->object->Contains(Region(*rect)); });
+    return Answer(out, [&] { return region->region.Contains(Region(*rect)); });
 }
 
 GXResult GXRegionContains(GXRegion region, GXRegion other, uint8_t* out) GX_NOEXCEPT {
     if (AnyNull(region, other) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Answer(out, [&] { return region->object->Contains(*other->object); });
+    return Answer(out, [&] { return region->region.Contains(other->region); });
 }
 
 GXResult GXRegionHasIntersection(GXRegion region, GXRegion other, uint8_t* out) GX_NOEXCEPT {
     if (AnyNull(region, other) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Answer(out, [&] { return region->object->HasIntersection(*other->object); });
+    return Answer(out, [&] { return region->region.HasIntersection(other->region); });
 }
 
 GXResult GXRegionHasIntersectionWithRect(GXRegion region, const GXIntRect* rect, uint8_t* out) GX_NOEXCEPT {
     if (AnyNull(region) || AnyNull(rect) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Answer(out, [&] { return region->object->HasIntersection(Region(*rect)); });
+    return Answer(out, [&] { return region->region.HasIntersection(Region(*rect)); });
 }
 
 GXResult GXRegionOffset(GXRegion region, int32_t dx, int32_t dy) GX_NOEXCEPT {
     if (AnyNull(region)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { region->object->Offset(dx, dy); });
+    return Guard([&] { region->region.Offset(dx, dy); });
 }
 
 GXResult GXRegionCombine(GXRegion region, GXRegion other, uint32_t mode, GXRegion* out) GX_NOEXCEPT {
     if (AnyNull(region, other) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Combined(*region->object, *other->object, mode, out);
+    return Combined(region->region, other->region, mode, out);
 }
 
 GXResult GXRegionCombineRect(GXRegion region, const GXIntRect* rect, uint32_t mode, GXRegion* out) GX_NOEXCEPT {
     if (AnyNull(region) || AnyNull(rect) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return Combined(*region->object, Region(*rect), mode, out);
+    return Combined(region->region, Region(*rect), mode, out);
 }
 
 GXResult GXRegionEnumRects(GXRegion region, GXRegionRectProc proc, void* context) GX_NOEXCEPT {
@@ -120,7 +120,7 @@ GXResult GXRegionEnumRects(GXRegion region, GXRegionRectProc proc, void* context
         return GXResultInvalidArgument;
     }
     return Guard([&] {
-        const Region held = *region->object; // the callback may release the handle
+        const Region held = region->region; // the callback may release the handle
         held.EnumRects([&](const GXIntRect& rect) { proc(context, &rect); });
     });
 }

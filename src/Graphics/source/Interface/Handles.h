@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "GX/GX.h"
+#include "Regions/Region.h"
 
 namespace Graphics {
 class Bitmap;
@@ -15,7 +16,6 @@ class Font;
 class Geometry;
 class Gradient;
 class Palette;
-class Region;
 class RenderTarget;
 } // namespace Graphics
 
@@ -65,8 +65,10 @@ struct GXGradientRec_ final : ImplementationHolder<const Graphics::Gradient> {
 struct GXPaletteRec_ final : ImplementationHolder<const Graphics::Palette> {
     using ImplementationHolder::ImplementationHolder;
 };
-struct GXRegionRec_ final : ImplementationHolder<Graphics::Region> {
-    using ImplementationHolder::ImplementationHolder;
+/// A region is held by value: nobody else keeps it, and it shares what is large in it by itself.
+struct GXRegionRec_ final : GXObjBase {
+    explicit GXRegionRec_(Graphics::Region held) noexcept : region(std::move(held)) {}
+    Graphics::Region region;
 };
 struct GXRenderTargetRec_ final : ImplementationHolder<Graphics::RenderTarget> {
     using ImplementationHolder::ImplementationHolder;

@@ -104,7 +104,8 @@ enum {
 };
 
 /** How a source colour meets the backdrop: the blend modes of the PDF imaging model (ISO 32000-1, 11.3.5), in its
- * order. The last four are the non-separable ones. */
+ * order but for ColorBurn, which comes before ColorDodge. The last four are the non-separable ones. Unknown values act
+ * as Normal. */
 typedef uint32_t GXBlendMode;
 enum {
     GXBlendModeNormal = 0,
