@@ -201,6 +201,31 @@ TEST(RenderTarget, MaskTypesAboveThreeAreRefusedWhenDrawing) {
     EXPECT_EQ(c.At(0, 0), 0x80800000U);
 }
 
+TEST(RenderTarget, BadDashPatternsAreRefusedWhereverTheStrokeIs) {
+    Canvas c(8, 8);
+    const LastMessage message;
+    const Owned<GXBrush> brush = Solid(kRed);
+    Owned<GXGeometry> empty;
+    ASSERT_EQ(GXCreateGeometry(empty.Out()), GXResultSuccess);
+    GXStrokeStyle style{};
+    style.dashCount = 2;
+    const GXPoint start{1, 1}, end{6, 6}, away{1e6F, 1e6F}, further{2e6F, 1e6F}, none{NAN, 1};
+    for (const bool negative : {false, true}) {
+        style.dashes[0] = negative ? 1.0F : 0.0F;
+        style.dashes[1] = negative ? -1.0F : 0.0F;
+        const auto expect = [&](GXResult result) {
+            EXPECT_EQ(result, GXResultEngineError);
+            EXPECT_EQ(message.Text(),
+                      negative ? "Dash pattern has a negative element" : "Dash pattern has zero length");
+        };
+        expect(GXRenderTargetStrokeLine(c.target, &start, &end, brush, 2, &style));
+        expect(GXRenderTargetStrokeLine(c.target, &away, &further, brush, 2, &style));
+        expect(GXRenderTargetStrokeLine(c.target, &none, &end, brush, 2, &style));
+        expect(GXRenderTargetStrokeGeometry(c.target, empty, brush, 2, &style));
+    }
+    EXPECT_EQ(c.Pixels(), std::vector<uint32_t>(64, 0));
+}
+
 TEST(RenderTarget, BitmapsAreCopiedMirroredAndClampedInsideTheirSource) {
     const Owned<GXBitmap> image = MakeBitmap(3, 1, GXPixelFormatBGRA32);
     const uint32_t colors[3] = {kRed, kGreen, kWhite};

@@ -49,10 +49,10 @@ template <class Work, class... Pointers>
 /// `path` null: nothing but the checks. Negative and NaN widths are refused.
 [[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const PathRef& path, GXBrush brush, float width,
                                   const GXStrokeStyle* style) noexcept {
-    if (AnyNull(brush) || !(width >= 0.0F)) {
+    if (AnyNull(handle, brush) || !(width >= 0.0F)) {
         return GXResultInvalidArgument;
     }
-    return Draw(handle, [&](RenderTargetBase& t) { t.Stroke(path, *brush->object, width, StrokeStyle(style)); });
+    return Guard([&] { handle->object->Stroke(path, *brush->object, width, StrokeStyle(style)); });
 }
 
 [[nodiscard]] GXResult StrokeFigure(GXRenderTarget handle, Kind kind, const GXRect& rect, GXBrush brush, float width,

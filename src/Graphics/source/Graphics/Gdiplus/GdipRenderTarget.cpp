@@ -299,9 +299,6 @@ void GdipRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) 
 
 void GdipRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
     CheckMasks();
-    if (style.dashCount != 0) {
-        const DashSequence check(style, 1.0F); // raises for a bad pattern now and not at the page's end
-    }
     const GdipState& state = State();
     const Shape& shape = Resolve(path);
     const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));

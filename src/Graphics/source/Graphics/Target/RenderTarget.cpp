@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "../Exception.h"
+#include "../Geometry/DashSequence.h"
 #include "../Software/SwBitmapSurface.h"
 #include "../Software/SwExtBufSurface.h"
 #include "../Software/SwRenderTarget.h"
@@ -88,6 +89,14 @@ void RenderTarget::FillText(const Font& font, const uint16_t* text, const Brush&
         transform = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, transform);
         target.SetTransform(transform);
     }
+}
+
+void RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
+    RenderTargetBase& target = Painting();
+    if (style.dashCount != 0) {
+        const DashSequence refusesBadPatterns(style);
+    }
+    target.Stroke(path, brush, width, style);
 }
 
 void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {

@@ -42,6 +42,9 @@ public:
     /// whatever happens.
     void FillText(const Font& font, const uint16_t* text, const Brush& brush);
 
+    /// A bad dash pattern is refused whether or not anything of the stroke would be seen.
+    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style);
+
     /// Nothing happens for a rectangle without width or height.
     void ClipFigure(BasicFigure::Kind kind, const Rect& rect);
 

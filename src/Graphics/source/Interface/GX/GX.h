@@ -758,8 +758,8 @@ GX_API GXResult GXCreateRenderTargetBitmap(GXBitmap bitmap, GXRenderTarget* outT
 /** Makes a software target that draws into the host's memory, which the host keeps valid as long as the target
  * lives. `pixels` is the first byte of the top row and needs no alignment; bytes of a row beyond the last pixel are
  * never touched. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Unsupported pixel format.",
- * "Invalid bitmap dimensions" (a size that is not a whole number of at least 1), "Invalid stride" (not whole, or
- * shorter than a row). */
+ * "Invalid bitmap dimensions" (a size that is not a whole number of at least 1), "Bitmap is too big" (a row of 256 MiB
+ * or more), "Invalid stride" (not whole, or shorter than a row). */
 GX_API GXResult GXCreateRenderTargetExtBuf(void* pixels, GXPixelFormat format, const GXExtBufLayout* layout,
                                            GXRenderTarget* outTarget) GX_NOEXCEPT;
 
