@@ -397,6 +397,34 @@ TEST(RenderTarget, LayerBoundsHoldEveryPixelThatTheyTouch) {
     EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kRed, kRed, kRed, 0}));
 }
 
+TEST(RenderTarget, ATargetReleasedInTheBracketLeavesWhatWasDrawn) {
+    // A copy derived from the bitmap is not taken for its new pixels.
+    const Owned<GXBitmap> bitmap = MakeBitmap(64, 64, GXPixelFormatPBGRA32);
+    ASSERT_EQ(GXBitmapColorFill(bitmap, nullptr, kRed), GXResultSuccess);
+    const GXRect reduced{0, 0, 4, 4};
+    Canvas c(4, 4);
+    ASSERT_EQ(GXRenderTargetStretchBitmap(c.target, bitmap, &reduced, nullptr, 1, GXInterpolationAverage),
+              GXResultSuccess);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetBitmap(bitmap, target.Out()), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetClear(target, kWhite), GXResultSuccess);
+    target = Owned<GXRenderTarget>();
+    ASSERT_EQ(GXRenderTargetStretchBitmap(c.target, bitmap, &reduced, nullptr, 1, GXInterpolationAverage),
+              GXResultSuccess);
+    EXPECT_EQ(c.Pixels(), std::vector<uint32_t>(16, kWhite));
+
+    // At an odd address the target draws aside; the buffer gets it all the same.
+    std::vector<uint8_t> memory(4 * 4 * 4 + 1, 0);
+    const GXExtBufLayout layout{4, 4, 16, 96, 96};
+    ASSERT_EQ(GXCreateRenderTargetExtBuf(memory.data() + 1, GXPixelFormatPBGRA32, &layout, target.Out()),
+              GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetClear(target, kWhite), GXResultSuccess);
+    target = Owned<GXRenderTarget>();
+    EXPECT_EQ(std::count(memory.begin(), memory.end(), 255), 64);
+}
+
 TEST(RenderTarget, EndPaintClosesTheLayersAroundOneThatFails) {
     Canvas c(2, 1);
     const LastMessage message;

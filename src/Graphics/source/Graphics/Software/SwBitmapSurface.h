@@ -17,6 +17,7 @@ public:
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override;
     [[nodiscard]] PixelView BeginPaint() override;
     void EndPaint() override;
+    void Abandon() override { EndPaint(); }
 
 private:
     std::shared_ptr<Bitmap> m_bitmap;

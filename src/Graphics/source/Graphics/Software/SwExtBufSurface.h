@@ -15,6 +15,7 @@ public:
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return m_view.format; }
     [[nodiscard]] PixelView BeginPaint() override;
     void EndPaint() override;
+    void Abandon() override { EndPaint(); }
 
 private:
     [[nodiscard]] bool IsAligned() const noexcept;

@@ -34,7 +34,14 @@ namespace {
 
 SwRenderTarget::SwRenderTarget(std::unique_ptr<SwSurface> surface) : m_surface(std::move(surface)) {}
 
-SwRenderTarget::~SwRenderTarget() = default;
+SwRenderTarget::~SwRenderTarget() {
+    if (IsPainting()) {
+        try {
+            m_surface->Abandon();
+        } catch (...) { // nobody is left to be told
+        }
+    }
+}
 
 GXPixelFormat SwRenderTarget::GetPixelFormat() const { return m_surface->GetPixelFormat(); }
 

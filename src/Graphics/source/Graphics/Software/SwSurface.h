@@ -16,6 +16,8 @@ public:
     /// The drawable pixels, valid until EndPaint.
     [[nodiscard]] virtual PixelView BeginPaint() = 0;
     virtual void EndPaint() = 0;
+    /// The target ends without EndPaint: what was drawn stays where the destination is memory, and is not shown.
+    virtual void Abandon() {}
 
 protected:
     /// The format of a back buffer for a display of so many bits a pixel; raises "Unsupported pixel format."

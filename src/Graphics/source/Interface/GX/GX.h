@@ -789,9 +789,10 @@ GX_API GXResult GXRenderTargetGetSize(GXRenderTarget renderTarget, GXSize* outSi
 
 /* Render targets: the painting bracket and the state */
 
-/** Opens the bracket in which drawing is allowed; the state set before it is in force. GXResultInvalidArgument when
- * an argument is null. GXResultEngineError: "Painting has already begun", "Unsuported pixel format" (spelled so)
- * when the format cannot be drawn into. */
+/** Opens the bracket in which drawing is allowed; the state set before it is in force. A target that is freed inside
+ * the bracket leaves what was drawn into memory, and shows nothing. GXResultInvalidArgument when an argument is null.
+ * GXResultEngineError: "Painting has already begun", "Unsuported pixel format" (spelled so) when the format cannot be
+ * drawn into. */
 GX_API GXResult GXRenderTargetBeginPaint(GXRenderTarget renderTarget) GX_NOEXCEPT;
 
 /** Closes the bracket and brings the pixels to a window or device. Layers still open are ended, innermost first,
