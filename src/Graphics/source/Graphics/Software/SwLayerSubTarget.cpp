@@ -16,8 +16,6 @@ namespace {
     return (y - p.origin.y) * p.planeStride + (x - p.origin.x);
 }
 
-[[nodiscard]] uint32_t Scale(uint32_t v, uint32_t factor) noexcept { return v * factor >> 8; }
-
 } // namespace
 
 void SwLayerSubTarget::Open(SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout, float opacity) {
@@ -102,43 +100,6 @@ SwTargetPlanes SwLayerSubTarget::Backdrop(const IntRect& region) {
     }
     // Elements of a knockout group see the group's initial backdrop, not each other.
     return m_isolated ? SwTargetPlanes{} : m_parent->Backdrop(region);
-}
-
-void SwLayerSubTarget::Clear(const SwKernels& kernels, const IntRect& region, const SwClip* clip, uint32_t color) {
-    static_cast<void>(kernels);
-    Reach(region);
-    const uint32_t alpha = color >> 24;
-    for (int32_t y = region.top; y < region.bottom; ++y) {
-        const bool masked = clip != nullptr && clip->HasMask();
-        const int32_t x0 = masked ? std::max(region.left, clip->Row(y).begin) : region.left;
-        const int32_t x1 = masked ? std::min(region.right, clip->Row(y).end) : region.right;
-        for (int32_t x = x0; x < x1; ++x) {
-            const uint32_t share = masked ? *clip->Coverage(x, y) : 255;
-            const ptrdiff_t offset = PlaneOffset(m_planes, x, y);
-            uint32_t* pixel = ColorAt(m_planes, x, y);
-            const uint32_t backdrop =
-                m_planes.backdrop == nullptr
-                    ? 0
-                    : reinterpret_cast<const uint32_t*>(
-                          m_planes.backdrop + (y - m_planes.origin.y) * m_planes.backdropStride)[x - m_planes.origin.x];
-            uint32_t result = 0;
-            for (int shift = 0; shift < 32; shift += 8) {
-                const uint32_t over = ((color >> shift) & 255U) + Scale((backdrop >> shift) & 255U, 256 - alpha);
-                const uint32_t mixed =
-                    share == 255 ? over : Scale((*pixel >> shift) & 255U, 256 - share) + Scale(over, share + 1);
-                result |= std::min(mixed, 255U) << shift;
-            }
-            const auto replace = [share](uint8_t& v, uint32_t to) {
-                v = static_cast<uint8_t>(share == 255 ? to : Scale(v, 256 - share) + Scale(to, share + 1));
-            };
-            replace(m_planes.alpha[offset], alpha);
-            replace(m_planes.shape[offset], 255);
-            // The plane's alpha is the union of the group's and the backdrop's, as drawing leaves it.
-            const uint32_t group = m_planes.alpha[offset];
-            const uint32_t below = backdrop >> 24;
-            *pixel = (result & 0x00FFFFFFU) | (group + below - (group * (below + 1) >> 8)) << 24;
-        }
-    }
 }
 
 void SwLayerSubTarget::MakeResult(const SwKernels& kernels) {

@@ -23,7 +23,6 @@ public:
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
     [[nodiscard]] SwTargetPlanes Backdrop(const IntRect& region) override;
-    void Clear(const SwKernels& kernels, const IntRect& region, const SwClip* clip, uint32_t color) override;
 
     /// The box that drawing has reached; empty when nothing was drawn.
     [[nodiscard]] const IntRect& Touched() const noexcept { return m_touched; }

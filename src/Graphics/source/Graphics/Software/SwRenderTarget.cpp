@@ -13,7 +13,9 @@
 #include "../Paint/Brush.h"
 #include "../Paint/Gradient.h"
 #include "../Scan/DeviceFigures.h"
+#include "SwAssembly.h"
 #include "SwBitmapColorSource.h"
+#include "SwClear.h"
 #include "SwInverter.h"
 #include "SwPlaneColorSource.h"
 #include "SwSolidColorSource.h"
@@ -74,15 +76,7 @@ void SwRenderTarget::BeginPaint() {
 }
 
 void SwRenderTarget::EndPaint() {
-    // A layer that cannot be closed is lost; those around it, and the bracket, are closed all the same.
-    std::exception_ptr failure;
-    while (!m_layers.empty()) {
-        try {
-            CloseLayer();
-        } catch (...) {
-            failure = failure == nullptr ? std::current_exception() : failure;
-        }
-    }
+    const std::exception_ptr failure = CloseLayers();
     for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
         layer->Trim();
     }
@@ -110,28 +104,6 @@ IntRect SwRenderTarget::Visible(const IntRect& region) noexcept {
     return visible;
 }
 
-SwMaskInput SwRenderTarget::MaskInput(const SwSoftMask& mask, const IntRect& visible) {
-    SwMaskInput input;
-    input.source = SwColorSource::CreateFromBrush(m_arena, *mask.brush, ToRect(visible), mask.transform);
-    input.type = mask.type;
-    return input;
-}
-
-void SwRenderTarget::Assemble(SwPipeLine& pipeLine, const IntRect& visible, const SwMaskInput* extraMask) {
-    const SwState& state = State();
-    pipeLine.SetBlendMode(state.blendMode);
-    if (state.shapeMask.IsSet()) {
-        pipeLine.AddShapeMask(MaskInput(state.shapeMask, visible));
-    }
-    if (extraMask != nullptr) {
-        pipeLine.AddShapeMask(*extraMask);
-    }
-    pipeLine.SetClip(state.clip.get());
-    if (state.opacityMask.IsSet()) {
-        pipeLine.SetOpacityMask(MaskInput(state.opacityMask, visible));
-    }
-}
-
 template <class MakeSource, class Cover>
 void SwRenderTarget::Composite(const IntRect& visible, const SwMaskInput* extraMask, MakeSource&& makeSource,
                                Cover&& cover) {
@@ -140,7 +112,7 @@ void SwRenderTarget::Composite(const IntRect& visible, const SwMaskInput* extraM
     }
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    Assemble(pipeLine, visible, extraMask);
+    AssemblePipeLine(pipeLine, m_arena, State(), visible, extraMask);
     pipeLine.SetColorSource(*makeSource(visible));
     cover(pipeLine);
 }
@@ -247,7 +219,7 @@ void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width
     FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible), m_rasterizer);
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    Assemble(pipeLine, visible, nullptr);
+    AssemblePipeLine(pipeLine, m_arena, State(), visible, nullptr);
     pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform));
     m_rasterizer.Finish(pipeLine);
 }
@@ -305,7 +277,7 @@ void SwRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, floa
     brush.transform = m;
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    Assemble(pipeLine, visible, nullptr);
+    AssemblePipeLine(pipeLine, m_arena, State(), visible, nullptr);
     pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), State().transform));
     pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
 }
@@ -318,7 +290,7 @@ void SwRenderTarget::Clear(uint32_t argb) {
     if (m_layers.empty() && GetPixelFormat() == GXPixelFormatBGRX32) {
         argb |= 0xFF000000U;
     }
-    Current().Clear(ActiveKernels(), visible, State().clip.get(), Premultiply(argb));
+    ClearPlanes(ActiveKernels(), Current().Planes(visible), visible, State().clip.get(), Premultiply(argb));
 }
 
 /// Brings the closed layer that fits closest to the end of the spare ones. Where none fits, their planes go before new
@@ -394,7 +366,7 @@ void SwRenderTarget::CloseLayer() {
     shape.planeOrigin = result.origin;
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    Assemble(pipeLine, visible, &shape);
+    AssemblePipeLine(pipeLine, m_arena, State(), visible, &shape);
     SwPlaneColorSource source(result, layer.Opacity());
     pipeLine.SetColorSource(source);
     pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);

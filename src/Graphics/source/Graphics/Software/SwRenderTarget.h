@@ -49,9 +49,6 @@ private:
 
     /// The part of `region` that bounds and clip leave.
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
-    [[nodiscard]] SwMaskInput MaskInput(const SwSoftMask& mask, const IntRect& visible);
-    /// A pipeline with target, state masks, clip and blend mode, and `extraMask` (null: none) as the call's own mask.
-    void Assemble(SwPipeLine& pipeLine, const IntRect& visible, const SwMaskInput* extraMask);
 
     /// One pipeline run: cover(pipeLine) sends coverage inside `visible`, which may be empty.
     template <class MakeSource, class Cover>
@@ -61,7 +58,8 @@ private:
     /// The fill of a glyph by its kept coverage. False when it has to be drawn as any other path.
     [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
     void PrepareSpareLayer(size_t pixels);
-    void CloseLayer();
+    [[nodiscard]] bool HasLayers() const noexcept override { return !m_layers.empty(); }
+    void CloseLayer() override;
 
     std::unique_ptr<SwSurface> m_surface;
     IntRect m_area{}; // the whole surface

@@ -38,6 +38,18 @@ void SwStateTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> bru
     ChangeState([&](SwState& s) { s.shapeMask = mask; });
 }
 
+std::exception_ptr SwStateTarget::CloseLayers() {
+    std::exception_ptr failure;
+    while (HasLayers()) {
+        try {
+            CloseLayer();
+        } catch (const std::exception&) {
+            failure = failure == nullptr ? std::current_exception() : failure;
+        }
+    }
+    return failure;
+}
+
 void SwStateTarget::StopPainting() noexcept {
     m_cached = SwState();
     m_painting = false;

@@ -3,6 +3,7 @@
 // the next one, what it sets inside goes to the innermost layer too.
 #pragma once
 
+#include <exception>
 #include <memory>
 
 #include "../Geometry/Shape.h"
@@ -23,6 +24,13 @@ public:
 protected:
     /// The state of the innermost layer; only asked for while painting.
     [[nodiscard]] virtual SwState& State() noexcept = 0;
+    [[nodiscard]] virtual bool HasLayers() const noexcept = 0;
+    /// Ends the innermost layer and draws it into what lies around it; the layer is gone however that ends.
+    virtual void CloseLayer() = 0;
+
+    /// Closes all layers at the end of painting. One that cannot be drawn is lost, those around it are closed all the
+    /// same; the first failure, or null. What is no std::exception goes on to the caller.
+    [[nodiscard]] std::exception_ptr CloseLayers();
 
     [[nodiscard]] bool IsPainting() const noexcept { return m_painting; }
     /// What the next bracket begins with.

@@ -36,8 +36,6 @@ public:
     [[nodiscard]] virtual SwTargetPlanes Planes(const IntRect& region) = 0;
     /// What a group opened here finds below it, ready to be read inside `region`; colour null when transparent.
     [[nodiscard]] virtual SwTargetPlanes Backdrop(const IntRect& region) = 0;
-    /// Replaces the pixels of `region` that `clip` (null: none) leaves by the premultiplied colour.
-    virtual void Clear(const SwKernels& kernels, const IntRect& region, const SwClip* clip, uint32_t color) = 0;
 
 protected:
     void Reset(const IntRect& bounds, const SwState& state);
@@ -53,7 +51,6 @@ public:
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
     [[nodiscard]] SwTargetPlanes Backdrop(const IntRect& region) override { return Planes(region); }
-    void Clear(const SwKernels& kernels, const IntRect& region, const SwClip* clip, uint32_t color) override;
 
 private:
     SwTargetPlanes m_planes;

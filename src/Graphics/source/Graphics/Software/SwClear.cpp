@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "SwClear.h"
+
+#include <algorithm>
+
+namespace Graphics {
+namespace {
+
+[[nodiscard]] uint32_t Scale(uint32_t v, uint32_t factor) noexcept { return v * factor >> 8; }
+
+[[nodiscard]] bool IsMasked(const SwClip* clip) noexcept { return clip != nullptr && clip->HasMask(); }
+
+/// Row y of a plane of words whose base belongs to the planes' origin.
+template <class Base>
+[[nodiscard]] auto* WordsAt(Base* base, ptrdiff_t stride, const SwTargetPlanes& planes, int32_t x, int32_t y) noexcept {
+    using Word = std::conditional_t<std::is_const_v<Base>, const uint32_t, uint32_t>;
+    return reinterpret_cast<Word*>(base + (y - planes.origin.y) * stride) + (x - planes.origin.x);
+}
+
+/// Calls row(y, x0, x1) for the columns of each row that the clip does not leave out altogether.
+template <class Row> void ForRows(const IntRect& region, const SwClip* clip, Row&& row) {
+    for (int32_t y = region.top; y < region.bottom; ++y) {
+        const int32_t x0 = IsMasked(clip) ? std::max(region.left, clip->Row(y).begin) : region.left;
+        const int32_t x1 = IsMasked(clip) ? std::min(region.right, clip->Row(y).end) : region.right;
+        if (x0 < x1) {
+            row(y, x0, x1);
+        }
+    }
+}
+
+void ClearSurface(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip,
+                  uint32_t color) {
+    const auto width = static_cast<size_t>(region.right - region.left);
+    const auto words = [&](int32_t x, int32_t y) { return WordsAt(planes.color, planes.colorStride, planes, x, y); };
+    if (!IsMasked(clip) && static_cast<ptrdiff_t>(width * sizeof(uint32_t)) == planes.colorStride) {
+        // Rows without a gap are one long row.
+        kernels.fill32(words(region.left, region.top), color, width * static_cast<size_t>(region.bottom - region.top));
+        return;
+    }
+    ForRows(region, clip, [&](int32_t y, int32_t x0, int32_t x1) {
+        const auto count = static_cast<size_t>(x1 - x0);
+        if (IsMasked(clip)) {
+            kernels.replaceSolid(words(x0, y), color, clip->Coverage(x0, y), count);
+        } else {
+            kernels.fill32(words(x0, y), color, count);
+        }
+    });
+}
+
+/// One pixel of a group, of which `share` (255: all) is replaced.
+void ClearGroupPixel(uint32_t& pixel, uint8_t& groupAlpha, uint8_t& groupShape, uint32_t backdrop, uint32_t color,
+                     uint32_t share) {
+    const uint32_t alpha = color >> 24;
+    const auto mix = [share](uint32_t from, uint32_t to) {
+        return share == 255 ? to : Scale(from, 256 - share) + Scale(to, share + 1);
+    };
+    uint32_t result = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const uint32_t over = ((color >> shift) & 255U) + Scale((backdrop >> shift) & 255U, 256 - alpha);
+        result |= std::min(mix((pixel >> shift) & 255U, over), 255U) << shift;
+    }
+    groupAlpha = static_cast<uint8_t>(mix(groupAlpha, alpha));
+    groupShape = static_cast<uint8_t>(mix(groupShape, 255));
+    // The plane's alpha is the union of the group's and the backdrop's, as drawing leaves it.
+    const uint32_t group = groupAlpha;
+    const uint32_t below = backdrop >> 24;
+    pixel = result | (group + below - (group * (below + 1) >> 8)) << 24;
+}
+
+void ClearGroup(const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip, uint32_t color) {
+    ForRows(region, clip, [&](int32_t y, int32_t x0, int32_t x1) {
+        uint32_t* pixels = WordsAt(planes.color, planes.colorStride, planes, x0, y);
+        const uint32_t* backdrop =
+            planes.backdrop == nullptr ? nullptr : WordsAt(planes.backdrop, planes.backdropStride, planes, x0, y);
+        const ptrdiff_t offset = (y - planes.origin.y) * planes.planeStride + (x0 - planes.origin.x);
+        for (int32_t i = 0; i < x1 - x0; ++i) {
+            ClearGroupPixel(pixels[i], planes.alpha[offset + i], planes.shape[offset + i],
+                            backdrop == nullptr ? 0 : backdrop[i], color,
+                            IsMasked(clip) ? *clip->Coverage(x0 + i, y) : 255);
+        }
+    });
+}
+
+} // namespace
+
+void ClearPlanes(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip,
+                 uint32_t color) {
+    if (planes.alpha == nullptr) {
+        ClearSurface(kernels, planes, region, clip, color);
+    } else {
+        ClearGroup(planes, region, clip, color);
+    }
+}
+
+} // namespace Graphics
