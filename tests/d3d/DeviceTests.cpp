@@ -362,6 +362,10 @@ TEST_F(HardwareTest, NothingIsLeftBehind) {
         GXLayerDesc layer{};
         target.BeginLayer(layer);
         FillRect(target, {3, 3, 30, 30}, {1, 0, 0, 0.5F});
+        target.SetBlendMode(GXBlendModeHue); // staging textures
+        FillRect(target, {3, 3, 30, 30}, {1, 1, 0, 0.5F});
+        target.EndLayer();
+        FillRect(target, {3, 3, 30, 30}, {1, 1, 0, 0.5F});
         target.EndPaint();
         EXPECT_GT(D3D11LiveCount<D3D11Texture>::Now(), textures);
         EXPECT_EQ(D3D11LiveCount<D3D11Device>::Now(), devices + 1);

@@ -86,12 +86,20 @@ std::shared_ptr<D3D11Context> HardwareTest::RefusingContext() {
     if (s_refusing == nullptr) {
         s_refusing = std::make_shared<D3D11Context>();
         s_refusing->Compiler().RefuseForTest([](const std::string&) { return true; });
+        s_refusing->DrawAllForTest(true);
     }
     return s_refusing;
 }
 
 std::vector<uint32_t> HardwareTest::OnHardware(int32_t width, int32_t height, const Drawing& draw) {
     return On(s_context, width, height, draw);
+}
+
+std::vector<uint32_t> HardwareTest::OnCardAlone(int32_t width, int32_t height, const Drawing& draw) {
+    s_context->DrawAllForTest(true);
+    const std::vector<uint32_t> pixels = On(s_context, width, height, draw);
+    s_context->DrawAllForTest(false);
+    return pixels;
 }
 
 std::vector<uint32_t> HardwareTest::ByFormulas(int32_t width, int32_t height, const Drawing& draw) {

@@ -78,7 +78,7 @@ TEST_F(HardwareTest, DrawsWithoutAShaderAreTheSameDraws) {
     const D3D11Counters& after = RefusingContext()->Device().Counters();
     EXPECT_GT(after.softwareDraws, before.softwareDraws + 20);
     EXPECT_LT(after.compilations - before.compilations, 60U) << "refused once, not asked again";
-    const Difference d = Compare(refused, OnHardware(kSide, kSide, draw), kSide);
+    const Difference d = Compare(refused, OnCardAlone(kSide, kSide, draw), kSide);
     // Where a nearest sample lies between two texels, or a centre on an edge, the last bits decide.
     EXPECT_LE(d.mean, 0.2) << d.largest << " at " << d.x << " " << d.y;
     EXPECT_LE(d.above16, 0.002) << d.largest << " at " << d.x << " " << d.y;
@@ -87,6 +87,7 @@ TEST_F(HardwareTest, DrawsWithoutAShaderAreTheSameDraws) {
 /// Only what is refused goes to the software; before and after it the card draws.
 TEST_F(HardwareTest, OneRefusedModeLeavesTheOthersOnTheCard) {
     auto context = std::make_shared<D3D11Context>();
+    context->DrawAllForTest(true);
     context->Compiler().RefuseForTest(
         [](const std::string& text) { return text.find("SetLum(SetSat(cs") != std::string::npos; });
     auto surface = std::make_unique<TextureSurface>(kSide, kSide);
@@ -105,7 +106,7 @@ TEST_F(HardwareTest, OneRefusedModeLeavesTheOthersOnTheCard) {
     target.EndPaint();
     EXPECT_EQ(context->Device().Counters().softwareDraws, 2U);
     EXPECT_EQ(context->Device().Counters().compilations, context->Shaders().Count());
-    EXPECT_LE(Compare(reader->Read(*context), OnHardware(kSide, kSide, draw), kSide).largest, 2);
+    EXPECT_LE(Compare(reader->Read(*context), OnCardAlone(kSide, kSide, draw), kSide).largest, 2);
 
     D3D11ShaderKey hue;
     static_cast<void>(hue.Add(D3D11Fragment::T2D));

@@ -90,7 +90,7 @@ TEST_F(HardwareTest, RectanglesAndEllipses) {
         FillRect(t, {0, 0, 4, 8}, SolidBrush({1, 0, 0, 1}));
     });
     EXPECT_EQ(pixels[0], 0xFFFF0000U);
-    EXPECT_EQ(pixels[7], 0xFF000000U) << "transparent black over the opaque surface";
+    EXPECT_EQ(pixels[7], 0xFF112233U) << "on the opaque surface alpha counts as 255";
 }
 
 TEST_F(HardwareTest, PathsStrokesAndClips) {

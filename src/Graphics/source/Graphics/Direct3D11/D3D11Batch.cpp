@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "D3D11SwFallbackSurface.h"
+#include "D3D11SoftwareDraw.h"
 
 namespace Graphics {
 namespace {
@@ -78,7 +78,7 @@ void D3D11Batch::Flush() {
     Prepare();
     CopyTouched();
     if (!compiled) {
-        D3D11SwFallbackSurface::Draw(m_device, m_state, m_mesh);
+        DrawRefused();
         return;
     }
     const uint32_t offset = FillVertexBuffer();
@@ -101,6 +101,15 @@ void D3D11Batch::Flush() {
         context.DrawIndexed(n * 6, 0, static_cast<INT>(done * D3D11Mesh::kQuadVertices));
         ++m_device.Counters().drawCalls;
     }
+}
+
+/// By the processor. Raises "Failed to compile shader" where a texture cannot be read.
+void D3D11Batch::DrawRefused() {
+    if (!D3D11SoftwareDraw::Can(m_state)) {
+        D3D11ShaderCompiler::RaiseRefused();
+    }
+    ++m_device.Counters().softwareDraws;
+    D3D11SoftwareDraw(m_device, m_state, m_mesh).Run();
 }
 
 /// The buffers and the state that all draws share.

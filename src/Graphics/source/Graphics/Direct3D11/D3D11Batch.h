@@ -53,6 +53,7 @@ public:
 
 private:
     [[nodiscard]] bool Joins(const D3D11DrawState& state, const IntRect& box) const noexcept;
+    void DrawRefused();
     void Prepare();
     void CopyTouched();
     void SetConstants();

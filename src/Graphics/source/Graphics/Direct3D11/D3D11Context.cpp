@@ -6,7 +6,7 @@
 namespace Graphics {
 
 D3D11Context::Resources::Resources(const D3D11ShaderCompiler& compiler)
-    : samplers(device), shaders(device, compiler), bitmaps(device), gradients(device), pool(device),
+    : samplers(device), shaders(device, compiler), bitmaps(device), gradients(device), pool(device), readback(device),
       batch(device, shaders, samplers) {
     // The shader of solid colours; a compiler that refuses it is found out here.
     D3D11ShaderKey key;

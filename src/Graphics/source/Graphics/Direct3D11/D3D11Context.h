@@ -8,6 +8,7 @@
 #include "D3D11Batch.h"
 #include "D3D11BitmapCache.h"
 #include "D3D11GradientCache.h"
+#include "D3D11Readback.h"
 #include "D3D11TexturePool.h"
 
 namespace Graphics {
@@ -26,8 +27,14 @@ public:
     [[nodiscard]] D3D11BitmapCache& Bitmaps() noexcept { return m_resources->bitmaps; }
     [[nodiscard]] D3D11GradientCache& Gradients() noexcept { return m_resources->gradients; }
     [[nodiscard]] D3D11TexturePool& Pool() noexcept { return m_resources->pool; }
+    [[nodiscard]] D3D11Readback& Readback() noexcept { return m_resources->readback; }
+    [[nodiscard]] const D3D11Readback& Readback() const noexcept { return m_resources->readback; }
     [[nodiscard]] D3D11Batch& Batch() noexcept { return m_resources->batch; }
     [[nodiscard]] D3D11ShaderCompiler& Compiler() noexcept { return m_compiler; }
+
+    /// The card draws also what looks different from the software's, for tests of the shaders.
+    [[nodiscard]] bool DrawsAll() const noexcept { return m_drawsAll; }
+    void DrawAllForTest(bool on) noexcept { m_drawsAll = on; }
 
     /// Grows with every new device.
     [[nodiscard]] uint32_t Generation() const noexcept { return m_generation; }
@@ -44,6 +51,7 @@ private:
         D3D11BitmapCache bitmaps;
         D3D11GradientCache gradients;
         D3D11TexturePool pool;
+        D3D11Readback readback;
         D3D11Batch batch;
     };
 
@@ -53,6 +61,7 @@ private:
     D3D11Ref<IDXGIFactory1> m_factory;
     std::unique_ptr<Resources> m_resources;
     uint32_t m_generation = 1;
+    bool m_drawsAll = false;
     D3D11LiveCount<D3D11Context> m_live;
 };
 

@@ -84,6 +84,8 @@ public:
     void Copy(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
         CopyPart(to, {part.left, part.top}, from, part);
     }
+    /// Copies `part` so that its upper left corner comes to `at`.
+    void CopyPart(const D3D11Texture& to, const IntPoint& at, const D3D11Texture& from, const IntRect& part) noexcept;
     /// Copies `part` to the upper left corner.
     void CopyToCorner(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
         CopyPart(to, {0, 0}, from, part);
@@ -99,7 +101,6 @@ public:
 private:
     void CreateDevice();
     void CreateBlendStates();
-    void CopyPart(const D3D11Texture& to, const IntPoint& at, const D3D11Texture& from, const IntRect& part) noexcept;
     [[nodiscard]] std::shared_ptr<D3D11Texture> CreateTexture(const D3D11_TEXTURE2D_DESC& desc,
                                                               const D3D11_SUBRESOURCE_DATA* data, const char* function);
 

@@ -4,6 +4,7 @@
 #include "../Bitmaps/Bitmap.h"
 #include "../Paint/Gradient.h"
 #include "../Pixels/PixelFormat.h"
+#include "../Scan/DeviceFigures.h"
 #include "../Software/SwBitmapColorSource.h"
 #include "../Software/SwGradientColorSource.h"
 #include "../Software/SwOpacity.h"
@@ -42,6 +43,24 @@ void D3D11Paint::SetWord(uint32_t premultiplied) noexcept {
     }
 }
 
+SwColorSource& D3D11PaintMaker::BrushSource(const Brush& brush, const Matrix& transform, const IntRect& box) {
+    return *SwColorSource::CreateFromBrush(m_arena, brush, ToRect(box), transform);
+}
+
+SwColorSource& D3D11PaintMaker::ImageSource(const D3D11Image& image) {
+    return *CreateBitmapSource(m_arena, image.view, image.derived, image.interpolation, image.extendX, image.extendY,
+                               image.opacity, image.toDevice, image.asMask);
+}
+
+SwColorSource& D3D11PaintMaker::Source(const D3D11Ink& ink, const IntRect& box) {
+    return ink.image != nullptr ? ImageSource(*ink.image) : BrushSource(*ink.brush, ink.transform, box);
+}
+
+D3D11Paint D3D11PaintMaker::From(D3D11Context& context, const D3D11Ink& ink, const IntRect& box) {
+    return ink.image != nullptr ? FromImage(context, *ink.image, box)
+                                : FromBrush(context, *ink.brush, ink.transform, box);
+}
+
 D3D11Paint D3D11PaintMaker::FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box) {
     D3D11Paint paint;
     uint32_t word = 0;
@@ -49,7 +68,7 @@ D3D11Paint D3D11PaintMaker::FromSource(D3D11Context& context, SwColorSource& sou
         paint.SetWord(word);
         return paint;
     }
-    D3D11SwFallbackSurface::Image image = m_fallback.Paint(context, source, box);
+    D3D11SoftwareTextures::Image image = m_textures.Paint(context, source, box);
     paint.texture = std::move(image.texture);
     paint.map = image.map;
     return paint;
@@ -112,18 +131,11 @@ D3D11Paint D3D11PaintMaker::FromBrush(D3D11Context& context, const Brush& brush,
 
 D3D11Paint D3D11PaintMaker::FromBrushInSoftware(D3D11Context& context, const Brush& brush, const Matrix& transform,
                                                 const IntRect& box) {
-    const Rect bounds{static_cast<float>(box.left), static_cast<float>(box.top), static_cast<float>(box.right),
-                      static_cast<float>(box.bottom)};
-    return FromSource(context, *SwColorSource::CreateFromBrush(m_arena, brush, bounds, transform), box);
+    return FromSource(context, BrushSource(brush, transform, box), box);
 }
 
 D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const D3D11Image& image, const IntRect& box) {
-    const auto inSoftware = [&] {
-        return FromSource(context,
-                          *CreateBitmapSource(m_arena, image.view, image.derived, image.interpolation, image.extendX,
-                                              image.extendY, image.opacity, image.toDevice, image.asMask),
-                          box);
-    };
+    const auto inSoftware = [&] { return FromSource(context, ImageSource(image), box); };
     PixelView view = image.view;
     Matrix inverse;
     if (!IsValidFormat(view.format) || view.data == nullptr || view.width <= 0 || view.height <= 0 ||

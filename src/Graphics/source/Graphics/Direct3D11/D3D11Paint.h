@@ -5,7 +5,7 @@
 
 #include "../Arena.h"
 #include "../Paint/Brush.h"
-#include "D3D11SwFallbackSurface.h"
+#include "D3D11SoftwareTextures.h"
 
 namespace Graphics {
 
@@ -30,26 +30,39 @@ struct D3D11Image {
     bool asMask = false;
 };
 
+/// What a drawing call draws with, before it is known whether the card or the software does: a brush or an image.
+struct D3D11Ink {
+    const Brush* brush = nullptr;
+    Matrix transform = kIdentity; ///< the brush's
+    const D3D11Image* image = nullptr;
+};
+
 class D3D11PaintMaker {
 public:
     explicit D3D11PaintMaker(Arena& arena) noexcept : m_arena(arena) {}
 
-    /// `box`: the device pixels that will be asked for.
+    /// For the card; `box`: the device pixels that will be asked for.
+    [[nodiscard]] D3D11Paint From(D3D11Context& context, const D3D11Ink& ink, const IntRect& box);
+    /// For the software's pipeline, in the arena.
+    [[nodiscard]] SwColorSource& Source(const D3D11Ink& ink, const IntRect& box);
+
     [[nodiscard]] D3D11Paint FromBrush(D3D11Context& context, const Brush& brush, const Matrix& transform,
                                        const IntRect& box);
     /// The same with every factor already in the texture: what a rule may be applied to that makes values of colours.
     [[nodiscard]] D3D11Paint FromBrushInSoftware(D3D11Context& context, const Brush& brush, const Matrix& transform,
                                                  const IntRect& box);
     [[nodiscard]] D3D11Paint FromImage(D3D11Context& context, const D3D11Image& image, const IntRect& box);
-    [[nodiscard]] D3D11Paint FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box);
-    [[nodiscard]] D3D11SwFallbackSurface& Fallback() noexcept { return m_fallback; }
+    [[nodiscard]] D3D11SoftwareTextures& Textures() noexcept { return m_textures; }
 
 private:
+    [[nodiscard]] SwColorSource& BrushSource(const Brush& brush, const Matrix& transform, const IntRect& box);
+    [[nodiscard]] SwColorSource& ImageSource(const D3D11Image& image);
+    [[nodiscard]] D3D11Paint FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box);
     [[nodiscard]] bool FromLinear(D3D11Context& context, const GradientBrush& brush, const Matrix& transform,
                                   D3D11Paint& paint);
 
     Arena& m_arena;
-    D3D11SwFallbackSurface m_fallback;
+    D3D11SoftwareTextures m_textures;
 };
 
 } // namespace Graphics

@@ -3,6 +3,10 @@
 
 #include <algorithm>
 
+#include "../Software/SwClear.h"
+#include "../Software/SwOpacity.h"
+#include "../Software/SwPlaneColorSource.h"
+
 namespace Graphics {
 namespace {
 
@@ -18,6 +22,15 @@ constexpr D3D11Fragment kShapeMasks[] = {D3D11Fragment::BSAlpha, D3D11Fragment::
     const bool inverse = type == GXMaskTypeInverseAlpha || type == GXMaskTypeInverseLuminosity;
     const float v = luminosity ? (77.0F * c[0] + 151.0F * c[1] + 28.0F * c[2]) / 256.0F : c[3];
     return inverse ? 1.0F - v : v;
+}
+
+[[nodiscard]] bool IsOpaque(SwColorSource& source) noexcept {
+    uint32_t word = 0;
+    return source.IsSolid(word) ? word >> 24 == 255 : source.IsOpaque();
+}
+
+[[nodiscard]] auto Whole(const IntRect& r) noexcept {
+    return [r](RasterizationSink& sink) { sink.Rectangle(r.left, r.top, r.right, r.bottom); };
 }
 
 [[nodiscard]] bool IsWhite(const float (&c)[4]) noexcept {
@@ -62,7 +75,7 @@ void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D
     }
 }
 
-void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SwFallbackSurface::Image& image) const {
+void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SoftwareTextures::Image& image) const {
     static_cast<void>(state.key.Add(D3D11Fragment::BSAlpha));
     state.vertexConstants.AddTransform(image.map);
     state.AddInput(image.texture, {});
@@ -82,7 +95,7 @@ void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
         if (m_clipImages.size() >= kKept) {
             m_clipImages.erase(m_clipImages.begin());
         }
-        m_clipImages.push_back({clip, m_maker.Fallback().Coverage(call.context, *clip.get())});
+        m_clipImages.push_back({clip, m_maker.Textures().Coverage(call.context, *clip.get())});
     }
     AddCoverage(state, m_clipImages.back().image);
 }
@@ -105,7 +118,7 @@ void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const 
     call.target.Describe(call.context, call.target.State().blendMode, box, state);
     AddPaint(call, paint, extra, state);
     if (covered->HasMask()) {
-        AddCoverage(state, m_maker.Fallback().Coverage(call.context, *covered.get()));
+        AddCoverage(state, m_maker.Textures().Coverage(call.context, *covered.get()));
     }
     D3D11MeshSink(Begin(call, paint, std::move(state), box), box).Rectangle(box.left, box.top, box.right, box.bottom);
 }
@@ -124,9 +137,90 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
     D3D11MeshSink(Begin(call, paint, std::move(state), r), r).Rectangle(r.left, r.top, r.right, r.bottom);
 }
 
-void D3D11Painter::Clear(const Call& call, const float (&color)[4]) {
+bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source) {
+    const SwState& state = call.target.State();
+    const D3D11SubTarget::Way way = call.target.WayOf(call.context, state.blendMode, call.visible);
+    if (way != D3D11SubTarget::Way::CardIfOpaque || state.opacityMask.IsSet()) {
+        return way != D3D11SubTarget::Way::Card;
+    }
+    source = &m_maker.Source(ink, call.visible);
+    return !IsOpaque(*source);
+}
+
+void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask) {
+    const IntRect& r = call.visible;
+    Draw(call, ink, mask, Whole(r));
+    const SwState& state = call.target.State();
+    // Gradients are seldom opaque and costly to ask.
+    if (call.target.IsLayer() && mask == nullptr && (ink.image != nullptr || ink.brush->Kind() != kBrushGradient) &&
+        !state.shapeMask.IsSet() && !state.opacityMask.IsSet() && !(state.clip && state.clip->HasMask()) &&
+        IsOpaque(m_maker.Source(ink, r))) {
+        call.target.NoteOpaque(r, true);
+    }
+}
+
+void D3D11Painter::DrawGroup(const Call& call, D3D11SubTarget& group) {
+    const uint32_t mode = call.target.State().blendMode;
+    if (call.target.WayOf(call.context, mode, call.visible) == D3D11SubTarget::Way::Card) {
+        DrawGroupOnCard(call, group);
+    } else {
+        DrawGroupInSoftware(call, group);
+    }
+}
+
+void D3D11Painter::DrawGroupOnCard(const Call& call, D3D11SubTarget& group) {
+    group.SendToCard(call.context);
+    D3D11Paint paint;
+    const float opacity = static_cast<float>(OpacityFactor(std::clamp(group.Opacity(), 0.0F, 1.0F))) * (1.0F / 256.0F);
+    std::fill_n(paint.color, 4, opacity);
+    D3D11ShapeMask shape;
+    if (group.IsShaped()) {
+        paint.texture = group.MakeResult(call.context);
+        shape.paint.texture = group.Shape();
+        shape.paint.map = group.PlaneMap(*group.Shape());
+        // Red, green and blue are the shape, and their luminosity is it again.
+        shape.type = GXMaskTypeLuminosity;
+    } else {
+        paint.texture = group.Color();
+    }
+    paint.map = group.PlaneMap(*paint.texture);
+    DrawOnCard(call, paint, group.IsShaped() ? &shape : nullptr, Whole(call.visible));
+}
+
+void D3D11Painter::DrawGroupInSoftware(const Call& call, D3D11SubTarget& group) {
+    const SwTargetPlanes result = group.MakeResultInSoftware(call.context, call.visible);
+    SwMaskInput shape;
+    shape.plane = result.shape;
+    shape.planeStride = result.planeStride;
+    shape.planeOrigin = result.origin;
+    SwPlaneColorSource source(result, group.Opacity());
+    DrawInSoftware(call, source, group.IsShaped() ? &shape : nullptr, Whole(call.visible));
+}
+
+D3D11Mesh& D3D11Painter::BeginInversion(const Call& call) {
+    call.target.BeginOnCard(call.context, call.visible);
+    D3D11DrawState state;
+    call.target.DescribePlane(call.target.Color(), D3D11Blend::Invert, state);
+    return Begin(call, D3D11Paint(), std::move(state), call.visible);
+}
+
+void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     D3D11SubTarget& target = call.target;
-    target.Touch(call.visible);
+    const SwClip* clip = target.State().clip.get();
+    if (target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
+        ClearPlanes(ActiveKernels(), target.BeginInSoftware(call.context, call.visible), call.visible, clip,
+                    premultiplied);
+    } else {
+        D3D11Paint paint;
+        paint.SetWord(premultiplied);
+        ClearOnCard(call, paint.color);
+    }
+    target.NoteOpaque(call.visible, premultiplied >> 24 == 255 && !(clip != nullptr && clip->HasMask()));
+}
+
+void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
+    D3D11SubTarget& target = call.target;
+    target.BeginOnCard(call.context, call.visible);
     D3D11Paint paint;
     const SwClipRef& clip = target.State().clip;
     const bool masked = clip && clip->HasMask();

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Assembles one draw: paint, masks, clip and coverage become fragments, constants and textures in the order that the
-// shaders have, and the geometry becomes quadrilaterals of the batch.
+// Assembles one draw. For the card: paint, masks, clip and coverage become fragments, constants and textures in the
+// order that the shaders have, and the geometry becomes quadrilaterals of the batch. Where the card's formulas look
+// different from the software's, the software's pipeline draws, into the planes of the target's fallback surface.
 #pragma once
 
 #include "../Arena.h"
+#include "../Software/SwAssembly.h"
 #include "../Software/SwClipMaker.h"
+#include "../Software/SwInverter.h"
 #include "D3D11Paint.h"
 #include "D3D11SubTarget.h"
+#include "Mesh/D3D11MeshInverter.h"
 
 namespace Graphics {
 
@@ -18,9 +22,7 @@ struct D3D11ShapeMask {
 
 class D3D11Painter {
 public:
-    explicit D3D11Painter(Arena& arena) noexcept : m_maker(arena) {}
-
-    [[nodiscard]] D3D11PaintMaker& Maker() noexcept { return m_maker; }
+    explicit D3D11Painter(Arena& arena) noexcept : m_arena(arena), m_maker(arena) {}
 
     /// What a draw needs besides its geometry.
     struct Call {
@@ -31,16 +33,74 @@ public:
         IntRect limit;   ///< what bounds and clip leave of the target
     };
 
-    /// `cover(sink)` sends the coverage inside `call.visible`. `extra` may be null.
+    /// `cover(sink)` sends the coverage inside `call.visible`. `mask`: the call's own shape mask, or null.
+    template <class Cover> void Draw(const Call& call, const D3D11Ink& ink, const D3D11Image* mask, Cover&& cover) {
+        SwColorSource* source = nullptr;
+        if (IsForSoftware(call, ink, source)) {
+            SwMaskInput input;
+            if (mask != nullptr) {
+                input.source = &m_maker.Source({nullptr, kIdentity, mask}, call.visible);
+                input.type = GXMaskTypeAlpha;
+            }
+            source = source != nullptr ? source : &m_maker.Source(ink, call.visible);
+            DrawInSoftware(call, *source, mask != nullptr ? &input : nullptr, cover);
+            return;
+        }
+        D3D11ShapeMask shape;
+        if (mask != nullptr) {
+            shape.paint = m_maker.FromImage(call.context, *mask, call.visible);
+        }
+        DrawOnCard(call, m_maker.From(call.context, ink, call.visible), mask != nullptr ? &shape : nullptr, cover);
+    }
+    /// The whole of `call.visible`.
+    void DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask);
+    /// A group that was drawn, into what it was opened in.
+    void DrawGroup(const Call& call, D3D11SubTarget& group);
+
+    /// Replaces the plane's pixels in `visible` by the premultiplied colour, as far as the clip leaves them.
+    void Clear(const Call& call, uint32_t premultiplied);
+    /// Inverts what `send(inverter)` covers.
+    template <class Send> void Invert(const Call& call, Send&& send) {
+        if (call.target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
+            const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
+            SwInverter inverter(planes, call.visible, call.target.State().clip.get());
+            send(inverter);
+            return;
+        }
+        D3D11MeshInverter inverter(BeginInversion(call), call.visible, call.target.State().clip.get());
+        send(inverter);
+    }
+
+    /// Textures of clips belong to a device and to the clips of one paint bracket.
+    void Forget() noexcept { m_clipImages.clear(); }
+
+private:
+    struct ClipImage {
+        SwClipRef clip;
+        D3D11SoftwareTextures::Image image;
+    };
+
+    /// Whether the software draws. Where that depends on the source, it is given out for further use.
+    [[nodiscard]] bool IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source);
+
     template <class Cover>
-    void Draw(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, Cover&& cover) {
+    void DrawInSoftware(const Call& call, SwColorSource& source, const SwMaskInput* mask, Cover&& cover) {
+        const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
+        SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, call.visible);
+        AssemblePipeLine(pipeLine, m_arena, call.target.State(), call.visible, mask);
+        pipeLine.SetColorSource(source);
+        cover(pipeLine);
+    }
+
+    /// `extra` may be null.
+    template <class Cover>
+    void DrawOnCard(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, Cover&& cover) {
         if (!call.target.CoverageIsShape()) {
             D3D11DrawState state;
             call.target.Describe(call.context, call.target.State().blendMode, call.visible, state);
             AddPaint(call, paint, extra, state);
             AddClip(call, state);
-            D3D11Mesh& mesh = Begin(call, paint, std::move(state), call.visible);
-            D3D11MeshSink sink(mesh, call.visible);
+            D3D11MeshSink sink(Begin(call, paint, std::move(state), call.visible), call.visible);
             cover(sink);
             return;
         }
@@ -49,28 +109,22 @@ public:
         DrawCovered(call, paint, extra, builder.Finish());
     }
 
-    /// Replaces the plane's pixels in `visible` by the premultiplied colour, as far as the clip leaves them.
-    void Clear(const Call& call, const float (&color)[4]);
-
-    /// Textures of clips belong to a device and to the clips of one paint bracket.
-    void Forget() noexcept { m_clipImages.clear(); }
-
-private:
-    struct ClipImage {
-        SwClipRef clip;
-        D3D11SwFallbackSurface::Image image;
-    };
-
+    void DrawGroupOnCard(const Call& call, D3D11SubTarget& group);
+    void DrawGroupInSoftware(const Call& call, D3D11SubTarget& group);
+    void ClearOnCard(const Call& call, const float (&color)[4]);
+    [[nodiscard]] D3D11Mesh& BeginInversion(const Call& call);
     void AddPaint(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, D3D11DrawState& state);
     void AddMask(D3D11DrawState& state, const D3D11Paint& paint, uint32_t type, bool ofShape) const;
     void AddClip(const Call& call, D3D11DrawState& state);
-    void AddCoverage(D3D11DrawState& state, const D3D11SwFallbackSurface::Image& image) const;
+    void AddCoverage(D3D11DrawState& state, const D3D11SoftwareTextures::Image& image) const;
     [[nodiscard]] D3D11Mesh& Begin(const Call& call, const D3D11Paint& paint, D3D11DrawState&& state,
                                    const IntRect& box) const;
     void DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, const SwClipRef& covered);
     void ClearPlane(const Call& call, const std::shared_ptr<D3D11Texture>& plane, D3D11Blend blend,
                     const D3D11Paint& paint);
 
+    Arena& m_arena;
+    SwRowBuffers m_buffers;
     D3D11PaintMaker m_maker;
     std::vector<ClipImage> m_clipImages; // least recently used first
 };

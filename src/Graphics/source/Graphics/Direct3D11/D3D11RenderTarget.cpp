@@ -12,33 +12,9 @@
 #include "../Geometry/DeviceFeed.h"
 #include "../Paint/Gradient.h"
 #include "../Scan/DeviceFigures.h"
-#include "../Software/SwInverter.h"
-#include "../Software/SwOpacity.h"
 #include "../Software/SwPixelMath.h"
 
 namespace Graphics {
-namespace {
-
-/// Sends the pixels to be inverted as quadrilaterals.
-class MeshInverter final : public PixelInverter {
-public:
-    MeshInverter(D3D11Mesh& mesh, const IntRect& bounds, const SwClip* clip) noexcept
-        : PixelInverter(bounds, clip), m_mesh(mesh) {}
-
-private:
-    void Invert(int32_t y, int32_t x0, int32_t x1) override {
-        m_mesh.AddRectangle(static_cast<float>(x0), static_cast<float>(y), static_cast<float>(x1),
-                            static_cast<float>(y + 1), 1.0F);
-    }
-
-    D3D11Mesh& m_mesh;
-};
-
-const auto kWholeBox = [](const IntRect& r) {
-    return [r](RasterizationSink& sink) { sink.Rectangle(r.left, r.top, r.right, r.bottom); };
-};
-
-} // namespace
 
 D3D11RenderTarget::D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface)
     : m_context(std::move(context)), m_surface(std::move(surface)), m_painter(m_arena) {}
@@ -73,11 +49,9 @@ void D3D11RenderTarget::FollowDevice() {
     if (color != nullptr) {
         m_area = Intersect(m_area, {0, 0, color->Width(), color->Height()});
     }
-    m_basic.Restore(*m_context, std::move(color), nullptr);
-    D3D11SubTarget* parent = &m_basic;
+    m_basic.Restore(std::move(color));
     for (const auto& layer : m_layers) {
-        layer->Restore(*m_context, nullptr, parent);
-        parent = layer.get();
+        layer->Restore(nullptr);
     }
     m_generation = m_context->Generation();
     m_incomplete = true;
@@ -89,6 +63,7 @@ void D3D11RenderTarget::BeginPaint() {
         std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
         m_area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
         m_basic.Open(std::move(color), m_area, Cached());
+        m_context->Readback().StartPainting();
         m_generation = m_context->Generation();
     });
     StartPainting();
@@ -108,17 +83,11 @@ void D3D11RenderTarget::EndPaint() {
             target.m_incomplete = false;
         }
     } finally{*this};
-    // A layer that cannot be closed is lost; those around it, and the bracket, are closed all the same.
     std::exception_ptr failure;
     Run(false, [&] {
-        while (!m_layers.empty()) {
-            try {
-                CloseLayer();
-            } catch (const Exception&) {
-                failure = failure == nullptr ? std::current_exception() : failure;
-            }
-        }
+        failure = CloseLayers();
         m_context->Batch().Flush();
+        m_basic.SendToCard(*m_context);
         m_surface->EndPaint(*m_context);
     });
     if (m_incomplete && !m_asked) {
@@ -136,21 +105,20 @@ IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
     if (target.State().clip) {
         visible = Intersect(visible, target.State().clip->Box());
     }
-    return target.Color() != nullptr ? visible : IntRect{0, 0, 0, 0};
+    return target.CanBeDrawnInto() ? visible : IntRect{0, 0, 0, 0};
 }
 
 D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible) noexcept {
     return {*m_context, Current(), m_clips.Pool(), visible, Visible(m_area)};
 }
 
-template <class MakePaint>
-void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11ShapeMask* extra, MakePaint&& makePaint) {
+void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask) {
     CheckMasks();
     IntRect pixels;
     if (snap && path.figure != nullptr && SnapFigure(m_rasterizer, *path.figure, State().transform, m_area, pixels)) {
         const IntRect visible = Visible(pixels);
         if (!IsEmpty(visible)) {
-            m_painter.Draw(CallFor(visible), makePaint(visible), extra, kWholeBox(visible));
+            m_painter.DrawAll(CallFor(visible), ink, mask);
         }
         return;
     }
@@ -163,7 +131,7 @@ void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Shap
     if (IsEmpty(visible)) {
         return;
     }
-    m_painter.Draw(CallFor(visible), makePaint(visible), extra, [&](RasterizationSink& sink) {
+    m_painter.Draw(CallFor(visible), ink, mask, [&](RasterizationSink& sink) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
         FeedFill(shape, transform, m_rasterizer);
         m_rasterizer.Finish(sink);
@@ -194,8 +162,7 @@ bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
         return true;
     }
     const auto width = static_cast<size_t>(visible.right - visible.left);
-    const D3D11Paint paint = m_painter.Maker().FromBrush(*m_context, brush, m, visible);
-    m_painter.Draw(CallFor(visible), paint, nullptr, [&](RasterizationSink& sink) {
+    m_painter.Draw(CallFor(visible), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
         auto* row = m_arena.AllocArray<uint8_t>(width); // a sink may change what it is given
         for (int32_t line = visible.top; line < visible.bottom; ++line) {
             std::memcpy(row,
@@ -213,9 +180,7 @@ void D3D11RenderTarget::Fill(const PathRef& path, const Brush& brush, bool text)
         if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
             return;
         }
-        FillPath(path, State().strokeAdjustment && !text, nullptr, [&](const IntRect& visible) {
-            return m_painter.Maker().FromBrush(*m_context, brush, State().transform, visible);
-        });
+        FillPath(path, State().strokeAdjustment && !text, InkOf(brush), nullptr);
     });
 }
 
@@ -228,8 +193,7 @@ void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float wi
         if (shape.Empty() || IsEmpty(visible)) {
             return;
         }
-        const D3D11Paint paint = m_painter.Maker().FromBrush(*m_context, brush, state.transform, visible);
-        m_painter.Draw(CallFor(visible), paint, nullptr, [&](RasterizationSink& sink) {
+        m_painter.Draw(CallFor(visible), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
             m_rasterizer.Begin(ToRect(m_area), visible, state.strokeAdjustment);
             FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible),
                        m_rasterizer);
@@ -261,8 +225,7 @@ void D3D11RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, 
         image.opacity = opacity;
         image.toDevice = Concat(PlaceImage(part, source, destination), State().transform);
         const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath({nullptr, &figure}, State().strokeAdjustment, nullptr,
-                 [&](const IntRect& visible) { return m_painter.Maker().FromImage(*m_context, image, visible); });
+        FillPath({nullptr, &figure}, State().strokeAdjustment, {nullptr, kIdentity, &image}, nullptr);
     });
 }
 
@@ -277,11 +240,7 @@ void D3D11RenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const R
         image.toDevice = Concat(PlaceImage(whole, whole, destination), State().transform);
         image.asMask = true;
         const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        D3D11ShapeMask shape;
-        FillPath({nullptr, &figure}, State().strokeAdjustment, &shape, [&](const IntRect& visible) {
-            shape.paint = m_painter.Maker().FromImage(*m_context, image, visible);
-            return m_painter.Maker().FromBrush(*m_context, brush, State().transform, visible);
-        });
+        FillPath({nullptr, &figure}, State().strokeAdjustment, InkOf(brush), &image);
     });
 }
 
@@ -293,8 +252,7 @@ void D3D11RenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, f
         CheckMasks();
         const IntRect visible = Visible(m_area);
         if (!IsEmpty(visible)) {
-            m_painter.Draw(CallFor(visible), m_painter.Maker().FromBrush(*m_context, brush, State().transform, visible),
-                           nullptr, kWholeBox(visible));
+            m_painter.DrawAll(CallFor(visible), InkOf(brush), nullptr);
         }
     });
 }
@@ -303,9 +261,7 @@ void D3D11RenderTarget::Clear(uint32_t argb) {
     Run(true, [&] {
         const IntRect visible = Visible(m_area);
         if (!IsEmpty(visible)) {
-            D3D11Paint paint;
-            paint.SetWord(PremultiplyPixel(argb) | (Current().IsLayer() ? 0U : 0xFF000000U));
-            m_painter.Clear(CallFor(visible), paint.color);
+            m_painter.Clear(CallFor(visible), PremultiplyPixel(Current().IsLayer() ? argb : argb | 0xFF000000U));
         }
     });
 }
@@ -332,39 +288,9 @@ void D3D11RenderTarget::CloseLayer() {
     m_layers.pop_back();
     CheckMasks();
     const IntRect visible = Visible(layer->Touched());
-    if (layer->Color() == nullptr || IsEmpty(visible)) {
-        return;
+    if (!IsEmpty(visible)) {
+        m_painter.DrawGroup(CallFor(visible), *layer);
     }
-    D3D11Paint paint;
-    const float opacity = static_cast<float>(OpacityFactor(std::clamp(layer->Opacity(), 0.0F, 1.0F))) * (1.0F / 256.0F);
-    std::fill_n(paint.color, 4, opacity);
-    D3D11ShapeMask shape;
-    if (layer->Shape() != nullptr) {
-        paint.texture = layer->MakeResult(*m_context);
-        shape.paint.texture = layer->Shape();
-        shape.paint.map = layer->PlaneMap(*layer->Shape());
-        // Red, green and blue are the shape, and their luminosity is it again.
-        shape.type = GXMaskTypeLuminosity;
-    } else {
-        paint.texture = layer->Color();
-    }
-    paint.map = layer->PlaneMap(*paint.texture);
-    m_painter.Draw(CallFor(visible), paint, layer->Shape() != nullptr ? &shape : nullptr, kWholeBox(visible));
-}
-
-template <class Send> void D3D11RenderTarget::Invert(const IntRect& visible, Send&& send) {
-    if (IsEmpty(visible)) {
-        return;
-    }
-    D3D11SubTarget& target = Current();
-    target.Touch(visible);
-    D3D11DrawState state;
-    target.DescribePlane(target.Color(), D3D11Blend::Invert, state);
-    state.scissor = Visible(m_area);
-    D3D11Mesh& mesh = m_context->Batch().Begin(std::move(state), visible);
-    mesh.SetColor(D3D11Paint().color);
-    MeshInverter inverter(mesh, visible, target.State().clip.get());
-    send(inverter);
 }
 
 void D3D11RenderTarget::InvertRect(const Rect& rect) {
@@ -373,7 +299,10 @@ void D3D11RenderTarget::InvertRect(const Rect& rect) {
         const Shape& shape = Resolve({nullptr, &figure});
         const Matrix transform = State().transform;
         const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
-        Invert(visible, [&](MeshInverter& inverter) {
+        if (IsEmpty(visible)) {
+            return;
+        }
+        m_painter.Invert(CallFor(visible), [&](PixelInverter& inverter) {
             m_rasterizer.Begin(ToRect(m_area), visible, true);
             FeedFill(shape, transform, m_rasterizer);
             m_rasterizer.Finish(inverter);
@@ -383,9 +312,12 @@ void D3D11RenderTarget::InvertRect(const Rect& rect) {
 
 void D3D11RenderTarget::InvertLine(const Point& from, const Point& to) {
     Run(true, [&] {
-        const Matrix transform = State().transform;
-        Invert(Visible(m_area),
-               [&](MeshInverter& inverter) { inverter.Line(Map(transform, from), Map(transform, to)); });
+        const IntRect visible = Visible(m_area);
+        if (!IsEmpty(visible)) {
+            const Matrix transform = State().transform;
+            m_painter.Invert(CallFor(visible),
+                             [&](PixelInverter& inverter) { inverter.Line(Map(transform, from), Map(transform, to)); });
+        }
     });
 }
 

@@ -51,12 +51,13 @@ private:
 
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
     [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible) noexcept;
-    template <class MakePaint>
-    void FillPath(const PathRef& path, bool snap, const D3D11ShapeMask* extra, MakePaint&& makePaint);
+    [[nodiscard]] D3D11Ink InkOf(const Brush& brush) noexcept { return {&brush, State().transform, nullptr}; }
+    /// `mask`: the call's own shape mask, or null.
+    void FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask);
     /// The fill of a glyph by the coverage that the software keeps. False when it has to be drawn as any other path.
     [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
-    template <class Send> void Invert(const IntRect& visible, Send&& send);
-    void CloseLayer();
+    [[nodiscard]] bool HasLayers() const noexcept override { return !m_layers.empty(); }
+    void CloseLayer() override;
 
     std::shared_ptr<D3D11Context> m_context;
     std::unique_ptr<D3D11Surface> m_surface;

@@ -5,40 +5,10 @@
 #include <cmath>
 #include <cstring>
 
+#include "D3D11Half.h"
+
 namespace Graphics {
 namespace {
-
-[[nodiscard]] float FromHalf(uint16_t half) noexcept {
-    const auto magnitude = static_cast<uint32_t>(half & 0x7FFFU);
-    const uint32_t exponent = magnitude >> 10;
-    float value;
-    if (exponent == 0) {
-        value = static_cast<float>(magnitude) * (1.0F / 16777216.0F);
-    } else {
-        const uint32_t bits = exponent == 31 ? 0x7F800000U | magnitude << 13 : (magnitude << 13) + 0x38000000U;
-        std::memcpy(&value, &bits, sizeof(value));
-    }
-    return (half & 0x8000U) != 0 ? -value : value;
-}
-
-/// Towards zero, as Direct3D does.
-[[nodiscard]] uint16_t ToHalf(float value) noexcept {
-    uint32_t bits;
-    std::memcpy(&bits, &value, sizeof(bits));
-    const auto sign = static_cast<uint16_t>(bits >> 16 & 0x8000U);
-    bits &= 0x7FFFFFFFU;
-    if (bits >= 0x47800000U) { // 65536 and more, infinity, NaN
-        return static_cast<uint16_t>(sign | (bits > 0x7F800000U ? 0x7E00U : 0x7C00U));
-    }
-    if (bits < 0x38800000U) { // a multiple of 2^-24
-        return static_cast<uint16_t>(sign | static_cast<uint32_t>(std::fabs(value) * 16777216.0F));
-    }
-    return static_cast<uint16_t>(sign | (bits - 0x38000000U) >> 13);
-}
-
-[[nodiscard]] uint8_t ToByte(float v) noexcept {
-    return v > 0.0F ? static_cast<uint8_t>(std::min(v, 1.0F) * 255.0F + 0.5F) : uint8_t{0}; // NaN is 0
-}
 
 /// The texel that stands for `i` beyond the ends.
 [[nodiscard]] int32_t Addressed(float position, int32_t size, uint8_t extend) noexcept {
@@ -93,7 +63,7 @@ D3D11SoftwarePlane::Float4 D3D11SoftwarePlane::At(int32_t x, int32_t y) const no
     if (m_pixelBytes == 8) {
         uint16_t h[4];
         std::memcpy(h, p, sizeof(h));
-        return {FromHalf(h[0]), FromHalf(h[1]), FromHalf(h[2]), FromHalf(h[3])};
+        return {D3D11Half::ToFloat(h[0]), D3D11Half::ToFloat(h[1]), D3D11Half::ToFloat(h[2]), D3D11Half::ToFloat(h[3])};
     }
     const auto unit = [&](size_t i) { return static_cast<float>(p[i]) * (1.0F / 255.0F); };
     if (m_pixelBytes == 1) {
@@ -105,13 +75,15 @@ D3D11SoftwarePlane::Float4 D3D11SoftwarePlane::At(int32_t x, int32_t y) const no
 void D3D11SoftwarePlane::Set(int32_t x, int32_t y, const Float4& value) noexcept {
     uint8_t* p = m_bytes.data() + Offset(x, y);
     if (m_pixelBytes == 8) {
-        const uint16_t h[4] = {ToHalf(value.r), ToHalf(value.g), ToHalf(value.b), ToHalf(value.a)};
+        const uint16_t h[4] = {D3D11Half::FromFloat(value.r), D3D11Half::FromFloat(value.g),
+                               D3D11Half::FromFloat(value.b), D3D11Half::FromFloat(value.a)};
         std::memcpy(p, h, sizeof(h));
     } else if (m_pixelBytes == 4) {
-        const uint8_t bytes[4] = {ToByte(value.b), ToByte(value.g), ToByte(value.r), ToByte(value.a)};
+        const uint8_t bytes[4] = {D3D11Half::FloatToLevel(value.b), D3D11Half::FloatToLevel(value.g),
+                                  D3D11Half::FloatToLevel(value.r), D3D11Half::FloatToLevel(value.a)};
         std::memcpy(p, bytes, sizeof(bytes));
     } else {
-        *p = ToByte(value.a);
+        *p = D3D11Half::FloatToLevel(value.a);
     }
 }
 

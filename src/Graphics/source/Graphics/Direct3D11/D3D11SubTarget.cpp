@@ -4,16 +4,23 @@
 #include <algorithm>
 
 #include "../Exception.h"
+#include "Shaders/D3D11CardModes.h"
 
 namespace Graphics {
 namespace {
 
 constexpr DXGI_FORMAT kPlaneFormat = DXGI_FORMAT_R16G16B16A16_FLOAT;
-/// The smallest normal half float: opaque black divided by it is still black, and it never reaches eight bits.
-constexpr float kAlmostNothing = 1.0F / 16384.0F;
-constexpr float kTransparent[4] = {0.0F, 0.0F, 0.0F, kAlmostNothing};
+constexpr float kTransparent[4] = {0.0F, 0.0F, 0.0F, 1.0F / 16384.0F}; // D3D11Half::kAlmostNothing
 constexpr float kNoShape[4] = {0.0F, 0.0F, 0.0F, 0.0F};
 constexpr float kWhite[4] = {1.0F, 1.0F, 1.0F, 1.0F};
+
+[[nodiscard]] bool IsInside(const IntRect& r, const IntRect& outer) noexcept {
+    return r.left >= outer.left && r.top >= outer.top && r.right <= outer.right && r.bottom <= outer.bottom;
+}
+
+[[nodiscard]] int64_t Area(const IntRect& r) noexcept {
+    return IsEmpty(r) ? 0 : (int64_t{r.right} - r.left) * (int64_t{r.bottom} - r.top);
+}
 
 void AddRectangle(D3D11Mesh& mesh, const IntRect& r) {
     mesh.SetColor(kWhite);
@@ -29,15 +36,19 @@ void D3D11SubTarget::Open(std::shared_ptr<D3D11Texture> color, const IntRect& bo
     m_states.clear();
     m_states.push_back(state);
     m_isLayer = false;
+    OpenFallback();
 }
 
-void D3D11SubTarget::OpenLayer(D3D11Context& context, D3D11SubTarget& parent, const IntRect& bounds,
+void D3D11SubTarget::OpenLayer(const D3D11Context& context, D3D11SubTarget& parent, const IntRect& bounds,
                                const GXLayerDesc& desc) {
+    m_parent = &parent;
     m_isLayer = true;
     m_isolated = desc.isolated != 0;
     m_knockout = desc.knockout != 0;
     m_exact = m_knockout || parent.m_exact;
-    m_shaped = m_exact || !m_isolated;
+    // Nothing is drawn into the parent meanwhile.
+    m_inSoftware = parent.m_inSoftware || parent.WayOf(context, parent.State().blendMode, bounds) != Way::Card;
+    m_shaped = m_exact || !m_isolated || m_inSoftware;
     m_opacity = desc.opacity;
     m_bounds = bounds;
     SwState state;
@@ -45,25 +56,30 @@ void D3D11SubTarget::OpenLayer(D3D11Context& context, D3D11SubTarget& parent, co
     state.strokeAdjustment = parent.State().strokeAdjustment;
     m_states.clear();
     m_states.push_back(state);
-    MakePlanes(context, parent);
+    OpenFallback();
 }
 
-void D3D11SubTarget::Restore(D3D11Context& context, std::shared_ptr<D3D11Texture> color, D3D11SubTarget* parent) {
-    m_colorCopy.reset();
-    m_shapeCopy.reset();
-    if (parent == nullptr) {
-        m_color = std::move(color);
-    } else {
-        MakePlanes(context, *parent);
-    }
-}
-
-void D3D11SubTarget::MakePlanes(D3D11Context& context, D3D11SubTarget& parent) {
+void D3D11SubTarget::OpenFallback() noexcept {
+    using Kind = D3D11SwFallbackSurface::Kind;
+    m_fallback.Open(!m_isLayer ? Kind::Surface : m_shaped ? Kind::Shaped : Kind::Plain, m_bounds, m_knockout);
     m_touched = {0, 0, 0, 0};
-    m_color.reset();
-    m_shape.reset();
-    m_initial.reset();
-    if (IsEmpty(m_bounds)) {
+    m_initialOpaque = {0, 0, 0, 0};
+    if (!m_isLayer) {
+        m_initialOpaque = m_bounds;
+    } else if (!m_isolated) {
+        m_initialOpaque = m_parent->OpaqueBelow();
+    }
+    m_opaque = m_initialOpaque;
+}
+
+void D3D11SubTarget::Restore(std::shared_ptr<D3D11Texture> color) {
+    ClosePlanes();
+    m_color = std::move(color);
+    OpenFallback();
+}
+
+void D3D11SubTarget::MakePlanes(D3D11Context& context) {
+    if (m_color != nullptr || !m_isLayer || IsEmpty(m_bounds)) {
         return;
     }
     const int32_t width = m_bounds.right - m_bounds.left;
@@ -73,33 +89,43 @@ void D3D11SubTarget::MakePlanes(D3D11Context& context, D3D11SubTarget& parent) {
         context.Device().ColorFill(*plane, color);
         return plane;
     };
-    m_color = take(kTransparent);
+    auto color = take(kTransparent);
     if (!m_shaped) {
+        m_color = std::move(color);
         return;
     }
     m_shape = take(kNoShape);
     if (m_isolated) {
+        m_color = std::move(color);
         return;
     }
     m_initial = take(kTransparent);
     // Elements of a knockout group see the group's own initial backdrop, not each other.
-    const std::shared_ptr<D3D11Texture>& below = parent.m_knockout ? parent.m_initial : parent.m_color;
+    m_parent->SendToCard(context);
+    const std::shared_ptr<D3D11Texture>& below = m_parent->m_knockout ? m_parent->m_initial : m_parent->m_color;
     if (below == nullptr) {
+        m_color = std::move(color);
         return;
     }
     D3D11DrawState state;
     DescribePlane(m_initial, D3D11Blend::Replace, state);
     state.scissor = m_bounds;
     static_cast<void>(state.key.Add(D3D11Fragment::BCP));
-    state.vertexConstants.AddTransform(parent.PlaneMap(*below));
+    state.vertexConstants.AddTransform(m_parent->PlaneMap(*below));
     state.AddInput(below, {});
     AddRectangle(context.Batch().Begin(std::move(state), m_bounds), m_bounds);
     context.Batch().Flush();
-    context.Device().Copy(*m_color, *m_initial, {0, 0, width, height});
+    context.Device().Copy(*color, *m_initial, {0, 0, width, height});
+    m_color = std::move(color); // last: what fails before is done again
 }
 
 void D3D11SubTarget::Close() noexcept {
     m_states.clear();
+    m_fallback.Close();
+    ClosePlanes();
+}
+
+void D3D11SubTarget::ClosePlanes() noexcept {
     m_color.reset();
     m_shape.reset();
     m_initial.reset();
@@ -121,6 +147,71 @@ void D3D11SubTarget::Touch(const IntRect& box) noexcept {
                                      std::max(t.bottom, box.bottom)};
 }
 
+void D3D11SubTarget::NoteOpaque(const IntRect& box, bool opaque) noexcept {
+    if (opaque) {
+        if (Area(box) > Area(m_opaque)) {
+            m_opaque = box;
+        }
+    } else if (m_isLayer && !IsEmpty(Intersect(box, m_opaque))) {
+        m_opaque = {0, 0, 0, 0};
+    }
+}
+
+D3D11SubTarget::Way D3D11SubTarget::WayOf(const D3D11Context& context, uint32_t blendMode, const IntRect& box) const {
+    if (context.DrawsAll()) {
+        return Way::Card;
+    }
+    if (m_inSoftware || context.Readback().IsExhausted() || !CardBlendsAsSoftware(blendMode) || m_fallback.Holds(box)) {
+        return Way::Software;
+    }
+    if (!m_isLayer || IsInside(box, OpaqueBelow())) {
+        return Way::Card;
+    }
+    // Over what is not opaque the software multiplies by the source's alpha twice, and the card's formula for knockout
+    // groups takes a backdrop for opaque.
+    if (m_knockout && !m_isolated) {
+        return Way::Software;
+    }
+    return blendMode == GXBlendModeNormal ? Way::Card : Way::CardIfOpaque;
+}
+
+void D3D11SubTarget::BeginOnCard(D3D11Context& context, const IntRect& box) {
+    MakePlanes(context);
+    if (m_fallback.HasUnsent(box)) {
+        m_fallback.Send(context, *m_color, m_shape.get());
+    }
+    m_fallback.DrawnByCard(box);
+    Touch(box);
+}
+
+void D3D11SubTarget::SendToCard(D3D11Context& context) {
+    MakePlanes(context);
+    if (m_fallback.HasUnsent(m_bounds)) {
+        m_fallback.Send(context, *m_color, m_shape.get());
+    }
+}
+
+SwTargetPlanes D3D11SubTarget::ReadInSoftware(D3D11Context& context, const IntRect& box) {
+    const SwTargetPlanes below =
+        m_isLayer && !m_isolated ? m_parent->BackdropInSoftware(context, box) : SwTargetPlanes();
+    return m_fallback.Read(context, m_color.get(), m_shape.get(), below, box);
+}
+
+SwTargetPlanes D3D11SubTarget::BackdropInSoftware(D3D11Context& context, const IntRect& box) {
+    if (!m_knockout) {
+        return ReadInSoftware(context, box);
+    }
+    return m_isolated ? SwTargetPlanes() : m_parent->BackdropInSoftware(context, box);
+}
+
+SwTargetPlanes D3D11SubTarget::BeginInSoftware(D3D11Context& context, const IntRect& box) {
+    const SwTargetPlanes planes = ReadInSoftware(context, box);
+    ++context.Device().Counters().fallbackDraws;
+    m_fallback.Drawn(box);
+    Touch(box);
+    return planes;
+}
+
 Matrix D3D11SubTarget::PlaneMap(const D3D11Texture& plane) const noexcept {
     const float x = 1.0F / static_cast<float>(plane.Width());
     const float y = 1.0F / static_cast<float>(plane.Height());
@@ -140,7 +231,7 @@ void D3D11SubTarget::DescribePlane(const std::shared_ptr<D3D11Texture>& plane, D
 }
 
 void D3D11SubTarget::Describe(D3D11Context& context, uint32_t blendMode, const IntRect& box, D3D11DrawState& state) {
-    Touch(box);
+    BeginOnCard(context, box);
     D3D11Fragment composition = D3D11Fragment::BasicFastComposition;
     D3D11Blend blend = D3D11Blend::Over;
     if (m_shaped || blendMode != GXBlendModeNormal) {
@@ -194,6 +285,21 @@ std::shared_ptr<D3D11Texture> D3D11SubTarget::MakeResult(D3D11Context& context) 
     state.scissor = m_bounds;
     AddRectangle(context.Batch().Begin(std::move(state), m_touched), m_touched);
     return result;
+}
+
+SwTargetPlanes D3D11SubTarget::MakeResultInSoftware(D3D11Context& context, const IntRect& box) {
+    const SwTargetPlanes planes = ReadInSoftware(context, box);
+    const ptrdiff_t x = box.left - m_bounds.left;
+    for (int32_t y = box.top; y < box.bottom; ++y) {
+        const ptrdiff_t row = y - m_bounds.top;
+        const ptrdiff_t offset = row * planes.planeStride + x;
+        const uint8_t* backdrop = planes.backdrop == nullptr ? nullptr : planes.backdrop + row * planes.backdropStride;
+        ActiveKernels().groupResult(reinterpret_cast<uint32_t*>(planes.color + row * planes.colorStride) + x,
+                                    planes.alpha + offset, planes.shape + offset,
+                                    backdrop == nullptr ? nullptr : reinterpret_cast<const uint32_t*>(backdrop) + x,
+                                    static_cast<size_t>(box.right - box.left));
+    }
+    return planes;
 }
 
 } // namespace Graphics

@@ -1,37 +1,70 @@
 // SPDX-License-Identifier: MIT
-// Lets the software compute what the graphics card does not: the colours of radial and mesh gradients and of unusual
-// bitmaps, and planes of coverage. The result becomes a texture that lies pixel on pixel over its place.
+// Lets the software's pipeline draw into what the card draws into: planes in the processor's memory that stand for the
+// textures of a surface or a group, in the software's own form. Pixels come from the card when a draw first touches
+// them, and go back when the card needs them:
+//
+//     valid  in memory as they should be; what is not valid is on the card, or was never drawn
+//     unsent drawn by the software and not yet on the card; a part of valid
+//
+// So draws that follow each other share what was read. After some waits for the card in one paint bracket everything is
+// read, and the rest of the bracket is drawn by the software.
 #pragma once
 
 #include "../ProcessHeap.h"
-#include "../Software/SwClip.h"
-#include "../Software/SwColorSource.h"
+#include "../Software/SwPipeLine.h"
 #include "D3D11Context.h"
 
 namespace Graphics {
 
 class D3D11SwFallbackSurface {
 public:
-    /// A texture and the map from device pixels to its coordinates.
-    struct Image {
-        std::shared_ptr<D3D11Texture> texture;
-        Matrix map = kIdentity;
+    enum class Kind : uint8_t {
+        Surface, ///< opaque words
+        Plain,   ///< a group of one plane
+        Shaped,  ///< a group with a plane of shape and alpha
     };
 
-    /// The colours of `source` in `box`.
-    [[nodiscard]] Image Paint(D3D11Context& context, SwColorSource& source, const IntRect& box);
-    /// The coverage of a clip that has a mask, in an alpha texture over its box.
-    [[nodiscard]] Image Coverage(D3D11Context& context, const SwClip& clip);
-    /// A batch whose shader the compiler refuses, in the pixels of its target. Raises "Failed to compile shader" where
-    /// its textures cannot be read.
-    static void Draw(D3D11Device& device, const D3D11DrawState& state, const D3D11Mesh& mesh);
+    void Open(Kind kind, const IntRect& bounds, bool knockout) noexcept;
+    void Close() noexcept;
+
+    /// What is drawn there by the card has to be sent first and read again by the next draw of the software: better
+    /// drawn here.
+    [[nodiscard]] bool Holds(const IntRect& box) const;
+    /// The card lacks something in `box`.
+    [[nodiscard]] bool HasUnsent(const IntRect& box) const;
+
+    /// The planes, with values inside `box`. The textures are null as long as the card has drawn nothing; `below` is
+    /// what a group began with, its colour null where that is transparent.
+    [[nodiscard]] SwTargetPlanes Read(D3D11Context& context, const D3D11Texture* color, const D3D11Texture* shape,
+                                      const SwTargetPlanes& below, const IntRect& box);
+    /// The software has drawn inside `box`, which has values.
+    void Drawn(const IntRect& box);
+    /// Brings to the card what it lacks.
+    void Send(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape);
+    /// The card draws inside `box`; nothing is unsent there.
+    void DrawnByCard(const IntRect& box);
 
 private:
-    [[nodiscard]] static Image Upload(D3D11Context& context, const IntRect& box, DXGI_FORMAT format, const void* pixels,
-                                      uint32_t strideBytes);
+    void Allocate();
+    [[nodiscard]] size_t Offset(int32_t x, int32_t y) const noexcept {
+        return static_cast<size_t>(y - m_bounds.top) * static_cast<size_t>(m_bounds.right - m_bounds.left) +
+               static_cast<size_t>(x - m_bounds.left);
+    }
+    void Receive(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape, const Region& region);
+    void Start(const SwTargetPlanes& below, const IntRect& r);
+    /// Two textures of half floats, or one.
+    void SendHalves(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape, const IntRect& r);
 
-    HeapArray<uint32_t> m_words;
-    HeapArray<uint8_t> m_values;
+    Kind m_kind = Kind::Surface;
+    bool m_knockout = false;
+    IntRect m_bounds{};
+    IntRect m_onCard{}; ///< beyond it the textures are as they were made
+    Region m_valid;
+    Region m_unsent;
+    HeapArray<uint32_t> m_color;
+    HeapArray<uint8_t> m_alpha;
+    HeapArray<uint8_t> m_shape;
+    HeapArray<uint16_t> m_halves;
 };
 
 } // namespace Graphics

@@ -25,11 +25,11 @@ public:
     [[nodiscard]] ID3D11ShaderResourceView* View() const noexcept { return m_view.get(); }
     /// Null where nothing is drawn into it.
     [[nodiscard]] ID3D11RenderTargetView* Target() const noexcept { return m_target.get(); }
+    [[nodiscard]] uint32_t PixelBytes() const noexcept {
+        return m_format == DXGI_FORMAT_A8_UNORM ? 1 : m_format == DXGI_FORMAT_R16G16B16A16_FLOAT ? 8 : 4;
+    }
     [[nodiscard]] uint64_t ByteSize() const noexcept {
-        const uint64_t pixel = m_format == DXGI_FORMAT_A8_UNORM             ? 1
-                               : m_format == DXGI_FORMAT_R16G16B16A16_FLOAT ? 8
-                                                                            : 4;
-        return pixel * static_cast<uint64_t>(m_width) * static_cast<uint64_t>(m_height);
+        return uint64_t{PixelBytes()} * static_cast<uint64_t>(m_width) * static_cast<uint64_t>(m_height);
     }
 
 private:

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// What the software computes for draws of the card: the colours of radial and mesh gradients and of unusual bitmaps,
+// and planes of coverage. The result becomes a texture that lies pixel on pixel over its place.
+#pragma once
+
+#include "../ProcessHeap.h"
+#include "../Software/SwClip.h"
+#include "../Software/SwColorSource.h"
+#include "D3D11Context.h"
+
+namespace Graphics {
+
+class D3D11SoftwareTextures {
+public:
+    /// A texture and the map from device pixels to its coordinates.
+    struct Image {
+        std::shared_ptr<D3D11Texture> texture;
+        Matrix map = kIdentity;
+    };
+
+    /// The colours of `source` in `box`.
+    [[nodiscard]] Image Paint(D3D11Context& context, SwColorSource& source, const IntRect& box);
+    /// The coverage of a clip that has a mask, in an alpha texture over its box.
+    [[nodiscard]] Image Coverage(D3D11Context& context, const SwClip& clip);
+
+private:
+    [[nodiscard]] static Image Upload(D3D11Context& context, const IntRect& box, DXGI_FORMAT format, const void* pixels,
+                                      uint32_t strideBytes);
+
+    HeapArray<uint32_t> m_words;
+    HeapArray<uint8_t> m_values;
+};
+
+} // namespace Graphics
