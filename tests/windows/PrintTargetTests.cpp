@@ -392,6 +392,27 @@ TEST_F(PrintTarget, PagesOnWholePixelsAreThoseOfABitmap) {
     }
 }
 
+// What the software renderer draws at the page's end is what the host had drawn, not what became of it.
+TEST_F(PrintTarget, GeometriesArePrintedAsTheyWereWhenTheyWereDrawn) {
+    const Printer printer(60, 20, false);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    const Owned<GXGeometry> geometry = RectangleGeometry(0, 0, 20, 20);
+    const Owned<GXBrush> red = Solid(0x80FF0000U), blue = Solid(0x800000FFU);
+    const GXRect second{20, 0, 40, 20}, again{0, 0, 20, 20};
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetFillGeometry(target, geometry, red), GXResultSuccess);
+    ASSERT_EQ(GXGeometryRectangle(geometry, &second), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetFillGeometry(target, geometry, blue), GXResultSuccess);
+    ASSERT_EQ(GXGeometryRectangle(geometry, &again), GXResultSuccess);
+    ASSERT_EQ(GXGeometrySetFillRule(geometry, GXFillRuleEvenOdd), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess);
+    const std::vector<uint32_t> colors = printer.Picture().Colors();
+    EXPECT_EQ(colors[10], 0x7F3FBFU);
+    EXPECT_EQ(colors[30], 0x7F7FFFU);
+    EXPECT_EQ(colors[50], 0xFFFFFFU);
+}
+
 // A host may turn the paper between two pages of a job.
 TEST_F(PrintTarget, EachPageHasThePaperOfItsTime) {
     const Printer printer(30, 20, false);

@@ -5,6 +5,7 @@
 
 #include "../Bitmaps/Bitmap.h"
 #include "../Exception.h"
+#include "../Geometry/Shape.h"
 #include "../Pixels/PixelFormat.h"
 
 namespace Graphics {
@@ -28,6 +29,32 @@ constexpr IntRect kEverywhere{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
 }
 
 } // namespace
+
+GdipKeptPath::GdipKeptPath(const PathRef& path)
+    : m_figure(path.figure != nullptr ? *path.figure : BasicFigure(BasicFigure::Kind::Rectangle, {})) {
+    if (path.shape != nullptr) {
+        m_shape = *path.shape;
+        m_figureCount = m_shape->Figures().size();
+        m_fillRule = m_shape->FillRule();
+    }
+}
+
+PathRef GdipKeptPath::Ref() const {
+    if (m_shape == nullptr) {
+        return {nullptr, &m_figure};
+    }
+    // Shapes grow at their end; figures that are finished stay.
+    if (m_shape->Figures().size() != m_figureCount || m_shape->FillRule() != m_fillRule) {
+        auto copy = std::make_shared<Shape>();
+        copy->SetFillRule(m_fillRule);
+        for (const Figure& figure : m_shape->Figures().first(m_figureCount)) {
+            figure.Replay(*copy);
+        }
+        m_shape = std::move(copy);
+        m_figureCount = m_shape->Figures().size();
+    }
+    return {&m_shape, nullptr};
+}
 
 void GdipPageList::AddState(const Matrix& transform, Call call) { Add(transform, kEverywhere, std::move(call)); }
 

@@ -14,19 +14,18 @@ namespace Graphics {
 
 class SysMemBitmap;
 
-/// A path that outlives the call it came with.
+/// A path that outlives the call it came with, as it was at that time: a host may go on with its geometry.
 class GdipKeptPath {
 public:
-    explicit GdipKeptPath(const PathRef& path)
-        : m_shape(path.shape != nullptr ? *path.shape : nullptr),
-          m_figure(path.figure != nullptr ? *path.figure : BasicFigure(BasicFigure::Kind::Rectangle, {})) {}
+    explicit GdipKeptPath(const PathRef& path);
 
-    [[nodiscard]] PathRef Ref() const noexcept {
-        return m_shape != nullptr ? PathRef{&m_shape, nullptr} : PathRef{nullptr, &m_figure};
-    }
+    /// Valid as long as this object.
+    [[nodiscard]] PathRef Ref() const;
 
 private:
-    std::shared_ptr<const Shape> m_shape;
+    mutable std::shared_ptr<const Shape> m_shape; // a copy once the geometry has changed
+    mutable size_t m_figureCount = 0;
+    uint32_t m_fillRule = 0;
     BasicFigure m_figure;
 };
 
