@@ -413,6 +413,29 @@ TEST_F(PrintTarget, GeometriesArePrintedAsTheyWereWhenTheyWereDrawn) {
     EXPECT_EQ(colors[50], 0xFFFFFFU);
 }
 
+// The host's clip stays in force, also where it leaves nothing of what the software renderer draws.
+TEST_F(PrintTarget, PixelsOutsideTheHostsClipAreNoFailure) {
+    const Printer printer(60, 20, false);
+    Owned<GXRenderTarget> target;
+    ASSERT_EQ(GXCreateRenderTargetPrintDC(printer.Context(), target.Out()), GXResultSuccess);
+    IntersectClipRect(printer.Context(), 0, 0, 20, 20);
+    g_system.stretchDIBits = [](HDC dc, int x, int y, int w, int h, int fromX, int fromY, int fromW, int fromH,
+                                const void* bits, const BITMAPINFO* info, UINT use, DWORD how) -> int {
+        const RECT to{x, y, x + w, y + h};
+        const int lines = ::StretchDIBits(dc, x, y, w, h, fromX, fromY, fromW, fromH, bits, info, use, how);
+        return RectVisible(dc, &to) != 0 ? lines : 0; // what a driver may answer where no line is copied
+    };
+    ASSERT_EQ(GXRenderTargetBeginPaint(target), GXResultSuccess);
+    const Owned<GXBrush> half = Solid(0x80FF0000U);
+    for (const GXRect& rect : {GXRect{10, 0, 14, 20}, GXRect{30, 0, 40, 20}}) {
+        ASSERT_EQ(GXRenderTargetFillRect(target, &rect, half), GXResultSuccess);
+    }
+    EXPECT_EQ(GXRenderTargetEndPaint(target), GXResultSuccess) << message.Text();
+    const std::vector<uint32_t> colors = printer.Picture().Colors();
+    EXPECT_EQ(colors[12], 0xFF7F7FU);
+    EXPECT_EQ(colors[35], 0xFFFFFFU);
+}
+
 // A host may turn the paper between two pages of a job.
 TEST_F(PrintTarget, EachPageHasThePaperOfItsTime) {
     const Printer printer(30, 20, false);

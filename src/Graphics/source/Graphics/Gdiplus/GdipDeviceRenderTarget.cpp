@@ -68,9 +68,9 @@ void GdipDeviceRenderTarget::Place(GdipGraphics& graphics, const PixelView& pixe
         const uint8_t* rows = pixels.data + (rect.top - origin.y) * pixels.strideBytes;
         const int done = g_system.stretchDIBits(context.Get(), rect.left, rect.top, width, height, rect.left - origin.x,
                                                 0, width, height, rows, info.Get(), DIB_RGB_COLORS, SRCCOPY);
-        RECT visible;
+        const RECT to{rect.left, rect.top, rect.right, rect.bottom};
         // Where the host's clip leaves nothing, nothing is copied.
-        if (static_cast<DWORD>(done) == GDI_ERROR || (done == 0 && GetClipBox(context.Get(), &visible) != NULLREGION)) {
+        if (static_cast<DWORD>(done) == GDI_ERROR || (done == 0 && RectVisible(context.Get(), &to) != FALSE)) {
             GX_RAISE("Graphics::GdipDeviceRenderTarget::Place", "StretchDIBits is failed.");
         }
     }
