@@ -345,8 +345,13 @@ GXResult Make(const PageCall& call, GXRenderTarget target, GXBitmap picture) {
         return GXRenderTargetEndLayer(target);
     case 11:
         return call.low < 20 ? GXRenderTargetClear(target, call.color) : GXRenderTargetInvertRect(target, &call.rect);
-    case 12:
-        return GXRenderTargetDrawBitmap(target, picture, &at, 1.0F, GXInterpolationNearest);
+    case 12: {
+        const GXIntRect beyond{-3, 1, 9, 35}; // the picture's edges go on
+        const GXRect to{at.x, at.y, at.x + 12.0F, at.y + 34.0F};
+        return call.modes % 2 == 0
+                   ? GXRenderTargetDrawBitmap(target, picture, &at, 1.0F, GXInterpolationNearest)
+                   : GXRenderTargetStretchBitmap(target, picture, &to, &beyond, 1.0F, GXInterpolationNearest);
+    }
     case 13:
         return GXRenderTargetFillRect(target, &call.rect, texture);
     default:

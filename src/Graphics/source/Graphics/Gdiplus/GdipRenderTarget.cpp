@@ -347,7 +347,9 @@ void GdipRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, c
     };
     const PixelView pixels = PixelTransfer::Part(whole, part);
     const Matrix place = PlaceImage(part, source, destination);
-    if (!DrawsItself() || !Judge(visible).Shows(pixels, opacity, interpolation, Concat(place, State().transform))) {
+    // Beyond the bitmap its edge goes on, which no texture does that is good at the edge itself.
+    if (!DrawsItself() || !(part == source) ||
+        !Judge(visible).Shows(pixels, opacity, interpolation, Concat(place, State().transform))) {
         Leave(visible, std::move(call));
         return;
     }
