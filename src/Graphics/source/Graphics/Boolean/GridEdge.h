@@ -28,6 +28,7 @@ struct GridEdge {
     uint32_t root = kNone;         // the edge of this sweep's beginning that this one is a piece of
     uint32_t junction = kNone;     // number of the point where this border edge begins, if several borders meet there
     Border border = Border::None;
+    bool near = false; // passes so closely by a point of the sweep that a bend might pass over it
 
     [[nodiscard]] bool Weightless() const noexcept { return a == 0 && b == 0; }
     [[nodiscard]] int64_t SideOf(const GridPoint& p) const noexcept { return Side(lo, hi, p); }

@@ -78,6 +78,7 @@ bool Scanner::Doubtful() const noexcept {
 /// Begins anew with the input, and lets each sweep leave to the next what it can't cut where the lines cross.
 void Scanner::Restart() {
     m_eager = m_hot = false;
+    m_strict = true;
     m_test = m_givenTest;
     m_edges.clear();
     for (size_t i = 0; i < m_lines.size(); ++i) {
@@ -174,6 +175,9 @@ void Scanner::Sweep() {
         m_counts.points += 1;
         ProcessPoint();
     }
+    if (!m_status.Empty()) {
+        Disorder();
+    }
     CutNoted();
 }
 
@@ -225,19 +229,19 @@ Scanner::Place Scanner::TakeOutEnds() {
     for (size_t i = 0; i < m_endHints.size() && known == kNone; ++i) {
         known = PieceEndingAt(m_endHints[i], m_point);
     }
-    // Neighbours of a known end were looked at with it: those that pass through the point have been cut there.
-    const bool searched = known == kNone;
-    Place place = searched ? m_status.Search(m_point, m_counts.comparisons) : m_status.Find(known);
-    for (uint32_t e = m_status.LeftOf(place); e != kNone && Touches(e, false); e = m_status.LeftOf(place)) {
+    Place place = known == kNone ? m_status.Search(m_point, m_counts.comparisons) : m_status.Find(known);
+    for (uint32_t e = m_status.LeftOf(place); e != kNone && Touches(e, 1); e = m_status.LeftOf(place)) {
         place = m_status.StepLeft(place);
     }
     Place behind = place;
-    for (uint32_t e = m_status.RightOf(behind); e != kNone && Touches(e, searched); e = m_status.RightOf(behind)) {
+    for (uint32_t e = m_status.RightOf(behind); e != kNone && Touches(e, -1); e = m_status.RightOf(behind)) {
         if (!(m_edges[e].hi == m_point)) {
-            Bend(m_edges[e].SideOf(m_point) != 0);
+            Bend(m_edges[e], m_point);
             const uint32_t upper = Cut(e, m_point);
             m_starts.push_back(upper);
         }
+        // Bends have made two edges of one start coincide: the next sweep will make them one.
+        m_bent = m_bent || (!m_ends.empty() && m_edges[m_ends.back()].lo == m_edges[e].lo);
         m_ends.push_back(e);
         m_edges[e].block = kNone;
         behind = m_status.StepRight(behind);
@@ -247,33 +251,49 @@ Scanner::Place Scanner::TakeOutEnds() {
 }
 
 /// Whether an edge ends at the point or is to be cut there: if it passes through it, and, once anything is bent, if it
-/// passes through its cell. Else bent edges might step over points again and again, by ever smaller steps.
-bool Scanner::Touches(uint32_t edge, bool through) noexcept {
-    const GridEdge& e = m_edges[edge];
+/// passes through its cell. Else bent edges might step over points again and again, by ever smaller steps. `hand` is
+/// the sign of the side on which the edge is to have the point.
+bool Scanner::Touches(uint32_t edge, int hand) noexcept {
+    GridEdge& e = m_edges[edge];
     if (e.hi == m_point) {
         return true;
-    }
-    if (!through && !m_hot) {
-        return false;
     }
     const int64_t side = SideOf(edge, m_point);
     if (side == 0) {
         return true;
     }
     // Bent edges stay near their lines: what is far from the edge need not be compared with the line.
-    return m_hot && std::abs(side) <= 4 * Reach(e.lo, e.hi) && InBox(e, m_point) && InCell(m_lines[e.line], m_point);
+    if (std::abs(side) <= 4 * Reach(e.lo, e.hi) && InBox(e, m_point) && InCell(m_lines[e.line], m_point)) {
+        if (m_hot) {
+            return true;
+        }
+        e.near = true;
+    }
+    if ((side > 0) != (hand > 0)) {
+        Disorder();
+    }
+    return false;
+}
+
+/// Takes note that an edge will end at a point ahead.
+void Scanner::Bend(const GridEdge& e, const GridPoint& at) noexcept {
+    if (e.SideOf(at) != 0) {
+        m_hot = true;
+        m_strict = m_strict && InCell(m_lines[e.line], at);
+        m_bent = m_bent || e.near || !m_strict;
+    }
 }
 
 /// While bends are unresolved, edges that end at the point may stand elsewhere in the order.
 void Scanner::TakeOutStragglers(Place& place) {
-    if (!m_bent) {
+    if (!m_hot) {
         return;
     }
     const auto stands = [&](uint32_t hint) { return PieceEndingAt(hint, m_point) != kNone; };
     if (std::none_of(m_endHints.begin(), m_endHints.end(), stands)) {
         return;
     }
-    m_ordered = false;
+    Disorder();
     m_around.clear();
     place = m_status.Exchange(place, std::exchange(m_taken, 0U), m_around);
     const uint32_t right = m_status.RightOf(place);
@@ -468,7 +488,7 @@ void Scanner::CutNeighbours(uint32_t left, uint32_t right) {
     if (begin < 0) {
         CutCrossing(left, right);
     } else {
-        m_ordered = false;
+        Disorder();
     }
 }
 
@@ -483,7 +503,8 @@ void Scanner::CutCrossing(uint32_t left, uint32_t right) {
     if (const auto crossing = LineCrossing::Of(le.from, le.to, lf.from, lf.to)) {
         const GridPoint at = crossing->Nearest();
         if (Usable(e, f, at)) {
-            Bend(e.SideOf(at) != 0 || f.SideOf(at) != 0);
+            Bend(e, at);
+            Bend(f, at);
             CutBoth(left, right, at);
             return;
         }
@@ -502,10 +523,12 @@ void Scanner::CutCrossing(uint32_t left, uint32_t right) {
     // crossings of all that meet it. Later ones leave the cut to the next, as cuts at ever new points need not end.
     GridPoint at{};
     if ((EagerSweep() || !later) && CrossingPoint(e, f, at)) {
-        Bend(true);
+        Bend(e, at);
+        Bend(f, at);
+        m_bent = m_hot = true;
         CutBoth(left, right, at);
     } else {
-        m_ordered = false;
+        Disorder();
     }
 }
 
@@ -517,7 +540,8 @@ bool Scanner::CutLater(uint32_t edge, const GridPoint& at) {
     }
     m_later.push_back({edge, at});
     ++m_exceptions;
-    Bend(true);
+    Bend(e, at);
+    m_bent = m_hot = true;
     return true;
 }
 
@@ -548,6 +572,7 @@ void Scanner::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
         const uint32_t piece = Cut(edges[i], at);
         if (Before(end, at)) {
             m_ordered = m_ordered && EagerSweep(); // a level piece: there the borders will tell
+            m_bent = true;
             ++m_exceptions;
             m_queue.Add(end, kNone, kNone, piece, kNone);
             m_queue.Add(at, piece, kNone, kNone, kNone);

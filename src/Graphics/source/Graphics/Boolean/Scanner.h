@@ -76,7 +76,7 @@ private:
     void Sweep();
     void ProcessPoint();
     [[nodiscard]] Place TakeOutEnds();
-    [[nodiscard]] bool Touches(uint32_t edge, bool through) noexcept;
+    [[nodiscard]] bool Touches(uint32_t edge, int hand) noexcept;
     void TakeOutStragglers(Place& place);
     void SortStarts();
     void MergeStarts();
@@ -94,9 +94,10 @@ private:
     [[nodiscard]] static bool InCell(const Line& line, const GridPoint& p) noexcept;
     [[nodiscard]] bool CrossingPoint(const GridEdge& e, const GridEdge& f, GridPoint& at) const noexcept;
     [[nodiscard]] bool Usable(const GridEdge& e, const GridEdge& f, const GridPoint& at) const noexcept;
-    void Bend(bool really) noexcept {
-        m_bent = m_bent || really;
-        m_hot = m_hot || really;
+    void Bend(const GridEdge& e, const GridPoint& at) noexcept;
+    void Disorder() noexcept {
+        m_ordered = false;
+        m_bent = true;
     }
     [[nodiscard]] int64_t SideOf(uint32_t edge, const GridPoint& p) noexcept {
         ++m_counts.comparisons;
@@ -120,6 +121,7 @@ private:
     bool m_eager = true;
     bool m_bent = false;   // in this sweep
     bool m_ordered = true; // no sign in this sweep that bent edges stood in a wrong order
+    bool m_strict = true;  // all cuts so far lie in cells that the lines pass
     bool m_hot = false;    // in any sweep so far: whatever comes near a point goes through it
     Counts m_counts;
 };

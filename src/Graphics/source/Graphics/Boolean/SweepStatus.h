@@ -20,6 +20,7 @@ public:
     explicit SweepStatus(HeapArray<GridEdge>& edges) noexcept : m_edges(edges) {}
 
     void Clear();
+    [[nodiscard]] bool Empty() const noexcept { return m_directory.size() == 1 && m_blocks[m_directory[0]].count == 0; }
 
     /// The place before an edge that the status holds.
     [[nodiscard]] Place Find(uint32_t edge) const noexcept;
