@@ -39,12 +39,7 @@ std::optional<LineCrossing> LineCrossing::Of(const GridPoint& a0, const GridPoin
     return LineCrossing(a0, a1.x - a0.x, a1.y - a0.y, part, whole);
 }
 
-int32_t LineCrossing::Nearest(int32_t delta) const noexcept {
-    const double v = delta * (static_cast<double>(m_part) / static_cast<double>(m_whole)) + 0.5;
-    const double floor = std::floor(v);
-    if (v - floor > kUncertain && floor + 1 - v > kUncertain) {
-        return static_cast<int32_t>(floor);
-    }
+int32_t LineCrossing::ExactlyNearest(int32_t delta) const noexcept {
     return FloorQuotient(Wide(2) * delta * m_part + m_whole, Wide(2) * m_whole);
 }
 

@@ -46,8 +46,17 @@ public:
     /// No value for parallel lines and for crossings outside of the first line's points.
     [[nodiscard]] static std::optional<LineCrossing> Of(const GridPoint& a0, const GridPoint& a1, const GridPoint& b0,
                                                         const GridPoint& b1) noexcept;
+    /// The point at `part` of `whole` of the way between two points, both of 53 bits, 0 <= part / whole <= 1.
+    [[nodiscard]] static LineCrossing Along(const GridPoint& from, const GridPoint& to, int64_t part,
+                                            int64_t whole) noexcept {
+        const int64_t sign = whole < 0 ? -1 : 1;
+        return LineCrossing(from, to.x - from.x, to.y - from.y, sign * part, sign * whole);
+    }
 
-    [[nodiscard]] GridPoint Nearest() const noexcept { return {m_from.x + Nearest(m_dx), m_from.y + Nearest(m_dy)}; }
+    [[nodiscard]] GridPoint Nearest() const noexcept {
+        const double share = static_cast<double>(m_part) / static_cast<double>(m_whole);
+        return {m_from.x + Nearest(m_dx, share), m_from.y + Nearest(m_dy, share)};
+    }
     [[nodiscard]] int32_t CeilingX() const noexcept { return m_from.x + Ceiling(m_dx); }
     [[nodiscard]] int32_t CeilingY() const noexcept { return m_from.y + Ceiling(m_dy); }
 
@@ -55,7 +64,16 @@ private:
     LineCrossing(const GridPoint& from, int32_t dx, int32_t dy, int64_t part, int64_t whole) noexcept
         : m_from(from), m_dx(dx), m_dy(dy), m_part(part), m_whole(whole) {}
 
-    [[nodiscard]] int32_t Nearest(int32_t delta) const noexcept;
+    [[nodiscard]] int32_t Nearest(int32_t delta, double share) const noexcept {
+        // Quotient and product are rounded once each, which moves a value below 2^26 by less than 2^-25: fractions
+        // farther than this from a half are certain.
+        constexpr double kUncertain = 1.0 / (1 << 20);
+        const double v = delta * share + 0.5;
+        int32_t floor = static_cast<int32_t>(v);
+        floor -= v < floor ? 1 : 0;
+        return v - floor > kUncertain && floor + 1 - v > kUncertain ? floor : ExactlyNearest(delta);
+    }
+    [[nodiscard]] int32_t ExactlyNearest(int32_t delta) const noexcept;
     [[nodiscard]] int32_t Ceiling(int32_t delta) const noexcept;
 
     // The crossing is from + (dx, dy) * part / whole, 0 <= part <= whole.

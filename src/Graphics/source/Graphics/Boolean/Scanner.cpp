@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "../Exception.h"
+#include "PairwiseWinder.h"
 
 namespace Graphics {
 namespace {
@@ -19,6 +20,9 @@ namespace {
 [[nodiscard]] int64_t Reach(const GridPoint& p, const GridPoint& q) noexcept {
     return static_cast<int64_t>(std::abs(q.x - p.x)) + std::abs(q.y - p.y);
 }
+
+/// Of edges that are the border: 1 is inside.
+constexpr WindingTest kBorderTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleNonZero);
 
 void Flip(GridPoint& p) noexcept { std::swap(p.x, p.y); }
 
@@ -59,6 +63,12 @@ void Scanner::Run() {
     m_lines.reserve(m_edges.size());
     for (const GridEdge& edge : m_edges) {
         m_lines.push_back({edge.lo, edge.hi, edge.a, edge.b});
+    }
+    if (PairwiseWinder winder(m_edges, m_givenTest); winder.Worthwhile()) {
+        HeapArray<GridEdge> border;
+        winder.Run(border);
+        m_edges = std::move(border);
+        m_test = kBorderTest;
     }
     while (Sweep(), m_bent) {
         if (m_eager && Doubtful()) {
@@ -118,7 +128,7 @@ void Scanner::KeepBorders() noexcept {
         edge.a = edge.border == GridEdge::Border::None ? 0 : edge.border == GridEdge::Border::InsideLeft ? 1 : -1;
         edge.b = 0;
     }
-    m_test = WindingTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleNonZero);
+    m_test = kBorderTest;
 }
 
 /// Leaves out what has no weight, forgets what the sweep before found out and exchanges x and y: edges along the sweep
