@@ -51,6 +51,7 @@ template <class Ring> void EdgeCollector::AddRing(const Ring& ring) {
     if (ring.size() < 3) {
         return;
     }
+    m_scanner.Expect(ring.size());
     GridPoint from = m_grid.ToGrid(ring.back().x, ring.back().y);
     for (const auto& p : ring) {
         const GridPoint to = m_grid.ToGrid(p.x, p.y);

@@ -10,11 +10,6 @@ namespace {
 
 constexpr size_t kFewEnds = 512; // below, comparing is faster than counting digits
 
-[[nodiscard]] GridPoint PointOf(uint64_t key) noexcept {
-    constexpr int32_t kBias = 1 << 25;
-    return {static_cast<int32_t>(key & 0x3FFFFFF) - kBias, static_cast<int32_t>(key >> 26) - kBias};
-}
-
 /// std::push_heap makes a heap with the largest on top; the sweep wants the first.
 struct Later {
     [[nodiscard]] bool operator()(const EventQueue::Meeting& a, const EventQueue::Meeting& b) const noexcept {
@@ -24,26 +19,46 @@ struct Later {
 
 } // namespace
 
+/// Edges that follow each other in a ring mostly follow each other in the list: their common point is noted once.
 void EventQueue::Reset(const HeapArray<GridEdge>& edges) {
     m_position = 0;
     m_meetings.clear();
-    m_ends.resize(edges.size() * 2);
+    m_ends.clear();
+    m_ends.reserve(edges.size() * 2);
+    size_t open = SIZE_MAX; // the point at which the next edge probably continues
     for (size_t i = 0; i < edges.size(); ++i) {
         const auto edge = static_cast<uint32_t>(i);
-        m_ends[2 * i] = {SweepKey(edges[i].lo), edge, 1};
-        m_ends[2 * i + 1] = {SweepKey(edges[i].hi), edge, 0};
+        const uint64_t lo = SweepKey(edges[i].lo), hi = SweepKey(edges[i].hi);
+        if (open != SIZE_MAX && (m_ends[open].key == lo || m_ends[open].key == hi)) {
+            const bool starts = m_ends[open].key == lo;
+            m_ends[open].edges[1] = edge | (starts ? kStart : 0U);
+            open = m_ends.size();
+            m_ends.push_back({starts ? hi : lo, {edge | (starts ? 0U : kStart), GridEdge::kNone}});
+            continue;
+        }
+        m_ends.push_back({lo, {edge | kStart, GridEdge::kNone}});
+        m_ends.push_back({hi, {edge, GridEdge::kNone}});
+        const bool back = i + 1 < edges.size() && (edges[i + 1].lo == edges[i].lo || edges[i + 1].hi == edges[i].lo);
+        open = m_ends.size() - (back ? 2 : 1);
     }
     Sort();
 }
 
-/// Stable counting sort by digits of 11 bits, from the lowest; digits that are the same everywhere are skipped.
 void EventQueue::Sort() {
-    if (m_ends.size() < kFewEnds) {
-        std::sort(m_ends.begin(), m_ends.end(), [](const End& a, const End& b) {
-            return a.key != b.key ? a.key < b.key : a.edge != b.edge ? a.edge < b.edge : a.start < b.start;
-        });
+    if (m_sorter.Sort(m_ends, [](const End& end) { return end.key; })) {
         return;
     }
+    if (m_ends.size() < kFewEnds) {
+        std::sort(m_ends.begin(), m_ends.end(), [](const End& a, const End& b) {
+            return a.key != b.key ? a.key < b.key : a.edges[0] < b.edges[0];
+        });
+    } else {
+        SortByDigits();
+    }
+}
+
+/// Stable counting sort by digits of 11 bits, from the lowest; digits that are the same everywhere are skipped.
+void EventQueue::SortByDigits() {
     constexpr int kBits = 11, kDigits = 5;
     constexpr size_t kValues = size_t{1} << kBits;
     m_scratch.resize(m_ends.size());
@@ -87,8 +102,12 @@ bool EventQueue::Next(GridPoint& point, HeapArray<uint32_t>& ends, HeapArray<uin
     ends.clear();
     starts.clear();
     while (m_position < m_ends.size() && m_ends[m_position].key == key) {
-        const End& end = m_ends[m_position++];
-        (end.start != 0 ? starts : ends).push_back(end.edge);
+        for (const uint32_t edge : m_ends[m_position].edges) {
+            if (edge != GridEdge::kNone) {
+                ((edge & kStart) != 0 ? starts : ends).push_back(edge & ~kStart);
+            }
+        }
+        ++m_position;
     }
     const auto put = [](HeapArray<uint32_t>& list, uint32_t edge) {
         if (edge != GridEdge::kNone) {

@@ -7,6 +7,7 @@
 
 #include "../ProcessHeap.h"
 #include "GridEdge.h"
+#include "SlotSort.h"
 
 namespace Graphics {
 
@@ -19,7 +20,7 @@ public:
         uint32_t starts[2];
     };
 
-    /// Forgets everything and takes both ends of every edge.
+    /// Forgets everything and takes both ends of every edge, of which there are less than 2^31 - 1.
     void Reset(const HeapArray<GridEdge>& edges);
     void Add(const GridPoint& at, uint32_t end0, uint32_t end1, uint32_t start0, uint32_t start1);
 
@@ -34,24 +35,28 @@ public:
             edges[0] = m_meetings[0].starts[0];
             edges[1] = m_meetings[0].starts[1];
         }
-        if (m_position + kAhead + 1 < m_ends.size()) {
-            edges[2] = m_ends[m_position + kAhead].edge;
-            edges[3] = m_ends[m_position + kAhead + 1].edge;
+        if (m_position + kAhead < m_ends.size()) {
+            edges[2] = m_ends[m_position + kAhead].edges[0] & ~kStart;
         }
         return edges;
     }
 
 private:
+    static constexpr uint32_t kStart = 0x80000000U;
+
+    /// A point at which one edge or two that follow each other begin or end: numbers with kStart where they begin. The
+    /// second may be missing, kNone.
     struct End {
         uint64_t key;
-        uint32_t edge;
-        uint32_t start; // 1 where the edge starts, 0 where it ends
+        uint32_t edges[2];
     };
 
     void Sort();
+    void SortByDigits();
 
     HeapArray<End> m_ends;
     HeapArray<End> m_scratch;
+    SlotSort<End> m_sorter;
     size_t m_position = 0;
     HeapArray<Meeting> m_meetings;
 };

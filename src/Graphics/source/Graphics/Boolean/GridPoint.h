@@ -19,10 +19,15 @@ struct GridPoint {
 
 inline constexpr int32_t kGridLimit = 1 << 24;
 
+inline constexpr int32_t kKeyBias = 1 << 25;
+
 /// Rows from small to large y, inside a row from small to large x: the sweep's order, as one number of 52 bits.
 [[nodiscard]] constexpr uint64_t SweepKey(const GridPoint& p) noexcept {
-    constexpr int32_t kBias = 1 << 25;
-    return static_cast<uint64_t>(p.y + kBias) << 26 | static_cast<uint64_t>(p.x + kBias);
+    return static_cast<uint64_t>(p.y + kKeyBias) << 26 | static_cast<uint64_t>(p.x + kKeyBias);
+}
+
+[[nodiscard]] constexpr GridPoint PointOf(uint64_t key) noexcept {
+    return {static_cast<int32_t>(key & 0x3FFFFFF) - kKeyBias, static_cast<int32_t>(key >> 26) - kKeyBias};
 }
 
 [[nodiscard]] constexpr bool Before(const GridPoint& a, const GridPoint& b) noexcept {

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <utility>
 
 namespace Graphics {
 namespace {
@@ -98,7 +97,9 @@ void PairwiseWinder::Wind(uint32_t edge) {
     m_passages.clear();
     m_order.clear();
     Meet(edge);
-    Sort(m_edges[edge]);
+    if (!m_sorter.Sort(m_order, [](uint64_t key) { return key; })) {
+        std::sort(m_order.begin(), m_order.end());
+    }
 }
 
 /// Compares the edge with all others. The way along it, seen as running at its left by next to nothing, crosses an edge
@@ -178,45 +179,6 @@ void PairwiseWinder::Overlap(const GridEdge& e, const GridEdge& f) {
 void PairwiseWinder::Pass(const GridEdge& e, const GridPoint& at, int32_t a, int32_t b) {
     m_order.push_back(static_cast<uint64_t>(Distance(e, at)) << 32 | m_passages.size());
     m_passages.push_back({at, a, b});
-}
-
-/// Into as many equal slots as there are passages, then in order; where they crowd, by comparing.
-void PairwiseWinder::Sort(const GridEdge& e) {
-    constexpr uint32_t kFewPassages = 24, kCrowd = 16;
-    const size_t count = m_order.size();
-    if (count < kFewPassages) {
-        std::sort(m_order.begin(), m_order.end());
-        return;
-    }
-    const uint64_t scale = (static_cast<uint64_t>(count) << 32) / (Distance(e, e.hi) + 1);
-    const auto slotOf = [&](uint64_t key) { return (key >> 32) * scale >> 32; };
-    m_slots.resize(count);
-    std::fill(m_slots.begin(), m_slots.end(), 0U);
-    for (const uint64_t key : m_order) {
-        ++m_slots[slotOf(key)];
-    }
-    uint32_t sum = 0, most = 0;
-    for (uint32_t& slot : m_slots) {
-        most = std::max(most, slot);
-        sum += std::exchange(slot, sum);
-    }
-    if (most > kCrowd) {
-        std::sort(m_order.begin(), m_order.end());
-        return;
-    }
-    m_scratch.resize(count);
-    for (const uint64_t key : m_order) {
-        m_scratch[m_slots[slotOf(key)]++] = key;
-    }
-    std::swap(m_order, m_scratch);
-    for (size_t i = 1; i < count; ++i) {
-        const uint64_t key = m_order[i];
-        size_t k = i;
-        for (; k > 0 && m_order[k - 1] > key; --k) {
-            m_order[k] = m_order[k - 1];
-        }
-        m_order[k] = key;
-    }
 }
 
 /// Follows the winding number along the edge. Points at which the border goes straight on are left out.

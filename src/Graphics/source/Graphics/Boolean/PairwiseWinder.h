@@ -14,6 +14,7 @@
 
 #include "../ProcessHeap.h"
 #include "GridEdge.h"
+#include "SlotSort.h"
 #include "WindingTest.h"
 
 namespace Graphics {
@@ -51,7 +52,6 @@ private:
     void Meet(uint32_t edge);
     void Overlap(const GridEdge& e, const GridEdge& f);
     void Pass(const GridEdge& e, const GridPoint& at, int32_t a, int32_t b);
-    void Sort(const GridEdge& e);
     void Walk(const GridEdge& e, HeapArray<GridEdge>& border) const;
 
     const HeapArray<GridEdge>& m_edges;
@@ -60,8 +60,8 @@ private:
     HeapArray<double> m_sideOfLo, m_sideOfHi; // where the edge's ends lie as seen from each other edge
     HeapArray<uint32_t> m_crossed;            // edges that the edge in hand crosses
     HeapArray<Passage> m_passages;
-    HeapArray<uint64_t> m_order, m_scratch; // distance from the edge's begin << 32 | passage
-    HeapArray<uint32_t> m_slots;
+    HeapArray<uint64_t> m_order; // distance from the edge's begin << 32 | passage
+    SlotSort<uint64_t> m_sorter;
     int32_t m_a = 0, m_b = 0; // winding numbers at the left of the begin
 };
 

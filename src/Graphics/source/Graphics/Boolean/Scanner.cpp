@@ -42,20 +42,6 @@ void Flip(GridPoint& p) noexcept { std::swap(p.x, p.y); }
 
 } // namespace
 
-void Scanner::AddEdge(const GridPoint& from, const GridPoint& to, bool ofB) {
-    if (from == to) {
-        return;
-    }
-    const bool forward = Before(from, to);
-    const int32_t weight = forward ? 1 : -1;
-    GridEdge edge;
-    edge.lo = forward ? from : to;
-    edge.hi = forward ? to : from;
-    (ofB ? edge.b : edge.a) = weight;
-    edge.line = static_cast<uint32_t>(m_edges.size());
-    m_edges.push_back(edge);
-}
-
 void Scanner::Run() {
     if (m_edges.size() >= kNone / 2) {
         GX_RAISE("Graphics::Scanner::Run", "Not enough memory");
@@ -191,7 +177,41 @@ void Scanner::Sweep() {
     CutNoted();
 }
 
+/// The most frequent point by far: one edge ends, one starts, nothing else is near. False if that is not so.
+bool Scanner::PassPoint() {
+    if (m_endHints.size() != 1 || m_starts.size() != 1) {
+        return false;
+    }
+    const uint32_t end = m_endHints[0], start = m_starts[0];
+    GridEdge& e = m_edges[end];
+    if (!(e.hi == m_point) || e.block == kNone || m_edges[start].Weightless()) {
+        return false;
+    }
+    const Place place = m_status.Find(end);
+    const uint32_t left = m_status.LeftOf(place), right = m_status.RightOf(m_status.StepRight(place));
+    if ((left != kNone && Touches(left, 1)) || (right != kNone && Touches(right, -1))) {
+        return false;
+    }
+    WindStarts(left);
+    if (!m_bent) {
+        if (e.border != GridEdge::Border::None && m_edges[start].border != GridEdge::Border::None) {
+            JoinBorders(end, start);
+        }
+    } else if (!m_eager) {
+        m_ends.clear();
+        m_ends.push_back(end);
+        m_ordered = m_ordered && BordersContinue();
+    }
+    m_status.Replace(place, start);
+    CutNeighbours(left, start);
+    CutNeighbours(start, right);
+    return true;
+}
+
 void Scanner::ProcessPoint() {
+    if (PassPoint()) {
+        return;
+    }
     Place place = TakeOutEnds();
     TakeOutStragglers(place);
     SortStarts();

@@ -39,7 +39,22 @@ public:
     Scanner& operator=(const Scanner&) = delete;
 
     /// An edge of a closed ring of operand A or B.
-    void AddEdge(const GridPoint& from, const GridPoint& to, bool ofB);
+    void AddEdge(const GridPoint& from, const GridPoint& to, bool ofB) {
+        // Up or down is as good as random: no branches.
+        const uint64_t begin = SweepKey(from), end = SweepKey(to);
+        const int32_t weight = begin < end ? 1 : -1;
+        GridEdge edge;
+        edge.lo = PointOf(begin < end ? begin : end);
+        edge.hi = PointOf(begin < end ? end : begin);
+        edge.a = ofB ? 0 : weight;
+        edge.b = ofB ? weight : 0;
+        edge.line = static_cast<uint32_t>(m_edges.size());
+        if (begin != end) {
+            m_edges.push_back(edge);
+        }
+    }
+    /// Says how many edges will be added next.
+    void Expect(size_t edges) { m_edges.reserve(m_edges.size() + edges); }
     /// Cuts and winds. Afterwards the edges with a border are linked to closed borders, inside at the same hand.
     void Run();
 
@@ -75,6 +90,7 @@ private:
     [[nodiscard]] bool EagerSweep() const noexcept { return m_eager && m_counts.sweeps == 1; }
     void Sweep();
     void ProcessPoint();
+    [[nodiscard]] bool PassPoint();
     [[nodiscard]] Place TakeOutEnds();
     [[nodiscard]] bool Touches(uint32_t edge, int hand) noexcept;
     void TakeOutStragglers(Place& place);

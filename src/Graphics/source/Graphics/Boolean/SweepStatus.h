@@ -37,6 +37,13 @@ public:
     Place Insert(const Place& place, uint32_t edge);
     /// Takes out the edge right of a place and gives the place that is left.
     Place Erase(const Place& place) noexcept;
+    /// Puts another edge in the place of the one right of it.
+    void Replace(const Place& place, uint32_t edge) noexcept {
+        uint32_t& slot = m_blocks[place.block].edges[place.index];
+        m_edges[slot].block = kNone;
+        m_edges[edge].block = place.block;
+        slot = edge;
+    }
     /// Puts new edges in the place of the `count` ones right of it, which count as taken out already (block kNone), and
     /// gives the place behind them.
     Place Exchange(const Place& place, uint32_t count, const HeapArray<uint32_t>& edges);
@@ -46,7 +53,7 @@ private:
 
     struct Block {
         uint32_t count, order; // order: the block's index in the directory
-        uint32_t edges[kCapacity];
+        alignas(16) uint32_t edges[kCapacity];
     };
 
     [[nodiscard]] uint32_t Neighbour(uint32_t block, int step) const noexcept {
