@@ -17,6 +17,8 @@ struct GridEdge {
     static constexpr uint32_t kNone = 0xFFFFFFFFU;
 
     enum class Border : uint8_t { None, InsideLeft, InsideRight };
+    /// How far the edge's ends lie from the line: in cells that it passes; within a few units; or farther.
+    enum class Stray : uint8_t { None, Little, Far };
 
     GridPoint lo{}, hi{};
     int32_t a = 0, b = 0;
@@ -28,7 +30,9 @@ struct GridEdge {
     uint32_t root = kNone;         // the edge of this sweep's beginning that this one is a piece of
     uint32_t junction = kNone;     // number of the point where this border edge begins, if several borders meet there
     Border border = Border::None;
-    bool near = false; // passes so closely by a point of the sweep that a bend might pass over it
+    Stray stray = Stray::None;
+    bool near = false;  // this sweep has passed a point that the line comes as near to as a cell, beside the edge
+    bool close = false; // or a few units
 
     [[nodiscard]] bool Weightless() const noexcept { return a == 0 && b == 0; }
     [[nodiscard]] int64_t SideOf(const GridPoint& p) const noexcept { return Side(lo, hi, p); }

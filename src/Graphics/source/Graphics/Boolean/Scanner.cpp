@@ -74,7 +74,6 @@ bool Scanner::Doubtful() const noexcept {
 /// Begins anew with the input, and lets each sweep leave to the next what it can't cut where the lines cross.
 void Scanner::Restart() {
     m_eager = m_hot = false;
-    m_strict = true;
     m_test = m_givenTest;
     m_edges.clear();
     for (size_t i = 0; i < m_lines.size(); ++i) {
@@ -137,6 +136,7 @@ void Scanner::Prepare() {
             edge.a = old.a;
             edge.b = old.b;
             edge.line = old.line;
+            edge.stray = old.stray;
             Flip(edge.lo);
             Flip(edge.hi);
             if (Before(edge.hi, edge.lo)) {
@@ -233,9 +233,11 @@ void Scanner::ProcessPoint() {
     }
 }
 
-/// Whether a line passes through the square of side 1 around p, its borders included.
-bool Scanner::InCell(const Line& line, const GridPoint& p) noexcept {
-    return 2 * std::abs(Side(line.from, line.to, p)) <= Reach(line.from, line.to);
+/// How far a line passes from p, along x and y: through its cell, the square of side 1 around it, borders included, or
+/// within a few units.
+Scanner::Stray Scanner::DistanceOf(const Line& line, const GridPoint& p) noexcept {
+    const int64_t side = std::abs(Side(line.from, line.to, p)), unit = Reach(line.from, line.to);
+    return 2 * side <= unit ? Stray::None : side <= kFewUnits * unit ? Stray::Little : Stray::Far;
 }
 
 /// The piece of a cut edge that ends at p, if the status holds it.
@@ -264,14 +266,18 @@ Scanner::Place Scanner::TakeOutEnds() {
         place = m_status.StepLeft(place);
     }
     Place behind = place;
+    uint32_t border = kNone; // the last one
     for (uint32_t e = m_status.RightOf(behind); e != kNone && Touches(e, -1); e = m_status.RightOf(behind)) {
         if (!(m_edges[e].hi == m_point)) {
             Bend(m_edges[e], m_point);
             const uint32_t upper = Cut(e, m_point);
             m_starts.push_back(upper);
         }
-        // Bends have made two edges of one start coincide: the next sweep will make them one.
-        m_bent = m_bent || (!m_ends.empty() && m_edges[m_ends.back()].lo == m_edges[e].lo);
+        // Bends may make edges of one start coincide. If two of them are borders, the next sweep has to make them one.
+        if (m_edges[e].border != GridEdge::Border::None) {
+            m_bent = m_bent || (border != kNone && m_edges[border].lo == m_edges[e].lo);
+            border = e;
+        }
         m_ends.push_back(e);
         m_edges[e].block = kNone;
         behind = m_status.StepRight(behind);
@@ -293,11 +299,13 @@ bool Scanner::Touches(uint32_t edge, int hand) noexcept {
         return true;
     }
     // Bent edges stay near their lines: what is far from the edge need not be compared with the line.
-    if (std::abs(side) <= 4 * Reach(e.lo, e.hi) && InBox(e, m_point) && InCell(m_lines[e.line], m_point)) {
-        if (m_hot) {
+    if (std::abs(side) <= 4 * kFewUnits * Reach(e.lo, e.hi) && InBox(e, m_point)) {
+        const Stray distance = DistanceOf(m_lines[e.line], m_point);
+        if (distance == Stray::None && m_hot) {
             return true;
         }
-        e.near = true;
+        e.near = e.near || distance == Stray::None;
+        e.close = e.close || distance == Stray::Little;
     }
     if ((side > 0) != (hand > 0)) {
         Disorder();
@@ -306,11 +314,11 @@ bool Scanner::Touches(uint32_t edge, int hand) noexcept {
 }
 
 /// Takes note that an edge will end at a point ahead.
-void Scanner::Bend(const GridEdge& e, const GridPoint& at) noexcept {
+void Scanner::Bend(GridEdge& e, const GridPoint& at) noexcept {
     if (e.SideOf(at) != 0) {
         m_hot = true;
-        m_strict = m_strict && InCell(m_lines[e.line], at);
-        m_bent = m_bent || e.near || !m_strict;
+        e.stray = std::max(e.stray, DistanceOf(m_lines[e.line], at));
+        m_bent = m_bent || e.near || e.stray == Stray::Far || (e.stray == Stray::Little && e.close);
     }
 }
 
@@ -478,6 +486,7 @@ uint32_t Scanner::Cut(uint32_t edge, GridPoint at) {
     GridEdge piece = m_edges[edge];
     piece.block = piece.next = piece.junction = kNone;
     piece.border = GridEdge::Border::None;
+    piece.near = piece.close = false;
     piece.lo = at;
     uint32_t& last = m_lastPiece[piece.root];
     last = last == edge ? upper : last;
@@ -488,7 +497,7 @@ uint32_t Scanner::Cut(uint32_t edge, GridPoint at) {
         last = kNone; // two pieces end at one point
     }
     if (m_edges.size() == m_edges.capacity()) {
-        m_edges.reserve(2 * m_edges.size()); // crossings may be many: few moves
+        m_edges.reserve(4 * m_edges.size()); // crossings may be many: few moves
     }
     m_edges.push_back(piece);
     m_edges[edge].hi = at;
@@ -526,45 +535,50 @@ void Scanner::CutNeighbours(uint32_t left, uint32_t right) {
 /// cross, at an end of the one whose cell the other's line passes, so that both go through it; or else where they
 /// cross.
 void Scanner::CutCrossing(uint32_t left, uint32_t right) {
-    const GridEdge& e = m_edges[left];
-    const GridEdge& f = m_edges[right];
+    GridEdge& e = m_edges[left];
+    GridEdge& f = m_edges[right];
     const Line &le = m_lines[e.line], &lf = m_lines[f.line];
-    bool later = false;
-    if (const auto crossing = LineCrossing::Of(le.from, le.to, lf.from, lf.to)) {
-        const GridPoint at = crossing->Nearest();
-        if (Usable(e, f, at)) {
-            Bend(e, at);
-            Bend(f, at);
-            CutBoth(left, right, at);
-            return;
-        }
-        const bool cutsLeft = CutLater(left, at), cutsRight = CutLater(right, at);
-        later = cutsLeft || cutsRight;
-    }
-    if (!later) {
-        for (const GridPoint& end : {e.lo, e.hi}) {
-            later |= InCell(lf, end) && CutLater(right, end);
-        }
-        for (const GridPoint& end : {f.lo, f.hi}) {
-            later |= InCell(le, end) && CutLater(left, end);
-        }
-    }
+    const auto crossing = LineCrossing::Of(le.from, le.to, lf.from, lf.to);
+    GridPoint at = crossing ? crossing->Nearest() : m_point;
     // The first sweep, whatever the next is to do, goes on with the edges exchanged: one wrong pair would hide the
     // crossings of all that meet it. Later ones leave the cut to the next, as cuts at ever new points need not end.
-    GridPoint at{};
-    if ((EagerSweep() || !later) && CrossingPoint(e, f, at)) {
-        Bend(e, at);
-        Bend(f, at);
-        m_bent = m_hot = true;
-        CutBoth(left, right, at);
-    } else {
-        Disorder();
+    bool usable = Usable(e, f, at);
+    if (!usable && EagerSweep()) {
+        ++m_exceptions;
+        usable = CrossingPoint(e, f, at);
     }
+    if (!usable) {
+        const bool noted = crossing && NoteBoth(left, right, crossing->Nearest());
+        if (noted || NoteEnds(left, right) || !CrossingPoint(e, f, at)) {
+            Disorder();
+            return;
+        }
+        m_bent = m_hot = true;
+    }
+    Bend(e, at);
+    Bend(f, at);
+    CutBoth(left, right, at);
+}
+
+bool Scanner::NoteBoth(uint32_t left, uint32_t right, const GridPoint& at) {
+    const bool cutsLeft = CutLater(left, at), cutsRight = CutLater(right, at);
+    return cutsLeft || cutsRight;
+}
+
+/// Has each of two edges cut at the other's ends, as far as its line passes their cells.
+bool Scanner::NoteEnds(uint32_t left, uint32_t right) {
+    bool noted = false;
+    for (const auto& [edge, other] : {std::pair(left, right), std::pair(right, left)}) {
+        for (const GridPoint& end : {m_edges[edge].lo, m_edges[edge].hi}) {
+            noted |= DistanceOf(m_lines[m_edges[other].line], end) == Stray::None && CutLater(other, end);
+        }
+    }
+    return noted;
 }
 
 /// Notes a point at which the next sweep shall find an edge cut, be it behind this sweep or ahead.
 bool Scanner::CutLater(uint32_t edge, const GridPoint& at) {
-    const GridEdge& e = m_edges[edge];
+    GridEdge& e = m_edges[edge];
     if (!InBox(e, at) || e.lo == at || e.hi == at) {
         return false;
     }
@@ -584,6 +598,7 @@ void Scanner::CutNoted() {
         }
         if (edge != kNone) {
             const GridEdge::Border border = m_edges[edge].border;
+            Bend(m_edges[edge], cut.at);
             const bool back = Before(m_edges[edge].hi, cut.at);
             m_edges[Cut(edge, cut.at)].border = back ? Opposite(border) : border;
         }

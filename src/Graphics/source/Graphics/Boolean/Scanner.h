@@ -69,7 +69,9 @@ private:
     static constexpr uint32_t kNone = GridEdge::kNone;
     static constexpr uint32_t kEagerSweeps = 4;
     static constexpr size_t kEdgesPerException = 1024;
+    static constexpr int32_t kFewUnits = 2;
     using Place = SweepStatus::Place;
+    using Stray = GridEdge::Stray;
 
     struct Line {
         GridPoint from, to;
@@ -105,12 +107,14 @@ private:
     void CutNeighbours(uint32_t left, uint32_t right);
     void CutBoth(uint32_t left, uint32_t right, GridPoint at);
     void CutCrossing(uint32_t left, uint32_t right);
+    [[nodiscard]] bool NoteBoth(uint32_t left, uint32_t right, const GridPoint& at);
+    [[nodiscard]] bool NoteEnds(uint32_t left, uint32_t right);
     [[nodiscard]] bool CutLater(uint32_t edge, const GridPoint& at);
     void CutNoted();
-    [[nodiscard]] static bool InCell(const Line& line, const GridPoint& p) noexcept;
+    [[nodiscard]] static Stray DistanceOf(const Line& line, const GridPoint& p) noexcept;
     [[nodiscard]] bool CrossingPoint(const GridEdge& e, const GridEdge& f, GridPoint& at) const noexcept;
     [[nodiscard]] bool Usable(const GridEdge& e, const GridEdge& f, const GridPoint& at) const noexcept;
-    void Bend(const GridEdge& e, const GridPoint& at) noexcept;
+    void Bend(GridEdge& e, const GridPoint& at) noexcept;
     void Disorder() noexcept {
         m_ordered = false;
         m_bent = true;
@@ -137,7 +141,6 @@ private:
     bool m_eager = true;
     bool m_bent = false;   // in this sweep
     bool m_ordered = true; // no sign in this sweep that bent edges stood in a wrong order
-    bool m_strict = true;  // all cuts so far lie in cells that the lines pass
     bool m_hot = false;    // in any sweep so far: whatever comes near a point goes through it
     Counts m_counts;
 };
