@@ -49,9 +49,8 @@ void EventQueue::Sort() {
         return;
     }
     if (m_ends.size() < kFewEnds) {
-        std::sort(m_ends.begin(), m_ends.end(), [](const End& a, const End& b) {
-            return a.key != b.key ? a.key < b.key : a.edges[0] < b.edges[0];
-        });
+        std::sort(m_ends.begin(), m_ends.end(),
+                  [](const End& a, const End& b) { return a.key != b.key ? a.key < b.key : a.edges[0] < b.edges[0]; });
     } else {
         SortByDigits();
     }

@@ -9,6 +9,8 @@
 //   lo       o
 #pragma once
 
+#include <algorithm>
+
 #include "GridPoint.h"
 
 namespace Graphics {
@@ -36,6 +38,14 @@ struct GridEdge {
 
     [[nodiscard]] bool Weightless() const noexcept { return a == 0 && b == 0; }
     [[nodiscard]] int64_t SideOf(const GridPoint& p) const noexcept { return Side(lo, hi, p); }
+    [[nodiscard]] bool InBox(const GridPoint& p) const noexcept {
+        return p.y >= lo.y && p.y <= hi.y && p.x >= std::min(lo.x, hi.x) && p.x <= std::max(lo.x, hi.x);
+    }
+    [[nodiscard]] bool Borders() const noexcept { return border != Border::None; }
+    /// What the edge weighs as a border: 1 with the inside at its left, -1 at its right.
+    [[nodiscard]] int32_t BorderWeight() const noexcept {
+        return static_cast<int32_t>(border == Border::InsideLeft) - static_cast<int32_t>(border == Border::InsideRight);
+    }
 };
 
 } // namespace Graphics

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <optional>
 
 namespace Graphics {
@@ -42,6 +43,11 @@ inline constexpr int32_t kKeyBias = 1 << 25;
 /// Where p lies as seen from the line lo -> hi, lo before hi: positive right (larger x), negative left, 0 on the line.
 [[nodiscard]] constexpr int64_t Side(const GridPoint& lo, const GridPoint& hi, const GridPoint& p) noexcept {
     return Cross(lo, p, hi);
+}
+
+/// The distance along x and y together.
+[[nodiscard]] inline int64_t Reach(const GridPoint& p, const GridPoint& q) noexcept {
+    return static_cast<int64_t>(std::abs(q.x - p.x)) + std::abs(q.y - p.y);
 }
 
 /// Where two lines, each given by two points, meet: along x and y the integer nearest to the exact value (halves up)

@@ -87,6 +87,9 @@ void PairwiseWinder::Load() {
 }
 
 void PairwiseWinder::Run(HeapArray<GridEdge>& border) {
+    if (m_crossed.empty()) {
+        Load();
+    }
     for (size_t i = 0; i < m_edges.size(); ++i) {
         Wind(static_cast<uint32_t>(i));
         Walk(m_edges[i], border);

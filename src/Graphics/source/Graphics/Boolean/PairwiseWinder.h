@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Finds the border of a combination by comparing every edge with every other: for areas of which nearly each edge crosses
-// many others, where a sweep would stop at every crossing and keep all the pieces, most of which are no border.
+// Finds the border of a combination by comparing every edge with every other: for areas of which nearly each edge
+// crosses many others, where a sweep would stop at every crossing and keep all the pieces, most of which are no border.
 //
 // Along an edge the winding number at its left changes by the weight of what is crossed and by nothing else. So an edge
 // is done by itself: its crossings, rounded to the grid and sorted along it, and the winding number where it begins.
@@ -8,8 +8,8 @@
 // winding numbers between them are the true ones: the border closes, and is off by half a unit of the grid at most.
 // Where the edges rounded cross or touch each other, the sweep that follows sees to it.
 //
-// Edges that lie upon each other count as if the one with the smaller index were left. Their borders then add up to what
-// lies between the areas left and right of all of them, whichever the order.
+// Edges that lie upon each other count as if the one with the smaller index were left. Their borders then add up to
+// what lies between the areas left and right of all of them, whichever the order.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -28,8 +28,8 @@ public:
 
     /// Whether samples say that crossings are so many, and at so many points, that this is faster than a sweep.
     [[nodiscard]] bool Worthwhile();
-    /// Puts the pieces of edges that are the border into `border`, weight 1 for the area at their left, -1 at the right,
-    /// in operand A. To be called after Worthwhile.
+    /// Puts the pieces of edges that are the border into `border`, weight 1 for the area at their left, -1 at the
+    /// right, in operand A.
     void Run(HeapArray<GridEdge>& border);
 
 private:

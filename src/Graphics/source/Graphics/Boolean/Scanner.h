@@ -4,21 +4,36 @@
 //
 // A sweep (Bentley and Ottmann 1979) over grid points keeps the edges under the sweep line in order and looks at
 // neighbours alone: where two of them touch or cross, both are cut. Edges of one start and direction become one edge
-// with the sum of their weights, so what overlaps is handled once. A crossing is rounded to the grid, which bends the
-// two edges by at most about one unit; bent edges may cross others. Therefore the pieces are swept again, until a sweep
-// bends nothing: all its questions were exact, so by the argument of Shamos and Hoey (1976) nothing crosses any more,
-// and its winding numbers and borders are right. Every cut point lies in the box of what it cuts: the lengths |dx| +
-// |dy| of the pieces add up to that of the edge, each is at least 1, so the repetition ends; in practice after two or
-// three.
+// with the sum of their weights, so what overlaps is handled once. Where nearly all edges cross, PairwiseWinder finds
+// the border beforehand and the sweep gets nothing else.
 //
-// That is done eagerly at first: where a bend is in the way, the first sweep cuts nearby and goes on in the right
-// order, so that it finds all crossings, however many, at once. If such bends are more than exceptions, or four sweeps
-// were not enough, everything begins anew by the patient way, in which a sweep leaves such pairs to the next.
+// A crossing is rounded to the grid, which bends the two edges by a unit or so; bent edges may cross others. A sweep is
+// the last one if it bends nothing, or if no bend matters. A bend takes effect ahead of the sweep, where all is still
+// to be looked at, and behind it, where the edge turns through a thin triangle. Corners of the triangle are the edge's
+// ends, which stray little from its line, and the line is straight: what lies in the triangle is near the line and in
+// the edge's box. So at every point the sweep notes of both neighbours whether the point lies there (GridEdge::near,
+// close). A bend of an edge without such a note changes no answer given before: the final edges have passed every point
+// at the side that was found. By the argument of Shamos and Hoey (1976) they don't cross then: the first two to meet
+// would have been neighbours just before, and the next point at which they cease to be neighbours, an end of one of
+// them or a start between them, would have been at the wrong side of one. Edges that share both ends are the exception;
+// of these no two may be borders. Otherwise the pieces are swept again.
 //
-// Cut points are computed from the input edges rather than from their bent pieces: bends do not add up.
+// The repetition ends. Every cut point lies in the box of what it cuts, so the lengths |dx| + |dy| of the pieces add up
+// to that of the edge, and each is at least 1; merging and leaving out edges only takes away. So the sum over all
+// pieces of their length less 1 never grows, shrinks with every cut, and is never negative. And a sweep that is not the
+// last has cut: without a bend its questions are exact and all crossings have a cut point. (The bound is astronomical;
+// in practice there are one or two sweeps.)
+//
+// Where a bend is in the way, the first sweep cuts nearby and goes on in the right order, so that it finds all
+// crossings, however many, at once. If such bends are more than exceptions, or four sweeps were not enough, everything
+// begins anew by the patient way, in which a sweep leaves such pairs to the next.
 #pragma once
 
+#include "BorderLinker.h"
+#include "EdgeCutter.h"
+#include "EdgePieces.h"
 #include "EventQueue.h"
+#include "SweepState.h"
 #include "SweepStatus.h"
 #include "WindingTest.h"
 
@@ -34,62 +49,35 @@ public:
         uint64_t cuts = 0;
     };
 
-    explicit Scanner(const WindingTest& test) noexcept : m_givenTest(test), m_test(test), m_status(m_edges) {}
+    explicit Scanner(const WindingTest& test) noexcept
+        : m_test(test), m_status(m_edges.All()), m_cutter(m_edges, m_queue, m_state), m_linker(m_edges, test) {}
     Scanner(const Scanner&) = delete;
     Scanner& operator=(const Scanner&) = delete;
 
     /// An edge of a closed ring of operand A or B.
-    void AddEdge(const GridPoint& from, const GridPoint& to, bool ofB) {
-        // Up or down is as good as random: no branches.
-        const uint64_t begin = SweepKey(from), end = SweepKey(to);
-        const int32_t weight = begin < end ? 1 : -1;
-        GridEdge edge;
-        edge.lo = PointOf(begin < end ? begin : end);
-        edge.hi = PointOf(begin < end ? end : begin);
-        edge.a = ofB ? 0 : weight;
-        edge.b = ofB ? weight : 0;
-        edge.line = static_cast<uint32_t>(m_edges.size());
-        if (begin != end) {
-            m_edges.push_back(edge);
-        }
-    }
+    void AddEdge(const GridPoint& from, const GridPoint& to, bool ofB) { m_edges.Add(from, to, ofB); }
     /// Says how many edges will be added next.
-    void Expect(size_t edges) { m_edges.reserve(m_edges.size() + edges); }
+    void Expect(size_t edges) { m_edges.Expect(edges); }
     /// Cuts and winds. Afterwards the edges with a border are linked to closed borders, inside at the same hand.
     void Run();
 
-    [[nodiscard]] HeapArray<GridEdge>& Edges() noexcept { return m_edges; }
+    [[nodiscard]] HeapArray<GridEdge>& Edges() noexcept { return m_edges.All(); }
     /// How many points there are at which several borders meet.
-    [[nodiscard]] uint32_t Junctions() const noexcept { return m_junctions; }
+    [[nodiscard]] uint32_t Junctions() const noexcept { return m_linker.Junctions(); }
     /// Whether x and y of the edges are exchanged, and with them left and right.
-    [[nodiscard]] bool Transposed() const noexcept { return m_transposed; }
-    [[nodiscard]] const Counts& Work() const noexcept { return m_counts; }
+    [[nodiscard]] bool Transposed() const noexcept { return m_edges.Transposed(); }
+    [[nodiscard]] Counts Work() noexcept { return {m_state.sweeps, m_points, m_cutter.Comparisons(), m_edges.Cuts()}; }
 
 private:
     static constexpr uint32_t kNone = GridEdge::kNone;
     static constexpr uint32_t kEagerSweeps = 4;
     static constexpr size_t kEdgesPerException = 1024;
-    static constexpr int32_t kFewUnits = 2;
     using Place = SweepStatus::Place;
     using Stray = GridEdge::Stray;
 
-    struct Line {
-        GridPoint from, to;
-        int32_t a, b;
-    };
-
-    struct LaterCut {
-        uint32_t edge;
-        GridPoint at;
-    };
-
     void Prepare();
-    void KeepBorders() noexcept;
-    [[nodiscard]] bool BordersClose() const noexcept;
-    [[nodiscard]] bool BordersContinue() const noexcept;
     [[nodiscard]] bool Doubtful() const noexcept;
     void Restart();
-    [[nodiscard]] bool EagerSweep() const noexcept { return m_eager && m_counts.sweeps == 1; }
     void Sweep();
     void ProcessPoint();
     [[nodiscard]] bool PassPoint();
@@ -98,51 +86,17 @@ private:
     void TakeOutStragglers(Place& place);
     void SortStarts();
     void MergeStarts();
-    void WindStarts(uint32_t left);
-    void LinkBorders(uint32_t left);
-    void JoinBorders(uint32_t first, uint32_t second);
 
-    [[nodiscard]] uint32_t PieceEndingAt(uint32_t edge, const GridPoint& p) const noexcept;
-    [[nodiscard]] uint32_t Cut(uint32_t edge, GridPoint at);
-    void CutNeighbours(uint32_t left, uint32_t right);
-    void CutBoth(uint32_t left, uint32_t right, GridPoint at);
-    void CutCrossing(uint32_t left, uint32_t right);
-    [[nodiscard]] bool NoteBoth(uint32_t left, uint32_t right, const GridPoint& at);
-    [[nodiscard]] bool NoteEnds(uint32_t left, uint32_t right);
-    [[nodiscard]] bool CutLater(uint32_t edge, const GridPoint& at);
-    void CutNoted();
-    [[nodiscard]] static Stray DistanceOf(const Line& line, const GridPoint& p) noexcept;
-    [[nodiscard]] bool CrossingPoint(const GridEdge& e, const GridEdge& f, GridPoint& at) const noexcept;
-    [[nodiscard]] bool Usable(const GridEdge& e, const GridEdge& f, const GridPoint& at) const noexcept;
-    void Bend(GridEdge& e, const GridPoint& at) noexcept;
-    void Disorder() noexcept {
-        m_ordered = false;
-        m_bent = true;
-    }
-    [[nodiscard]] int64_t SideOf(uint32_t edge, const GridPoint& p) noexcept {
-        ++m_counts.comparisons;
-        return m_edges[edge].SideOf(p);
-    }
-
-    const WindingTest m_givenTest;
-    WindingTest m_test;
-    HeapArray<GridEdge> m_edges;
-    HeapArray<Line> m_lines; // the input
+    const WindingTest m_test;
+    EdgePieces m_edges;
     SweepStatus m_status;
     EventQueue m_queue;
-    GridPoint m_point{};
-    uint32_t m_taken = 0;            // how many edges in the status end at the point
-    HeapArray<uint32_t> m_lastPiece; // of each edge that the sweep began with, the one that ends where it ended
-    HeapArray<uint32_t> m_endHints, m_ends, m_starts, m_around;
-    HeapArray<LaterCut> m_later;
-    uint32_t m_junctions = 0;
-    bool m_transposed = false;
-    size_t m_exceptions = 0; // cuts elsewhere than where the lines cross, as bends were in the way
-    bool m_eager = true;
-    bool m_bent = false;   // in this sweep
-    bool m_ordered = true; // no sign in this sweep that bent edges stood in a wrong order
-    bool m_hot = false;    // in any sweep so far: whatever comes near a point goes through it
-    Counts m_counts;
+    SweepState m_state;
+    EdgeCutter m_cutter;
+    BorderLinker m_linker;
+    uint64_t m_points = 0;
+    uint32_t m_taken = 0; // how many edges in the status end at the point
+    HeapArray<uint32_t> m_endHints, m_ends, m_starts;
 };
 
 } // namespace Graphics

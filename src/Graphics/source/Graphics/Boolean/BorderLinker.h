@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Follows the winding numbers through a sweep, point by point: which edges are borders of the area, and which border
+// continues which.
+#pragma once
+
+#include "EdgePieces.h"
+#include "WindingTest.h"
+
+namespace Graphics {
+
+class BorderLinker {
+public:
+    BorderLinker(EdgePieces& edges, const WindingTest& test) noexcept : m_edges(edges), m_test(test) {}
+
+    void SetTest(const WindingTest& test) noexcept { m_test = test; }
+    void BeginSweep() noexcept { m_junctions = 0; }
+
+    /// Winding numbers at both sides of the edges that start at a point, and whether they border the area. `left` is
+    /// the edge left of the point, or kNone.
+    void Wind(uint32_t left, const HeapArray<uint32_t>& starts) noexcept { Wind(left, starts.begin(), starts.end()); }
+    void Wind(uint32_t left, uint32_t start) noexcept { Wind(left, &start, &start + 1); }
+    /// Links the borders that end and start at a point, given from left to right.
+    void Link(const GridPoint& point, uint32_t left, const HeapArray<uint32_t>& ends,
+              const HeapArray<uint32_t>& starts);
+    /// The same for one edge that ends and one that starts.
+    void LinkPair(const GridPoint& point, uint32_t end, uint32_t start) noexcept {
+        if (m_edges[end].Borders() && m_edges[start].Borders()) {
+            Join(point, end, start);
+        }
+    }
+    /// Whether as many borders lead to the point as away from it.
+    [[nodiscard]] bool Continue(const HeapArray<uint32_t>& ends, const HeapArray<uint32_t>& starts) const noexcept;
+
+    /// How many points there are at which several borders meet.
+    [[nodiscard]] uint32_t Junctions() const noexcept { return m_junctions; }
+
+private:
+    static constexpr uint32_t kNone = GridEdge::kNone;
+
+    void Wind(uint32_t left, const uint32_t* start, const uint32_t* end) noexcept;
+    void Join(const GridPoint& point, uint32_t first, uint32_t second) noexcept;
+
+    EdgePieces& m_edges;
+    WindingTest m_test;
+    uint32_t m_junctions = 0;
+    HeapArray<uint32_t> m_around;
+};
+
+} // namespace Graphics
