@@ -226,12 +226,12 @@ void CheckPair(const Operand& a, const Operand& b, Maker& maker, double slack) {
 #endif
 }
 
-/// GX_BOOLEAN_PAIRS=100000 makes it the long run; GX_BOOLEAN_SEED repeats one pair.
+/// GX_BOOLEAN_PAIRS=100000 makes it the long run; GX_BOOLEAN_SEED repeats one pair, or is where the long run begins.
 TEST(Boolean, RandomPairsAreWhatTheirWindingNumbersSay) {
     const char* wanted = std::getenv("GX_BOOLEAN_PAIRS");
     const char* only = std::getenv("GX_BOOLEAN_SEED");
     const uint32_t first = only != nullptr ? static_cast<uint32_t>(std::atoi(only)) : 1;
-    const uint32_t count = only != nullptr ? 1 : wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : 2000;
+    const uint32_t count = wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : only != nullptr ? 1 : 2000;
     for (uint32_t seed = first; seed < first + count; ++seed) {
         Maker maker(seed);
         const int kind = static_cast<int>(seed) % Maker::kKinds;

@@ -22,7 +22,7 @@
 // to that of the edge, and each is at least 1; merging and leaving out edges only takes away. So the sum over all
 // pieces of their length less 1 never grows, shrinks with every cut, and is never negative. And a sweep that is not the
 // last has cut: without a bend its questions are exact and all crossings have a cut point. (The bound is astronomical;
-// in practice there are one or two sweeps.)
+// in practice there are one or two sweeps.) Beginning anew, see below, happens once.
 //
 // Where a bend is in the way, the first sweep cuts nearby and goes on in the right order, so that it finds all
 // crossings, however many, at once. If such bends are more than exceptions, or four sweeps were not enough, everything
