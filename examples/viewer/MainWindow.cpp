@@ -3,13 +3,13 @@
 
 #include <windowsx.h>
 
-#include <commdlg.h>
 #include <shellapi.h>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
+#include "FileDialog.h"
 #include "Printing.h"
 
 namespace Viewer {
@@ -358,18 +358,9 @@ void MainWindow::Dropped(WPARAM files) {
 }
 
 void MainWindow::OpenWithDialog() {
-    wchar_t path[4096] = L"";
-    OPENFILENAMEW dialog{};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = m_window;
-    dialog.lpstrFilter = L"Recorded pages (*.gxr)\0*.gxr\0All files\0*.*\0";
-    dialog.lpstrFile = path;
-    dialog.nMaxFile = static_cast<DWORD>(std::size(path));
-    dialog.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (GetOpenFileNameW(&dialog) != FALSE)
+    const std::wstring path = AskForFile(m_window, L"Recorded pages (*.gxr)\0*.gxr\0All files\0*.*\0");
+    if (!path.empty())
         Open(path);
-    else if (const DWORD fault = CommDlgExtendedError(); fault != 0)
-        throw Gxr::Error("the dialog for files cannot be shown, error " + std::to_string(fault));
 }
 
 void MainWindow::ZoomBy(double factor) {

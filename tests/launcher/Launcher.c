@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: MIT */
 /* launcher PROGRAM [ARGUMENT...]: runs a Windows program and ends with its result.
  *
- * When a process has ended for Windows, Wine gives it one second to end on the system below, too, then kills it there, and
- * whoever waits for it there sees it killed. What display drivers have to tidy up takes longer than that on a busy
+ * When a process has ended for Windows, Wine gives it one second to end on the system below, too, then kills it there,
+ * and whoever waits for it there sees it killed. What display drivers have to tidy up takes longer than that on a busy
  * machine. A waiting process of Windows gets the result in any case; this one ends itself at once. */
 #include <stdio.h>
 #include <wchar.h>

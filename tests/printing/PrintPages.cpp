@@ -8,12 +8,7 @@
 // With GX_PICTURES set to a folder every compared pair is left there as PPM files.
 #include "Recording.h"
 
-#define WIN32_LEAN_AND_MEAN
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-#include <winspool.h>
+#include "TestPrinter.h"
 
 #include <algorithm>
 #include <chrono>
@@ -172,48 +167,16 @@ bool Metafile(const std::string& page) {
     return Compare(NameOf(page), screen, ThroughMetafile(recording, screen, scale));
 }
 
-constexpr const wchar_t* kPrinter = L"Graphics Test Printer";
+constexpr const wchar_t* kPrinter = TestPrinter::kName;
 // The paper of the PPD, whatever the driver makes of its margins.
 constexpr float kPaperWidth = 1190, kPaperHeight = 1684;
-
-std::wstring Wide(const std::string& path) {
-    std::wstring wide(path.begin(), path.end());
-    std::replace(wide.begin(), wide.end(), L'/', L'\\');
-    return path.rfind('/', 0) == 0 ? L"Z:" + wide : wide; // a path of the machine that Wine runs on
-}
-
-void InstallPrinter(const std::wstring& ppd) {
-    std::wstring driver = L"wineps.drv", description = ppd, name = kPrinter, environment = L"Windows x64";
-    DRIVER_INFO_3W info{};
-    info.cVersion = 3;
-    info.pName = name.data();
-    info.pEnvironment = environment.data();
-    info.pDriverPath = driver.data();
-    info.pDataFile = description.data();
-    info.pConfigFile = driver.data();
-    Check(
-        AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&info), APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY) ||
-            GetLastError() == ERROR_PRINTER_DRIVER_ALREADY_INSTALLED,
-        "AddPrinterDriverEx");
-    std::wstring port = L"FILE:", processor = L"WinPrint", type = L"RAW";
-    PRINTER_INFO_2W printer{};
-    printer.pPrinterName = name.data();
-    printer.pPortName = port.data();
-    printer.pDriverName = name.data();
-    printer.pPrintProcessor = processor.data();
-    printer.pDatatype = type.data();
-    const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer));
-    Check(added != nullptr || GetLastError() == ERROR_PRINTER_ALREADY_EXISTS, "AddPrinter");
-    if (added != nullptr)
-        ClosePrinter(added);
-}
 
 void Print(const std::string& page, const std::string& folder) {
     const Gxr::Recording recording = Gxr::Recording::FromFile(page);
     const HDC dc = CreateDCW(nullptr, kPrinter, nullptr, nullptr);
     Check(dc != nullptr, "CreateDC");
     const auto start = std::chrono::steady_clock::now();
-    const std::wstring file = Wide(folder + "/" + NameOf(page) + ".ps");
+    const std::wstring file = TestPrinter::PathOf(folder + "/" + NameOf(page) + ".ps");
     DOCINFOW document{};
     document.cbSize = sizeof document;
     document.lpszDocName = L"page";
@@ -265,7 +228,7 @@ int Run(int argc, char** argv) {
     GXLogSetSink(
         1, [](void*, const char* text) { std::fprintf(stderr, "%s\n", text); }, nullptr);
     if (command == "print")
-        InstallPrinter(Wide(argv[2]));
+        Check(TestPrinter::Install(TestPrinter::PathOf(argv[2])), "installing the printer");
     bool good = true;
     for (int i = first; i < argc; ++i) {
         if (command == "print")
