@@ -237,8 +237,7 @@ void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, u
     size_t known = 0;
     for (const CoverageRun& run : runs) {
         const auto x = static_cast<float>(run.x0);
-        SwPoint next = {s.m0 * x + s.m2 * static_cast<float>(y) + s.m4,
-                        s.m1 * x + s.m3 * static_cast<float>(y) + s.m5};
+        SwPoint next = {s.m0 * x + s.m2 * static_cast<float>(y) + s.m4, s.m1 * x + s.m3 * static_cast<float>(y) + s.m5};
         for (auto left = static_cast<size_t>(static_cast<int64_t>(run.x1) - run.x0); left != 0;) {
             const size_t n = std::min(kPaintChunk - known, left);
             next = m_kernels.accumulatePoints(next, {s.m0, s.m1}, u + known, v + known, n);

@@ -952,9 +952,9 @@ GX_API GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap b
                                          float opacity, uint32_t interpolation) GX_NOEXCEPT;
 
 /** Draws the part `source` of a bitmap, in bitmap pixels (null: all of it), exactly onto `destination`; either
- * rectangle, reversed, mirrors. Nothing outside `source` bleeds in. GXResultInvalidArgument when `renderTarget`, `bitmap` or
- * `destination` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.", "Not enough
- * memory". GXResultUnexpectedError when the C++ allocator fails. */
+ * rectangle, reversed, mirrors. Nothing outside `source` bleeds in. GXResultInvalidArgument when `renderTarget`,
+ * `bitmap` or `destination` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.", "Not
+ * enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXRect* destination,
                                             const GXIntRect* source, float opacity, uint32_t interpolation) GX_NOEXCEPT;
 
