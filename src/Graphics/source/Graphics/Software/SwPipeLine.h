@@ -99,6 +99,7 @@ private:
     bool m_isSolid = false;
     bool m_isOpaque = false;
     bool m_joins = false;
+    bool m_isFar;                 ///< the target is larger than the caches
     uint32_t* m_joined = nullptr; ///< colours of the stretch at hand, found together with those of its neighbours
     bool m_solidRowReady = false;
 };
