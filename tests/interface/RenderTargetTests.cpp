@@ -290,6 +290,14 @@ TEST(RenderTarget, InvertingTwiceRestores) {
         ASSERT_EQ(GXRenderTargetInvertLine(c.target, &from, &to), GXResultSuccess);
         EXPECT_EQ(c.Pixels() == before, i == 1);
     }
+    // What a group hands on is premultiplied.
+    Canvas grouped(2, 1);
+    const GXLayerDesc group{{0, 0, 0, 0}, 1.0F, 1, 0};
+    ASSERT_EQ(GXRenderTargetBeginLayer(grouped.target, &group), GXResultSuccess);
+    FillRect(grouped, {0, 0, 1, 1}, 0x80FF0000);
+    ASSERT_EQ(GXRenderTargetInvertRect(grouped.target, &all), GXResultSuccess);
+    ASSERT_EQ(GXRenderTargetEndLayer(grouped.target), GXResultSuccess);
+    EXPECT_EQ(grouped.Pixels(), (std::vector<uint32_t>{0x80008080U, 0}));
 }
 
 TEST(RenderTarget, ExternalBuffersAreCheckedAndNothingAroundThemIsTouched) {

@@ -362,7 +362,7 @@ TEST_P(KernelTest, PlainRowsFollowTheirFormulas) {
             dst, shift, "invert", [&](uint32_t* p) { k.invert(p, n); },
             [](uint32_t d, size_t) {
                 const Px x = Split(d);
-                return Join({255 - x.b, 255 - x.g, 255 - x.r, x.a});
+                return Join({std::max(0, x.a - x.b), std::max(0, x.a - x.g), std::max(0, x.a - x.r), x.a});
             });
     });
     // Long rows run the unrolled stores.

@@ -974,8 +974,8 @@ GX_API GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mas
                                        const GXRect* destination, uint32_t interpolation) GX_NOEXCEPT;
 
 /** Replaces every colour channel c in a rectangle by 255 - c. Alpha stays; doing it twice restores the pixels
- * exactly. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "Not
- * enough memory". */
+ * exactly. In a group, whose colours are premultiplied, c becomes alpha - c. GXResultInvalidArgument when an argument
+ * is null. GXResultEngineError: "Painting has not begun", "Not enough memory". */
 GX_API GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRect* rect) GX_NOEXCEPT;
 
 /** Replaces every colour channel c by 255 - c along a line one device pixel wide. Alpha stays; doing it twice

@@ -403,7 +403,10 @@ void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t co
 }
 
 void Invert(uint32_t* dst, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) { StoreSome(dst + i, n, LoadSome(dst + i, n) ^ 0x00FFFFFFU); });
+    ForBlocks(count, [=](size_t i, size_t n) {
+        const U32 x = LoadSome(dst + i, n);
+        StoreSome(dst + i, n, SubtractClamped(SpreadBytes(Alpha(x)), x & 0x00FFFFFFU));
+    });
 }
 
 #define GX_MODES(row)                                                                                                  \

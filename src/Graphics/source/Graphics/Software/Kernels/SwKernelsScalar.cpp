@@ -216,7 +216,8 @@ void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t co
 
 void Invert(uint32_t* dst, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        dst[i] ^= 0x00FFFFFFU;
+        const uint32_t a = Alpha(dst[i]);
+        dst[i] = SubtractClamped(a << 24 | a << 16 | a << 8 | a, dst[i] & 0x00FFFFFFU);
     }
 }
 
