@@ -651,10 +651,10 @@ GX_API GXResult GXGeometrySendToSink(GXGeometry geometry, const GXGeometrySinkCa
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryTransform(GXGeometry geometry, const GXMatrix* matrix, GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Makes a new non-zero geometry: the outline of the stroke of `width` units, curves flattened to within 0.25 unit.
- * `style` may be null: miter joins up to ratio 10, flat caps, no dashes. GXResultInvalidArgument when `geometry` or
- * `outGeometry` is null, or `width` is negative or NaN; GXResultEngineError for the dash patterns that GXStrokeStyle
- * refuses, and for "Not enough memory". */
+/** Makes a new non-zero geometry: the outline of the stroke of `width` units, without area for 0, curves flattened to
+ * within 0.25 unit. `style` may be null: miter joins up to ratio 10, flat caps, no dashes. GXResultInvalidArgument when
+ * `geometry` or `outGeometry` is null, or `width` is negative or NaN; GXResultEngineError for the dash patterns that
+ * GXStrokeStyle refuses, and for "Not enough memory". */
 GX_API GXResult GXGeometryWiden(GXGeometry geometry, float width, const GXStrokeStyle* style,
                                 GXGeometry* outGeometry) GX_NOEXCEPT;
 
