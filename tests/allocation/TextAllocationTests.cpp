@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "GX/GX.h"
 #include "../unit/RefusingNew.h"
+#include "GX/GX.h"
 #include "ProcessHeap.h"
 #include "Software/SwGlyphCache.h"
 
