@@ -86,6 +86,31 @@ TEST_F(HardwareTest, DrawsOfOneKindAreOneCallAndOneMap) {
     EXPECT_EQ(Context()->Device().Counters().backdropCopies - second.backdropCopies, 9U);
 }
 
+TEST_F(HardwareTest, DrawsUnderDifferentClipsAreOneCall) {
+    D3D11Counters before;
+    const Drawing draw = [&](RenderTargetBase& t) {
+        before = Context()->Device().Counters();
+        for (int i = 0; i < 40; ++i) {
+            t.PushState();
+            const auto x = static_cast<float>(i % 8 * 30);
+            const auto y = static_cast<float>(i / 8 * 40);
+            const BasicFigure clip(i % 2 == 0 ? BasicFigure::Kind::Ellipse : BasicFigure::Kind::Rectangle,
+                                   {x, y, x + 28, y + 37});
+            t.Clip({nullptr, &clip});
+            const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {x + 2, y - 8, x + 20, y + 50});
+            t.Fill({nullptr, &ellipse}, SolidBrush({0.1F, 0.02F * static_cast<float>(i), 0.9F, 0.7F}), false);
+            FillRect(t, {x - 10, y + 5, x + 90, y + 15}, {0.8F, 0.2F, 0.1F, 0.5F});
+            t.PopState();
+        }
+    };
+    const Difference d = Both(256, 256, draw);
+    EXPECT_LE(d.largest, 20) << d.x << " " << d.y; // edges of half an eighth of a pixel
+    EXPECT_LE(d.mean, 0.5);
+    static_cast<void>(OnHardware(256, 256, draw));
+    EXPECT_EQ(Context()->Device().Counters().batches - before.batches, 1U);
+    EXPECT_EQ(Context()->Device().Counters().coverages, before.coverages);
+}
+
 TEST_F(HardwareTest, ManyQuadsOutgrowTheBufferAndTheIndices) {
     const Difference d = Both(256, 256, [](RenderTargetBase& t) {
         for (int i = 0; i < 40000; ++i) {

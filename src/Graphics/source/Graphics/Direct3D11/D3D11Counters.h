@@ -19,8 +19,9 @@ struct D3D11Counters {
     uint64_t readbackPixels = 0;
     uint64_t sends = 0; ///< rectangles that the software drew, brought to the card
     uint64_t backdropCopies = 0;
-    uint64_t uploads = 0;         ///< of bitmaps, masks and clips
-    uint64_t softwareSources = 0; ///< colours that the software computed
+    uint64_t uploads = 0;         ///< of bitmaps
+    uint64_t softwareSources = 0; ///< uploads of colours that the software computed
+    uint64_t coverages = 0;       ///< uploads of clips and of what is drawn in knockout groups
     uint64_t recoveries = 0;
 };
 

@@ -27,16 +27,11 @@ constexpr UINT kPreventAlteringLayers = 0x80;
             static_cast<UINT>(r.right), static_cast<UINT>(r.bottom), 1};
 }
 
-struct BlendFactors {
-    D3D11_BLEND source, destination, sourceAlpha, destinationAlpha;
-    D3D11_BLEND_OP operation;
-};
-
 } // namespace
 
 D3D11Device::D3D11Device() {
     CreateDevice();
-    CreateBlendStates();
+    m_fixed.Create(*this);
 }
 
 D3D11Device::~D3D11Device() {
@@ -93,44 +88,6 @@ void D3D11Device::CreateDevice() {
     needs(DXGI_FORMAT_R16G16B16A16_FLOAT, kDrawn | D3D11_FORMAT_SUPPORT_SHADER_SAMPLE);
     needs(DXGI_FORMAT_A8_UNORM, D3D11_FORMAT_SUPPORT_TEXTURE2D | D3D11_FORMAT_SUPPORT_SHADER_SAMPLE);
     GX_D3D11_CHECK(*this, "D3D11Device::CreateDevice", able);
-}
-
-void D3D11Device::CreateBlendStates() {
-    static constexpr BlendFactors kFactors[kD3D11BlendCount] = {
-        {D3D11_BLEND_ONE, D3D11_BLEND_ZERO, D3D11_BLEND_ONE, D3D11_BLEND_ZERO, D3D11_BLEND_OP_ADD},
-        {D3D11_BLEND_ONE, D3D11_BLEND_INV_SRC_ALPHA, D3D11_BLEND_ONE, D3D11_BLEND_INV_SRC_ALPHA, D3D11_BLEND_OP_ADD},
-        {D3D11_BLEND_ZERO, D3D11_BLEND_INV_SRC_ALPHA, D3D11_BLEND_ZERO, D3D11_BLEND_INV_SRC_ALPHA, D3D11_BLEND_OP_ADD},
-        {D3D11_BLEND_ONE, D3D11_BLEND_ONE, D3D11_BLEND_ONE, D3D11_BLEND_ONE, D3D11_BLEND_OP_ADD},
-        {D3D11_BLEND_DEST_ALPHA, D3D11_BLEND_ONE, D3D11_BLEND_ZERO, D3D11_BLEND_ONE, D3D11_BLEND_OP_SUBTRACT},
-    };
-    for (size_t i = 0; i < kD3D11BlendCount; ++i) {
-        const BlendFactors& f = kFactors[i];
-        D3D11_BLEND_DESC desc{};
-        desc.RenderTarget[0] = {i != static_cast<size_t>(D3D11Blend::Replace),
-                                f.source,
-                                f.destination,
-                                f.operation,
-                                f.sourceAlpha,
-                                f.destinationAlpha,
-                                D3D11_BLEND_OP_ADD,
-                                D3D11_COLOR_WRITE_ENABLE_ALL};
-        GX_D3D11_CHECK(*this, "D3D11Device::SetDefaultDeviceState",
-                       m_device->CreateBlendState(&desc, m_blends[i].Out()));
-    }
-    D3D11_RASTERIZER_DESC raster{};
-    raster.FillMode = D3D11_FILL_SOLID;
-    raster.CullMode = D3D11_CULL_NONE; // mirrored quadrilaterals count as well
-    raster.DepthClipEnable = TRUE;
-    raster.ScissorEnable = TRUE;
-    GX_D3D11_CHECK(*this, "D3D11Device::SetDefaultDeviceState",
-                   m_device->CreateRasterizerState(&raster, m_rasterizer.Out()));
-    D3D11_DEPTH_STENCIL_DESC depth{};
-    depth.DepthFunc = D3D11_COMPARISON_ALWAYS;
-    depth.StencilReadMask = depth.StencilWriteMask = 0xFF;
-    depth.FrontFace = {D3D11_STENCIL_OP_KEEP, D3D11_STENCIL_OP_KEEP, D3D11_STENCIL_OP_KEEP, D3D11_COMPARISON_ALWAYS};
-    depth.BackFace = depth.FrontFace;
-    GX_D3D11_CHECK(*this, "D3D11Device::SetDefaultDeviceState",
-                   m_device->CreateDepthStencilState(&depth, m_depth.Out()));
 }
 
 int32_t D3D11Device::MaxTextureSize() const noexcept {
@@ -272,10 +229,6 @@ void D3D11Device::SetScissor(const IntRect& rect) noexcept {
     m_context->RSSetScissorRects(1, &r);
 }
 
-void D3D11Device::SetBlend(D3D11Blend blend) noexcept {
-    m_context->OMSetBlendState(m_blends[static_cast<size_t>(blend)].get(), nullptr, 0xFFFFFFFFU);
-}
-
 D3D11_MAPPED_SUBRESOURCE D3D11Device::MapResource(ID3D11Resource& resource, D3D11_MAP how) {
     D3D11_MAPPED_SUBRESOURCE mapped{};
     GX_D3D11_CHECK(*this, "D3D11Device::MapResource", m_context->Map(&resource, 0, how, 0, &mapped));
@@ -298,10 +251,8 @@ void D3D11Device::SetSamplerState(uint32_t slot, ID3D11SamplerState* sampler) no
 
 void D3D11Device::SetDefaultDeviceState(ID3D11InputLayout* layout, ID3D11Buffer* indices) noexcept {
     m_context->IASetInputLayout(layout);
-    m_context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
     m_context->IASetIndexBuffer(indices, DXGI_FORMAT_R16_UINT, 0);
-    m_context->RSSetState(m_rasterizer.get());
-    m_context->OMSetDepthStencilState(m_depth.get(), 0);
+    m_fixed.SetShared(*m_context.get());
 }
 
 void D3D11Device::Present(IDXGISwapChain& chain) {

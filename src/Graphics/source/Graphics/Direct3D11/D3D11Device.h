@@ -11,6 +11,7 @@
 #include <span>
 
 #include "D3D11Counters.h"
+#include "D3D11FixedStates.h"
 #include "D3D11Ref.h"
 #include "D3D11Texture.h"
 
@@ -18,16 +19,6 @@ namespace Graphics {
 
 /// Thrown inside the back end only; its render targets catch it.
 struct D3D11DeviceLost {};
-
-/// How a draw meets the pixels of its target.
-enum class D3D11Blend : uint8_t {
-    Replace,
-    Over,   ///< s + d (1 - s.a)
-    Remove, ///< d (1 - s.a)
-    Add,    ///< s + d
-    Invert, ///< d.a - d, alpha kept
-};
-inline constexpr size_t kD3D11BlendCount = 5;
 
 class D3D11Device {
 public:
@@ -69,7 +60,7 @@ public:
     /// `shape` may be null. Also sets the viewport.
     void SetRenderTarget(const D3D11Texture& color, const D3D11Texture* shape);
     void SetScissor(const IntRect& rect) noexcept;
-    void SetBlend(D3D11Blend blend) noexcept;
+    void SetBlend(D3D11Blend blend) noexcept { m_fixed.SetBlend(*m_context.get(), blend); }
     [[nodiscard]] D3D11_MAPPED_SUBRESOURCE MapResource(ID3D11Resource& resource, D3D11_MAP how);
     void Unmap(ID3D11Resource& resource) noexcept { m_context->Unmap(&resource, 0); }
     void ColorFill(const D3D11Texture& target, const float (&color)[4]);
@@ -100,15 +91,12 @@ public:
 
 private:
     void CreateDevice();
-    void CreateBlendStates();
     [[nodiscard]] std::shared_ptr<D3D11Texture> CreateTexture(const D3D11_TEXTURE2D_DESC& desc,
                                                               const D3D11_SUBRESOURCE_DATA* data, const char* function);
 
     D3D11Ref<ID3D11Device> m_device;
     D3D11Ref<ID3D11DeviceContext> m_context;
-    D3D11Ref<ID3D11BlendState> m_blends[kD3D11BlendCount];
-    D3D11Ref<ID3D11RasterizerState> m_rasterizer;
-    D3D11Ref<ID3D11DepthStencilState> m_depth;
+    D3D11FixedStates m_fixed;
     D3D_FEATURE_LEVEL m_level = D3D_FEATURE_LEVEL_9_1;
     bool m_lost = false;
     bool m_loseNext = false;

@@ -108,6 +108,53 @@ D3D11Mesh& D3D11Painter::Begin(const Call& call, const D3D11Paint& paint, D3D11D
     return mesh;
 }
 
+bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
+    constexpr int32_t kMostQuads = 512; // 48 KB
+    const SwClip* clip = call.target.State().clip.get();
+    const IntRect& r = call.visible;
+    if (clip == nullptr || !clip->HasMask() || r.bottom - r.top > kMostQuads) {
+        return false;
+    }
+    int32_t quads = 0;
+    for (int32_t y = r.top; y < r.bottom && quads <= kMostQuads; ++y) {
+        const SwClipRow& row = clip->Row(y);
+        const auto width = [&](int32_t from, int32_t to) {
+            return std::max(0, std::min(to, r.right) - std::max(from, r.left));
+        };
+        quads += 1 + width(row.begin, row.end) - width(row.fullBegin, row.fullEnd);
+    }
+    return quads <= kMostQuads;
+}
+
+D3D11Mesh& D3D11Painter::BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
+                                   bool withClip) {
+    D3D11DrawState state;
+    call.target.Describe(call.context, call.target.State().blendMode, call.visible, state);
+    AddPaint(call, paint, extra, state);
+    if (withClip) {
+        AddClip(call, state);
+    }
+    return Begin(call, paint, std::move(state), call.visible);
+}
+
+void D3D11Painter::SendCovered(const Call& call, const SwClipRef& covered, D3D11Mesh& mesh) {
+    const IntRect& box = covered->Box();
+    D3D11MeshSink sink(mesh, call.visible);
+    if (IsEmpty(box) || !covered->HasMask()) {
+        sink.Rectangle(box.left, box.top, box.right, box.bottom);
+        return;
+    }
+    auto* bytes = m_arena.AllocArray<uint8_t>(static_cast<size_t>(box.right - box.left)); // a sink may change them
+    for (int32_t y = box.top; y < box.bottom; ++y) {
+        const SwClipRow& row = covered->Row(y);
+        if (row.begin < row.end) {
+            std::copy_n(covered->Coverage(row.begin, y), row.end - row.begin, bytes);
+            CoverageRun run{row.begin, row.end, bytes, 0};
+            sink.Row(y, {&run, 1});
+        }
+    }
+}
+
 void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
                                const SwClipRef& covered) {
     const IntRect box = covered->Box();

@@ -30,7 +30,7 @@ public:
         D3D11SubTarget& target;
         SwClipPool& clips;
         IntRect visible; ///< device pixels that the draw may change; not empty
-        IntRect limit;   ///< what bounds and clip leave of the target
+        IntRect limit;   ///< the scissor: what the geometry has to be cut to
     };
 
     /// `cover(sink)` sends the coverage inside `call.visible`. `mask`: the call's own shape mask, or null.
@@ -95,19 +95,27 @@ private:
     /// `extra` may be null.
     template <class Cover>
     void DrawOnCard(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, Cover&& cover) {
-        if (!call.target.CoverageIsShape()) {
-            D3D11DrawState state;
-            call.target.Describe(call.context, call.target.State().blendMode, call.visible, state);
-            AddPaint(call, paint, extra, state);
-            AddClip(call, state);
-            D3D11MeshSink sink(Begin(call, paint, std::move(state), call.visible), call.visible);
+        if (!call.target.CoverageIsShape() && !IsSmallClip(call)) {
+            D3D11MeshSink sink(BeginMesh(call, paint, extra, true), call.visible);
             cover(sink);
             return;
         }
         SwClipBuilder builder(call.clips, call.target.State().clip.get(), call.visible);
         cover(builder);
-        DrawCovered(call, paint, extra, builder.Finish());
+        const SwClipRef covered = builder.Finish();
+        if (call.target.CoverageIsShape()) {
+            DrawCovered(call, paint, extra, covered);
+        } else {
+            SendCovered(call, covered, BeginMesh(call, paint, extra, false));
+        }
     }
+
+    /// The clip is worth a few quadrilaterals, with which draws under different clips are one, rather than a texture.
+    [[nodiscard]] static bool IsSmallClip(const Call& call) noexcept;
+    [[nodiscard]] D3D11Mesh& BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
+                                       bool withClip);
+    /// What a draw covers under its clip, row by row.
+    void SendCovered(const Call& call, const SwClipRef& covered, D3D11Mesh& mesh);
 
     void DrawGroupOnCard(const Call& call, D3D11SubTarget& group);
     void DrawGroupInSoftware(const Call& call, D3D11SubTarget& group);

@@ -109,7 +109,16 @@ IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
 }
 
 D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible) noexcept {
-    return {*m_context, Current(), m_clips.Pool(), visible, Visible(m_area)};
+    return {*m_context, Current(), m_clips.Pool(), visible, Intersect(Current().Bounds(), m_area)};
+}
+
+D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntRect& box) noexcept {
+    D3D11Painter::Call call = CallFor(visible);
+    const IntRect inside = Intersect(box, call.limit);
+    if (visible.left > inside.left || visible.right < inside.right) {
+        call.limit = Visible(m_area); // bands between edges are not cut to columns
+    }
+    return call;
 }
 
 void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask) {
@@ -127,11 +136,12 @@ void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink&
     if (shape.Empty()) {
         return;
     }
-    const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
+    const IntRect box = RoundOut(DeviceBox(shape, transform, 0.0F));
+    const IntRect visible = Visible(box);
     if (IsEmpty(visible)) {
         return;
     }
-    m_painter.Draw(CallFor(visible), ink, mask, [&](RasterizationSink& sink) {
+    m_painter.Draw(CallFor(visible, box), ink, mask, [&](RasterizationSink& sink) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
         FeedFill(shape, transform, m_rasterizer);
         m_rasterizer.Finish(sink);
@@ -189,11 +199,12 @@ void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float wi
         CheckMasks();
         const SwState& state = State();
         const Shape& shape = Resolve(path);
-        const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
+        const IntRect box = StrokeBox(shape, state.transform, width, style);
+        const IntRect visible = Visible(box);
         if (shape.Empty() || IsEmpty(visible)) {
             return;
         }
-        m_painter.Draw(CallFor(visible), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
+        m_painter.Draw(CallFor(visible, box), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
             m_rasterizer.Begin(ToRect(m_area), visible, state.strokeAdjustment);
             FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible),
                        m_rasterizer);

@@ -50,7 +50,10 @@ private:
     void FollowDevice();
 
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
+    /// A draw that sends nothing outside `visible`.
     [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible) noexcept;
+    /// A draw that may send anything inside `box`, of which the clip leaves `visible`.
+    [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible, const IntRect& box) noexcept;
     [[nodiscard]] D3D11Ink InkOf(const Brush& brush) noexcept { return {&brush, State().transform, nullptr}; }
     /// `mask`: the call's own shape mask, or null.
     void FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask);

@@ -13,7 +13,6 @@ D3D11SoftwareTextures::Image D3D11SoftwareTextures::Upload(D3D11Context& context
     Image image;
     image.texture = context.Pool().Take(width, height, format, false);
     context.Device().Update(*image.texture, {0, 0, width, height}, pixels, strideBytes);
-    ++context.Device().Counters().uploads;
     const float x = 1.0F / static_cast<float>(image.texture->Width());
     const float y = 1.0F / static_cast<float>(image.texture->Height());
     image.map = {x, 0.0F, 0.0F, y, static_cast<float>(-box.left) * x, static_cast<float>(-box.top) * y};
@@ -47,6 +46,7 @@ D3D11SoftwareTextures::Image D3D11SoftwareTextures::Coverage(D3D11Context& conte
         }
         std::fill(to + end, to + box.right, uint8_t{0});
     }
+    ++context.Device().Counters().coverages;
     return Upload(context, box, DXGI_FORMAT_A8_UNORM, m_values.data(), static_cast<uint32_t>(width));
 }
 
