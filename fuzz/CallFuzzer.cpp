@@ -9,11 +9,11 @@
 namespace {
 
 /// Zeros when the bytes are used up.
-class ByteChoice {
+class ByteChoice final : public CallChoice {
 public:
     ByteChoice(const uint8_t* data, size_t size) noexcept : m_next(data), m_end(data + size) {}
 
-    uint32_t Below(uint32_t n) noexcept {
+    uint32_t Below(uint32_t n) noexcept override {
         uint32_t value = Byte();
         if (n > 256) {
             value = value << 8 | Byte();
@@ -36,7 +36,7 @@ extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfi
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ByteChoice choice(data, size);
-    CallStream<ByteChoice> calls(choice);
+    CallStream calls(choice);
     while (!choice.Done()) {
         if (!calls.Call() || !calls.GuardsHold()) {
             std::abort();

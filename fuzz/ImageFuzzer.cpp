@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <exception>
+#include <string_view>
 
 #include "Bitmaps/Codecs/ImageCodec.h"
 #include "Bitmaps/PixelTransfer.h"
@@ -16,6 +17,22 @@ constexpr uint64_t kMostPixels = 1U << 20;
 
 /// Written so that the reads are not left out.
 volatile uint32_t g_sum = 0;
+
+/// Whether the file begins as its kind does: another kind's size would not be looked at.
+bool IsOfKind(const uint8_t* data, size_t size) {
+    constexpr struct {
+        const char* kind;
+        std::string_view begin;
+    } kKinds[] = {{"png", "\x89PNG"}, {"jpeg", "\xFF\xD8"}, {"tiff", "II"},
+                  {"tiff", "MM"},     {"gif", "GIF"},       {"bmp", "BM"}};
+    for (const auto& k : kKinds) {
+        if (std::strcmp(GX_FUZZ_KIND, k.kind) == 0 && size >= k.begin.size() &&
+            std::memcmp(data, k.begin.data(), k.begin.size()) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
 
 /// The size that the file claims; 0 where it lies too deep.
 uint64_t ClaimedPixels(const uint8_t* data, size_t size) {
@@ -46,7 +63,7 @@ uint64_t ClaimedPixels(const uint8_t* data, size_t size) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (ClaimedPixels(data, size) > kMostPixels) {
+    if (!IsOfKind(data, size) || ClaimedPixels(data, size) > kMostPixels) {
         return 0;
     }
     MemorySource source(data, size);

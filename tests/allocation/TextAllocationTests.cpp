@@ -4,51 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <vector>
 
+#include "../unit/RefusingNew.h"
 #include "GX/GX.h"
 #include "ProcessHeap.h"
 #include "Software/SwGlyphCache.h"
-
-namespace {
-
-std::atomic<int64_t> g_left{-1}; // allocations until one is refused; negative: none is
-
-void* Allocate(size_t bytes, size_t alignment) noexcept {
-    if (g_left.load() >= 0 && g_left.fetch_sub(1) == 0) {
-        return nullptr;
-    }
-    return std::aligned_alloc(alignment, (std::max(bytes, size_t{1}) + alignment - 1) / alignment * alignment);
-}
-
-void* AllocateOrThrow(size_t bytes, size_t alignment) {
-    void* block = Allocate(bytes, alignment);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-
-constexpr size_t kPlain = alignof(std::max_align_t);
-
-} // namespace
-
-void* operator new(size_t n) { return AllocateOrThrow(n, kPlain); }
-void* operator new(size_t n, std::align_val_t a) { return AllocateOrThrow(n, static_cast<size_t>(a)); }
-void* operator new(size_t n, const std::nothrow_t&) noexcept { return Allocate(n, kPlain); }
-void* operator new(size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
-    return Allocate(n, static_cast<size_t>(a));
-}
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, size_t) noexcept { std::free(p); }
-void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
-void operator delete(void* p, size_t, std::align_val_t) noexcept { std::free(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
-void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept { std::free(p); }
 
 namespace Graphics {
 namespace {
@@ -160,8 +122,17 @@ TEST_F(TextAllocation, RefusedWorkingMemoryIsAnEngineError) {
 }
 
 TEST_F(TextAllocation, RefusedCppMemoryIsAnUnexpectedError) {
+    int64_t last = 0;
     RefuseEach(
-        GXResultUnexpectedError, [](int64_t n) { g_left = n; }, [] { return g_left.exchange(-1) < 0; });
+        GXResultUnexpectedError,
+        [&](int64_t n) {
+            last = RefusingNew::Count() + n;
+            RefusingNew::Refuse(last);
+        },
+        [&] {
+            RefusingNew::Refuse(-1);
+            return RefusingNew::Count() > last;
+        });
 }
 
 } // namespace

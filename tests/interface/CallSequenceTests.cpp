@@ -8,17 +8,21 @@
 
 namespace {
 
-struct RandomChoice {
-    std::mt19937 random;
-    uint32_t Below(uint32_t n) { return static_cast<uint32_t>(random() % n); }
+class RandomChoice final : public CallChoice {
+public:
+    explicit RandomChoice(uint32_t seed) : m_random(seed) {}
+    uint32_t Below(uint32_t n) override { return static_cast<uint32_t>(m_random() % n); }
+
+private:
+    std::mt19937 m_random;
 };
 
 TEST(CallSequences, RandomOnesGiveResultsAndStayInsideTheirBuffer) {
     constexpr uint32_t kSeeds = 1000;
     constexpr int kSequences = 200; // of each seed, on objects that they share
     for (uint32_t seed = 0; seed < kSeeds; ++seed) {
-        RandomChoice choice{std::mt19937(seed)};
-        CallStream<RandomChoice> calls(choice);
+        RandomChoice choice(seed);
+        CallStream calls(choice);
         for (int sequence = 0; sequence < kSequences; ++sequence) {
             ASSERT_TRUE(calls.Restart());
             const uint32_t count = 1 + choice.Below(6);

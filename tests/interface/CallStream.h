@@ -5,43 +5,17 @@
 
 #include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <utility>
 #include <vector>
 
-#include "GX/GX.h"
+#include "CallObjects.h"
 
-/// `Choice::Below(n)` gives a number below n > 0.
-template <class Choice> class CallStream {
+class CallStream : private CallObjects {
 public:
-    explicit CallStream(Choice& choice) : m_choice(choice) {
-        for (size_t i = 0; i < kMemory; ++i) {
-            m_memory[i] = kGuard;
-        }
-        for (int i = 0; i < 2 * static_cast<int>(kSlots); ++i) {
-            MakeObjects();
-        }
+    explicit CallStream(CallChoice& choice) : CallObjects(choice) {
+        m_memory.fill(kGuard);
         NewTarget();
     }
-    CallStream(const CallStream&) = delete;
-    CallStream& operator=(const CallStream&) = delete;
-    ~CallStream() {
-        const auto release = [](auto& slots) {
-            for (auto handle : slots) {
-                GXObjectRelease(handle);
-            }
-        };
-        release(m_bitmaps);
-        release(m_palettes);
-        release(m_gradients);
-        release(m_brushes);
-        release(m_geometries);
-        release(m_regions);
-        release(m_fonts);
-        GXObjectRelease(m_target);
-    }
+    ~CallStream() { GXObjectRelease(m_target); }
 
     /// One call; false for an answer that none of them may give.
     [[nodiscard]] bool Call() {
@@ -76,156 +50,6 @@ private:
     static constexpr uint32_t kStride = 60;
     static constexpr size_t kMemory = kStride * (kHeight + 2);
     static constexpr uint8_t kGuard = 0x5A;
-    static constexpr uint32_t kSlots = 6;
-
-    uint32_t Below(uint32_t n) { return m_choice.Below(n); }
-    uint8_t Flag() { return static_cast<uint8_t>(Below(2)); }
-    uint32_t Color() { return Below(256) << 24 | Below(256) << 16 | Below(256) << 8 | Below(256); }
-    int32_t Whole() {
-        constexpr int32_t kFar[] = {INT32_MIN, INT32_MAX, INT32_MIN + 1, 1 << 30};
-        return Below(16) == 0 ? kFar[Below(4)] : static_cast<int32_t>(Below(40)) - 12;
-    }
-    float Number() {
-        constexpr float kInfinity = std::numeric_limits<float>::infinity();
-        const float special[] = {0.0F,    -0.0F,     1e9F,       -1e9F,
-                                 3.4e38F, kInfinity, -kInfinity, std::numeric_limits<float>::quiet_NaN(),
-                                 1e-30F,  0.5F,      32535.5F,   -70000.0F};
-        return Below(10) == 0 ? special[Below(12)] : static_cast<float>(static_cast<int32_t>(Below(400)) - 100) / 8.0F;
-    }
-    GXPoint Point() {
-        const float x = Number();
-        return {x, Number()};
-    }
-    GXRect Rect() {
-        const GXPoint a = Point();
-        const GXPoint b = Point();
-        return {a.x, a.y, b.x, b.y};
-    }
-    GXIntRect IntRect() {
-        GXIntRect r;
-        r.left = Whole();
-        r.top = Whole();
-        r.right = Whole();
-        r.bottom = Whole();
-        return r;
-    }
-    GXMatrix Matrix() {
-        if (Below(2) == 0) { // a place and a size
-            return {0.25F * static_cast<float>(Below(12)), 0, 0, 1, Number(), Number()};
-        }
-        const GXRect r = Rect();
-        return {r.left, r.top, r.right, r.bottom, Number(), Number()};
-    }
-    GXStrokeStyle Style() {
-        GXStrokeStyle style{Below(4), Below(4), Number(), 0, 0, {}, 0};
-        if (Below(6) == 0) {
-            style.dashPhase = Number();
-            style.dashCount = Below(18);
-            for (float& dash : style.dashes) {
-                dash = Below(8) == 0 ? Number() : static_cast<float>(Below(40)) / 8.0F;
-            }
-        }
-        return style;
-    }
-    std::array<uint16_t, 6> Text() {
-        std::array<uint16_t, 6> text{};
-        for (size_t i = Below(6); i > 0; --i) {
-            text[i - 1] = static_cast<uint16_t>(Below(8) == 0 ? 1 + Below(65535) : 32 + Below(96));
-        }
-        return text;
-    }
-    template <class T> T& Pick(std::array<T, kSlots>& slots) { return slots[Below(kSlots)]; }
-
-    /// Puts what was made in the place of another object, which may live on in its users.
-    template <class T> GXResult Keep(std::array<T, kSlots>& slots, GXResult result, T made) {
-        if (result == GXResultSuccess) {
-            T& slot = Pick(slots);
-            GXObjectRelease(slot);
-            slot = made;
-        }
-        return result;
-    }
-
-    GXResult MakeObjects() {
-        switch (Below(10)) {
-        case 0:
-        case 1: {
-            const GXBitmapDesc desc{Below(40), Below(30), Below(12), 96.0F, Number()};
-            GXBitmap made = nullptr;
-            GXResult result = GXCreateBitmap(&desc, &made);
-            if (result == GXResultSuccess) { // so that no pixel is without a value
-                GXBitmapData data;
-                result = GXBitmapLock(made, nullptr, GXLockWrite, &data);
-                std::memset(data.data, static_cast<int>(Below(256)), static_cast<size_t>(data.stride) * desc.height);
-                GXBitmapUnlock(made);
-            }
-            return Keep(m_bitmaps, result, made);
-        }
-        case 2: {
-            const uint32_t colors[4] = {Color(), Color(), Color(), Color()};
-            GXPalette made = nullptr;
-            const GXResult result = GXCreatePalette(colors, Below(5), &made);
-            return Keep(m_palettes, result, made);
-        }
-        case 3: {
-            GXGradientStop stops[4];
-            for (GXGradientStop& stop : stops) {
-                stop = {Below(6) == 0 ? Number() : static_cast<float>(Below(9)) / 8.0F, Color()};
-            }
-            GXGradient made = nullptr;
-            GXResult result;
-            if (Below(2) == 0) {
-                const GXLinearGradientDesc desc{stops, Below(5), Point(), Point(), Flag(), Flag(), Below(2) * Color()};
-                result = GXCreateGradientLinear(&desc, &made);
-            } else {
-                const GXRadialGradientDesc desc{stops,    Below(5), Point(), Number(),          Point(),
-                                                Number(), Flag(),   Flag(),  Below(2) * Color()};
-                result = GXCreateGradientRadial(&desc, &made);
-            }
-            return Keep(m_gradients, result, made);
-        }
-        case 4: {
-            GXTriMeshVertex vertices[7];
-            for (GXTriMeshVertex& vertex : vertices) {
-                vertex = {Number(), Number(), Color()};
-            }
-            GXGradient made = nullptr;
-            const GXResult result = GXCreateGradientTriMesh(vertices, Below(8), Below(2) * Color(), &made);
-            return Keep(m_gradients, result, made);
-        }
-        case 5: {
-            GXBrush made = nullptr;
-            const GXResult result = GXCreateBrushSolidARGB(Color(), &made);
-            return Keep(m_brushes, result, made);
-        }
-        case 6: {
-            const GXMatrix m = Matrix();
-            GXBrush made = nullptr;
-            const GXResult result =
-                GXCreateBrushGradient(Pick(m_gradients), Number(), Below(2) == 0 ? &m : nullptr, &made);
-            return Keep(m_brushes, result, made);
-        }
-        case 7: {
-            const GXMatrix m = Matrix();
-            const GXBitmapBrushOptions options{Below(4), Below(4), Below(4)};
-            GXBrush made = nullptr;
-            const GXResult result =
-                GXCreateBrushBitmap(Pick(m_bitmaps), Number(), &options, Below(2) == 0 ? &m : nullptr, &made);
-            return Keep(m_brushes, result, made);
-        }
-        case 8: {
-            const uint16_t name[] = {'S', 'a', 'n', 's', 0};
-            GXFontFace made = nullptr;
-            const GXResult result = GXCreateFontFace(name, Below(4), Number(), &made);
-            return Keep(m_fonts, result, made);
-        }
-        default: {
-            GXGeometry made = nullptr;
-            const GXResult result = GXCreateGeometry(&made);
-            return Keep(m_geometries, result, made);
-        }
-        }
-    }
 
     /// Over the host's memory, or over a bitmap.
     GXResult NewTarget() {
@@ -517,14 +341,6 @@ private:
         }
     }
 
-    Choice& m_choice;
     std::array<uint8_t, kMemory> m_memory;
-    std::array<GXBitmap, kSlots> m_bitmaps{};
-    std::array<GXPalette, kSlots> m_palettes{};
-    std::array<GXGradient, kSlots> m_gradients{};
-    std::array<GXBrush, kSlots> m_brushes{};
-    std::array<GXGeometry, kSlots> m_geometries{};
-    std::array<GXRegion, kSlots> m_regions{};
-    std::array<GXFontFace, kSlots> m_fonts{};
     GXRenderTarget m_target = nullptr;
 };

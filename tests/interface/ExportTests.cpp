@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every exported function, and every pointer argument of it: null where a pointer is required gives
-// GXResultInvalidArgument, and neither this nor any other failure writes an output.
+// GXResultInvalidArgument without a diagnostic line, and neither this nor any other failure writes an output.
 #include <GX/GX.h>
 
 #include <array>
@@ -131,6 +131,9 @@ TEST_F(NullArguments, GiveInvalidArgumentAndWriteNothing) {
     static const GXBitmapData data = {pixels, 16, 16};
     void* const native = pixels;
 
+    int lines = 0;
+    GXLogSetSink(
+        3, [](void* count, const char*) { ++*static_cast<int*>(count); }, &lines);
     ROW(GXObjectAcquire, static_cast<void*>(m_bitmap));
     ROW(GXObjectRelease, static_cast<void*>(m_bitmap));
     ROW(GXCreatePalette, static_cast<const uint32_t*>(pixels), uint64_t{1}, Out<GXPalette>());
@@ -251,6 +254,9 @@ TEST_F(NullArguments, GiveInvalidArgumentAndWriteNothing) {
     ASSERT_EQ(GXRenderTargetEndPaint(m_target), GXResultSuccess);
     ROW(GXRenderTargetEndPaint, m_target);
 
+    GXLogSetSink(3, nullptr, nullptr);
+    EXPECT_EQ(lines, 0) << "a null argument is no engine error";
+
     // The four without a required pointer.
     EXPECT_EQ(GXEnableHWAccelerationForThread(), GXResultSuccess);
     EXPECT_EQ(GXLogSetSink(-1, nullptr, nullptr), GXResultSuccess);
@@ -273,6 +279,19 @@ TEST_F(NullArguments, BadValuesGiveTheirCodesAndChangeNothing) {
     GXGradient gradient = nullptr;
     const GXTriMeshVertex vertex = {};
     EXPECT_EQ(GXCreateGradientTriMesh(&vertex, 0, 0, &gradient), GXResultInvalidArgument);
+
+    GXLinearGradientDesc linear = {};
+    GXRadialGradientDesc radial = {};
+    linear.stopCount = radial.stopCount = 1; // stops that are not there
+    EXPECT_EQ(GXCreateGradientLinear(&linear, &gradient), GXResultInvalidArgument);
+    EXPECT_EQ(GXCreateGradientRadial(&radial, &gradient), GXResultInvalidArgument);
+    EXPECT_EQ(gradient, nullptr);
+    const GXBitmapData noPixels = {nullptr, 4, 4};
+    EXPECT_EQ(GXBitmapCopyFromMemory(m_bitmap, nullptr, &noPixels), GXResultInvalidArgument);
+    EXPECT_EQ(GXBitmapCopyToMemory(m_bitmap, nullptr, &noPixels), GXResultInvalidArgument);
+    GXGeometry combined = nullptr;
+    EXPECT_EQ(GXGeometryCombine(m_geometry, m_geometry, 4, 0.0f, &combined), GXResultInvalidArgument);
+    EXPECT_EQ(combined, nullptr);
 
     GXPoint point = {7.0f, 7.0f};
     EXPECT_EQ(GXGeometryGetCurrentPoint(m_geometry, &point), GXResultFalse);

@@ -48,46 +48,6 @@ protected:
 
 } // namespace
 
-TEST_F(GeometryInterface, RefusesNulls) {
-    const GXPoint p{};
-    const GXRect r{};
-    GXPoint outPoint{};
-    GXRect outRect{};
-    uint8_t flag = 7;
-    uint32_t rule = 7;
-    GXGeometry out = nullptr;
-    const GXResult bad = GXResultInvalidArgument;
-    EXPECT_EQ(GXCreateGeometry(nullptr), bad);
-    EXPECT_EQ(GXGeometrySetFillRule(nullptr, 1), bad);
-    EXPECT_EQ(GXGeometryGetFillRule(nullptr, &rule), bad);
-    EXPECT_EQ(GXGeometryGetFillRule(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryEmpty(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryPointsEqual(g, nullptr, &flag), bad);
-    EXPECT_EQ(GXGeometryGetCurrentPoint(nullptr, &outPoint), bad);
-    EXPECT_EQ(GXGeometryGetBound(g, nullptr, nullptr), bad);
-    EXPECT_EQ(GXGeometryGetBound(nullptr, nullptr, &outRect), bad);
-    EXPECT_EQ(GXGeometryBeginFigure(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryLineTo(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryConicCurveTo(g, &p, nullptr), bad);
-    EXPECT_EQ(GXGeometryCubicCurveTo(g, &p, nullptr, &p), bad);
-    EXPECT_EQ(GXGeometryEndFigure(nullptr), bad);
-    EXPECT_EQ(GXGeometryEndFigureClose(nullptr), bad);
-    EXPECT_EQ(GXGeometryRectangle(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryEllipse(nullptr, &r), bad);
-    EXPECT_EQ(GXGeometryRoundRectangle(g, nullptr, 1, 1), bad);
-    EXPECT_EQ(GXGeometryCopy(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryTransform(g, nullptr, nullptr), bad);
-    EXPECT_EQ(GXGeometrySendToSink(g, nullptr), bad);
-    EXPECT_EQ(GXGeometryWiden(g, 1, nullptr, nullptr), bad);
-    EXPECT_EQ(GXGeometryWiden(g, -1, nullptr, &out), bad);
-    EXPECT_EQ(GXGeometryWiden(g, std::numeric_limits<float>::quiet_NaN(), nullptr, &out), bad);
-    EXPECT_EQ(GXGeometryCombine(g, nullptr, 0, 0, &out), bad);
-    EXPECT_EQ(GXGeometryCombine(g, g, 4, 0, &out), bad);
-    EXPECT_EQ(GXGeometryHitTest(g, nullptr, nullptr, 0, &flag), bad);
-    EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(flag, 7);
-}
-
 TEST_F(GeometryInterface, CurrentPointAndUnfinishedFigures) {
     GXPoint p{};
     uint8_t empty = 0;

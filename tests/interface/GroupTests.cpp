@@ -3,13 +3,14 @@
 // partly covered pixels and cleared ones, against a plain model that keeps whole planes and follows the formulas pixel
 // by pixel.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <memory>
 #include <random>
 
+#include "../BlendOracle.h"
 #include "TargetSupport.h"
 
+using namespace BlendOracle;
 using namespace TargetSupport;
 
 namespace {
@@ -19,179 +20,13 @@ constexpr size_t kCount = kSize * kSize;
 
 using Plane = std::vector<uint32_t>;
 
-uint32_t Channel(uint32_t pixel, int shift) { return pixel >> shift & 255U; }
-
-uint32_t Scale(uint32_t pixel, uint32_t factor) {
-    uint32_t out = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        out |= (Channel(pixel, shift) * factor >> 8) << shift;
-    }
-    return out;
-}
-
-uint32_t Straight(uint32_t pixel) {
-    const uint32_t a = pixel >> 24;
-    uint32_t out = a << 24;
-    for (int shift = 0; a != 0 && shift < 24; shift += 8) {
-        out |= std::min(Channel(pixel, shift), a) * 255 / a << shift;
-    }
-    return a == 0 ? pixel : out;
-}
-
-uint32_t HardLight(uint32_t cb, uint32_t cs) {
-    if (cs > 127) {
-        const uint32_t s = 2 * cs - 255;
-        return cb + s - s * cb / 255;
-    }
-    return 2 * cs * cb / 255;
-}
-
-uint32_t SoftLight(uint32_t cb, uint32_t cs) {
-    const int b = static_cast<int>(cb);
-    const int s = static_cast<int>(cs);
-    if (s <= 127) {
-        return static_cast<uint32_t>(b - (255 - 2 * s) * (255 - b) * b / 65025);
-    }
-    const float x = static_cast<float>(cb) / 255.0F;
-    const float f = x <= 0.25F ? ((16.0F * x - 12.0F) * x + 4.0F) * x : std::sqrt(x);
-    return static_cast<uint32_t>(b + (static_cast<int>(f * 255.0F) - b) * (2 * s - 255) / 255);
-}
-
-uint32_t BlendChannel(uint32_t mode, uint32_t cb, uint32_t cs) {
-    switch (mode) {
-    case GXBlendModeMultiply:
-        return (cb + 1) * cs >> 8;
-    case GXBlendModeScreen:
-        return cs + cb - ((cb + 1) * cs >> 8);
-    case GXBlendModeOverlay:
-        return HardLight(cs, cb);
-    case GXBlendModeDarken:
-        return std::min(cb, cs);
-    case GXBlendModeLighten:
-        return std::max(cb, cs);
-    case GXBlendModeColorBurn:
-        return cs == 0 ? 0 : 255 - std::min(255U, (255 - cb) * 255 / cs);
-    case GXBlendModeColorDodge:
-        return cs == 255 || cb >= 255 - cs ? 255 : cb * 255 / (255 - cs);
-    case GXBlendModeHardLight:
-        return HardLight(cb, cs);
-    case GXBlendModeSoftLight:
-        return SoftLight(cb, cs);
-    case GXBlendModeDifference:
-        return cb > cs ? cb - cs : cs - cb;
-    case GXBlendModeExclusion:
-        return cs + cb - 2 * cs * cb / 255;
-    default:
-        return cs;
-    }
-}
-
-/// Red, green, blue.
-using Rgb = std::array<float, 3>;
-
-Rgb ToRgb(uint32_t pixel) {
-    return {static_cast<float>(Channel(pixel, 16)) / 255.0F, static_cast<float>(Channel(pixel, 8)) / 255.0F,
-            static_cast<float>(Channel(pixel, 0)) / 255.0F};
-}
-
-float Lum(const Rgb& c) { return 0.3F * c[0] + 0.59F * c[1] + 0.11F * c[2]; }
-
-float Sat(uint32_t pixel) {
-    const auto [low, high] = std::minmax({Channel(pixel, 16), Channel(pixel, 8), Channel(pixel, 0)});
-    return static_cast<float>(high - low) / 255.0F;
-}
-
-Rgb SetSat(Rgb c, float s) {
-    std::array<size_t, 3> order{0, 1, 2};
-    std::stable_sort(order.begin(), order.end(), [&](size_t l, size_t r) { return c[l] > c[r]; });
-    float& high = c[order[0]];
-    float& middle = c[order[1]];
-    const float low = c[order[2]]; // stays
-    middle = high > low ? (middle - low) * s / (high - low) : 0.0F;
-    high = high > low ? s : 0.0F;
-    return c;
-}
-
-Rgb SetLum(Rgb c, float l) {
-    const float d = l - Lum(c);
-    for (float& v : c) {
-        v += d;
-    }
-    const float lum = Lum(c);
-    const float low = *std::min_element(c.begin(), c.end());
-    const float high = *std::max_element(c.begin(), c.end());
-    for (float& v : c) {
-        v = low < 0.0F ? lum + (v - lum) * lum / (lum - low) : v;
-        v = high > 1.0F ? lum + (v - lum) * (1.0F - lum) / (high - lum) : v;
-    }
-    return c;
-}
-
-uint32_t ToPixel(const Rgb& c) {
-    uint32_t out = 0;
-    for (const float v : c) {
-        out = out << 8 | (v > 1.0F ? 255U : v >= 0.0F ? static_cast<uint32_t>(v * 255.0F) : 0U);
-    }
-    return out;
-}
-
-/// Three colour bytes, alpha 0.
-uint32_t Blend(uint32_t mode, uint32_t backdrop, uint32_t source) {
-    const uint32_t b = Straight(backdrop);
-    const uint32_t s = Straight(source);
-    switch (mode) {
-    case GXBlendModeHue:
-        return ToPixel(SetLum(SetSat(ToRgb(s), Sat(b)), Lum(ToRgb(b))));
-    case GXBlendModeSaturation:
-        return ToPixel(SetLum(SetSat(ToRgb(b), Sat(s)), Lum(ToRgb(b))));
-    case GXBlendModeColor:
-        return ToPixel(SetLum(ToRgb(s), Lum(ToRgb(b))));
-    case GXBlendModeLuminosity:
-        return ToPixel(SetLum(ToRgb(b), Lum(ToRgb(s))));
-    default:
-        break;
-    }
-    uint32_t out = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        out |= BlendChannel(mode, Channel(b, shift), Channel(s, shift)) << shift;
-    }
-    return out;
-}
-
-/// Drawing on the target itself.
-uint32_t Basic(uint32_t mode, uint32_t d, uint32_t c, uint32_t shape) {
-    if (shape == 0 || c >> 24 == 0) {
-        return d;
-    }
-    c = shape < 255 ? Scale(c, shape + 1) : c;
-    const uint32_t as = c >> 24;
-    const uint32_t ab = d >> 24;
-    if (ab == 0) {
-        return c;
-    }
-    if (mode == 0) {
-        return Scale(d, 256 - as) + c;
-    }
-    const uint32_t blended = Blend(mode, d, c);
-    if (as == 255) {
-        return (ab == 255 ? blended : Scale(c, 256 - ab) + Scale(blended, ab + 1)) | 0xFF000000U;
-    }
-    if (ab == 255) {
-        return (Scale(d, 256 - as) + Scale(blended, as + 1)) | 0xFF000000U;
-    }
-    const uint32_t t = as * (ab + 1) >> 8;
-    const uint32_t sum = Scale(d, 256 - as) + Scale(c, 256 - ab) + (t == 255 ? blended : Scale(blended, t + 1));
-    return (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
-}
-
-/// a + b - a b
-uint32_t Union(uint32_t a, uint32_t b) { return a + b - (a * (b + 1) >> 8); }
-
 uint32_t Byte(uint32_t value, uint32_t mask) { return mask == 255 ? value : value * (mask + 1) >> 8; }
 
+uint32_t Scale(uint32_t pixel, uint32_t factor) { return Times(pixel, static_cast<int>(factor)); }
+
 uint32_t Premultiplied(uint32_t argb) {
-    const uint32_t a = argb >> 24;
-    return (Scale(argb, a + 1) & 0x00FFFFFFU) | a << 24;
+    const auto a = static_cast<int>(argb >> 24);
+    return WithAlpha(Times(argb, a + 1), a);
 }
 
 /// An image in brush and bitmap; as a mask it has a value for each type.
@@ -216,11 +51,8 @@ struct Image {
 
     [[nodiscard]] Plane MaskValues(uint32_t type) const {
         Plane values(kCount);
-        std::transform(pixels.begin(), pixels.end(), values.begin(), [&](uint32_t p) {
-            const uint32_t v =
-                type < 2 ? p >> 24 : (77 * Channel(p, 16) + 151 * Channel(p, 8) + 28 * Channel(p, 0)) >> 8;
-            return type % 2 != 0 ? 255 - v : v;
-        });
+        std::transform(pixels.begin(), pixels.end(), values.begin(),
+                       [&](uint32_t p) { return static_cast<uint32_t>(MaskOracle(static_cast<int>(type), p)); });
         return values;
     }
 };
@@ -251,61 +83,23 @@ struct Layer {
     }
 };
 
-void DrawPixel(Layer& layer, size_t i, uint32_t mode, uint32_t c, uint32_t shape) {
+void DrawPixel(Layer& layer, size_t i, uint32_t modeNumber, uint32_t c, uint32_t shapeValue) {
+    const auto mode = static_cast<int>(modeNumber), shape = static_cast<int>(shapeValue);
+    uint32_t& color = layer.color[i];
     if (!layer.group) {
-        layer.color[i] = Basic(mode, layer.color[i], c, shape);
+        color = mode == 0 ? NormalOracle(color, c, shape) : ModeOracle(mode, color, c, shape);
         return;
     }
-    const uint32_t as = c >> 24;
-    if (as == 0 || shape == 0) {
-        return;
-    }
-    const uint32_t group = layer.color[i];
-    const uint32_t alpha = layer.alpha[i];
-    const uint32_t a0 = layer.knockout ? 0 : alpha;
-    const uint32_t newAlpha = (Union(a0, as) * (shape + 1) >> 8) + (alpha * (256 - shape) >> 8);
-    const uint32_t under = layer.knockout ? layer.backdrop[i] : group;
-    uint32_t over = Scale(under, 256 - as) + c;
-    if (mode != 0) {
-        const uint32_t au = under >> 24;
-        const uint32_t mixed = Scale(c, 256 - au) + Scale(Blend(mode, under, c), au + 1);
-        over = Scale(under, 256 - as) + Scale(mixed, as + 1);
-    }
-    const uint32_t sum = Scale(group, 256 - shape) + Scale(over, shape + 1);
-    layer.color[i] = (sum & 0x00FFFFFFU) | Union(newAlpha, layer.backdrop[i] >> 24) << 24;
-    layer.alpha[i] = newAlpha;
-    layer.shape[i] = Union(layer.shape[i], shape);
-}
-
-uint32_t Divide(uint32_t pixel, uint32_t v) {
-    uint32_t out = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        out |= std::min(Channel(pixel, shift), v) * 255 / v << shift;
-    }
-    return out;
+    const Group old{color, static_cast<int>(layer.alpha[i]), static_cast<int>(layer.shape[i])};
+    const Group now = LayerOracle(mode == 0 ? -1 : mode, old, layer.backdrop[i], layer.knockout, c, shape);
+    color = now.color;
+    layer.alpha[i] = static_cast<uint32_t>(now.alpha);
+    layer.shape[i] = static_cast<uint32_t>(now.shape);
 }
 
 uint32_t ResultPixel(const Layer& layer, size_t i) {
-    const uint32_t shape = layer.shape[i];
-    const uint32_t alpha = layer.alpha[i];
-    uint32_t pixel = layer.color[i];
-    if (shape == 0 || (!layer.isolated && alpha == 0)) {
-        return pixel;
-    }
-    if (!layer.isolated) {
-        if (alpha == 255) {
-            return pixel | 0xFF000000U;
-        }
-        const uint32_t share = Scale(layer.backdrop[i], 256 - alpha);
-        uint32_t difference = 0;
-        for (int shift = 0; shift < 24; shift += 8) {
-            const uint32_t c = Channel(pixel, shift);
-            difference |= (c > Channel(share, shift) ? c - Channel(share, shift) : 0) << shift;
-        }
-        pixel = difference;
-    }
-    pixel = (pixel & 0x00FFFFFFU) | alpha << 24;
-    return shape < 255 ? Divide(pixel, shape) : pixel;
+    return ResultOracle(layer.color[i], static_cast<int>(layer.alpha[i]), static_cast<int>(layer.shape[i]),
+                        layer.isolated ? nullptr : &layer.backdrop[i]);
 }
 
 /// Coverage of a rectangle in eighths of a pixel: 64 samples a pixel, their number times 4 less 1.
@@ -391,7 +185,8 @@ public:
             if (layer.group) { // as a knockout draw of full shape would leave it
                 layer.alpha[i] = mix(layer.alpha[i], a);
                 layer.shape[i] = mix(layer.shape[i], 255);
-                layer.color[i] = (layer.color[i] & 0x00FFFFFFU) | Union(layer.alpha[i], layer.backdrop[i] >> 24) << 24;
+                layer.color[i] =
+                    WithAlpha(layer.color[i], UnionOf(static_cast<int>(layer.alpha[i]), Split(layer.backdrop[i]).a));
             }
         }
     }

@@ -44,6 +44,7 @@ public:
             7, [](void* self, const char* text) { static_cast<LastMessage*>(self)->m_text = text; }, this);
     }
     ~LastMessage() { GXLogSetSink(7, nullptr, nullptr); }
+    [[nodiscard]] const std::string& Whole() const { return m_text; }
     [[nodiscard]] std::string Text() const {
         const size_t at = m_text.find(":\n\t");
         return at == std::string::npos ? m_text : m_text.substr(at + 3);

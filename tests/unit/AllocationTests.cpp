@@ -2,8 +2,6 @@
 // Drawing takes nothing from the heap once it is warm, and survives every allocation of a page being refused.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <functional>
 #include <new>
 #include <vector>
@@ -15,66 +13,15 @@
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "ProcessHeap.h"
+#include "RefusingNew.h"
 #include "Software/SwGlyphCache.h"
 #include "Target/RenderTarget.h"
-
-namespace {
-
-std::atomic<int64_t> g_news{0};
-std::atomic<int64_t> g_live{0};
-std::atomic<int64_t> g_refused{-1}; // the number of the allocation that is refused
-
-/// Not every C library has std::aligned_alloc: the block of malloc is remembered in front of the aligned one.
-void* Counted(size_t bytes, size_t alignment) noexcept {
-    if (g_news.fetch_add(1, std::memory_order_relaxed) == g_refused.load(std::memory_order_relaxed)) {
-        return nullptr;
-    }
-    const size_t gap = sizeof(void*) + alignment - 1;
-    void* const block = bytes > SIZE_MAX - gap ? nullptr : std::malloc(bytes + gap);
-    if (block == nullptr) {
-        return nullptr;
-    }
-    auto* const aligned = reinterpret_cast<void**>((reinterpret_cast<uintptr_t>(block) + gap) & ~(alignment - 1));
-    aligned[-1] = block;
-    g_live.fetch_add(1, std::memory_order_relaxed);
-    return aligned;
-}
-
-void Release(void* p) noexcept {
-    if (p != nullptr) {
-        g_live.fetch_sub(1, std::memory_order_relaxed);
-        std::free(static_cast<void**>(p)[-1]);
-    }
-}
-
-void* CountedOrThrow(size_t bytes, size_t alignment) {
-    void* block = Counted(bytes, alignment);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-
-} // namespace
-
-void* operator new(size_t n) { return CountedOrThrow(n, alignof(std::max_align_t)); }
-void* operator new(size_t n, std::align_val_t a) { return CountedOrThrow(n, static_cast<size_t>(a)); }
-void* operator new(size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
-    return Counted(n, static_cast<size_t>(a));
-}
-void* operator new(size_t n, const std::nothrow_t&) noexcept { return Counted(n, alignof(std::max_align_t)); }
-void operator delete(void* p) noexcept { Release(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { Release(p); }
-void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept { Release(p); }
-void operator delete(void* p, size_t) noexcept { Release(p); }
-void operator delete(void* p, std::align_val_t) noexcept { Release(p); }
-void operator delete(void* p, size_t, std::align_val_t) noexcept { Release(p); }
 
 namespace Graphics {
 namespace {
 
 /// Both kinds of allocations so far.
-int64_t Allocations() { return g_news.load() + ProcessHeap::FailAfter(-1); }
+int64_t Allocations() { return RefusingNew::Count() + ProcessHeap::FailAfter(-1); }
 
 class Page {
 public:
@@ -201,7 +148,7 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
     bool allGiven = false;
     for (int64_t n = 0; !allGiven && n < 10000; ++n) {
         SwGlyphCache::DropWaiting();
-        const int64_t live = g_live.load();
+        const int64_t live = RefusingNew::Live();
         {
             Page page;
             const int64_t before = refuse(n);
@@ -225,7 +172,7 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
             ASSERT_EQ(pixels(page), expected) << "allocation " << n;
         }
         SwGlyphCache::DropWaiting();
-        ASSERT_EQ(g_live.load(), live) << "allocation " << n;
+        ASSERT_EQ(RefusingNew::Live(), live) << "allocation " << n;
     }
     EXPECT_TRUE(allGiven);
 }
@@ -233,8 +180,8 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
 int64_t RefuseBuffer(int64_t n) { return ProcessHeap::FailAfter(n); }
 
 int64_t RefuseObject(int64_t n) {
-    const int64_t now = g_news.load();
-    g_refused.store(n < 0 ? -1 : now + n);
+    const int64_t now = RefusingNew::Count();
+    RefusingNew::Refuse(n < 0 ? -1 : now + n);
     return now;
 }
 

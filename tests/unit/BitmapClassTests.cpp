@@ -195,6 +195,8 @@ TEST(BitmapBaseView, ShowsAndWritesItsRectangleOnly) {
             ASSERT_EQ(bit, x >= 5 && x < 22 && y >= 2 && y < 4 ? 1 : 0) << x << ", " << y;
         }
     }
+    EXPECT_TRUE(image->View().ownsGaps);
+    EXPECT_FALSE(view.View().ownsGaps); // between its rows lie pixels of the image
     const BitmapBaseView clipped(image, {-5, -5, 1000, 1});
     EXPECT_EQ(clipped.GetSize().width, 40U);
     EXPECT_EQ(clipped.GetSize().height, 1U);

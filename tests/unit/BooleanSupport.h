@@ -26,53 +26,12 @@ inline void AddRing(Shape& shape, const Ring& ring) {
     shape.EndFigureClose();
 }
 
-/// The signed area: positive for figures that run as a rectangle does.
-inline double AreaOf(const Figure& figure) {
-    const auto p = figure.Points();
-    double area = 0;
-    for (size_t i = 1; i + 1 < p.size(); ++i) {
-        area += (static_cast<double>(p[i].x) - p[0].x) * (static_cast<double>(p[i + 1].y) - p[0].y) -
-                (static_cast<double>(p[i + 1].x) - p[0].x) * (static_cast<double>(p[i].y) - p[0].y);
-    }
-    return area / 2;
-}
-
-inline double AreaOf(const Shape& shape) {
-    double area = 0;
-    for (const Figure& f : shape.Figures()) {
-        area += AreaOf(f);
-    }
-    return area;
-}
-
-struct Segment {
-    Point a, b;
-};
-
-inline std::vector<Segment> SegmentsOf(const Shape& shape) {
-    std::vector<Segment> all;
-    for (const Figure& f : shape.Figures()) {
-        const auto p = f.Points();
-        for (size_t i = 0; i < p.size(); ++i) {
-            all.push_back({p[i], p[(i + 1) % p.size()]});
-        }
-    }
-    return all;
-}
-
 inline double LengthOf(const Shape& shape) {
     double length = 0;
     for (const Segment& s : SegmentsOf(shape)) {
         length += std::hypot(static_cast<double>(s.b.x) - s.a.x, static_cast<double>(s.b.y) - s.a.y);
     }
     return length;
-}
-
-inline double DistanceTo(const Segment& s, double x, double y) {
-    const double dx = static_cast<double>(s.b.x) - s.a.x, dy = static_cast<double>(s.b.y) - s.a.y;
-    const double length2 = dx * dx + dy * dy;
-    const double t = length2 == 0 ? 0 : std::clamp(((x - s.a.x) * dx + (y - s.a.y) * dy) / length2, 0.0, 1.0);
-    return std::hypot(s.a.x + t * dx - x, s.a.y + t * dy - y);
 }
 
 /// Twice the area of a triangle. Exact for points of one grid of 2^24 steps: no operation needs more than 53 bits.

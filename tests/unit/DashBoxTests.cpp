@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Geometry/DeviceFeed.h"
+#include "GridSink.h"
 #include "Scan/Rasterizer.h"
 
 using namespace Graphics;
@@ -30,21 +31,14 @@ private:
 };
 static_assert(TakesBoxes<Rasterizer> && !TakesBoxes<OutlinesOnly>);
 
-/// Counts into a plane of bytes, and spoils what it was lent.
-class PlaneSink final : public RasterizationSink {
+/// Spoils what it was lent, and takes blocks if it may.
+class PlaneSink final : public GridSink {
 public:
-    PlaneSink(const IntRect& visible, bool blocks)
-        : m_visible(visible), m_blocks(blocks),
-          plane(static_cast<size_t>((visible.right - visible.left) * (visible.bottom - visible.top))) {}
+    PlaneSink(const IntRect& visible, bool blocks) : GridSink(visible), m_blocks(blocks) {}
 
     void Row(int32_t y, std::span<CoverageRun> runs) override {
-        int32_t x = m_visible.left;
-        ASSERT_TRUE(y >= m_visible.top && y < m_visible.bottom);
+        GridSink::Row(y, runs);
         for (const CoverageRun& run : runs) {
-            ASSERT_TRUE(x <= run.x0 && run.x0 < run.x1 && run.x1 <= m_visible.right);
-            for (x = run.x0; x < run.x1; ++x) {
-                Take(x, y, run.shape != nullptr ? run.shape[x - run.x0] : run.value);
-            }
             if (run.shape != nullptr) {
                 std::fill(run.shape, run.shape + (run.x1 - run.x0), uint8_t{77});
             }
@@ -53,36 +47,18 @@ public:
     bool Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) override {
         for (int32_t y = y0; m_blocks && y < y1; ++y) {
             for (int32_t x = x0; x < x1; ++x) {
-                Take(x, y, shape[x - x0]);
+                EXPECT_EQ(grid.At(x, y), 0) << "twice at " << x << ", " << y;
+                grid.At(x, y) = shape[x - x0];
             }
         }
         taken += m_blocks ? 1 : 0;
         return m_blocks;
     }
-    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override {
-        rectangle = {left, top, right, bottom};
-    }
-    bool Begin(int32_t first, int32_t last) override {
-        subs = {first, last};
-        return false;
-    }
+
+    int taken = 0;
 
 private:
-    void Take(int32_t x, int32_t y, uint8_t value) {
-        uint8_t& at =
-            plane[static_cast<size_t>((y - m_visible.top) * (m_visible.right - m_visible.left) + x - m_visible.left)];
-        EXPECT_TRUE(at == 0 || value == 0) << "twice at " << x << ", " << y;
-        at = static_cast<uint8_t>(at + value);
-    }
-
-    IntRect m_visible;
     bool m_blocks;
-
-public:
-    std::vector<uint8_t> plane;
-    IntRect rectangle{};
-    std::pair<int32_t, int32_t> subs{};
-    int taken = 0;
 };
 
 } // namespace
@@ -150,8 +126,11 @@ TEST(DashBoxes, HaveTheCoverageOfThePensOutlines) {
         OutlinesOnly hidden(outlines);
         FeedStroke(shape, m, style, width, adjust, storage, seen, hidden);
         outlines.Finish(expected);
-        ASSERT_EQ(expected.plane, actual.plane) << "round " << round;
-        ASSERT_TRUE(Graphics::operator==(expected.rectangle, actual.rectangle)) << "round " << round;
+        ASSERT_EQ(expected.grid.value, actual.grid.value) << "round " << round;
+        ASSERT_EQ(expected.rectangles.size(), actual.rectangles.size()) << "round " << round;
+        for (size_t i = 0; i < expected.rectangles.size(); ++i) {
+            ASSERT_TRUE(expected.rectangles[i] == actual.rectangles[i]) << "round " << round;
+        }
         ASSERT_EQ(expected.subs, actual.subs) << "round " << round;
         taken += actual.taken != 0 ? 1 : 0;
     }

@@ -8,6 +8,7 @@
 #include "Geometry/DeviceFeed.h"
 #include "Geometry/Figures.h"
 #include "Geometry/Geometry.h"
+#include "Winding.h"
 
 using namespace Graphics;
 
@@ -118,11 +119,7 @@ TEST(CurveFlattener, StaysWithinTheToleranceOfTheCurve) {
             const double y = s * s * s * c[0].y + 3 * s * s * t * c[1].y + 3 * s * t * t * c[2].y + t * t * t * c[3].y;
             double nearest = 1e9;
             for (size_t k = 0; k + 1 < points.size(); ++k) {
-                const double dx = points[k + 1].x - points[k].x, dy = points[k + 1].y - points[k].y;
-                const double l2 = dx * dx + dy * dy;
-                double u = l2 > 0 ? ((x - points[k].x) * dx + (y - points[k].y) * dy) / l2 : 0;
-                u = std::min(1.0, std::max(0.0, u));
-                nearest = std::min(nearest, std::hypot(points[k].x + u * dx - x, points[k].y + u * dy - y));
+                nearest = std::min(nearest, DistanceTo({points[k], points[k + 1]}, x, y));
             }
             ASSERT_LT(nearest, 0.26) << "round " << round << " t " << t;
         }

@@ -13,6 +13,7 @@
 #include "Exception.h"
 #include "Geometry/DeviceFeed.h"
 #include "Geometry/Geometry.h"
+#include "GridSink.h"
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "Scan/SampleGrid.h"
@@ -54,27 +55,6 @@ std::shared_ptr<Geometry> RandomOutline(Random& random, float size) {
     return g;
 }
 
-class Plane final : public RasterizationSink {
-public:
-    Plane(int32_t width, int32_t height)
-        : m_width(width), bytes(static_cast<size_t>(width) * static_cast<size_t>(height)) {}
-    void Row(int32_t y, std::span<CoverageRun> runs) override {
-        for (const CoverageRun& run : runs) {
-            for (int32_t x = run.x0; x < run.x1; ++x) {
-                bytes[static_cast<size_t>(y) * static_cast<size_t>(m_width) + static_cast<size_t>(x)] =
-                    run.shape == nullptr ? run.value : run.shape[x - run.x0];
-            }
-        }
-    }
-    void Rectangle(int32_t, int32_t, int32_t, int32_t) override { ADD_FAILURE(); }
-
-private:
-    int32_t m_width;
-
-public:
-    std::vector<uint8_t> bytes;
-};
-
 TEST(SampleGrid, CountsWhatTheRasterizerCoversAtEveryPhase) {
     Random random(1);
     Rasterizer rasterizer;
@@ -96,7 +76,7 @@ TEST(SampleGrid, CountsWhatTheRasterizerCoversAtEveryPhase) {
             // What lies outside of the grid is not in it, so the plane shows only what the grid had room for.
             const int32_t w = samples.WidthAt(right);
             const int32_t h = samples.HeightAt(down);
-            Plane expected(w, h);
+            GridSink expected({0, 0, w, h});
             rasterizer.Begin(clip, {0, 0, w, h}, false);
             FeedFill(shape, place, rasterizer);
             rasterizer.Move(right, down);
@@ -109,7 +89,7 @@ TEST(SampleGrid, CountsWhatTheRasterizerCoversAtEveryPhase) {
             for (int32_t y = down != 0 ? 1 : 0; y < height; ++y) {
                 for (int32_t x = right != 0 ? 1 : 0; x < width; ++x) {
                     ASSERT_EQ(coverage[static_cast<size_t>(y) * stride + static_cast<size_t>(x)],
-                              expected.bytes[static_cast<size_t>(y * w + x)])
+                              expected.grid.At(x, y))
                         << "round " << round << " phase " << phase << " at " << x << "," << y;
                 }
             }

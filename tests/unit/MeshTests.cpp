@@ -3,11 +3,12 @@
 // coverage that they stand for: each pixel belongs to one quadrilateral at most, and has the rows' coverage.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <random>
 #include <vector>
 
 #include "Direct3D11/Mesh/D3D11Mesh.h"
+#include "GridSink.h"
 #include "Scan/Rasterizer.h"
 
 using namespace Graphics;
@@ -17,32 +18,6 @@ namespace {
 constexpr int32_t kWidth = 200;
 constexpr int32_t kHeight = 120;
 constexpr Rect kArea{0, 0, kWidth, kHeight};
-
-/// Keeps rows and rectangles; takes no bands.
-class RowSink final : public RasterizationSink {
-public:
-    explicit RowSink(const IntRect& visible) : m_visible(visible) {}
-    void Row(int32_t y, std::span<CoverageRun> runs) override {
-        for (const CoverageRun& run : runs) {
-            for (int32_t x = run.x0; x < run.x1; ++x) {
-                At(x, y) = static_cast<float>(run.shape != nullptr ? run.shape[x - run.x0] : run.value) / 255.0F;
-            }
-        }
-    }
-    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override {
-        const IntRect r = Intersect({left, top, right, bottom}, m_visible);
-        for (int32_t y = r.top; y < r.bottom; ++y) {
-            for (int32_t x = r.left; x < r.right; ++x) {
-                At(x, y) = 1.0F;
-            }
-        }
-    }
-    [[nodiscard]] float& At(int32_t x, int32_t y) { return m_values[static_cast<size_t>(y * kWidth + x)]; }
-
-private:
-    IntRect m_visible;
-    std::vector<float> m_values = std::vector<float>(static_cast<size_t>(kWidth * kHeight));
-};
 
 /// The mesh at pixel centres inside `visible`.
 void Sample(const D3D11Mesh& mesh, const IntRect& visible, std::vector<float>& values, std::vector<int>& hits) {
@@ -93,8 +68,14 @@ TEST(D3D11Mesh, CoversWhatTheRowsCover) {
             rasterizer.EndFigureClose();
             rasterizer.Finish(sink);
         };
-        RowSink rows(visible);
+        GridSink rows(visible);
         draw(rows);
+        for (const IntRect& whole : rows.rectangles) {
+            const IntRect r = Intersect(whole, visible);
+            for (int32_t y = r.top; y < r.bottom; ++y) {
+                std::fill_n(&rows.grid.At(r.left, y), std::max(r.right - r.left, 0), 255);
+            }
+        }
         D3D11Mesh mesh;
         mesh.SetColor({0.25F, 0.5F, 0.75F, 1.0F});
         D3D11MeshSink sink(mesh, visible);
@@ -107,7 +88,7 @@ TEST(D3D11Mesh, CoversWhatTheRowsCover) {
                 const auto at = static_cast<size_t>(y * kWidth + x);
                 ASSERT_LE(hits[at], 1) << round << " at " << x << " " << y;
                 // Edges on eighths of a pixel on one side, ramps on the other.
-                ASSERT_NEAR(values[at], rows.At(x, y), 0.08) << round << " at " << x << " " << y;
+                ASSERT_NEAR(values[at], rows.grid.At(x, y) / 255.0, 0.08) << round << " at " << x << " " << y;
             }
         }
         for (size_t q = 0; q < mesh.QuadCount(); ++q) {

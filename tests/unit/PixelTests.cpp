@@ -205,20 +205,6 @@ TEST(PixelConversion, EveryColourAtEveryAlpha) {
     }
 }
 
-TEST(PixelConversion, KnownPixels) {
-    const auto convert = [](GXPixelFormat from, GXPixelFormat to, uint32_t p) {
-        uint32_t out = 0;
-        PixelConversion::Find(from, to)(reinterpret_cast<uint8_t*>(&out), 0, reinterpret_cast<uint8_t*>(&p), 0, 1);
-        return out;
-    };
-    EXPECT_EQ(convert(3, 2, 0x80C86432U), 0x80643219U);
-    EXPECT_EQ(convert(2, 3, 0x80643219U), 0x80C76331U);
-    EXPECT_EQ(convert(2, 3, 0x64C80000U), 0x64FF0000U);
-    EXPECT_EQ(convert(1, 7, 0x00FFFFFFU), 255U);
-    EXPECT_EQ(convert(1, 7, 0x000000FFU), 27U) << "24-bit rows weigh by 256ths";
-    EXPECT_EQ(convert(3, 7, 0x000000FFU), 28U) << "32-bit rows weigh by hundredths";
-}
-
 TEST(PixelConversion, PairsWithoutAConverter) {
     for (GXPixelFormat from = 0; from <= 12; ++from) {
         for (GXPixelFormat to = 0; to <= 12; ++to) {

@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <memory>
-#include <random>
 #include <vector>
 
 #include "Arena.h"
 #include "Bitmaps/CacheHolder.h"
 #include "Exception.h"
+#include "PaintSupport.h"
 #include "Scan/DeviceFigures.h"
 #include "Software/SwBitmapColorSource.h"
 #include "Software/SwPaintKernels.h"
@@ -20,13 +19,7 @@
 namespace {
 
 using namespace Graphics;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-
-std::mt19937 g_random(7);
-
-float Uniform(float low, float high) { return std::uniform_real_distribution<float>(low, high)(g_random); }
+using namespace PaintSupport;
 
 uint32_t Mix(uint32_t a, uint32_t b, uint32_t w) {
     uint32_t c = 0;

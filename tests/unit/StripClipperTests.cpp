@@ -10,8 +10,6 @@
 
 using namespace Graphics;
 
-namespace {} // namespace
-
 TEST(StripClipper, CutsFiguresAtTheBounds) {
     Shape out;
     StripClipper<Shape> x(out, ClipAxis::X, 32535, -32535, 0.25F); // swapped

@@ -4,13 +4,16 @@
 namespace Graphics {
 namespace {
 
-// Made when the library is loaded, not on first use: it has to outlive the static objects of a program that is linked
-// against the library.
-LogSinks g_sinks;
+// Made when the library is loaded and not as late as on first use: it has to outlive the static objects of a program
+// that is linked against the library.
+[[maybe_unused]] const LogSinks& g_made = LogSinks::Instance();
 
 } // namespace
 
-LogSinks& LogSinks::Instance() noexcept { return g_sinks; }
+LogSinks& LogSinks::Instance() noexcept {
+    static LogSinks instance;
+    return instance;
+}
 
 void LogSinks::Set(int32_t key, GXLogProc proc, void* context) {
     const std::lock_guard lock(m_mutex);

@@ -6,11 +6,15 @@
 namespace Graphics {
 namespace {
 
-BitmapCache g_cache; // made when the library is loaded, so that it outlives a program's static objects
+// Made when the library is loaded at the latest, so that it outlives a program's static objects.
+[[maybe_unused]] const BitmapCache& g_made = BitmapCache::Shared();
 
 } // namespace
 
-BitmapCache& BitmapCache::Shared() noexcept { return g_cache; }
+BitmapCache& BitmapCache::Shared() noexcept {
+    static BitmapCache cache;
+    return cache;
+}
 
 uint64_t BitmapCache::EntryBytes(const Size& size, GXPixelFormat format) noexcept {
     const uint64_t bits = IsValidFormat(format) ? static_cast<uint64_t>(BitsPerPixel(format)) : 32;

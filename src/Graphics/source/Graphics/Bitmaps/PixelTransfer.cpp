@@ -113,6 +113,7 @@ PixelView PixelTransfer::Part(const PixelView& view, const IntRect& rect) noexce
     part.bitOffset = static_cast<uint32_t>(bit & 7);
     part.width = rect.right - rect.left;
     part.height = rect.bottom - rect.top;
+    part.ownsGaps = false; // they are pixels of the whole
     return part;
 }
 

@@ -33,6 +33,7 @@ PixelView SysMemBitmap::View() const noexcept {
     view.width = m_pixels.Width();
     view.height = m_pixels.Height();
     view.format = m_format;
+    view.ownsGaps = true;
     if (m_palette != nullptr) {
         view.palette = m_palette->Colors();
         view.paletteCount = m_palette->Count();

@@ -8,7 +8,7 @@
 namespace Graphics {
 namespace {
 
-constexpr size_t kFewEnds = 512; // below, comparing is faster than counting digits
+constexpr size_t kFewEnds = 256; // below, comparing is faster than counting digits
 
 /// std::push_heap makes a heap with the largest on top; the sweep wants the first.
 struct Later {

@@ -16,12 +16,15 @@ constexpr size_t kLanes = 2;
 // A sweep takes about 0.4 us for a crossing; here a pair takes 5 ns, both ways, and a crossing 0.1 us. So it is worth
 // while if more than one pair in fifty crosses; twice that stays clear of the noise.
 constexpr size_t kPairsPerCrossing = 25;
-constexpr size_t kFewEdges = 32, kMostPairs = 256, kMostSamples = 16, kEdgesPerSample = 32;
+constexpr size_t kFewEdges = 32, kMostPairs = 256, kMostSamples = 16, kEdgesPerSample = 64;
 
 /// Whether the edges cross inside both.
 [[nodiscard]] bool Crosses(const GridEdge& e, const GridEdge& f) noexcept {
-    return e.lo.y <= f.hi.y && f.lo.y <= e.hi.y && (e.SideOf(f.lo) < 0) != (e.SideOf(f.hi) < 0) &&
-           (f.SideOf(e.lo) < 0) != (f.SideOf(e.hi) < 0);
+    const auto parts = [](const GridEdge& g, const GridPoint& p, const GridPoint& q) {
+        const int64_t a = g.SideOf(p), b = g.SideOf(q);
+        return (a < 0 && b > 0) || (a > 0 && b < 0);
+    };
+    return e.lo.y <= f.hi.y && f.lo.y <= e.hi.y && parts(e, f.lo, f.hi) && parts(f, e.lo, e.hi);
 }
 
 /// Increases from e's begin to its end, and tells points of the grid apart that lie along it.
@@ -41,11 +44,22 @@ bool PairwiseWinder::Worthwhile() {
     size_t points = 0;
     for (size_t i = 0; i < samples; ++i) {
         Wind(static_cast<uint32_t>(i * count / samples));
-        for (size_t k = 1; k < m_order.size(); ++k) {
-            points += (m_order[k] >> 32) != (m_order[k - 1] >> 32) ? 1 : 0;
-        }
+        points += LonelyPassages();
     }
     return points * kPairsPerCrossing >= samples * count;
+}
+
+/// How many passages are at a point of their own. Where several edges meet at one point, a sweep stops once for all.
+size_t PairwiseWinder::LonelyPassages() const noexcept {
+    size_t lonely = 0;
+    for (size_t i = 0; i < m_order.size(); ++i) {
+        const uint64_t distance = m_order[i] >> 32;
+        lonely += (i == 0 || m_order[i - 1] >> 32 != distance) &&
+                          (i + 1 == m_order.size() || m_order[i + 1] >> 32 != distance)
+                      ? 1
+                      : 0;
+    }
+    return lonely;
 }
 
 /// A glance at few pairs: most input is sparse, and shall not pay for being asked.

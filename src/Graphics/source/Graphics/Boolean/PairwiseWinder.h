@@ -26,7 +26,7 @@ public:
     PairwiseWinder(const PairwiseWinder&) = delete;
     PairwiseWinder& operator=(const PairwiseWinder&) = delete;
 
-    /// Whether samples say that crossings are so many, and at so many points, that this is faster than a sweep.
+    /// Whether samples say that crossings are so many, each at a point of its own, that this is faster than a sweep.
     [[nodiscard]] bool Worthwhile();
     /// Puts the pieces of edges that are the border into `border`, weight 1 for the area at their left, -1 at the
     /// right, in operand A.
@@ -47,6 +47,7 @@ private:
     };
 
     [[nodiscard]] bool SampledPairsCross() const noexcept;
+    [[nodiscard]] size_t LonelyPassages() const noexcept;
     void Load();
     void Wind(uint32_t edge);
     void Meet(uint32_t edge);

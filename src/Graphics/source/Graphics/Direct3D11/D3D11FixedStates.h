@@ -19,7 +19,7 @@ enum class D3D11Blend : uint8_t {
     Over,   ///< s + d (1 - s.a)
     Remove, ///< d (1 - s.a)
     Add,    ///< s + d
-    Invert, ///< s (1 - d), alpha kept
+    Invert, ///< d.a - d, alpha kept
 };
 
 class D3D11FixedStates {

@@ -84,7 +84,7 @@ struct Rule {
     case D3D11Blend::Add:
         return each([](float c, float below) { return c + below; });
     case D3D11Blend::Invert: {
-        Float4 out = each([&](float c, float below) { return c * (1.0F - below); });
+        Float4 out = each([&](float c, float below) { return c * d.a - below; });
         out.a = d.a;
         return out;
     }

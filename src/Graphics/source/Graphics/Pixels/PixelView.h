@@ -20,6 +20,7 @@ struct PixelView {
     uint32_t bitOffset = 0;
     const uint32_t* palette = nullptr;
     size_t paletteCount = 0;
+    bool ownsGaps = false; ///< bytes between the rows may be written
 };
 
 } // namespace Graphics

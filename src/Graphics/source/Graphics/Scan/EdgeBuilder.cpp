@@ -90,7 +90,7 @@ void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
         const bool goesDown = next > y;
         if (goesDown != down || !seen) {
             if (down) {
-                m_chains.push_back({top >> 7, y >> 7});
+                m_chains.push_back({top >> 4, y >> 4});
             }
             if (!seen) {
                 firstDown = goesDown;
@@ -103,21 +103,24 @@ void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
         y = next;
     }
     if (down) {
-        m_chains.push_back({top >> 7, y >> 7});
+        m_chains.push_back({top >> 4, y >> 4});
         m_chainCount -= firstDown ? 1U : 0U; // the first and the last run are one
     }
 }
 
-uint32_t EdgeBuilder::BoundByRows(int32_t firstRow, int32_t lastRow) {
-    const size_t rows = static_cast<size_t>(lastRow - firstRow) + 1;
+/// The most chains that meet in one of the rows of 2^shift sub-scanlines from `first` to before `last`.
+uint32_t EdgeBuilder::BoundByRows(int32_t first, int32_t last, int shift) {
+    const int32_t firstRow = first >> shift;
+    const size_t rows = static_cast<size_t>(((last - 1) >> shift) - firstRow) + 1;
     m_rowSums.resize(rows + 1);
     std::fill_n(m_rowSums.data(), rows + 1, 0);
     for (const RowRange& c : m_chains) {
-        if (c.last < firstRow || c.first > lastRow) {
-            continue;
+        const int32_t from = std::max(c.first, first);
+        const int32_t to = std::min(c.last, last);
+        if (from < to) {
+            ++m_rowSums[static_cast<size_t>((from >> shift) - firstRow)];
+            --m_rowSums[static_cast<size_t>(((to - 1) >> shift) - firstRow) + 1];
         }
-        ++m_rowSums[static_cast<size_t>(std::max(c.first, firstRow) - firstRow)];
-        --m_rowSums[static_cast<size_t>(std::min(c.last, lastRow) - firstRow) + 1];
     }
     int32_t sum = 0;
     int32_t most = 0;
@@ -184,8 +187,12 @@ FillShape EdgeBuilder::Measure(bool nonZero) {
     m_figureStart = to;
     if (nonZero && loops != 0) {
         shape.windingBound = m_chainCount;
+        // Sub-scanlines are worth the time where the bound would ask for the widest cells.
         if (m_chainCount > 3) {
-            shape.windingBound = std::min(m_chainCount, BoundByRows(shape.first >> 3, (shape.last - 1) >> 3));
+            shape.windingBound = std::min(m_chainCount, BoundByRows(shape.first, shape.last, 3));
+        }
+        if (shape.windingBound > 15) {
+            shape.windingBound = BoundByRows(shape.first, shape.last, 0);
         }
     }
     return shape;

@@ -119,14 +119,14 @@ public:
 
 private:
     struct RowRange {
-        int32_t first; // pixel rows, inclusive
-        int32_t last;
+        int32_t first; // sub-scanlines, inclusive
+        int32_t last;  // exclusive
     };
 
     void Grow();
     [[nodiscard]] uint32_t DropOutside(Vertex* loop, uint32_t count) const noexcept;
     void AddChains(const Vertex* loop, uint32_t count);
-    [[nodiscard]] uint32_t BoundByRows(int32_t firstRow, int32_t lastRow);
+    [[nodiscard]] uint32_t BoundByRows(int32_t first, int32_t last, int shift);
 
     HeapArray<Vertex> m_vertices;
     HeapArray<uint32_t> m_figures; // end index of each loop

@@ -32,9 +32,12 @@ void ClearSurface(const SwKernels& kernels, const SwTargetPlanes& planes, const 
                   uint32_t color) {
     const auto width = static_cast<size_t>(region.right - region.left);
     const auto words = [&](int32_t x, int32_t y) { return WordsAt(planes.color, planes.colorStride, planes, x, y); };
-    if (!IsMasked(clip) && static_cast<ptrdiff_t>(width * sizeof(uint32_t)) == planes.colorStride) {
-        // Rows without a gap are one long row.
-        kernels.fill32(words(region.left, region.top), color, width * static_cast<size_t>(region.bottom - region.top));
+    const bool oneRow = static_cast<ptrdiff_t>(width * sizeof(uint32_t)) == planes.colorStride ||
+                        (region.left == planes.origin.x && region.right - region.left == planes.rowWithGap);
+    if (!IsMasked(clip) && oneRow && region.top < region.bottom) {
+        const size_t perRow = static_cast<size_t>(planes.colorStride) / sizeof(uint32_t);
+        kernels.fill32(words(region.left, region.top), color,
+                       perRow * static_cast<size_t>(region.bottom - region.top - 1) + width);
         return;
     }
     ForRows(region, clip, [&](int32_t y, int32_t x0, int32_t x1) {

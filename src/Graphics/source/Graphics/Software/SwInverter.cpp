@@ -17,7 +17,13 @@ PixelInverter::PixelInverter(const IntRect& bounds, const SwClip* clip) noexcept
 void SwInverter::Invert(int32_t y, int32_t x0, int32_t x1) {
     auto* row = reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) -
                 m_target.origin.x;
-    ActiveKernels().invert(row + x0, static_cast<size_t>(x1 - x0));
+    if (m_target.alpha != nullptr) { // of a group, to be composited: no colour may lie above its alpha
+        ActiveKernels().invert(row + x0, static_cast<size_t>(x1 - x0));
+        return;
+    }
+    for (int32_t x = x0; x < x1; ++x) { // as the host has it, whatever that is
+        row[x] ^= 0x00FFFFFFU;
+    }
 }
 
 void PixelInverter::Pixels(int32_t y, int32_t x0, int32_t x1) {

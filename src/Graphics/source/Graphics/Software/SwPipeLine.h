@@ -23,6 +23,7 @@ struct SwTargetPlanes {
     IntPoint origin{};
     uint8_t* color = nullptr;
     ptrdiff_t colorStride = 0;
+    int32_t rowWithGap = 0; ///< a row of so many pixels may be filled together with what lies behind it
     // Inside a transparency group:
     uint8_t* alpha = nullptr; ///< null: a basic target
     uint8_t* shape = nullptr;
@@ -99,6 +100,7 @@ private:
     bool m_isSolid = false;
     bool m_isOpaque = false;
     bool m_joins = false;
+    bool m_isFar;                 ///< the target is larger than the caches
     uint32_t* m_joined = nullptr; ///< colours of the stretch at hand, found together with those of its neighbours
     bool m_solidRowReady = false;
 };

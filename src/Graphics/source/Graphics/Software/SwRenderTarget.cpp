@@ -64,7 +64,7 @@ void SwRenderTarget::BeginPaint() {
     }
     const PixelView pixels = m_surface->BeginPaint();
     m_area = {0, 0, pixels.width, pixels.height};
-    m_basic.Open(pixels.data, pixels.strideBytes, m_area, Cached());
+    m_basic.Open(pixels, Cached());
     if (format == GXPixelFormatBGRX32) {
         // With 255 in every fourth byte the composites for pixels with alpha keep it so.
         for (int32_t y = 0; y < pixels.height; ++y) {

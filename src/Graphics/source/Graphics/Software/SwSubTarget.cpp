@@ -5,6 +5,13 @@
 
 namespace Graphics {
 
+namespace {
+
+/// Gaps of a line of the cache cost less to write than to leave out.
+constexpr ptrdiff_t kMostGap = 64;
+
+} // namespace
+
 void SwSubTarget::PushState() { m_states.push_back(SwState(m_states.back())); }
 
 void SwSubTarget::PopState() {
@@ -20,11 +27,15 @@ void SwSubTarget::Reset(const IntRect& bounds, const SwState& state) {
     m_states.push_back(state);
 }
 
-void SwBasicSubTarget::Open(uint8_t* pixels, ptrdiff_t strideBytes, const IntRect& bounds, const SwState& state) {
-    Reset(bounds, state);
+void SwBasicSubTarget::Open(const PixelView& pixels, const SwState& state) {
+    Reset({0, 0, pixels.width, pixels.height}, state);
     m_planes = {};
-    m_planes.color = pixels;
-    m_planes.colorStride = strideBytes;
+    m_planes.color = pixels.data;
+    m_planes.colorStride = pixels.strideBytes;
+    const ptrdiff_t gap = pixels.strideBytes - static_cast<ptrdiff_t>(sizeof(uint32_t)) * pixels.width;
+    if (pixels.ownsGaps && gap > 0 && gap <= kMostGap) {
+        m_planes.rowWithGap = pixels.width;
+    }
 }
 
 SwTargetPlanes SwBasicSubTarget::Planes(const IntRect& region) {

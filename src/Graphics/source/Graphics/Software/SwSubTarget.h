@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "../Pixels/PixelView.h"
 #include "../ProcessHeap.h"
 #include "SwClip.h"
 #include "SwPipeLine.h"
@@ -46,7 +47,7 @@ protected:
 
 class SwBasicSubTarget final : public SwSubTarget {
 public:
-    void Open(uint8_t* pixels, ptrdiff_t strideBytes, const IntRect& bounds, const SwState& state);
+    void Open(const PixelView& pixels, const SwState& state);
     void Close() noexcept { m_states.clear(); }
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;

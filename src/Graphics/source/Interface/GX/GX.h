@@ -651,10 +651,10 @@ GX_API GXResult GXGeometrySendToSink(GXGeometry geometry, const GXGeometrySinkCa
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryTransform(GXGeometry geometry, const GXMatrix* matrix, GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Makes a new non-zero geometry: the outline of the stroke of `width` units, curves flattened to within 0.25 unit.
- * `style` may be null: miter joins up to ratio 10, flat caps, no dashes. GXResultInvalidArgument when `geometry` or
- * `outGeometry` is null, or `width` is negative or NaN; GXResultEngineError for the dash patterns that GXStrokeStyle
- * refuses, and for "Not enough memory". */
+/** Makes a new non-zero geometry: the outline of the stroke of `width` units, without area for 0, curves flattened to
+ * within 0.25 unit. `style` may be null: miter joins up to ratio 10, flat caps, no dashes. GXResultInvalidArgument when
+ * `geometry` or `outGeometry` is null, or `width` is negative or NaN; GXResultEngineError for the dash patterns that
+ * GXStrokeStyle refuses, and for "Not enough memory". */
 GX_API GXResult GXGeometryWiden(GXGeometry geometry, float width, const GXStrokeStyle* style,
                                 GXGeometry* outGeometry) GX_NOEXCEPT;
 
@@ -974,8 +974,8 @@ GX_API GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mas
                                        const GXRect* destination, uint32_t interpolation) GX_NOEXCEPT;
 
 /** Replaces every colour channel c in a rectangle by 255 - c. Alpha stays; doing it twice restores the pixels
- * exactly. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "Not
- * enough memory". */
+ * exactly. In a group, whose colours are premultiplied, c becomes alpha - c. GXResultInvalidArgument when an argument
+ * is null. GXResultEngineError: "Painting has not begun", "Not enough memory". */
 GX_API GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRect* rect) GX_NOEXCEPT;
 
 /** Replaces every colour channel c by 255 - c along a line one device pixel wide. Alpha stays; doing it twice

@@ -74,7 +74,7 @@ struct SwKernels {
     /// dst = scale(dst, 255 - shape) + scale(color, shape), shape 255 replaces: the share that a partly clipped pixel
     /// takes of a cleared colour.
     void (*replaceSolid)(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
-    /// Inverts the three colours of each pixel as they are stored, c = 255 - c, alpha kept: twice restores any pixel.
+    /// Inverts the three colours of each pixel against its alpha, c = a - c, alpha kept: 255 - c on straight channels.
     void (*invert)(uint32_t* dst, size_t count);
 };
 

@@ -4,6 +4,7 @@
 
 #include "SwBlend.h"
 #include "SwKernelSets.h"
+#include "SwKernelsTable.h"
 
 namespace Graphics {
 namespace {
@@ -216,7 +217,8 @@ void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t co
 
 void Invert(uint32_t* dst, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        dst[i] ^= 0x00FFFFFFU;
+        const uint32_t a = Alpha(dst[i]);
+        dst[i] = SubtractClamped(a << 24 | a << 16 | a << 8 | a, dst[i] & 0x00FFFFFFU);
     }
 }
 
@@ -231,29 +233,7 @@ void Invert(uint32_t* dst, size_t count) {
 #define GX_BLEND_ROW(...) BlendRow<__VA_ARGS__>
 #define GX_LAYER_ROW(...) LayerRow<LayerBlended<__VA_ARGS__>>
 
-constexpr SwKernels kTable = {
-    "scalar",
-    Fill32,
-    FillBlock,
-    Expect,
-    SetOpaque,
-    CopyOpaque,
-    NormalSolid,
-    NormalSolidBlock,
-    NormalVarying,
-    GX_MODES(GX_BLEND_ROW),
-    LayerRow<LayerOver>,
-    GX_MODES(GX_LAYER_ROW),
-    GroupResult,
-    {MaskValues<0>, MaskValues<1>, MaskValues<2>, MaskValues<3>},
-    ScaleShape,
-    ScaleShapeBy,
-    ScaleColor,
-    ScaleColorBy,
-    Premultiply,
-    ReplaceSolid,
-    Invert,
-};
+constexpr SwKernels kTable = GX_KERNEL_TABLE("scalar");
 
 } // namespace
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The frames of an animation are given as a viewer shows them: put together on the logical screen, with what the frames
 // before left there by their disposal. Nothing lies under the first frame: uncovered pixels are transparent.
-#include "GifCodec.h"
+#include "FreeCodecs.h"
 
 #include <algorithm>
 #include <cstring>
@@ -318,17 +318,26 @@ private:
     std::vector<Frame> m_frames;
 };
 
+class GifCodec final : public ImageCodec {
+public:
+    [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
+        return head.size() >= 6 &&
+               (std::memcmp(head.data(), "GIF87a", 6) == 0 || std::memcmp(head.data(), "GIF89a", 6) == 0);
+    }
+
+    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
+        return std::make_unique<GifDecoder>(source);
+    }
+
+    [[nodiscard]] bool Writes(std::string_view) const noexcept override { return false; }
+
+    void Save(const SysMemBitmap&, std::string_view, ByteSink&) const override { throw ImageError(); }
+};
+
+const GifCodec g_codec;
+
 } // namespace
 
-bool GifCodec::Recognizes(std::span<const uint8_t> head) const noexcept {
-    return head.size() >= 6 &&
-           (std::memcmp(head.data(), "GIF87a", 6) == 0 || std::memcmp(head.data(), "GIF89a", 6) == 0);
-}
-
-std::unique_ptr<ImageDecoder> GifCodec::Open(ByteSource& source) const { return std::make_unique<GifDecoder>(source); }
-
-bool GifCodec::Writes(std::string_view) const noexcept { return false; }
-
-void GifCodec::Save(const SysMemBitmap&, std::string_view, ByteSink&) const { throw ImageError(); }
+const ImageCodec& GifFiles() noexcept { return g_codec; }
 
 } // namespace Graphics

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // libjpeg reports errors by longjmp. Every call that may do so runs inside Protected, whose work owns nothing: objects
 // with destructors live in the callers, which throw once the jump has landed.
-#include "JpegCodec.h"
+#include "FreeCodecs.h"
 
 #include <csetjmp>
 #include <cstdio> // jpeglib.h wants FILE
@@ -276,20 +276,27 @@ private:
     jpeg_compress_struct m_info{};
 };
 
+class JpegCodec final : public ImageCodec {
+public:
+    [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
+        return head.size() >= 3 && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF;
+    }
+
+    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
+        return std::make_unique<JpegDecoder>(source);
+    }
+
+    [[nodiscard]] bool Writes(std::string_view name) const noexcept override { return name == "jpeg"; }
+
+    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const override {
+        JpegWriter(sink).Write(image);
+    }
+};
+
+const JpegCodec g_codec;
+
 } // namespace
 
-bool JpegCodec::Recognizes(std::span<const uint8_t> head) const noexcept {
-    return head.size() >= 3 && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF;
-}
-
-std::unique_ptr<ImageDecoder> JpegCodec::Open(ByteSource& source) const {
-    return std::make_unique<JpegDecoder>(source);
-}
-
-bool JpegCodec::Writes(std::string_view name) const noexcept { return name == "jpeg"; }
-
-void JpegCodec::Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const {
-    JpegWriter(sink).Write(image);
-}
+const ImageCodec& JpegFiles() noexcept { return g_codec; }
 
 } // namespace Graphics

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // libpng reports errors by longjmp. Every call that may do so runs inside Protected, whose work owns nothing: objects
 // with destructors live in the callers, which throw once the jump has landed.
-#include "PngCodec.h"
+#include "FreeCodecs.h"
 
 #include <csetjmp>
 #include <cstring>
@@ -252,16 +252,27 @@ private:
     png_infop m_info = nullptr;
 };
 
+class PngCodec final : public ImageCodec {
+public:
+    [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
+        return head.size() >= 8 && png_sig_cmp(head.data(), 0, 8) == 0;
+    }
+
+    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
+        return std::make_unique<PngDecoder>(source);
+    }
+
+    [[nodiscard]] bool Writes(std::string_view name) const noexcept override { return name == "png"; }
+
+    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const override {
+        PngWriter(sink).Write(image);
+    }
+};
+
+const PngCodec g_codec;
+
 } // namespace
 
-bool PngCodec::Recognizes(std::span<const uint8_t> head) const noexcept {
-    return head.size() >= 8 && png_sig_cmp(head.data(), 0, 8) == 0;
-}
-
-std::unique_ptr<ImageDecoder> PngCodec::Open(ByteSource& source) const { return std::make_unique<PngDecoder>(source); }
-
-bool PngCodec::Writes(std::string_view name) const noexcept { return name == "png"; }
-
-void PngCodec::Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const { PngWriter(sink).Write(image); }
+const ImageCodec& PngFiles() noexcept { return g_codec; }
 
 } // namespace Graphics

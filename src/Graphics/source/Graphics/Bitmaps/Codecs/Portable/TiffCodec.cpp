@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Written with LZW in strips of about 64 KiB.
-#include "TiffCodec.h"
+#include "FreeCodecs.h"
 
 #include <algorithm>
 #include <cstring>
@@ -69,22 +69,31 @@ private:
     TiffHandle m_file;
 };
 
+class TiffCodec final : public ImageCodec {
+public:
+    [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
+        if (head.size() < 4) {
+            return false;
+        }
+        const auto starts = [&head](const char* bytes) { return std::memcmp(head.data(), bytes, 4) == 0; };
+        return starts("II*\0") || starts("MM\0*") || starts("II+\0") || starts("MM\0+");
+    }
+
+    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
+        return std::make_unique<TiffReader>(source);
+    }
+
+    [[nodiscard]] bool Writes(std::string_view name) const noexcept override { return name == "tiff"; }
+
+    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const override {
+        TiffWriter(sink).Write(image);
+    }
+};
+
+const TiffCodec g_codec;
+
 } // namespace
 
-bool TiffCodec::Recognizes(std::span<const uint8_t> head) const noexcept {
-    if (head.size() < 4) {
-        return false;
-    }
-    const auto starts = [&head](const char* bytes) { return std::memcmp(head.data(), bytes, 4) == 0; };
-    return starts("II*\0") || starts("MM\0*") || starts("II+\0") || starts("MM\0+");
-}
-
-std::unique_ptr<ImageDecoder> TiffCodec::Open(ByteSource& source) const { return std::make_unique<TiffReader>(source); }
-
-bool TiffCodec::Writes(std::string_view name) const noexcept { return name == "tiff"; }
-
-void TiffCodec::Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const {
-    TiffWriter(sink).Write(image);
-}
+const ImageCodec& TiffFiles() noexcept { return g_codec; }
 
 } // namespace Graphics

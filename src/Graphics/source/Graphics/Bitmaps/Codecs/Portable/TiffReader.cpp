@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Bitmap formats that have the file's layout take the samples as they are. All else passes row by row through arrays of
-// 8-bit levels, one for each channel.
+// Strips and tiles are read whole and brought into the bitmap row by row.
 #include "TiffReader.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
-
-#include "../../../Pixels/PixelConversion.h"
 
 namespace Graphics {
 namespace {
@@ -16,33 +11,6 @@ namespace {
 constexpr uint16_t kMostSamples = 64;
 
 [[nodiscard]] uint64_t CeilDivide(uint64_t a, uint64_t b) noexcept { return (a + b - 1) / b; }
-
-template <class T> [[nodiscard]] T LoadNative(const uint8_t* p) noexcept {
-    T value;
-    std::memcpy(&value, p, sizeof value);
-    return value;
-}
-
-/// A float of 16 bits: sign, five bits of exponent, ten of fraction.
-[[nodiscard]] double FromHalf(uint16_t half) noexcept {
-    const int exponent = half >> 10 & 31;
-    const double fraction = half & 1023;
-    const double value = exponent == 0    ? std::ldexp(fraction, -24)
-                         : exponent == 31 ? (fraction == 0 ? HUGE_VAL : NAN)
-                                          : std::ldexp(fraction + 1024, exponent - 25);
-    return (half & 0x8000) != 0 ? -value : value;
-}
-
-/// `bits` bits from bit `at` on, most significant first.
-[[nodiscard]] uint32_t BitsAt(const uint8_t* row, uint64_t at, uint32_t bits) noexcept {
-    uint64_t value = 0;
-    const uint64_t last = (at + bits - 1) / 8;
-    for (uint64_t i = at / 8; i <= last; ++i) {
-        value = value << 8 | row[i];
-    }
-    value >>= (last + 1) * 8 - (at + bits);
-    return static_cast<uint32_t>(value & ((1ULL << bits) - 1));
-}
 
 } // namespace
 
@@ -59,92 +27,98 @@ void TiffReader::ReadTags() {
     uint16_t planar = PLANARCONFIG_CONTIG, sampleFormat = SAMPLEFORMAT_UINT, compression = COMPRESSION_NONE;
     Require(TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &m_width) == 1 &&
             TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &m_height) == 1 && m_width > 0 && m_height > 0);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &m_bits);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &m_samples);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &m_page.bits);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &m_page.samples);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &planar);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLEFORMAT, &sampleFormat);
     TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &compression);
-    if (TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &m_photometric) != 1) {
-        m_photometric = m_samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
+    if (TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &m_page.photometric) != 1) {
+        m_page.photometric = m_page.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
     }
-    Require(m_samples > 0 && m_samples <= kMostSamples && TIFFIsCODECConfigured(compression) == 1);
-    if (compression == COMPRESSION_JPEG && m_photometric == PHOTOMETRIC_YCBCR && planar == PLANARCONFIG_CONTIG &&
-        m_bits == 8) {
+    Require(m_page.samples > 0 && m_page.samples <= kMostSamples && TIFFIsCODECConfigured(compression) == 1);
+    if (compression == COMPRESSION_JPEG && m_page.photometric == PHOTOMETRIC_YCBCR && planar == PLANARCONFIG_CONTIG &&
+        m_page.bits == 8) {
         Require(TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB) == 1);
-        m_photometric = PHOTOMETRIC_RGB;
+        m_page.photometric = PHOTOMETRIC_RGB;
     }
-    m_planes = planar == PLANARCONFIG_SEPARATE && m_samples > 1;
+    m_page.planes = planar == PLANARCONFIG_SEPARATE && m_page.samples > 1;
 
-    switch (m_photometric) {
+    switch (m_page.photometric) {
     case PHOTOMETRIC_MINISBLACK:
     case PHOTOMETRIC_MINISWHITE:
-        m_colors = 1;
+        m_page.colors = 1;
         break;
     case PHOTOMETRIC_PALETTE: {
-        m_colors = 1;
+        m_page.colors = 1;
         uint16_t* map[3] = {};
-        Require(m_bits <= 16 && TIFFGetField(tiff, TIFFTAG_COLORMAP, &map[0], &map[1], &map[2]) == 1);
-        std::copy(map, map + 3, m_map);
+        Require(m_page.bits <= 16 && TIFFGetField(tiff, TIFFTAG_COLORMAP, &map[0], &map[1], &map[2]) == 1);
+        std::copy(map, map + 3, m_page.map);
         break;
     }
     case PHOTOMETRIC_RGB:
-        m_colors = 3;
+        m_page.colors = 3;
         break;
     case PHOTOMETRIC_SEPARATED: {
         uint16_t inkSet = INKSET_CMYK;
         TIFFGetFieldDefaulted(tiff, TIFFTAG_INKSET, &inkSet);
-        m_colors = 4;
-        m_known = inkSet == INKSET_CMYK;
+        m_page.colors = 4;
+        m_page.known = inkSet == INKSET_CMYK;
         break;
     }
     default:
-        m_known = false;
+        m_page.known = false;
         break;
     }
-    if (!m_known) {
+    if (!m_page.known) {
         return;
     }
-    Require(m_samples >= m_colors);
+    Require(m_page.samples >= m_page.colors);
     uint16_t extraCount = 0;
     uint16_t* extras = nullptr;
-    if (m_samples > m_colors && TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extras) == 1 && extraCount > 0) {
-        m_associated = extras[0] == EXTRASAMPLE_ASSOCALPHA;
-        m_hasAlpha = m_associated || extras[0] == EXTRASAMPLE_UNASSALPHA;
+    if (m_page.samples > m_page.colors && TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &extraCount, &extras) == 1 &&
+        extraCount > 0) {
+        m_page.associated = extras[0] == EXTRASAMPLE_ASSOCALPHA;
+        m_page.hasAlpha = m_page.associated || extras[0] == EXTRASAMPLE_UNASSALPHA;
     }
     if (sampleFormat == SAMPLEFORMAT_IEEEFP) {
-        Require((m_bits == 16 || m_bits == 32 || m_bits == 64) && m_photometric != PHOTOMETRIC_PALETTE);
-        m_kind = m_bits == 16 ? Samples::Half : m_bits == 32 ? Samples::Float : Samples::Double;
+        Require((m_page.bits == 16 || m_page.bits == 32 || m_page.bits == 64) &&
+                m_page.photometric != PHOTOMETRIC_PALETTE);
+        m_page.kind = m_page.bits == 16   ? TiffSamples::Half
+                      : m_page.bits == 32 ? TiffSamples::Float
+                                          : TiffSamples::Double;
     } else {
         Require(sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_INT ||
                 sampleFormat == SAMPLEFORMAT_VOID);
-        Require(m_bits >= 1 && m_bits <= 32);
-        m_kind = m_bits == 8 ? Samples::Bytes : m_bits == 16 || m_bits == 32 ? Samples::Words : Samples::Bits;
-        m_signed = sampleFormat == SAMPLEFORMAT_INT && m_photometric != PHOTOMETRIC_PALETTE;
+        Require(m_page.bits >= 1 && m_page.bits <= 32);
+        m_page.kind = m_page.bits == 8                         ? TiffSamples::Bytes
+                      : m_page.bits == 16 || m_page.bits == 32 ? TiffSamples::Words
+                                                               : TiffSamples::Bits;
+        m_page.hasSign = sampleFormat == SAMPLEFORMAT_INT && m_page.photometric != PHOTOMETRIC_PALETTE;
     }
 }
 
 GXPixelFormat TiffReader::ChooseFormat() {
-    if (!m_known) {
-        return m_photometric == PHOTOMETRIC_YCBCR && m_bits == 8 ? GXPixelFormatBGR24 : GXPixelFormatBGRX32;
+    if (!m_page.known) {
+        return m_page.photometric == PHOTOMETRIC_YCBCR && m_page.bits == 8 ? GXPixelFormatBGR24 : GXPixelFormatBGRX32;
     }
-    if (m_colors == 1 && m_samples == 1 && m_bits == 1 && !m_signed) {
+    if (m_page.colors == 1 && m_page.samples == 1 && m_page.bits == 1 && !m_page.hasSign) {
         return GXPixelFormatIndexed1;
     }
-    if (m_kind != Samples::Bytes || m_signed || m_colors == 4) {
+    if (m_page.kind != TiffSamples::Bytes || m_page.hasSign || m_page.colors == 4) {
         return GXPixelFormatBGRX32;
     }
-    if (m_colors == 1) {
-        return !m_hasAlpha                            ? GXPixelFormatIndexed8
-               : m_photometric == PHOTOMETRIC_PALETTE ? GXPixelFormatBGRX32
-                                                      : GXPixelFormatBGRA32;
+    if (m_page.colors == 1) {
+        return !m_page.hasAlpha                            ? GXPixelFormatIndexed8
+               : m_page.photometric == PHOTOMETRIC_PALETTE ? GXPixelFormatBGRX32
+                                                           : GXPixelFormatBGRA32;
     }
-    return m_hasAlpha ? GXPixelFormatBGRA32 : GXPixelFormatBGR24;
+    return m_page.hasAlpha ? GXPixelFormatBGRA32 : GXPixelFormatBGR24;
 }
 
 std::shared_ptr<const Palette> TiffReader::MakePalette() const {
-    const bool bits = m_format == GXPixelFormatIndexed1;
-    if (m_photometric != PHOTOMETRIC_PALETTE) {
-        const bool inverted = m_photometric == PHOTOMETRIC_MINISWHITE;
+    const bool bits = m_page.format == GXPixelFormatIndexed1;
+    if (m_page.photometric != PHOTOMETRIC_PALETTE) {
+        const bool inverted = m_page.photometric == PHOTOMETRIC_MINISWHITE;
         return bits ? BitPalette(inverted) : GreyPalette(inverted);
     }
     uint32_t colors[256];
@@ -152,11 +126,11 @@ std::shared_ptr<const Palette> TiffReader::MakePalette() const {
     // The map's numbers have 16 bits; some writers used only the lower 8.
     bool wide = false;
     for (size_t i = 0; i < count; ++i) {
-        wide = wide || ((m_map[0][i] | m_map[1][i] | m_map[2][i]) & 0xFF00) != 0;
+        wide = wide || ((m_page.map[0][i] | m_page.map[1][i] | m_page.map[2][i]) & 0xFF00) != 0;
     }
     for (size_t i = 0; i < count; ++i) {
         uint32_t color = 0xFF;
-        for (const uint16_t* channel : m_map) {
+        for (const uint16_t* channel : m_page.map) {
             color = color << 8 | static_cast<uint32_t>(wide ? channel[i] >> 8 : channel[i]);
         }
         colors[i] = color;
@@ -168,7 +142,7 @@ std::shared_ptr<SysMemBitmap> TiffReader::Load(uint32_t frame) {
     TIFF* tiff = m_file.Tiff();
     Require(frame == 0 || TIFFSetDirectory(tiff, frame) == 1);
     ReadTags();
-    m_format = ChooseFormat();
+    m_page.format = ChooseFormat();
     float dpiX = 0, dpiY = 0;
     uint16_t unit = RESUNIT_INCH;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
@@ -177,11 +151,11 @@ std::shared_ptr<SysMemBitmap> TiffReader::Load(uint32_t frame) {
         TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &dpiY);
     }
     const double inch = unit == RESUNIT_CENTIMETER ? 2.54 : 1.0;
-    std::shared_ptr<SysMemBitmap> image = NewImage(m_width, m_height, m_format, dpiX * inch, dpiY * inch);
-    if (IsIndexedFormat(m_format)) {
+    std::shared_ptr<SysMemBitmap> image = NewImage(m_width, m_height, m_page.format, dpiX * inch, dpiY * inch);
+    if (IsIndexedFormat(m_page.format)) {
         image->SetPalette(MakePalette());
     }
-    if (m_known) {
+    if (m_page.known) {
         LoadBlocks(*image);
     } else {
         LoadConverted(*image);
@@ -202,10 +176,10 @@ void TiffReader::LoadBlocks(SysMemBitmap& image) {
         blockHeight = std::min(blockHeight, m_height);
     }
     // In one-bit images a tile starts at a whole byte, as the format has it.
-    Require(blockWidth > 0 && blockHeight > 0 && (!tiled || m_bits >= 8 || blockWidth % 8 == 0));
-    const uint64_t perPixel = static_cast<uint64_t>(m_bits) * (m_planes ? 1 : m_samples);
+    Require(blockWidth > 0 && blockHeight > 0 && (!tiled || m_page.bits >= 8 || blockWidth % 8 == 0));
+    const uint64_t perPixel = static_cast<uint64_t>(m_page.bits) * (m_page.planes ? 1 : m_page.samples);
     const uint64_t stride = CeilDivide(blockWidth * perPixel, 8);
-    const uint64_t planes = m_planes ? static_cast<uint64_t>(m_colors + (m_hasAlpha ? 1 : 0)) : 1;
+    const uint64_t planes = m_page.planes ? static_cast<uint64_t>(m_page.colors + (m_page.hasAlpha ? 1 : 0)) : 1;
     // Tiles are about as large as the image at most, whatever the file says.
     const uint64_t imageBytes = CeilDivide(m_width * perPixel, 8) * m_height;
     Require(stride <= 0x7FFFFFFF / blockHeight && stride * blockHeight * planes <= 0x7FFFFFFF);
@@ -234,112 +208,12 @@ void TiffReader::LoadBlocks(SysMemBitmap& image) {
                                            : TIFFReadEncodedStrip(tiff, index, to, wanted);
                 Require(got == wanted && !m_file.TakeFailure());
             }
-            const size_t leftBit = static_cast<size_t>(left) * static_cast<size_t>(BitsPerPixel(m_format));
+            const size_t leftBit = static_cast<size_t>(left) * static_cast<size_t>(BitsPerPixel(m_page.format));
             for (uint32_t y = 0; y < height; ++y) {
                 uint8_t* dst = image.Data() + static_cast<size_t>(image.StrideBytes()) * (top + y) + leftBit / 8;
-                ConvertRow(dst, bytes.data() + static_cast<size_t>(stride) * y, blockBytes, width);
+                m_rows.Convert(dst, bytes.data() + static_cast<size_t>(stride) * y, blockBytes, width);
             }
         }
-    }
-}
-
-double TiffReader::Level(const uint8_t* sample) const noexcept {
-    const double value = m_kind == Samples::Half    ? FromHalf(LoadNative<uint16_t>(sample))
-                         : m_kind == Samples::Float ? static_cast<double>(LoadNative<float>(sample))
-                                                    : LoadNative<double>(sample);
-    return value > 0 ? std::min(value, 1.0) * 255.0 + 0.5 : 0.5; // NaN is 0
-}
-
-template <class Out>
-void TiffReader::Unpack(Out* out, const uint8_t* row, size_t count, uint32_t channel, bool asNumber) const noexcept {
-    const size_t step = m_planes ? 1 : m_samples;
-    const size_t first = m_planes ? 0 : channel;
-    const uint64_t most = (1ULL << m_bits % 64) - 1;
-    const uint32_t sign = m_signed ? 1U << (m_bits - 1) : 0U;
-    const auto store = [&](size_t i, uint32_t value) {
-        value ^= sign;
-        out[i] = static_cast<Out>(asNumber ? value : (value * uint64_t{255} + most / 2) / most);
-    };
-    for (size_t i = 0; i < count; ++i) {
-        const size_t at = first + i * step;
-        switch (m_kind) {
-        case Samples::Bytes:
-            out[i] = static_cast<Out>(row[at] ^ sign);
-            break;
-        case Samples::Words:
-            store(i, m_bits == 16 ? LoadNative<uint16_t>(row + at * 2) : LoadNative<uint32_t>(row + at * 4));
-            break;
-        case Samples::Bits:
-            store(i, BitsAt(row, static_cast<uint64_t>(at) * m_bits, m_bits));
-            break;
-        default:
-            out[i] = static_cast<Out>(Level(row + at * (m_bits / 8)));
-            break;
-        }
-    }
-}
-
-void TiffReader::ConvertRow(uint8_t* dst, const uint8_t* row, size_t planeBytes, uint32_t count) {
-    if (m_format == GXPixelFormatIndexed1) {
-        std::memcpy(dst, row, (count + 7) / 8);
-        if (count % 8 != 0) {
-            dst[count / 8] &= static_cast<uint8_t>(0xFF00U >> (count % 8));
-        }
-        return;
-    }
-    if (m_format == GXPixelFormatIndexed8) {
-        Unpack(dst, row, count, 0, true);
-        return;
-    }
-    const size_t dstStep = m_format == GXPixelFormatBGR24 ? 3 : 4;
-    if (m_kind == Samples::Bytes && m_colors == 3 && m_samples == dstStep && !m_planes && !m_associated &&
-        m_format != GXPixelFormatBGRX32) {
-        for (const uint8_t* end = row + count * dstStep; row != end; row += dstStep, dst += dstStep) {
-            dst[0] = row[2];
-            dst[1] = row[1];
-            dst[2] = row[0];
-            if (dstStep == 4) {
-                dst[3] = row[3];
-            }
-        }
-        return;
-    }
-    if (m_photometric == PHOTOMETRIC_PALETTE) {
-        m_indices.resize(count);
-        Unpack(m_indices.data(), row, count, 0, true);
-        for (size_t i = 0; i < count; ++i, dst += 4) {
-            const uint32_t index = m_indices[i];
-            for (size_t c = 0; c < 3; ++c) {
-                dst[c] = static_cast<uint8_t>(m_map[2 - c][index] >> 8);
-            }
-            dst[3] = 255;
-        }
-        return;
-    }
-    const bool alpha = m_format == GXPixelFormatBGRA32;
-    const uint32_t channels = m_colors + (alpha ? 1U : 0U);
-    for (uint32_t c = 0; c < channels; ++c) {
-        m_levels[c].resize(count);
-        Unpack(m_levels[c].data(), row + (m_planes ? planeBytes * c : 0), count, c, false);
-    }
-    const uint8_t invert = m_photometric == PHOTOMETRIC_MINISWHITE ? 255 : 0;
-    uint8_t* to = dst;
-    for (size_t i = 0; i < count; ++i, to += dstStep) {
-        for (uint32_t c = 0; c < 3; ++c) {
-            const uint8_t level = m_levels[m_colors == 1 ? 0 : 2 - c][i];
-            if (m_colors == 4) { // inks: 0 is none
-                const uint32_t white = (255U - level) * (255U - m_levels[3][i]);
-                to[c] = static_cast<uint8_t>((white + 127) / 255);
-            } else {
-                to[c] = level ^ invert;
-            }
-        }
-        if (dstStep == 4) {
-            to[3] = alpha ? m_levels[m_colors][i] : 255;
-        }
-    }
-    if (alpha && m_associated) {
-        PixelConversion::Find(GXPixelFormatPBGRA32, GXPixelFormatBGRA32)(dst, 0, dst, 0, count);
     }
 }
 
@@ -362,7 +236,7 @@ void TiffReader::LoadConverted(SysMemBitmap& image) {
     bandRows = std::clamp(bandRows, 1U, m_height);
     HeapArray<uint32_t> band;
     band.resize(static_cast<size_t>(m_width) * bandRows);
-    const size_t step = m_format == GXPixelFormatBGR24 ? 3 : 4;
+    const size_t step = m_page.format == GXPixelFormatBGR24 ? 3 : 4;
     for (uint32_t y = 0; y < m_height; y += bandRows) {
         const uint32_t rows = std::min(bandRows, m_height - y);
         converter.row_offset = static_cast<int>(y);

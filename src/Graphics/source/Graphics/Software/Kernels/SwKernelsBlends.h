@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// Row loops of the blend modes on plain targets and in groups, and of the result of a group.
+#pragma once
+
+#include "SwKernelsBlocks.h"
+#include "SwKernelsModes.h"
+
+namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace {
+
+/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
+template <class Mode> GX_INLINE U32 BlendPixels(U32 d, U32 c) noexcept {
+    const U32 as = Alpha(c);
+    const U32 ab = Alpha(d);
+    const bool opaqueSource = AllSet((as == 255U));
+    const U32 straight = opaqueSource ? c : Unpremultiply(c);
+    if (AllSet((ab == 255U))) {
+        const U32 mixed = Mode::Pixel(d, straight);
+        if (opaqueSource) {
+            return mixed | 0xFF000000U;
+        }
+        const U32 sum = Scale(d, ComplementOf(as)) + Scale(mixed & 0x00FFFFFFU, FactorOf(as));
+        return sum | 0xFF000000U;
+    }
+    const U32 mixed = Mode::Pixel(Unpremultiply(d), straight) & 0x00FFFFFFU;
+    const U32 t = Product(as, ab + 1U) >> 8;
+    const U32 sum = Scale(d, ComplementOf(as)) + Scale(c, ComplementOf(ab)) + Scale(mixed, FactorOf(t));
+    const U32 result = (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
+    return Select(IsZero(ab), c, result);
+}
+
+template <size_t kNumber, class Mode>
+void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
+    if constexpr (kLanes > 4) {
+        if (count <= kShortRow) {
+            kSwKernelsSSE2->blend[kNumber](dst, src, shape, count);
+            return;
+        }
+    }
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        U32 c = LoadSome(src + i, n);
+        I32 keep = IsZero(Alpha(c));
+        if (shape != nullptr) {
+            const U32 s = WidenSome(shape + i, n);
+            keep |= IsZero(s);
+            c = Scale(c, FactorOf(s));
+        }
+        if (AllSet(keep)) {
+            return;
+        }
+        const U32 d = LoadSome(dst + i, n);
+        StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, c)));
+    });
+}
+
+struct LayerOver {
+    GX_INLINE U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOf(Alpha(c))) + c; }
+};
+
+template <class Mode> struct LayerBlended {
+    GX_INLINE U32 Pixel(U32 under, U32 c) noexcept {
+        const U32 mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c)) & 0x00FFFFFFU;
+        const U32 m = Scale(c, ComplementOf(Alpha(under))) + Scale(mixed, FactorOf(Alpha(under)));
+        return Scale(under, ComplementOf(Alpha(c))) + Scale(m, FactorOf(Alpha(c)));
+    }
+};
+
+template <class Compose> void LayerRow(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count) {
+    const SwLayerRow r = row;
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        const U32 c = LoadSome(src + i, n);
+        const U32 as = Alpha(c);
+        const U32 fs = shape != nullptr ? WidenSome(shape + i, n) : Splat(255);
+        const I32 keep = IsZero(as) | IsZero(fs);
+        if (AllSet(keep)) {
+            return;
+        }
+        const U32 backdrop = r.backdrop != nullptr ? LoadSome(r.backdrop + i, n) : Splat(0);
+        const U32 old = LoadSome(r.color + i, n);
+        const U32 oldAlpha = WidenSome(r.alpha + i, n);
+        const U32 oldShape = WidenSome(r.shape + i, n);
+
+        const U32 merged = r.knockout ? as : Union(oldAlpha, as);
+        const U32 alpha = (Product(merged, fs + 1U) >> 8) + (Product(oldAlpha, 256U - fs) >> 8);
+        const U32 composed = Compose::Pixel(r.knockout ? backdrop : old, c);
+        const U32 sum = Scale(old, ComplementOf(fs)) + Scale(composed, FactorOf(fs));
+        const U32 color = (sum & 0x00FFFFFFU) | Union(alpha, Alpha(backdrop)) << 24;
+        StoreSome(r.color + i, n, Select(keep, old, color));
+        NarrowSome(r.alpha + i, n, Select(keep, oldAlpha, alpha));
+        NarrowSome(r.shape + i, n, Select(keep, oldShape, Union(oldShape, fs)));
+    });
+}
+
+void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, const uint32_t* backdrop, size_t count) {
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        const U32 fg = WidenSome(shape + i, n);
+        const U32 ag = WidenSome(alpha + i, n);
+        const U32 x = LoadSome(color + i, n);
+        I32 keep = IsZero(fg);
+        U32 share = x;
+        if (backdrop != nullptr) {
+            keep |= IsZero(ag);
+            share = SubtractClamped(x, Scale(LoadSome(backdrop + i, n), ComplementOf(ag)));
+        }
+        if (AllSet(keep)) {
+            return;
+        }
+        const U32 whole = (share & 0x00FFFFFFU) | ag << 24;
+        U32 result = DivideBytes(whole, fg, Splat(0));
+        if (backdrop != nullptr) {
+            result = Select((ag == 255U), x | 0xFF000000U, result);
+        }
+        StoreSome(color + i, n, Select(keep, x, result));
+    });
+}
+
+} // namespace
+} // namespace Graphics::GX_KERNEL_NAMESPACE
