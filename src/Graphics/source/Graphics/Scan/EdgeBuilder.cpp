@@ -28,6 +28,7 @@ void EdgeBuilder::Begin(const Rect& clipPixels) {
     m_vertices.clear();
     m_figures.clear();
     m_chains.clear();
+    m_hasSums = false;
     m_next = m_vertices.data();
     m_limit = m_next + m_vertices.capacity();
     m_figureStart = 0;
@@ -90,7 +91,7 @@ void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
         const bool goesDown = next > y;
         if (goesDown != down || !seen) {
             if (down) {
-                m_chains.push_back({top >> 4, y >> 4});
+                AddChain(top, y);
             }
             if (!seen) {
                 firstDown = goesDown;
@@ -103,17 +104,33 @@ void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
         y = next;
     }
     if (down) {
-        m_chains.push_back({top >> 4, y >> 4});
+        AddChain(top, y);
         m_chainCount -= firstDown ? 1U : 0U; // the first and the last run are one
     }
 }
 
-/// The most chains that meet in one of the rows of 2^shift sub-scanlines from `first` to before `last`.
-uint32_t EdgeBuilder::BoundByRows(int32_t first, int32_t last, int shift) {
-    const int32_t firstRow = first >> shift;
-    const size_t rows = static_cast<size_t>(((last - 1) >> shift) - firstRow) + 1;
+void EdgeBuilder::AddChain(int32_t top, int32_t bottom) {
+    constexpr size_t kMost = 4096;
+    constexpr int32_t kMostRows = 1 << 18;
+    m_chains.push_back({top >> 4, bottom >> 4});
+    if (m_chains.size() == kMost && m_clipLast - m_clipFirst <= kMostRows) {
+        if (!m_hasSums) {
+            StartSums(static_cast<size_t>(m_clipLast - m_clipFirst));
+            m_hasSums = true;
+        }
+        SumChains(m_clipFirst, m_clipLast, 0);
+        m_chains.clear();
+    }
+}
+
+void EdgeBuilder::StartSums(size_t rows) {
     m_rowSums.resize(rows + 1);
     std::fill_n(m_rowSums.data(), rows + 1, 0);
+}
+
+/// Adds the chains to the rows of 2^shift sub-scanlines from `first` to before `last`.
+void EdgeBuilder::SumChains(int32_t first, int32_t last, int shift) {
+    const int32_t firstRow = first >> shift;
     for (const RowRange& c : m_chains) {
         const int32_t from = std::max(c.first, first);
         const int32_t to = std::min(c.last, last);
@@ -122,6 +139,9 @@ uint32_t EdgeBuilder::BoundByRows(int32_t first, int32_t last, int shift) {
             --m_rowSums[static_cast<size_t>(((to - 1) >> shift) - firstRow) + 1];
         }
     }
+}
+
+uint32_t EdgeBuilder::MostChains() const noexcept {
     int32_t sum = 0;
     int32_t most = 0;
     for (const int32_t change : m_rowSums) {
@@ -129,6 +149,22 @@ uint32_t EdgeBuilder::BoundByRows(int32_t first, int32_t last, int shift) {
         most = std::max(most, sum);
     }
     return static_cast<uint32_t>(most);
+}
+
+/// The most chains that meet in one row. Sub-scanlines are worth the time where pixel rows would ask for the widest
+/// cells.
+uint32_t EdgeBuilder::WindingBound(int32_t first, int32_t last) {
+    if (m_hasSums) {
+        SumChains(m_clipFirst, m_clipLast, 0);
+        return MostChains();
+    }
+    uint32_t bound = m_chainCount;
+    for (int shift = 3; shift >= 0 && bound > (shift == 0 ? 15U : 3U); shift -= 3) {
+        StartSums(static_cast<size_t>(((last - 1) >> shift) - (first >> shift)) + 1);
+        SumChains(first, last, shift);
+        bound = std::min(bound, MostChains());
+    }
+    return bound;
 }
 
 FillShape EdgeBuilder::Measure(bool nonZero) {
@@ -186,14 +222,7 @@ FillShape EdgeBuilder::Measure(bool nonZero) {
     m_next = m_vertices.data() + to;
     m_figureStart = to;
     if (nonZero && loops != 0) {
-        shape.windingBound = m_chainCount;
-        // Sub-scanlines are worth the time where the bound would ask for the widest cells.
-        if (m_chainCount > 3) {
-            shape.windingBound = std::min(m_chainCount, BoundByRows(shape.first, shape.last, 3));
-        }
-        if (shape.windingBound > 15) {
-            shape.windingBound = BoundByRows(shape.first, shape.last, 0);
-        }
+        shape.windingBound = WindingBound(shape.first, shape.last);
     }
     return shape;
 }

@@ -126,13 +126,18 @@ private:
     void Grow();
     [[nodiscard]] uint32_t DropOutside(Vertex* loop, uint32_t count) const noexcept;
     void AddChains(const Vertex* loop, uint32_t count);
-    [[nodiscard]] uint32_t BoundByRows(int32_t first, int32_t last, int shift);
+    void AddChain(int32_t top, int32_t bottom);
+    void StartSums(size_t rows);
+    void SumChains(int32_t first, int32_t last, int shift);
+    [[nodiscard]] uint32_t MostChains() const noexcept;
+    [[nodiscard]] uint32_t WindingBound(int32_t first, int32_t last);
 
     HeapArray<Vertex> m_vertices;
     HeapArray<uint32_t> m_figures; // end index of each loop
-    HeapArray<RowRange> m_chains;  // runs of sides that go down
-    HeapArray<int32_t> m_rowSums;
-    Vertex* m_next = nullptr; // inside m_vertices
+    HeapArray<RowRange> m_chains;  // runs of sides that go down, not yet summed up
+    HeapArray<int32_t> m_rowSums;  // of chains, as changes from row to row
+    bool m_hasSums = false;        // of sub-scanlines of the clip: there are so many chains that they are not kept
+    Vertex* m_next = nullptr;      // inside m_vertices
     Vertex* m_limit = nullptr;
     uint32_t m_figureStart = 0;
     uint32_t m_chainCount = 0;
