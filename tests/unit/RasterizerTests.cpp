@@ -154,6 +154,29 @@ TEST_F(RasterizerTest, ManyCoincidentSides) {
     }
 }
 
+TEST_F(RasterizerTest, ManySmallFiguresAmongCoincidentOnes) {
+    std::mt19937 random(11);
+    const auto at = [&](int range) { return static_cast<float>(random() % static_cast<uint32_t>(range * 128)) / 128; };
+    for (const int copies : {15, 16, 255, 256, 257}) { // 16 and 256 wrap to 0 where cells are too narrow
+        for (const int small : {100, 5000, 9000}) {
+            Loops loops;
+            for (int i = 0; i < copies + small; ++i) {
+                if (i < copies) {
+                    loops.push_back({{3.3F, 2}, {20, 2.5F}, {15.2F, 17}, {4, 14}});
+                } else { // less than a pixel high, some within one sub-scanline; right of the others, and below
+                    const Point p{21 + at(8), at(36) - 2};
+                    loops.push_back({p, {p.x + 1 + at(2), p.y + at(1) / 2}, {p.x, p.y + at(1)}});
+                }
+            }
+            Check(loops, {0, 0, 32, 32}, {0, 0, 32, 32}, false,
+                  std::to_string(copies) + " among " + std::to_string(small));
+            if (HasFatalFailure()) {
+                return;
+            }
+        }
+    }
+}
+
 TEST_F(RasterizerTest, LongFlatAndSteepSidesKeepTheirExactSteps) {
     std::mt19937 random(7);
     const auto at = [&](int range) {
