@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <type_traits>
 
 #include "Kernels/SwKernels.h"
 #include "SwPaintKernels.h"
@@ -23,7 +24,6 @@ constexpr std::array<uint32_t, 256> Ramp(uint32_t scale, uint32_t base) noexcept
     return table;
 }
 
-constexpr std::array<uint32_t, 256> kCoverage = Ramp(0x01010101U, 0);
 constexpr std::array<uint32_t, 256> kGrey = Ramp(0x00010101U, 0xFF000000U);
 constexpr uint32_t kBitCoverage[2] = {0, 0xFFFFFFFFU};
 constexpr uint32_t kBlackWhite[2] = {0xFF000000U, 0xFFFFFFFFU};
@@ -43,6 +43,12 @@ struct AlphaOf32 {
 struct Byte {
     static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t* table) noexcept {
         return table[row[x]];
+    }
+};
+/// The byte in all four: found without the table, so that whole vectors are.
+struct ByteCoverage {
+    static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
+        return row[x] * 0x01010101U;
     }
 };
 struct Bit {
@@ -98,6 +104,13 @@ template <class Format> struct SwPixelReader::Mapped {
         const uint32_t* __restrict table = r.m_table;
         const uint8_t* __restrict from = row;
         uint32_t* __restrict to = out;
+        if constexpr (std::is_same_v<Format, ByteCoverage>) { // from its own start, or no vector is made of it
+            from += x;
+            for (size_t k = 0; k < count; ++k) {
+                to[k] = from[k] * 0x01010101U;
+            }
+            return;
+        }
         for (size_t k = 0; k < count; ++k) {
             to[k] = Format::At(from, x + static_cast<int32_t>(k), bitOffset, table);
         }
@@ -150,12 +163,11 @@ SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
     };
     switch (view.format) {
     case GXPixelFormatAlpha8:
-        Use<Mapped<Byte>>();
-        useTable(kCoverage.data(), false);
+        Use<Mapped<ByteCoverage>>();
         return;
     case GXPixelFormatGray8:
-        Use<Mapped<Byte>>();
-        useTable(asMask ? kCoverage.data() : kGrey.data(), !asMask);
+        asMask ? Use<Mapped<ByteCoverage>>() : Use<Mapped<Byte>>();
+        useTable(kGrey.data(), !asMask);
         return;
     case GXPixelFormatAlpha1:
         Use<Mapped<Bit>>();
