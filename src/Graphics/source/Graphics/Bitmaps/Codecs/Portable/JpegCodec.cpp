@@ -3,6 +3,7 @@
 // with destructors live in the callers, which throw once the jump has landed.
 #include "FreeCodecs.h"
 
+#include <cmath>
 #include <csetjmp>
 #include <cstdio> // jpeglib.h wants FILE
 #include <cstring>
@@ -268,7 +269,7 @@ private:
     }
 
     [[nodiscard]] static UINT16 Density(float dpi) noexcept {
-        return dpi >= 0.5F && dpi < 65535.0F ? static_cast<UINT16>(dpi + 0.5F) : static_cast<UINT16>(kDefaultDpi);
+        return dpi >= 0.5F && dpi < 65535.0F ? static_cast<UINT16>(std::lround(dpi)) : static_cast<UINT16>(kDefaultDpi);
     }
 
     Errors m_errors{};

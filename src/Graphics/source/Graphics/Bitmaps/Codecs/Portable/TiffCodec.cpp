@@ -72,11 +72,10 @@ private:
 class TiffCodec final : public ImageCodec {
 public:
     [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
-        if (head.size() < 4) {
-            return false;
-        }
-        const auto starts = [&head](const char* bytes) { return std::memcmp(head.data(), bytes, 4) == 0; };
-        return starts("II*\0") || starts("MM\0*") || starts("II+\0") || starts("MM\0+");
+        constexpr uint8_t kStarts[][4] = {{'I', 'I', 42, 0}, {'M', 'M', 0, 42}, {'I', 'I', 43, 0}, {'M', 'M', 0, 43}};
+        return head.size() >= 4 && std::any_of(kStarts, kStarts + 4, [&](const uint8_t(&start)[4]) {
+                   return std::memcmp(head.data(), start, 4) == 0;
+               });
     }
 
     [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
