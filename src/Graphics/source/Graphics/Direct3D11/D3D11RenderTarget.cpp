@@ -2,7 +2,6 @@
 #include "D3D11RenderTarget.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <exception>
 
@@ -150,23 +149,14 @@ void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink&
 
 bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     CheckMasks();
-    // Nearest multiple of 1/8 pixel. Beyond, and for NaN, a float does not tell eighths apart.
-    constexpr float kDistant = 1048576.0F;
-    constexpr auto kPhases = static_cast<float>(SwGlyphCache::kPhases);
-    const Matrix& m = State().transform;
-    if (shape.Empty() || !(std::fabs(m.m20) < kDistant && std::fabs(m.m21) < kDistant)) {
-        return false;
-    }
-    const auto x = static_cast<int32_t>(std::floor(m.m20 * kPhases + 0.5F));
-    const auto y = static_cast<int32_t>(std::floor(m.m21 * kPhases + 0.5F));
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
     }
     SwGlyph glyph;
-    if (!m_glyphs->Find(shape, m, {x & 7, y & 7}, m_rasterizer, glyph)) {
+    if (!m_glyphs->Place(shape, State().transform, m_rasterizer, glyph)) {
         return false;
     }
-    const IntPoint at{(x >> 3) + glyph.corner.x, (y >> 3) + glyph.corner.y};
+    const IntPoint at = glyph.corner;
     const IntRect visible = Visible({at.x, at.y, at.x + glyph.width, at.y + glyph.height});
     if (IsEmpty(visible)) {
         return true;

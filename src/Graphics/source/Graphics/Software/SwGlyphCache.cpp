@@ -245,6 +245,22 @@ SampleView SwGlyphCache::MakeSamples(const Shape& shape, const Matrix& m, const 
     return made;
 }
 
+bool SwGlyphCache::Place(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, SwGlyph& out) {
+    // Beyond, and for NaN, a float does not tell eighths apart.
+    constexpr float kFar = 1048576.0F;
+    if (shape.Empty() || !(std::fabs(m.m20) < kFar && std::fabs(m.m21) < kFar)) {
+        return false;
+    }
+    static_assert(kPhases == 1 << 3);
+    const auto nearest = [](float v) { return static_cast<int32_t>(std::floor(v * kPhases + 0.5F)); };
+    const IntPoint eighths{nearest(m.m20), nearest(m.m21)};
+    if (!Find(shape, m, {eighths.x & 7, eighths.y & 7}, rasterizer, out)) {
+        return false;
+    }
+    out.corner = {(eighths.x >> 3) + out.corner.x, (eighths.y >> 3) + out.corner.y};
+    return true;
+}
+
 bool SwGlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Rasterizer& rasterizer, SwGlyph& out) {
     const Key key = MakeKey(shape, m, static_cast<uint32_t>(phase.y * kPhases + phase.x));
     if (const Entry* entry = Lookup(key)) {

@@ -32,7 +32,7 @@ namespace Graphics {
 
 /// Coverage of one glyph, void after the next question to its cache.
 struct SwGlyph {
-    IntPoint corner{}; ///< relative to the whole-pixel place
+    IntPoint corner{}; ///< relative to the whole-pixel place, or the place itself
     int32_t width = 0; ///< 0: nothing is covered
     int32_t height = 0;
     const uint8_t* coverage = nullptr; ///< 8-bit shape
@@ -55,6 +55,10 @@ public:
     /// for the cache: too large, or with a coordinate that is not finite. Raises "Not enough memory" when the glyph
     /// itself could not be rasterized.
     [[nodiscard]] bool Find(const Shape& shape, const Matrix& m, IntPoint phase, Rasterizer& rasterizer, SwGlyph& out);
+
+    /// The coverage of `shape` under `m`, its corner where the nearest place of the grid puts it in the device. False
+    /// where Find is false, for an empty shape, and so far away that floats do not tell places apart.
+    [[nodiscard]] bool Place(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, SwGlyph& out);
 
     /// The bytes of all entries.
     [[nodiscard]] size_t BytesInUse() const noexcept { return m_halves[0].used + m_halves[1].used; }

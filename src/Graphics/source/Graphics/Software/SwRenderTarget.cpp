@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SwRenderTarget.h"
 
-#include <cmath>
 #include <cstring>
 #include <exception>
 
@@ -144,23 +143,14 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
 bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     CheckMasks();
     const SwState& state = State();
-    // Nearest multiple of 1/8 pixel. Beyond, and for NaN, a float does not tell eighths apart.
-    constexpr float kFar = 1048576.0F;
-    constexpr auto kPhases = static_cast<float>(SwGlyphCache::kPhases);
-    const Matrix& m = state.transform;
-    if (shape.Empty() || !(std::fabs(m.m20) < kFar && std::fabs(m.m21) < kFar)) {
-        return false;
-    }
-    const auto x = static_cast<int32_t>(std::floor(m.m20 * kPhases + 0.5F));
-    const auto y = static_cast<int32_t>(std::floor(m.m21 * kPhases + 0.5F));
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
     }
     SwGlyph glyph;
-    if (!m_glyphs->Find(shape, m, {x & 7, y & 7}, m_rasterizer, glyph)) {
+    if (!m_glyphs->Place(shape, state.transform, m_rasterizer, glyph)) {
         return false;
     }
-    const IntPoint at{(x >> 3) + glyph.corner.x, (y >> 3) + glyph.corner.y};
+    const IntPoint at = glyph.corner;
     const IntRect visible = Visible({at.x, at.y, at.x + glyph.width, at.y + glyph.height});
     if (IsEmpty(visible)) {
         return true;
