@@ -8,10 +8,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source tools/setup.sh
 
 gx_require clang-format-14
-git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format-14 --dry-run -Werror
+find bench examples fuzz src tests tools -name '*.cpp' -o -name '*.h' -o -name '*.c' |
+    xargs clang-format-14 --dry-run -Werror
 
 [[ ${1:-} == --tidy ]] || exit 0
 gx_require "${GX_PACKAGES[@]}" clang-tidy-14
 cmake --preset release -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
-git ls-files 'src/*.cpp' | grep -v -e /Windows/ -e /Gdiplus/ -e '/Direct3D11/[^S]' |
+find src -name '*.cpp' | grep -v -e /Windows/ -e /Gdiplus/ -e '/Direct3D11/[^S]' |
     xargs -P "$(nproc)" -n 4 clang-tidy-14 -p build/release --quiet --warnings-as-errors='*'

@@ -10,7 +10,7 @@ GX_PACKAGES=(
 GX_TEST_PACKAGES=(fonts-liberation clang-14 clang-format-14 libpolyclipping-dev)
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
 GX_WINDOWS_PACKAGES=(
-    g++-mingw-w64-x86-64-posix googletest lld-14 llvm-14 wine wine64 xvfb libgl1 libgl1-mesa-dri fonts-liberation
+    g++-mingw-w64-x86-64-posix googletest lld lld-14 llvm-14 wine wine64 xvfb libgl1 libgl1-mesa-dri fonts-liberation
     fonts-dejavu-core libz-mingw-w64-dev ghostscript
 )
 # It fetches the HLSL compiler, and may have come another way than as a package.
