@@ -7,7 +7,9 @@ GX_PACKAGES=(
     libgtest-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev libboost-dev zlib1g-dev
     libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev mupdf-tools
 )
-GX_TEST_PACKAGES=(fonts-liberation clang-14 clang-format-14 libpolyclipping-dev)
+GX_TEST_PACKAGES=(
+    fonts-liberation clang-14 clang-format-14 libpolyclipping-dev pngcheck libtiff-tools libjpeg-turbo-progs imagemagick
+)
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
 GX_WINDOWS_PACKAGES=(
     g++-mingw-w64-x86-64-posix googletest lld lld-14 llvm-14 wine wine64 xvfb libgl1 libgl1-mesa-dri fonts-liberation

@@ -116,7 +116,10 @@ TEST_F(ImageFiles, JpegKeepsTheLookAndDropsAlpha) {
 
 TEST_F(ImageFiles, OtherProgramsAcceptThem) {
     const std::pair<const char*, const char*> tools[] = {
-        {"pngcheck -q", "a.png"}, {"djpeg -outfile /dev/null", "a.jpg"}, {"tiffinfo -D", "a.tif"}};
+        {"pngcheck -q", "a.png"},
+        {"djpeg -outfile /dev/null", "a.jpg"},
+        {"tiffinfo -D", "a.tif"},
+        {"identify -regard-warnings -verbose", "a.bmp"}}; // verbose: the pixels are read
     std::mt19937 random(4);
     int known = 0;
     for (const auto& [tool, name] : tools) {
