@@ -39,6 +39,7 @@ std::optional<LineCrossing> LineCrossing::Of(const GridPoint& a0, const GridPoin
     return LineCrossing(a0, a1.x - a0.x, a1.y - a0.y, part, whole);
 }
 
+// Boost throws for a divisor of 0 alone. NOLINTBEGIN(bugprone-exception-escape)
 int32_t LineCrossing::ExactlyNearest(int32_t delta) const noexcept {
     return FloorQuotient(Wide(2) * delta * m_part + m_whole, Wide(2) * m_whole);
 }
@@ -51,5 +52,6 @@ int32_t LineCrossing::Ceiling(int32_t delta) const noexcept {
     }
     return -FloorQuotient(Wide(-delta) * m_part, Wide(m_whole));
 }
+// NOLINTEND(bugprone-exception-escape)
 
 } // namespace Graphics

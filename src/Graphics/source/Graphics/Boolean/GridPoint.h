@@ -64,6 +64,7 @@ public:
         return LineCrossing(from, to.x - from.x, to.y - from.y, sign * part, sign * whole);
     }
 
+    // Boost throws for a divisor of 0 alone. NOLINTBEGIN(bugprone-exception-escape)
     [[nodiscard]] GridPoint Nearest() const noexcept {
         const double share = static_cast<double>(m_part) / static_cast<double>(m_whole);
         return {m_from.x + Nearest(m_dx, share), m_from.y + Nearest(m_dy, share)};
@@ -86,6 +87,7 @@ private:
     }
     [[nodiscard]] int32_t ExactlyNearest(int32_t delta) const noexcept;
     [[nodiscard]] int32_t Ceiling(int32_t delta) const noexcept;
+    // NOLINTEND(bugprone-exception-escape)
 
     // The crossing is from + (dx, dy) * part / whole, 0 <= part <= whole.
     GridPoint m_from;

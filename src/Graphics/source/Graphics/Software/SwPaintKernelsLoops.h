@@ -11,11 +11,13 @@
 namespace Graphics {
 namespace {
 
+// Arguments are names of templates. NOLINTBEGIN(bugprone-macro-parentheses)
 #define GX_LAYOUTS(loop)                                                                                               \
     {                                                                                                                  \
         loop<SwPixelLayout::Premultiplied>, loop<SwPixelLayout::Straight>, loop<SwPixelLayout::Opaque>,                \
             loop<SwPixelLayout::Triples>                                                                               \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 template <SwPixelLayout kLayout> constexpr SwSampleRow NearestRow = SampleRow<NearestPoints<kLayout>>;
 template <SwPixelLayout kLayout> constexpr SwSampleRow BilinearRow = SampleRow<BilinearPoints<kLayout>>;

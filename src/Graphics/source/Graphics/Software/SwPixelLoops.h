@@ -216,9 +216,7 @@ size_t SampleRow(const SwPixelGrid& grid, bool clamp, const float* u, const floa
         const size_t lanes = count - k < kLanes ? count - k : kLanes; // lanes beyond the end read pixel (0, 0)
         const auto x = Load<Floats>(u + k, lanes);
         const auto y = Load<Floats>(v + k, lanes);
-        if (Way::kClampsAll && clamp) {
-            way.Clamped(x, y, lanes, k);
-        } else if (AllBelow((Words)x, limitX, (Words)y, limitY)) {
+        if (!(Way::kClampsAll && clamp) && AllBelow((Words)x, limitX, (Words)y, limitY)) {
             way.Inside(x, y, lanes, k);
         } else if (clamp) {
             way.Clamped(x, y, lanes, k);
