@@ -83,7 +83,7 @@ void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SoftwareTexture
 
 void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
     const SwClipRef& clip = call.target.State().clip;
-    if (!clip || !clip->HasMask()) {
+    if (!IsMasked(clip.get())) {
         return;
     }
     const auto found = std::find_if(m_clipImages.begin(), m_clipImages.end(),
@@ -112,7 +112,7 @@ bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
     constexpr int32_t kMostQuads = 512; // 48 KB
     const SwClip* clip = call.target.State().clip.get();
     const IntRect& r = call.visible;
-    if (clip == nullptr || !clip->HasMask() || r.bottom - r.top > kMostQuads) {
+    if (!IsMasked(clip) || r.bottom - r.top > kMostQuads) {
         return false;
     }
     int32_t quads = 0;
@@ -200,7 +200,7 @@ void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Ima
     const SwState& state = call.target.State();
     // Gradients are seldom opaque and costly to ask.
     if (call.target.IsLayer() && mask == nullptr && (ink.image != nullptr || ink.brush->Kind() != kBrushGradient) &&
-        !state.shapeMask.IsSet() && !state.opacityMask.IsSet() && !(state.clip && state.clip->HasMask()) &&
+        !state.shapeMask.IsSet() && !state.opacityMask.IsSet() && !IsMasked(state.clip.get()) &&
         IsOpaque(m_maker.Source(ink, r))) {
         call.target.NoteOpaque(r, true);
     }
@@ -262,7 +262,7 @@ void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
         paint.SetWord(premultiplied);
         ClearOnCard(call, paint.color);
     }
-    target.NoteOpaque(call.visible, premultiplied >> 24 == 255 && !(clip != nullptr && clip->HasMask()));
+    target.NoteOpaque(call.visible, premultiplied >> 24 == 255 && !IsMasked(clip));
 }
 
 void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
@@ -270,7 +270,7 @@ void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
     target.BeginOnCard(call.context, call.visible);
     D3D11Paint paint;
     const SwClipRef& clip = target.State().clip;
-    const bool masked = clip && clip->HasMask();
+    const bool masked = IsMasked(clip.get());
     // Replaced whole; or scaled by what the clip covers, then added with as much.
     const auto replace = [&](const std::shared_ptr<D3D11Texture>& plane, const float(&value)[4]) {
         std::fill_n(paint.color, 4, 1.0F);

@@ -2,7 +2,6 @@
 #include "D3D11RenderTarget.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
 
 #include "../Bitmaps/Bitmap.h"
@@ -156,22 +155,12 @@ bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     if (!m_glyphs->Place(shape, State().transform, m_rasterizer, glyph)) {
         return false;
     }
-    const IntPoint at = glyph.corner;
-    const IntRect visible = Visible({at.x, at.y, at.x + glyph.width, at.y + glyph.height});
+    const IntRect visible = Visible(glyph.Box());
     if (IsEmpty(visible)) {
         return true;
     }
-    const auto width = static_cast<size_t>(visible.right - visible.left);
-    m_painter.Draw(CallFor(visible), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
-        auto* row = m_arena.AllocArray<uint8_t>(width); // a sink may change what it is given
-        for (int32_t line = visible.top; line < visible.bottom; ++line) {
-            std::memcpy(row,
-                        glyph.coverage + static_cast<size_t>(line - at.y) * glyph.strideBytes + (visible.left - at.x),
-                        width);
-            CoverageRun run{visible.left, visible.right, row, 0};
-            sink.Row(line, {&run, 1});
-        }
-    });
+    m_painter.Draw(CallFor(visible), InkOf(brush), nullptr,
+                   [&](RasterizationSink& sink) { glyph.Send(visible, m_arena, sink); });
     return true;
 }
 

@@ -4,13 +4,14 @@
 #include <algorithm>
 
 #include "../Exception.h"
+#include "D3D11Half.h"
 #include "Shaders/D3D11CardModes.h"
 
 namespace Graphics {
 namespace {
 
 constexpr DXGI_FORMAT kPlaneFormat = DXGI_FORMAT_R16G16B16A16_FLOAT;
-constexpr float kTransparent[4] = {0.0F, 0.0F, 0.0F, 1.0F / 16384.0F}; // D3D11Half::kAlmostNothing
+const float kTransparent[4] = {0.0F, 0.0F, 0.0F, D3D11Half::ToFloat(D3D11Half::kAlmostNothing)};
 constexpr float kNoShape[4] = {0.0F, 0.0F, 0.0F, 0.0F};
 constexpr float kWhite[4] = {1.0F, 1.0F, 1.0F, 1.0F};
 

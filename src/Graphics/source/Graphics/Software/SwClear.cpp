@@ -8,8 +8,6 @@ namespace {
 
 [[nodiscard]] uint32_t Scale(uint32_t v, uint32_t factor) noexcept { return v * factor >> 8; }
 
-[[nodiscard]] bool IsMasked(const SwClip* clip) noexcept { return clip != nullptr && clip->HasMask(); }
-
 /// Row y of a plane of words whose base belongs to the planes' origin.
 template <class Base>
 [[nodiscard]] auto* WordsAt(Base* base, ptrdiff_t stride, const SwTargetPlanes& planes, int32_t x, int32_t y) noexcept {

@@ -154,7 +154,7 @@ void SwClipBuilder::Row(int32_t y, std::span<CoverageRun> runs) {
     const int32_t begin = runs.front().x0;
     int32_t end = begin;
     LongestFull full(begin, runs.back().x1);
-    const bool scaled = m_parent != nullptr && m_parent->HasMask(); // FinishRow looks for the longest stretch then
+    const bool scaled = IsMasked(m_parent); // FinishRow looks for the longest stretch then
     for (const CoverageRun& run : runs) {
         std::memset(plane + (end - m_visible.left), 0, static_cast<size_t>(run.x0 - end));
         uint8_t* out = plane + (run.x0 - m_visible.left);
@@ -177,7 +177,7 @@ void SwClipBuilder::Row(int32_t y, std::span<CoverageRun> runs) {
 
 void SwClipBuilder::FinishRow(int32_t y, SwClipRow extents) {
     uint8_t* plane = m_clip->m_plane.data() + static_cast<size_t>(y - m_visible.top) * m_clip->m_stride;
-    if (m_parent != nullptr && m_parent->HasMask()) {
+    if (IsMasked(m_parent)) {
         const SwClipRow& parent = m_parent->Row(y);
         const int32_t begin = std::max(extents.begin, parent.begin);
         const int32_t end = std::min(extents.end, parent.end);
@@ -206,7 +206,7 @@ void SwClipBuilder::Rectangle(int32_t left, int32_t top, int32_t right, int32_t 
         return;
     }
     m_touched = true;
-    if (m_parent == nullptr || !m_parent->HasMask()) {
+    if (!IsMasked(m_parent)) {
         m_clip->m_box = box;
         return;
     }

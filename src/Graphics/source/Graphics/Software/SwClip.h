@@ -54,6 +54,9 @@ private:
     SwClipPool* m_pool = nullptr;
 };
 
+/// Whether there is a clip that is more than a rectangle.
+[[nodiscard]] inline bool IsMasked(const SwClip* clip) noexcept { return clip != nullptr && clip->HasMask(); }
+
 /// A counted reference; one thread only. Null stands for "no clip".
 class SwClipRef {
 public:

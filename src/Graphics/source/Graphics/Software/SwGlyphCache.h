@@ -21,8 +21,10 @@
 #pragma once
 
 #include <array>
+#include <cstring>
 #include <memory>
 
+#include "../Arena.h"
 #include "../Geometry/Shape.h"
 #include "../Matrix.h"
 #include "../Scan/Rasterizer.h"
@@ -37,6 +39,22 @@ struct SwGlyph {
     int32_t height = 0;
     const uint8_t* coverage = nullptr; ///< 8-bit shape
     size_t strideBytes = 0;
+
+    [[nodiscard]] IntRect Box() const noexcept { return {corner.x, corner.y, corner.x + width, corner.y + height}; }
+    [[nodiscard]] const uint8_t* At(int32_t x, int32_t y) const noexcept {
+        return coverage + static_cast<size_t>(y - corner.y) * strideBytes + (x - corner.x);
+    }
+    /// Sends the rows in `visible`, which lies in the box. A sink may change what it is given, so that they go by way
+    /// of memory of the arena.
+    template <class Sink> void Send(const IntRect& visible, Arena& arena, Sink& sink) const {
+        const auto columns = static_cast<size_t>(visible.right - visible.left);
+        auto* row = arena.AllocArray<uint8_t>(columns);
+        for (int32_t y = visible.top; y < visible.bottom; ++y) {
+            std::memcpy(row, At(visible.left, y), columns);
+            CoverageRun run{visible.left, visible.right, row, 0};
+            sink.Row(y, {&run, 1});
+        }
+    }
 };
 
 class SwGlyphCache {

@@ -12,7 +12,7 @@ constexpr uint8_t kHalf = 127; // the byte of 32 samples of 64
 } // namespace
 
 PixelInverter::PixelInverter(const IntRect& bounds, const SwClip* clip) noexcept
-    : m_bounds(bounds), m_clip(clip != nullptr && clip->HasMask() ? clip : nullptr) {}
+    : m_bounds(bounds), m_clip(IsMasked(clip) ? clip : nullptr) {}
 
 void SwInverter::Invert(int32_t y, int32_t x0, int32_t x1) {
     auto* row = reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) -

@@ -56,7 +56,7 @@ public:
     /// Raises "Unsupported soft mask type." for a type above 3. At most two shape masks.
     void AddShapeMask(const SwMaskInput& mask);
     void SetOpacityMask(const SwMaskInput& mask);
-    void SetClip(const SwClip* clip) noexcept { m_clip = clip != nullptr && clip->HasMask() ? clip : nullptr; }
+    void SetClip(const SwClip* clip) noexcept { m_clip = IsMasked(clip) ? clip : nullptr; }
     void SetColorSource(SwColorSource& source) noexcept;
 
     void Row(int32_t y, std::span<CoverageRun> runs) override;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SwRenderTarget.h"
 
-#include <cstring>
 #include <exception>
 
 #include "../Bitmaps/Bitmap.h"
@@ -150,36 +149,26 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     if (!m_glyphs->Place(shape, state.transform, m_rasterizer, glyph)) {
         return false;
     }
-    const IntPoint at = glyph.corner;
-    const IntRect visible = Visible({at.x, at.y, at.x + glyph.width, at.y + glyph.height});
+    const IntRect visible = Visible(glyph.Box());
     if (IsEmpty(visible)) {
         return true;
     }
-    const uint8_t* coverage =
-        glyph.coverage + static_cast<size_t>(visible.top - at.y) * glyph.strideBytes + (visible.left - at.x);
-    const auto width = static_cast<size_t>(visible.right - visible.left);
     if (m_layers.empty() && brush.Kind() == kBrushSolid && state.blendMode == 0 && !state.shapeMask.IsSet() &&
-        !state.opacityMask.IsSet() && (!state.clip || !state.clip->HasMask())) {
+        !state.opacityMask.IsSet() && !IsMasked(state.clip.get())) {
         // Most text: one call for all rows, without a pipeline.
         const SwTargetPlanes planes = m_basic.Planes(visible);
         auto* pixels = reinterpret_cast<uint32_t*>(planes.color + visible.top * planes.colorStride) + visible.left;
         ActiveKernels().normalSolidBlock(
-            pixels, planes.colorStride, SolidColorOf(static_cast<const SolidBrush&>(brush)), coverage,
-            static_cast<ptrdiff_t>(glyph.strideBytes), width, static_cast<size_t>(visible.bottom - visible.top));
+            pixels, planes.colorStride, SolidColorOf(static_cast<const SolidBrush&>(brush)),
+            glyph.At(visible.left, visible.top), static_cast<ptrdiff_t>(glyph.strideBytes),
+            static_cast<size_t>(visible.right - visible.left), static_cast<size_t>(visible.bottom - visible.top));
         return true;
     }
     const ArenaScope scope(m_arena);
     const auto makeSource = [&](const IntRect& region) {
         return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(region), state.transform);
     };
-    Composite(visible, nullptr, makeSource, [&](SwPipeLine& pipeLine) {
-        auto* row = m_arena.AllocArray<uint8_t>(width); // a pipeline may scale what it is given
-        for (int32_t line = visible.top; line < visible.bottom; ++line, coverage += glyph.strideBytes) {
-            std::memcpy(row, coverage, width);
-            CoverageRun run{visible.left, visible.right, row, 0};
-            pipeLine.Row(line, {&run, 1});
-        }
-    });
+    Composite(visible, nullptr, makeSource, [&](SwPipeLine& pipeLine) { glyph.Send(visible, m_arena, pipeLine); });
     return true;
 }
 

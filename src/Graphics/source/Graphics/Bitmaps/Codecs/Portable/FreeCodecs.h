@@ -2,9 +2,22 @@
 // The codecs on the free libraries: each has one object, made when the library is loaded.
 #pragma once
 
+#include <memory>
+#include <string_view>
+
 #include "../ImageCodec.h"
 
 namespace Graphics {
+
+/// What the codecs that write have in common: `Writer::kName` is the format that they write.
+template <class Decoder, class Writer> class FreeCodec : public ImageCodec {
+public:
+    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const final {
+        return std::make_unique<Decoder>(source);
+    }
+    [[nodiscard]] bool Writes(std::string_view name) const noexcept final { return name == Writer::kName; }
+    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const final { Writer(sink).Write(image); }
+};
 
 /// Through libpng.
 [[nodiscard]] const ImageCodec& PngFiles() noexcept;

@@ -219,6 +219,8 @@ void FlushOutput(j_compress_ptr info, size_t count) {
 
 class JpegWriter {
 public:
+    static constexpr std::string_view kName = "jpeg";
+
     explicit JpegWriter(ByteSink& sink) {
         m_info.err = SetUp(m_errors);
         m_output.sink = &sink;
@@ -277,20 +279,10 @@ private:
     jpeg_compress_struct m_info{};
 };
 
-class JpegCodec final : public ImageCodec {
+class JpegCodec final : public FreeCodec<JpegDecoder, JpegWriter> {
 public:
     [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
         return head.size() >= 3 && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF;
-    }
-
-    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
-        return std::make_unique<JpegDecoder>(source);
-    }
-
-    [[nodiscard]] bool Writes(std::string_view name) const noexcept override { return name == "jpeg"; }
-
-    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const override {
-        JpegWriter(sink).Write(image);
     }
 };
 

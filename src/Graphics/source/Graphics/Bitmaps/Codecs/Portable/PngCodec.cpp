@@ -186,6 +186,8 @@ private:
 
 class PngWriter {
 public:
+    static constexpr std::string_view kName = "png";
+
     explicit PngWriter(ByteSink& sink) : m_sink(sink) {
         m_png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning);
         m_info = m_png != nullptr ? png_create_info_struct(m_png) : nullptr;
@@ -252,20 +254,10 @@ private:
     png_infop m_info = nullptr;
 };
 
-class PngCodec final : public ImageCodec {
+class PngCodec final : public FreeCodec<PngDecoder, PngWriter> {
 public:
     [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
         return head.size() >= 8 && png_sig_cmp(head.data(), 0, 8) == 0;
-    }
-
-    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
-        return std::make_unique<PngDecoder>(source);
-    }
-
-    [[nodiscard]] bool Writes(std::string_view name) const noexcept override { return name == "png"; }
-
-    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const override {
-        PngWriter(sink).Write(image);
     }
 };
 

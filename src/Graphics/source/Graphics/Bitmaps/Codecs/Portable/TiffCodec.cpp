@@ -14,6 +14,8 @@ constexpr size_t kStripBytes = 65536;
 
 class TiffWriter {
 public:
+    static constexpr std::string_view kName = "tiff";
+
     explicit TiffWriter(ByteSink& sink) : m_file(sink) {}
 
     void Write(const SysMemBitmap& image) {
@@ -69,23 +71,13 @@ private:
     TiffHandle m_file;
 };
 
-class TiffCodec final : public ImageCodec {
+class TiffCodec final : public FreeCodec<TiffReader, TiffWriter> {
 public:
     [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override {
         constexpr uint8_t kStarts[][4] = {{'I', 'I', 42, 0}, {'M', 'M', 0, 42}, {'I', 'I', 43, 0}, {'M', 'M', 0, 43}};
         return head.size() >= 4 && std::any_of(kStarts, kStarts + 4, [&](const uint8_t(&start)[4]) {
                    return std::memcmp(head.data(), start, 4) == 0;
                });
-    }
-
-    [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override {
-        return std::make_unique<TiffReader>(source);
-    }
-
-    [[nodiscard]] bool Writes(std::string_view name) const noexcept override { return name == "tiff"; }
-
-    void Save(const SysMemBitmap& image, std::string_view, ByteSink& sink) const override {
-        TiffWriter(sink).Write(image);
     }
 };
 
