@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source tools/setup.sh
 
 gx_require clang-format-14
-find bench examples fuzz src tests tools -name '*.cpp' -o -name '*.h' -o -name '*.c' |
+find bench bindings examples fuzz src tests tools -name '*.cpp' -o -name '*.h' -o -name '*.c' |
     xargs clang-format-14 --dry-run -Werror
 
 [[ ${1:-} == --tidy ]] || exit 0

@@ -1,0 +1,53 @@
+# SPDX-License-Identifier: MIT
+"""What the tests share. tests/run.py says which library, build and programs they are about, in the environment."""
+import gc
+import os
+from pathlib import Path
+
+import pytest
+from shim import Shim
+
+import gxgraphics as gx
+
+ROOT = Path(__file__).resolve().parents[3]
+
+
+@pytest.fixture(scope="session")
+def shim():
+    """The library that counts calls; tests/run.py loads it first."""
+    path = os.environ.get("GXPY_SHIM")
+    if not path:
+        pytest.skip("the counting library is loaded by tests/run.py")
+    return Shim(path)
+
+
+@pytest.fixture(scope="session")
+def programs():
+    """The folder of the built example programs."""
+    folder = os.environ.get("GXPY_PROGRAMS")
+    if not folder:
+        pytest.skip("GXPY_PROGRAMS does not name the folder of the C examples")
+    return Path(folder)
+
+
+@pytest.fixture
+def balanced(shim):
+    """A test after which as many owners of objects are left as were there before."""
+    gc.collect()
+    before = shim.live()
+    yield shim
+    gc.collect()
+    assert shim.live() == before
+
+
+@pytest.fixture
+def target():
+    """A white target of 64 x 48 pixels inside its paint bracket."""
+    made = gx.RenderTarget.new(64, 48, "#ffffff")
+    with made.paint():
+        yield made
+
+
+def pytest_collection_modifyitems(items):
+    # The test that asks which functions were called comes after all others.
+    items.sort(key=lambda item: item.fspath.basename == "test_reach.py")
