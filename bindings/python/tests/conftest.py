@@ -8,6 +8,7 @@ import pytest
 from shim import Shim
 
 import gxgraphics as gx
+from gxgraphics import paint
 
 ROOT = Path(__file__).resolve().parents[3]
 
@@ -30,13 +31,19 @@ def programs():
     return Path(folder)
 
 
+def _settle():
+    # Brushes of colours are kept for the next use.
+    paint._solid.cache_clear()
+    gc.collect()
+
+
 @pytest.fixture
 def balanced(shim):
     """A test after which as many owners of objects are left as were there before."""
-    gc.collect()
+    _settle()
     before = shim.live()
     yield shim
-    gc.collect()
+    _settle()
     assert shim.live() == before
 
 

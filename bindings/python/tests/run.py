@@ -37,7 +37,7 @@ def build(folder):
     command = [sys.executable, "setup.py", "-q", "build_ext", "--force"]
     command += [f"--build-lib={folder / 'lib'}", f"--build-temp={folder / 'temp'}"]
     subprocess.run(command, cwd=PACKAGE, check=True)
-    for file in (PACKAGE / "gxgraphics").iterdir():
+    for file in (PACKAGE / "src" / "gxgraphics").iterdir():
         if file.suffix in (".py", ".pyi", ".typed") or file.name == "py.typed":
             shutil.copy(file, folder / "lib" / "gxgraphics")
 
@@ -64,7 +64,6 @@ def main(arguments):
     environment["PYTHONPATH"] = os.pathsep.join([str(folder / "lib"), str(HERE)])
     environment["PYTHONDONTWRITEBYTECODE"] = "1"
     command = [sys.executable, "-m", "pytest", "-p", "no:cacheprovider", "-q", str(HERE), *rest]
-    # Elsewhere than in the sources, whose folder has no compiled module and would come first.
     return subprocess.run(command, cwd=folder, env=environment).returncode
 
 

@@ -12,7 +12,6 @@ import subprocess
 import sys
 from pathlib import Path
 
-# Not by the path: the folder of the sources holds the package without its compiled module.
 _spec = importlib.util.spec_from_file_location("build_native", Path(__file__).resolve().parents[1] / "build_native.py")
 build_native = importlib.util.module_from_spec(_spec)
 sys.modules["build_native"] = build_native

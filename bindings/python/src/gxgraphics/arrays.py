@@ -106,6 +106,8 @@ def rows_of(array: Any, form: PixelFormat, *, shared: bool, width: Optional[int]
         raise TypeError(f"a NumPy array to draw into, not {type(array).__name__}")
     array = np.asarray(array)
     across, height = _shape_of(array, form)
+    if across == 0 or height == 0:
+        raise ValueError(f"the array has no pixels: {array.shape}")
     if width is not None:
         if form.row_bytes(width) > form.row_bytes(across):
             raise ValueError(f"the array is too small: {width} pixels in rows of {across}")
