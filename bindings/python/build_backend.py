@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: MIT
 """setuptools, from where it is installed.
 
-pip builds in an environment of its own and fetches what the build requires. Without a network that fails, also where
-setuptools and cffi are installed. So this backend requires nothing that the interpreter already has: it looks in the
-interpreter's own folders, which pip hides, and asks pip only for what is missing there.
+pip builds in an environment of its own and fetches what the build requires. Without a network that
+fails, also where setuptools and cffi are installed. So this backend requires nothing that the
+interpreter already has: it looks in the interpreter's own folders, which pip hides, and asks pip
+only for what is missing there.
 """
 import importlib.util
 import site
@@ -42,6 +43,18 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     from setuptools import build_meta
 
     return build_meta.build_wheel(wheel_directory, config_settings, metadata_directory)
+
+
+def get_requires_for_build_editable(config_settings=None):
+    """As for a wheel."""
+    return _missing()
+
+
+def build_editable(wheel_directory, config_settings=None, metadata_directory=None):
+    """Passed on to setuptools."""
+    from setuptools import build_meta
+
+    return build_meta.build_editable(wheel_directory, config_settings, metadata_directory)
 
 
 def build_sdist(sdist_directory, config_settings=None):

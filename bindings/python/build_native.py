@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
-"""Builds gxgraphics._native: GX.h as cffi declarations, the C helpers of native/, linked with the library.
+"""Builds gxgraphics._native: GX.h as cffi declarations and the C helpers of native/.
 
 Where header and library come from, the first that answers:
 
-1. GX_INCLUDE (the folder that holds GX/GX.h) and GX_LIBRARY (the library, or the folder that holds it);
+1. GX_INCLUDE (the folder that holds GX/GX.h) and GX_LIBRARY (the library, or its folder);
 2. pkg-config, module `graphics`;
 3. the folders that the system's compiler searches anyway.
 """
@@ -23,7 +23,7 @@ HELPERS = ["log", "figures", "regions"]
 
 
 class Library(NamedTuple):
-    """Where the header is, and the folder of the library, None where the linker finds it by itself."""
+    """Where the header is, and the library's folder; None where the linker finds it by itself."""
 
     include: Path
     folder: Optional[Path]
@@ -116,8 +116,9 @@ def find_library() -> Library:
     found = _from_environment() or _from_pkg_config() or _from_system()
     if found is None:
         raise NotFound(
-            "The Graphics library is not installed where pkg-config or the compiler find it. Install it, or set "
-            "GX_INCLUDE to the folder that holds GX/GX.h and GX_LIBRARY to the library or its folder."
+            "The Graphics library is not installed where pkg-config or the compiler find it. "
+            "Install it, or set GX_INCLUDE to the folder that holds GX/GX.h and GX_LIBRARY to the "
+            "library or its folder."
         )
     if not (found.include / "GX" / "GX.h").is_file():
         raise NotFound(f"There is no GX/GX.h in {found.include}")

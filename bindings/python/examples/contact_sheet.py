@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Small pictures of many images on one sheet, with their names: contact_sheet.py out.png image..."""
+"""Small pictures of many images on a sheet, with their names: contact_sheet.py out.png image..."""
 import math
 import sys
 from pathlib import Path

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 """A map from arrays: shaded heights, contour lines, a coast, places: map_from_arrays.py out.png
 
-The heights are made up; a host would load them, and its lines, from files. Every line and every dot goes to the library
-in one call for all of its kind.
+The heights are made up; a host would load them, and its lines, from files. Every line and every dot
+goes to the library in one call for all of its kind.
 """
 import sys
 
@@ -27,7 +27,9 @@ def heights():
 
 def relief(height):
     """A picture of the heights: colours by height, light from the top left."""
-    land = np.array([[0, 112, 158, 84], [150, 201, 205, 140], [450, 190, 160, 112], [900, 250, 248, 245]])
+    land = np.array(
+        [[0, 112, 158, 84], [150, 201, 205, 140], [450, 190, 160, 112], [900, 250, 248, 245]]
+    )
     sea = np.array([[-170, 44, 95, 138], [-50, 94, 152, 190], [0, 168, 208, 226]])
     rgb = np.empty(height.shape + (3,))
     for channel in range(3):
@@ -41,7 +43,7 @@ def relief(height):
 
 
 def contour(height, level):
-    """Where the heights cross a level: line segments, an n x 2 x 2 array, from every cell of the grid that they cross."""
+    """The line segments, an n x 2 x 2 array, along which the heights cross a level."""
     above = height > level
     segments = []
     # Both triangles of a cell: two of the three edges of one are crossed, or none.

@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""A page from a recording, with a part of it under a magnifying glass: recorded_page.py page.gxr out.png [x y]
+"""A page from a recording, with a part of it under a magnifying glass.
 
-`pdfpage file.pdf 1 --record page.gxr` makes a recording. x and y, from 0 to 1, say where the glass is.
+    recorded_page.py page.gxr out.png [x y]
+
+`pdfpage file.pdf 1 --record page.gxr` makes a recording. x and y, from 0 to 1, say where the glass
+is.
 """
 import sys
 
@@ -28,7 +31,9 @@ def main(recording, out, x=0.62, y=0.3):
     page = gx.Recording.open(recording)
     scale = (WIDTH - 2 * MARGIN) / page.size.width
     picture = page.render(scale)
-    target = gx.RenderTarget.new(WIDTH, picture.height + 2 * MARGIN, "#dfe3ea", gx.PixelFormat.BGRX32)
+    target = gx.RenderTarget.new(
+        WIDTH, picture.height + 2 * MARGIN, "#dfe3ea", gx.PixelFormat.BGRX32
+    )
     left, top = MARGIN, MARGIN
     right, bottom = left + picture.width, top + picture.height
     with target.paint():

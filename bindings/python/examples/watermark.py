@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 """Puts a watermark on images, on several threads: watermark.py out-folder "© words" image...
 
-The images are loaded with Pillow where it is installed, because it reads more kinds of files, else by the library.
+The images are loaded with Pillow where it is installed, because it reads more kinds of files, else
+by the library.
 """
 import math
 import sys
@@ -52,7 +53,9 @@ def mark(bitmap, words):
         right, bottom = width - size, height - size
         box = (right - length - 2 * size, bottom - 2.4 * size, right, bottom)
         target.fill(gx.Path().round_rect(box, 0.6 * size), "#10182890")
-        target.fill_text(words, small, "#ffffff", (round(box[0] + size), round(bottom - 0.75 * size)))
+        target.fill_text(
+            words, small, "#ffffff", (round(box[0] + size), round(bottom - 0.75 * size))
+        )
     return bitmap
 
 

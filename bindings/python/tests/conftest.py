@@ -1,5 +1,8 @@
 # SPDX-License-Identifier: MIT
-"""What the tests share. tests/run.py says which library, build and programs they are about, in the environment."""
+"""What the tests share.
+
+tests/run.py says which library, build and programs they are about, in the environment.
+"""
 import gc
 import os
 from pathlib import Path

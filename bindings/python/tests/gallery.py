@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""The pictures of examples/gallery, drawn through this package: same scenes, same numbers, in single precision."""
+"""The pictures of examples/gallery, drawn through this package: same scenes, same numbers, in
+single precision."""
 import os
 import tempfile
 
@@ -251,7 +252,13 @@ def text(target):
     ink = gx.Brush(0xFF1B263B)
     title = [(0, 0xFF7209B7), (0.5, 0xFFF72585), (1, 0xFFFB8500)]
     brush = linear(title, (0, -24), (0, 2))
-    write("Äther \u2013 \u03a9\u03bc\u03ad\u03b3\u03b1 \u2013 \u041c\u0438\u0440", (14, 42), brush, 20, bold=True)
+    write(
+        "Äther \u2013 \u03a9\u03bc\u03ad\u03b3\u03b1 \u2013 \u041c\u0438\u0440",
+        (14, 42),
+        brush,
+        20,
+        bold=True,
+    )
     y = F(68)
     for size in (6, 7, 8, 9.5, 12, 14):
         y += 1.35 * F(size)
@@ -306,8 +313,22 @@ def regions(target):
 def ring(center, radius):
     (x, y), r = center, F(radius)
     c = F(0.5522848) * r
-    points = [(x + r, y + c), (x + c, y + r), (x, y + r), (x - c, y + r), (x - r, y + c), (x - r, y)]
-    points += [(x - r, y - c), (x - c, y - r), (x, y - r), (x + c, y - r), (x + r, y - c), (x + r, y)]
+    points = [
+        (x + r, y + c),
+        (x + c, y + r),
+        (x, y + r),
+        (x - c, y + r),
+        (x - r, y + c),
+        (x - r, y),
+    ]
+    points += [
+        (x - r, y - c),
+        (x - c, y - r),
+        (x, y - r),
+        (x + c, y - r),
+        (x + r, y - c),
+        (x + r, y),
+    ]
     return curve((x + r, y), points, True)
 
 

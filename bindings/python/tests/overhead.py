@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""What a call costs from Python: the same calls in C, through cffi alone, and through the package's classes.
+"""What a call costs from Python: the same calls in C, through cffi alone, and through the package's
+classes.
 
     GX_INCLUDE=... GX_LIBRARY=... python3 tests/overhead.py
 
-The calls in C are a loop compiled here. Each figure is the least of nine runs, in nanoseconds of processor time a call.
+The calls in C are a loop compiled here. Each figure is the least of nine runs, in nanoseconds of
+processor time a call.
 """
 import ctypes
 import os
@@ -129,7 +131,10 @@ def main():
         for name, in_c, raw, own in rows:
             function = getattr(calls, in_c)
             function.restype = ctypes.c_double
-            arguments = [ctypes.c_void_p(int(ffi.cast("uintptr_t", h))) for h in (target._handle, brush._handle)]
+            arguments = [
+                ctypes.c_void_p(int(ffi.cast("uintptr_t", h)))
+                for h in (target._handle, brush._handle)
+            ]
 
             def c_loop():
                 path = new_path()

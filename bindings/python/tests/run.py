@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: MIT
-"""Builds the package and its tests' counting library in a folder of their own and runs pytest there.
+"""Builds the package and its tests' counting library in a folder of their own and runs pytest
+there.
 
     run.py FOLDER [--programs FOLDER] [pytest's own options]
 
-GX_INCLUDE and GX_LIBRARY say which library. Ends with 77, and a line that says why, where something is not installed.
+GX_INCLUDE and GX_LIBRARY say which library. Ends with 77, and a line that says why, where something
+is not installed.
 """
 import importlib.util
 import os

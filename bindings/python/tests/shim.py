@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
-"""A library to load before the Graphics library: every function of GX.h passes through it and is counted.
+"""A library to load before the Graphics library: every function of GX.h passes through it and is
+counted.
 
-It counts calls, and objects made and given back; it can hold drawing calls until two threads are in one at the same time.
-It is written by this file from GX.h, so that it has the functions that the header has.
+It counts calls, and objects made and given back; it can hold drawing calls until two threads are in
+one at the same time. It is written by this file from GX.h, so that it has the functions that the
+header has.
 """
 import ctypes
 import importlib.util
@@ -12,7 +14,9 @@ import subprocess
 import sys
 from pathlib import Path
 
-_spec = importlib.util.spec_from_file_location("build_native", Path(__file__).resolve().parents[1] / "build_native.py")
+_spec = importlib.util.spec_from_file_location(
+    "build_native", Path(__file__).resolve().parents[1] / "build_native.py"
+)
 build_native = importlib.util.module_from_spec(_spec)
 sys.modules["build_native"] = build_native
 _spec.loader.exec_module(build_native)
@@ -41,7 +45,8 @@ static void* Next(const char* name) {
     return found;
 }
 
-/* While armed, a drawing call waits until another thread is in one, too, and counts that. The time limit only ends a
+/* While armed, a drawing call waits until another thread is in one, too, and counts that. The time
+limit only ends a
  * run in which that never happens. */
 static pthread_mutex_t g_mutex = PTHREAD_MUTEX_INITIALIZER;
 static pthread_cond_t g_changed = PTHREAD_COND_INITIALIZER;
@@ -68,9 +73,8 @@ static void Meet(void) {
             g_inside = 0;
             pthread_cond_broadcast(&g_changed);
         }
-        while (g_armed && g_met == met && pthread_cond_timedwait(&g_changed, &g_mutex, &limit) == 0) {
-        }
-        if (g_met == met) {
+        while (g_armed && g_met == met && pthread_cond_timedwait(&g_changed, &g_mutex, &limit) == 0)
+        { } if (g_met == met) {
             g_armed = 0; /* nobody came: let all others pass */
         }
     }
@@ -159,7 +163,8 @@ class Shim:
         self._library.shim_arm(int(armed))
 
     def met(self):
-        """How often two threads were in GXRenderTargetFillGeometry at the same time since arm(True)."""
+        """How often two threads were in GXRenderTargetFillGeometry at the same time since
+        arm(True)."""
         return self._library.shim_met()
 
     def checksum(self, array):

@@ -15,7 +15,10 @@ def _round(value):
 
 
 class F(float):
-    """A float of C. Rounding operands, then a sum, product or quotient in double once more, gives what C gives."""
+    """A float of C.
+
+    Rounding operands, then a sum, product or quotient in double once more, gives what C gives.
+    """
 
     def __new__(cls, value):
         return float.__new__(cls, _round(value))

@@ -70,8 +70,16 @@ def test_part_of_a_larger_array(padding):
         (white(4, 4)[::-1], ValueError, "side by side"),
         (white(4, 4).transpose(1, 0, 2), ValueError, "side by side"),
         (np.asfortranarray(white(4, 5)), ValueError, "side by side"),
-        (np.lib.stride_tricks.as_strided(white(4, 4), (4, 4, 4), (0, 4, 1)), ValueError, "side by side"),
-        (np.lib.stride_tricks.as_strided(white(4, 4), (4, 4, 4), (8, 4, 1)), ValueError, "side by side"),
+        (
+            np.lib.stride_tricks.as_strided(white(4, 4), (4, 4, 4), (0, 4, 1)),
+            ValueError,
+            "side by side",
+        ),
+        (
+            np.lib.stride_tricks.as_strided(white(4, 4), (4, 4, 4), (8, 4, 1)),
+            ValueError,
+            "side by side",
+        ),
         (white(4, 4).tolist(), TypeError, "NumPy array"),
         (bytearray(64), TypeError, "NumPy array"),
     ],
@@ -149,12 +157,14 @@ def test_views_show_changes_and_only_locks_write():
         seen.flags.writeable = True
 
 
-def test_lock_tells_the_library_that_pixels_changed():
-    bitmap = gx.Bitmap(1, 1, fill=0xFF0000FF)
+def test_lock_tells_the_library_that_pixels_changed(shim):
+    bitmap = gx.Bitmap(256, 256, fill=0xFF0000FF)
     target = gx.RenderTarget.new(4, 4)
+    before = shim.calls("GXBitmapLock") - shim.calls("GXBitmapUnlock")
     for color in (0xFF0000FF, 0xFF00FF00):
         with bitmap.lock(write=True) as pixels:
-            pixels[0, 0] = np.frombuffer(np.array([color], "<u4").tobytes(), np.uint8)
+            pixels[...] = np.frombuffer(np.array([color], "<u4").tobytes(), np.uint8)
+        assert shim.calls("GXBitmapLock") - shim.calls("GXBitmapUnlock") == before
         with target.paint():
             target.stretch_bitmap(bitmap, (0, 0, 4, 4), interpolation=gx.Interpolation.AVERAGE)
         assert (np.asarray(target.bitmap).view("<u4") == color).all()
@@ -213,7 +223,11 @@ def test_arrays_that_pixels_cannot_be_read_into(out, kind):
 
 def test_arrays_that_are_no_pixels():
     bitmap = gx.Bitmap(6, 4, fill="#ffffff")
-    for wrong in (np.zeros((4, 5, 4), np.uint8), np.zeros((3, 6, 4), np.uint8), np.zeros((4, 6), np.uint8)):
+    for wrong in (
+        np.zeros((4, 5, 4), np.uint8),
+        np.zeros((3, 6, 4), np.uint8),
+        np.zeros((4, 6), np.uint8),
+    ):
         with pytest.raises(ValueError):
             bitmap.write(wrong)
     with pytest.raises(TypeError):
@@ -271,6 +285,7 @@ def test_points_of_any_layout(given):
     assert gx.Path().polyline(given(points)).same_points(expected)
     columns = np.asarray(given(points))
     assert gx.Path().polyline(columns[:, 0], columns[:, 1]).same_points(expected)
+    assert gx.Path().polyline(columns[:, 0], columns[:, 1].copy()).same_points(expected)
     assert gx.Path().polyline(given(points), close=True).same_points(one_by_one(points, True))
 
 

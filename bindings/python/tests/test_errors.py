@@ -27,8 +27,14 @@ def test_engine_error_carries_the_diagnostic_line():
         (lambda t: t.begin_paint(), "Painting has already begun"),
         (lambda t: t.pop_state(), "State stack is empty"),
         (lambda t: t.end_layer(), "No layer is open"),
-        (lambda t: t.stroke_line((0, 0), (9, 9), 0, 1, gx.StrokeStyle(dashes=(1, -1))), "negative element"),
-        (lambda t: t.stroke_line((0, 0), (9, 9), 0, 1, gx.StrokeStyle(dashes=(0, 0))), "zero length"),
+        (
+            lambda t: t.stroke_line((0, 0), (9, 9), 0, 1, gx.StrokeStyle(dashes=(1, -1))),
+            "negative element",
+        ),
+        (
+            lambda t: t.stroke_line((0, 0), (9, 9), 0, 1, gx.StrokeStyle(dashes=(0, 0))),
+            "zero length",
+        ),
         (lambda t: gx.Bitmap(0, 5), "Invalid bitmap dimensions"),
         (lambda t: gx.Bitmap(40000, 40000), "Bitmap is too big"),
         (lambda t: gx.Bitmap(4, 4, 77, fill=None), "Unsupported pixel format"),
@@ -49,7 +55,10 @@ def test_other_results():
     assert isinstance(caught.value, IndexError) and caught.value.message is None
     with pytest.raises(gx.InvalidArgument) as caught:
         gx.Path().line_to((1, 2)).widen(-1)
-    assert isinstance(caught.value, ValueError) and str(caught.value) == "GXGeometryWiden: invalid argument"
+    assert (
+        isinstance(caught.value, ValueError)
+        and str(caught.value) == "GXGeometryWiden: invalid argument"
+    )
     with pytest.raises(gx.UnexpectedError) as caught:
         errors.fail(gx.lib.GXResultUnexpectedError, "GXCreateRegion")
     assert isinstance(caught.value, MemoryError)

@@ -76,8 +76,12 @@ def test_contact_sheet(run, tmp_path):
     colors = [(200, 0, 0), (0, 150, 0), (0, 0, 220)]
     images = []
     for index, color in enumerate(colors):
-        images.append(tmp_path / f"image-{index}-with-a-name-that-is-much-too-long-for-the-sheet.png")
-        gx.Bitmap(400, 200 + 400 * index, fill=[channel / 255 for channel in color]).save(images[-1])
+        images.append(
+            tmp_path / f"image-{index}-with-a-name-that-is-much-too-long-for-the-sheet.png"
+        )
+        gx.Bitmap(400, 200 + 400 * index, fill=[channel / 255 for channel in color]).save(
+            images[-1]
+        )
     broken = tmp_path / "broken.png"
     broken.write_bytes(b"no picture")
     run("contact_sheet.py", run.folder / "sheet.png", *images, broken)
@@ -94,7 +98,8 @@ def test_recorded_page(run):
     run("recorded_page.py", recording, run.folder / "page.png", 0.47, 0.3)
     run("recorded_page.py", recording, run.folder / "elsewhere.png", 0.1, 0.9)
     page, other = (
-        gx.Bitmap.open(run.folder / name).to_rgba()[..., :3] for name in ("page.png", "elsewhere.png")
+        gx.Bitmap.open(run.folder / name).to_rgba()[..., :3]
+        for name in ("page.png", "elsewhere.png")
     )
     # The page is the same but for the glass, which shows something else in each place.
     x, y = 28 + 0.47 * 584, 28 + 0.3 * (page.shape[0] - 56)

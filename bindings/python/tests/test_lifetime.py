@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Objects are given back when they are dropped, in whatever order, and memory lives as long as what shows it."""
+"""Objects are given back when they are dropped, in whatever order, and memory lives as long as
+what shows it."""
 import copy
 import gc
 import itertools
@@ -44,7 +45,9 @@ def test_dropped_in_any_order(balanced):
 def test_users_keep_what_they_use(balanced):
     target = gx.RenderTarget(gx.Bitmap(8, 8))
     tiles = gx.Brush.bitmap(gx.Bitmap(4, 4, fill="#3366cc"), extend=gx.Extend.REPEAT)
-    shades = gx.Brush.gradient(gx.Gradient.linear((0, 0), (8, 0), [(0, 0xFF112233), (1, 0xFF112233)]))
+    shades = gx.Brush.gradient(
+        gx.Gradient.linear((0, 0), (8, 0), [(0, 0xFF112233), (1, 0xFF112233)])
+    )
     gc.collect()
     with target.paint():
         target.fill_rect((0, 0, 4, 8), tiles)
@@ -97,6 +100,7 @@ def test_array_with_a_target_cannot_be_resized(balanced):
     target = gx.RenderTarget(np.frombuffer(backing, np.uint8).reshape(8, 8, 4))
     with pytest.raises(BufferError):
         backing.clear()
+    assert target.size == (8, 8)
 
 
 def test_target_freed_inside_its_bracket(balanced):
@@ -148,7 +152,9 @@ def test_copies_are_objects_of_their_own(balanced):
         for way in (copy.copy, copy.deepcopy, pickle.dumps):
             with pytest.raises(TypeError):
                 way(thing)
-    assert pickle.loads(pickle.dumps(gx.StrokeStyle(dashes=(1, 2)))) == gx.StrokeStyle(dashes=(1, 2))
+    assert pickle.loads(pickle.dumps(gx.StrokeStyle(dashes=(1, 2)))) == gx.StrokeStyle(
+        dashes=(1, 2)
+    )
 
 
 def test_handle_of_another_owner(balanced):

@@ -41,7 +41,14 @@ def test_matrices():
 def test_colours():
     assert gx.Brush((0.5, 0.5, 0.5)) and gx.Brush(np.array([1, 0, 0, 0.5]))
     target = gx.RenderTarget.new(6, 1)
-    colors = ["#123", "#112233", "#11223380", 0xFF112233, (0x11 / 255, 0x22 / 255, 0x33 / 255), np.uint32(0xFF112233)]
+    colors = [
+        "#123",
+        "#112233",
+        "#11223380",
+        0xFF112233,
+        (0x11 / 255, 0x22 / 255, 0x33 / 255),
+        np.uint32(0xFF112233),
+    ]
     with target.paint():
         for x, color in enumerate(colors):
             target.fill_rect((x, 0, x + 1, 1), color)
@@ -67,7 +74,9 @@ def test_path_by_calls():
     assert path.bounds() == (0, 0, 12, 12) and path.bounds((2, 0, 0, 1, 1, 0)) == (1, 0, 25, 12)
     assert (path.bounds().width, path.bounds().height) == (12, 12)
     assert gx.Path().current_point is None
-    assert gx.Path().round_rect((0, 0, 9, 9), 2).same_points(gx.Path().round_rect((0, 0, 9, 9), 2, 2))
+    assert (
+        gx.Path().round_rect((0, 0, 9, 9), 2).same_points(gx.Path().round_rect((0, 0, 9, 9), 2, 2))
+    )
     assert gx.Path().circle((5, 5), 5).same_points(gx.Path().ellipse((0, 0, 10, 10)))
     path.fill_rule = gx.FillRule.EVEN_ODD
     assert path.fill_rule is gx.FillRule.EVEN_ODD and not path.same_points(gx.Path())
@@ -97,10 +106,14 @@ def test_paths_from_paths():
 def test_regions():
     region = gx.Region((0, 0, 10, 10)) | (20, 0, 30, 10)
     assert region and not gx.Region() and gx.Region().empty
-    assert region.bounds == (0, 0, 30, 10) and region.bounds.width == 30 and region.bounds.height == 10
+    assert (
+        region.bounds == (0, 0, 30, 10) and region.bounds.width == 30 and region.bounds.height == 10
+    )
     assert list(region) == [(0, 0, 10, 10), (20, 0, 30, 10)]
     assert region.contains((1, 1, 9, 9)) and not region.contains((1, 1, 11, 9))
-    assert region.contains(gx.Region((22, 2, 25, 5))) and not region.contains(gx.Region((9, 9, 11, 11)))
+    assert region.contains(gx.Region((22, 2, 25, 5))) and not region.contains(
+        gx.Region((9, 9, 11, 11))
+    )
     assert region.intersects((9, 9, 12, 12)) and not region.intersects((10, 0, 20, 10))
     assert region.intersects(gx.Region((29, 9, 99, 99))) and not region.intersects(gx.Region())
     assert region.bounds_contain((15, 5)) and not region.bounds_contain((15, 11))
@@ -158,7 +171,13 @@ def test_pillow_in_and_out(mode):
     random = np.random.default_rng(4)
     pixels = random.integers(0, 256, (11, 13, 4), np.uint8)
     image = Image.fromarray(pixels, "RGBA")
-    image = image.convert("RGB").convert(mode) if mode in "1LPCMYKI" else image.convert(mode) if mode != "PA" else image
+    image = (
+        image.convert("RGB").convert(mode)
+        if mode in "1LPCMYKI"
+        else image.convert(mode)
+        if mode != "PA"
+        else image
+    )
     if mode == "PA":
         image = image.quantize(20)
     image.info["dpi"] = (300, 300)
@@ -267,7 +286,9 @@ def test_pictures_in_notebooks():
     on_array = gx.RenderTarget(pixels)
     with on_array.paint():
         on_array.clear("#ff0000")
-    assert np.array_equal(gx.Bitmap.from_bytes(on_array._repr_png_()).to_rgba(), target.bitmap.to_rgba())
+    assert np.array_equal(
+        gx.Bitmap.from_bytes(on_array._repr_png_()).to_rgba(), target.bitmap.to_rgba()
+    )
 
 
 @pytest.mark.skipif(os.name == "nt", reason="these work there")

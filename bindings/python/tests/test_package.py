@@ -29,7 +29,9 @@ def test_every_function_and_constant_of_the_header_is_there():
     assert [name for name in exported if not hasattr(gx.lib, name)] == []
     constants = re.findall(r"\b(GX[A-Z]\w+) = (\d+)", text)
     assert len(constants) > 50
-    assert {name: getattr(gx.lib, name) for name, _ in constants} == {n: int(v) for n, v in constants}
+    assert {name: getattr(gx.lib, name) for name, _ in constants} == {
+        n: int(v) for n, v in constants
+    }
 
 
 def test_enumerations_have_all_values():
@@ -46,7 +48,9 @@ def test_enumerations_have_all_values():
         "Combine": gx.Combine,
     }
     for prefix, kind in prefixes.items():
-        values = {int(v) for n, v in re.findall(rf"\bGX{prefix}(\w+) = (\d+)", text) if n != "Unknown"}
+        values = {
+            int(v) for n, v in re.findall(rf"\bGX{prefix}(\w+) = (\d+)", text) if n != "Unknown"
+        }
         assert values == {int(member) for member in kind}, prefix
 
 
@@ -59,7 +63,9 @@ def test_headers_that_are_not_understood_are_refused(line):
 
 
 def test_version_is_that_of_the_library():
-    version = re.search(r"project\(Graphics VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text()).group(1)
+    version = re.search(
+        r"project\(Graphics VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text()
+    ).group(1)
     assert gx.__version__ == version
     assert f'version = "{version}"' in (PACKAGE / "pyproject.toml").read_text()
 
@@ -88,7 +94,11 @@ def test_everything_public_is_typed_and_documented():
             wanted = set(inspect.signature(value).parameters) - {"self", "cls"} | {"return"}
             if wanted - set(hints):
                 lacking.append((name, sorted(wanted - set(hints))))
-        if not inspect.getdoc(thing) and not name.startswith("StrokeStyle") and name[-8:] != "__init__":
+        if (
+            not inspect.getdoc(thing)
+            and not name.startswith("StrokeStyle")
+            and name[-8:] != "__init__"
+        ):
             lacking.append((name, "docstring"))
     assert lacking == []
     assert (Path(gx.__file__).parent / "py.typed").exists()
@@ -112,7 +122,8 @@ def test_ways_to_find_the_library(tmp_path):
     library = build_native.find_library()
     expected = f"{library.include} {library.folder}"
     (tmp_path / "graphics.pc").write_text(
-        f"libdir={library.folder}\nincludedir={library.include}\nName: graphics\nDescription: d\nVersion: 1\n"
+        f"libdir={library.folder}\nincludedir={library.include}\n"
+        "Name: graphics\nDescription: d\nVersion: 1\n"
         "Libs: -L${libdir} -lGraphics\nCflags: -I${includedir}\n"
     )
     assert find(without_library(PKG_CONFIG_PATH=str(tmp_path))) == expected
@@ -122,7 +133,9 @@ def test_ways_to_find_the_library(tmp_path):
     assert find(without_library(GX_INCLUDE=include, GX_LIBRARY=file)) == expected
     assert "go together" in find(without_library(GX_INCLUDE=include))
     assert "no GX/GX.h" in find(without_library(GX_INCLUDE=str(tmp_path), GX_LIBRARY=folder))
-    assert "no Graphics library" in find(without_library(GX_INCLUDE=include, GX_LIBRARY=str(tmp_path)))
+    assert "no Graphics library" in find(
+        without_library(GX_INCLUDE=include, GX_LIBRARY=str(tmp_path))
+    )
 
 
 def test_pip_installs_it_without_a_network(tmp_path):
@@ -130,7 +143,10 @@ def test_pip_installs_it_without_a_network(tmp_path):
         pytest.skip("pip is not installed")
     library = build_native.find_library()
     environment = without_library(
-        GX_INCLUDE=str(library.include), GX_LIBRARY=str(library.folder), PIP_NO_INDEX="1", PIP_CONFIG_FILE=os.devnull
+        GX_INCLUDE=str(library.include),
+        GX_LIBRARY=str(library.folder),
+        PIP_NO_INDEX="1",
+        PIP_CONFIG_FILE=os.devnull,
     )
     venv.create(tmp_path / "env", system_site_packages=True, with_pip=False)
     python = tmp_path / "env" / "bin" / "python"
@@ -142,7 +158,9 @@ def test_pip_installs_it_without_a_network(tmp_path):
     command = [str(python), "-m", "pip", "install", "--quiet", str(sources)]
     done = subprocess.run(command, env=environment, capture_output=True, text=True, timeout=600)
     assert done.returncode == 0, done.stdout + done.stderr
-    code = "import gxgraphics as gx; print(gx.__file__, gx.Bitmap(3, 2).size, gx.Brush('#123').handle)"
+    code = (
+        "import gxgraphics as gx; print(gx.__file__, gx.Bitmap(3, 2).size, gx.Brush('#123').handle)"
+    )
     done = subprocess.run(
         [str(python), "-c", code], cwd=tmp_path, env=environment, capture_output=True, text=True
     )

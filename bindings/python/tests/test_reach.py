@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Runs last: the tests before it called every function of the header, counted where the calls arrive."""
+"""Runs last: the tests before it called every function of the header, counted where the calls
+arrive."""
 import pytest
 
 

@@ -85,7 +85,13 @@ def test_what_is_refused(data, reason):
 
 def test_failure_while_playing_ends_painting():
     # A null brush is legal in a file and refused by the library.
-    commands = call("BeginPaint") + call("PushState") + call("FillRect", b"\0\0") + call("EndPaint") + b"\0"
+    commands = (
+        call("BeginPaint")
+        + call("PushState")
+        + call("FillRect", b"\0\0")
+        + call("EndPaint")
+        + b"\0"
+    )
     target = gx.RenderTarget.new(8, 8)
     with pytest.raises(gx.InvalidArgument):
         gx.Recording(page_of(commands)).draw(target)

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Drawing releases the interpreter's lock, and threads with targets of their own do not disturb each other."""
+"""Drawing releases the interpreter's lock, and threads with targets of their own do not disturb
+each other."""
 import threading
 
 import gallery
@@ -26,8 +27,8 @@ def run(*calls):
 
 
 def test_two_threads_are_inside_drawing_calls_at_the_same_time(shim):
-    # Each call waits, inside the library's function, for one of the other thread: with the interpreter's lock held it
-    # would wait in vain.
+    # Each call waits, inside the library's function, for one of the other thread: with the
+    # interpreter's lock held it would wait in vain.
     path, calls = gx.Path().circle((8, 8), 6), 25
 
     def draw():

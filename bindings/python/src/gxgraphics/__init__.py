@@ -8,7 +8,8 @@
         target.fill(gx.Path().circle((160, 100), 60), "#e86a5c")
     target.bitmap.save("circle.png")
 
-`gxgraphics.lib` and `gxgraphics.ffi` are the library's own functions and types through cffi, as GX.h declares them.
+`gxgraphics.lib` and `gxgraphics.ffi` are the library's own functions and types through cffi, as
+GX.h declares them.
 """
 from ._native import ffi, lib
 from .bitmap import Bitmap, Palette

@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
-"""Reads .gxr files, version 1 (the format is described in tools/gxr/Format.h of the library's sources).
+"""Reads .gxr files, version 1; tools/gxr/Format.h of the library's sources describes them.
 
-A file is read and checked to its end before anything of it is drawn: every number, every reference and the order of the
-calls. What a command holds follows from the parameter types of its GXRenderTarget function, which cffi knows.
+A file is read and checked to its end before anything of it is drawn: every number, every reference
+and the order of the calls. What a command holds follows from the parameter types of its
+GXRenderTarget function, which cffi knows.
 """
 import struct
 import zlib
@@ -22,10 +23,11 @@ MAX_LAYERS = 64
 MAX_STATES = 1024
 
 TARGET_CALLS = (
-    "BeginPaint EndPaint PushState PopState SetCTM ConcatCTM RotateCTM ScaleCTM TranslateCTM SetBlendMode "
-    "SetStrokeAdjustment SetOpacityMask SetShapeMask BeginLayer EndLayer Clear FillGeometry FillTextGeometry FillRect "
-    "FillEllipse StrokeGeometry StrokeLine StrokeRect StrokeEllipse ClipGeometry ClipRect ClipEllipse DrawBitmap "
-    "StretchBitmap DrawGradient FillMask InvertRect InvertLine FillText"
+    "BeginPaint EndPaint PushState PopState SetCTM ConcatCTM RotateCTM ScaleCTM TranslateCTM "
+    "SetBlendMode SetStrokeAdjustment SetOpacityMask SetShapeMask BeginLayer EndLayer Clear "
+    "FillGeometry FillTextGeometry FillRect FillEllipse StrokeGeometry StrokeLine StrokeRect "
+    "StrokeEllipse ClipGeometry ClipRect ClipEllipse DrawBitmap StretchBitmap DrawGradient "
+    "FillMask InvertRect InvertLine FillText"
 ).split()
 FIRST_TARGET_CALL = 16
 END, NEW_SURFACE, DROP_SURFACE, SELECT, SURFACE_BRUSH, SURFACE_PIXELS = range(6)
@@ -172,7 +174,10 @@ class _Surface:
 
 
 class CommandReader:
-    """Reads and checks commands. `objects` has the handles by the kind of the pointer, number 1 first."""
+    """Reads and checks commands.
+
+    `objects` has the handles by the kind of the pointer, number 1 first.
+    """
 
     def __init__(self, page: Surface, objects: Dict[str, List[Any]]) -> None:
         self._limit = MAX_LIVE_PAGES * page.width * page.height
@@ -182,7 +187,8 @@ class CommandReader:
         self._selected = 0
         self._open = {"PushState": 0, "BeginLayer": 0}
         self._calls = [
-            (name, ffi.typeof(getattr(lib, "GXRenderTarget" + name)).args[1:]) for name in TARGET_CALLS
+            (name, ffi.typeof(getattr(lib, "GXRenderTarget" + name)).args[1:])
+            for name in TARGET_CALLS
         ]
 
     def read(self, reader: Reader) -> List[Command]:
@@ -224,7 +230,9 @@ class CommandReader:
             self._brushes.append(number)
             opacity = reader.get("f")
             options = reader.optional(ffi.typeof("GXBitmapBrushOptions"))
-            return Command("SurfaceBrush", (number, opacity, options, reader.optional(ffi.typeof("GXMatrix"))))
+            return Command(
+                "SurfaceBrush", (number, opacity, options, reader.optional(ffi.typeof("GXMatrix")))
+            )
         if op == SURFACE_PIXELS:
             number = reader.count()
             source = self.object("GXBitmap", reader.count())
@@ -271,7 +279,11 @@ class CommandReader:
                 raise RecordingError("the recording uses the page as a bitmap")
             self._surface(number)
             return SurfaceBitmap(number)
-        if number == 0 or number > len(self._brushes) or not self._surfaces[self._brushes[number - 1]].alive:
+        if (
+            number == 0
+            or number > len(self._brushes)
+            or not self._surfaces[self._brushes[number - 1]].alive
+        ):
             raise RecordingError("the recording uses a brush that is not there")
         return SurfaceBrush(number - 1)
 

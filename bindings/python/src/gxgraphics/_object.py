@@ -14,8 +14,8 @@ Self = TypeVar("Self", bound="Object")
 class Object:
     """Owns one count of a library object and gives it back when it is dropped.
 
-    An object of the library lives on while another one uses it, so Python objects may be dropped in any order. The
-    count may be given back on any thread.
+    An object of the library lives on while another one uses it, so Python objects may be dropped in
+    any order. The count may be given back on any thread.
     """
 
     __slots__ = ("_handle", "__weakref__")
@@ -35,9 +35,9 @@ class Object:
 
     @classmethod
     def from_handle(cls: Type[Self], handle: Any) -> Self:
-        """Another owner of an object made elsewhere: `handle` is the C handle, from cffi or as a number.
+        """Another owner of an object made elsewhere, by its C handle, from cffi or as a number.
 
-        It is trusted to be of this class's kind.
+        The handle is trusted to be of this class's kind.
         """
         pointer = ffi.cast(cls._kind, handle)
         check(lib.GXObjectAcquire(pointer), "GXObjectAcquire")
@@ -48,8 +48,9 @@ class Object:
         """The C handle (cffi), for functions of `gxgraphics.lib`; it stays this object's."""
         return self._handle
 
-    # The finalizer runs before anything that the object refers to is taken apart, memory of the host's included; what it
-    # needs is bound, because modules are emptied when the interpreter ends.
+    # The finalizer runs before anything that the object refers to is taken apart, memory of the
+    # host's included; what it needs is bound, because modules are emptied when the interpreter
+    # ends.
     def __del__(self, _release: Any = lib.GXObjectRelease) -> None:
         handle = getattr(self, "_handle", None)
         if handle is not None:

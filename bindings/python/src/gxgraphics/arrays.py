@@ -9,7 +9,10 @@ from .values import PixelFormat
 
 
 def _numbers(values: Any, what: str) -> np.ndarray:
-    """An array of native float32 or float64; those come back as they are, other numbers as float64."""
+    """An array of native float32 or float64.
+
+    Those come back as they are, other numbers as float64.
+    """
     array = np.asarray(values)
     if array.dtype.kind not in "fiub":
         raise TypeError(f"{what}: numbers expected, not {array.dtype}")
@@ -90,7 +93,7 @@ def _shape_of(array: np.ndarray, form: PixelFormat) -> Tuple[int, int]:
 
 
 def _packed(array: np.ndarray) -> bool:
-    """Whether the pixels of a row lie side by side and rows from the top down without overlapping."""
+    """Whether pixels lie side by side in rows, and rows from the top down without overlapping."""
     inner = array.itemsize
     for axis in range(array.ndim - 1, 0, -1):
         if array.shape[axis] > 1 and array.strides[axis] != inner:
@@ -100,7 +103,9 @@ def _packed(array: np.ndarray) -> bool:
 
 
 def rows_of(array: Any, form: PixelFormat, *, shared: bool, width: Optional[int] = None) -> Rows:
-    """An array as rows of pixels. With `shared` the library writes there: the array has to be one, writable and in
+    """An array as rows of pixels.
+
+    With `shared` the library writes there: the array has to be one, writable and in
     rows; without it what does not lie in rows is copied."""
     if shared and not isinstance(array, np.ndarray):
         raise TypeError(f"a NumPy array to draw into, not {type(array).__name__}")
@@ -116,7 +121,9 @@ def rows_of(array: Any, form: PixelFormat, *, shared: bool, width: Optional[int]
         raise ValueError("the array is read-only")
     if not _packed(array):
         if shared:
-            raise ValueError("the pixels of the array do not lie side by side in rows from the top down")
+            raise ValueError(
+                "the pixels of the array do not lie side by side in rows from the top down"
+            )
         array = np.ascontiguousarray(array)
     row_bytes = form.row_bytes(across)
     stride = array.strides[0] if height > 1 else row_bytes
@@ -124,7 +131,7 @@ def rows_of(array: Any, form: PixelFormat, *, shared: bool, width: Optional[int]
 
 
 class _Memory:
-    """Memory that belongs to `owner`, for np.asarray: the array refers to this, and this to the owner."""
+    """Memory of `owner`, for np.asarray: the array refers to this, and this to the owner."""
 
     def __init__(self, owner: Any, interface: Any) -> None:
         self.owner = owner
@@ -132,9 +139,19 @@ class _Memory:
 
 
 def view(
-    owner: Any, address: int, form: PixelFormat, width: int, height: int, row_bytes: int, stride: int, writable: bool
+    owner: Any,
+    address: int,
+    form: PixelFormat,
+    width: int,
+    height: int,
+    row_bytes: int,
+    stride: int,
+    writable: bool,
 ) -> np.ndarray:
-    """An array over pixels that live as long as `owner`, which it keeps alive. One-bit formats come as bytes."""
+    """An array over pixels that live as long as `owner`, which it keeps alive.
+
+    One-bit formats come as bytes.
+    """
     channels = form.bits // 8
     shape: Tuple[int, ...] = (height, width) if channels == 1 else (height, width, channels)
     strides: Tuple[int, ...] = (stride, 1) if channels == 1 else (stride, channels, 1)

@@ -26,7 +26,7 @@ class Palette(Object):
     _kind = "GXPalette"
 
     def __init__(self, colors: Any) -> None:
-        """Makes a palette from packed colours, an array of them, or anything that a colour may be."""
+        """Makes a palette from an array of packed colours, or from colours of any kind."""
         if isinstance(colors, np.ndarray) and colors.ndim == 1 and colors.dtype.kind in "iu":
             if colors.size and (int(colors.min()) < 0 or int(colors.max()) > 0xFFFFFFFF):
                 raise OverflowError("packed colours have 32 bits")
@@ -55,7 +55,7 @@ class Palette(Object):
 
     @property
     def colors(self) -> np.ndarray:
-        """All colours: a read-only array of uint32 in the palette's own memory, which it keeps alive."""
+        """All colours: a read-only array of uint32 in the palette's memory, kept alive."""
         out = ffi.new("uint32_t const * *")
         check(lib.GXPaletteGetColors(self._handle, out), "GXPaletteGetColors")
         return words(self, int(ffi.cast("uintptr_t", out[0])), len(self))
@@ -64,8 +64,9 @@ class Palette(Object):
 class Bitmap(Object):
     """A rectangle of pixels in memory.
 
-    `np.asarray(bitmap)` is a read-only array over its pixels, without a copy; `lock(write=True)` gives one to write in.
-    The array keeps the bitmap's memory alive. Channels lie as blue, green, red, alpha.
+    `np.asarray(bitmap)` is a read-only array over its pixels, without a copy; `lock(write=True)`
+    gives one to write in. The array keeps the bitmap's memory alive. Channels lie as blue, green,
+    red, alpha.
     """
 
     __slots__ = ("_locked",)
@@ -79,7 +80,10 @@ class Bitmap(Object):
         dpi: DpiLike = 96.0,
         fill: Optional[ColorLike] = 0,
     ) -> None:
-        """Makes a bitmap filled with a colour; with `fill=None` its pixels are whatever the memory held."""
+        """Makes a bitmap filled with a colour.
+
+        With `fill=None` its pixels are whatever the memory held.
+        """
         dpi_x, dpi_y = dpi if isinstance(dpi, tuple) else (dpi, dpi)
         color = None if fill is None else argb(fill)
         out = ffi.new("GXBitmap *")
@@ -122,7 +126,7 @@ class Bitmap(Object):
         return cls._owning(out[0])
 
     def save(self, path: Any) -> None:
-        """Writes a file of the kind that the path's ending names: png, jpg, jpeg, tif, tiff, bmp."""
+        """Writes a file of the kind that the path's ending names: png, jpg, tif, bmp."""
         check(lib.GXBitmapSaveToFile(self._handle, c_path(path)), "GXBitmapSaveToFile")
 
     def encode(self, kind: str = "png") -> bytes:
@@ -148,8 +152,8 @@ class Bitmap(Object):
     ) -> "Bitmap":
         """Makes a bitmap with a copy of an array's pixels, which lie as the format says.
 
-        Without a format a grey level, three and four channels mean GRAY8, BGR24 and BGRA32. One-bit formats take bytes of
-        eight pixels, `width` says how many pixels count.
+        Without a format a grey level, three and four channels mean GRAY8, BGR24 and BGRA32. One-bit
+        formats take bytes of eight pixels, `width` says how many pixels count.
         """
         array = np.asarray(pixels)
         if format is None:
@@ -195,10 +199,13 @@ class Bitmap(Object):
 
     @contextmanager
     def lock(self, rect: Any = None, *, write: bool = False) -> Iterator[np.ndarray]:
-        """`with bitmap.lock(write=True) as pixels:` gives the pixels of a rectangle, clipped to the bitmap, as an array.
+        """`with bitmap.lock(write=True) as pixels:` gives the pixels as an array.
 
-        At the end of the block the library learns that pixels changed, and the array becomes read-only; other views made
-        from it stay readable and keep the bitmap's memory alive. Locks do not nest.
+        `rect` is the part of the bitmap, clipped to it; None is all.
+
+        At the end of the block the library learns that pixels changed, and the array becomes
+        read-only; other views made from it stay readable and keep the bitmap's memory alive.
+        Locks do not nest.
         """
         if getattr(self, "_locked", False):
             raise RuntimeError("the bitmap is locked already")
@@ -218,7 +225,8 @@ class Bitmap(Object):
                 pixels.flags.writeable = False
 
     def _data(self, rect: Any, mode: int) -> Any:
-        # A lock inside a lock would take its mode over, so that the outer one would not tell of its writing.
+        # A lock inside a lock would take its mode over, so that the outer one would not tell of its
+        # writing.
         record = ffi.new("GXBitmapData *")
         if getattr(self, "_locked", False):
             raise RuntimeError("the bitmap is locked: use the array of the lock")
@@ -257,9 +265,10 @@ class Bitmap(Object):
         check(lib.GXBitmapCopyFromMemory(self._handle, rect, block), "GXBitmapCopyFromMemory")
 
     def write(self, pixels: Any, rect: Any = None) -> None:
-        """Copies an array, in the bitmap's own format, into a rectangle (None: all), clipped to the bitmap.
+        """Copies an array, in the bitmap's own format, into a rectangle (None: all).
 
-        The array has the size of the clipped rectangle. One-bit formats copy whole bytes.
+        The rectangle is clipped to the bitmap, and the array has the size of the clipped one.
+        One-bit formats copy whole bytes.
         """
         part = self._clipped(rect)
         if part.width <= 0 or part.height <= 0:
@@ -267,7 +276,7 @@ class Bitmap(Object):
         self._copy_from(self._rows(pixels, part, shared=False), c_int_rect(part))
 
     def read(self, rect: Any = None, out: Optional[np.ndarray] = None) -> np.ndarray:
-        """Copies a rectangle (None: all), clipped to the bitmap, into `out` or a new array of its size."""
+        """Copies a rectangle (None: all), clipped to the bitmap, into `out` or a new array."""
         part = self._clipped(rect)
         height, row_bytes = max(part.height, 0), self._row_bytes(part) if part.width > 0 else 0
         if out is None:
@@ -286,7 +295,7 @@ class Bitmap(Object):
     # Pixels
 
     def fill(self, color: ColorLike, rect: Any = None) -> None:
-        """Sets the pixels of a rectangle (None: all) to a colour, converted to the bitmap's format."""
+        """Sets the pixels of a rectangle (None: all) to a colour in the bitmap's format."""
         result = lib.GXBitmapColorFill(self._handle, c_int_rect(rect), argb(color))
         check(result, "GXBitmapColorFill")
 

@@ -12,8 +12,8 @@ from .errors import check
 class BitmapCache:
     """The one cache of the process; use the instance `bitmap_cache`.
 
-    The library's cache keeps bare handles. This one keeps the bitmaps that were put in through it alive until the
-    library forgets them or they are removed.
+    The library's cache keeps bare handles. This one keeps the bitmaps that were put in through it
+    alive until the library forgets them or they are removed.
     """
 
     def __init__(self) -> None:
@@ -41,7 +41,10 @@ class BitmapCache:
         return int(out[0])
 
     def put(self, bitmap: Bitmap) -> int:
-        """Puts a bitmap in and gives its ticket; the oldest ones are dropped while it does not fit."""
+        """Puts a bitmap in and gives its ticket.
+
+        The oldest ones are dropped while it does not fit.
+        """
         out = ffi.new("uint32_t *")
         with self._lock:
             check(lib.GXBitmapCachePut(handle_of(bitmap, Bitmap), out), "GXBitmapCachePut")

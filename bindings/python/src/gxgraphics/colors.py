@@ -4,18 +4,18 @@ from typing import Any, Sequence, Union
 
 import numpy as np
 
-#: A packed number 0xAARRGGBB; red, green, blue and perhaps alpha from 0 to 1; or "#rgb", "#rrggbb", "#rrggbbaa".
+#: A packed number 0xAARRGGBB; red, green, blue and perhaps alpha from 0 to 1; or "#rgb", "#rrggbb",
+#: "#rrggbbaa".
 ColorLike = Union[int, str, Sequence[float], np.ndarray]
 
 
 def channels(color: Any) -> "tuple[float, float, float, float]":
     """Red, green, blue, alpha of a sequence of three or four numbers."""
-    values = tuple(map(float, color))
-    if len(values) == 3:
-        return (*values, 1.0)
-    if len(values) == 4:
-        return values
-    raise ValueError(f"a colour has three or four channels, not {len(values)}")
+    values = [float(value) for value in color]
+    if len(values) not in (3, 4):
+        raise ValueError(f"a colour has three or four channels, not {len(values)}")
+    red, green, blue = values[:3]
+    return red, green, blue, values[3] if len(values) == 4 else 1.0
 
 
 def _parse(text: str) -> int:

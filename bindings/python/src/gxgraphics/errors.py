@@ -12,8 +12,8 @@ lib.GXLogSetSink(_SINK_KEY, ffi.addressof(lib, "gxpy_keep_line"), ffi.NULL)
 class Error(Exception):
     """A call of the library failed.
 
-    `result` is its GXResult, `function` its name. `message` is the reason that the library gave and `diagnostic` the whole
-    line that went to its log; both are None where it gave none.
+    `result` is its GXResult, `function` its name. `message` is the reason that the library gave and
+    `diagnostic` the whole line that went to its log; both are None where it gave none.
     """
 
     def __init__(self, result: int, function: str, diagnostic: Optional[str] = None) -> None:

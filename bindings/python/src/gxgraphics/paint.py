@@ -27,7 +27,10 @@ def _both(flags: Union[bool, Tuple[bool, bool]]) -> Tuple[bool, bool]:
 
 
 class Gradient(Object):
-    """A linear or radial gradient or a mesh of coloured triangles; immutable. Made by linear(), radial(), mesh()."""
+    """A linear or radial gradient or a mesh of coloured triangles; immutable.
+
+    Made by linear(), radial(), mesh().
+    """
 
     __slots__ = ()
     _kind = "GXGradient"
@@ -66,20 +69,31 @@ class Gradient(Object):
         extend: Union[bool, Tuple[bool, bool]] = True,
         background: ColorLike = 0,
     ) -> "Gradient":
-        """A gradient from a start circle, by default the centre alone, to the circle around `center`."""
+        """A gradient from a start circle, by default the centre alone, to the circle around
+        `center`."""
         records, count = _stops(stops)
         x1, y1 = center
         x0, y0 = center if start_center is None else start_center
         out = ffi.new("GXGradient *")
         desc = [
-            (records, count, (x0, y0), start_radius, (x1, y1), radius, *_both(extend), argb(background))
+            (
+                records,
+                count,
+                (x0, y0),
+                start_radius,
+                (x1, y1),
+                radius,
+                *_both(extend),
+                argb(background),
+            )
         ]
         check(lib.GXCreateGradientRadial(desc, out), "GXCreateGradientRadial")
         return cls._owning(out[0])
 
     @classmethod
     def mesh(cls, points: Any, colors: Any, background: ColorLike = 0) -> "Gradient":
-        """Triangles of three consecutive corners: an n x 2 array of points, n packed colours (an array or a sequence)."""
+        """Triangles of three consecutive corners: an n x 2 array of points, n packed colours (an
+        array or a sequence)."""
         _, count, (xs, ys) = c_points(points)
         if not isinstance(colors, np.ndarray):
             colors = np.array([argb(color) for color in colors], dtype=np.uint32)
@@ -95,7 +109,10 @@ class Gradient(Object):
 
 
 class Brush(Object):
-    """What covered pixels are painted with; immutable. Where a brush is wanted, a colour or a Gradient does, too."""
+    """What covered pixels are painted with; immutable.
+
+    Where a brush is wanted, a colour or a Gradient does, too.
+    """
 
     __slots__ = ()
     _kind = "GXBrush"
@@ -118,7 +135,9 @@ class Brush(Object):
         extend: Union[Extend, Tuple[Extend, Extend]] = Extend.CLAMP,
         matrix: Optional[MatrixLike] = None,
     ) -> "Brush":
-        """Makes a brush of a bitmap, which it shares. `extend` is for both directions, or for x and y.
+        """Makes a brush of a bitmap, which it shares.
+
+        `extend` is for both directions, or for x and y.
 
         `matrix` maps brush space, in which a pixel is one unit, to user units.
         """
@@ -160,5 +179,5 @@ def made_brush(brush: Any) -> Brush:
     if isinstance(brush, (int, str)):
         return _solid(brush)
     if isinstance(brush, (tuple, list, np.ndarray, np.integer)):
-        return Brush(brush)
+        return Brush(brush)  # type: ignore[arg-type]
     raise TypeError(f"a Brush, a Gradient or a colour, not {type(brush).__name__}")

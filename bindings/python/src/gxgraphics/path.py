@@ -19,7 +19,8 @@ class Path(Object):
 
         Path().move_to((0, 0)).line_to((10, 0)).line_to((5, 8)).close()
 
-    A finished path may be used by several threads at once; one under construction belongs to one thread.
+    A finished path may be used by several threads at once; one under construction belongs to one
+    thread.
     """
 
     __slots__ = ()
@@ -56,7 +57,10 @@ class Path(Object):
         return self
 
     def conic_to(self, control2: PointLike, point: PointLike) -> "Path":
-        """Adds a cubic curve whose first control point is the current point. Ignored without a figure."""
+        """Adds a cubic curve whose first control point is the current point.
+
+        Ignored without a figure.
+        """
         result = lib.GXGeometryConicCurveTo(self._handle, c_point(control2), c_point(point))
         check(result, "GXGeometryConicCurveTo")
         return self
@@ -104,8 +108,9 @@ class Path(Object):
     ) -> "Path":
         """Adds a figure of lines through all points: an n x 2 array, or arrays of x and y.
 
-        Arrays of float32 and float64 are read where they lie, whatever their strides. With `gaps` points that are not
-        finite split the line; without, they make the library leave the whole figure out.
+        Arrays of float32 and float64 are read where they lie, whatever their strides. With `gaps`
+        points that are not finite split the line; without, they make the library leave the whole
+        figure out.
         """
         return self._polylines(points, y, np.zeros(1, np.int64), close, gaps)
 
@@ -118,13 +123,16 @@ class Path(Object):
         close: bool = False,
         gaps: bool = False,
     ) -> "Path":
-        """Adds many figures of lines at once: figure i holds the points from starts[i] up to starts[i + 1]."""
+        """Adds many figures of lines at once: figure i holds the points from starts[i] up to
+        starts[i + 1]."""
         first = np.asarray(starts)
         if first.ndim != 1 or (first.size and first.dtype.kind not in "iu"):
             raise TypeError("starts: an array of whole numbers")
         return self._polylines(points, y, first, close, gaps)
 
-    def _polylines(self, points: Any, y: Any, starts: np.ndarray, close: bool, gaps: bool) -> "Path":
+    def _polylines(
+        self, points: Any, y: Any, starts: np.ndarray, close: bool, gaps: bool
+    ) -> "Path":
         record, count, keep = c_points(points, y)
         first = np.array(starts, dtype=np.int64)
         if first.size and (first[0] < 0 or first[-1] > count or (np.diff(first) < 0).any()):
@@ -136,7 +144,8 @@ class Path(Object):
         return self
 
     def curves(self, points: Any, y: Any = None, *, close: bool = False) -> "Path":
-        """Adds a figure of cubic curves: its start, then two control points and an end for each (3 n + 1 points)."""
+        """Adds a figure of cubic curves: its start, then two control points and an end for each
+        (3 n + 1 points)."""
         record, count, keep = c_points(points, y)
         if count % 3 != 1:
             raise ValueError(f"curves are 3 n + 1 points, not {count}")
@@ -169,8 +178,8 @@ class Path(Object):
     ) -> "Path":
         """Makes a path of verbs and points, as to_arrays() gives them.
 
-        `verbs` is bytes or an array of uint8 with the letters M (begin), L (line), C (curve, three points), E (end) and
-        Z (close); `points` is n x 2.
+        `verbs` is bytes or an array of uint8 with the letters M (begin), L (line), C (curve, three
+        points), E (end) and Z (close); `points` is n x 2.
         """
         letters = np.frombuffer(verbs, np.uint8) if isinstance(verbs, bytes) else np.asarray(verbs)
         if letters.dtype != np.uint8 or letters.ndim != 1:
@@ -189,7 +198,8 @@ class Path(Object):
         return path
 
     def to_arrays(self) -> Tuple[np.ndarray, np.ndarray]:
-        """The finished figures: an array of verbs (uint8) and an n x 2 array of points (float32)."""
+        """The finished figures: an array of verbs (uint8) and an n x 2 array of points
+        (float32)."""
         outline = ffi.new("gxpy_outline *")
         check(lib.gxpy_read_outline(self._handle, outline), "GXGeometrySendToSink")
         verbs = np.empty(outline.verbCount, np.uint8)
@@ -222,7 +232,10 @@ class Path(Object):
 
     @property
     def current_point(self) -> Optional[Point]:
-        """The last point of the figure under construction, else of the last one; None without a figure."""
+        """The last point of the figure under construction, else of the last one.
+
+        None without a figure.
+        """
         out = ffi.new("GXPoint *")
         result = lib.GXGeometryGetCurrentPoint(self._handle, out)
         if result == lib.GXResultFalse:
@@ -231,7 +244,10 @@ class Path(Object):
         return Point(out.x, out.y)
 
     def bounds(self, matrix: Optional[MatrixLike] = None) -> Rect:
-        """The box around every point ever passed in; with a matrix around that box's mapped corners."""
+        """The box around every point ever passed in.
+
+        With a matrix, the box around that one's mapped corners.
+        """
         out = ffi.new("GXRect *")
         place = NULL if matrix is None else c_matrix(matrix)
         check(lib.GXGeometryGetBound(self._handle, place, out), "GXGeometryGetBound")
@@ -247,7 +263,8 @@ class Path(Object):
     def hit_test(
         self, point: PointLike, matrix: Optional[MatrixLike] = None, tolerance: float = 0.0
     ) -> bool:
-        """Whether a point is inside the path, mapped by the matrix, or within `tolerance` of its outline."""
+        """Whether a point is inside the path, mapped by the matrix, or within `tolerance` of its
+        outline."""
         out = ffi.new("uint8_t *")
         place = NULL if matrix is None else c_matrix(matrix)
         result = lib.GXGeometryHitTest(self._handle, c_point(point), place, tolerance, out)
@@ -295,11 +312,12 @@ class Path(Object):
         return Path._owning(out[0])
 
     def combine(self, other: "Path", mode: Combine, tolerance: float = 0.25) -> "Path":
-        """A new path from the areas of this one and another; curves are flattened to within `tolerance`."""
+        """A new path from the areas of this one and another.
+
+        Curves are flattened to within `tolerance`.
+        """
         out = ffi.new("GXGeometry *")
-        result = lib.GXGeometryCombine(
-            self._handle, handle_of(other, Path), mode, tolerance, out
-        )
+        result = lib.GXGeometryCombine(self._handle, handle_of(other, Path), mode, tolerance, out)
         check(result, "GXGeometryCombine")
         return Path._owning(out[0])
 

@@ -24,7 +24,8 @@ _POINTS = {ord("M"): 1, ord("L"): 1, ord("C"): 3, ord("E"): 0, ord("Z"): 0}
 
 
 def _multiply(first: Any, then: Any) -> Any:
-    """The matrix that maps by `first` and then by `then`, in single precision as the library computes."""
+    """The matrix that maps by `first` and then by `then`, in single precision as the library
+    computes."""
     a, b = (tuple(np.float32(value) for value in matrix) for matrix in (first, then))
     product = (
         a[0] * b[0] + a[1] * b[2],
@@ -46,7 +47,8 @@ def _optional(reader: Reader, kind: str) -> Any:
 
 
 class Recording:
-    """A recorded page, read and checked to its end, with its objects made; draws as often as wanted.
+    """A recorded page, read and checked to its end, with its objects made; draws as often as
+    wanted.
 
     One thread at a time.
     """
@@ -59,7 +61,14 @@ class Recording:
             raise RecordingError(f"the recording's page is too large: {self.size}")
         self._objects: Dict[str, List[Object]] = {
             kind: []
-            for kind in ("GXGeometry", "GXPalette", "GXBitmap", "GXGradient", "GXBrush", "GXFontFace")
+            for kind in (
+                "GXGeometry",
+                "GXPalette",
+                "GXBitmap",
+                "GXGradient",
+                "GXBrush",
+                "GXFontFace",
+            )
         }
         self._reader = CommandReader(self._page, self._objects)  # type: ignore[arg-type]
         makers = {
@@ -111,7 +120,10 @@ class Recording:
         return bitmap
 
     def draw(self, target: RenderTarget, scale: float = 1.0) -> None:
-        """Draws the page on a target, from the target's matrix on; begins and ends painting itself."""
+        """Draws the page on a target, from the target's matrix on.
+
+        Begins and ends painting itself.
+        """
         if not (scale > 0 and math.isfinite(scale)):
             raise ValueError("the scale is a number above 0")
         _Player(self._page, self._commands, target, scale).play()
@@ -217,7 +229,9 @@ class _Drawn:
 class _Player:
     """Plays commands that have been checked."""
 
-    def __init__(self, page: Surface, commands: List[Command], target: RenderTarget, scale: float) -> None:
+    def __init__(
+        self, page: Surface, commands: List[Command], target: RenderTarget, scale: float
+    ) -> None:
         self._commands = commands
         self._scale = scale
         self._zoom = (scale, 0.0, 0.0, scale, 0.0, 0.0)
@@ -240,8 +254,9 @@ class _Player:
                     drawn.target.end_paint()
 
     def _NewSurface(self, surface: Surface) -> None:
-        size = (math.ceil(side * self._scale) for side in (surface.width, surface.height))
-        bitmap = Bitmap(*size, surface.format, (surface.dpi_x, surface.dpi_y))
+        width = math.ceil(surface.width * self._scale)
+        height = math.ceil(surface.height * self._scale)
+        bitmap = Bitmap(width, height, surface.format, (surface.dpi_x, surface.dpi_y))
         self._surfaces.append(_Drawn(RenderTarget(bitmap), surface, self._zoom))
 
     def _DropSurface(self, number: int) -> None:
@@ -288,7 +303,8 @@ class _Player:
         if isinstance(argument, SurfaceBitmap):
             if self._scale != 1:
                 raise RecordingError(
-                    "the recording draws one of its surfaces as a bitmap, pixel by pixel: it plays at scale 1 alone"
+                    "the recording draws one of its surfaces as a bitmap, pixel by pixel: "
+                    "it plays at scale 1 alone"
                 )
             return self._bitmap(argument.surface).handle
         if isinstance(argument, SurfaceBrush):
@@ -301,14 +317,17 @@ class _Player:
         drawn = self._surfaces[self._selected]
         assert drawn.target is not None
         handle = drawn.target.handle
-        # Painting starts on the identity; what the recording calls that is here the matrix of the whole surface.
+        # Painting starts on the identity; what the recording calls that is here the matrix of the
+        # whole surface.
         if not drawn.placed:
             drawn.placed = True
             if drawn.base != _IDENTITY:
                 drawn.target.ctm = drawn.base
         if name == "SetCTM" and drawn.base != _IDENTITY:
             matrix = arguments[0]
-            drawn.target.ctm = drawn.base if matrix == NULL else _multiply(_numbers(matrix), drawn.base)
+            drawn.target.ctm = (
+                drawn.base if matrix == NULL else _multiply(_numbers(matrix), drawn.base)
+            )
         else:
             result = getattr(lib, "GXRenderTarget" + name)(handle, *map(self._resolved, arguments))
             check(result, "GXRenderTarget" + name)

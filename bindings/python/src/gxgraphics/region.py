@@ -15,7 +15,10 @@ RegionLike = Union["Region", Any]
 
 
 class Region(Object):
-    """A set of whole pixels. `|`, `&`, `^` and `-` make new ones, with a region or a rectangle on the right."""
+    """A set of whole pixels.
+
+    `|`, `&`, `^` and `-` make new ones, with a region or a rectangle on the right.
+    """
 
     __slots__ = ()
     _kind = "GXRegion"
@@ -48,7 +51,8 @@ class Region(Object):
         return cls._owning(out[0])
 
     def rects(self) -> np.ndarray:
-        """The rectangles of the region: an n x 4 array of int32, from the top, from left to right inside a band."""
+        """The rectangles of the region: an n x 4 array of int32, from the top, from left to
+        right inside a band."""
         found = ffi.new("gxpy_rect_list *")
         check(lib.gxpy_read_region(self._handle, found), "GXRegionEnumRects")
         array = np.empty((found.count, 4), np.int32)

@@ -19,13 +19,15 @@ from .values import PointLike, RectLike, Size, StrokeStyle, c_matrix, c_style
 
 
 class RenderTarget(Object):
-    """Something to draw on: a bitmap, a NumPy array, and on Windows a window, a device context or a printer.
+    """Something to draw on: a bitmap, a NumPy array, and on Windows a window, a device context or a
+    printer.
 
-    Drawing is allowed inside `with target.paint():`. A target belongs to one thread at a time; while a call draws, the
-    interpreter's lock is released, so that other threads draw on targets of their own at the same time.
+    Drawing is allowed inside `with target.paint():`. A target belongs to one thread at a time;
+    while a call draws, the interpreter's lock is released, so that other threads draw on targets of
+    their own at the same time.
     """
 
-    __slots__ = ("_surface", "_memory")
+    __slots__ = ("_surface",)
     _kind = "GXRenderTarget"
 
     def __init__(
@@ -36,29 +38,29 @@ class RenderTarget(Object):
     ) -> None:
         """Makes a target that draws into a bitmap, or into the memory of an array without a copy.
 
-        An array is height x width x 4 of uint8, or height x width of uint32, in the format PBGRA32 or BGRX32, writable,
-        each row's pixels side by side. It stays alive as long as the target. A bitmap brings its own format.
+        An array is height x width x 4 of uint8, or height x width of uint32, in the format PBGRA32
+        or BGRX32, writable, each row's pixels side by side. It stays alive as long as the target. A
+        bitmap brings its own format.
         """
         out = ffi.new("GXRenderTarget *")
         if isinstance(surface, Bitmap):
             result = lib.GXCreateRenderTargetBitmap(surface._handle, out)
             check(result, "GXCreateRenderTargetBitmap")
-            memory = None
         else:
             rows = rows_of(surface, PixelFormat(format), shared=True)
             numbers = (rows.width, rows.height, rows.stride)
             if any(np.float32(number) != number for number in numbers):
-                raise ValueError(f"rows of {rows.stride} bytes: the library takes multiples of 2 above 16777216")
+                raise ValueError(
+                    f"rows of {rows.stride} bytes: the library takes multiples of 2 above 16777216"
+                )
             dpi_x, dpi_y = dpi if isinstance(dpi, tuple) else (dpi, dpi)
-            # A view exports the memory, which keeps the array from being resized.
-            memory = memoryview(surface)
             result = lib.GXCreateRenderTargetExtBuf(
                 ffi.cast("void *", rows.address), format, [(*numbers, dpi_x, dpi_y)], out
             )
             check(result, "GXCreateRenderTargetExtBuf")
         self._own(out[0])
+        # The reference also makes NumPy refuse to resize the array.
         self._surface = surface
-        self._memory = memory
 
     @classmethod
     def new(
@@ -69,7 +71,10 @@ class RenderTarget(Object):
         format: PixelFormat = PixelFormat.PBGRA32,
         dpi: DpiLike = 96.0,
     ) -> "RenderTarget":
-        """Makes a bitmap filled with a colour and a target that draws into it; `target.bitmap` is the bitmap."""
+        """Makes a bitmap filled with a colour and a target that draws into it.
+
+        `target.bitmap` is the bitmap.
+        """
         return cls(Bitmap(width, height, format, dpi, fill=background))
 
     @classmethod
@@ -82,7 +87,10 @@ class RenderTarget(Object):
 
     @classmethod
     def for_dc(cls, dc: int, area: Any = (0, 0, 0, 0)) -> "RenderTarget":
-        """Makes a target that draws into a device context of Windows (HDC); an empty area is the whole device."""
+        """Makes a target that draws into a device context of Windows (HDC).
+
+        An empty area is the whole device.
+        """
         out = ffi.new("GXRenderTarget *")
         result = lib.GXCreateRenderTargetHDC(ffi.cast("void *", dc), c_int_rect(area), out)
         check(result, "GXCreateRenderTargetHDC")
@@ -90,7 +98,10 @@ class RenderTarget(Object):
 
     @classmethod
     def for_printer(cls, dc: int) -> "RenderTarget":
-        """Makes a target on a printer's device context (HDC); one paint block is one page's picture."""
+        """Makes a target on a printer's device context (HDC).
+
+        One paint block is one page's picture.
+        """
         out = ffi.new("GXRenderTarget *")
         result = lib.GXCreateRenderTargetPrintDC(ffi.cast("void *", dc), out)
         check(result, "GXCreateRenderTargetPrintDC")
@@ -126,16 +137,23 @@ class RenderTarget(Object):
     # Brackets
 
     def begin_paint(self) -> None:
-        """Opens the bracket in which drawing is allowed; paint() is the block that also closes it."""
+        """Opens the bracket in which drawing is allowed.
+
+        The block that also closes it is paint().
+        """
         check(lib.GXRenderTargetBeginPaint(self._handle), "GXRenderTargetBeginPaint")
 
     def end_paint(self) -> None:
-        """Closes the bracket; open layers are ended, saved states are dropped, the state is reset."""
+        """Closes the bracket.
+
+        Open layers are ended, saved states are dropped, the state is reset.
+        """
         check(lib.GXRenderTargetEndPaint(self._handle), "GXRenderTargetEndPaint")
 
     @contextmanager
     def paint(self) -> Iterator["RenderTarget"]:
-        """`with target.paint():` opens the bracket in which drawing is allowed and closes it at the end."""
+        """`with target.paint():` opens the bracket in which drawing is allowed and closes it at
+        the end."""
         self.begin_paint()
         try:
             yield self
@@ -143,7 +161,10 @@ class RenderTarget(Object):
             self.end_paint()
 
     def push_state(self) -> None:
-        """Saves matrix, blend mode, stroke adjustment, masks and clip; state() is the block that restores them."""
+        """Saves matrix, blend mode, stroke adjustment, masks and clip.
+
+        The block that restores them is state().
+        """
         check(lib.GXRenderTargetPushState(self._handle), "GXRenderTargetPushState")
 
     def pop_state(self) -> None:
@@ -152,7 +173,8 @@ class RenderTarget(Object):
 
     @contextmanager
     def state(self) -> Iterator["RenderTarget"]:
-        """`with target.state():` restores matrix, blend mode, stroke adjustment, masks and clip at its end."""
+        """`with target.state():` restores matrix, blend mode, stroke adjustment, masks and clip
+        at its end."""
         self.push_state()
         try:
             yield self
@@ -187,10 +209,11 @@ class RenderTarget(Object):
         isolated: bool = True,
         knockout: bool = False,
     ) -> Iterator["RenderTarget"]:
-        """`with target.layer(opacity=0.5):` draws what is in the block as one object, a transparency group.
+        """`with target.layer(opacity=0.5):` draws what is in the block as one object, a
+        transparency group.
 
-        An isolated group starts transparent instead of on the backdrop; in a knockout group each object replaces the
-        earlier ones under it. Without bounds the clip alone limits it.
+        An isolated group starts transparent instead of on the backdrop; in a knockout group each
+        object replaces the earlier ones under it. Without bounds the clip alone limits it.
         """
         self.begin_layer(bounds, opacity, isolated=isolated, knockout=knockout)
         try:
@@ -214,10 +237,15 @@ class RenderTarget(Object):
 
     def concat(self, matrix: MatrixLike) -> None:
         """Puts a matrix in front of the current one: points are mapped by it first."""
-        check(lib.GXRenderTargetConcatCTM(self._handle, c_matrix(matrix)), "GXRenderTargetConcatCTM")
+        check(
+            lib.GXRenderTargetConcatCTM(self._handle, c_matrix(matrix)), "GXRenderTargetConcatCTM"
+        )
 
     def rotate(self, radians: float) -> None:
-        """Puts a rotation in front of the matrix; positive angles turn the x axis towards the y axis."""
+        """Puts a rotation in front of the matrix.
+
+        Positive angles turn the x axis towards the y axis.
+        """
         check(lib.GXRenderTargetRotateCTM(self._handle, radians), "GXRenderTargetRotateCTM")
 
     def scale(self, x: float, y: Optional[float] = None) -> None:
@@ -241,14 +269,20 @@ class RenderTarget(Object):
     def set_opacity_mask(
         self, brush: Optional[BrushLike], type: MaskType = MaskType.LUMINOSITY
     ) -> None:
-        """Multiplies colour and alpha of what is drawn from now on by a mask made from a brush; None removes it."""
+        """Multiplies colour and alpha of what is drawn from now on by a mask made from a brush.
+
+        None removes it.
+        """
         made = None if brush is None else made_brush(brush)
         handle = NULL if made is None else made._handle
         result = lib.GXRenderTargetSetOpacityMask(self._handle, type, handle)
         check(result, "GXRenderTargetSetOpacityMask")
 
     def set_shape_mask(self, brush: Optional[BrushLike], type: MaskType = MaskType.ALPHA) -> None:
-        """Multiplies the coverage of what is drawn from now on by a mask made from a brush; None removes it."""
+        """Multiplies the coverage of what is drawn from now on by a mask made from a brush.
+
+        None removes it.
+        """
         made = None if brush is None else made_brush(brush)
         handle = NULL if made is None else made._handle
         result = lib.GXRenderTargetSetShapeMask(self._handle, type, handle)
@@ -267,7 +301,10 @@ class RenderTarget(Object):
         check(result, "GXRenderTargetFillGeometry")
 
     def fill_glyph(self, path: Path, brush: BrushLike) -> None:
-        """Paints the inside of a glyph's outline as text is painted; its coverage is kept for the next time."""
+        """Paints the inside of a glyph's outline as text is painted.
+
+        Its coverage is kept for the next time.
+        """
         made = made_brush(brush)
         result = lib.GXRenderTargetFillTextGeometry(
             self._handle, handle_of(path, Path), made._handle
@@ -331,7 +368,11 @@ class RenderTarget(Object):
         check(result, "GXRenderTargetStrokeLine")
 
     def stroke_rect(
-        self, rect: RectLike, brush: BrushLike, width: float = 1.0, style: Optional[StrokeStyle] = None
+        self,
+        rect: RectLike,
+        brush: BrushLike,
+        width: float = 1.0,
+        style: Optional[StrokeStyle] = None,
     ) -> None:
         """Paints the outline of a rectangle."""
         made = made_brush(brush)
@@ -389,7 +430,10 @@ class RenderTarget(Object):
     def draw_gradient(
         self, gradient: Gradient, opacity: float = 1.0, matrix: Optional[MatrixLike] = None
     ) -> None:
-        """Paints everything inside the clip with a gradient; `matrix` maps its space to user units."""
+        """Paints everything inside the clip with a gradient.
+
+        `matrix` maps its space to user units.
+        """
         place = NULL if matrix is None else c_matrix(matrix)
         result = lib.GXRenderTargetDrawGradient(
             self._handle, handle_of(gradient, Gradient), opacity, place
@@ -403,7 +447,8 @@ class RenderTarget(Object):
         destination: Optional[RectLike] = None,
         interpolation: Interpolation = Interpolation.LINEAR,
     ) -> None:
-        """Paints a brush through the alpha of a bitmap laid onto a rectangle (None: its own size at 0, 0)."""
+        """Paints a brush through the alpha of a bitmap laid onto a rectangle (None: its own size
+        at 0, 0)."""
         made = made_brush(brush)
         place = NULL if destination is None else c_rect(destination)
         result = lib.GXRenderTargetFillMask(
@@ -450,5 +495,6 @@ class RenderTarget(Object):
 
 
 def enable_hardware_acceleration() -> None:
-    """Lets window targets that this thread makes from now on use the graphics processor, where there is one."""
+    """Lets window targets that this thread makes from now on use the graphics processor, where
+    there is one."""
     check(lib.GXEnableHWAccelerationForThread(), "GXEnableHWAccelerationForThread")

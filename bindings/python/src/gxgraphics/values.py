@@ -188,7 +188,8 @@ class Size(NamedTuple):
 class Matrix(NamedTuple):
     """An affine map: x' = m00 x + m10 y + m20, y' = m01 x + m11 y + m21.
 
-    `a @ b` maps by b first, as products of 3 x 3 matrices with columns do; `matrix @ points` maps an array of points.
+    `a @ b` maps by b first, as products of 3 x 3 matrices with columns do; `matrix @ points` maps
+    an array of points.
     """
 
     m00: float = 1.0
@@ -200,7 +201,8 @@ class Matrix(NamedTuple):
 
     @classmethod
     def of(cls, matrix: MatrixLike) -> "Matrix":
-        """A Matrix from six numbers in this order, or from a 2 x 3 or 3 x 3 array that maps columns."""
+        """A Matrix from six numbers in this order, or from a 2 x 3 or 3 x 3 array that maps
+        columns."""
         array = np.asarray(matrix, dtype=np.float64)
         if array.shape == (6,):
             return cls(*array.tolist())
@@ -261,7 +263,8 @@ def c_matrix(matrix: MatrixLike) -> Any:
 
 @dataclass(frozen=True)
 class StrokeStyle:
-    """How a stroke looks: corners, ends, and up to 15 lengths of dash and gap in turn, in user units."""
+    """How a stroke looks: corners, ends, and up to 15 lengths of dash and gap in turn, in user
+    units."""
 
     join: LineJoin = LineJoin.MITER
     cap: LineCap = LineCap.FLAT
