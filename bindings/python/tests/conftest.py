@@ -26,12 +26,16 @@ def shim():
 
 
 @pytest.fixture(scope="session")
-def programs():
-    """The folder of the built example programs."""
-    folder = os.environ.get("GXPY_PROGRAMS")
-    if not folder:
-        pytest.skip("GXPY_PROGRAMS does not name the folder of the C examples")
-    return Path(folder)
+def program():
+    """Finds a built program; the test is skipped where it was not built."""
+    folder = Path(os.environ.get("GXPY_PROGRAMS", "/nowhere"))
+
+    def find(name):
+        if not (folder / name).exists():
+            pytest.skip(f"{name} was not built")
+        return folder / name
+
+    return find
 
 
 def _settle():

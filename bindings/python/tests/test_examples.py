@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The example programs, as a user runs them."""
 import os
+import re
 import subprocess
 import sys
 from pathlib import Path
@@ -39,6 +40,18 @@ def close_to(pixels, color):
 def test_every_example_has_a_test():
     text = Path(__file__).read_text(encoding="utf-8")
     assert [file.name for file in EXAMPLES.glob("*.py") if f'"{file.name}"' not in text] == []
+
+
+def test_programs_of_the_readme(tmp_path, monkeypatch):
+    text = (EXAMPLES.parent / "README.md").read_text(encoding="utf-8")
+    programs = re.findall(r"```python\n(.*?)```", text, re.DOTALL)
+    assert len(programs) == 2
+    monkeypatch.chdir(tmp_path)
+    first, arrays = {}, {}
+    exec(programs[0], first)
+    assert np.array_equal(gx.Bitmap.open("hello.png").to_rgba(), first["target"].bitmap.to_rgba())
+    exec(programs[1], arrays)
+    assert np.array_equal(arrays["view"], arrays["pixels"]) and arrays["pixels"].any()
 
 
 def test_chart(run):
