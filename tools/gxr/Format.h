@@ -9,7 +9,8 @@
 //     commands an operation and its arguments, in the order of the parameters of its function; 0 ends the list
 //
 // Numbers are little-endian. What a command holds follows from the parameter types of its GXRenderTarget function
-// (Arguments.h), so a change of a signature or of the order below is a change of kVersion.
+// (Arguments.h), so a change of a signature or of the order below is a change of kVersion. The Python package has a
+// reader of its own (bindings/python/src/gxgraphics/_gxr.py).
 //
 // Surfaces are what commands draw on: number 0 is the page, the others are bitmaps that the page draws for itself (soft
 // masks, cells) and paints with later.
