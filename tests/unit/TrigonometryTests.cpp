@@ -58,5 +58,15 @@ TEST(Trigonometry, AnglesAreThoseOfTheirPoints) {
     }
 }
 
+TEST(Trigonometry, AnglesOfAnythingAreSafe) {
+    const double values[] = {0, -0.0, 1, -1, 1e308, -1e308, 5e-324, INFINITY, -INFINITY, NAN};
+    for (const double y : values) {
+        for (const double x : values) {
+            const double angle = Angle(y, x);
+            EXPECT_TRUE(std::isnan(angle) || std::fabs(angle) <= 3.1415926535897936) << y << " " << x;
+        }
+    }
+}
+
 } // namespace
 } // namespace Graphics

@@ -73,11 +73,14 @@ double Angle(double y, double x) noexcept {
     const double up = std::fabs(y);
     const double less = across < up ? across : up;
     const double more = across < up ? up : across;
-    if (more == 0.0) {
+    if (!(more > 0.0)) {
         return 0.0;
     }
     // atan(less / more) = atan(k / 8) + atan((less - k / 8 more) / (more + k / 8 less))
     const double eighths = std::floor(less / more * 8.0 + 0.5);
+    if (!(eighths >= 0.0 && eighths <= 8.0)) {
+        return std::nan(""); // of NaN, and of two infinities
+    }
     const double share = eighths * 0.125;
     const double t = (less - share * more) / (more + share * less);
     const double z = t * t;

@@ -14,8 +14,8 @@ struct SineCosine {
 /// are first reduced by the double nearest to 2 pi. NaN for what is not finite.
 [[nodiscard]] SineCosine SineAndCosine(double radians) noexcept;
 
-/// The angle of (x, y) from the x axis, -pi to pi, within 3 units of the last place. Arguments are finite and their
-/// squares do not overflow; (0, 0) gives 0.
+/// The angle of (x, y) from the x axis, -pi to pi, within 3 units of the last place, where the arguments are finite and
+/// their squares do not overflow; (0, 0) gives 0. NaN where there is no angle.
 [[nodiscard]] double Angle(double y, double x) noexcept;
 
 } // namespace Graphics

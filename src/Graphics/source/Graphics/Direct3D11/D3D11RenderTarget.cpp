@@ -184,9 +184,8 @@ void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float wi
             return;
         }
         m_painter.Draw(CallFor(visible, box), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
-            m_rasterizer.Begin(ToRect(m_area), visible, state.strokeAdjustment);
-            FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible),
-                       m_rasterizer);
+            RasterizeStroke(m_rasterizer, shape, state.transform, style, width, state.strokeAdjustment, m_pen, m_area,
+                            visible);
             m_rasterizer.Finish(sink);
         });
     });

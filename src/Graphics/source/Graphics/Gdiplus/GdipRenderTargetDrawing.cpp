@@ -134,7 +134,8 @@ void GdipRenderTarget::Stroke(const PathRef& path, const Brush& brush, float wid
     DrawWith(
         brush, visible,
         [&](GdipPath& sink) {
-            FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible), sink);
+            static_cast<void>(FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen,
+                                         ToRect(m_device.area), ToRect(visible), sink));
         },
         [kept = GdipKeptPath(path), paint = m_page.Keep(brush), width, style](RenderTargetBase& t) {
             t.Stroke(kept.Ref(), *paint, width, style);

@@ -7,6 +7,7 @@
 #include "../Matrix.h"
 #include "Figure.h"
 #include "GeometrySink.h"
+#include "StrokeAdjuster.h"
 #include "StrokePlan.h"
 #include "StrokeStyle.h"
 

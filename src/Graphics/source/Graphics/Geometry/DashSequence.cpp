@@ -27,33 +27,38 @@ constexpr float kPhaseTolerance = 1e-5F;
 
 } // namespace
 
-DashSequence::DashSequence(const StrokeStyle& style, float scale) : m_count(style.dashCount) {
+DashSequence::DashSequence(const StrokeStyle& style)
+    : m_count(style.dashCount % 2 == 0 ? style.dashCount : 2 * style.dashCount) {
     float sum = 0;
-    for (uint32_t i = 0; i < m_count; ++i) {
+    for (uint32_t i = 0; i < style.dashCount; ++i) {
         if (style.dashes[i] < 0) {
             GX_RAISE("Graphics::Dasher::Sequence", "Dash pattern has a negative element");
         }
         sum += style.dashes[i];
-        m_dashes[i] = style.dashes[i] * scale;
     }
     if (sum == 0) {
         GX_RAISE("Graphics::Dasher::Sequence", "Dash pattern has zero length");
     }
-    m_period = 2.0F * sum * scale;
+    const auto length = [&](uint32_t i) { return style.dashes[i < style.dashCount ? i : i - style.dashCount]; };
+    m_starts[0] = 0;
+    for (uint32_t i = 0; i < m_count; ++i) {
+        m_starts[i + 1] = m_starts[i] + static_cast<double>(length(i));
+    }
 
-    float x = Wrap(style.dashPhase * scale, m_period);
-    while (x - kPhaseTolerance >= m_dashes[m_cursor]) {
-        x -= m_dashes[m_cursor];
-        Advance();
+    float x = Wrap(style.dashPhase, 2.0F * sum);
+    const auto consume = [&] {
+        x -= length(m_index);
+        m_index = m_index + 1 == m_count ? 0 : m_index + 1;
+    };
+    while (x - kPhaseTolerance >= length(m_index)) {
+        consume();
     }
-    if (m_dashes[m_cursor] == 0 && !m_zeroLength) {
-        m_zeroLength = true; // a dot right at the start
-    } else if (x + kPhaseTolerance > m_dashes[m_cursor]) {
-        x -= m_dashes[m_cursor];
-        Advance();
-        m_zeroLength = false;
+    // A dot right at the start stays; an element that is all but over does not.
+    if (length(m_index) != 0 && x + kPhaseTolerance > length(m_index)) {
+        consume();
     }
-    m_remaining = x == x ? std::max(static_cast<double>(m_dashes[m_cursor]) - x, 0.0) : m_dashes[m_cursor];
+    const double whole = length(m_index);
+    m_remaining = x == x ? std::max(whole - x, 0.0) : whole;
 }
 
 } // namespace Graphics

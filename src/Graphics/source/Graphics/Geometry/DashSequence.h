@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The state of a repeating dash pattern: lengths in user units, dash and gap in turn, starting with a dash.
+// A repeating dash pattern and its phase: lengths in user units, dash and gap in turn, starting with a dash.
 #pragma once
 
 #include "StrokeStyle.h"
@@ -8,35 +8,27 @@ namespace Graphics {
 
 class DashSequence {
 public:
-    /// Takes the pattern and goes to its phase. Raises for a negative element and for a pattern without length. Every
-    /// length is multiplied by `scale`.
-    explicit DashSequence(const StrokeStyle& style, float scale = 1.0F);
+    /// Takes the pattern and goes to its phase. Raises for a negative element and for a pattern without length.
+    explicit DashSequence(const StrokeStyle& style);
 
-    [[nodiscard]] bool InGap() const noexcept { return m_inGap; }
-    /// What is left of the current element.
+    /// Elements of a period. A pattern with an odd number of them counts twice, so that dashes and gaps are in the same
+    /// places in every period: dashes have even indices.
+    [[nodiscard]] uint32_t Count() const noexcept { return m_count; }
+    [[nodiscard]] double Period() const noexcept { return m_starts[m_count]; }
+    /// Where an element starts in the period; Start(Count()) is the period.
+    [[nodiscard]] double Start(uint32_t index) const noexcept { return m_starts[index]; }
+    [[nodiscard]] double ElementLength(uint32_t index) const noexcept { return m_starts[index + 1] - m_starts[index]; }
+
+    /// The element at the phase, and what is left of it.
+    [[nodiscard]] uint32_t Index() const noexcept { return m_index; }
     [[nodiscard]] double Remaining() const noexcept { return m_remaining; }
-    /// Twice the sum, so that a pattern with an odd number of elements is back in the same state.
-    [[nodiscard]] double Period() const noexcept { return m_period; }
-
-    void Consume(double length) noexcept { m_remaining -= length; }
-    void NextElement() noexcept {
-        Advance();
-        m_remaining = m_dashes[m_cursor];
-    }
+    [[nodiscard]] bool InGap() const noexcept { return (m_index & 1U) != 0; }
 
 private:
-    void Advance() noexcept {
-        m_inGap = !m_inGap;
-        m_cursor = m_cursor + 1 == m_count ? 0 : m_cursor + 1;
-    }
-
-    std::array<float, StrokeStyle::kMaxDashes> m_dashes{};
+    std::array<double, 2 * StrokeStyle::kMaxDashes + 1> m_starts; // as far as m_count
     uint32_t m_count;
-    uint32_t m_cursor = 0;
+    uint32_t m_index = 0;
     double m_remaining = 0;
-    float m_period = 0;
-    bool m_inGap = false;
-    bool m_zeroLength = false;
 };
 
 } // namespace Graphics

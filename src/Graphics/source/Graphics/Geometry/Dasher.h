@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Cuts figures into the dashes of a pattern, each an open figure. The pattern starts at its phase in every figure.
+//
+// Where the k-th period's elements end on a segment is computed from k alone, never by adding up, and so is the state
+// in which the segment leaves the pattern. So dashes out of sight can be skipped, and those in sight are the same
+// floats. Dashes whose gaps the caps close are sent as one, a run, also around corners that are nearly straight.
 #pragma once
 
 #include <cmath>
 
+#include "../Exception.h"
 #include "CurveFlattener.h"
 #include "DashSequence.h"
+#include "DashSight.h"
 #include "GeometrySink.h"
 #include "PenOutline.h"
 
@@ -14,36 +20,50 @@ namespace Graphics {
 template <class Sink> class Dasher final : public GeometrySink {
 public:
     Dasher(Sink& sink, const DashSequence& sequence, float tolerance) noexcept
-        : m_sink(sink), m_begin(sequence), m_sequence(sequence), m_tolerance(tolerance) {}
+        : m_sink(sink), m_pattern(sequence), m_tolerance(tolerance) {}
 
-    /// Dashes outside are left out, whole periods at a time. In the dasher's space, allowing for the pen's reach.
-    void SetVisible(const Rect& r) noexcept {
-        m_visible = r;
-        m_cull = true;
-    }
+    /// Leaves out what the sight says cannot be seen or told apart. Without it every dash is sent, or none and "Not
+    /// enough memory" raised.
+    void SetSight(const DashSight* sight) noexcept { m_sight = sight; }
     /// Flattens curves for a pen of this half width (StrokeCurveTolerance).
     void RefineCurves(float half) noexcept { m_refineHalf = half; }
 
     void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
 
     void BeginFigure(const Point& start) override {
-        m_sequence = m_begin;
+        m_index = m_pattern.Index();
+        m_remaining = m_pattern.Remaining();
         m_start = m_current = start;
-        if (!m_sequence.InGap()) {
+        m_open = !InGap();
+        if (m_open) {
             m_sink.BeginFigure(start);
         }
     }
 
     void LineTo(const Point& p) override {
-        const double dx = static_cast<double>(p.x) - m_current.x;
-        const double dy = static_cast<double>(p.y) - m_current.y;
-        const double length = std::sqrt(dx * dx + dy * dy);
-        if (!std::isfinite(length)) {
+        Segment s;
+        s.dx = static_cast<double>(p.x) - m_current.x;
+        s.dy = static_cast<double>(p.y) - m_current.y;
+        s.length = std::sqrt(s.dx * s.dx + s.dy * s.dy);
+        if (!std::isfinite(s.length)) {
             return;
         }
-        m_sequence.Consume(length > m_sequence.Remaining() ? Cut(p, dx, dy, length) : length);
+        s.end = p;
+        s.look =
+            m_sight != nullptr && s.length > 0 ? m_sight->Look(m_current, s.dx, s.dy, s.length) : DashLook{0, s.length};
+        s.run = s.length;
+        if (s.look.scale != 1) {
+            s.run /= s.look.scale;
+            s.look.from /= s.look.scale;
+            s.look.to /= s.look.scale;
+        }
+        if (s.run > m_remaining) {
+            Cut(s);
+        } else {
+            m_remaining -= s.run;
+        }
         m_current = p;
-        if (!m_sequence.InGap()) {
+        if (!InGap()) {
             m_sink.LineTo(p);
         }
     }
@@ -52,9 +72,13 @@ public:
         const WideCurve curve(m_current, c1, c2, end);
         const float tolerance = ResolvableTolerance(
             curve, m_refineHalf > 0 ? StrokeCurveTolerance(curve, m_tolerance, m_refineHalf) : m_tolerance);
-        // Out of sight a coarse cut does: only the length counts there.
+        // Beside the target a coarse cut does: only the length counts there.
         const auto place = [this](const WideCurve& piece) {
-            if (!m_cull || !Outside(piece)) {
+            uint32_t outside = m_sight != nullptr ? 15U : 0U;
+            for (int i = 0; i < 4 && outside != 0; ++i) {
+                outside &= m_sight->OutsideOfTarget(piece.x[i], piece.y[i]);
+            }
+            if (outside == 0) {
                 return CurvePlace::Mixed;
             }
             for (int i = 1; i <= kCoarseSteps; ++i) {
@@ -67,9 +91,10 @@ public:
     }
 
     void EndFigure() override {
-        if (!m_sequence.InGap()) {
+        if (m_open) {
             m_sink.EndFigure();
         }
+        m_open = false;
     }
 
     void EndFigureClose() override {
@@ -80,84 +105,202 @@ public:
 private:
     static constexpr uint32_t kPlainSteps = 1024;
     static constexpr int kCoarseSteps = 64;
-    // At most so many periods are cut on one segment, and none so small against it.
-    static constexpr double kMaxPeriods = 0x1p20;
-    static constexpr double kMaxRatio = 0x1p30;
+    // Beyond this many dashes of a call nobody has the memory for their outlines.
+    static constexpr double kMostDashes = 0x1p24;
+    static constexpr double kCountable = 0x1p48;
 
-    /// Cuts the segment from the current point to p at every element's end; returns the length left after the last cut.
-    double Cut(const Point& p, double dx, double dy, double length) {
-        double seenFrom = 0, seenTo = length;
-        if (m_cull && !Clip(dx, dy, seenFrom, seenTo)) {
-            seenFrom = seenTo = 0;
-        }
-        const double period = m_sequence.Period();
-        // Such patterns are below what the coordinates resolve. (Written so that an infinite period is none of them.)
-        if ((seenTo - seenFrom) / period > kMaxPeriods || length / period > kMaxRatio) {
-            seenFrom = seenTo = 0;
-        }
-        const bool skips = period > 0 && std::isfinite(period);
-        const auto at = [&](double s) {
-            const double t = s / length;
-            return t >= 1 ? p
-                          : Point{static_cast<float>(m_current.x + t * dx), static_cast<float>(m_current.y + t * dy)};
-        };
-        double rest = length; // counted down, as that loses nothing near the end
-        while (rest > m_sequence.Remaining()) {
-            rest -= m_sequence.Remaining();
-            const Point boundary = at(length - rest);
-            if (!m_sequence.InGap()) {
-                m_sink.LineTo(boundary);
-                m_sink.EndFigure();
-            }
-            m_sequence.NextElement();
-            // At an element's start whole periods change nothing but the place.
-            const double done = length - rest;
-            const double unseen = done < seenFrom ? seenFrom - done : done >= seenTo ? rest : 0.0;
-            Point start = boundary;
-            if (skips && unseen > period) {
-                rest = std::max(rest - std::floor(unseen / period) * period, 0.0);
-                start = at(length - rest);
-            }
-            if (!m_sequence.InGap()) {
-                m_sink.BeginFigure(start);
-            }
-        }
-        return rest;
+    struct Segment {
+        double dx, dy, length;
+        double run; // the length in the pattern's units
+        Point end;
+        DashLook look; // what is in sight in the pattern's units, too
+    };
+    /// Successive dashes that the caps join.
+    struct Run {
+        double from = 0;
+        double to = 0;
+        bool exists = false;
+        bool earlier = false; // it ended on an earlier segment, and the sink has got its end
+    };
+
+    [[nodiscard]] bool InGap() const noexcept { return (m_index & 1U) != 0; }
+
+    [[nodiscard]] Point PointAt(const Segment& s, double at) const noexcept {
+        const double t = at / s.run;
+        return t >= 1 ? s.end
+                      : Point{static_cast<float>(m_current.x + t * s.dx), static_cast<float>(m_current.y + t * s.dy)};
     }
 
-    /// Narrows [from, to], in lengths along the segment, to where it runs through the visible rectangle.
-    [[nodiscard]] bool Clip(double dx, double dy, double& from, double& to) const noexcept {
-        const double length = to;
-        double t0 = 0, t1 = 1;
-        const auto side = [&](double distance, double direction) { // keep t where distance + t * direction >= 0
-            if (direction == 0) {
-                return distance >= 0;
-            }
-            const double t = -distance / direction;
-            if (direction > 0) {
-                t0 = std::max(t0, t);
-            } else {
-                t1 = std::min(t1, t);
-            }
-            return t0 <= t1;
-        };
-        if (!side(static_cast<double>(m_current.x) - m_visible.left, dx) ||
-            !side(static_cast<double>(m_visible.right) - m_current.x, -dx) ||
-            !side(static_cast<double>(m_current.y) - m_visible.top, dy) ||
-            !side(static_cast<double>(m_visible.bottom) - m_current.y, -dy)) {
-            return false;
+    /// Sends the dashes of a segment that is longer than what is left of the current element.
+    void Cut(const Segment& s) {
+        if (m_sight == nullptr) {
+            CountDashes((s.run - m_remaining) / m_pattern.Period());
         }
-        from = t0 * length;
-        to = t1 * length;
+        if (s.look.join >= 0) {
+            CutJoined(s);
+            return;
+        }
+        if (m_open) {
+            if (!InGap()) {
+                m_sink.LineTo(PointAt(s, m_remaining));
+            }
+            m_sink.EndFigure();
+            m_open = false;
+        }
+        ForEachDash(s, s.look.from, s.look.to, [&](double from, double to) {
+            if (to < s.run) {
+                SendDash(s, from, to);
+            } else {
+                m_sink.BeginFigure(PointAt(s, from));
+                m_open = true;
+            }
+        });
+    }
+
+    /// Calls dash(from, to) for the dashes that start after the current element and before the segment's end: for those
+    /// of the first two periods, of the last two, and of those that reach into [seenFrom, seenTo]. Leaves the state at
+    /// the segment's end.
+    template <class Dash> void ForEachDash(const Segment& s, double seenFrom, double seenTo, const Dash& dash) {
+        const double period = m_pattern.Period();
+        const double base = m_remaining; // where the elements after the current one start
+        const uint32_t count = m_pattern.Count();
+        const uint32_t first = m_index + 1 == count ? 0 : m_index + 1;
+        const double shift = m_pattern.Start(first);
+        if (s.run - base > period * kCountable) {
+            return; // doubles do not tell such periods apart
+        }
+        bool done = false;
+        const auto send = [&](double k) {
+            const double start = k == 0 ? base : base + k * period;
+            double wrapped = 0;
+            double from = start;
+            for (uint32_t i = 0, e = first; i < count; ++i) {
+                const double to = start + (m_pattern.Start(e + 1) - shift + wrapped);
+                if (e % 2 == 0) {
+                    dash(from, to);
+                }
+                if (!(to < s.run)) {
+                    m_index = e;
+                    m_remaining = to - s.run;
+                    done = true;
+                    return;
+                }
+                from = to;
+                if (++e == count) {
+                    e = 0;
+                    wrapped = period;
+                }
+            }
+        };
+        double next = 0;
+        const auto sendAll = [&](double k, double last) {
+            for (k = std::max(next, k); k <= last && !done; ++k) {
+                send(k);
+                next = k + 1;
+            }
+        };
+        sendAll(0, 1);
+        if (!done) {
+            const double whole = std::floor((s.run - base) / period);
+            sendAll(std::floor((seenFrom - base) / period) - 1, std::floor((seenTo - base) / period) + 1);
+            sendAll(whole - 2, whole + 1);
+        }
+    }
+
+    void SendDash(const Segment& s, double from, double to) {
+        if (to >= s.look.from && from <= s.look.to && (to > from || m_sight == nullptr || m_sight->Dots())) {
+            m_sink.BeginFigure(PointAt(s, from));
+            m_sink.LineTo(PointAt(s, to));
+            m_sink.EndFigure();
+        }
+    }
+
+    /// The same where caps close gaps.
+    void CutJoined(const Segment& s) {
+        Run run;
+        run.exists = m_open;
+        run.earlier = m_open && InGap();
+        run.to = m_remaining;
+        const bool joinsAll = JoinsAll(s.look.join);
+        ForEachDash(s, joinsAll ? 0 : s.look.from, joinsAll ? 0 : s.look.to, [&](double from, double to) {
+            if (!run.exists || !Continues(s, run, from, joinsAll)) {
+                EndRun(s, run);
+                run = {from, to, true, false};
+            }
+            run.to = to;
+        });
+        LeaveSegment(s, run);
+    }
+
+    [[nodiscard]] bool JoinsAll(double join) const noexcept {
+        for (uint32_t i = 1; i < m_pattern.Count(); i += 2) {
+            if (!(m_pattern.ElementLength(i) <= join)) {
+                return false;
+            }
+        }
         return true;
     }
 
-    [[nodiscard]] bool Outside(const WideCurve& c) const noexcept {
-        const auto beyond = [](const double* v, double low, double high) {
-            return (v[0] < low && v[1] < low && v[2] < low && v[3] < low) ||
-                   (v[0] > high && v[1] > high && v[2] > high && v[3] > high);
-        };
-        return beyond(c.x, m_visible.left, m_visible.right) || beyond(c.y, m_visible.top, m_visible.bottom);
+    /// Whether the dash that starts at `from` goes on with the run.
+    bool Continues(const Segment& s, Run& run, double from, bool joinsAll) {
+        if (!run.earlier) {
+            return joinsAll || from - run.to <= s.look.join;
+        }
+        // The gap went around a corner. It is left out where the way over it is as good as straight.
+        const Point p = PointAt(s, from);
+        const double x = static_cast<double>(p.x) - m_gapStart.x, y = static_cast<double>(p.y) - m_gapStart.y;
+        const double shorter = std::max(m_gapLength - std::sqrt(x * x + y * y), 0.0);
+        const double cosine = (m_gapX * s.dx + m_gapY * s.dy) / s.length;
+        // Two legs of g / 2 that stand d off their chord are 2 d^2 / g longer than it.
+        if (!m_sight->Straight(cosine) || !m_sight->Near(std::sqrt(shorter * m_gapLength * 0.5))) {
+            return false;
+        }
+        m_sink.LineTo(p);
+        run.earlier = false;
+        return true;
+    }
+
+    void EndRun(const Segment& s, Run& run) {
+        if (!run.exists) {
+            return;
+        }
+        if (m_open) {
+            if (!run.earlier) {
+                m_sink.LineTo(PointAt(s, run.to));
+            }
+            m_sink.EndFigure();
+            m_open = false;
+        } else {
+            SendDash(s, run.from, run.to);
+        }
+    }
+
+    /// The segment ends in a dash, whose end is not sent here, or in a gap.
+    void LeaveSegment(const Segment& s, Run& run) {
+        const bool inGap = InGap();
+        const double gap = inGap ? m_pattern.ElementLength(m_index) : 0;
+        if (inGap && !(gap <= s.look.join && run.exists && !run.earlier)) {
+            EndRun(s, run);
+            return;
+        }
+        if (!m_open) {
+            m_sink.BeginFigure(PointAt(s, run.from));
+            m_open = true;
+        }
+        if (inGap) {
+            m_gapStart = PointAt(s, run.to);
+            m_gapLength = gap * s.look.scale;
+            m_gapX = s.dx / s.length;
+            m_gapY = s.dy / s.length;
+            m_sink.LineTo(m_gapStart);
+        }
+    }
+
+    void CountDashes(double periods) {
+        m_dashes += m_sight == nullptr ? periods * m_pattern.Count() : 0.0;
+        if (m_dashes > kMostDashes) {
+            GX_RAISE("Graphics::Dasher::Cut", "Not enough memory");
+        }
     }
 
     [[nodiscard]] static float At(const double* v, double t) noexcept {
@@ -166,14 +309,19 @@ private:
     }
 
     Sink& m_sink;
-    const DashSequence m_begin;
-    DashSequence m_sequence;
+    const DashSequence m_pattern;
+    uint32_t m_index = 0;   // the current element
+    double m_remaining = 0; // what is left of it
     const float m_tolerance;
-    Rect m_visible{};
-    bool m_cull = false;
+    const DashSight* m_sight = nullptr;
     float m_refineHalf = 0;
+    double m_dashes = 0; // twice as many as were sent, where nothing is out of sight
     Point m_start{};
     Point m_current{};
+    bool m_open = false; // the sink has a figure: in a dash, and in a gap that caps may close
+    Point m_gapStart{};  // of such a gap, with the direction in which the dash before it ended
+    double m_gapLength = 0;
+    double m_gapX = 0, m_gapY = 0;
 };
 
 } // namespace Graphics

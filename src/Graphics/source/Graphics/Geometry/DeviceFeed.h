@@ -9,6 +9,7 @@
 #include "Pen.h"
 #include "Shape.h"
 #include "StripClipper.h"
+#include "StrokeAdjuster.h"
 #include "StrokePlan.h"
 #include "Transformer.h"
 
@@ -80,11 +81,10 @@ namespace Detail {
 template <TakesBoxes Sink>
 void SendDashBoxes(Sink& sink, const Point& a, const Point& b, const StrokePlan& plan, const StrokeStyle& style,
                    const DashSequence& dashes, bool snaps) {
+    const DashSight sight(plan, style, dashes);
     BoxPen<Sink> pen(sink, plan, style.cap, snaps);
     Dasher<BoxPen<Sink>> dasher(pen, dashes, plan.userTolerance);
-    if (plan.cull) {
-        dasher.SetVisible(plan.visibleUser);
-    }
+    dasher.SetSight(&sight);
     dasher.BeginFigure(a);
     dasher.LineTo(b);
     dasher.EndFigure();
@@ -97,19 +97,26 @@ void StrokeInto(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, co
     using PenType = Pen<Sink>;
     PenType pen(sink, storage, style, plan.half, plan.tolerance);
     pen.Outline().RefineCurves();
+    std::optional<PenView> corners, points, curves;
     if (plan.cull) {
-        pen.Outline().SetVisible(plan.visiblePen);
+        corners = plan.ViewOf(plan.visiblePixels);
+        points = plan.PointViewOf(plan.visiblePixels);
+        pen.Outline().SetView(&*corners, &*points);
     }
+    if (plan.cullTarget) {
+        curves = plan.ViewOf(plan.targetPixels);
+        pen.Outline().SetCurveView(&*curves);
+    }
+    pen.Outline().SetDotDirection(plan.toPen.m00, plan.toPen.m01);
     Transformer<PenType> toPen(pen, plan.toPen);
     if (dashes == nullptr) {
         replay(toPen);
         return;
     }
+    const DashSight sight(plan, style, *dashes);
     Dasher<Transformer<PenType>> dasher(toPen, *dashes, plan.userTolerance);
     dasher.RefineCurves(plan.userHalf);
-    if (plan.cull) {
-        dasher.SetVisible(plan.visibleUser);
-    }
+    dasher.SetSight(&sight);
     replay(dasher);
 }
 
@@ -127,34 +134,36 @@ void StrokeMapped(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, 
 
 /// Strokes one figure that the adjuster moved and left in storage.path.
 template <class Sink>
-void StrokeAdjusted(Sink& sink, const Figure& figure, StrokePlan plan, const StrokeAdjuster& adjuster,
-                    const StrokeStyle& style, const DashSequence* dashes, PenStorage& storage) {
-    plan.toPen = adjuster.ToPen();
-    plan.toDevice = adjuster.ToDevice();
+void StrokeAdjusted(Sink& sink, const Figure& figure, StrokeAdjuster::Result result, StrokePlan plan,
+                    const StrokeAdjuster& adjuster, const StrokeStyle& style, const DashSequence* dashes,
+                    PenStorage& storage) {
     // The half width is 1 here; the longer of both axes sets the tolerance.
-    plan.half = 1.0F;
-    plan.tolerance = kFillTolerance / std::max(plan.toDevice.m00, plan.toDevice.m11);
-    if (plan.cull) {
-        Matrix toUser;
-        plan.cull = Invert(plan.toPen, toUser);
-        plan.visiblePen = MapBox(plan.toPen, plan.visibleUser);
-    }
+    const Matrix& device = adjuster.ToDevice();
+    plan.SetPen(adjuster.ToPen(), device, 1.0F, kFillTolerance / std::max(device.m00, device.m11));
+    const HeapArray<Point>& path = storage.path;
     if constexpr (TakesBoxes<Sink>) {
-        const HeapArray<Point>& path = storage.path;
         if (dashes != nullptr && path.size() == 2 && !figure.Closed() &&
             DashesAreBoxes(path[0], path[1], plan, style)) {
             SendDashBoxes(sink, path[0], path[1], plan, style, *dashes, true);
             return;
         }
     }
+    const bool straight = result == StrokeAdjuster::Result::Path;
     ThroughBand(sink, [&](auto& band) {
         using Band = std::remove_reference_t<decltype(band)>;
         WholePixelSnapper<Band> snapper(band);
         Transformer<WholePixelSnapper<Band>> toDevice(snapper, plan.toDevice);
         StrokeInto(toDevice, plan, style, dashes, storage, [&](auto& user) {
-            user.BeginFigure(storage.path[0]);
-            for (size_t i = 1; i < storage.path.size(); ++i) {
-                user.LineTo(storage.path[i]);
+            user.BeginFigure(path[0]);
+            uint32_t segment = 0;
+            for (size_t i = 1; i < path.size(); ++segment) {
+                if (straight || figure.Kind(segment) == Figure::kLine) {
+                    user.LineTo(path[i]);
+                    i += 1;
+                } else {
+                    user.CubicTo(path[i], path[i + 1], path[i + 2]);
+                    i += 3;
+                }
             }
             if (figure.Closed()) {
                 user.EndFigureClose();
@@ -165,22 +174,53 @@ void StrokeAdjusted(Sink& sink, const Figure& figure, StrokePlan plan, const Str
     });
 }
 
+/// The box of the figures whose points are all finite once mapped; false where there is none. `all`: every figure is.
+[[nodiscard]] inline bool FiniteBox(const Shape& shape, const Matrix& m, Rect& box, bool& all) noexcept {
+    const auto finite = [](const Rect& r) {
+        return std::isfinite(r.left) && std::isfinite(r.top) && std::isfinite(r.right) && std::isfinite(r.bottom);
+    };
+    box = shape.ControlBox();
+    all = shape.AllFinite() && finite(MapBox(m, box));
+    if (all) {
+        return true;
+    }
+    bool any = false;
+    for (const Figure& figure : shape.Figures()) {
+        if (!AllFinite(figure, m)) {
+            continue;
+        }
+        for (const Point& p : figure.Points()) {
+            box = any ? Rect{std::min(box.left, p.x), std::min(box.top, p.y), std::max(box.right, p.x),
+                             std::max(box.bottom, p.y)}
+                      : Rect{p.x, p.y, p.x, p.y};
+            any = true;
+        }
+    }
+    return any;
+}
+
 } // namespace Detail
 
 /// Sends the outline of the stroked shape, mapped, under the non-zero rule. Width 0 is one device pixel. With `adjust`
-/// the edges of axis-aligned straight figures are moved onto whole pixels. What cannot touch `visibleDevice` may be
-/// left out. Raises for a bad dash pattern before anything is sent.
+/// the edges of level and upright segments are moved onto whole pixels. What cannot touch the visible part of the
+/// target may be left out. Raises for a bad dash pattern before anything is sent. True when figures may have been left
+/// out that the target would show.
 template <class Sink>
-void FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
-                PenStorage& storage, const Rect& visibleDevice, Sink& sink) {
-    const StrokePlan plan(shape.ControlBox(), shape.AllFinite(), m, style, width, visibleDevice);
+bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
+                PenStorage& storage, const Rect& target, const Rect& visible, Sink& sink) {
     std::optional<DashSequence> dashes;
     if (style.dashCount != 0) {
-        dashes.emplace(style, plan.dashScale);
+        dashes.emplace(style);
     }
     sink.SetFillRule(GXFillRuleNonZero);
+    Rect box;
+    bool allFinite = false;
+    if (!Detail::FiniteBox(shape, m, box, allFinite)) {
+        return false;
+    }
+    const StrokePlan plan(box, m, style, width, {target, visible});
     if (plan.nothing) {
-        return;
+        return plan.partial;
     }
     const DashSequence* pattern = dashes ? &*dashes : nullptr;
     std::optional<StrokeAdjuster> adjuster;
@@ -191,12 +231,15 @@ void FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, f
 
     const auto replay = [&](auto& user) {
         shape.ReplayFigures(user, [&](const Figure& figure) {
-            if (!plan.inBand && !AllFinite(figure, m)) {
+            if (!allFinite && !AllFinite(figure, m)) {
                 return false;
             }
-            if (adjusts && adjuster->Adjust(figure, storage.path)) {
-                Detail::StrokeAdjusted(sink, figure, plan, *adjuster, style, pattern, storage);
-                return false;
+            if (adjusts) {
+                const StrokeAdjuster::Result result = adjuster->Adjust(figure, storage.path);
+                if (result != StrokeAdjuster::Result::Untouched) {
+                    Detail::StrokeAdjusted(sink, figure, result, plan, *adjuster, style, pattern, storage);
+                    return false;
+                }
             }
             if constexpr (TakesBoxes<Sink>) {
                 if (pattern != nullptr && !figure.Closed() && figure.SegmentCount() == 1 &&
@@ -214,6 +257,14 @@ void FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, f
     } else {
         ThroughBand(sink, [&](auto& band) { Detail::StrokeMapped(band, plan, style, pattern, storage, replay); });
     }
+    return plan.partial;
+}
+
+/// All of the target is visible.
+template <class Sink>
+bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
+                PenStorage& storage, const Rect& target, Sink& sink) {
+    return FeedStroke(shape, m, style, width, adjust, storage, target, target, sink);
 }
 
 } // namespace Graphics

@@ -12,6 +12,10 @@ constexpr double kPi = 3.14159265358979323846;
 // Keeps one arc of an absurdly wide line affordable; enough for a quarter pixel up to radii of a million pixels.
 constexpr double kMostArcSteps = 4096; // per full turn
 constexpr uint32_t kPlainSteps = 128;
+// Points of an arc that are left out together. Only arcs with more than kLongArc have blocks, so that none turns by
+// more than a quarter.
+constexpr double kBlock = 16;
+constexpr double kLongArc = 64;
 
 } // namespace
 
@@ -45,20 +49,18 @@ PenOutline::PenOutline(PenStorage& storage, const StrokeStyle& style, float half
     m_cosArcStep = m_arcStep < kPi ? SineAndCosine(m_arcStep).cosine : -1.0;
 }
 
-uint32_t PenOutline::OutsideOf(const Point& p) const noexcept {
-    if (!m_cull) {
-        return 0;
-    }
-    return (p.x < m_visible.left ? 1U : 0U) | (p.x > m_visible.right ? 2U : 0U) | (p.y < m_visible.top ? 4U : 0U) |
-           (p.y > m_visible.bottom ? 8U : 0U);
+void PenOutline::SetDotDirection(double x, double y) noexcept {
+    const double length = std::sqrt(x * x + y * y);
+    m_dotDirection = length > 0 && std::isfinite(length) ? Vector{x / length, y / length} : Vector{1, 0};
 }
 
 void PenOutline::Begin(const Point& start) noexcept {
     m_left.clear();
     m_right.clear();
     m_start = m_fixed = start;
-    m_fixedOutside = OutsideOf(start);
+    m_runOutside = OutsideOf(start);
     m_hasPending = false;
+    m_leavesOut = false;
     m_segments = 0;
     m_skip = 0;
 }
@@ -69,8 +71,17 @@ void PenOutline::LineTo(const Point& p) {
         return;
     }
     const uint32_t outside = OutsideOf(p);
-    if (m_hasPending && (m_fixedOutside & m_pendingOutside & outside) == 0) {
-        Flush();
+    if (m_hasPending) {
+        if ((m_runOutside & m_pendingOutside & outside) == 0) {
+            Flush();
+        } else {
+            if (!m_leavesOut) {
+                AddSegment(m_fixed, m_pending);
+                m_leavesOut = true;
+            }
+            m_runOutside &= m_pendingOutside;
+            m_leftOut = m_pending;
+        }
     }
     m_pending = p;
     m_pendingOutside = outside;
@@ -78,12 +89,21 @@ void PenOutline::LineTo(const Point& p) {
 }
 
 void PenOutline::Flush() {
-    if (m_hasPending) {
-        AddSegment(m_fixed, m_pending);
-        m_fixed = m_pending;
-        m_fixedOutside = m_pendingOutside;
-        m_hasPending = false;
+    if (!m_hasPending) {
+        return;
     }
+    if (m_leavesOut) {
+        Segment s;
+        if (MakeSegment(m_leftOut, m_pending, s)) {
+            m_last = s;
+        }
+        m_leavesOut = false;
+    } else {
+        AddSegment(m_fixed, m_pending);
+    }
+    m_fixed = m_pending;
+    m_runOutside = m_pendingOutside;
+    m_hasPending = false;
 }
 
 void PenOutline::CubicTo(const Point& c1, const Point& c2, const Point& end) {
@@ -94,7 +114,11 @@ void PenOutline::CubicTo(const Point& c1, const Point& c2, const Point& end) {
     }
     tolerance = ResolvableTolerance(curve, tolerance);
     const auto place = [this](const WideCurve& piece) {
-        if ((OutsideOf(piece.At(0)) & OutsideOf(piece.At(1)) & OutsideOf(piece.At(2)) & OutsideOf(piece.At(3))) == 0) {
+        uint32_t outside = m_curveView != nullptr ? 15U : 0U;
+        for (int i = 0; i < 4 && outside != 0; ++i) {
+            outside &= m_curveView->OutsideOf(piece.x[i], piece.y[i]);
+        }
+        if (outside == 0) {
             return CurvePlace::Mixed;
         }
         LineTo(piece.At(3));
@@ -103,17 +127,24 @@ void PenOutline::CubicTo(const Point& c1, const Point& c2, const Point& end) {
     FlattenBounded(curve, tolerance, kPlainSteps, place, [this](const Point& p) { LineTo(p); });
 }
 
-void PenOutline::AddSegment(const Point& a, const Point& b) {
+bool PenOutline::MakeSegment(const Point& a, const Point& b, Segment& s) const noexcept {
     const double dx = static_cast<double>(b.x) - a.x;
     const double dy = static_cast<double>(b.y) - a.y;
     const double length = std::sqrt(dx * dx + dy * dy);
     if (!(length > 0) || !std::isfinite(length)) {
-        return;
+        return false;
     }
-    Segment s;
     s.u = {dx / length, dy / length};
     s.n = {s.u.y * m_half, -s.u.x * m_half};
     s.length = length;
+    return true;
+}
+
+void PenOutline::AddSegment(const Point& a, const Point& b) {
+    Segment s;
+    if (!MakeSegment(a, b, s)) {
+        return;
+    }
     if (m_segments == 0) {
         m_first = s;
         Push(m_left, a, s.n.x, s.n.y);
@@ -167,16 +198,43 @@ void PenOutline::JoinOuter(HeapArray<Point>& side, double sign, const Point& c, 
 
 double PenOutline::ArcPoints(double angle) const noexcept { return std::trunc(angle / m_arcStep); }
 
-void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count) {
+void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count) const {
     if (!(count > 0)) {
         return;
     }
     const double step = angle / (count + 1);
     const auto [sine, cosine] = SineAndCosine(step);
-    for (double i = 0; i < count; ++i) {
-        v = {v.x * cosine - v.y * sine, v.x * sine + v.y * cosine};
-        Push(side, c, v.x, v.y);
+    const auto turn = [](const Vector& a, double s, double k) { return Vector{a.x * k - a.y * s, a.x * s + a.y * k}; };
+    if (!(count > kLongArc)) {
+        for (double i = 0; i < count; ++i) {
+            v = turn(v, sine, cosine);
+            Push(side, c, v.x, v.y);
+        }
+        return;
     }
+    // Long arcs start anew at every block, so that blocks out of view can be left out.
+    Vector from = v;
+    for (double i = 0; i < count; i += kBlock) {
+        const double steps = std::min(kBlock, count - i);
+        const auto [blockSine, blockCosine] = SineAndCosine((i + steps) * step);
+        const Vector to = turn(v, blockSine, blockCosine);
+        if (m_pointView == nullptr || !ArcUnseen(c, from, to)) {
+            Vector w = from;
+            for (double k = 1; k < steps; ++k) {
+                w = turn(w, sine, cosine);
+                Push(side, c, w.x, w.y);
+            }
+        }
+        Push(side, c, to.x, to.y);
+        from = to;
+    }
+}
+
+/// The arc lies in the triangle between both ends and the point where their tangents meet.
+bool PenOutline::ArcUnseen(const Point& c, const Vector& v, const Vector& w) const noexcept {
+    const double k = m_half * m_half / (m_half * m_half + v.x * w.x + v.y * w.y);
+    return (m_pointView->OutsideOf(c.x + v.x, c.y + v.y) & m_pointView->OutsideOf(c.x + w.x, c.y + w.y) &
+            m_pointView->OutsideOf(c.x + (v.x + w.x) * k, c.y + (v.y + w.y) * k)) != 0;
 }
 
 void PenOutline::EndOpen() {
@@ -228,10 +286,12 @@ void PenOutline::Dot() {
         Arc(m_left, m_start, {m_half, 0}, 2 * kPi, points);
         Push(m_left, m_start, m_half, 0);
     } else if (m_cap == GXLineCapSquare) {
-        Push(m_left, m_start, -m_half, -m_half);
-        Push(m_left, m_start, m_half, -m_half);
-        Push(m_left, m_start, m_half, m_half);
-        Push(m_left, m_start, -m_half, m_half);
+        const Vector u{m_dotDirection.x * m_half, m_dotDirection.y * m_half};
+        const Vector v{-u.y, u.x};
+        Push(m_left, m_start, -u.x - v.x, -u.y - v.y);
+        Push(m_left, m_start, u.x - v.x, u.y - v.y);
+        Push(m_left, m_start, u.x + v.x, u.y + v.y);
+        Push(m_left, m_start, v.x - u.x, v.y - u.y);
     }
 }
 

@@ -20,6 +20,7 @@
 
 #include "../ProcessHeap.h"
 #include "CurveFlattener.h"
+#include "PenView.h"
 #include "StrokeStyle.h"
 
 namespace Graphics {
@@ -42,11 +43,16 @@ class PenOutline {
 public:
     PenOutline(PenStorage& storage, const StrokeStyle& style, float half, float tolerance) noexcept;
 
-    /// What lies outside may be simplified. The rectangle is in the pen's space and allows for the pen's reach.
-    void SetVisible(const Rect& r) noexcept {
-        m_visible = r;
-        m_cull = true;
+    /// Of corners out of `view` nothing is sent, and little of long arcs whose points are out of `pointView`; what is
+    /// sent stays the same. Null: all is in view.
+    void SetView(const PenView* view, const PenView* pointView) noexcept {
+        m_view = view;
+        m_pointView = pointView;
     }
+    /// Long pieces of curves out of this view become straight lines.
+    void SetCurveView(const PenView* view) noexcept { m_curveView = view; }
+    /// The way in which a lone point's square stands: any vector along one of its sides.
+    void SetDotDirection(double x, double y) noexcept;
     /// Flattens curves more finely, so that the outer edge keeps the tolerance and not only the centre line.
     void RefineCurves() noexcept { m_refineCurves = true; }
 
@@ -77,15 +83,20 @@ private:
         double length;
     };
 
-    /// Bit set of the sides of the visible rectangle that the point lies beyond.
-    [[nodiscard]] uint32_t OutsideOf(const Point& p) const noexcept;
+    [[nodiscard]] uint32_t OutsideOf(const Point& p) const noexcept {
+        return m_view != nullptr ? m_view->OutsideOf(p) : 0U;
+    }
     void Flush();
+    /// False for a segment without length.
+    [[nodiscard]] bool MakeSegment(const Point& a, const Point& b, Segment& s) const noexcept;
     void AddSegment(const Point& a, const Point& b);
     void Join(const Point& c, const Segment& s1, const Segment& s2);
     void JoinOuter(HeapArray<Point>& side, double sign, const Point& c, const Segment& s1, const Segment& s2,
                    double cross, double dot);
     /// `count` points that divide the turn of v by `angle` into equal parts.
-    static void Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count);
+    void Arc(HeapArray<Point>& side, const Point& c, Vector v, double angle, double count) const;
+    /// Whether the arc that turns v by at most a quarter into w is out of view.
+    [[nodiscard]] bool ArcUnseen(const Point& c, const Vector& v, const Vector& w) const noexcept;
     [[nodiscard]] double ArcPoints(double angle) const noexcept;
     void Dot();
 
@@ -102,17 +113,24 @@ private:
     double m_miterLimit2; // squared; 0 where no corner passes
     double m_arcStep;     // 4 theta
     double m_cosArcStep;
-    Rect m_visible{};
-    bool m_cull = false;
+    const PenView* m_view = nullptr;
+    const PenView* m_pointView = nullptr;
+    const PenView* m_curveView = nullptr;
+    Vector m_dotDirection{1, 0};
     bool m_refineCurves = false;
 
-    // Points run one behind: the pending one is dropped where it and both neighbours lie beyond the same side.
+    // Points run one behind, so that a corner may be left out: where it, its neighbours and the corners left out before
+    // it all lie beyond one side of the view, so do all their joins and the edges between them, and a chord on that
+    // side winds around what is seen as they do. The corners that are kept are built from the segments beside them as
+    // ever, whether or not these segments' other ends are.
     Point m_start{};
-    Point m_fixed{};
+    Point m_fixed{};   // the last corner that is kept
+    Point m_leftOut{}; // the last corner that was left out, where m_leavesOut
     Point m_pending{};
-    uint32_t m_fixedOutside = 0;
+    uint32_t m_runOutside = 0; // common to the kept corner and all that were left out since
     uint32_t m_pendingOutside = 0;
     bool m_hasPending = false;
+    bool m_leavesOut = false; // corners were left out since the kept one
 
     size_t m_segments = 0;
     Segment m_first{};

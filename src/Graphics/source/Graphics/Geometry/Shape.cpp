@@ -97,11 +97,6 @@ bool Shape::Equals(const Shape& o) const noexcept {
     if (Empty() || m_figures.size() != o.m_figures.size() || m_fillRule != o.m_fillRule) {
         return false;
     }
-    const Rect a = ControlBox();
-    const Rect b = o.ControlBox();
-    if (a.left != b.left || a.top != b.top || a.right != b.right || a.bottom != b.bottom) {
-        return false;
-    }
     for (size_t i = 0; i < m_figures.size(); ++i) {
         if (!m_figures[i].Equals(o.m_figures[i])) {
             return false;

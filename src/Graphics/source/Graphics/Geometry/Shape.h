@@ -63,7 +63,7 @@ public:
     [[nodiscard]] bool AllFinite() const noexcept { return m_bounds.AllFinite(); }
     /// The last point, or a closed figure's first one. False where there is no figure.
     [[nodiscard]] bool CurrentPoint(Point& out) const noexcept;
-    /// Both have figures, and rule, box and all figures are the same.
+    /// Both have finished figures, and these and the rules are the same. An open figure does not count.
     [[nodiscard]] bool Equals(const Shape& o) const noexcept;
 
     /// A number for the shape as it is now: no other one has it or ever had it, and this one loses it with any change.

@@ -4,67 +4,69 @@
 //   figure -> [Dasher, user space] -> toPen -> Pen -> toDevice -> band -> sink
 //
 // Under a matrix without distortion, and for the thinnest line, the pen works in device space and toDevice is the
-// identity; else it works in user space and toPen is. An adjusted figure has a plan of its own.
+// identity; else it works in user space and toPen is. An adjusted figure has a pen of its own (SetPen).
+//
+// What decides a shape (how curves are cut, how fine patterns are simplified, how wide a pen is still worth its width)
+// follows from the whole target alone. The part of it that a clip leaves only says what need not be sent, and what is
+// sent is the same without the clip: so no clip changes a pixel that it shows.
 #pragma once
 
-#include <cmath>
-
 #include "../Matrix.h"
-#include "Figure.h"
 #include "PenOutline.h"
+#include "PenView.h"
 
 namespace Graphics {
+
+/// Device pixels: the whole target, and the part of it that the clip leaves.
+struct StrokeSight {
+    Rect target;
+    Rect visible;
+};
 
 struct StrokePlan {
     bool nothing = false; // a width or matrix that draws nothing, or all of it out of sight
     bool inBand = false;  // no strip clipper is needed
-    bool cull = false;    // something may be out of sight
+    bool partial = false; // the clip may leave out what the target would show
     Matrix toPen{kIdentity};
     Matrix toDevice{kIdentity};
     float half = 0;          // half the width in the pen's space
     float tolerance = 0.25F; // in the pen's space
     float userHalf = 0;      // the same two in user space, for the dasher
     float userTolerance = 0.25F;
-    Rect visiblePen{}; // what can be seen, with the pen's reach, in the pen's space
-    Rect visibleUser{};
-    float dashScale = 1.0F; // a whole number that lifts a pattern too fine to be seen to one just as dense
 
-    StrokePlan(const Rect& controlBox, bool finite, const Matrix& m, const StrokeStyle& style, float width,
-               const Rect& visibleDevice) noexcept;
-};
+    bool cullTarget = false; // something may lie outside of the target
+    bool cull = false;       // or of what the clip leaves
+    bool cullDashes = false; // the same without what miters add, which belongs to corners
+    WideRect targetPixels;
+    WideRect visiblePixels;
 
-/// Moves a coordinate that misses a whole pixel by a rounding error onto it.
-[[nodiscard]] inline Point SnapToPixel(const Point& p) noexcept {
-    const auto snap = [](float v) {
-        const float whole = std::floor(v + 0.5F);
-        return std::fabs(v - whole) < 1.0F / 256 ? whole : v;
-    };
-    return {snap(p.x), snap(p.y)};
-}
+    /// `box` holds every point of the figures to stroke.
+    StrokePlan(const Rect& box, const Matrix& m, const StrokeStyle& style, float width,
+               const StrokeSight& sight) noexcept;
 
-/// Device space for axis-aligned strokes whose edges lie on whole pixels.
-class StrokeAdjuster {
-public:
-    StrokeAdjuster(const Matrix& m, float width) noexcept;
+    /// Another pen for the same stroke.
+    void SetPen(const Matrix& pen, const Matrix& device, float newHalf, float newTolerance) noexcept;
 
-    /// Whether the matrix keeps the widths of axis-aligned lines apart at all.
-    [[nodiscard]] bool Applies() const noexcept { return m_applies; }
-    /// Moves a figure of axis-aligned straight segments so that their edges fall on whole pixels; false, and nothing
-    /// done, for any other figure. The points are in user space again, without repeated ones.
-    [[nodiscard]] bool Adjust(const Figure& figure, HeapArray<Point>& path) const;
-
-    /// From user space to one where the line is 2 wide in both directions, and from there to the device.
-    [[nodiscard]] const Matrix& ToPen() const noexcept { return m_toPen; }
-    [[nodiscard]] const Matrix& ToDevice() const noexcept { return m_toDevice; }
+    /// The pixels that a corner in reach of `pixels` may stand on.
+    [[nodiscard]] WideRect InReachOf(const WideRect& pixels) const noexcept {
+        return pixels.Inflated(m_reachX + kMargin, m_reachY + kMargin);
+    }
+    /// For corners in the pen's space.
+    [[nodiscard]] PenView ViewOf(const WideRect& pixels) const noexcept {
+        return {WideMatrix(toDevice), InReachOf(pixels)};
+    }
+    /// For points of the outline.
+    [[nodiscard]] PenView PointViewOf(const WideRect& pixels) const noexcept {
+        return {WideMatrix(toDevice), pixels.Inflated(kMargin, kMargin)};
+    }
 
 private:
-    Matrix m_matrix;
-    Matrix m_inverse{kIdentity};
-    Matrix m_toPen{kIdentity};
-    Matrix m_toDevice{kIdentity};
-    float m_widthX = 1; // of vertical lines, in whole pixels
-    float m_widthY = 1; // of horizontal lines
-    bool m_applies = false;
+    static constexpr double kMargin = 2; // for rounding and the tolerance, in pixels
+
+    // Half extents of the pen on the device, with all that joins and caps add.
+    double m_reachX = 0;
+    double m_reachY = 0;
+    double m_factor = 1.5; // how far an outline may lie from its path, in half widths
 };
 
 } // namespace Graphics

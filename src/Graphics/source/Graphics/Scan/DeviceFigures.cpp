@@ -76,4 +76,16 @@ bool SnapFigure(Rasterizer& rasterizer, const BasicFigure& figure, const Matrix&
            rasterizer.SnapRectangle(ToRect(area), a, b, pixels);
 }
 
+void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m, const StrokeStyle& style, float width,
+                     bool adjust, PenStorage& storage, const IntRect& area, const IntRect& visible) {
+    const Rect target = ToRect(area);
+    rasterizer.Begin(target, visible, adjust);
+    const bool partial = FeedStroke(path, m, style, width, adjust, storage, target, ToRect(visible), rasterizer);
+    // One rectangle snaps to whole pixels only where the target shows no other, which the clip must not decide.
+    if (partial && adjust && rasterizer.IsLoneRectangle()) {
+        rasterizer.Begin(target, visible, adjust);
+        FeedStroke(path, m, style, width, adjust, storage, target, rasterizer);
+    }
+}
+
 } // namespace Graphics

@@ -9,6 +9,7 @@ namespace Graphics {
 
 class Rasterizer;
 class Shape;
+struct PenStorage;
 struct StrokeStyle;
 
 /// Whole pixels around a box, one more on every side: a degenerate rectangle is one pixel wide, and snapping may move
@@ -35,5 +36,10 @@ struct StrokeStyle;
 /// The whole pixels of a rectangle that stays upright under the matrix; false for everything else.
 [[nodiscard]] bool SnapFigure(Rasterizer& rasterizer, const BasicFigure& figure, const Matrix& m, const IntRect& area,
                               IntRect& pixels);
+
+/// Begins a fill with a stroke's outline; Finish is left to the caller. What the clip hides of the target `area` may be
+/// left out of it.
+void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m, const StrokeStyle& style, float width,
+                     bool adjust, PenStorage& storage, const IntRect& area, const IntRect& visible);
 
 } // namespace Graphics

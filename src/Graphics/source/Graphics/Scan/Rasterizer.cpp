@@ -71,6 +71,7 @@ void Rasterizer::Begin(const Rect& clipPixels, const IntRect& visible, bool snap
     m_snap = snap;
     m_evenOdd = false;
     m_onlyBoxes = true;
+    m_stage = Stage::Collects;
     m_current = {0, 0};
     m_builder.Begin(clipPixels);
 }
@@ -84,9 +85,32 @@ void Rasterizer::CubicTo(const Point& c1, const Point& c2, const Point& end) {
     LineTo(end);
 }
 
-void Rasterizer::Finish(RasterizationSink& sink) {
+void Rasterizer::Measure() {
+    m_shape = m_builder.Measure(!m_evenOdd);
+    m_stage = Stage::HasEdges;
+}
+
+void Rasterizer::Settle() {
+    if (m_stage != Stage::Collects) {
+        return;
+    }
     m_builder.CloseFigure();
     if (m_onlyBoxes && !m_evenOdd && m_boxes.Prepare(m_builder, m_visible, m_snap)) {
+        m_stage = Stage::HasBoxes;
+    } else {
+        Measure();
+    }
+}
+
+bool Rasterizer::IsLoneRectangle() {
+    Settle();
+    Edge e[2];
+    return m_snap && m_stage == Stage::HasEdges && m_shape.first < m_shape.last && m_builder.TwoUprightEdges(e);
+}
+
+void Rasterizer::Finish(RasterizationSink& sink) {
+    Settle();
+    if (m_stage == Stage::HasBoxes) {
         if (m_boxes.First() >= m_boxes.Last()) {
             return;
         }
@@ -94,8 +118,9 @@ void Rasterizer::Finish(RasterizationSink& sink) {
             m_boxes.Send(sink);
             return;
         }
+        Measure();
     }
-    const FillShape shape = m_builder.Measure(!m_evenOdd);
+    const FillShape& shape = m_shape;
     if (shape.first >= shape.last) {
         return;
     }
@@ -124,7 +149,8 @@ void Rasterizer::Finish(RasterizationSink& sink) {
 void Rasterizer::FinishSamples(SampleGrid& grid) {
     m_builder.CloseFigure();
     grid.Begin(std::max(m_visible.right, 0), std::max(m_visible.bottom, 0));
-    const FillShape shape = m_builder.Measure(!m_evenOdd);
+    Measure();
+    const FillShape& shape = m_shape;
     const int32_t first = std::max(shape.first, 0);
     const int32_t last = std::min(shape.last, m_visible.bottom * 8);
     if (first < last) {

@@ -55,6 +55,10 @@ public:
     /// Moves the fill as it is so far right and down by eighths of a pixel: the same samples at another place.
     void Move(int32_t right, int32_t down) noexcept { m_builder.Move(right * 16, down * 16); }
 
+    /// Whether Finish would send the whole pixels of an upright rectangle, because the fill has no other edges. Where
+    /// figures were left out that is not known of the fill with them. No figure may follow.
+    [[nodiscard]] bool IsLoneRectangle();
+
     /// Sends the coverage; nothing when the fill has no edge.
     void Finish(RasterizationSink& sink);
 
@@ -71,12 +75,20 @@ public:
     void UseKernels(const BandKernels& kernels) noexcept { m_bands.UseKernels(kernels); }
 
 private:
+    enum class Stage { Collects, HasBoxes, HasEdges };
+
+    /// Closes the fill and finds out how it is scanned.
+    void Settle();
+    void Measure();
+
     EdgeBuilder m_builder;
     BandScanner m_bands;
     BoxScanner m_boxes;
     EdgeScanner m_sorting;
     HeapArray<Edge> m_edges;
     IntRect m_visible{};
+    FillShape m_shape{}; // from Stage::HasEdges on
+    Stage m_stage = Stage::Collects;
     Point m_current{};
     float m_tolerance;
     bool m_snap = false;

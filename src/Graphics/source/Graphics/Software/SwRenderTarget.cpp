@@ -194,8 +194,7 @@ void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width
     if (IsEmpty(visible)) {
         return;
     }
-    m_rasterizer.Begin(ToRect(m_area), visible, state.strokeAdjustment);
-    FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen, ToRect(visible), m_rasterizer);
+    RasterizeStroke(m_rasterizer, shape, state.transform, style, width, state.strokeAdjustment, m_pen, m_area, visible);
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
     AssemblePipeLine(pipeLine, m_arena, State(), visible, nullptr);
