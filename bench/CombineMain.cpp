@@ -108,6 +108,55 @@ Polygons Chords(int edges, uint32_t seed) {
     return {p};
 }
 
+/// Buildings of 5 to 30 m at random in a square of 2 km, at coordinates as maps have them: a float is 3 cm there.
+Polygons Buildings(int edges, uint32_t seed) {
+    Random random(seed);
+    Polygons all;
+    for (int i = 0; i < edges / 4; ++i) {
+        const float x = 5e5F + random(0, 2000), y = 5e5F + random(0, 2000), turn = random(0, 3.1415926F);
+        const float w = random(5, 30), h = random(5, 30), c = std::cos(turn), s = std::sin(turn);
+        all.push_back({{x, y}, {x + w * c, y + w * s}, {x + w * c - h * s, y + w * s + h * c}, {x - h * s, y + h * c}});
+    }
+    return all;
+}
+
+/// Thin triangles inside each other, all across one long edge of the other operand.
+Polygons Slivers(int edges, uint32_t seed) {
+    const int count = 2 * edges / 3;
+    const auto most = static_cast<float>(count);
+    if (seed == 1) {
+        return {{{0, -10}, {10, 5 * most}, {-50 * most, 5 * most}}};
+    }
+    Polygons all;
+    for (int i = 0; i < count; ++i) {
+        const auto d = static_cast<float>(i);
+        all.push_back({{d - most, d}, {most - d, 4 * most - 3 * d}, {d - most + 0.5F, d}});
+    }
+    return all;
+}
+
+/// Spokes through one point, and now and then a level line across all of them: places in the list at even distances
+/// tell nothing of the rest.
+Polygons Spokes(int edges, uint32_t seed) {
+    Polygons all;
+    const int count = edges / 3;
+    for (int i = 0; i < count; ++i) {
+        const float angle = 3.1415926F * static_cast<float>(i) / static_cast<float>(count);
+        const float x = std::round(4e6F * std::cos(angle)), y = std::round(4e6F * std::sin(angle));
+        const float at = 900000 + static_cast<float>(i);
+        all.push_back(seed == 1 && i % std::max(1, count / 8) == 0 ? Polygon{{-4e6F, at}, {4e6F, at + 1}, {-4e6F, at}}
+                                                                   : Polygon{{x, y}, {-x, -y}, {x, y}});
+    }
+    return all;
+}
+
+/// Small octagons, and one box as far away as a wrong point of a file is.
+Polygons FarSpeck(int edges, uint32_t seed) {
+    Polygons all = Confetti(edges, seed);
+    all.push_back({{1e8F, 1e8F}, {1.0001e8F, 1e8F}, {1.0001e8F, 1.0001e8F}, {1e8F, 1.0001e8F}});
+    return all;
+}
+
 /// Boxes on a coarse grid: borders coincide.
 Polygons Boxes(int edges, uint32_t seed) {
     Random random(seed);
@@ -219,13 +268,14 @@ struct Scene {
 int main(int argc, char** argv) {
     const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
     const char* filter = argc > 2 ? argv[2] : "";
-    const std::vector<Scene> scenes = {{"star", Star, {1000, 10000, 100000}},
-                                       {"confetti", Confetti, {1000, 10000, 100000}},
-                                       {"coast", Coast, {1024, 16384, 131072}},
-                                       {"boxes", Boxes, {1000, 10000, 100000}},
-                                       {"chords", Chords, {100, 300, 1000}}};
+    const std::vector<Scene> scenes = {
+        {"star", Star, {1000, 10000, 100000}},          {"confetti", Confetti, {1000, 10000, 100000}},
+        {"coast", Coast, {1024, 16384, 131072}},        {"boxes", Boxes, {1000, 10000, 100000}},
+        {"chords", Chords, {100, 300, 1000}},           {"corner_map", Buildings, {96000, 480000}},
+        {"corner_slivers", Slivers, {30000, 300000}},   {"corner_spokes", Spokes, {12000}},
+        {"corner_far", FarSpeck, {1000, 10000, 100000}}};
     const char* const modes[] = {"intersection", "union", "xor", "difference"};
-    std::printf("%-10s %7s %-13s %12s %12s %7s %10s\n", "scene", "edges", "mode", "ms", "Clipper ms", "x", "diff");
+    std::printf("%-14s %7s %-13s %12s %12s %7s %10s\n", "scene", "edges", "mode", "ms", "Clipper ms", "x", "diff");
     for (const Scene& scene : scenes) {
         if (std::strstr(scene.name, filter) == nullptr) {
             continue;
@@ -244,7 +294,7 @@ int main(int argc, char** argv) {
                     RunClipper(pathsA, pathsB, mode, theirs);
 #endif
                 }
-                std::printf("%-10s %7d %-13s %12.3f", scene.name, edges, modes[mode], ours.Median() * 1e3);
+                std::printf("%-14s %7d %-13s %12.3f", scene.name, edges, modes[mode], ours.Median() * 1e3);
                 if (!theirs.seconds.empty()) {
                     std::printf(" %12.3f %7.2f %10.1e", theirs.Median() * 1e3, theirs.Median() / ours.Median(),
                                 std::fabs(ours.area - theirs.area) / std::max(1.0, std::fabs(theirs.area)));

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Boolean/Boolean.h"
+#include "Boolean/Orientation.h"
 #include "Winding.h"
 
 namespace Graphics {
@@ -48,7 +49,7 @@ inline const char* Conflict(const Segment& s, const Segment& t) {
         std::max(s.a.y, s.b.y) < std::min(t.a.y, t.b.y) || std::max(t.a.y, t.b.y) < std::min(s.a.y, s.b.y)) {
         return nullptr;
     }
-    const double a = TurnOf(s.a, s.b, t.a), b = TurnOf(s.a, s.b, t.b);
+    const int a = OrientationSign(s.a, s.b, t.a), b = OrientationSign(s.a, s.b, t.b);
     if (a == 0 && b == 0) {
         // On one line and the boxes meet: fine only if they meet in a single point.
         const bool touch = std::max(std::min(s.a.x, s.b.x), std::min(t.a.x, t.b.x)) ==
@@ -57,7 +58,7 @@ inline const char* Conflict(const Segment& s, const Segment& t) {
                                std::min(std::max(s.a.y, s.b.y), std::max(t.a.y, t.b.y));
         return touch ? nullptr : "overlap";
     }
-    const double c = TurnOf(t.a, t.b, s.a), d = TurnOf(t.a, t.b, s.b);
+    const int c = OrientationSign(t.a, t.b, s.a), d = OrientationSign(t.a, t.b, s.b);
     return ((a > 0 && b < 0) || (a < 0 && b > 0)) && ((c > 0 && d < 0) || (c < 0 && d > 0)) ? "cross" : nullptr;
 }
 
@@ -71,7 +72,7 @@ inline std::string Faults(const Shape& shape) {
             continue;
         }
         for (size_t i = 0; i < p.size(); ++i) {
-            if (TurnOf(p[i], p[(i + 1) % p.size()], p[(i + 2) % p.size()]) == 0) {
+            if (OrientationSign(p[i], p[(i + 1) % p.size()], p[(i + 2) % p.size()]) == 0) {
                 out << "straight at " << p[(i + 1) % p.size()].x << ' ' << p[(i + 1) % p.size()].y << "; ";
             }
         }

@@ -126,6 +126,20 @@ TEST(CurveFlattener, StaysWithinTheToleranceOfTheCurve) {
     }
 }
 
+/// Floats at 1e20 are 8.8e12 apart: what a finer tolerance asks for is rounding noise, and took millions of steps.
+TEST(CurveFlattener, StepsAreBoundedByWhatFloatsResolve) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 300; ++round) {
+        const float size = std::ldexp(1.0F, 20 + static_cast<int>(random() % 100));
+        const auto place = [&] { return size * (static_cast<float>(random() >> 8) / 8388608.0F - 1); };
+        Point c[4];
+        for (Point& p : c) {
+            p = {round % 3 == 0 ? size : place(), round % 5 == 0 ? 7 : place()};
+        }
+        EXPECT_LE(Flatten(0.25F, c).size(), 20000U) << round << ' ' << size;
+    }
+}
+
 TEST(FeedFill, DropsOnlyFiguresThatAreNotFinite) {
     Shape shape;
     shape.SetFillRule(1);
@@ -158,6 +172,11 @@ TEST(FeedFill, BoundsTheWorkOfHugeCurves) {
         Shape out;
         FeedFill(shape, kIdentity, out);
         EXPECT_LT(PointsOf(out).size(), 5000U) << size;
+        // Turned over and stretched as no target is wide.
+        Shape disc, wide;
+        AddEllipse(disc, {0, 0, 50, 30});
+        FeedFill(disc, {-size, 0, 0, 1, 0, 0}, wide);
+        EXPECT_LT(PointsOf(wide).size(), 50000U) << size;
         for (const Point& p : PointsOf(out)) {
             ASSERT_LE(std::fabs(p.x), 32535.0F);
             ASSERT_LE(std::fabs(p.y), 32535.0F);

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "../Geometry/Transformer.h"
+#include "CellCombiner.h"
 #include "ContourTracer.h"
 #include "EdgeCollector.h"
 
@@ -46,27 +47,86 @@ using Box = RingClipper::Box;
     }
 }
 
+class CellCollector final : public RingFlattener {
+public:
+    CellCollector(CellCombiner& cells, const Box& limits, float tolerance, bool ofB) noexcept
+        : RingFlattener(limits, tolerance), m_cells(cells), m_ofB(ofB) {}
+
+private:
+    void TakeRing(const HeapArray<Point>& ring) override { m_cells.AddRing(ring, m_ofB); }
+
+    CellCombiner& m_cells;
+    const bool m_ofB;
+};
+
+/// Puts the largest absolute coordinate of finite figures into `most`, and the largest up to `limit` into `near`.
+void Measure(const Shape& shape, double limit, double& near, double& most) noexcept {
+    for (const Figure& figure : shape.Figures()) {
+        if (!Counts(figure)) {
+            continue;
+        }
+        for (const Point& p : figure.Points()) {
+            for (const double v : {std::fabs(static_cast<double>(p.x)), std::fabs(static_cast<double>(p.y))}) {
+                most = std::max(most, v);
+                near = v <= limit ? std::max(near, v) : near;
+            }
+        }
+    }
+}
+
+CellCombiner::Counts CombineCells(const Shape& a, const Shape& b, uint32_t mode, double tolerance, Shape& out) {
+    const double step = FloatBands::StepFor(tolerance);
+    double near = 0, most = 0;
+    Measure(a, step * kGridLimit, near, most);
+    Measure(b, step * kGridLimit, near, most);
+    const FloatBands bands(step, near, most);
+    BorderPuzzle result;
+    CellCombiner cells(WindingTest(mode, a.FillRule(), b.FillRule()), bands, result);
+    const Box everywhere{-most, -most, most, most};
+    CellCollector first(cells, everywhere, static_cast<float>(tolerance), false);
+    a.ReplayFigures(first, Counts);
+    CellCollector second(cells, everywhere, static_cast<float>(tolerance), true);
+    b.ReplayFigures(second, Counts);
+    cells.Run();
+    result.Write(out);
+    return cells.Work();
+}
+
 } // namespace
 
-void Boolean::Combine(const Shape& a, const Shape& b, uint32_t mode, float tolerance, Shape& out) {
+void Boolean::Combine(const Shape& a, const Shape& b, uint32_t mode, float tolerance, Shape& out,
+                      CellCombiner::Counts* work) {
     Box box = ResultBox(BoxOf(a), BoxOf(b), mode);
     if (!(box.left < box.right && box.top < box.bottom)) {
         return;
     }
     const PointGrid grid(
         std::max({std::fabs(box.left), std::fabs(box.top), std::fabs(box.right), std::fabs(box.bottom)}));
+    const double wanted = tolerance > 0.0F ? tolerance : 0.25;
+    if (grid.Unit() > wanted / 2) {
+        const CellCombiner::Counts counts = CombineCells(a, b, mode, wanted, out);
+        if (work != nullptr) {
+            *work = counts;
+        }
+        return;
+    }
     // The margin keeps the ways along the border, which belong to one operand only, away from the result.
     const double margin = 4 * grid.Unit();
     box = {box.left - margin, box.top - margin, box.right + margin, box.bottom + margin};
-    const double wanted = tolerance > 0.0F ? tolerance : 0.25;
-    const auto flatness = static_cast<float>(std::max(wanted, grid.Unit()));
+    const auto flatness = static_cast<float>(wanted);
 
     Scanner scanner(WindingTest(mode, a.FillRule(), b.FillRule()));
     EdgeCollector first(scanner, grid, box, flatness, false);
     a.ReplayFigures(first, Counts);
     EdgeCollector second(scanner, grid, box, flatness, true);
     b.ReplayFigures(second, Counts);
+    if (work != nullptr) {
+        *work = {scanner.Edges().size(), 1, {}};
+    }
     scanner.Run();
+    if (work != nullptr) {
+        work->sweep = scanner.Work();
+    }
     ContourTracer(grid, out).Trace(scanner);
 }
 

@@ -28,17 +28,6 @@ void BorderLinker::Wind(uint32_t left, const uint32_t* start, const uint32_t* en
     }
 }
 
-bool BorderLinker::Continue(const HeapArray<uint32_t>& ends, const HeapArray<uint32_t>& starts) const noexcept {
-    int64_t up = 0;
-    for (const uint32_t e : ends) {
-        up += m_edges[e].BorderWeight();
-    }
-    for (const uint32_t e : starts) {
-        up -= m_edges[e].BorderWeight();
-    }
-    return up == 0;
-}
-
 /// Seen in a circle, the areas between the borders are in and out by turns; the two borders of an inner area belong
 /// together.
 void BorderLinker::Link(const GridPoint& point, uint32_t left, const HeapArray<uint32_t>& ends,

@@ -28,8 +28,6 @@ public:
             Join(point, end, start);
         }
     }
-    /// Whether as many borders lead to the point as away from it.
-    [[nodiscard]] bool Continue(const HeapArray<uint32_t>& ends, const HeapArray<uint32_t>& starts) const noexcept;
 
     /// How many points there are at which several borders meet.
     [[nodiscard]] uint32_t Junctions() const noexcept { return m_junctions; }

@@ -3,37 +3,29 @@
 // go to the grid, figures are closed.
 #pragma once
 
-#include "../Geometry/GeometrySink.h"
 #include "PointGrid.h"
-#include "RingClipper.h"
+#include "RingFlattener.h"
 #include "Scanner.h"
 
 namespace Graphics {
 
-class EdgeCollector final : public GeometrySink {
+class EdgeCollector final : public RingFlattener {
 public:
     /// `limits` encloses with a margin where the result can be. Curves are flattened to within `tolerance`.
     EdgeCollector(Scanner& scanner, const PointGrid& grid, const RingClipper::Box& limits, float tolerance,
                   bool ofB) noexcept
-        : m_scanner(scanner), m_grid(grid), m_clipper(limits), m_tolerance(tolerance), m_ofB(ofB) {}
-
-    void SetFillRule(uint32_t) override {}
-    void BeginFigure(const Point& start) override;
-    void EndFigure() override;
-    void EndFigureClose() override { EndFigure(); }
-    void LineTo(const Point& p) override { m_ring.push_back(p); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
+        : RingFlattener(limits, tolerance), m_scanner(scanner), m_grid(grid), m_clipper(limits, grid.Unit()),
+          m_ofB(ofB) {}
 
 private:
+    void TakeRing(const HeapArray<Point>& ring) override;
     template <class Ring> void AddRing(const Ring& ring);
-    [[nodiscard]] bool RingInside() const noexcept;
+    [[nodiscard]] bool Inside(const HeapArray<Point>& ring) const noexcept;
 
     Scanner& m_scanner;
     const PointGrid& m_grid;
     RingClipper m_clipper;
-    float m_tolerance;
-    bool m_ofB;
-    HeapArray<Point> m_ring;
+    const bool m_ofB;
 };
 
 } // namespace Graphics

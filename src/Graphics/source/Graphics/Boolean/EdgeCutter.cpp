@@ -5,16 +5,6 @@
 #include <utility>
 
 namespace Graphics {
-namespace {
-
-[[nodiscard]] GridEdge::Border Opposite(GridEdge::Border border) noexcept {
-    using Border = GridEdge::Border;
-    return border == Border::None         ? Border::None
-           : border == Border::InsideLeft ? Border::InsideRight
-                                          : Border::InsideLeft;
-}
-
-} // namespace
 
 /// The lower one of their upper ends tells: it must lie on its own side.
 void EdgeCutter::CutNeighbours(uint32_t left, uint32_t right) {
@@ -53,76 +43,24 @@ void EdgeCutter::Bend(GridEdge& e, const GridPoint& at) noexcept {
 }
 
 /// Cuts two edges that change sides ahead at the cell in which their lines cross. If that is behind the sweep, bends
-/// have made them cross. The first sweep cuts them where they do: it has to go on with the edges exchanged, as one
-/// wrong pair would hide the crossings of all that meet it. Later ones leave the cut to the next, as cuts at ever new
-/// points would take many sweeps: where the lines cross; or at an end of the one whose cell the other's line passes, so
-/// that both go through it.
+/// have made them cross, and they are cut where they do: the sweep has to go on with the edges exchanged, as one wrong
+/// pair would hide the crossings of all that meet it.
 void EdgeCutter::CutCrossing(uint32_t left, uint32_t right) {
     GridEdge& e = m_edges[left];
     GridEdge& f = m_edges[right];
     const EdgePieces::Line &le = m_edges.LineOf(e), &lf = m_edges.LineOf(f);
     const auto crossing = LineCrossing::Of(le.from, le.to, lf.from, lf.to);
     GridPoint at = crossing ? crossing->Nearest() : m_state.point;
-    bool usable = Usable(e, f, at);
-    if (!usable && m_state.EagerSweep()) {
+    if (!Usable(e, f, at)) {
         ++m_state.exceptions;
-        usable = CrossingPoint(e, f, at);
-    }
-    if (!usable) {
-        const bool noted = crossing && NoteCrossing(left, right, crossing->Nearest());
-        if (noted || NoteEnds(left, right) || !CrossingPoint(e, f, at)) {
+        if (!CrossingPoint(e, f, at)) {
             m_state.Disorder();
             return;
         }
-        m_state.unfinished = m_state.hot = true;
     }
     Bend(e, at);
     Bend(f, at);
     CutBoth(left, right, at);
-}
-
-bool EdgeCutter::NoteCrossing(uint32_t left, uint32_t right, const GridPoint& at) {
-    const bool cutsLeft = CutLater(left, at), cutsRight = CutLater(right, at);
-    return cutsLeft || cutsRight;
-}
-
-bool EdgeCutter::NoteEnds(uint32_t left, uint32_t right) {
-    bool noted = false;
-    for (const auto& [edge, other] : {std::pair(left, right), std::pair(right, left)}) {
-        for (const GridPoint& end : {m_edges[edge].lo, m_edges[edge].hi}) {
-            noted |= m_edges.Distance(m_edges[other], end) == Stray::None && CutLater(other, end);
-        }
-    }
-    return noted;
-}
-
-/// Notes a point at which the next sweep shall find an edge cut, be it behind this sweep or ahead.
-bool EdgeCutter::CutLater(uint32_t edge, const GridPoint& at) {
-    const GridEdge& e = m_edges[edge];
-    if (!e.InBox(at) || e.lo == at || e.hi == at) {
-        return false;
-    }
-    m_later.push_back({edge, at});
-    ++m_state.exceptions;
-    m_state.unfinished = m_state.hot = true;
-    return true;
-}
-
-void EdgeCutter::CutNoted() {
-    for (const LaterCut& cut : m_later) {
-        uint32_t edge = cut.edge;
-        while (edge != kNone &&
-               (!m_edges[edge].InBox(cut.at) || m_edges[edge].lo == cut.at || m_edges[edge].hi == cut.at)) {
-            edge = m_edges[edge].continuation;
-        }
-        if (edge != kNone) {
-            const GridEdge::Border border = m_edges[edge].border;
-            Bend(m_edges[edge], cut.at);
-            const bool back = Before(m_edges[edge].hi, cut.at);
-            m_edges[m_edges.Cut(edge, cut.at)].border = back ? Opposite(border) : border;
-        }
-    }
-    m_later.clear();
 }
 
 void EdgeCutter::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
@@ -135,16 +73,15 @@ void EdgeCutter::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
         }
         const uint32_t piece = m_edges.Cut(edges[i], at);
         if (Before(end, at)) {
-            m_state.ordered = m_state.ordered && m_state.EagerSweep(); // a level piece: there the borders will tell
-            m_state.unfinished = true;
+            m_state.unfinished = true; // a level piece: the borders will tell whether they stand in order
             ++m_state.exceptions;
             m_queue.Add(end, kNone, kNone, piece, kNone);
-            m_queue.Add(at, piece, kNone, kNone, kNone);
+            m_queue.Add(at, m_edges[piece].token, kNone, kNone, kNone);
         } else {
             starts[i] = piece;
         }
     }
-    m_queue.Add(at, left, right, starts[0], starts[1]);
+    m_queue.Add(at, m_edges[left].token, m_edges[right].token, starts[0], starts[1]);
 }
 
 /// A point can cut both edges if it lies ahead of the sweep and in the boxes of both.

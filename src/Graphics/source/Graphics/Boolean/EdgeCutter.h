@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Cuts edges for a sweep where they meet: neighbours that touch or cross ahead, and, for the next sweep, what can't be
-// cut in this one.
+// Cuts edges for a sweep where they meet: neighbours that touch or cross ahead.
 #pragma once
 
 #include "EdgePieces.h"
@@ -18,8 +17,6 @@ public:
     void CutNeighbours(uint32_t left, uint32_t right);
     /// Takes note that an edge is about to end at a point of its box.
     void Bend(GridEdge& e, const GridPoint& at) noexcept;
-    /// After the sweep: makes the cuts that it has left to the next.
-    void CutNoted();
 
     [[nodiscard]] int64_t SideOf(uint32_t edge, const GridPoint& p) noexcept {
         ++m_comparisons;
@@ -32,23 +29,14 @@ private:
     static constexpr uint32_t kNone = GridEdge::kNone;
     using Stray = GridEdge::Stray;
 
-    struct LaterCut {
-        uint32_t edge;
-        GridPoint at;
-    };
-
     void CutBoth(uint32_t left, uint32_t right, GridPoint at);
     void CutCrossing(uint32_t left, uint32_t right);
-    [[nodiscard]] bool NoteCrossing(uint32_t left, uint32_t right, const GridPoint& at);
-    [[nodiscard]] bool NoteEnds(uint32_t left, uint32_t right);
-    [[nodiscard]] bool CutLater(uint32_t edge, const GridPoint& at);
     [[nodiscard]] bool Usable(const GridEdge& e, const GridEdge& f, const GridPoint& at) const noexcept;
     [[nodiscard]] bool CrossingPoint(const GridEdge& e, const GridEdge& f, GridPoint& at) const noexcept;
 
     EdgePieces& m_edges;
     EventQueue& m_queue;
     SweepState& m_state;
-    HeapArray<LaterCut> m_later;
     uint64_t m_comparisons = 0;
 };
 

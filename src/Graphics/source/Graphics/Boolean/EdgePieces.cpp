@@ -29,14 +29,21 @@ void EdgePieces::NoteLines() {
     }
 }
 
-void EdgePieces::Restore() {
-    m_edges.clear();
-    m_edges.reserve(m_lines.size());
-    for (Line& line : m_lines) {
-        if (m_transposed) {
+void EdgePieces::TurnBack() noexcept {
+    if (m_transposed) {
+        for (Line& line : m_lines) {
             Flip(line.from);
             Flip(line.to);
         }
+        m_transposed = false;
+    }
+}
+
+void EdgePieces::Restore() {
+    TurnBack();
+    m_edges.clear();
+    m_edges.reserve(m_lines.size());
+    for (const Line& line : m_lines) {
         GridEdge edge;
         edge.lo = line.from;
         edge.hi = line.to;
@@ -45,7 +52,6 @@ void EdgePieces::Restore() {
         edge.line = static_cast<uint32_t>(m_edges.size());
         m_edges.push_back(edge);
     }
-    m_transposed = false;
 }
 
 void EdgePieces::KeepBorders() noexcept {
@@ -98,9 +104,9 @@ bool EdgePieces::BordersClose() const noexcept {
 }
 
 void EdgePieces::BeginSweep() {
-    m_lastPiece.resize(m_edges.size());
+    m_pieceOf.resize(m_edges.size());
     for (size_t i = 0; i < m_edges.size(); ++i) {
-        m_edges[i].root = m_lastPiece[i] = static_cast<uint32_t>(i);
+        m_edges[i].token = m_pieceOf[i] = static_cast<uint32_t>(i);
     }
 }
 
@@ -114,34 +120,26 @@ uint32_t EdgePieces::Cut(uint32_t edge, GridPoint at) {
     piece.border = GridEdge::Border::None;
     piece.near = piece.close = false;
     piece.lo = at;
-    uint32_t& last = m_lastPiece[piece.root];
-    last = last == edge ? upper : last;
     if (Before(piece.hi, at)) {
         std::swap(piece.lo, piece.hi);
         piece.a = -piece.a;
         piece.b = -piece.b;
-        last = kNone; // two pieces end at one point
     }
     if (m_edges.size() == m_edges.capacity()) {
         m_edges.reserve(4 * m_edges.size()); // crossings may be many: few moves
     }
+    m_pieceOf.push_back(edge); // a new token, of the piece's number
+    m_pieceOf[piece.token] = upper;
     m_edges.push_back(piece);
     m_edges[edge].hi = at;
-    m_edges[edge].continuation = upper;
+    m_edges[edge].token = upper;
     m_cuts += 1;
     return upper;
 }
 
-uint32_t EdgePieces::PieceEndingAt(uint32_t edge, const GridPoint& p) const noexcept {
-    // Mostly it is the edge itself or its last piece; else the pieces are looked through one by one.
-    if (!(m_edges[edge].hi == p)) {
-        const uint32_t last = m_lastPiece[m_edges[edge].root];
-        edge = last != kNone && m_edges[last].hi == p ? last : m_edges[edge].continuation;
-    }
-    while (edge != kNone && !(m_edges[edge].hi == p)) {
-        edge = m_edges[edge].continuation;
-    }
-    return edge != kNone && m_edges[edge].block != kNone ? edge : kNone;
+uint32_t EdgePieces::PieceEndingAt(uint32_t token, const GridPoint& p) const noexcept {
+    const uint32_t edge = m_pieceOf[token];
+    return m_edges[edge].hi == p && m_edges[edge].block != kNone ? edge : kNone;
 }
 
 } // namespace Graphics

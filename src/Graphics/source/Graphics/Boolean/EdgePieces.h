@@ -38,6 +38,17 @@ public:
             m_edges.push_back(edge);
         }
     }
+    /// An edge that lies upon others and stands for all of them.
+    void Add(const GridPoint& from, const GridPoint& to, int32_t a, int32_t b) {
+        const bool forward = Before(from, to);
+        GridEdge edge;
+        edge.lo = forward ? from : to;
+        edge.hi = forward ? to : from;
+        edge.a = forward ? a : -a;
+        edge.b = forward ? b : -b;
+        edge.line = static_cast<uint32_t>(m_edges.size());
+        m_edges.push_back(edge);
+    }
     /// Says how many edges will be added next.
     void Expect(size_t edges) { m_edges.reserve(m_edges.size() + edges); }
     /// All edges are there: they are the lines from now on.
@@ -56,6 +67,8 @@ public:
     void Exchange(HeapArray<GridEdge>&& edges) noexcept { m_edges = std::move(edges); }
     /// Back to the lines.
     void Restore();
+    /// x and y of the lines as they were put in; the pieces are about to be replaced.
+    void TurnBack() noexcept;
     /// Leaves nothing but what the last sweep found to be the border, in operand A, 1 for the area at the left.
     void KeepBorders() noexcept;
     /// Exchanges x and y, leaves out what has no weight and forgets what the last sweep has found.
@@ -67,8 +80,10 @@ public:
     /// Ends an edge at a point and gives the piece behind it. Where the point lies behind the edge's end (to the right
     /// in the end's row), the piece leads back: its ends and weight are exchanged.
     [[nodiscard]] uint32_t Cut(uint32_t edge, GridPoint at);
-    /// The piece of a cut edge that ends at p, if the status holds it.
-    [[nodiscard]] uint32_t PieceEndingAt(uint32_t edge, const GridPoint& p) const noexcept;
+    /// The piece that an event's token stands for, if it ends at p and the status holds it. However often an edge is
+    /// cut, the token stays with the piece that ends where the edge did, and the piece in front of it gets a new one:
+    /// no event has to look for its piece.
+    [[nodiscard]] uint32_t PieceEndingAt(uint32_t token, const GridPoint& p) const noexcept;
     /// How far the edge's line passes from p, along x and y: through its cell, the square of side 1 around it, borders
     /// included; within a few units; or farther.
     [[nodiscard]] Stray Distance(const GridEdge& e, const GridPoint& p) const noexcept {
@@ -80,7 +95,7 @@ public:
 private:
     HeapArray<GridEdge> m_edges;
     HeapArray<Line> m_lines;
-    HeapArray<uint32_t> m_lastPiece; // of each edge that the sweep began with, the one that ends where it ended
+    HeapArray<uint32_t> m_pieceOf; // for each token
     uint64_t m_cuts = 0;
     bool m_transposed = false;
 };

@@ -24,13 +24,12 @@ struct GridEdge {
 
     GridPoint lo{}, hi{};
     int32_t a = 0, b = 0;
-    uint32_t line = kNone;         // the input edge that this one is a piece of
-    uint32_t continuation = kNone; // the piece from hi on, once the edge was cut
-    int32_t leftA = 0, leftB = 0;  // winding numbers at the left
-    uint32_t block = kNone;        // where the status keeps it
-    uint32_t next = kNone;         // the border's next edge, as seen with the inside at the same hand throughout
-    uint32_t root = kNone;         // the edge of this sweep's beginning that this one is a piece of
-    uint32_t junction = kNone;     // number of the point where this border edge begins, if several borders meet there
+    uint32_t line = kNone;        // the input edge that this one is a piece of
+    int32_t leftA = 0, leftB = 0; // winding numbers at the left
+    uint32_t block = kNone;       // where the status keeps it
+    uint32_t next = kNone;        // the border's next edge, as seen with the inside at the same hand throughout
+    uint32_t token = kNone;       // by which the sweep's events know the piece that ends at a point
+    uint32_t junction = kNone;    // number of the point where this border edge begins, if several borders meet there
     Border border = Border::None;
     Stray stray = Stray::None;
     bool near = false;  // this sweep has passed a point that the line comes as near to as a cell, beside the edge

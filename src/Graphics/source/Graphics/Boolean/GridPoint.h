@@ -20,15 +20,18 @@ struct GridPoint {
 
 inline constexpr int32_t kGridLimit = 1 << 24;
 
-inline constexpr int32_t kKeyBias = 1 << 25;
+// Room for twice the limit and a bit, as corners of cells are half a step off.
+inline constexpr int kKeyBits = 27;
+inline constexpr int32_t kKeyBias = 1 << (kKeyBits - 1);
 
-/// Rows from small to large y, inside a row from small to large x: the sweep's order, as one number of 52 bits.
+/// Rows from small to large y, inside a row from small to large x: the sweep's order, as one number of 54 bits.
 [[nodiscard]] constexpr uint64_t SweepKey(const GridPoint& p) noexcept {
-    return static_cast<uint64_t>(p.y + kKeyBias) << 26 | static_cast<uint64_t>(p.x + kKeyBias);
+    return static_cast<uint64_t>(p.y + kKeyBias) << kKeyBits | static_cast<uint64_t>(p.x + kKeyBias);
 }
 
 [[nodiscard]] constexpr GridPoint PointOf(uint64_t key) noexcept {
-    return {static_cast<int32_t>(key & 0x3FFFFFF) - kKeyBias, static_cast<int32_t>(key >> 26) - kKeyBias};
+    return {static_cast<int32_t>(key & ((1U << kKeyBits) - 1)) - kKeyBias,
+            static_cast<int32_t>(key >> kKeyBits) - kKeyBias};
 }
 
 [[nodiscard]] constexpr bool Before(const GridPoint& a, const GridPoint& b) noexcept {

@@ -16,7 +16,23 @@ constexpr size_t kLanes = 2;
 // A sweep takes about 0.4 us for a crossing; here a pair takes 5 ns, both ways, and a crossing 0.1 us. So it is worth
 // while if more than one pair in fifty crosses; twice that stays clear of the noise.
 constexpr size_t kPairsPerCrossing = 25;
-constexpr size_t kFewEdges = 32, kMostPairs = 256, kMostSamples = 16, kEdgesPerSample = 64;
+constexpr size_t kFewEdges = 32, kMostPairs = 256, kMostSamples = 32, kEdgesPerSample = 64;
+// Edges that may be done without a find: comparing as many with all others takes what a sweep takes at least.
+constexpr size_t kFreeEdges = 64;
+
+/// Places in a list, spread as at random, so that no order of the list can meet or miss what is rare in it.
+class RandomPlaces {
+public:
+    explicit RandomPlaces(size_t count) noexcept : m_count(count) {}
+    [[nodiscard]] uint32_t Next() noexcept {
+        m_state = m_state * 6364136223846793005U + 1442695040888963407U; // Knuth's MMIX
+        return static_cast<uint32_t>((m_state >> 32) * m_count >> 32);
+    }
+
+private:
+    size_t m_count;
+    uint64_t m_state = 0x9E3779B97F4A7C15U;
+};
 
 /// Whether the edges cross inside both.
 [[nodiscard]] bool Crosses(const GridEdge& e, const GridEdge& f) noexcept {
@@ -42,8 +58,9 @@ bool PairwiseWinder::Worthwhile() {
     Load();
     const size_t samples = std::min(kMostSamples, count / kEdgesPerSample + 2);
     size_t points = 0;
+    RandomPlaces places(count);
     for (size_t i = 0; i < samples; ++i) {
-        Wind(static_cast<uint32_t>(i * count / samples));
+        Wind(places.Next());
         points += LonelyPassages();
     }
     return points * kPairsPerCrossing >= samples * count;
@@ -66,14 +83,10 @@ size_t PairwiseWinder::LonelyPassages() const noexcept {
 bool PairwiseWinder::SampledPairsCross() const noexcept {
     const size_t count = m_edges.size(), pairs = std::min(kMostPairs, count / 4);
     size_t crossings = 0;
-    uint32_t random = 1;
-    const auto next = [&] {
-        random = random * 1664525U + 1013904223U;
-        return static_cast<size_t>(static_cast<uint64_t>(random) * count >> 32);
-    };
+    RandomPlaces places(count);
     for (size_t i = 0; i < pairs; ++i) {
-        const GridEdge& e = m_edges[next()];
-        crossings += Crosses(e, m_edges[next()]) ? 1 : 0;
+        const GridEdge& e = m_edges[places.Next()];
+        crossings += Crosses(e, m_edges[places.Next()]) ? 1 : 0;
     }
     return crossings * kPairsPerCrossing >= pairs;
 }
@@ -100,17 +113,26 @@ void PairwiseWinder::Load() {
     }
 }
 
-void PairwiseWinder::Run(HeapArray<GridEdge>& border) {
+bool PairwiseWinder::Run(HeapArray<GridEdge>& border) {
     if (m_crossed.empty()) {
         Load();
     }
-    for (size_t i = 0; i < m_edges.size(); ++i) {
+    const size_t count = m_edges.size();
+    size_t points = 0;
+    for (size_t i = 0; i < count; ++i) {
         Wind(static_cast<uint32_t>(i));
+        points += LonelyPassages();
+        if ((i + 1) * count > kFreeEdges * count + 2 * kPairsPerCrossing * points) {
+            border.clear();
+            return false;
+        }
         Walk(m_edges[i], border);
     }
+    return true;
 }
 
 void PairwiseWinder::Wind(uint32_t edge) {
+    m_pairs += m_edges.size();
     m_passages.clear();
     m_order.clear();
     Meet(edge);

@@ -29,8 +29,13 @@ public:
     /// Whether samples say that crossings are so many, each at a point of its own, that this is faster than a sweep.
     [[nodiscard]] bool Worthwhile();
     /// Puts the pieces of edges that are the border into `border`, weight 1 for the area at their left, -1 at the
-    /// right, in operand A.
-    void Run(HeapArray<GridEdge>& border);
+    /// right, in operand A. False, and nothing put, where the samples were wrong: it stops as soon as what it has
+    /// compared would have cost more than twice what a sweep needs for the crossings found so far, so that a wrong
+    /// guess costs no more than a sweep does.
+    [[nodiscard]] bool Run(HeapArray<GridEdge>& border);
+
+    /// How many pairs have been compared.
+    [[nodiscard]] uint64_t Pairs() const noexcept { return m_pairs; }
 
 private:
     /// Edges in columns, so that two at a time are compared. All numbers are integers and below 2^52, hence exact.
@@ -63,6 +68,7 @@ private:
     HeapArray<Passage> m_passages;
     HeapArray<uint64_t> m_order; // distance from the edge's begin << 32 | passage
     SlotSort<uint64_t> m_sorter;
+    uint64_t m_pairs = 0;
     int32_t m_a = 0, m_b = 0; // winding numbers at the left of the begin
 };
 

@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "../Exception.h"
+#include "LineWinder.h"
 #include "PairwiseWinder.h"
+#include "PixelSnapper.h"
 
 namespace Graphics {
 namespace {
@@ -19,46 +22,59 @@ constexpr WindingTest kBorderTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleN
 void Scanner::Run() {
     m_edges.NoteLines();
     if (PairwiseWinder winder(m_edges.All(), m_test); winder.Worthwhile()) {
+        m_fromPairs = winder.Run(m_pairBorder);
+        m_pairs = winder.Pairs();
+    }
+    if (m_fromPairs) {
         HeapArray<GridEdge> border;
-        winder.Run(border);
+        border.resize(m_pairBorder.size());
+        std::copy(m_pairBorder.begin(), m_pairBorder.end(), border.begin());
         m_edges.Exchange(std::move(border));
         m_linker.SetTest(kBorderTest);
     }
-    while (Sweep(), m_state.unfinished) {
-        if (m_state.eager && Doubtful()) {
-            Restart();
+    m_exceptionsAllowed = m_edges.All().size() / kEdgesPerException;
+    for (Sweep(); m_state.unfinished; Sweep()) {
+        if (m_snapped) {
+            GX_RAISE("Graphics::Scanner::Run", "Snapped edges cross"); // a proof says that they do not
+        }
+        if (m_state.sweeps < kMostSweeps && !Doubtful() && m_edges.BordersClose()) {
+            KeepBorder();
         } else {
-            Prepare();
+            SnapBorder();
         }
     }
 }
 
-/// Whether the eager way is not worth going on with: bends in each other's way are more than exceptions, or don't end.
-bool Scanner::Doubtful() const noexcept {
-    if (m_state.sweeps != 1) {
-        return m_state.sweeps >= kEagerSweeps;
-    }
-    return !m_state.ordered || m_state.exceptions > m_edges.All().size() / kEdgesPerException ||
-           !m_edges.BordersClose();
-}
-
-/// Begins anew with the input, and lets each sweep leave to the next what it can't cut where the lines cross.
-void Scanner::Restart() {
-    m_state.eager = m_state.hot = false;
-    m_linker.SetTest(m_test);
-    m_edges.Restore();
-}
+/// Whether bends in each other's way are more than exceptions, or have led to a wrong order.
+bool Scanner::Doubtful() const noexcept { return !m_state.ordered || m_state.exceptions > m_exceptionsAllowed; }
 
 /// Once a sweep has kept its order, what it takes for the border is closed and wrong by bends at most, that is, about a
 /// unit: the next sweep needs the border alone. Edges inside of the area, often the bulk, are dropped. And x and y are
 /// exchanged: edges along the sweep line, which end before the points are seen that they pass closely, lie across it
 /// the next time.
-void Scanner::Prepare() {
-    if (m_state.ordered && m_edges.BordersClose()) {
-        m_edges.KeepBorders();
-        m_linker.SetTest(kBorderTest);
-    }
+void Scanner::KeepBorder() {
+    m_edges.KeepBorders();
+    m_linker.SetTest(kBorderTest);
     m_edges.Transpose();
+}
+
+/// Begins anew with the lines, without bends: the border between exact crossings, then snapped to the grid at once.
+void Scanner::SnapBorder() {
+    HeapArray<GridEdge> border;
+    if (!m_fromPairs) {
+        m_edges.Restore();
+        LineSweep sweep(m_edges.All());
+        LineWinder(m_edges.All(), m_test, border).Wind(sweep);
+        m_exactSweeps += 1;
+    } else {
+        m_edges.TurnBack();
+        border = std::move(m_pairBorder);
+    }
+    m_exactSweeps += PixelSnapper(border).Snap(m_edges.All());
+    m_linker.SetTest(kBorderTest);
+    m_state.hot = false;
+    m_state.exceptions = 0;
+    m_snapped = true;
 }
 
 void Scanner::Sweep() {
@@ -67,7 +83,7 @@ void Scanner::Sweep() {
     m_status.Clear();
     m_queue.Reset(m_edges.All());
     m_edges.BeginSweep();
-    while (m_queue.Next(m_state.point, m_endHints, m_starts)) {
+    while (!Doubtful() && m_queue.Next(m_state.point, m_endHints, m_starts)) {
         // Memory's time is most of the time: what starts next was written long ago.
         for (const uint32_t edge : m_queue.Upcoming()) {
             if (edge != kNone) {
@@ -79,10 +95,9 @@ void Scanner::Sweep() {
             ProcessPoint();
         }
     }
-    if (!m_status.Empty()) {
+    if (!m_status.Empty() || Doubtful()) {
         m_state.Disorder();
     }
-    m_cutter.CutNoted();
 }
 
 /// The most frequent point by far: one edge ends, one starts, nothing else is near. False if that is not so.
@@ -90,9 +105,8 @@ bool Scanner::PassPoint() {
     if (m_endHints.size() != 1 || m_starts.size() != 1) {
         return false;
     }
-    const uint32_t end = m_endHints[0], start = m_starts[0];
-    const GridEdge& e = m_edges[end];
-    if (!(e.hi == m_state.point) || e.block == kNone || m_edges[start].Weightless()) {
+    const uint32_t end = m_edges.PieceEndingAt(m_endHints[0], m_state.point), start = m_starts[0];
+    if (end == kNone || m_edges[start].Weightless()) {
         return false;
     }
     const Place place = m_status.Find(end);
@@ -103,8 +117,6 @@ bool Scanner::PassPoint() {
     m_linker.Wind(left, start);
     if (!m_state.unfinished) {
         m_linker.LinkPair(m_state.point, end, start);
-    } else if (!m_state.eager) {
-        m_state.ordered = m_state.ordered && e.BorderWeight() == m_edges[start].BorderWeight();
     }
     m_status.Replace(place, start);
     m_cutter.CutNeighbours(left, start);
@@ -121,8 +133,6 @@ void Scanner::ProcessPoint() {
     m_linker.Wind(left, m_starts);
     if (!m_state.unfinished) {
         m_linker.Link(m_state.point, left, m_ends, m_starts);
-    } else if (!m_state.eager) {
-        m_state.ordered = m_state.ordered && m_linker.Continue(m_ends, m_starts);
     }
     place = m_status.Exchange(place, m_taken, m_starts);
     const uint32_t right = m_status.RightOf(place);
@@ -255,7 +265,7 @@ void Scanner::MergeStarts() {
                 longer.a = longer.b = 0;
             } else if (!longer.Weightless()) {
                 longer.lo = shorter.hi;
-                m_queue.Add(longer.lo, m_starts[k - 1], kNone, m_starts[k], kNone);
+                m_queue.Add(longer.lo, shorter.token, kNone, m_starts[k], kNone);
             }
         }
         if (!m_edges[m_starts[i]].Weightless()) {

@@ -18,15 +18,12 @@
 // them or a start between them, would have been at the wrong side of one. Edges that share both ends are the exception;
 // of these no two may be borders. Otherwise the pieces are swept again.
 //
-// The repetition ends. Every cut point lies in the box of what it cuts, so the lengths |dx| + |dy| of the pieces add up
-// to that of the edge, and each is at least 1; merging and leaving out edges only takes away. So the sum over all
-// pieces of their length less 1 never grows, shrinks with every cut, and is never negative. And a sweep that is not the
-// last has cut: without a bend its questions are exact and all crossings have a cut point. (The bound is astronomical;
-// in practice there are one or two sweeps.) Beginning anew, see below, happens once.
-//
-// Where a bend is in the way, the first sweep cuts nearby and goes on in the right order, so that it finds all
-// crossings, however many, at once. If such bends are more than exceptions, or four sweeps were not enough, everything
-// begins anew by the patient way, in which a sweep leaves such pairs to the next.
+// The number of sweeps is bounded. Where bends are in each other's way, a sweep cuts nearby and goes on. If such bends
+// are exceptions and its order held, its border is right but for a unit or so, and the border alone is swept again, x
+// and y exchanged: kMostSweeps times at most, mostly once. Else the sweep stops at once, and all begins anew with lines
+// that are never bent: LineWinder finds the border by the exact order, one sweep, and PixelSnapper moves it to the grid
+// so that nothing crosses, three sweeps. The last sweep only links what is left. So there are kMostSweeps + 5 at most,
+// each of (n + k) log n.
 #pragma once
 
 #include "BorderLinker.h"
@@ -41,13 +38,7 @@ namespace Graphics {
 
 class Scanner {
 public:
-    /// What the work was, for those who measure it.
-    struct Counts {
-        uint32_t sweeps = 0;
-        uint64_t points = 0;      // stops of the sweeps
-        uint64_t comparisons = 0; // of a point with an edge
-        uint64_t cuts = 0;
-    };
+    using Counts = SweepCounts;
 
     explicit Scanner(const WindingTest& test) noexcept
         : m_test(test), m_status(m_edges.All()), m_cutter(m_edges, m_queue, m_state), m_linker(m_edges, test) {}
@@ -56,6 +47,8 @@ public:
 
     /// An edge of a closed ring of operand A or B.
     void AddEdge(const GridPoint& from, const GridPoint& to, bool ofB) { m_edges.Add(from, to, ofB); }
+    /// An edge that stands for several, whose weights add up to (a, b); its ends differ.
+    void AddEdge(const GridPoint& from, const GridPoint& to, int32_t a, int32_t b) { m_edges.Add(from, to, a, b); }
     /// Says how many edges will be added next.
     void Expect(size_t edges) { m_edges.Expect(edges); }
     /// Cuts and winds. Afterwards the edges with a border are linked to closed borders, inside at the same hand.
@@ -66,18 +59,20 @@ public:
     [[nodiscard]] uint32_t Junctions() const noexcept { return m_linker.Junctions(); }
     /// Whether x and y of the edges are exchanged, and with them left and right.
     [[nodiscard]] bool Transposed() const noexcept { return m_edges.Transposed(); }
-    [[nodiscard]] Counts Work() noexcept { return {m_state.sweeps, m_points, m_cutter.Comparisons(), m_edges.Cuts()}; }
+    [[nodiscard]] Counts Work() noexcept {
+        return {m_state.sweeps + m_exactSweeps, m_points, m_cutter.Comparisons(), m_edges.Cuts(), m_pairs};
+    }
 
 private:
     static constexpr uint32_t kNone = GridEdge::kNone;
-    static constexpr uint32_t kEagerSweeps = 4;
+    static constexpr uint32_t kMostSweeps = 4;
     static constexpr size_t kEdgesPerException = 1024;
     using Place = SweepStatus::Place;
     using Stray = GridEdge::Stray;
 
-    void Prepare();
+    void KeepBorder();
+    void SnapBorder();
     [[nodiscard]] bool Doubtful() const noexcept;
-    void Restart();
     void Sweep();
     void ProcessPoint();
     [[nodiscard]] bool PassPoint();
@@ -94,6 +89,11 @@ private:
     SweepState m_state;
     EdgeCutter m_cutter;
     BorderLinker m_linker;
+    HeapArray<GridEdge> m_pairBorder; // what PairwiseWinder has found
+    bool m_fromPairs = false, m_snapped = false;
+    size_t m_exceptionsAllowed = 0;
+    uint32_t m_exactSweeps = 0;
+    uint64_t m_pairs = 0;
     uint64_t m_points = 0;
     uint32_t m_taken = 0; // how many edges in the status end at the point
     HeapArray<uint32_t> m_endHints, m_ends, m_starts;

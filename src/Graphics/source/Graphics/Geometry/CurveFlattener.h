@@ -4,6 +4,10 @@
 // With the parameter step dt, D = P(t + dt) - P(t), and A and B are the second derivatives at both ends of the step
 // times dt^2. A chord strays from its arc by about |A| / 8. The step is halved above 6 tolerances and doubled up
 // to 1.5: a factor of four apart, as halving divides A by four, so that no step is halved and doubled in turns.
+//
+// The floats bound the work. A coordinate v is off by up to |v| 2^-24, and a second difference of the control points by
+// a few times that, however straight the curve is: a tolerance below it would take its steps out of rounding noise. So
+// no tolerance counts as less than 2^-24 of the largest coordinate, here and wherever curves are halved beforehand.
 #pragma once
 
 #include <algorithm>
@@ -18,13 +22,20 @@ class CurveFlattener {
 public:
     static constexpr float kEpsilon = std::numeric_limits<float>::epsilon();
 
-    /// A tolerance under the float epsilon is replaced by it.
+    /// Half the distance of two floats, as a share of them.
+    static constexpr float kResolution = kEpsilon / 2;
+
+    /// A tolerance under the float epsilon, or finer than the floats are where the curve is, is replaced by that.
     CurveFlattener(float tolerance, const Point& p0, const Point& p1, const Point& p2, const Point& p3) noexcept
-        : m_refine(6.0F * (tolerance < kEpsilon ? kEpsilon : tolerance)),
-          m_coarsen(1.5F * (tolerance < kEpsilon ? kEpsilon : tolerance)), m_a{6.0F * (p0.x - 2.0F * p1.x + p2.x),
-                                                                               6.0F * (p0.y - 2.0F * p1.y + p2.y)},
+        : m_a{6.0F * (p0.x - 2.0F * p1.x + p2.x), 6.0F * (p0.y - 2.0F * p1.y + p2.y)},
           m_b{6.0F * (p1.x - 2.0F * p2.x + p3.x), 6.0F * (p1.y - 2.0F * p2.y + p3.y)}, m_d{p3.x - p0.x, p3.y - p0.y},
           m_p(p0) {
+        float limit = std::max(tolerance, kEpsilon);
+        for (const Point* p : {&p0, &p1, &p2, &p3}) {
+            limit = std::max({limit, std::fabs(p->x) * kResolution, std::fabs(p->y) * kResolution});
+        }
+        m_refine = 6.0F * limit;
+        m_coarsen = 1.5F * limit;
         while (Exceeds(m_a, m_refine) || Exceeds(m_b, m_refine)) {
             Halve();
             if (m_dt <= kEpsilon) {
@@ -78,8 +89,8 @@ private:
         m_count *= 2;
     }
 
-    float m_refine;
-    float m_coarsen;
+    float m_refine = 0;
+    float m_coarsen = 0;
     uint32_t m_count = 1;
     float m_dt = 1.0F;
     Point m_a;
@@ -99,13 +110,23 @@ struct WideCurve {
 
     [[nodiscard]] Point At(int i) const noexcept { return {static_cast<float>(x[i]), static_cast<float>(y[i])}; }
 
-    /// Steps per curve, as a power of two, that the flattener starts with: 2^k where 4^k >= second difference / 6t.
+    /// Steps per curve, as a power of two, that the flattener starts with: 2^k where 4^k >= second difference / 6t. The
+    /// tolerance is at least what floats resolve where the box of the control points comes nearest to the origin. A
+    /// curve that reaches so far that its ends are floats much coarser than that needs halving too, however straight it
+    /// is.
     [[nodiscard]] bool NeedsMoreSteps(uint32_t steps, float tolerance) const noexcept {
-        double most = 0;
+        constexpr double kMuch = 4;
+        double most = 0, nearest = 0, farthest = 0;
         for (const double* v : {x, y}) {
             most = std::max({most, std::fabs(v[0] - 2 * v[1] + v[2]), std::fabs(v[1] - 2 * v[2] + v[3])});
+            const auto [low, high] = std::minmax({v[0], v[1], v[2], v[3]});
+            nearest = std::max({nearest, low, -high});
+            farthest = std::max({farthest, -low, high});
         }
-        return most > static_cast<double>(std::max(tolerance, CurveFlattener::kEpsilon)) * steps * steps;
+        constexpr auto kResolution = static_cast<double>(CurveFlattener::kResolution);
+        const double limit = std::max<double>({tolerance, CurveFlattener::kEpsilon, nearest * kResolution});
+        return most > limit * steps * steps ||
+               farthest * kResolution > kMuch * std::max(limit, 4 * nearest * kResolution);
     }
 
     /// Whether the flattener's sums of up to 24 coordinates might leave the floats, which costs it all its steps.

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// A sweep over straight lines that are never bent (Bentley and Ottmann 1979): its order is that of the exact lines, so
+// it is never wrong, and one sweep finds every crossing. What it finds it tells a listener; it changes nothing but
+// GridEdge::block of its lines.
+//
+// Time: an event for each end and each pair of lines that become neighbours and cross, n + k log n with k crossings,
+// and for each question (see Ask) a search and what is found.
+#pragma once
+
+#include <span>
+
+#include "CrossPoint.h"
+#include "SweepStatus.h"
+
+namespace Graphics {
+
+class LineSweep {
+public:
+    class Listener {
+    public:
+        virtual ~Listener() = default;
+        /// Lines meet or end at a point, `at` being the nearest grid point: `through` are those that come to it, from
+        /// left to right, `onward` those that go on or begin there, from left to right. `left` is the line at the left,
+        /// kNone without any. `isEnd`: a line ends or begins there, so `at` is the point itself.
+        virtual void Meet(const GridPoint& at, bool isEnd, uint32_t left, std::span<const uint32_t> through,
+                          std::span<const uint32_t> onward) = 0;
+        /// A line touches what a question asks about.
+        virtual void Answer(uint32_t question, uint32_t line) = 0;
+    };
+
+    /// `lines` are edges whose lo comes before hi.
+    explicit LineSweep(HeapArray<GridEdge>& lines) noexcept : m_lines(lines), m_status(lines) {}
+    LineSweep(const LineSweep&) = delete;
+    LineSweep& operator=(const LineSweep&) = delete;
+
+    /// Asks for the lines that touch the level segment of length 2 to the right of a point, of which no line is level
+    /// and no line ends in the row. Questions are numbered as they come.
+    void Ask(const GridPoint& from) {
+        m_questions.push_back({SweepKey(from), static_cast<uint32_t>(m_questions.size())});
+    }
+    void Run(Listener& listener);
+
+private:
+    static constexpr uint32_t kNone = GridEdge::kNone;
+    using Place = SweepStatus::Place;
+
+    struct Event {
+        uint64_t key;
+        uint32_t index;
+    };
+    struct Crossing {
+        CrossPoint at;
+        uint32_t left, right;
+    };
+
+    void Sort(HeapArray<Event>& events);
+    void Stop(Listener& listener, const GridPoint& point, bool isEnd);
+    void TakeCrossings(const CrossPoint* cross, const GridPoint& point);
+    [[nodiscard]] bool Touches(uint32_t line, const CrossPoint* cross, const GridPoint& point) noexcept;
+    void LookAhead(uint32_t left, uint32_t right);
+    void Reply(Listener& listener, const Event& question);
+
+    HeapArray<GridEdge>& m_lines;
+    SweepStatus m_status;
+    HeapArray<Event> m_begins, m_ends, m_questions;
+    HeapArray<Crossing> m_crossings; // a heap, the first on top
+    HeapArray<uint32_t> m_through, m_onward;
+    size_t m_begun = 0, m_ended = 0;
+    uint64_t m_comparisons = 0;
+};
+
+} // namespace Graphics

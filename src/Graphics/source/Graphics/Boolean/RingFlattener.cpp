@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#include "RingFlattener.h"
+
+#include "../Geometry/CurveFlattener.h"
+
+namespace Graphics {
+
+void RingFlattener::BeginFigure(const Point& start) {
+    m_ring.clear();
+    m_ring.push_back(start);
+}
+
+void RingFlattener::CubicTo(const Point& c1, const Point& c2, const Point& end) {
+    // Few steps at a time keep the flattener's sums of floats accurate. From the largest floats to the smallest
+    // tolerances it takes fewer halvings than there are here.
+    constexpr uint32_t kSteps = 16;
+    constexpr int kDepth = 96;
+    const auto place = [&](const WideCurve& c) {
+        const auto beyond = [](const double* v, double low, double high) {
+            return (v[0] < low && v[1] < low && v[2] < low && v[3] < low) ||
+                   (v[0] > high && v[1] > high && v[2] > high && v[3] > high);
+        };
+        if (!beyond(c.x, m_limits.left, m_limits.right) && !beyond(c.y, m_limits.top, m_limits.bottom)) {
+            return CurvePlace::Mixed;
+        }
+        m_ring.push_back(c.At(3));
+        return CurvePlace::Handled;
+    };
+    const Point from = m_ring.back();
+    FlattenBounded(
+        WideCurve(from, c1, c2, end), m_tolerance, kSteps, place, [&](const Point& p) { m_ring.push_back(p); }, kDepth);
+}
+
+} // namespace Graphics

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Sends the figures of a shape on as closed rings of lines.
+#pragma once
+
+#include "../Geometry/GeometrySink.h"
+#include "../ProcessHeap.h"
+#include "RingClipper.h"
+
+namespace Graphics {
+
+class RingFlattener : public GeometrySink {
+public:
+    /// Curves are flattened to within `tolerance`, and not at all outside of `limits`.
+    RingFlattener(const RingClipper::Box& limits, float tolerance) noexcept
+        : m_limits(limits), m_tolerance(tolerance) {}
+
+    void SetFillRule(uint32_t) override {}
+    void BeginFigure(const Point& start) override;
+    void EndFigure() override { TakeRing(m_ring); }
+    void EndFigureClose() override { TakeRing(m_ring); }
+    void LineTo(const Point& p) override { m_ring.push_back(p); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
+
+protected:
+    virtual void TakeRing(const HeapArray<Point>& ring) = 0;
+
+private:
+    const RingClipper::Box m_limits;
+    const float m_tolerance;
+    HeapArray<Point> m_ring;
+};
+
+} // namespace Graphics
