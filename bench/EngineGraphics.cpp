@@ -40,11 +40,12 @@ struct PathSink {
 
 class GraphicsDrawing final : public Drawing {
 public:
-    GraphicsDrawing(const Scene& scene, const Canvas& canvas) : m_scene(scene) {
+    GraphicsDrawing(const Scene& scene, const Canvas& canvas, bool adjust) : m_scene(scene) {
         const GXExtBufLayout layout = {static_cast<float>(canvas.width), static_cast<float>(canvas.height),
                                        static_cast<float>(canvas.stride), 96.0f, 96.0f};
         CHECK(GXCreateRenderTargetExtBuf(canvas.pixels, GXPixelFormatPBGRA32, &layout, &m_target));
         CHECK(GXRenderTargetBeginPaint(m_target));
+        CHECK(GXRenderTargetSetStrokeAdjustment(m_target, adjust ? 1 : 0));
         // The blend mode of a scene with a group is that inside the group.
         if (scene.group == Group::None) {
             CHECK(GXRenderTargetSetBlendMode(m_target, static_cast<GXBlendMode>(scene.blend)));
@@ -248,7 +249,10 @@ private:
 } // namespace
 
 const Engine kGraphics = {"Graphics", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
-                              return std::make_unique<GraphicsDrawing>(scene, canvas);
+                              return std::make_unique<GraphicsDrawing>(scene, canvas, true);
                           }};
+const Engine kGraphicsFree = {"free", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
+                                  return std::make_unique<GraphicsDrawing>(scene, canvas, false);
+                              }};
 
 } // namespace Bench
