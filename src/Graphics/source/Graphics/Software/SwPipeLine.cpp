@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "../Exception.h"
+#include "SwPixelMath.h"
 
 namespace Graphics {
 namespace {
@@ -127,13 +128,14 @@ template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint)
     }
 }
 
-bool SwPipeLine::PlainBlock(const IntRect& r) const {
+bool SwPipeLine::PlainBlock(const IntRect& r) {
     if (m_isSolid) {
         if (m_isOpaque) {
             m_kernels.fillBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid,
                                 static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
         } else {
-            ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { m_kernels.normalSolid(dst, m_solid, nullptr, n); });
+            const CoverageRun run{r.left, r.right, nullptr, 255};
+            SolidRows(r.top, r.bottom, {&run, 1});
         }
         return true;
     }
@@ -141,14 +143,7 @@ bool SwPipeLine::PlainBlock(const IntRect& r) const {
     if (block.pixels == nullptr) {
         return false;
     }
-    ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
-        const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
-        if (!block.hasAlpha) {
-            m_kernels.copyOpaque(dst, src, n);
-        } else {
-            m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), nullptr, n);
-        }
-    });
+    DirectRun(r, block, nullptr);
     return true;
 }
 
@@ -162,14 +157,93 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
     }
 }
 
-bool SwPipeLine::Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) {
-    if (!m_isSolid || !IsPlain()) {
+/// Constant coverage scales the colour once for all rows.
+void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+    const IntRect r = Intersect({runs.front().x0, y0, runs.back().x1, y1}, m_bounds);
+    if (IsEmpty(r) || m_solid >> 24 == 0) {
+        return;
+    }
+    const auto rows = static_cast<size_t>(r.bottom - r.top);
+    for (size_t i = 0; i < runs.size();) {
+        const CoverageRun& run = runs[i++];
+        const int32_t x0 = std::max(run.x0, r.left);
+        int32_t x1 = std::min(run.x1, r.right);
+        if (x0 >= x1) {
+            continue;
+        }
+        uint32_t* const dst = Pixels(x0, r.top);
+        if (run.shape != nullptr) {
+            m_kernels.normalSolidBlock(dst, m_target.colorStride, m_solid, run.shape + (x0 - run.x0), 0,
+                                       static_cast<size_t>(x1 - x0), rows);
+            continue;
+        }
+        // A run of one pixel, a longer one and a run of one pixel go together.
+        const auto follows = [&](int32_t x) {
+            return i < runs.size() && runs[i].x0 == x && runs[i].shape == nullptr && x < r.right;
+        };
+        const auto colorOf = [&](const CoverageRun& of) {
+            return of.value == 255 ? m_solid : ScalePixel(m_solid, of.value + 1U);
+        };
+        const uint32_t left = colorOf(run);
+        uint32_t inner = left;
+        if (x1 - x0 == 1 && follows(x1)) {
+            inner = colorOf(runs[i]);
+            x1 = std::min(runs[i++].x1, r.right);
+        }
+        uint32_t right = inner;
+        if (follows(x1) && runs[i].x1 - runs[i].x0 == 1) {
+            right = colorOf(runs[i]);
+            x1 = runs[i++].x1;
+        }
+        m_kernels.solidRectangle(dst, m_target.colorStride, left, inner, right, static_cast<size_t>(x1 - x0), rows);
+    }
+}
+
+void SwPipeLine::DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape) {
+    ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
+        const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
+        if (block.hasAlpha) {
+            m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), shape, n);
+        } else if (shape == nullptr) {
+            m_kernels.copyOpaque(dst, src, n);
+        } else {
+            m_kernels.copyOpaque(m_buffers.color.data(), src, n);
+            m_kernels.normalVarying(dst, m_buffers.color.data(), shape, n);
+        }
+    });
+}
+
+bool SwPipeLine::TakesAnyCuts(const IntRect& r) const {
+    if (m_shapeMaskCount != 0 || m_hasOpacityMask) {
         return false;
     }
-    const IntRect r = Intersect({x0, y0, x1, y1}, m_bounds);
-    if (!IsEmpty(r)) {
-        m_kernels.normalSolidBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid, shape + (r.left - x0), 0,
-                                   static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
+    const IntRect seen = Intersect(r, m_bounds);
+    return m_isSolid || IsEmpty(seen) || m_source->DirectBlock(seen).pixels != nullptr;
+}
+
+bool SwPipeLine::Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+    if (!IsPlain() || m_joins) {
+        return false;
+    }
+    if (m_isSolid) {
+        SolidRows(y0, y1, runs);
+        return true;
+    }
+    for (const CoverageRun& run : runs) {
+        const IntRect r = Intersect({run.x0, y0, run.x1, y1}, m_bounds);
+        if (IsEmpty(r)) {
+            continue;
+        }
+        const uint8_t* shape = run.shape == nullptr ? nullptr : run.shape + (r.left - run.x0);
+        if (shape == nullptr && run.value != 255) {
+            std::memset(m_buffers.shape.data(), run.value, static_cast<size_t>(r.right - r.left));
+            shape = m_buffers.shape.data();
+        }
+        if (const SwDirectBlock block = m_source->DirectBlock(r); block.pixels != nullptr) {
+            DirectRun(r, block, shape);
+        } else {
+            ForRows(r, [&](int32_t y, uint32_t*, size_t) { Composite(y, r.left, r.right, shape); });
+        }
     }
     return true;
 }

@@ -61,6 +61,21 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     }
 }
 
+void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
+                    size_t rows) {
+    auto* row = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, row += strideBytes) {
+        auto* pixels = reinterpret_cast<uint32_t*>(row);
+        pixels[0] = Over(pixels[0], left);
+        for (size_t i = 1; i + 1 < count; ++i) {
+            pixels[i] = Over(pixels[i], inner);
+        }
+        if (count > 1) {
+            pixels[count - 1] = Over(pixels[count - 1], right);
+        }
+    }
+}
+
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);

@@ -3,8 +3,8 @@
 //
 // A set's source defines GX_KERNEL_NAMESPACE and GX_KERNEL_BYTES (the register's size) before it includes this file, so
 // that no inline function compiled for one processor can be linked into code for another. It then supplies, in the same
-// namespace, what the language cannot express: loads and stores of part of a row, bytes to lanes and back, square
-// root, and the test of a mask. SwKernelsLoops.h builds the kernels from both.
+// namespace, what the language cannot express: loads and stores of part of a row, bytes to lanes and back, high halves
+// of products, square root, and the test of a mask. SwKernelsLoops.h builds the kernels from both.
 //
 // A pixel is one 32-bit lane. Channels are multiplied in 16-bit lanes, two to a pixel: a byte times a factor up to 256
 // fits, and both shifts stay inside their lane.
@@ -66,9 +66,13 @@ GX_INLINE U32 SpreadBytes(U32 v) noexcept {
 GX_INLINE U32 FactorOf(U32 v) noexcept { return Spread(v) + 0x00010001U; }
 GX_INLINE U32 ComplementOf(U32 v) noexcept { return 0x01000100U - Spread(v); }
 
-/// Each channel (channel * k) >> 8, the factor spread.
+/// The high halves of the products.
+GX_INLINE U16 MultiplyHigh(U16 a, U16 b) noexcept;
+
+/// Each channel (channel * k) >> 8, the factor spread: 256 channel k >> 16 for the even ones, whose shift to the top of
+/// the lane drops the odd ones.
 GX_INLINE U32 Scale(U32 x, U32 k) noexcept {
-    const U16 even = ((U16)(x & 0x00FF00FFU) * (U16)k) >> 8;
+    const U16 even = MultiplyHigh((U16)x << 8, (U16)k);
     const U16 odd = (((U16)x >> 8) * (U16)k) & 0xFF00U;
     return (U32)(even | odd);
 }
