@@ -54,6 +54,9 @@ public:
             MakeImage();
         } else {
             MakeBrush();
+            if (scene.action == Action::Mask) {
+                MakeAlpha();
+            }
             for (const Shape& outline : scene.text.outlines) {
                 m_outlines.push_back(Build(outline));
             }
@@ -114,6 +117,14 @@ public:
 
 private:
     void DrawContent() {
+        if (m_scene.action == Action::Mask) {
+            for (const Map& map : m_scene.placements) {
+                const GXMatrix matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};
+                GXRenderTargetSetCTM(m_target, &matrix);
+                GXRenderTargetFillMask(m_target, m_bitmap, m_brush, nullptr, GXInterpolationNearest);
+            }
+            return;
+        }
         if (m_scene.action == Action::Image) {
             const auto filter = m_scene.filter == Filter::Nearest ? GXInterpolationNearest : GXInterpolationLinear;
             for (const Map& map : m_scene.placements) {
@@ -228,6 +239,15 @@ private:
         CHECK(GXCreateBitmap(&desc, &m_bitmap));
         const auto rowBytes = static_cast<uint32_t>(image.width) * 4;
         const GXBitmapData data = {const_cast<uint32_t*>(image.pixels.data()), rowBytes, rowBytes};
+        CHECK(GXBitmapCopyFromMemory(m_bitmap, nullptr, &data));
+    }
+
+    void MakeAlpha() {
+        const Image& image = m_scene.image;
+        const auto width = static_cast<uint32_t>(image.width);
+        const GXBitmapDesc desc = {width, static_cast<uint32_t>(image.height), GXPixelFormatAlpha8, 96.0f, 96.0f};
+        CHECK(GXCreateBitmap(&desc, &m_bitmap));
+        const GXBitmapData data = {const_cast<uint8_t*>(m_scene.imageAlpha.data()), width, width};
         CHECK(GXBitmapCopyFromMemory(m_bitmap, nullptr, &data));
     }
 

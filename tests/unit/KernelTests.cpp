@@ -264,6 +264,9 @@ TEST_P(KernelTest, CompositesOverABasicTarget) {
                 CheckPixels(
                     dst, shift, "blend", [&](uint32_t* p) { m_kernels->blend[mode](p, s.Row(), shapeRow, n); },
                     [&](uint32_t d, size_t i) { return ModeOracle(mode, d, src[i], at(i)); });
+                CheckPixels(
+                    dst, shift, "blendSolid", [&](uint32_t* p) { m_kernels->blendSolid[mode](p, color, shapeRow, n); },
+                    [&](uint32_t d, size_t i) { return ModeOracle(mode, d, color, at(i)); });
             }
         }
     });

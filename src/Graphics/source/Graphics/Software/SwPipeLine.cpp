@@ -27,12 +27,19 @@ void CheckMaskType(const SwMaskInput& mask) {
     }
 }
 
+/// The mask's values over columns [x0, x1) of row y where they lie in memory; null where they have to be made.
+[[nodiscard]] const uint8_t* MaskRow(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1) noexcept {
+    if (mask.plane != nullptr) {
+        return mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x);
+    }
+    return mask.type == GXMaskTypeAlpha ? mask.source->DirectAlpha(x0, x1, y) : nullptr;
+}
+
 /// Calls use(x, values, count) for each chunk of the mask's values over columns [x0, x1) of row y.
 template <class Use>
 void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
-    if (mask.plane != nullptr) {
-        use(x0, mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x),
-            static_cast<size_t>(x1 - x0));
+    if (const uint8_t* row = MaskRow(mask, y, x0, x1)) {
+        use(x0, row, static_cast<size_t>(x1 - x0));
         return;
     }
     alignas(64) uint32_t pixels[kMaskChunk];
@@ -280,9 +287,15 @@ void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8
     const bool masked = m_shapeMaskCount != 0 || clip != nullptr;
     if (shape == nullptr && (masked || value != 255)) {
         shape = m_buffers.shape.data();
-        if (clip != nullptr && m_shapeMaskCount == 0 && value == 255) {
-            // 255 scaled by m is m.
-            Composite(y, x0, x1, clip);
+        // 255 scaled by m is m: one mask alone is the coverage.
+        const uint8_t* alone = nullptr;
+        if (value == 255 && m_shapeMaskCount == 0) {
+            alone = clip;
+        } else if (value == 255 && m_shapeMaskCount == 1 && clip == nullptr) {
+            alone = MaskRow(m_shapeMasks[0], y, x0, x1);
+        }
+        if (alone != nullptr) {
+            Composite(y, x0, x1, alone);
             return;
         }
         std::memset(shape, value, count);
@@ -343,7 +356,11 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         return;
     }
     if (m_blendMode != 0) {
-        m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
+        if (m_isSolid && !m_hasOpacityMask) {
+            m_kernels.blendSolid[blend](dst, m_solid, shape, count);
+        } else {
+            m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
+        }
         return;
     }
     if (m_isSolid && !m_hasOpacityMask) {

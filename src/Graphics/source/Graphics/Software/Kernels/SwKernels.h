@@ -56,6 +56,8 @@ struct SwKernels {
     /// The other modes over a basic target, by blend mode number; entry 0 is never used by the renderer, entry 16
     /// serves every number above 15.
     void (*blend[kBlendCount])(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
+    /// The same with one colour for all pixels, what depends on it alone being found once for a row.
+    void (*blendSolid[kBlendCount])(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
 
     /// Drawing into a group: Normal, and the other modes as above.
     void (*layerNormal)(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count);

@@ -108,6 +108,12 @@ template <class Mode> void BlendRow(uint32_t* dst, const uint32_t* src, const ui
     }
 }
 
+template <class Mode> void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        BlendRow<Mode>(dst + i, &color, shape == nullptr ? nullptr : shape + i, 1);
+    }
+}
+
 /// Normal inside a group: source over what lies under it.
 struct LayerOver {
     static uint32_t Pixel(uint32_t under, uint32_t c) noexcept { return Scale(under, 256U - Alpha(c)) + c; }
@@ -246,6 +252,7 @@ void Invert(uint32_t* dst, size_t count) {
             row(Separable<Normal>)                                                                                     \
     }
 #define GX_BLEND_ROW(...) BlendRow<__VA_ARGS__>
+#define GX_BLEND_SOLID_ROW(...) BlendSolidRow<__VA_ARGS__>
 #define GX_LAYER_ROW(...) LayerRow<LayerBlended<__VA_ARGS__>>
 
 constexpr SwKernels kTable = GX_KERNEL_TABLE("scalar");
