@@ -31,7 +31,8 @@ struct Engine {
     std::unique_ptr<Drawing> (*prepare)(const Scene& scene, const Canvas& canvas);
 };
 
-extern const Engine kGraphics;
+extern const Engine kGraphics;     ///< with stroke adjustment, as a target begins
+extern const Engine kGraphicsFree; ///< without
 extern const Engine kCairo;
 extern const Engine kAgg;
 extern const Engine kQt;

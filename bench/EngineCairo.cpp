@@ -96,7 +96,9 @@ public:
             cairo_push_group(m_cairo);
         }
         cairo_set_operator(m_cairo, kOperators[m_scene.blend]);
-        if (m_scene.action == Action::Image) {
+        if (m_scene.action == Action::Mask) {
+            DrawAlpha();
+        } else if (m_scene.action == Action::Image) {
             DrawImages();
         } else {
             cairo_set_source(m_cairo, m_pattern);
@@ -117,6 +119,17 @@ public:
     void Flush() override { cairo_surface_flush(m_surface); }
 
 private:
+    void DrawAlpha() {
+        cairo_surface_t* alpha =
+            cairo_image_surface_create_for_data(const_cast<uint8_t*>(m_scene.imageAlpha.data()), CAIRO_FORMAT_A8,
+                                                m_scene.image.width, m_scene.image.height, m_scene.image.width);
+        cairo_set_source(m_cairo, m_pattern);
+        for (const Map& map : m_scene.placements) {
+            cairo_mask_surface(m_cairo, alpha, static_cast<double>(map.dx), static_cast<double>(map.dy));
+        }
+        cairo_surface_destroy(alpha);
+    }
+
     void DrawImages() {
         for (const Map& map : m_scene.placements) {
             const cairo_matrix_t matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};

@@ -40,11 +40,12 @@ struct PathSink {
 
 class GraphicsDrawing final : public Drawing {
 public:
-    GraphicsDrawing(const Scene& scene, const Canvas& canvas) : m_scene(scene) {
+    GraphicsDrawing(const Scene& scene, const Canvas& canvas, bool adjust) : m_scene(scene) {
         const GXExtBufLayout layout = {static_cast<float>(canvas.width), static_cast<float>(canvas.height),
                                        static_cast<float>(canvas.stride), 96.0f, 96.0f};
         CHECK(GXCreateRenderTargetExtBuf(canvas.pixels, GXPixelFormatPBGRA32, &layout, &m_target));
         CHECK(GXRenderTargetBeginPaint(m_target));
+        CHECK(GXRenderTargetSetStrokeAdjustment(m_target, adjust ? 1 : 0));
         // The blend mode of a scene with a group is that inside the group.
         if (scene.group == Group::None) {
             CHECK(GXRenderTargetSetBlendMode(m_target, static_cast<GXBlendMode>(scene.blend)));
@@ -53,6 +54,9 @@ public:
             MakeImage();
         } else {
             MakeBrush();
+            if (scene.action == Action::Mask) {
+                MakeAlpha();
+            }
             for (const Shape& outline : scene.text.outlines) {
                 m_outlines.push_back(Build(outline));
             }
@@ -113,6 +117,14 @@ public:
 
 private:
     void DrawContent() {
+        if (m_scene.action == Action::Mask) {
+            for (const Map& map : m_scene.placements) {
+                const GXMatrix matrix = {map.xx, map.xy, map.yx, map.yy, map.dx, map.dy};
+                GXRenderTargetSetCTM(m_target, &matrix);
+                GXRenderTargetFillMask(m_target, m_bitmap, m_brush, nullptr, GXInterpolationNearest);
+            }
+            return;
+        }
         if (m_scene.action == Action::Image) {
             const auto filter = m_scene.filter == Filter::Nearest ? GXInterpolationNearest : GXInterpolationLinear;
             for (const Map& map : m_scene.placements) {
@@ -230,6 +242,15 @@ private:
         CHECK(GXBitmapCopyFromMemory(m_bitmap, nullptr, &data));
     }
 
+    void MakeAlpha() {
+        const Image& image = m_scene.image;
+        const auto width = static_cast<uint32_t>(image.width);
+        const GXBitmapDesc desc = {width, static_cast<uint32_t>(image.height), GXPixelFormatAlpha8, 96.0f, 96.0f};
+        CHECK(GXCreateBitmap(&desc, &m_bitmap));
+        const GXBitmapData data = {const_cast<uint8_t*>(m_scene.imageAlpha.data()), width, width};
+        CHECK(GXBitmapCopyFromMemory(m_bitmap, nullptr, &data));
+    }
+
     static constexpr float kFaceEm = 100;
 
     const Scene& m_scene;
@@ -248,7 +269,10 @@ private:
 } // namespace
 
 const Engine kGraphics = {"Graphics", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
-                              return std::make_unique<GraphicsDrawing>(scene, canvas);
+                              return std::make_unique<GraphicsDrawing>(scene, canvas, true);
                           }};
+const Engine kGraphicsFree = {"free", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
+                                  return std::make_unique<GraphicsDrawing>(scene, canvas, false);
+                              }};
 
 } // namespace Bench

@@ -3,6 +3,7 @@
 // shows the best of several runs, as time of one draw call for Cairo and as ratios to it for the others.
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -10,6 +11,7 @@
 #include <limits>
 #include <sstream>
 
+#include "BestKnown.h"
 #include "Engine.h"
 
 namespace Bench {
@@ -136,67 +138,137 @@ std::vector<Lane> Measure(const Scene& scene, const std::vector<const Engine*>& 
     return lanes;
 }
 
-std::string Cell(const Lane& lane, double reference) {
+std::string Number(double value) {
     char text[32] = "-";
-    if (lane.drawing != nullptr) {
-        std::snprintf(text, sizeof text, "%.2f", reference / lane.best);
+    if (value > 0) {
+        std::snprintf(text, sizeof text, "%.2f", value);
     }
     return text;
 }
 
-void PrintRow(const std::string& name, const std::vector<Lane>& lanes, bool tabs) {
-    const auto find = [&](const Engine& engine) -> const Lane* {
+/// One cell a column; on a terminal each is as wide as its title asks for.
+class Table {
+public:
+    explicit Table(bool tabs) : m_tabs(tabs) {}
+
+    void Cell(const std::string& text, int width) {
+        if (m_tabs) {
+            std::printf(m_first ? "%s" : "\t%s", text.c_str());
+        } else {
+            std::printf(m_first ? "%-*s" : " %*s", width, text.c_str());
+        }
+        m_first = false;
+    }
+    void End() {
+        std::printf("\n");
+        std::fflush(stdout);
+        m_first = true;
+    }
+
+private:
+    bool m_tabs;
+    bool m_first = true;
+};
+
+constexpr int kNameWidth = 28;
+constexpr int kTimeWidth = 10;
+constexpr int kRatioWidth = 8;
+
+/// How the scenes stand against the best column.
+class Standing {
+public:
+    void Add(double ratio) {
+        ++m_count;
+        m_level += ratio >= 1.0 ? 1 : 0;
+        m_logs += std::log(ratio);
+        m_least = std::min(m_least, ratio);
+    }
+    void Print(const char* state) const {
+        if (m_count != 0) {
+            std::printf("adjustment %s: %d of %d scenes level with the best known or ahead, mean %.2f, least %.2f\n",
+                        state, m_level, m_count, std::exp(m_logs / m_count), m_least);
+        }
+    }
+
+private:
+    int m_count = 0;
+    int m_level = 0;
+    double m_logs = 0;
+    double m_least = std::numeric_limits<double>::infinity();
+};
+
+struct Summary {
+    Standing on;
+    Standing off;
+};
+
+void PrintRow(const std::string& name, const std::vector<Lane>& lanes, bool tabs, Summary& summary) {
+    const auto find = [&](const char* engine) -> const Lane* {
         for (const Lane& lane : lanes) {
-            if (lane.engine == &engine && lane.drawing != nullptr) {
+            if (std::strcmp(lane.engine->name, engine) == 0 && lane.drawing != nullptr) {
                 return &lane;
             }
         }
         return nullptr;
     };
     const Lane& ours = lanes[0];
-    const Lane* base = nullptr;
-    const Lane* limit = find(kMemset);
-#if defined(BENCH_HAS_CAIRO)
-    base = find(kCairo);
-#endif
+    const Lane& free = lanes[1];
+    const Lane* base = find("Cairo");
+    const Lane* limit = find(kMemset.name);
     // Without Cairo the ratios are to this library.
     const double reference = base != nullptr ? base->best : ours.best;
-    std::printf(tabs ? "%s\t%.3f" : "%-28s %10.3f", name.c_str(), ours.best * 1e6);
-    std::printf(tabs ? "\t%s" : " %9s", Cell(ours, reference).c_str());
-    for (size_t i = 1; i < lanes.size(); ++i) {
+    const double best = base != nullptr ? BestRatio(name) : 0.0;
+    Table table(tabs);
+    table.Cell(name, kNameWidth);
+    char time[32];
+    std::snprintf(time, sizeof time, "%.3f", ours.best * 1e6);
+    table.Cell(time, kTimeWidth);
+    table.Cell(Number(reference / ours.best), kRatioWidth);
+    table.Cell(Number(reference / free.best), kRatioWidth);
+    table.Cell(Number(best), kRatioWidth);
+    const auto against = [&](const Lane& lane) { return best > 0 ? reference / lane.best / best : 0.0; };
+    table.Cell(Number(against(ours)), kRatioWidth);
+    table.Cell(Number(against(free)), kRatioWidth);
+    if (best > 0) {
+        summary.on.Add(against(ours));
+        summary.off.Add(against(free));
+    }
+    for (size_t i = 2; i < lanes.size(); ++i) {
         if (lanes[i].engine == &kMemset) {
             continue;
         }
         if (&lanes[i] == base) {
-            std::printf(tabs ? "\t%.3f" : " %10.3f", base->best * 1e6);
+            std::snprintf(time, sizeof time, "%.3f", base->best * 1e6);
+            table.Cell(time, kTimeWidth);
         } else {
-            std::printf(tabs ? "\t%s" : " %8s", Cell(lanes[i], reference).c_str());
+            table.Cell(lanes[i].drawing != nullptr ? Number(reference / lanes[i].best) : "-", kRatioWidth);
         }
     }
-    char part[32] = "-";
-    if (limit != nullptr) {
-        std::snprintf(part, sizeof part, "%.2f", ours.best / limit->best);
-    }
-    std::printf(tabs ? "\t%s" : " %9s", part);
+    table.Cell(limit != nullptr ? Number(ours.best / limit->best) : "-", kRatioWidth);
     char difference[32] = "-";
     if (base != nullptr) {
         std::snprintf(difference, sizeof difference, "%.3f", Difference(ours.pixels, base->pixels));
     }
-    std::printf(tabs ? "\t%s\n" : " %8s\n", difference);
-    std::fflush(stdout);
+    table.Cell(difference, kRatioWidth);
+    table.End();
 }
 
 void PrintHead(const std::vector<const Engine*>& engines, bool tabs) {
-    std::printf(tabs ? "scene\tus\tratio" : "%-28s %10s %9s", "scene", "us", "x Cairo");
-    for (const Engine* engine : engines) {
-        if (engine == &kGraphics || engine == &kMemset) {
-            continue;
-        }
-        const bool isBase = std::strcmp(engine->name, "Cairo") == 0;
-        const std::string title = isBase ? "Cairo us" : engine->name;
-        std::printf(tabs ? "\t%s" : isBase ? " %10s" : " %8s", title.c_str());
+    Table table(tabs);
+    table.Cell("scene", kNameWidth);
+    table.Cell("us", kTimeWidth);
+    for (const char* title : {"x Cairo", "off", "best", "/ best", "off/best"}) {
+        table.Cell(title, kRatioWidth);
     }
-    std::printf(tabs ? "\t%s\t%s\n" : " %9s %8s\n", "/ memset", "diff");
+    for (size_t i = 2; i < engines.size(); ++i) {
+        if (engines[i] != &kMemset) {
+            const bool isBase = std::strcmp(engines[i]->name, "Cairo") == 0;
+            table.Cell(isBase ? "Cairo us" : engines[i]->name, isBase ? kTimeWidth : kRatioWidth);
+        }
+    }
+    table.Cell("/ memset", kRatioWidth);
+    table.Cell("diff", kRatioWidth);
+    table.End();
 }
 
 std::string ProcessorName() {
@@ -251,7 +323,7 @@ Options Parse(int argc, char** argv) {
 int main(int argc, char** argv) {
     using namespace Bench;
     const Options options = Parse(argc, argv);
-    std::vector<const Engine*> engines = {&kGraphics};
+    std::vector<const Engine*> engines = {&kGraphics, &kGraphicsFree};
 #if defined(BENCH_HAS_CAIRO)
     engines.push_back(&kCairo);
 #endif
@@ -268,6 +340,7 @@ int main(int argc, char** argv) {
                     options.runs);
         PrintHead(engines, options.tabs);
     }
+    Summary summary;
     for (const SceneEntry& entry : AllScenes()) {
         if (!Wanted(entry.name, options)) {
             continue;
@@ -277,7 +350,11 @@ int main(int argc, char** argv) {
             continue;
         }
         const Scene scene = entry.make();
-        PrintRow(entry.name, Measure(scene, engines, options), options.tabs);
+        PrintRow(entry.name, Measure(scene, engines, options), options.tabs, summary);
+    }
+    if (!options.tabs) {
+        summary.on.Print("on");
+        summary.off.Print("off");
     }
     return 0;
 }

@@ -82,7 +82,7 @@ struct Paint {
 };
 
 enum class Join { Miter, Round, Bevel };
-enum class Action { Fill, Stroke, Image };
+enum class Action { Fill, Stroke, Image, Mask };
 enum class Filter { Nearest, Bilinear };
 /// A transparency group around the whole drawing, as large as the canvas.
 enum class Group { None, Isolated, NonIsolated, Knockout };
@@ -128,6 +128,8 @@ struct Scene {
     Join join = Join::Miter;
     int blend = 0; ///< 0 Normal, then in the order of the PDF imaging model up to 15 Luminosity
     Image image;
+    /// Of Action::Mask: the alpha of the image's pixels alone, a byte each, filled with the paint.
+    std::vector<uint8_t> imageAlpha;
     std::vector<Map> placements; ///< of the image, one draw each
     Filter filter = Filter::Nearest;
     Text text;  ///< when it has uses: the shapes once more, drawn by the engine's own means for text where it has any
@@ -139,9 +141,7 @@ struct Scene {
     std::vector<uint8_t> mask;
     bool whole = false; ///< the time is that of the whole drawing, not of one shape
 
-    [[nodiscard]] size_t Draws() const {
-        return whole ? 1 : action == Action::Image ? placements.size() : shapes.size();
-    }
+    [[nodiscard]] size_t Draws() const { return whole ? 1 : placements.empty() ? shapes.size() : placements.size(); }
 };
 
 struct SceneEntry {

@@ -316,6 +316,22 @@ public:
         });
     }
 
+    void AlphaMask(const std::string& name) {
+        Add(name, [=] {
+            Scene scene = Base(1000, {});
+            scene.action = Action::Mask;
+            scene.image = MakeImage(256, false);
+            for (const uint32_t pixel : scene.image.pixels) {
+                scene.imageAlpha.push_back(static_cast<uint8_t>(pixel >> 24));
+            }
+            Random random(9);
+            for (int i = 0; i < 16; ++i) {
+                scene.placements.push_back({1, 0, 0, 1, std::floor(random(0, 744)), std::floor(random(0, 744))});
+            }
+            return scene;
+        });
+    }
+
     void Add(const std::string& name, std::function<Scene()> make) {
         m_entries.push_back({name, [=] {
                                  Scene scene = make();
@@ -437,6 +453,7 @@ void Paints(Table& table) {
     const Map turned = {0.8f, 0.6f, -0.6f, 0.8f, 0, 0};
     table.Picture("image_blit_opaque", 1000, true, {}, Filter::Nearest);
     table.Picture("image_blit_alpha", 1000, false, {}, Filter::Nearest);
+    table.AlphaMask("mask_a8_solid_256");
     table.Picture("image_scale2.3_nearest", 1000, false, {2.3f, 0, 0, 2.3f, 0, 0}, Filter::Nearest);
     table.Picture("image_scale2.3_bilinear", 1000, false, {2.3f, 0, 0, 2.3f, 0, 0}, Filter::Bilinear);
     table.Picture("image_scale0.7_bilinear", 1000, false, {0.7f, 0, 0, 0.7f, 0, 0}, Filter::Bilinear);

@@ -44,11 +44,13 @@ public:
             }
         }
     }
-    bool Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) override {
+    bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override {
         for (int32_t y = y0; m_blocks && y < y1; ++y) {
-            for (int32_t x = x0; x < x1; ++x) {
-                EXPECT_EQ(grid.At(x, y), 0) << "twice at " << x << ", " << y;
-                grid.At(x, y) = shape[x - x0];
+            for (const CoverageRun& run : runs) {
+                for (int32_t x = run.x0; x < run.x1; ++x) {
+                    EXPECT_EQ(grid.At(x, y), 0) << "twice at " << x << ", " << y;
+                    grid.At(x, y) = run.shape == nullptr ? run.value : run.shape[x - run.x0];
+                }
             }
         }
         taken += m_blocks ? 1 : 0;

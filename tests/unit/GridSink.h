@@ -55,6 +55,7 @@ public:
         return m_takeBands;
     }
     void TrapezoidBand(const Trapezoid& band) override { bands.push_back(band); }
+    [[nodiscard]] bool TakesAnyCuts(const IntRect&) const override { return anyCuts; }
 
     Grid grid;
     std::vector<IntRect> rectangles;
@@ -62,6 +63,7 @@ public:
     int32_t lastRow = INT32_MIN;
     std::pair<int32_t, int32_t> subs{};
     int begins = 0;
+    bool anyCuts = false; ///< else rows come as the band scanner cuts them
 
 private:
     bool m_takeBands;

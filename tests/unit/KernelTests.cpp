@@ -264,8 +264,41 @@ TEST_P(KernelTest, CompositesOverABasicTarget) {
                 CheckPixels(
                     dst, shift, "blend", [&](uint32_t* p) { m_kernels->blend[mode](p, s.Row(), shapeRow, n); },
                     [&](uint32_t d, size_t i) { return ModeOracle(mode, d, src[i], at(i)); });
+                CheckPixels(
+                    dst, shift, "blendSolid", [&](uint32_t* p) { m_kernels->blendSolid[mode](p, color, shapeRow, n); },
+                    [&](uint32_t d, size_t i) { return ModeOracle(mode, d, color, at(i)); });
             }
         }
+    });
+}
+
+TEST_P(KernelTest, SolidRectanglesHaveOneColourAtEachSide) {
+    ForRows(17, [&](Source& random, size_t n, size_t shift) {
+        if (n == 0) {
+            return;
+        }
+        const size_t rows = 1 + random.Number(4);
+        const size_t step = n + random.Number(3);
+        std::vector<uint32_t> dst(step * rows);
+        random.Fill(dst);
+        uint32_t left = random.Pixel();
+        uint32_t inner = random.Pixel();
+        uint32_t right = random.Pixel();
+        if (random.Number(2) == 0) {
+            right = left = inner;
+        }
+        CheckPixels(
+            dst, shift, "solidRectangle",
+            [&](uint32_t* p) { m_kernels->solidRectangle(p, ptrdiff_t(step) * 4, left, inner, right, n, rows); },
+            [&](uint32_t d, size_t i) {
+                const size_t x = i % step;
+                const uint32_t c = x == 0 ? left : x + 1 == n ? right : inner;
+                if (x >= n) {
+                    return d;
+                }
+                // A colour without alpha still settles what a transparent pixel holds.
+                return c >> 24 != 0 ? NormalOracle(d, c, 255) : d >> 24 == 0 ? c : d + c;
+            });
     });
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -277,7 +278,7 @@ TEST_F(RasterizerTest, UprightRectanglesBecomeWholePixels) {
         const Point a{at(), at()};
         const Point b{random() % 4 == 0 ? a.x + 0.02F : at(), random() % 4 == 0 ? a.y + 0.1F : at()};
         IntRect r{};
-        const bool found = Rasterizer::SnapRectangle({0, 0, 64, 64}, a, b, r);
+        const bool found = Rasterizer::SnapRectangle({0, 0, 64, 64}, ToVertex(a), ToVertex(b), r);
         GridSink sink(all);
         m_rasterizer.Begin({0, 0, 64, 64}, all, true);
         Feed(m_rasterizer, {{a, {b.x, a.y}, b, {a.x, b.y}}});
@@ -285,6 +286,79 @@ TEST_F(RasterizerTest, UprightRectanglesBecomeWholePixels) {
         if (r.right > 0 && r.left < 64) { // beside the target a fill is dropped earlier
             ASSERT_EQ(found, !sink.rectangles.empty());
             ASSERT_TRUE(!found || r == sink.rectangles[0]) << a.x << ' ' << a.y << ' ' << b.x << ' ' << b.y;
+        }
+    }
+}
+
+/// Paints what comes into the grid and keeps where the runs of each row begin.
+class CutSink final : public GridSink {
+public:
+    CutSink(const IntRect& visible, bool any) : GridSink(visible) { anyCuts = any; }
+    void Row(int32_t y, std::span<CoverageRun> runs) override {
+        for (const CoverageRun& run : runs) {
+            cuts.push_back({y, run.x0, run.x1, run.shape == nullptr ? run.value : -1});
+            if (run.shape != nullptr) { // as a mask would
+                for (int32_t x = run.x0; x < run.x1; ++x) {
+                    grid.At(x, y) = std::exchange(run.shape[x - run.x0], uint8_t{99});
+                }
+            } else {
+                std::fill(&grid.At(run.x0, y), &grid.At(run.x0, y) + (run.x1 - run.x0), run.value);
+            }
+        }
+    }
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override {
+        for (int32_t y = top; y < bottom; ++y) {
+            std::fill(&grid.At(left, y), &grid.At(left, y) + (right - left), 255);
+        }
+    }
+    /// Row, begin, end and constant value (or -1) of the runs that are not all zeros.
+    std::vector<std::array<int32_t, 4>> Seen() {
+        std::erase_if(cuts, [&](const std::array<int32_t, 4>& run) {
+            const int* first = &grid.At(run[1], run[0]);
+            return std::all_of(first, first + (run[2] - run[1]), [](int v) { return v == 0; });
+        });
+        return cuts;
+    }
+
+private:
+    std::vector<std::array<int32_t, 4>> cuts;
+};
+
+TEST_F(RasterizerTest, RectanglesInClosedFormAreThoseOfTheBandScanner) {
+    std::mt19937 random(31);
+    const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<uint32_t>(n)); };
+    for (int round = 0; round < 6000; ++round) {
+        const int width = round % 3 == 0 ? 12 : 90;
+        const auto at = [&] {
+            const int v = pick(width * 128 + 1024) - 512;
+            return static_cast<float>(pick(3) == 0 ? v / 128 * 128 : v) / 128;
+        };
+        const Point a{at(), at()};
+        const Point b{pick(9) == 0 ? a.x + 0.3F : at(), pick(9) == 0 ? a.y + 0.3F : at()};
+        const Rect clip{0, 0, static_cast<float>(width), static_cast<float>(width)};
+        IntRect visible{0, 0, width, width};
+        if (pick(2) == 0) {
+            visible = {pick(width / 2), pick(width / 2), width - pick(width / 2), width - pick(width / 2)};
+        }
+        const Loop corners{a, {b.x, a.y}, b, {a.x, b.y}};
+        // A fifth vertex on a side leaves the edges as they are and the closed form out.
+        const Loop general{a, {(a.x + b.x) / 2, a.y}, {b.x, a.y}, b, {a.x, b.y}};
+        CutSink expected(visible, false), cut(visible, false), any(visible, true);
+        const auto fill = [&](const Loop& loop, CutSink& sink) {
+            m_rasterizer.Begin(clip, visible, false);
+            m_rasterizer.SetFillRule(round % 2 != 0 ? 1 : 0);
+            Feed(m_rasterizer, {loop});
+            m_rasterizer.Finish(sink);
+        };
+        fill(general, expected);
+        fill(corners, cut);
+        fill(corners, any);
+        const std::string what = "round " + std::to_string(round);
+        Compare(expected.grid, cut.grid, what);
+        Compare(expected.grid, any.grid, what + ", cut anywhere");
+        ASSERT_EQ(expected.Seen(), cut.Seen()) << what;
+        if (HasFatalFailure()) {
+            return;
         }
     }
 }

@@ -122,7 +122,7 @@ D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntR
 void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask) {
     CheckMasks();
     IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(m_rasterizer, *path.figure, State().transform, m_area, pixels)) {
+    if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
         const IntRect visible = Visible(pixels);
         if (!IsEmpty(visible)) {
             m_painter.DrawAll(CallFor(visible), ink, mask);

@@ -100,7 +100,8 @@ void GdipRenderTarget::FeedPath(const Shape& shape, bool snap, GdipPath& sink) {
     IntRect pixels;
     Point a, b;
     // Thin rules are at least one pixel, as on the screen.
-    if (snap && IsUpright(shape, transform, a, b) && m_rasterizer.SnapRectangle(ToRect(m_device.area), a, b, pixels)) {
+    if (snap && IsUpright(shape, transform, a, b) &&
+        Rasterizer::SnapRectangle(m_device.area, ToVertex(a), ToVertex(b), pixels)) {
         sink.SetFillRule(GXFillRuleNonZero);
         AddRectangle(sink, ToRect(pixels));
     } else {

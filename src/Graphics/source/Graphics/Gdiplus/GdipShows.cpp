@@ -44,7 +44,7 @@ namespace {
 bool GdipShows::Shows(const Brush& brush) const {
     switch (brush.Kind()) {
     case kBrushSolid:
-        return blends || GdipSolidColorSource::ColorOf(static_cast<const SolidBrush&>(brush)) >> 24 == 255;
+        return blends || static_cast<const SolidBrush&>(brush).argb >> 24 == 255;
     case kBrushBitmap: {
         const auto& b = static_cast<const BitmapBrush&>(brush);
         const Matrix toDevice = Concat(b.transform, transform);

@@ -26,13 +26,14 @@ public:
     float opacity = 1.0F;         ///< multiplies the alpha of every colour; any value, as the host gave it
 };
 
-/// One colour, straight, each channel in [0, 1].
+/// One colour, straight, each channel in [0, 1]. The opacity is part of it.
 class SolidBrush final : public Brush {
 public:
-    explicit SolidBrush(const Color& c) noexcept : color(c) {}
+    explicit SolidBrush(const Color& c) noexcept : color(c), argb(PackColor(c)) {}
     [[nodiscard]] uint32_t Kind() const noexcept override { return kBrushSolid; }
 
-    Color color;
+    const Color color;
+    const uint32_t argb; ///< the same, packed: every draw asks for it
 };
 
 /// Brush space is that of the bitmap's pixels. Later changes of the pixels are seen.

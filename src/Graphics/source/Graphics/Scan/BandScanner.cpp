@@ -41,8 +41,7 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
     } else {
         e.flags = minX < m_insideLeft || maxX > m_insideRight ? kEdgeClamp : 0;
         if (dx == 0) {
-            e.x = (a.x + ((a.x & 7) != 0 ? 7 : 0)) >> 4;
-            e.x = (e.x - m_leftSub) * kOne;
+            e.x = (int64_t{UprightColumn(a.x)} - m_leftSub) * kOne;
             e.step = 0;
         } else {
             const int32_t dy = b.y - a.y;
@@ -94,14 +93,16 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
     ++m_nextEdge;
 }
 
+bool BandScanner::Holds(int32_t minX, int32_t minY, int32_t maxX, int32_t maxY, int32_t subRows) noexcept {
+    return minX >= -kFarFine && maxX <= kFarFine && minY >= -kFarFine && maxY <= kFarFine && subRows <= 1 << 17 &&
+           (4 + 4 * static_cast<int64_t>(subRows)) * (static_cast<int64_t>(maxY) - minY) < kOne / 2;
+}
+
 bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
                        RasterizationSink& sink) {
-    if (shape.windingBound > 255 || shape.minX < -kFarFine || shape.maxX > kFarFine || shape.minY < -kFarFine ||
-        shape.maxY > kFarFine) {
+    if (shape.windingBound > 255) {
         return false;
     }
-    // A position is at most 1.5 sub units right of its side and half a one left of it: 32 fine units are room enough.
-    constexpr int32_t kRoom = 32;
     const int32_t left = std::max(visible.left, (shape.minX - kRoom) >> 7);
     const int32_t right = std::min(visible.right, ((shape.maxX + kRoom) >> 7) + 1);
     const int32_t firstRow = std::max(visible.top, shape.first >> 3);
@@ -112,9 +113,7 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     m_origin = firstRow * 8;
     m_first = std::max(shape.first, m_origin);
     m_last = std::min(shape.last, lastRow * 8);
-    if (m_last - m_first > 1 << 17 ||
-        (4 + 4 * static_cast<int64_t>(m_last - m_first)) * (static_cast<int64_t>(shape.maxY) - shape.minY) >=
-            kOne / 2) {
+    if (!Holds(shape.minX, shape.minY, shape.maxX, shape.maxY, m_last - m_first)) {
         return false;
     }
 

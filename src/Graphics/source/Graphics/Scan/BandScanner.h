@@ -13,6 +13,13 @@ public:
     /// Another table than the best one, for tests.
     void UseKernels(const BandKernels& kernels) noexcept { m_kernels = &kernels; }
 
+    /// A position is at most 1.5 sub units right of its side and half a one left of it: so many fine units are room
+    /// enough around a fill.
+    static constexpr int32_t kRoom = 32;
+
+    /// Whether the band form holds sides inside these limits (fine units) exactly over so many sub-scanlines.
+    [[nodiscard]] static bool Holds(int32_t minX, int32_t minY, int32_t maxX, int32_t maxY, int32_t subRows) noexcept;
+
     /// False, with nothing sent, when the fill is outside what the band form can hold exactly.
     [[nodiscard]] bool Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
                             RasterizationSink& sink);

@@ -13,9 +13,6 @@ namespace {
 // Pixels without coverage that cost less inside a stretch than a stretch of its own.
 constexpr int32_t kShortGap = 16;
 
-/// Where an upright edge stands.
-[[nodiscard]] int32_t Column(int32_t fine) noexcept { return (fine + ((fine & 7) != 0 ? 7 : 0)) >> 4; }
-
 } // namespace
 
 bool BoxScanner::Prepare(const EdgeBuilder& builder, const IntRect& visible, bool snap) {
@@ -26,7 +23,7 @@ bool BoxScanner::Prepare(const EdgeBuilder& builder, const IntRect& visible, boo
     bool row = true;
     bool column = true;
     builder.ForEachBox([&](const Vertex& a, const Vertex& c) {
-        const Box box{{Column(std::min(a.x, c.x)), Column(std::max(a.x, c.x))},
+        const Box box{{UprightColumn(std::min(a.x, c.x)), UprightColumn(std::max(a.x, c.x))},
                       {std::min(a.y, c.y) >> 4, std::max(a.y, c.y) >> 4}};
         const bool beside = std::max(a.x, c.x) <= builder.ClipLeft() || std::min(a.x, c.x) >= builder.ClipRight();
         if (beside || box.y.from == box.y.to || box.y.from >= builder.ClipLast() || box.y.to <= builder.ClipFirst()) {
@@ -130,19 +127,19 @@ void BoxScanner::SendRows(RasterizationSink& sink, int32_t from, int32_t to, int
             m_shape[i] = static_cast<uint8_t>(n * 4 - (n != 0 ? 1 : 0));
         }
     }
-    bool done = true;
-    for (const Stretch& s : m_stretches) {
-        done = done && sink.Block(s.from, from, s.to, to, m_shape.data() + (s.from - m_left));
-    }
-    if (done) {
+    const auto setRuns = [&](uint8_t* shape) {
+        m_runs.clear();
+        for (const Stretch& s : m_stretches) {
+            m_runs.push_back({s.from, s.to, shape + (s.from - m_left), 0});
+        }
+    };
+    setRuns(m_shape.data());
+    if (sink.Rows(from, to, {m_runs.data(), m_runs.size()})) {
         return;
     }
     for (int32_t y = from; y < to; ++y) {
         std::memcpy(m_scratch.data(), m_shape.data(), m_shape.size());
-        m_runs.clear();
-        for (const Stretch& s : m_stretches) {
-            m_runs.push_back({s.from, s.to, m_scratch.data() + (s.from - m_left), 0});
-        }
+        setRuns(m_scratch.data());
         sink.Row(y, {m_runs.data(), m_runs.size()});
     }
 }

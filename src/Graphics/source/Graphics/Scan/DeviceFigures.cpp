@@ -62,18 +62,29 @@ Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destin
             destination.top + distance(source.top, part.top) * sy};
 }
 
-bool SnapFigure(Rasterizer& rasterizer, const BasicFigure& figure, const Matrix& m, const IntRect& area,
-                IntRect& pixels) {
-    if (figure.GetKind() != BasicFigure::Kind::Rectangle || m.m01 != 0.0F || m.m10 != 0.0F) {
+bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Vertex& b) noexcept {
+    const bool straight = m.m01 == 0.0F && m.m10 == 0.0F;
+    const bool turned = m.m00 == 0.0F && m.m11 == 0.0F;
+    if (figure.GetKind() != BasicFigure::Kind::Rectangle || !(straight || turned)) {
         return false;
     }
     const Rect& r = figure.Box();
-    const Point a = Map(m, {r.left, r.top});
-    const Point b = Map(m, {r.right, r.bottom});
+    const Point from = Map(m, {r.left, r.top});
+    const Point to = Map(m, {r.right, r.bottom});
     // NaN compares false.
     const auto inBand = [](float v) { return std::fabs(v) < kDeviceBand; };
-    return inBand(a.x) && inBand(a.y) && inBand(b.x) && inBand(b.y) &&
-           rasterizer.SnapRectangle(ToRect(area), a, b, pixels);
+    if (!(inBand(from.x) && inBand(from.y) && inBand(to.x) && inBand(to.y))) {
+        return false;
+    }
+    a = ToVertex(from);
+    b = ToVertex(to);
+    return true;
+}
+
+bool SnapFigure(const BasicFigure& figure, const Matrix& m, const IntRect& area, IntRect& pixels) {
+    Vertex a;
+    Vertex b;
+    return UprightCorners(figure, m, a, b) && Rasterizer::SnapRectangle(area, a, b, pixels);
 }
 
 void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m, const StrokeStyle& style, float width,

@@ -4,10 +4,10 @@
 
 #include "../Geometry/BasicFigures.h"
 #include "../Matrix.h"
+#include "EdgeBuilder.h"
 
 namespace Graphics {
 
-class Rasterizer;
 class Shape;
 struct PenStorage;
 struct StrokeStyle;
@@ -34,8 +34,10 @@ struct StrokeStyle;
 [[nodiscard]] Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destination) noexcept;
 
 /// The whole pixels of a rectangle that stays upright under the matrix; false for everything else.
-[[nodiscard]] bool SnapFigure(Rasterizer& rasterizer, const BasicFigure& figure, const Matrix& m, const IntRect& area,
-                              IntRect& pixels);
+[[nodiscard]] bool SnapFigure(const BasicFigure& figure, const Matrix& m, const IntRect& area, IntRect& pixels);
+
+/// Two opposite corners, in fine units, of a rectangle that stays upright under the matrix; false for everything else.
+[[nodiscard]] bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Vertex& b) noexcept;
 
 /// Begins a fill with a stroke's outline; Finish is left to the caller. What the clip hides of the target `area` may be
 /// left out of it.

@@ -287,6 +287,17 @@ bool EdgeBuilder::TwoUprightEdges(Edge (&out)[2]) const {
     return count == 2 && out[0].first == out[1].first && out[0].last == out[1].last;
 }
 
+bool EdgeBuilder::UprightRectangle(Vertex& a, Vertex& b) const noexcept {
+    if (m_figures.size() != 1 || m_figures[0] != 4) {
+        return false;
+    }
+    const Vertex* const v = m_vertices.data();
+    a = v[0];
+    b = v[2];
+    return (v[1].y == a.y && v[1].x == b.x && v[3].x == a.x && v[3].y == b.y) ||
+           (v[1].x == a.x && v[1].y == b.y && v[3].y == a.y && v[3].x == b.x);
+}
+
 void EdgeBuilder::Build(HeapArray<Edge>& out, int32_t first, int32_t last) const {
     out.clear();
     out.reserve(m_vertices.size());

@@ -42,6 +42,11 @@ inline constexpr float kFineLimit = 1073741760.0F;
     return std::bit_cast<Vertex>(_mm_cvtsi128_si64(_mm_cvttps_epi32(v)));
 }
 
+/// Where an upright edge stands: the sub column, from fine units, that its set-up rounds to.
+[[nodiscard]] inline constexpr int32_t UprightColumn(int32_t fine) noexcept {
+    return (fine + ((fine & 7) != 0 ? 7 : 0)) >> 4;
+}
+
 /// What the vertices say about a fill before any edge is made.
 struct FillShape {
     int32_t
@@ -78,6 +83,9 @@ public:
 
     /// True when the fill has exactly two edges, both vertical and of the same height: they are returned.
     [[nodiscard]] bool TwoUprightEdges(Edge (&out)[2]) const;
+
+    /// True when the fill is one loop of four upright sides: two opposite corners are returned.
+    [[nodiscard]] bool UprightRectangle(Vertex& a, Vertex& b) const noexcept;
 
     /// Every edge inside the sub-scanlines [first, last).
     void Build(HeapArray<Edge>& out, int32_t first, int32_t last) const;

@@ -33,11 +33,17 @@ public:
     virtual void Row(int32_t y, std::span<CoverageRun> runs) = 0;
     /// Fully covered whole pixels, right and bottom exclusive; not clipped.
     virtual void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) = 0;
-    /// Rows [y0, y1) with the same bytes in columns [x0, x1), inside the visible rectangle; the bytes stay as they are.
-    /// False, and nothing done, when the sink wants them row by row.
-    virtual bool Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) {
-        static_cast<void>(x0 + y0 + x1 + y1);
-        static_cast<void>(shape);
+    /// Whether the output inside `r` depends on coverage alone and not on where rows are cut into runs, as it does for
+    /// colour sources that step from the start of a run to its end.
+    [[nodiscard]] virtual bool TakesAnyCuts(const IntRect& r) const {
+        static_cast<void>(r);
+        return true;
+    }
+    /// Rows [y0, y1) with the same runs, at least one; runs and bytes stay as they are. False, and nothing done, when
+    /// the sink wants them row by row.
+    virtual bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+        static_cast<void>(y0 + y1);
+        static_cast<void>(runs);
         return false;
     }
     /// Called before any output, with the first (inclusive) and last (exclusive) sub-scanline, 1/8 pixel each.

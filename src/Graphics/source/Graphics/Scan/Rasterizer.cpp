@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "../Geometry/CurveFlattener.h"
+#include "RectangleScanner.h"
 
 namespace Graphics {
 
@@ -44,21 +45,17 @@ IntRect Snap(const Edge (&e)[2]) noexcept {
 
 } // namespace
 
-bool Rasterizer::SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b, IntRect& out) noexcept {
-    const Vertex from = ToVertex(a);
-    const Vertex to = ToVertex(b);
-    const Vertex clipFrom = ToVertex({clipPixels.left, clipPixels.top});
-    const int32_t clipFirst = clipFrom.y >> 4;
-    const int32_t clipLast = (ToVertex({clipPixels.right, clipPixels.bottom}).y + 15) >> 4;
+bool Rasterizer::SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b, IntRect& out) noexcept {
+    const int32_t clipFirst = clipPixels.top * 8;
+    const int32_t clipLast = clipPixels.bottom * 8;
     // What an edge's set-up comes to where x does not change.
-    const int32_t first = std::min(from.y, to.y) >> 4;
-    const int32_t last = std::max(from.y, to.y) >> 4;
+    const int32_t first = std::min(a.y, b.y) >> 4;
+    const int32_t last = std::max(a.y, b.y) >> 4;
     // Vertices that are all at or beyond the clip's left side are dropped, those of a line on that side too.
-    if (first == last || first >= clipLast || last <= clipFirst || std::max(from.x, to.x) <= clipFrom.x) {
+    if (first == last || first >= clipLast || last <= clipFirst || std::max(a.x, b.x) <= clipPixels.left * 128) {
         return false;
     }
-    const auto column = [](int32_t x) { return (x + ((x & 7) != 0 ? 7 : 0)) >> 4; };
-    const PixelRange x = Snap(column(std::min(from.x, to.x)), column(std::max(from.x, to.x)));
+    const PixelRange x = Snap(UprightColumn(std::min(a.x, b.x)), UprightColumn(std::max(a.x, b.x)));
     const PixelRange y = Snap(std::max(first, clipFirst), last);
     out = {x.low, y.low, x.high, y.high};
     return true;
@@ -135,6 +132,15 @@ void Rasterizer::Finish(RasterizationSink& sink) {
     const bool trapezoids = sink.Begin(shape.first, shape.last);
     if (IsEmpty(m_visible) && !trapezoids) {
         return;
+    }
+    Vertex a;
+    Vertex b;
+    if (!trapezoids && m_builder.UprightRectangle(a, b)) {
+        SampleRectangle samples;
+        if (samples.Set(a, b, m_builder.ClipFirst(), m_builder.ClipLast(), m_visible)) {
+            RectangleScanner(samples).Send(sink);
+            return;
+        }
     }
     if (!trapezoids && m_bands.Scan(m_builder, shape, m_visible, sink)) {
         return;

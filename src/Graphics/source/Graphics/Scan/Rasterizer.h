@@ -66,9 +66,9 @@ public:
     /// gets its size.
     void FinishSamples(SampleGrid& grid);
 
-    /// The whole pixels that a fill of the upright rectangle between two opposite corners (finite, device pixels) would
-    /// send, without the fill: most rectangles of a page come this way. False when it has no height.
-    [[nodiscard]] static bool SnapRectangle(const Rect& clipPixels, const Point& a, const Point& b,
+    /// The whole pixels that a fill of the upright rectangle between two opposite corners would send, without the fill:
+    /// most rectangles of a page come this way. False when it has no height.
+    [[nodiscard]] static bool SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b,
                                             IntRect& out) noexcept;
 
     /// Another set of loops than the processor's best, for tests.

@@ -53,14 +53,22 @@ int32_t SwBitmapSampler::TiledRow(int32_t y) const noexcept {
     return row;
 }
 
-const uint32_t* SwBitmapSampler::DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept {
-    if (x0 >= x1 || m_setup.opacityFactor != 256 || !m_reader.IsDirect() || !IsCopied(x0, x1, y) || x0 + m_shiftX < 0 ||
+const uint8_t* SwBitmapSampler::CopiedRow(int32_t x0, int32_t x1, int32_t y, ptrdiff_t pixelBytes) const noexcept {
+    if (x0 >= x1 || m_setup.opacityFactor != 256 || !IsCopied(x0, x1, y) || x0 + m_shiftX < 0 ||
         x1 + m_shiftX > m_setup.width) {
         return nullptr;
     }
-    const uint8_t* pixels = m_reader.Row(TiledRow(y)) + static_cast<ptrdiff_t>(x0 + m_shiftX) * 4;
+    return m_reader.Row(TiledRow(y)) + (x0 + m_shiftX) * pixelBytes;
+}
+
+const uint32_t* SwBitmapSampler::DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept {
+    const uint8_t* pixels = m_reader.IsDirect() ? CopiedRow(x0, x1, y, 4) : nullptr;
     return reinterpret_cast<uintptr_t>(pixels) % alignof(uint32_t) == 0 ? reinterpret_cast<const uint32_t*>(pixels)
                                                                         : nullptr;
+}
+
+const uint8_t* SwBitmapSampler::DirectAlpha(int32_t x0, int32_t x1, int32_t y) const noexcept {
+    return m_reader.IsCoverage() ? CopiedRow(x0, x1, y, 1) : nullptr;
 }
 
 SwDirectBlock SwBitmapSampler::DirectBlock(const IntRect& r) const noexcept {

@@ -37,6 +37,7 @@ public:
     [[nodiscard]] bool IsSolid(uint32_t& color) const noexcept override;
     [[nodiscard]] bool IsOpaque() const noexcept override { return m_setup.opaque; }
     [[nodiscard]] const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept override;
+    [[nodiscard]] const uint8_t* DirectAlpha(int32_t x0, int32_t x1, int32_t y) const noexcept override;
     [[nodiscard]] SwDirectBlock DirectBlock(const IntRect& r) const noexcept override;
 
 private:
@@ -47,6 +48,8 @@ private:
     };
 
     [[nodiscard]] bool IsCopied(int32_t x0, int32_t x1, int32_t y) const noexcept;
+    /// Where the bitmap's own bytes are the pixels [x0, x1) of row y; null where they are not.
+    [[nodiscard]] const uint8_t* CopiedRow(int32_t x0, int32_t x1, int32_t y, ptrdiff_t pixelBytes) const noexcept;
     [[nodiscard]] int32_t TiledRow(int32_t y) const noexcept;
     void FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
     void FillUpright(int32_t x0, size_t count, int32_t y, uint32_t* out);

@@ -52,7 +52,16 @@ public:
         return nullptr;
     }
 
-    /// The same for a whole rectangle, [left, right) x [top, bottom), not empty.
+    /// The alpha of these pixels where it already lies in memory, a byte each; null otherwise. Lets a mask's rows serve
+    /// as coverage.
+    [[nodiscard]] virtual const uint8_t* DirectAlpha(int32_t x0, int32_t x1, int32_t y) const noexcept {
+        static_cast<void>(x0);
+        static_cast<void>(x1);
+        static_cast<void>(y);
+        return nullptr;
+    }
+
+    /// The pixels of a whole rectangle, [left, right) x [top, bottom), not empty, where they lie in memory.
     [[nodiscard]] virtual SwDirectBlock DirectBlock(const IntRect& r) const noexcept {
         static_cast<void>(r);
         return {};

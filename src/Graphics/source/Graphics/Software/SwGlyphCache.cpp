@@ -42,7 +42,11 @@ public:
             }
         }
     }
-    void Rectangle(int32_t, int32_t, int32_t, int32_t) override {} // only of fills that may snap
+    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override {
+        for (int32_t y = top; y < bottom; ++y) {
+            std::memset(m_bytes + static_cast<size_t>(y) * m_stride + left, 255, static_cast<size_t>(right - left));
+        }
+    }
 
 private:
     uint8_t* m_bytes;

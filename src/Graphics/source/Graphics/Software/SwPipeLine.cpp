@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "../Exception.h"
+#include "SwPixelMath.h"
 
 namespace Graphics {
 namespace {
@@ -26,12 +27,19 @@ void CheckMaskType(const SwMaskInput& mask) {
     }
 }
 
+/// The mask's values over columns [x0, x1) of row y where they lie in memory; null where they have to be made.
+[[nodiscard]] const uint8_t* MaskRow(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1) noexcept {
+    if (mask.plane != nullptr) {
+        return mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x);
+    }
+    return mask.type == GXMaskTypeAlpha ? mask.source->DirectAlpha(x0, x1, y) : nullptr;
+}
+
 /// Calls use(x, values, count) for each chunk of the mask's values over columns [x0, x1) of row y.
 template <class Use>
 void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
-    if (mask.plane != nullptr) {
-        use(x0, mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x),
-            static_cast<size_t>(x1 - x0));
+    if (const uint8_t* row = MaskRow(mask, y, x0, x1)) {
+        use(x0, row, static_cast<size_t>(x1 - x0));
         return;
     }
     alignas(64) uint32_t pixels[kMaskChunk];
@@ -127,13 +135,14 @@ template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint)
     }
 }
 
-bool SwPipeLine::PlainBlock(const IntRect& r) const {
+bool SwPipeLine::PlainBlock(const IntRect& r) {
     if (m_isSolid) {
         if (m_isOpaque) {
             m_kernels.fillBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid,
                                 static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
         } else {
-            ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { m_kernels.normalSolid(dst, m_solid, nullptr, n); });
+            const CoverageRun run{r.left, r.right, nullptr, 255};
+            SolidRows(r.top, r.bottom, {&run, 1});
         }
         return true;
     }
@@ -141,14 +150,7 @@ bool SwPipeLine::PlainBlock(const IntRect& r) const {
     if (block.pixels == nullptr) {
         return false;
     }
-    ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
-        const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
-        if (!block.hasAlpha) {
-            m_kernels.copyOpaque(dst, src, n);
-        } else {
-            m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), nullptr, n);
-        }
-    });
+    DirectRun(r, block, nullptr);
     return true;
 }
 
@@ -162,14 +164,93 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
     }
 }
 
-bool SwPipeLine::Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) {
-    if (!m_isSolid || !IsPlain()) {
+/// Constant coverage scales the colour once for all rows.
+void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+    const IntRect r = Intersect({runs.front().x0, y0, runs.back().x1, y1}, m_bounds);
+    if (IsEmpty(r) || m_solid >> 24 == 0) {
+        return;
+    }
+    const auto rows = static_cast<size_t>(r.bottom - r.top);
+    for (size_t i = 0; i < runs.size();) {
+        const CoverageRun& run = runs[i++];
+        const int32_t x0 = std::max(run.x0, r.left);
+        int32_t x1 = std::min(run.x1, r.right);
+        if (x0 >= x1) {
+            continue;
+        }
+        uint32_t* const dst = Pixels(x0, r.top);
+        if (run.shape != nullptr) {
+            m_kernels.normalSolidBlock(dst, m_target.colorStride, m_solid, run.shape + (x0 - run.x0), 0,
+                                       static_cast<size_t>(x1 - x0), rows);
+            continue;
+        }
+        // A run of one pixel, a longer one and a run of one pixel go together.
+        const auto follows = [&](int32_t x) {
+            return i < runs.size() && runs[i].x0 == x && runs[i].shape == nullptr && x < r.right;
+        };
+        const auto colorOf = [&](const CoverageRun& of) {
+            return of.value == 255 ? m_solid : ScalePixel(m_solid, of.value + 1U);
+        };
+        const uint32_t left = colorOf(run);
+        uint32_t inner = left;
+        if (x1 - x0 == 1 && follows(x1)) {
+            inner = colorOf(runs[i]);
+            x1 = std::min(runs[i++].x1, r.right);
+        }
+        uint32_t right = inner;
+        if (follows(x1) && runs[i].x1 - runs[i].x0 == 1) {
+            right = colorOf(runs[i]);
+            x1 = runs[i++].x1;
+        }
+        m_kernels.solidRectangle(dst, m_target.colorStride, left, inner, right, static_cast<size_t>(x1 - x0), rows);
+    }
+}
+
+void SwPipeLine::DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape) {
+    ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
+        const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
+        if (block.hasAlpha) {
+            m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), shape, n);
+        } else if (shape == nullptr) {
+            m_kernels.copyOpaque(dst, src, n);
+        } else {
+            m_kernels.copyOpaque(m_buffers.color.data(), src, n);
+            m_kernels.normalVarying(dst, m_buffers.color.data(), shape, n);
+        }
+    });
+}
+
+bool SwPipeLine::TakesAnyCuts(const IntRect& r) const {
+    if (m_shapeMaskCount != 0 || m_hasOpacityMask) {
         return false;
     }
-    const IntRect r = Intersect({x0, y0, x1, y1}, m_bounds);
-    if (!IsEmpty(r)) {
-        m_kernels.normalSolidBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid, shape + (r.left - x0), 0,
-                                   static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
+    const IntRect seen = Intersect(r, m_bounds);
+    return m_isSolid || IsEmpty(seen) || m_source->DirectBlock(seen).pixels != nullptr;
+}
+
+bool SwPipeLine::Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+    if (!IsPlain() || m_joins) {
+        return false;
+    }
+    if (m_isSolid) {
+        SolidRows(y0, y1, runs);
+        return true;
+    }
+    for (const CoverageRun& run : runs) {
+        const IntRect r = Intersect({run.x0, y0, run.x1, y1}, m_bounds);
+        if (IsEmpty(r)) {
+            continue;
+        }
+        const uint8_t* shape = run.shape == nullptr ? nullptr : run.shape + (r.left - run.x0);
+        if (shape == nullptr && run.value != 255) {
+            std::memset(m_buffers.shape.data(), run.value, static_cast<size_t>(r.right - r.left));
+            shape = m_buffers.shape.data();
+        }
+        if (const SwDirectBlock block = m_source->DirectBlock(r); block.pixels != nullptr) {
+            DirectRun(r, block, shape);
+        } else {
+            ForRows(r, [&](int32_t y, uint32_t*, size_t) { Composite(y, r.left, r.right, shape); });
+        }
     }
     return true;
 }
@@ -206,9 +287,15 @@ void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8
     const bool masked = m_shapeMaskCount != 0 || clip != nullptr;
     if (shape == nullptr && (masked || value != 255)) {
         shape = m_buffers.shape.data();
-        if (clip != nullptr && m_shapeMaskCount == 0 && value == 255) {
-            // 255 scaled by m is m.
-            Composite(y, x0, x1, clip);
+        // 255 scaled by m is m: one mask alone is the coverage.
+        const uint8_t* alone = nullptr;
+        if (value == 255 && m_shapeMaskCount == 0) {
+            alone = clip;
+        } else if (value == 255 && m_shapeMaskCount == 1 && clip == nullptr) {
+            alone = MaskRow(m_shapeMasks[0], y, x0, x1);
+        }
+        if (alone != nullptr) {
+            Composite(y, x0, x1, alone);
             return;
         }
         std::memset(shape, value, count);
@@ -269,7 +356,11 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         return;
     }
     if (m_blendMode != 0) {
-        m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
+        if (m_isSolid && !m_hasOpacityMask) {
+            m_kernels.blendSolid[blend](dst, m_solid, shape, count);
+        } else {
+            m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
+        }
         return;
     }
     if (m_isSolid && !m_hasOpacityMask) {

@@ -61,7 +61,8 @@ public:
 
     void Row(int32_t y, std::span<CoverageRun> runs) override;
     void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
-    bool Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uint8_t* shape) override;
+    [[nodiscard]] bool TakesAnyCuts(const IntRect& r) const override;
+    bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override;
 
 private:
     [[nodiscard]] uint32_t* Pixels(int32_t x, int32_t y) const noexcept {
@@ -76,7 +77,10 @@ private:
                m_target.alpha == nullptr;
     }
     /// When IsPlain: a solid colour, or pixels that lie ready. False: not done.
-    [[nodiscard]] bool PlainBlock(const IntRect& r) const;
+    [[nodiscard]] bool PlainBlock(const IntRect& r);
+    /// The same for rows with the same runs.
+    void SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs);
+    void DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape);
     /// [x0, x1) inside the bounds; `shape` null: `value` throughout.
     void Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);
     /// As Stretch, with the clip's coverage from x0 on, null where it is 255.

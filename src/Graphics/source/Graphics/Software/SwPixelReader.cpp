@@ -164,8 +164,10 @@ SwPixelReader::SwPixelReader(Arena& arena, const PixelView& view, bool asMask)
     switch (view.format) {
     case GXPixelFormatAlpha8:
         Use<Mapped<ByteCoverage>>();
+        m_coverage = true;
         return;
     case GXPixelFormatGray8:
+        m_coverage = asMask;
         asMask ? Use<Mapped<ByteCoverage>>() : Use<Mapped<Byte>>();
         useTable(kGrey.data(), !asMask);
         return;

@@ -39,6 +39,8 @@ public:
     [[nodiscard]] bool IsDirect() const noexcept { return m_direct; }
     /// True when they do but for the alpha, which then is 255 whatever is stored.
     [[nodiscard]] bool HasWords() const noexcept { return m_words; }
+    /// True when each pixel is a byte in memory that all four bytes of its word repeat.
+    [[nodiscard]] bool IsCoverage() const noexcept { return m_coverage; }
     [[nodiscard]] ptrdiff_t StrideBytes() const noexcept { return m_grid.strideBytes; }
     [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_grid.pixels + y * m_grid.strideBytes; }
 
@@ -58,6 +60,7 @@ private:
     bool m_opaque = false;
     bool m_direct = false;
     bool m_words = false;
+    bool m_coverage = false;
     const uint32_t* m_table = nullptr; ///< words of the 256 byte values, or of the two bits
     RunFunction m_run = nullptr;
     ColumnsFunction m_columns = nullptr;

@@ -11,10 +11,12 @@
 #include "../Paint/Brush.h"
 #include "../Paint/Gradient.h"
 #include "../Scan/DeviceFigures.h"
+#include "../Scan/RectangleScanner.h"
 #include "SwAssembly.h"
 #include "SwBitmapColorSource.h"
 #include "SwClear.h"
 #include "SwInverter.h"
+#include "SwPixelMath.h"
 #include "SwPlaneColorSource.h"
 #include "SwSolidColorSource.h"
 
@@ -119,7 +121,7 @@ template <class MakeSource>
 void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource) {
     CheckMasks();
     IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(m_rasterizer, *path.figure, State().transform, m_area, pixels)) {
+    if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
         const IntRect visible = Visible(pixels);
         Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
             pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
@@ -127,6 +129,17 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
         return;
     }
     const Matrix transform = State().transform;
+    Vertex a;
+    Vertex b;
+    if (!snap && path.figure != nullptr && UprightCorners(*path.figure, transform, a, b)) {
+        const IntRect visible = Visible(SampleRectangle::Box(a, b));
+        SampleRectangle samples;
+        if (samples.Set(a, b, m_area.top * 8, m_area.bottom * 8, visible)) {
+            Composite(visible, extraMask, makeSource,
+                      [&](SwPipeLine& pipeLine) { RectangleScanner(samples).Send(pipeLine); });
+            return;
+        }
+    }
     const Shape& shape = Resolve(path);
     if (shape.Empty()) {
         return;
@@ -153,8 +166,7 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     if (IsEmpty(visible)) {
         return true;
     }
-    if (m_layers.empty() && brush.Kind() == kBrushSolid && state.blendMode == 0 && !state.shapeMask.IsSet() &&
-        !state.opacityMask.IsSet() && !IsMasked(state.clip.get())) {
+    if (brush.Kind() == kBrushSolid && IsPlain()) {
         // Most text: one call for all rows, without a pipeline.
         const SwTargetPlanes planes = m_basic.Planes(visible);
         auto* pixels = reinterpret_cast<uint32_t*>(planes.color + visible.top * planes.colorStride) + visible.left;
@@ -172,8 +184,68 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     return true;
 }
 
+bool SwRenderTarget::IsPlain() noexcept {
+    if (!m_layers.empty()) {
+        return false;
+    }
+    const SwState& state = m_basic.State();
+    return state.blendMode == 0 && !state.shapeMask.IsSet() && !state.opacityMask.IsSet() &&
+           !IsMasked(state.clip.get());
+}
+
+bool SwRenderTarget::FillPlainRectangle(const BasicFigure& figure, uint32_t color) {
+    const SwState& state = m_basic.State();
+    const SwKernels& kernels = ActiveKernels();
+    const auto paint = [&](const IntRect& r, uint32_t left, uint32_t inner, uint32_t right) {
+        const SwTargetPlanes planes = m_basic.Planes(r);
+        auto* const pixels = reinterpret_cast<uint32_t*>(planes.color + r.top * planes.colorStride) + r.left;
+        const auto width = static_cast<size_t>(r.right - r.left);
+        const auto height = static_cast<size_t>(r.bottom - r.top);
+        if ((left & inner & right) >> 24 == 255) {
+            kernels.fillBlock(pixels, planes.colorStride, color, width, height);
+        } else {
+            kernels.solidRectangle(pixels, planes.colorStride, left, inner, right, width, height);
+        }
+    };
+    if (state.strokeAdjustment) {
+        IntRect pixels;
+        if (!SnapFigure(figure, state.transform, m_area, pixels)) {
+            return false;
+        }
+        const IntRect visible = Visible(pixels);
+        if (!IsEmpty(visible) && color >> 24 != 0) {
+            paint(visible, color, color, color);
+        }
+        return true;
+    }
+    Vertex a;
+    Vertex b;
+    SampleRectangle samples;
+    if (!UprightCorners(figure, state.transform, a, b) ||
+        !samples.Set(a, b, m_area.top * 8, m_area.bottom * 8, Visible(SampleRectangle::Box(a, b)))) {
+        return false;
+    }
+    if (samples.Empty() || color >> 24 == 0) {
+        return true;
+    }
+    const IntRect pixels = samples.Pixels();
+    const int32_t left = samples.Columns(pixels.left);
+    const int32_t right = samples.Columns(pixels.right - 1);
+    samples.ForRows([&](int32_t y0, int32_t y1, int32_t rows) {
+        const auto scaled = [&](int32_t columns) {
+            return columns * rows == 64 ? color : ScalePixel(color, ShapeOfSamples(columns * rows) + 1U);
+        };
+        paint({pixels.left, y0, pixels.right, y1}, scaled(left), scaled(8), scaled(right));
+    });
+    return true;
+}
+
 void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
     if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
+        return;
+    }
+    if (path.figure != nullptr && !text && brush.Kind() == kBrushSolid && IsPlain() &&
+        FillPlainRectangle(*path.figure, SolidColorOf(static_cast<const SolidBrush&>(brush)))) {
         return;
     }
     const ArenaScope scope(m_arena);

@@ -55,6 +55,10 @@ private:
     void Composite(const IntRect& visible, const SwMaskInput* extraMask, MakeSource&& makeSource, Cover&& cover);
     template <class MakeSource>
     void FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource);
+    /// Normal onto the surface, without masks and slanted clips.
+    [[nodiscard]] bool IsPlain() noexcept;
+    /// When IsPlain: most rectangles of a page in a few kernel calls, without a pipeline. False: not done.
+    [[nodiscard]] bool FillPlainRectangle(const BasicFigure& figure, uint32_t color);
     /// The fill of a glyph by its kept coverage. False when it has to be drawn as any other path.
     [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
     void PrepareSpareLayer(size_t pixels);

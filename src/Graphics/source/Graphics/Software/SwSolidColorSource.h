@@ -10,12 +10,7 @@
 
 namespace Graphics {
 
-/// Premultiplied, with the brush's opacity.
-[[nodiscard]] inline uint32_t SolidColorOf(const SolidBrush& brush) noexcept {
-    Color color = brush.color;
-    color.alpha *= brush.opacity;
-    return PremultiplyPixel(PackColor(color));
-}
+[[nodiscard]] inline uint32_t SolidColorOf(const SolidBrush& brush) noexcept { return PremultiplyPixel(brush.argb); }
 
 class SwSolidColorSource final : public SwColorSource {
 public:

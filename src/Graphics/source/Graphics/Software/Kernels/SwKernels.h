@@ -47,10 +47,17 @@ struct SwKernels {
     /// normalSolid with shape in each of `rows` rows, both from one row to the next by strides in bytes.
     void (*normalSolidBlock)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape,
                              ptrdiff_t shapeStride, size_t count, size_t rows);
+    /// Normal over `rows` rows of `count` pixels, at least one: the first pixel of each row takes `left`, the last one
+    /// `right` (a single one `left`), those between `inner`. The colours are scaled by their coverage already; a
+    /// colour without alpha clears transparent pixels and leaves others, as coverage above 0 does in normalSolid.
+    void (*solidRectangle)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right,
+                           size_t count, size_t rows);
     void (*normalVarying)(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
     /// The other modes over a basic target, by blend mode number; entry 0 is never used by the renderer, entry 16
     /// serves every number above 15.
     void (*blend[kBlendCount])(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
+    /// The same with one colour for all pixels, what depends on it alone being found once for a row.
+    void (*blendSolid[kBlendCount])(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
 
     /// Drawing into a group: Normal, and the other modes as above.
     void (*layerNormal)(const SwLayerRow& row, const uint32_t* src, const uint8_t* shape, size_t count);

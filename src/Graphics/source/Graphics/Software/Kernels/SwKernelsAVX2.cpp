@@ -67,6 +67,8 @@ GX_INLINE void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
     }
 }
 
+GX_INLINE U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm256_mulhi_epu16((__m256i)a, (__m256i)b); }
+GX_INLINE F32 EstimateReciprocal(F32 v) noexcept { return (F32)_mm256_rcp_ps((__m256)v); }
 GX_INLINE F32 Sqrt(F32 v) noexcept { return (F32)_mm256_sqrt_ps((__m256)v); }
 GX_INLINE bool AllSet(I32 mask) noexcept { return _mm256_movemask_epi8((__m256i)mask) == -1; }
 GX_INLINE bool BytesAre(const uint8_t* p, uint8_t v) noexcept {

@@ -35,6 +35,8 @@ GX_INLINE void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
     _mm_mask_storeu_epi8(p, Lanes(n), _mm512_maskz_cvtepi32_epi8(0xFFFF, (__m512i)v));
 }
 
+GX_INLINE U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm512_mulhi_epu16((__m512i)a, (__m512i)b); }
+GX_INLINE F32 EstimateReciprocal(F32 v) noexcept { return (F32)_mm512_maskz_rcp14_ps(0xFFFF, (__m512)v); }
 GX_INLINE F32 Sqrt(F32 v) noexcept { return (F32)_mm512_maskz_sqrt_ps(0xFFFF, (__m512)v); }
 GX_INLINE bool AllSet(I32 mask) noexcept { return _mm512_movepi32_mask((__m512i)mask) == 0xFFFF; }
 GX_INLINE bool BytesAre(const uint8_t* p, uint8_t v) noexcept {

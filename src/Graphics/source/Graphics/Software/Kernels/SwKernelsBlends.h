@@ -8,25 +8,36 @@
 namespace Graphics::GX_KERNEL_NAMESPACE {
 namespace {
 
+/// A premultiplied source, and what a blend needs of it alone.
+struct BlendSource {
+    U32 c;
+    U32 straight;
+    bool opaque; ///< in every lane
+
+    explicit BlendSource(U32 source) noexcept : c(source), straight(source), opaque(AllSet((Alpha(source) == 255U))) {
+        if (!opaque) {
+            straight = Unpremultiply(source);
+        }
+    }
+};
+
 /// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
-template <class Mode> GX_INLINE U32 BlendPixels(U32 d, U32 c) noexcept {
-    const U32 as = Alpha(c);
+template <class Mode> GX_INLINE U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
+    const U32 as = Alpha(source.c);
     const U32 ab = Alpha(d);
-    const bool opaqueSource = AllSet((as == 255U));
-    const U32 straight = opaqueSource ? c : Unpremultiply(c);
     if (AllSet((ab == 255U))) {
-        const U32 mixed = Mode::Pixel(d, straight);
-        if (opaqueSource) {
+        const U32 mixed = Mode::Pixel(d, source.straight);
+        if (source.opaque) {
             return mixed | 0xFF000000U;
         }
         const U32 sum = Scale(d, ComplementOf(as)) + Scale(mixed & 0x00FFFFFFU, FactorOf(as));
         return sum | 0xFF000000U;
     }
-    const U32 mixed = Mode::Pixel(Unpremultiply(d), straight) & 0x00FFFFFFU;
+    const U32 mixed = Mode::Pixel(Unpremultiply(d), source.straight) & 0x00FFFFFFU;
     const U32 t = Product(as, ab + 1U) >> 8;
-    const U32 sum = Scale(d, ComplementOf(as)) + Scale(c, ComplementOf(ab)) + Scale(mixed, FactorOf(t));
+    const U32 sum = Scale(d, ComplementOf(as)) + Scale(source.c, ComplementOf(ab)) + Scale(mixed, FactorOf(t));
     const U32 result = (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
-    return Select(IsZero(ab), c, result);
+    return Select(IsZero(ab), source.c, result);
 }
 
 template <size_t kNumber, class Mode>
@@ -49,7 +60,34 @@ void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t c
             return;
         }
         const U32 d = LoadSome(dst + i, n);
-        StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, c)));
+        StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, BlendSource(c))));
+    });
+}
+
+template <size_t kNumber, class Mode>
+void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    if (color >> 24 == 0) {
+        return;
+    }
+    if constexpr (kLanes > 4) {
+        if (count <= kShortRow) {
+            kSwKernelsSSE2->blendSolid[kNumber](dst, color, shape, count);
+            return;
+        }
+    }
+    const BlendSource full(Splat(color));
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        if (shape == nullptr || (n == kLanes && BytesAre(shape + i, 255))) {
+            StoreSome(dst + i, n, BlendPixels<Mode>(LoadSome(dst + i, n), full));
+            return;
+        }
+        const U32 s = WidenSome(shape + i, n);
+        const I32 keep = IsZero(s);
+        if (!AllSet(keep)) {
+            const U32 d = LoadSome(dst + i, n);
+            const BlendSource partly(Scale(full.c, FactorOf(s)));
+            StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, partly)));
+        }
     });
 }
 

@@ -48,6 +48,13 @@ void Expect(const uint32_t* dst, size_t count) {
 }
 
 void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
+    if (count <= kLanes) {
+        const U32 v = Splat(value);
+        for (auto* row = reinterpret_cast<char*>(dst); rows != 0; --rows, row += strideBytes) {
+            StoreSome(reinterpret_cast<uint32_t*>(row), count, v);
+        }
+        return;
+    }
     const bool ahead = count >= kLanes && count < kStringStoreCount;
     for (; rows != 0; --rows) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<char*>(dst) + strideBytes);

@@ -23,6 +23,7 @@ namespace {
             row(13, Saturation), row(14, HueAndSaturation), row(15, Luminosity), row(16, Normal)                       \
     }
 #define GX_BLEND_ROW(number, ...) BlendRow<number, __VA_ARGS__>
+#define GX_BLEND_SOLID_ROW(number, ...) BlendSolidRow<number, __VA_ARGS__>
 #define GX_LAYER_ROW(number, ...) LayerRow<LayerBlended<__VA_ARGS__>>
 
 constexpr SwKernels kTable = GX_KERNEL_TABLE(kSetName);

@@ -9,8 +9,7 @@ namespace {
 
 /// d * (256 - as) >> 8 + c, or c where d is transparent.
 GX_INLINE U32 Over(U32 d, U32 c, U32 complement) noexcept {
-    const U32 seen = d & ~(U32)IsZero(Alpha(d));
-    return Scale(seen, complement) + c;
+    return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
 }
 
 /// normalSolid on at most one vector of pixels.
@@ -65,6 +64,63 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
         const uint8_t* s = shape;
         // The next block over these pixels is many rows away: short masked stores stall nothing here.
         ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid(row + i, c, s + i, n); });
+    }
+}
+
+/// A vector of constant colours, composited row after row.
+struct SolidColumn {
+    U32 color;
+    U32 complement;
+
+    explicit SolidColumn(U32 c) noexcept : color(c), complement(ComplementOf(Alpha(c))) {}
+    [[gnu::always_inline]] void Paint(uint32_t* dst, size_t n) const noexcept {
+        StoreSome(dst, n, Over(LoadSome(dst, n), color, complement));
+    }
+};
+
+/// `inner` but for the first lane and lane `at`.
+GX_INLINE SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
+    U32 lanes{};
+    for (uint32_t i = 0; i < kLanes; ++i) {
+        lanes[i] = i;
+    }
+    const U32 c = Select(lanes == static_cast<uint32_t>(at), Splat(last), Splat(inner));
+    return SolidColumn(Select(IsZero(lanes), Splat(first), c));
+}
+
+void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
+                    size_t rows) {
+    constexpr size_t kAheadFrom = 64; // pixels: shorter rows follow each other too closely
+    const auto row = [&](size_t i) {
+        return reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + static_cast<ptrdiff_t>(i) * strideBytes);
+    };
+    if (count <= kLanes) {
+        const SolidColumn all = EdgeColumn(left, inner, right, count - 1);
+        for (size_t y = 0; y < rows; ++y) {
+            all.Paint(row(y), count);
+        }
+        return;
+    }
+    const size_t tail = (count - 1) % kLanes + 1; // pixels of the last vector
+    const size_t end = count - tail;
+    const SolidColumn first = EdgeColumn(left, inner, inner, 0);
+    const SolidColumn last = EdgeColumn(tail > 1 ? inner : right, inner, right, tail - 1);
+    const SolidColumn middle(Splat(inner));
+    const bool opaque = inner >> 24 == 255;
+    for (size_t y = 0; y < rows; ++y) {
+        uint32_t* const pixels = row(y);
+        if (count >= kAheadFrom && y + 1 < rows) {
+            Expect(row(y + 1), count);
+        }
+        first.Paint(pixels, kLanes);
+        if (opaque) {
+            Fill32(pixels + kLanes, inner, end - kLanes);
+        } else {
+            for (size_t i = kLanes; i < end; i += kLanes) {
+                middle.Paint(pixels + i, kLanes);
+            }
+        }
+        last.Paint(pixels + end, tail);
     }
 }
 

@@ -73,6 +73,8 @@ GX_INLINE void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
     }
 }
 
+GX_INLINE U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm_mulhi_epu16((__m128i)a, (__m128i)b); }
+GX_INLINE F32 EstimateReciprocal(F32 v) noexcept { return (F32)_mm_rcp_ps((__m128)v); }
 GX_INLINE F32 Sqrt(F32 v) noexcept { return (F32)_mm_sqrt_ps((__m128)v); }
 GX_INLINE bool AllSet(I32 mask) noexcept { return _mm_movemask_epi8((__m128i)mask) == 0xFFFF; }
 GX_INLINE bool BytesAre(const uint8_t* p, uint8_t v) noexcept {

@@ -61,6 +61,21 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     }
 }
 
+void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
+                    size_t rows) {
+    auto* row = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, row += strideBytes) {
+        auto* pixels = reinterpret_cast<uint32_t*>(row);
+        pixels[0] = Over(pixels[0], left);
+        for (size_t i = 1; i + 1 < count; ++i) {
+            pixels[i] = Over(pixels[i], inner);
+        }
+        if (count > 1) {
+            pixels[count - 1] = Over(pixels[count - 1], right);
+        }
+    }
+}
+
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
@@ -90,6 +105,12 @@ template <class Mode> void BlendRow(uint32_t* dst, const uint32_t* src, const ui
         if (s != 0 && Alpha(src[i]) != 0) {
             dst[i] = BlendPixel<Mode>(dst[i], Scale(src[i], s + 1U));
         }
+    }
+}
+
+template <class Mode> void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        BlendRow<Mode>(dst + i, &color, shape == nullptr ? nullptr : shape + i, 1);
     }
 }
 
@@ -231,6 +252,7 @@ void Invert(uint32_t* dst, size_t count) {
             row(Separable<Normal>)                                                                                     \
     }
 #define GX_BLEND_ROW(...) BlendRow<__VA_ARGS__>
+#define GX_BLEND_SOLID_ROW(...) BlendSolidRow<__VA_ARGS__>
 #define GX_LAYER_ROW(...) LayerRow<LayerBlended<__VA_ARGS__>>
 
 constexpr SwKernels kTable = GX_KERNEL_TABLE("scalar");

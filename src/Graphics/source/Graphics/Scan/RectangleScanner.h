@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Sends the coverage of an upright rectangle off the pixel grid: no edges, no cells. Where the output depends on how
+// rows are cut into runs (sources that step along a run begin anew where one begins), the cuts are those of the band
+// scanner.
+#pragma once
+
+#include <array>
+
+#include "RasterizationSink.h"
+#include "SampleRectangle.h"
+
+namespace Graphics {
+
+class RectangleScanner {
+public:
+    explicit RectangleScanner(const SampleRectangle& samples) noexcept : m_samples(samples) {}
+
+    void Send(RasterizationSink& sink);
+
+private:
+    static constexpr int32_t kBlock = 8; // pixels of the band scanner's blocks
+    static constexpr size_t kMostShape = 3 * kBlock;
+
+    struct Cut {
+        int32_t x0; // pixels
+        int32_t x1;
+        bool shaped; // else all pixels have the coverage of the first
+    };
+
+    void CutAsBands() noexcept;
+    void CutAnywhere() noexcept;
+    void SendRows(RasterizationSink& sink, int32_t y0, int32_t y1, int32_t subRows);
+
+    const SampleRectangle& m_samples;
+    std::array<Cut, 3> m_cuts{};
+    size_t m_cutCount = 0;
+    std::array<uint8_t, kMostShape> m_shape{};
+};
+
+} // namespace Graphics
