@@ -18,8 +18,9 @@ constexpr double kDrawnPeriod = 3.6180339887498949 / 8;
 constexpr double kMostUnderCaps = 8192;
 // Periods on one segment, where rounding decides what lies in sight.
 constexpr double kMostPeriods = 0x1p17;
-// Pixels of uncertainty that are allowed for; beyond, matrices leave no picture.
-constexpr double kMostMargin = 0x1p14;
+// Pixels of uncertainty that are allowed for. Where rounding moves points further there is no picture to speak of; what
+// is sent of it then follows from the target alone, and no clip changes it either.
+constexpr double kMostMargin = 16;
 // Periods are counted in doubles.
 constexpr double kCountable = 0x1p44;
 
@@ -66,7 +67,9 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
         const double userY = (std::fabs(map.m01) * x + std::fabs(map.m00) * y) / determinant;
         const double off = std::max(std::fabs(map.m00) * userX + std::fabs(map.m10) * userY + std::fabs(map.m20),
                                     std::fabs(map.m01) * userX + std::fabs(map.m11) * userY + std::fabs(map.m21));
-        m_margin += std::min(off * 0x1p-22, kMostMargin);
+        const double uncertain = off * 0x1p-22;
+        m_certain = uncertain <= kMostMargin;
+        m_margin += m_certain ? uncertain : kMostMargin;
     }
 }
 
@@ -139,7 +142,9 @@ DashLook DashSight::LookClosely(const Point& a, double dx, double dy, double len
         look.join = !m_round && m_hasDots && SquaresTurn(pen) ? 0.0 : JoinedGap(acrossLength) * length / penLength;
     }
     if (m_plan.cullDashes) {
-        Narrow(stripes, m_plan.visiblePixels, from, to);
+        if (m_certain) {
+            Narrow(stripes, m_plan.visiblePixels, from, to);
+        }
         look.from = from * length;
         look.to = to * length;
     }

@@ -8,6 +8,7 @@
 
 namespace Graphics {
 
+class Rasterizer;
 class Shape;
 struct PenStorage;
 struct StrokeStyle;
