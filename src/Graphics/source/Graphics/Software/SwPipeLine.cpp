@@ -26,14 +26,10 @@ void CheckMaskType(const SwMaskInput& mask) {
     }
 }
 
-/// Calls use(x, values, count) for each chunk of the mask's values over columns [x0, x1) of row y.
+/// Calls use(x, values, count) for each chunk of the values over columns [x0, x1) of row y of a mask that is a colour
+/// source. The values may be changed.
 template <class Use>
 void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
-    if (mask.plane != nullptr) {
-        use(x0, mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x),
-            static_cast<size_t>(x1 - x0));
-        return;
-    }
     alignas(64) uint32_t pixels[kMaskChunk];
     alignas(64) uint8_t values[kMaskChunk];
     for (int32_t x = x0; x < x1; x += kMaskChunk) {
@@ -45,7 +41,7 @@ void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y,
             row = pixels;
         }
         kernels.maskValues[mask.type](values, row, count);
-        use(x, static_cast<const uint8_t*>(values), count);
+        use(x, static_cast<uint8_t*>(values), count);
     }
 }
 
@@ -133,7 +129,10 @@ bool SwPipeLine::PlainBlock(const IntRect& r) const {
             m_kernels.fillBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid,
                                 static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
         } else {
-            ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { m_kernels.normalSolid(dst, m_solid, nullptr, n); });
+            ForRows(r, [&](int32_t, uint32_t* dst, size_t n) {
+                MakeOpaque(dst, nullptr, n);
+                m_kernels.normalSolid(dst, m_solid, nullptr, n);
+            });
         }
         return true;
     }
@@ -146,6 +145,7 @@ bool SwPipeLine::PlainBlock(const IntRect& r) const {
         if (!block.hasAlpha) {
             m_kernels.copyOpaque(dst, src, n);
         } else {
+            MakeOpaque(dst, nullptr, n);
             m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), nullptr, n);
         }
     });
@@ -168,6 +168,9 @@ bool SwPipeLine::Block(int32_t x0, int32_t y0, int32_t x1, int32_t y1, const uin
     }
     const IntRect r = Intersect({x0, y0, x1, y1}, m_bounds);
     if (!IsEmpty(r)) {
+        if (m_target.makesOpaque) {
+            ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { MakeOpaque(dst, shape + (r.left - x0), n); });
+        }
         m_kernels.normalSolidBlock(Pixels(r.left, r.top), m_target.colorStride, m_solid, shape + (r.left - x0), 0,
                                    static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
     }
@@ -179,23 +182,18 @@ void SwPipeLine::Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint
         Masked(y, x0, x1, shape, value, nullptr);
         return;
     }
-    const SwClipRow& row = m_clip->Row(y);
-    const int32_t begin = std::max(x0, row.begin);
-    const int32_t end = std::min(x1, row.end);
-    const auto part = [&](int32_t from, int32_t to, bool partial) {
-        if (from < to) {
-            Masked(y, from, to, shape == nullptr ? nullptr : shape + (from - x0), value,
-                   partial ? m_clip->Coverage(from, y) : nullptr);
-        }
-    };
-    const int32_t fullBegin = std::clamp(row.fullBegin, begin, std::max(begin, end));
-    const int32_t fullEnd = std::clamp(row.fullEnd, fullBegin, std::max(fullBegin, end));
-    part(begin, fullBegin, true);
-    part(fullBegin, fullEnd, false);
-    part(fullEnd, end, true);
+    m_clip->ForParts(y, x0, x1, [&](int32_t from, int32_t to, const uint8_t* clip) {
+        Masked(y, from, to, shape == nullptr ? nullptr : shape + (from - x0), value, clip);
+    });
 }
 
 void SwPipeLine::ApplyShapeMask(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, uint8_t* shape) const {
+    if (mask.plane != nullptr) {
+        m_kernels.scaleShape(shape,
+                             mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x),
+                             static_cast<size_t>(x1 - x0));
+        return;
+    }
     ForMaskChunks(m_kernels, mask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t count) {
         m_kernels.scaleShape(shape + (x - x0), values, count);
     });
@@ -251,6 +249,21 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
     return buffer;
 }
 
+void SwPipeLine::MaskedSolid(uint32_t* dst, int32_t y, int32_t x0, int32_t x1) {
+    // Without coverage the mask takes its place: both scale the source in the same way. Where the mask leaves nothing
+    // of the source's alpha, alpha * (m + 1) < 256, the pixel stays, as it does under a coverage of 0.
+    const uint32_t alpha = m_solid >> 24;
+    const auto least = static_cast<uint8_t>(alpha == 0 ? 255 : 255 / alpha);
+    ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, uint8_t* values, size_t n) {
+        if (least > 1) {
+            for (size_t i = 0; i < n; ++i) {
+                values[i] = values[i] < least ? 0 : values[i];
+            }
+        }
+        m_kernels.normalSolid(dst + (x - x0), m_solid, values, n);
+    });
+}
+
 void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* shape) {
     const auto count = static_cast<size_t>(x1 - x0);
     const ptrdiff_t dy = y - m_target.origin.y;
@@ -268,6 +281,9 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         (m_blendMode == 0 ? m_kernels.layerNormal : m_kernels.layerBlend[blend])(row, color, shape, count);
         return;
     }
+    if (shape != nullptr || !m_isOpaque || m_hasOpacityMask || m_blendMode != 0) {
+        MakeOpaque(dst, shape, count);
+    }
     if (m_blendMode != 0) {
         m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
         return;
@@ -281,10 +297,7 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         return;
     }
     if (m_isSolid && shape == nullptr) {
-        // Without coverage the mask takes its place: both scale the source in the same way.
-        ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t n) {
-            m_kernels.normalSolid(dst + (x - x0), m_solid, values, n);
-        });
+        MaskedSolid(dst, y, x0, x1);
         return;
     }
     if (shape == nullptr && m_isOpaque && !m_hasOpacityMask) {
