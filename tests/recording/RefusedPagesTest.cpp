@@ -2,8 +2,8 @@
 // Ten recorded pages while memory is refused, at one allocation after the other: drawing fails with a plain result,
 // nothing leaks, and the same page is drawn right afterwards on the same target. Pages with more allocations than the
 // test has time for are refused at points spread over all of them.
-#include "RecordedPages.h"
 #include "Handle.h"
+#include "RecordedPages.h"
 
 #include "../unit/RefusingNew.h"
 #include "ProcessHeap.h"
@@ -103,8 +103,7 @@ TEST_P(RefusedPages, FailPlainlyAndAreDrawnRightAfterwards) {
 INSTANTIATE_TEST_SUITE_P(Recordings, RefusedPages,
                          testing::Values("blend_images-1.gxr", "group_knockout-3.gxr", "images_1bit-1.gxr",
                                          "page_tiny-1.gxr", "shading_freeform-1.gxr", "softmask_alpha-1.gxr",
-                                         "text_clip-1.gxr", "text_pattern-1.gxr", "tiling-1.gxr",
-                                         "vector_tiger-1.gxr"),
+                                         "text_clip-1.gxr", "text_pattern-1.gxr", "tiling-1.gxr", "vector_tiger-1.gxr"),
                          [](const auto& page) {
                              return TestName({{0, page.param}, page.index});
                          });
