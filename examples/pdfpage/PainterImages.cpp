@@ -2,6 +2,8 @@
 // Images, image masks and shadings.
 #include "Painter.h"
 
+#include <algorithm>
+
 namespace PdfPage {
 namespace {
 
@@ -61,15 +63,25 @@ void Painter::FillShade(fz_shade* shade, const fz_matrix& ctm, float alpha, fz_c
         return;
     const fz_matrix matrix = fz_concat(shade->matrix, ctm);
     const Shadings::Result shading = m_caches.shadings.Gradient(m_report, shade, matrix, visible, params);
-    if (!shading.gradient)
+    if (!shading.gradient && shading.background == 0)
         return;
     const bool bounded = !fz_is_infinite_rect(shade->bbox);
     if (bounded) {
         const Handle<GXGeometry> box = RectGeometry(m_report, shade->bbox);
         Current().PushClip(box.Get(), matrix);
     }
+    // Background and triangles are one object: a group, which is then composited as a whole.
+    const bool grouped = shading.background != 0;
+    if (grouped) {
+        Current().PushGroup(fz_infinite_rect, std::clamp(alpha, 0.0f, 1.0f), true, false, GXBlendModeNormal);
+        m_report.Check(m_calls.Clear(Target(), shading.background), "GXRenderTargetClear");
+    }
     Current().SetMatrix(shading.devicePixels ? fz_identity : matrix);
-    m_report.Check(m_calls.DrawGradient(Target(), shading.gradient, alpha, nullptr), "GXRenderTargetDrawGradient");
+    if (shading.gradient)
+        m_report.Check(m_calls.DrawGradient(Target(), shading.gradient, grouped ? 1.0f : alpha, nullptr),
+                       "GXRenderTargetDrawGradient");
+    if (grouped)
+        Current().Pop();
     if (bounded)
         Current().Pop();
 }

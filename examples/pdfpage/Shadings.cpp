@@ -183,11 +183,13 @@ Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_ma
         result.owned = Mesh(report, shade, matrix, visible, params);
         result.gradient = result.owned.Get();
         result.devicePixels = true;
+        result.background = Background(m_ctx, *shade, params);
         return result;
     }
     if (shade->type == FZ_RADIAL && !OneCircleInsideTheOther(*shade)) {
         result.owned = Cone(report, *shade, matrix, visible, params);
         result.gradient = result.owned.Get();
+        result.background = Background(m_ctx, *shade, params);
         return result;
     }
     auto found = m_gradients.find(shade);
@@ -281,8 +283,7 @@ Handle<GXGradient> Shadings::Cone(Report& report, const fz_shade& shade, const f
                 vertices.insert(vertices.end(), {a, b, c, b, d, c});
             }
     Handle<GXGradient> gradient;
-    report.Check(m_calls.CreateGradientTriMesh(vertices.data(), vertices.size(), Background(m_ctx, shade, params),
-                                               gradient.Out()),
+    report.Check(m_calls.CreateGradientTriMesh(vertices.data(), vertices.size(), 0, gradient.Out()),
                  "GXCreateGradientTriMesh");
     return gradient;
 }
@@ -296,9 +297,9 @@ Handle<GXGradient> Shadings::Mesh(Report& report, fz_shade* shade, const fz_matr
     Try(m_ctx, [&] { fz_process_shade(m_ctx, shade, matrix, visible, Prepare, Process, &collector); });
     Handle<GXGradient> gradient;
     if (!collector.vertices.empty() && !collector.failed)
-        report.Check(m_calls.CreateGradientTriMesh(collector.vertices.data(), collector.vertices.size(),
-                                                   Background(m_ctx, *shade, params), gradient.Out()),
-                     "GXCreateGradientTriMesh");
+        report.Check(
+            m_calls.CreateGradientTriMesh(collector.vertices.data(), collector.vertices.size(), 0, gradient.Out()),
+            "GXCreateGradientTriMesh");
     return gradient;
 }
 

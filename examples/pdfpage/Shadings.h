@@ -27,6 +27,8 @@ public:
     struct Result {
         GXGradient gradient = nullptr;
         bool devicePixels = false;
+        // What to paint first, together with the gradient, which leaves it free; 0 where the gradient has it itself.
+        uint32_t background = 0;
         Handle<GXGradient> owned; // a mesh is made for each use
     };
     Result Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,

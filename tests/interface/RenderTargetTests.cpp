@@ -396,20 +396,4 @@ TEST(RenderTarget, ATargetReleasedInTheBracketLeavesWhatWasDrawn) {
     EXPECT_EQ(std::count(memory.begin(), memory.end(), 255), 64);
 }
 
-TEST(RenderTarget, EndPaintClosesTheLayersAroundOneThatFails) {
-    Canvas c(2, 1);
-    const LastMessage message;
-    const GXLayerDesc layer{{0, 0, 0, 0}, 1.0F, 1, 0};
-    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
-    FillRect(c, {0, 0, 1, 1}, kRed);
-    const Owned<GXBrush> mask = Solid(kWhite);
-    ASSERT_EQ(GXRenderTargetSetShapeMask(c.target, 9, mask), GXResultSuccess);
-    ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
-    FillRect(c, {0, 0, 2, 1}, kGreen);
-    EXPECT_EQ(GXRenderTargetEndPaint(c.target), GXResultEngineError);
-    EXPECT_EQ(message.Text(), "Unsupported soft mask type.");
-    EXPECT_EQ(c.Pixels(), (std::vector<uint32_t>{kRed, 0}));
-    EXPECT_EQ(GXRenderTargetBeginPaint(c.target), GXResultSuccess);
-}
-
 } // namespace

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <sstream>
 
@@ -75,6 +76,38 @@ TEST(PdfPage, WritesARangeOfPagesAsAFolder) {
     EXPECT_EQ(298u, wide.height);
     EXPECT_EQ(298u, tall.width);
     EXPECT_EQ(421u, tall.height);
+}
+
+// A triangle over the lower left half of the page, drawn at half its opacity: background and triangle show together.
+TEST(PdfPage, PaintsTheBackgroundOfAMeshItself) {
+    const std::string file = (OutputFolder() / "mesh-background.pdf").string();
+    std::ofstream(file) << R"(%PDF-1.4
+1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj
+2 0 obj <</Type/Pages/Kids[3 0 R]/Count 1>> endobj
+3 0 obj <</Type/Page/Parent 2 0 R/MediaBox[0 0 72 72]/Contents 4 0 R
+/Resources<</Pattern<</P 5 0 R>>/ExtGState<</G<</ca 0.5>>>>>>>> endobj
+4 0 obj <</Length 42>> stream
+/G gs /Pattern cs /P scn 0 0 72 72 re f   
+endstream endobj
+5 0 obj <</Type/Pattern/PatternType 2/Shading 6 0 R>> endobj
+6 0 obj <</ShadingType 4/ColorSpace/DeviceRGB/Background[0 1 0]/BitsPerCoordinate 8/BitsPerComponent 8/BitsPerFlag 8
+/Decode[0 72 0 72 0 1 0 1 0 1]/Filter/ASCIIHexDecode/Length 37>> stream
+000000FF0000 00FF00FF0000 0000FFFF0000>
+endstream endobj
+trailer <</Root 1 0 R>>
+)";
+    const std::string out = (OutputFolder() / "mesh-background.png").string();
+    const Outcome outcome = Host(Quoted(file) + " 1 " + Quoted(out) + " --dpi 72");
+    ASSERT_EQ(0, outcome.code) << outcome.message;
+    Picture picture;
+    ASSERT_TRUE(ReadPng(out, picture));
+    ASSERT_EQ(72u, picture.width);
+    const auto near = [&](size_t x, size_t y, std::array<int, 3> color) {
+        for (size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(color[i], picture.rgb[(y * 72 + x) * 3 + i], 1) << x << ", " << y << " channel " << i;
+    };
+    near(10, 60, {255, 128, 128});
+    near(60, 10, {128, 255, 128});
 }
 
 } // namespace

@@ -134,8 +134,11 @@ TEST_P(KernelTest, PlainRowsFollowTheirFormulas) {
         CheckPixels(
             dst, shift, "fill32", [&](uint32_t* p) { k.fill32(p, color, n); }, [&](uint32_t, size_t) { return color; });
         CheckPixels(
-            dst, shift, "setOpaque", [&](uint32_t* p) { k.setOpaque(p, n); },
+            dst, shift, "setOpaque", [&](uint32_t* p) { k.setOpaque(p, nullptr, n); },
             [](uint32_t d, size_t) { return WithAlpha(d, 255); });
+        CheckPixels(
+            dst, shift, "setOpaque under shape", [&](uint32_t* p) { k.setOpaque(p, m.Row(), n); },
+            [&](uint32_t d, size_t i) { return mask[i] == 0 ? d : WithAlpha(d, 255); });
         const auto* bytes = reinterpret_cast<const uint8_t*>(dst.data());
         const std::vector<uint8_t> odd(bytes, bytes + 4 * n);
         Guarded<uint8_t> source(odd, shift); // at any address

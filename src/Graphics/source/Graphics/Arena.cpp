@@ -50,7 +50,7 @@ void Arena::Reset(size_t keepBytes) noexcept {
         Block* block = *link;
         if (block->size > keepBytes - kept) {
             *link = block->next;
-            ProcessHeap::FreeAligned(block);
+            ProcessHeap::FreeAligned(block, kHeader + block->size);
         } else {
             kept += block->size;
             link = &block->next;

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "ProcessHeap.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
 #include "Exception.h"
+#include "SystemPages.h"
 
 namespace Graphics {
 namespace {
@@ -15,6 +17,40 @@ constexpr size_t kAlignment = 64;
 
 std::atomic<int64_t> g_allocations{0};
 std::atomic<int64_t> g_failAt{-1};
+std::atomic<int64_t> g_held{0};
+std::atomic<int64_t> g_heldOfSystem{0};
+
+[[nodiscard]] bool IsOfSystem(size_t bytes) noexcept { return bytes >= ProcessHeap::kSystemBytes; }
+
+void Count(size_t bytes, int64_t sign) noexcept {
+    const int64_t change = sign * static_cast<int64_t>(bytes);
+    g_held.fetch_add(change, std::memory_order_relaxed);
+    if (IsOfSystem(bytes)) {
+        g_heldOfSystem.fetch_add(change, std::memory_order_relaxed);
+    }
+}
+
+[[nodiscard]] void* Take(size_t bytes) noexcept {
+    void* block = nullptr;
+    if (bytes <= SIZE_MAX / 2) {
+        block = IsOfSystem(bytes)
+                    ? SystemPages::Alloc(bytes)
+                    : ::operator new (std::max<size_t>(bytes, 1), std::align_val_t{kAlignment}, std::nothrow);
+    }
+    if (block != nullptr) {
+        Count(bytes, 1);
+    }
+    return block;
+}
+
+void Give(void* block, size_t bytes) noexcept {
+    Count(bytes, -1);
+    if (IsOfSystem(bytes)) {
+        SystemPages::Free(block, bytes);
+    } else {
+        ::operator delete (block, std::align_val_t{kAlignment});
+    }
+}
 
 [[nodiscard]] bool Refused() noexcept {
     const int64_t n = g_allocations.fetch_add(1, std::memory_order_relaxed);
@@ -33,13 +69,41 @@ void* ProcessHeap::Alloc(size_t bytes) {
 }
 
 void* ProcessHeap::AllocAligned(size_t bytes) {
-    void* block = Refused() || bytes > SIZE_MAX / 2
-                      ? nullptr
-                      : ::operator new (bytes == 0 ? 1 : bytes, std::align_val_t{kAlignment}, std::nothrow);
+    void* block = Refused() ? nullptr : Take(bytes);
     if (block == nullptr) {
         GX_RAISE("Graphics::ProcessHeap::AllocAligned", "Not enough memory");
     }
     return block;
+}
+
+void* ProcessHeap::AllocZeroed(size_t bytes) {
+    void* block = AllocAligned(bytes);
+    if (!IsOfSystem(bytes)) {
+        std::memset(block, 0, bytes);
+    }
+    return block;
+}
+
+void* ProcessHeap::ReallocAligned(void* block, size_t bytes, size_t newBytes, size_t keptBytes) {
+    void* moved = nullptr;
+    if (!Refused()) {
+        const bool resize = block != nullptr && IsOfSystem(bytes) && IsOfSystem(newBytes) && newBytes <= SIZE_MAX / 2;
+        if (resize) {
+            moved = SystemPages::Resize(block, bytes, newBytes);
+        } else if ((moved = Take(newBytes)) != nullptr && keptBytes != 0) {
+            std::memcpy(moved, block, keptBytes);
+        }
+        if (moved != nullptr && resize) {
+            Count(bytes, -1);
+            Count(newBytes, 1);
+        } else if (moved != nullptr) {
+            FreeAligned(block, bytes);
+        }
+    }
+    if (moved == nullptr) {
+        GX_RAISE("Graphics::ProcessHeap::ReallocAligned", "Not enough memory");
+    }
+    return moved;
 }
 
 void* ProcessHeap::Realloc(void* block, size_t bytes) {
@@ -52,7 +116,15 @@ void* ProcessHeap::Realloc(void* block, size_t bytes) {
 
 void ProcessHeap::Free(void* block) noexcept { std::free(block); }
 
-void ProcessHeap::FreeAligned(void* block) noexcept { ::operator delete (block, std::align_val_t{kAlignment}); }
+void ProcessHeap::FreeAligned(void* block, size_t bytes) noexcept {
+    if (block != nullptr) {
+        Give(block, bytes);
+    }
+}
+
+ProcessHeap::Held ProcessHeap::AlignedHeld() noexcept {
+    return {g_held.load(std::memory_order_relaxed), g_heldOfSystem.load(std::memory_order_relaxed)};
+}
 
 void* ProcessHeap::GrowTwoEnded(void* block, size_t& size, size_t tailBytes, size_t freeBytes, size_t neededBytes) {
     if (neededBytes <= freeBytes) {

@@ -1,22 +1,43 @@
 // SPDX-License-Identifier: MIT
 // The allocator of large working buffers: pixels, paths, scan-line storage. Every failure is the engine error
-// "Not enough memory". A test may make the nth allocation fail.
+// "Not enough memory". Aligned blocks are freed by their size; from kSystemBytes on they come straight from the system
+// and go straight back, so that a heap never keeps the gaps that pixels leave. A test may make the nth allocation fail,
+// and read what aligned blocks are held.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 
 namespace Graphics {
 
 class ProcessHeap {
 public:
+    /// Smaller aligned blocks come from the C++ allocator. A page fault for every 4 KB is a small share of what it
+    /// takes to fill a megabyte, and a large one of what it takes to fill less.
+    static constexpr size_t kSystemBytes = size_t{1} << 20;
+
     [[nodiscard]] static void* Alloc(size_t bytes);
     /// Aligned to 64 bytes (a cache line, and the widest vector).
     [[nodiscard]] static void* AllocAligned(size_t bytes);
+    /// The same, every byte 0: for a large block without touching it.
+    [[nodiscard]] static void* AllocZeroed(size_t bytes);
+    /// Another size for an aligned block (null: none yet, of 0 bytes). The first `keptBytes` are kept; on failure the
+    /// block is as it was.
+    [[nodiscard]] static void* ReallocAligned(void* block, size_t bytes, size_t newBytes, size_t keptBytes);
     [[nodiscard]] static void* Realloc(void* block, size_t bytes);
     static void Free(void* block) noexcept;
-    static void FreeAligned(void* block) noexcept;
+    /// `bytes` as they were asked for; null is nothing.
+    static void FreeAligned(void* block, size_t bytes) noexcept;
+
+    /// Bytes of the aligned blocks that are held, and how many of them came straight from the system.
+    struct Held {
+        int64_t bytes;
+        int64_t systemBytes;
+    };
+    [[nodiscard]] static Held AlignedHeld() noexcept;
 
     /// Grows a block that is filled from the front and, downwards, from the back: the last `tailBytes` move to the new
     /// end. `size` is updated. Grows by the largest of the shortfall rounded up to 8, the current size, and 8.
@@ -30,6 +51,8 @@ public:
 
 /// A growable array of trivially copyable values on ProcessHeap that keeps its memory when cleared.
 template <class T> class HeapArray {
+    static_assert(std::is_trivially_copyable_v<T>);
+
 public:
     HeapArray() noexcept = default;
     HeapArray(const HeapArray&) = delete;
@@ -39,12 +62,10 @@ public:
         o.m_size = o.m_capacity = 0;
     }
     HeapArray& operator=(HeapArray&& o) noexcept {
-        std::swap(m_data, o.m_data);
-        std::swap(m_size, o.m_size);
-        std::swap(m_capacity, o.m_capacity);
+        Swap(o);
         return *this;
     }
-    ~HeapArray() { ProcessHeap::FreeAligned(m_data); }
+    ~HeapArray() { ProcessHeap::FreeAligned(m_data, m_capacity * sizeof(T)); }
 
     [[nodiscard]] T* data() noexcept { return m_data; }
     [[nodiscard]] const T* data() const noexcept { return m_data; }
@@ -81,6 +102,16 @@ public:
         reserve(n);
         m_size = n;
     }
+    /// Gives the memory back.
+    void Release() noexcept { HeapArray().Swap(*this); }
+    /// As resize, with nothing kept and no more memory than asked for where a block of the system's would be larger.
+    void Remake(size_t n) {
+        const bool large = std::max(n, m_capacity) * sizeof(T) >= ProcessHeap::kSystemBytes;
+        if (n > m_capacity || (large && n < m_capacity)) {
+            SetCapacity(n, 0);
+        }
+        m_size = n;
+    }
 
 private:
     void Grow(size_t n) {
@@ -90,13 +121,17 @@ private:
         if (capacity > (SIZE_MAX / 2) / sizeof(T)) {
             capacity = SIZE_MAX / sizeof(T); // refused below
         }
-        T* block = static_cast<T*>(ProcessHeap::AllocAligned(capacity * sizeof(T)));
-        for (size_t i = 0; i < m_size; ++i) {
-            block[i] = m_data[i];
-        }
-        ProcessHeap::FreeAligned(m_data);
-        m_data = block;
+        SetCapacity(capacity, m_size);
+    }
+    void SetCapacity(size_t capacity, size_t kept) {
+        m_data = static_cast<T*>(
+            ProcessHeap::ReallocAligned(m_data, m_capacity * sizeof(T), capacity * sizeof(T), kept * sizeof(T)));
         m_capacity = capacity;
+    }
+    void Swap(HeapArray& o) noexcept {
+        std::swap(m_data, o.m_data);
+        std::swap(m_size, o.m_size);
+        std::swap(m_capacity, o.m_capacity);
     }
 
     T* m_data = nullptr;

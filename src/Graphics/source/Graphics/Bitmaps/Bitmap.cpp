@@ -33,6 +33,11 @@ void Bitmap::Unlock() {
     }
 }
 
+void Bitmap::EndPainting() {
+    m_painters.fetch_sub(1, std::memory_order_relaxed);
+    NotifyChanged();
+}
+
 void Bitmap::CopyFromMemory(const IntRect* rect, const GXBitmapData& source) {
     m_image->CopyFromMemory(rect, source);
     NotifyChanged();

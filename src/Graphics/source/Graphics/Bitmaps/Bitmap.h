@@ -40,12 +40,21 @@ public:
     void CopyFromBitmap(const IntPoint* origin, const Bitmap& source, const IntRect* sourceRect);
     void ColorFill(const IntRect* rect, const Color& color);
 
+    /// Between these two somebody changes pixels without saying so each time; several may at once.
+    void StartPainting() noexcept { m_painters.fetch_add(1, std::memory_order_relaxed); }
+    void EndPainting();
+    /// Where objects derived from the pixels are kept; null while somebody paints, when they would soon be stale.
+    [[nodiscard]] CacheHolder* DerivedToKeep() const noexcept {
+        return m_painters.load(std::memory_order_relaxed) == 0 ? &Derived() : nullptr;
+    }
+
     void SetOffscreenPainting(bool on) noexcept { m_offscreenPainting = on; }
     [[nodiscard]] bool OffscreenPainting() const noexcept { return m_offscreenPainting; }
 
 private:
     const std::shared_ptr<SysMemBitmap> m_image;
     std::atomic<uint32_t> m_lockMode{0}; // several threads may lock one bitmap for reading
+    std::atomic<uint32_t> m_painters{0};
     bool m_offscreenPainting = false;
 };
 

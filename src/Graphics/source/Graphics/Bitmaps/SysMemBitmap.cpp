@@ -18,8 +18,8 @@ namespace {
 
 } // namespace
 
-SysMemBitmap::SysMemBitmap(int32_t width, int32_t height, GXPixelFormat format, float dpiX, float dpiY)
-    : m_format(format), m_dpiX(dpiX), m_dpiY(dpiY), m_pixels(width, height, CheckedBitsPerPixel(format)) {}
+SysMemBitmap::SysMemBitmap(int32_t width, int32_t height, GXPixelFormat format, float dpiX, float dpiY, bool zeroed)
+    : m_format(format), m_dpiX(dpiX), m_dpiY(dpiY), m_pixels(width, height, CheckedBitsPerPixel(format), zeroed) {}
 
 void SysMemBitmap::SetPalette(std::shared_ptr<const Palette> palette) {
     m_palette = std::move(palette);

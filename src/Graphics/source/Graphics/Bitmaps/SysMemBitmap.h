@@ -9,9 +9,10 @@ namespace Graphics {
 
 class SysMemBitmap final : public BitmapBase {
 public:
-    /// Takes the magnitudes of width and height; the pixels are not cleared. Raises "Unsupported pixel format." and
-    /// what PixelBuffer raises.
-    SysMemBitmap(int32_t width, int32_t height, GXPixelFormat format, float dpiX = 96.0F, float dpiY = 96.0F);
+    /// Takes the magnitudes of width and height; the pixels are cleared only where `zeroed` says so. Raises
+    /// "Unsupported pixel format." and what PixelBuffer raises.
+    SysMemBitmap(int32_t width, int32_t height, GXPixelFormat format, float dpiX = 96.0F, float dpiY = 96.0F,
+                 bool zeroed = false);
 
     [[nodiscard]] GXPixelFormat Format() const noexcept override { return m_format; }
     [[nodiscard]] float DpiX() const noexcept override { return m_dpiX; }

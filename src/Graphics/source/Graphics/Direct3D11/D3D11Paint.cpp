@@ -111,7 +111,7 @@ D3D11Paint D3D11PaintMaker::FromBrush(D3D11Context& context, const Brush& brush,
         const auto& b = static_cast<const BitmapBrush&>(brush);
         D3D11Image image;
         image.view = b.bitmap->View();
-        image.derived = &b.bitmap->Derived();
+        image.derived = b.bitmap->DerivedToKeep();
         image.interpolation = b.interpolation;
         image.extendX = b.extendX;
         image.extendY = b.extendY;

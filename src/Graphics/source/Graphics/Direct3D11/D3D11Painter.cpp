@@ -146,10 +146,11 @@ void D3D11Painter::SendCovered(const Call& call, const SwClipRef& covered, D3D11
     }
     auto* bytes = m_arena.AllocArray<uint8_t>(static_cast<size_t>(box.right - box.left)); // a sink may change them
     for (int32_t y = box.top; y < box.bottom; ++y) {
-        const SwClipRow& row = covered->Row(y);
-        if (row.begin < row.end) {
-            std::copy_n(covered->Coverage(row.begin, y), row.end - row.begin, bytes);
-            CoverageRun run{row.begin, row.end, bytes, 0};
+        const int32_t begin = std::max(covered->Row(y).begin, box.left);
+        const int32_t end = std::min(covered->Row(y).end, box.right);
+        if (begin < end) {
+            covered->CopyRow(y, begin, end, bytes);
+            CoverageRun run{begin, end, bytes, 0};
             sink.Row(y, {&run, 1});
         }
     }

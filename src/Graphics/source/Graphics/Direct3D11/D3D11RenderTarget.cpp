@@ -81,9 +81,8 @@ void D3D11RenderTarget::EndPaint() {
             target.m_incomplete = false;
         }
     } finally{*this};
-    std::exception_ptr failure;
     Run(false, [&] {
-        failure = CloseLayers();
+        CloseLayers();
         m_context->Batch().Flush();
         m_basic.SendToCard(*m_context);
         m_surface->EndPaint(*m_context);
@@ -92,9 +91,6 @@ void D3D11RenderTarget::EndPaint() {
         m_surface->AskForRepaint();
     }
     m_asked = m_incomplete;
-    if (failure != nullptr) {
-        std::rethrow_exception(failure);
-    }
 }
 
 IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
@@ -120,9 +116,9 @@ D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntR
 }
 
 void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask) {
-    CheckMasks();
     IntRect pixels;
     if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
+        CheckMasks();
         const IntRect visible = Visible(pixels);
         if (!IsEmpty(visible)) {
             m_painter.DrawAll(CallFor(visible), ink, mask);
@@ -134,6 +130,7 @@ void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink&
     if (shape.Empty()) {
         return;
     }
+    CheckMasks();
     const IntRect box = RoundOut(DeviceBox(shape, transform, 0.0F));
     const IntRect visible = Visible(box);
     if (IsEmpty(visible)) {
@@ -147,6 +144,9 @@ void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink&
 }
 
 bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
+    if (shape.Empty()) {
+        return true;
+    }
     CheckMasks();
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
@@ -175,12 +175,15 @@ void D3D11RenderTarget::Fill(const PathRef& path, const Brush& brush, bool text)
 
 void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
     Run(true, [&] {
-        CheckMasks();
         const SwState& state = State();
         const Shape& shape = Resolve(path);
+        if (shape.Empty()) {
+            return;
+        }
+        CheckMasks();
         const IntRect box = StrokeBox(shape, state.transform, width, style);
         const IntRect visible = Visible(box);
-        if (shape.Empty() || IsEmpty(visible)) {
+        if (IsEmpty(visible)) {
             return;
         }
         m_painter.Draw(CallFor(visible, box), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
@@ -209,7 +212,7 @@ void D3D11RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, 
     Run(true, [&] {
         D3D11Image image;
         image.view = PixelTransfer::Part(whole, part);
-        image.derived = part == IntRect{0, 0, whole.width, whole.height} ? &bitmap.Derived() : nullptr;
+        image.derived = part == IntRect{0, 0, whole.width, whole.height} ? bitmap.DerivedToKeep() : nullptr;
         image.interpolation = interpolation;
         image.opacity = opacity;
         image.toDevice = Concat(PlaceImage(part, source, destination), State().transform);
@@ -223,7 +226,7 @@ void D3D11RenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const R
     Run(true, [&] {
         D3D11Image image;
         image.view = mask.View();
-        image.derived = &mask.Derived();
+        image.derived = mask.DerivedToKeep();
         image.interpolation = interpolation;
         const IntRect whole{0, 0, image.view.width, image.view.height};
         image.toDevice = Concat(PlaceImage(whole, whole, destination), State().transform);
@@ -273,12 +276,20 @@ void D3D11RenderTarget::EndLayer() {
 }
 
 void D3D11RenderTarget::CloseLayer() {
-    const std::unique_ptr<D3D11SubTarget> layer = std::move(m_layers.back());
+    std::unique_ptr<D3D11SubTarget> layer = std::move(m_layers.back());
     m_layers.pop_back();
-    CheckMasks();
-    const IntRect visible = Visible(layer->Touched());
-    if (!IsEmpty(visible)) {
-        m_painter.DrawGroup(CallFor(visible), *layer);
+    if (IsEmpty(layer->Touched())) {
+        return;
+    }
+    try {
+        CheckMasks();
+        const IntRect visible = Visible(layer->Touched());
+        if (!IsEmpty(visible)) {
+            m_painter.DrawGroup(CallFor(visible), *layer);
+        }
+    } catch (const std::exception&) {
+        m_layers.push_back(std::move(layer)); // there is room
+        throw;
     }
 }
 
@@ -301,11 +312,11 @@ void D3D11RenderTarget::InvertRect(const Rect& rect) {
 
 void D3D11RenderTarget::InvertLine(const Point& from, const Point& to) {
     Run(true, [&] {
-        const IntRect visible = Visible(m_area);
+        const Point a = Map(State().transform, from);
+        const Point b = Map(State().transform, to);
+        const IntRect visible = Visible(PixelInverter::LineBox(a, b));
         if (!IsEmpty(visible)) {
-            const Matrix transform = State().transform;
-            m_painter.Invert(CallFor(visible),
-                             [&](PixelInverter& inverter) { inverter.Line(Map(transform, from), Map(transform, to)); });
+            m_painter.Invert(CallFor(visible), [&](PixelInverter& inverter) { inverter.Line(a, b); });
         }
     });
 }

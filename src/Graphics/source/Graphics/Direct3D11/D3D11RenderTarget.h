@@ -61,6 +61,7 @@ private:
     [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
     [[nodiscard]] bool HasLayers() const noexcept override { return !m_layers.empty(); }
     void CloseLayer() override;
+    void DropLayer() noexcept override { m_layers.pop_back(); }
 
     std::shared_ptr<D3D11Context> m_context;
     std::unique_ptr<D3D11Surface> m_surface;

@@ -36,15 +36,7 @@ D3D11SoftwareTextures::Image D3D11SoftwareTextures::Coverage(D3D11Context& conte
     const auto width = static_cast<size_t>(box.right - box.left);
     m_values.resize(width * static_cast<size_t>(box.bottom - box.top));
     for (int32_t y = box.top; y < box.bottom; ++y) {
-        uint8_t* to = m_values.data() + static_cast<size_t>(y - box.top) * width - box.left;
-        const SwClipRow& row = clip.Row(y);
-        const int32_t begin = std::clamp(row.begin, box.left, box.right);
-        const int32_t end = std::clamp(row.end, begin, box.right);
-        std::fill(to + box.left, to + begin, uint8_t{0});
-        if (begin < end) {
-            std::copy_n(clip.Coverage(begin, y), end - begin, to + begin);
-        }
-        std::fill(to + end, to + box.right, uint8_t{0});
+        clip.CopyRow(y, box.left, box.right, m_values.data() + static_cast<size_t>(y - box.top) * width);
     }
     ++context.Device().Counters().coverages;
     return Upload(context, box, DXGI_FORMAT_A8_UNORM, m_values.data(), static_cast<uint32_t>(width));

@@ -107,7 +107,7 @@ void D3D11SwFallbackSurface::Receive(D3D11Context& context, const D3D11Texture& 
         uint32_t* words = m_color.data() + offset;
         if (m_kind == Kind::Surface) {
             std::memcpy(words, bytes, count * sizeof(uint32_t));
-            ActiveKernels().setOpaque(words, count);
+            ActiveKernels().setOpaque(words, nullptr, count);
             return;
         }
         for (size_t i = 0; i < count; ++i) {

@@ -36,7 +36,10 @@ public:
     /// `call` is made under `transform` and reaches no pixel outside `box`.
     void Add(const Matrix& transform, const IntRect& box, Call call) {
         m_entries.push_back({transform, box, std::move(call)});
+        ++m_drawings;
     }
+    /// Calls of Add so far.
+    [[nodiscard]] size_t Drawings() const noexcept { return m_drawings; }
     /// A call that concerns all that follow.
     void AddState(const Matrix& transform, Call call);
 
@@ -55,6 +58,7 @@ private:
         Call call;
     };
     std::vector<Entry> m_entries;
+    size_t m_drawings = 0;
     std::unordered_map<const SysMemBitmap*, std::shared_ptr<Bitmap>> m_bitmaps;
 };
 

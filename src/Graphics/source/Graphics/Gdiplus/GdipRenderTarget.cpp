@@ -82,8 +82,8 @@ void GdipRenderTarget::AddMask(MaskSetter set, const GdipMask& mask) {
     m_page.AddState(mask.transform, [set, mask](RenderTargetBase& t) { (t.*set)(mask.type, mask.brush); });
 }
 
-void GdipRenderTarget::CheckMasks() {
-    for (const GdipMask* mask : {&State().shapeMask, &State().opacityMask}) {
+void GdipRenderTarget::CheckMasks(const GdipState& state) {
+    for (const GdipMask* mask : {&state.shapeMask, &state.opacityMask}) {
         if (mask->brush != nullptr && mask->type >= kMaskTypes) {
             GX_RAISE("Graphics::GdipRenderTarget::CheckMasks", "Unsupported soft mask type.");
         }
@@ -101,6 +101,7 @@ void GdipRenderTarget::BeginPaint() {
         GdipState first = m_cached;
         first.clip = m_device.area;
         first.restore = m_graphics->Save();
+        first.drawingsBefore = m_page.Drawings();
         m_targets.emplace_back(first, true);
         m_page.AddState(kIdentity, [mode = first.blendMode, on = first.strokeAdjustment](RenderTargetBase& t) {
             t.SetBlendMode(mode);
@@ -163,6 +164,7 @@ void GdipRenderTarget::BeginLayer(const GXLayerDesc& desc) {
     const bool transparent = DrawsItself() && desc.knockout == 0 && desc.opacity == 1.0F;
     m_targets.reserve(m_targets.size() + 1);
     first.restore = m_graphics->Save();
+    first.drawingsBefore = m_page.Drawings();
     if (transparent && !(first.clip == state.clip)) {
         GdipPath box(m_toPage);
         AddRectangle(box, ToRect(first.clip));
@@ -176,11 +178,14 @@ void GdipRenderTarget::EndLayer() {
     if (m_targets.size() < 2) {
         GX_RAISE("Graphics::GdipRenderTarget::EndLayer", "No layer is open");
     }
-    const GdipGraphics::SavedState restore = m_targets.back().First().restore;
+    GdipSubTarget& around = m_targets[m_targets.size() - 2];
+    const GdipState first = m_targets.back().First();
+    if (m_page.Drawings() != first.drawingsBefore) {
+        CheckMasks(around.State());
+    }
+    m_page.AddState(around.State().transform, [](RenderTargetBase& t) { t.EndLayer(); });
     m_targets.pop_back();
-    m_page.AddState(State().transform, [](RenderTargetBase& t) { t.EndLayer(); });
-    m_graphics->Restore(restore);
-    CheckMasks();
+    m_graphics->Restore(first.restore);
 }
 
 } // namespace Graphics

@@ -76,7 +76,8 @@ private:
     template <class Change> void ChangeState(const GdipPageList::Call& call, Change&& change);
     void SetMask(GdipMask GdipState::*which, MaskSetter set, GdipMask mask);
     void AddMask(MaskSetter set, const GdipMask& mask);
-    void CheckMasks();
+    static void CheckMasks(const GdipState& state);
+    void CheckMasks() { CheckMasks(State()); }
     void Finish() noexcept;
 
     /// The stored shape, or the figure put into a shape that is void after the call.

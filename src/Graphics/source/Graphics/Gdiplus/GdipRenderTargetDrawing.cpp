@@ -110,10 +110,13 @@ void GdipRenderTarget::FeedPath(const Shape& shape, bool snap, GdipPath& sink) {
 }
 
 void GdipRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
-    CheckMasks();
     const Shape& shape = Resolve(path);
+    if (shape.Empty()) {
+        return;
+    }
+    CheckMasks();
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, State().transform, 0.0F)));
-    if (shape.Empty() || IsEmpty(visible)) {
+    if (IsEmpty(visible)) {
         return;
     }
     const bool snap = State().strokeAdjustment && !text;
@@ -125,11 +128,14 @@ void GdipRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) 
 }
 
 void GdipRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
-    CheckMasks();
     const GdipState& state = State();
     const Shape& shape = Resolve(path);
+    if (shape.Empty()) {
+        return;
+    }
+    CheckMasks();
     const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
-    if (shape.Empty() || IsEmpty(visible)) {
+    if (IsEmpty(visible)) {
         return;
     }
     DrawWith(

@@ -26,6 +26,7 @@ struct GdipState {
     IntRect clip{};                       ///< no pixel outside is reached
     bool clipped = false;                 ///< by something else than the page's sides
     GdipGraphics::SavedState restore = 0; ///< what GDI+ goes back to when this state ends
+    size_t drawingsBefore = 0;            ///< of a group's first state: calls noted when it opened
 };
 
 class GdipSubTarget {

@@ -49,8 +49,9 @@ class TriMeshGradient final : public Gradient {
 public:
     [[nodiscard]] uint32_t Kind() const noexcept override { return kGradientTriMesh; }
 
-    std::vector<GXTriMeshVertex> vertices;    ///< straight ARGB colours
-    Color background{0.0F, 0.0F, 0.0F, 0.0F}; ///< straight; all zero is none
+    std::vector<GXTriMeshVertex> vertices; ///< straight ARGB colours
+    Color background{0.0F, 0.0F, 0.0F,
+                     0.0F}; ///< as the host gave it; the area outside the triangles is the host's to paint
 };
 
 } // namespace Graphics

@@ -6,7 +6,7 @@
 
 namespace Graphics {
 
-PixelBuffer::Block PixelBuffer::Make(int32_t width, int32_t height, uint32_t bitsPerPixel) {
+PixelBuffer::Block PixelBuffer::Make(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed) {
     // 64 bits throughout: the magnitude of the smallest 32-bit number has no 32-bit form.
     const int64_t w = width < 0 ? -static_cast<int64_t>(width) : width;
     const int64_t h = height < 0 ? -static_cast<int64_t>(height) : height;
@@ -18,18 +18,20 @@ PixelBuffer::Block PixelBuffer::Make(int32_t width, int32_t height, uint32_t bit
     if (w > 2147483640 / static_cast<int64_t>(bitsPerPixel) || h > 2147483647 / stride) {
         GX_RAISE("Graphics::PixelBuffer::PixelBuffer", "Bitmap is too big");
     }
-    auto* data = static_cast<uint8_t*>(ProcessHeap::AllocAligned(static_cast<size_t>(stride * h)));
-    return {data, static_cast<int32_t>(w), static_cast<int32_t>(h), static_cast<uint32_t>(stride)};
+    const auto bytes = static_cast<size_t>(stride * h);
+    void* data = zeroed ? ProcessHeap::AllocZeroed(bytes) : ProcessHeap::AllocAligned(bytes);
+    return {static_cast<uint8_t*>(data), static_cast<int32_t>(w), static_cast<int32_t>(h),
+            static_cast<uint32_t>(stride)};
 }
 
-PixelBuffer::PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel)
-    : m_bitsPerPixel(bitsPerPixel), m_block(Make(width, height, bitsPerPixel)) {}
+PixelBuffer::PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed)
+    : m_bitsPerPixel(bitsPerPixel), m_block(Make(width, height, bitsPerPixel, zeroed)) {}
 
-PixelBuffer::~PixelBuffer() { ProcessHeap::FreeAligned(m_block.data); }
+PixelBuffer::~PixelBuffer() { ProcessHeap::FreeAligned(m_block.data, ByteCount()); }
 
 void PixelBuffer::Remake(int32_t width, int32_t height) {
-    const Block block = Make(width, height, m_bitsPerPixel);
-    ProcessHeap::FreeAligned(m_block.data);
+    const Block block = Make(width, height, m_bitsPerPixel, false);
+    ProcessHeap::FreeAligned(m_block.data, ByteCount());
     m_block = block;
 }
 

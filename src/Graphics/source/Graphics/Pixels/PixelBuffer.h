@@ -10,9 +10,9 @@ namespace Graphics {
 
 class PixelBuffer {
 public:
-    /// Takes the magnitudes of width and height. The pixels are not cleared. Raises "Invalid bitmap dimensions" for a
-    /// size of zero, "Bitmap is too big" from 2 GiB on.
-    PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel);
+    /// Takes the magnitudes of width and height. The pixels are cleared only where `zeroed` says so. Raises "Invalid
+    /// bitmap dimensions" for a size of zero, "Bitmap is too big" from 2 GiB on.
+    PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed = false);
     PixelBuffer(const PixelBuffer&) = delete;
     PixelBuffer& operator=(const PixelBuffer&) = delete;
     ~PixelBuffer();
@@ -36,7 +36,7 @@ private:
         int32_t height;
         uint32_t strideBytes;
     };
-    [[nodiscard]] static Block Make(int32_t width, int32_t height, uint32_t bitsPerPixel);
+    [[nodiscard]] static Block Make(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed);
 
     const uint32_t m_bitsPerPixel;
     Block m_block;

@@ -9,8 +9,11 @@ Size SwBitmapSurface::GetSize() const { return m_bitmap->GetSize(); }
 
 GXPixelFormat SwBitmapSurface::GetPixelFormat() const { return m_bitmap->Format(); }
 
-PixelView SwBitmapSurface::BeginPaint() { return m_bitmap->View(); }
+PixelView SwBitmapSurface::BeginPaint() {
+    m_bitmap->StartPainting();
+    return m_bitmap->View();
+}
 
-void SwBitmapSurface::EndPaint() { m_bitmap->NotifyChanged(); }
+void SwBitmapSurface::EndPaint() { m_bitmap->EndPainting(); }
 
 } // namespace Graphics

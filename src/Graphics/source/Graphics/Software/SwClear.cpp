@@ -15,13 +15,15 @@ template <class Base>
     return reinterpret_cast<Word*>(base + (y - planes.origin.y) * stride) + (x - planes.origin.x);
 }
 
-/// Calls row(y, x0, x1) for the columns of each row that the clip does not leave out altogether.
-template <class Row> void ForRows(const IntRect& region, const SwClip* clip, Row&& row) {
+/// Calls part(y, x0, x1, coverage) for the columns of each row that the clip does not leave out altogether, null for
+/// those that it leaves as they are.
+template <class Part> void ForParts(const IntRect& region, const SwClip* clip, Part&& part) {
     for (int32_t y = region.top; y < region.bottom; ++y) {
-        const int32_t x0 = IsMasked(clip) ? std::max(region.left, clip->Row(y).begin) : region.left;
-        const int32_t x1 = IsMasked(clip) ? std::min(region.right, clip->Row(y).end) : region.right;
-        if (x0 < x1) {
-            row(y, x0, x1);
+        if (IsMasked(clip)) {
+            clip->ForParts(y, region.left, region.right,
+                           [&](int32_t x0, int32_t x1, const uint8_t* coverage) { part(y, x0, x1, coverage); });
+        } else {
+            part(y, region.left, region.right, static_cast<const uint8_t*>(nullptr));
         }
     }
 }
@@ -38,13 +40,16 @@ void ClearSurface(const SwKernels& kernels, const SwTargetPlanes& planes, const 
                        perRow * static_cast<size_t>(region.bottom - region.top - 1) + width);
         return;
     }
-    ForRows(region, clip, [&](int32_t y, int32_t x0, int32_t x1) {
+    ForParts(region, clip, [&](int32_t y, int32_t x0, int32_t x1, const uint8_t* coverage) {
         const auto count = static_cast<size_t>(x1 - x0);
-        if (IsMasked(clip)) {
-            kernels.replaceSolid(words(x0, y), color, clip->Coverage(x0, y), count);
-        } else {
+        if (coverage == nullptr) {
             kernels.fill32(words(x0, y), color, count);
+            return;
         }
+        if (planes.makesOpaque) {
+            kernels.setOpaque(words(x0, y), coverage, count);
+        }
+        kernels.replaceSolid(words(x0, y), color, coverage, count);
     });
 }
 
@@ -69,15 +74,14 @@ void ClearGroupPixel(uint32_t& pixel, uint8_t& groupAlpha, uint8_t& groupShape, 
 }
 
 void ClearGroup(const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip, uint32_t color) {
-    ForRows(region, clip, [&](int32_t y, int32_t x0, int32_t x1) {
+    ForParts(region, clip, [&](int32_t y, int32_t x0, int32_t x1, const uint8_t* coverage) {
         uint32_t* pixels = WordsAt(planes.color, planes.colorStride, planes, x0, y);
         const uint32_t* backdrop =
             planes.backdrop == nullptr ? nullptr : WordsAt(planes.backdrop, planes.backdropStride, planes, x0, y);
         const ptrdiff_t offset = (y - planes.origin.y) * planes.planeStride + (x0 - planes.origin.x);
         for (int32_t i = 0; i < x1 - x0; ++i) {
             ClearGroupPixel(pixels[i], planes.alpha[offset + i], planes.shape[offset + i],
-                            backdrop == nullptr ? 0 : backdrop[i], color,
-                            IsMasked(clip) ? *clip->Coverage(x0 + i, y) : 255);
+                            backdrop == nullptr ? 0 : backdrop[i], color, coverage == nullptr ? 255 : coverage[i]);
         }
     });
 }

@@ -1,56 +1,90 @@
 // SPDX-License-Identifier: MIT
-// Clips. A clip is a box in device pixels and, where it is more than a rectangle, a plane of 8-bit coverage over the
-// box with the extents of each row:
+// Clips. A clip is a box in device pixels and, where it is more than a rectangle, 8-bit coverage, of which each row
+// stores only the pixels that are partly covered:
 //
 //     box.left   begin        fullBegin          fullEnd      end      box.right
-//        |  not stored  | partial |   all 255       | partial |  not stored  |
+//        |    all 0    | stored  |   all 255       | stored  |    all 0    |
 //
-// Clips are immutable once built, shared by the states that use them and recycled by their pool.
+// Clips are immutable once built, shared by the states that use them and recycled by their pool. A rectangle inside a
+// clip shares the clip's coverage.
 #pragma once
 
-#include <memory>
+#include <algorithm>
+#include <vector>
 
 #include "../Matrix.h"
-#include "../ProcessHeap.h"
-#include "../Scan/RasterizationSink.h"
+#include "../Types.h"
+#include "SwBlockPool.h"
 
 namespace Graphics {
 
-class Shape;
 class SwClipPool;
 
 struct SwClipRow {
     int32_t begin, end;         ///< columns outside are 0
     int32_t fullBegin, fullEnd; ///< columns inside are 255; may be empty
+    size_t offset;              ///< of the bytes of [begin, fullBegin), behind which are those of [fullEnd, end)
+};
+
+/// The rows of a clip and behind them the bytes of all, in one block.
+class SwClipCoverage {
+private:
+    friend class SwClip;
+    friend class SwClipPool;
+    friend class SwClipBuilder;
+    friend class SwClipMaker;
+
+    [[nodiscard]] const SwClipRow* Rows() const noexcept { return reinterpret_cast<const SwClipRow*>(m_block.data()); }
+
+    SwBlockPool::Block m_block;
+    const uint8_t* m_bytes = nullptr;
+    int32_t m_top = 0;         // of the first row
+    uint32_t m_references = 0; // by clips
 };
 
 class SwClip {
 public:
     [[nodiscard]] const IntRect& Box() const noexcept { return m_box; }
-    [[nodiscard]] bool HasMask() const noexcept { return m_hasMask; }
-    [[nodiscard]] const SwClipRow& Row(int32_t y) const noexcept { return m_rows[static_cast<size_t>(y - m_box.top)]; }
-    /// The coverage of column x; meaningful from Row(y).begin to Row(y).end.
-    [[nodiscard]] const uint8_t* Coverage(int32_t x, int32_t y) const noexcept {
-        return m_plane.data() + static_cast<size_t>(y - m_box.top) * m_stride + static_cast<size_t>(x - m_box.left);
+    [[nodiscard]] bool HasMask() const noexcept { return m_coverage != nullptr; }
+    /// Of a masked clip. The extents may go beyond the columns of the box.
+    [[nodiscard]] const SwClipRow& Row(int32_t y) const noexcept {
+        return m_coverage->Rows()[static_cast<size_t>(y - m_coverage->m_top)];
     }
-
-    /// Of the memory for the mask, whether there is one now or not.
-    [[nodiscard]] size_t PlaneBytes() const noexcept { return m_plane.capacity(); }
-    [[nodiscard]] bool IsShared() const noexcept { return m_references > 1; }
+    /// The coverage of column x of a row, from begin to fullBegin or from fullEnd to end, and of those behind it there.
+    [[nodiscard]] const uint8_t* Partial(const SwClipRow& row, int32_t x) const noexcept {
+        const int32_t skipped = x < row.fullBegin ? row.begin : row.fullEnd - row.fullBegin + row.begin;
+        return m_coverage->m_bytes + row.offset + static_cast<size_t>(x - skipped);
+    }
+    /// Calls use(from, to, coverage) for each part of the columns [x0, x1), which lie in the box, that is covered at
+    /// all; null stands for 255.
+    template <class Use> void ForParts(int32_t y, int32_t x0, int32_t x1, Use&& use) const {
+        const SwClipRow& row = Row(y);
+        const int32_t begin = std::max(x0, row.begin);
+        const int32_t end = std::min(x1, row.end);
+        const int32_t fullBegin = std::clamp(row.fullBegin, begin, std::max(begin, end));
+        const int32_t fullEnd = std::clamp(row.fullEnd, fullBegin, std::max(fullBegin, end));
+        if (begin < fullBegin) {
+            use(begin, fullBegin, Partial(row, begin));
+        }
+        if (fullBegin < fullEnd) {
+            use(fullBegin, fullEnd, static_cast<const uint8_t*>(nullptr));
+        }
+        if (fullEnd < end) {
+            use(fullEnd, end, Partial(row, fullEnd));
+        }
+    }
+    /// The coverage of the columns [x0, x1), which lie in the box.
+    void CopyRow(int32_t y, int32_t x0, int32_t x1, uint8_t* out) const noexcept;
 
 private:
     friend class SwClipPool;
     friend class SwClipRef;
     friend class SwClipBuilder;
+    friend class SwClipMaker;
 
     IntRect m_box{};
-    bool m_hasMask = false;
-    size_t m_stride = 0;
-    HeapArray<uint8_t> m_plane;
-    HeapArray<SwClipRow> m_rows;
-
+    SwClipCoverage* m_coverage = nullptr;
     uint32_t m_references = 0;
-    SwClip* m_next = nullptr; // in the pool's free list
     SwClipPool* m_pool = nullptr;
 };
 
@@ -85,8 +119,7 @@ private:
     SwClip* m_clip = nullptr;
 };
 
-/// Keeps released clips with their memory: one plane of any size, or some that are no more than kKeepBytes together.
-/// Outlives every reference to its clips.
+/// Makes clips and takes them back, with their memory. Outlives every reference to its clips.
 class SwClipPool {
 public:
     SwClipPool() noexcept = default;
@@ -96,39 +129,25 @@ public:
 
     [[nodiscard]] SwClip* Take();
     void Give(SwClip* clip) noexcept;
-    /// Gives a clip without a plane of this size the closest fit of the released ones, or no plane where none fits.
-    void FindPlane(SwClip& clip, size_t bytes) noexcept;
-    /// Drops the planes of released clips that are as large as a page: painting has ended.
+    /// Gives a clip without coverage one of so many rows and bytes, undefined but for `top`.
+    void MakeCoverage(SwClip& clip, int32_t top, size_t rows, size_t bytes);
+    /// Drops what is as large as a page: painting has ended.
     void Trim() noexcept;
 
 private:
-    static constexpr size_t kKeepBytes = 1U << 20;
+    friend class SwClipBuilder;
 
-    SwClip* m_free = nullptr;
-    size_t m_freeBytes = 0;
-};
+    static constexpr size_t kKeepBytes = size_t{1} << 19;
+    static constexpr size_t kSpare = 32;
 
-/// Turns the coverage of one path into a clip inside `parent` (null: none) and `visible`.
-class SwClipBuilder final : public RasterizationSink {
-public:
-    SwClipBuilder(SwClipPool& pool, const SwClip* parent, const IntRect& visible);
+    SwBlockPool m_blocks{kKeepBytes};
+    std::vector<SwClip*> m_spareClips;             // without coverage
+    std::vector<SwClipCoverage*> m_spareCoverages; // without a block
 
-    void Row(int32_t y, std::span<CoverageRun> runs) override;
-    void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
-
-    /// Call once, after the rasterizer has finished.
-    [[nodiscard]] SwClipRef Finish();
-
-private:
-    void StartMask();
-    /// Multiplies the parent's coverage into the finished row and notes the row's extents inside the parent's.
-    void FinishRow(int32_t y, SwClipRow extents);
-
-    SwClip* m_clip;
-    SwClipRef m_owner;
-    const SwClip* m_parent;
-    IntRect m_visible;
-    bool m_touched = false;
+    // What a builder works with: the row at hand, and the rows and bytes of the clip up to it.
+    HeapArray<uint8_t> m_row;
+    HeapArray<SwClipRow> m_rows;
+    HeapArray<uint8_t> m_bytes;
 };
 
 } // namespace Graphics

@@ -2,6 +2,7 @@
 #include "SwClipMaker.h"
 
 #include <algorithm>
+#include <array>
 
 #include "../Geometry/DeviceFeed.h"
 #include "../Scan/DeviceFigures.h"
@@ -30,22 +31,31 @@ SwClipRef SwClipMaker::Make(Rasterizer& rasterizer, const PathRef& path, const S
     }
     SwClipRef clip = builder.Finish();
     if (path.shape != nullptr) {
-        // The oldest go: a few are kept, and of planes that nobody else holds no more than a little.
-        constexpr size_t kRecent = 8;
-        constexpr size_t kRecentBytes = 1U << 21;
+        // The oldest go: a few are kept, and no more coverage than a little unless the newest has it.
         m_recent.push_back({parent, clip, *path.shape, figureCount, rule, m, inside, snap});
-        size_t bytes = 0;
-        size_t kept = 1;
-        for (; kept < m_recent.size() && kept < kRecent; ++kept) {
-            const SwClip& older = *m_recent[m_recent.size() - 1 - kept].clip.get();
-            bytes += older.IsShared() ? 0 : older.PlaneBytes();
-            if (bytes > kRecentBytes) {
-                break;
-            }
+        size_t first = m_recent.size() - std::min(m_recent.size(), kRecent);
+        while (first + 1 < m_recent.size() && KeptBytes(first) > kRecentBytes) {
+            ++first;
         }
-        m_recent.erase(m_recent.begin(), m_recent.end() - static_cast<ptrdiff_t>(kept));
+        m_recent.erase(m_recent.begin(), m_recent.begin() + static_cast<ptrdiff_t>(first));
     }
     return clip;
+}
+
+size_t SwClipMaker::KeptBytes(size_t first) const noexcept {
+    std::array<const SwClipCoverage*, kRecent * 2> seen;
+    auto end = seen.begin();
+    size_t bytes = 0;
+    for (size_t i = first; i < m_recent.size(); ++i) {
+        for (const SwClip* clip : {m_recent[i].parent.get(), m_recent[i].clip.get()}) {
+            const SwClipCoverage* const coverage = clip == nullptr ? nullptr : clip->m_coverage;
+            if (coverage != nullptr && std::find(seen.begin(), end, coverage) == end) {
+                *end++ = coverage;
+                bytes += coverage->m_block.capacity();
+            }
+        }
+    }
+    return bytes;
 }
 
 } // namespace Graphics

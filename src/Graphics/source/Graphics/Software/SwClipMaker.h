@@ -7,7 +7,7 @@
 
 #include "../Geometry/Shape.h"
 #include "../Target/RenderTargetBase.h"
-#include "SwClip.h"
+#include "SwClipBuilder.h"
 
 namespace Graphics {
 
@@ -34,6 +34,12 @@ private:
         IntRect visible;
         bool snap;
     };
+
+    static constexpr size_t kRecent = 8;
+    static constexpr size_t kRecentBytes = size_t{1} << 19;
+
+    /// Of the coverage that the keys from `first` on hold.
+    [[nodiscard]] size_t KeptBytes(size_t first) const noexcept;
 
     SwClipPool m_pool;         // before everything that may hold clips
     std::vector<Key> m_recent; // the oldest first

@@ -18,8 +18,8 @@ SwColorSource* SwColorSource::CreateFromBrush(Arena& arena, const Brush& brush, 
         return arena.Make<SwSolidColorSource>(SolidColorOf(static_cast<const SolidBrush&>(brush)));
     case kBrushBitmap: {
         const auto& b = static_cast<const BitmapBrush&>(brush);
-        return CreateBitmapSource(arena, b.bitmap->View(), &b.bitmap->Derived(), b.interpolation, b.extendX, b.extendY,
-                                  b.opacity, PaintTransform(b, transform), false);
+        return CreateBitmapSource(arena, b.bitmap->View(), b.bitmap->DerivedToKeep(), b.interpolation, b.extendX,
+                                  b.extendY, b.opacity, PaintTransform(b, transform), false);
     }
     case kBrushGradient:
         return SwGradientColorSource::Factory(arena, static_cast<const GradientBrush&>(brush), bounds, transform);

@@ -44,7 +44,7 @@ public:
     [[nodiscard]] virtual bool IsOpaque() const noexcept { return false; }
 
     /// The pixels of columns [x0, x1) of row y where they already lie in memory as opaque or premultiplied words;
-    /// null otherwise. Lets the compositor read a bitmap in place.
+    /// null otherwise. Good until another row is asked for. Lets the compositor read a bitmap in place.
     [[nodiscard]] virtual const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept {
         static_cast<void>(x0);
         static_cast<void>(x1);

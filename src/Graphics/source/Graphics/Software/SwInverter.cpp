@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "../Scan/DeviceFigures.h"
+
 namespace Graphics {
 namespace {
 
@@ -21,8 +23,9 @@ void SwInverter::Invert(int32_t y, int32_t x0, int32_t x1) {
         ActiveKernels().invert(row + x0, static_cast<size_t>(x1 - x0));
         return;
     }
+    const uint32_t opaque = m_target.makesOpaque ? 0xFF000000U : 0U;
     for (int32_t x = x0; x < x1; ++x) { // as the host has it, whatever that is
-        row[x] ^= 0x00FFFFFFU;
+        row[x] = (row[x] ^ 0x00FFFFFFU) | opaque;
     }
 }
 
@@ -31,13 +34,17 @@ void PixelInverter::Pixels(int32_t y, int32_t x0, int32_t x1) {
         Invert(y, x0, x1);
         return;
     }
-    x0 = std::max(x0, m_clip->Row(y).begin);
-    x1 = std::min(x1, m_clip->Row(y).end);
-    for (int32_t x = x0; x < x1; ++x) {
-        if (*m_clip->Coverage(x, y) >= kHalf) {
-            Invert(y, x, x + 1);
+    m_clip->ForParts(y, x0, x1, [&](int32_t from, int32_t to, const uint8_t* coverage) {
+        if (coverage == nullptr) {
+            Invert(y, from, to);
+            return;
         }
-    }
+        for (int32_t x = from; x < to; ++x) {
+            if (coverage[x - from] >= kHalf) {
+                Invert(y, x, x + 1);
+            }
+        }
+    });
 }
 
 void PixelInverter::Row(int32_t y, std::span<CoverageRun> runs) {
@@ -68,6 +75,15 @@ void PixelInverter::Rectangle(int32_t left, int32_t top, int32_t right, int32_t 
     for (int32_t y = r.top; y < r.bottom && r.left < r.right; ++y) {
         Pixels(y, r.left, r.right);
     }
+}
+
+IntRect PixelInverter::LineBox(const Point& from, const Point& to) noexcept {
+    if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) {
+        return {0, 0, 0, 0};
+    }
+    // A pixel on every side: the other coordinate is taken at the centre of a step, which may lie beyond an end.
+    return RoundOut({std::min(from.x, to.x) - 1.0F, std::min(from.y, to.y) - 1.0F, std::max(from.x, to.x) + 1.0F,
+                     std::max(from.y, to.y) + 1.0F});
 }
 
 void PixelInverter::Line(const Point& from, const Point& to) {

@@ -15,6 +15,8 @@ public:
     void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) final;
     /// One device pixel for each step along the longer direction.
     void Line(const Point& from, const Point& to);
+    /// A rectangle that holds these pixels; empty where a coordinate is not finite.
+    [[nodiscard]] static IntRect LineBox(const Point& from, const Point& to) noexcept;
 
 protected:
     /// The columns [x0, x1) of row y, inside bounds and clip.

@@ -35,13 +35,10 @@ void CheckMaskType(const SwMaskInput& mask) {
     return mask.type == GXMaskTypeAlpha ? mask.source->DirectAlpha(x0, x1, y) : nullptr;
 }
 
-/// Calls use(x, values, count) for each chunk of the mask's values over columns [x0, x1) of row y.
+/// Calls use(x, values, count) for each chunk of the values over columns [x0, x1) of row y of a mask that is a colour
+/// source. The values may be changed.
 template <class Use>
 void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
-    if (const uint8_t* row = MaskRow(mask, y, x0, x1)) {
-        use(x0, row, static_cast<size_t>(x1 - x0));
-        return;
-    }
     alignas(64) uint32_t pixels[kMaskChunk];
     alignas(64) uint8_t values[kMaskChunk];
     for (int32_t x = x0; x < x1; x += kMaskChunk) {
@@ -53,7 +50,7 @@ void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y,
             row = pixels;
         }
         kernels.maskValues[mask.type](values, row, count);
-        use(x, static_cast<const uint8_t*>(values), count);
+        use(x, static_cast<uint8_t*>(values), count);
     }
 }
 
@@ -164,6 +161,12 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
     }
 }
 
+void SwPipeLine::MakeRowsOpaque(const IntRect& r, const uint8_t* shape) const {
+    if (m_target.makesOpaque) {
+        ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { m_kernels.setOpaque(dst, shape, n); });
+    }
+}
+
 /// Constant coverage scales the colour once for all rows.
 void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
     const IntRect r = Intersect({runs.front().x0, y0, runs.back().x1, y1}, m_bounds);
@@ -180,6 +183,7 @@ void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
         }
         uint32_t* const dst = Pixels(x0, r.top);
         if (run.shape != nullptr) {
+            MakeRowsOpaque({x0, r.top, x1, r.bottom}, run.shape + (x0 - run.x0));
             m_kernels.normalSolidBlock(dst, m_target.colorStride, m_solid, run.shape + (x0 - run.x0), 0,
                                        static_cast<size_t>(x1 - x0), rows);
             continue;
@@ -202,6 +206,7 @@ void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
             right = colorOf(runs[i]);
             x1 = runs[i++].x1;
         }
+        MakeRowsOpaque({x0, r.top, x1, r.bottom}, nullptr);
         m_kernels.solidRectangle(dst, m_target.colorStride, left, inner, right, static_cast<size_t>(x1 - x0), rows);
     }
 }
@@ -209,10 +214,13 @@ void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
 void SwPipeLine::DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape) {
     ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
         const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
+        if (!block.hasAlpha && shape == nullptr) {
+            m_kernels.copyOpaque(dst, src, n);
+            return;
+        }
+        MakeOpaque(dst, shape, n);
         if (block.hasAlpha) {
             m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), shape, n);
-        } else if (shape == nullptr) {
-            m_kernels.copyOpaque(dst, src, n);
         } else {
             m_kernels.copyOpaque(m_buffers.color.data(), src, n);
             m_kernels.normalVarying(dst, m_buffers.color.data(), shape, n);
@@ -260,23 +268,16 @@ void SwPipeLine::Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint
         Masked(y, x0, x1, shape, value, nullptr);
         return;
     }
-    const SwClipRow& row = m_clip->Row(y);
-    const int32_t begin = std::max(x0, row.begin);
-    const int32_t end = std::min(x1, row.end);
-    const auto part = [&](int32_t from, int32_t to, bool partial) {
-        if (from < to) {
-            Masked(y, from, to, shape == nullptr ? nullptr : shape + (from - x0), value,
-                   partial ? m_clip->Coverage(from, y) : nullptr);
-        }
-    };
-    const int32_t fullBegin = std::clamp(row.fullBegin, begin, std::max(begin, end));
-    const int32_t fullEnd = std::clamp(row.fullEnd, fullBegin, std::max(fullBegin, end));
-    part(begin, fullBegin, true);
-    part(fullBegin, fullEnd, false);
-    part(fullEnd, end, true);
+    m_clip->ForParts(y, x0, x1, [&](int32_t from, int32_t to, const uint8_t* clip) {
+        Masked(y, from, to, shape == nullptr ? nullptr : shape + (from - x0), value, clip);
+    });
 }
 
 void SwPipeLine::ApplyShapeMask(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, uint8_t* shape) const {
+    if (const uint8_t* row = MaskRow(mask, y, x0, x1)) {
+        m_kernels.scaleShape(shape, row, static_cast<size_t>(x1 - x0));
+        return;
+    }
     ForMaskChunks(m_kernels, mask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t count) {
         m_kernels.scaleShape(shape + (x - x0), values, count);
     });
@@ -338,6 +339,21 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
     return buffer;
 }
 
+void SwPipeLine::MaskedSolid(uint32_t* dst, int32_t y, int32_t x0, int32_t x1) {
+    // Without coverage the mask takes its place: both scale the source in the same way. Where the mask leaves nothing
+    // of the source's alpha, alpha * (m + 1) < 256, the pixel stays, as it does under a coverage of 0.
+    const uint32_t alpha = m_solid >> 24;
+    const auto least = static_cast<uint8_t>(alpha == 0 ? 255 : 255 / alpha);
+    ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, uint8_t* values, size_t n) {
+        if (least > 1) {
+            for (size_t i = 0; i < n; ++i) {
+                values[i] = values[i] < least ? 0 : values[i];
+            }
+        }
+        m_kernels.normalSolid(dst + (x - x0), m_solid, values, n);
+    });
+}
+
 void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* shape) {
     const auto count = static_cast<size_t>(x1 - x0);
     const ptrdiff_t dy = y - m_target.origin.y;
@@ -354,6 +370,9 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         const uint32_t* color = Color(y, x0, x1);
         (m_blendMode == 0 ? m_kernels.layerNormal : m_kernels.layerBlend[blend])(row, color, shape, count);
         return;
+    }
+    if (shape != nullptr || !m_isOpaque || m_hasOpacityMask || m_blendMode != 0) {
+        MakeOpaque(dst, shape, count);
     }
     if (m_blendMode != 0) {
         if (m_isSolid && !m_hasOpacityMask) {
@@ -372,10 +391,7 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         return;
     }
     if (m_isSolid && shape == nullptr) {
-        // Without coverage the mask takes its place: both scale the source in the same way.
-        ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t n) {
-            m_kernels.normalSolid(dst + (x - x0), m_solid, values, n);
-        });
+        MaskedSolid(dst, y, x0, x1);
         return;
     }
     if (shape == nullptr && m_isOpaque && !m_hasOpacityMask) {

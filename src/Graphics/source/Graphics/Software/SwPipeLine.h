@@ -24,6 +24,8 @@ struct SwTargetPlanes {
     uint8_t* color = nullptr;
     ptrdiff_t colorStride = 0;
     int32_t rowWithGap = 0; ///< a row of so many pixels may be filled together with what lies behind it
+    /// The fourth bytes may be anything, count as 255, and are 255 afterwards where something was drawn.
+    bool makesOpaque = false;
     // Inside a transparency group:
     uint8_t* alpha = nullptr; ///< null: a basic target
     uint8_t* shape = nullptr;
@@ -64,11 +66,20 @@ public:
     [[nodiscard]] bool TakesAnyCuts(const IntRect& r) const override;
     bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override;
 
+    /// Whether full coverage leaves nothing of what was below.
+    [[nodiscard]] bool Replaces() const noexcept { return IsPlain() && m_isOpaque; }
+
 private:
     [[nodiscard]] uint32_t* Pixels(int32_t x, int32_t y) const noexcept {
         return reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) +
                (x - m_target.origin.x);
     }
+    void MakeOpaque(uint32_t* dst, const uint8_t* shape, size_t count) const {
+        if (m_target.makesOpaque) {
+            m_kernels.setOpaque(dst, shape, count);
+        }
+    }
+    void MakeRowsOpaque(const IntRect& r, const uint8_t* shape) const;
     /// Calls paint(y, pixels, width) for each row, with the next one asked for.
     template <class Paint> void ForRows(const IntRect& r, Paint&& paint) const;
     /// Normal on a basic target without masks and clips.
@@ -86,6 +97,8 @@ private:
     /// As Stretch, with the clip's coverage from x0 on, null where it is 255.
     void Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value, const uint8_t* clip);
     void Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* shape);
+    /// Normal on a basic target: the solid colour through the opacity mask.
+    void MaskedSolid(uint32_t* dst, int32_t y, int32_t x0, int32_t x1);
     [[nodiscard]] const uint32_t* Color(int32_t y, int32_t x0, int32_t x1);
     void ApplyShapeMask(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, uint8_t* shape) const;
 

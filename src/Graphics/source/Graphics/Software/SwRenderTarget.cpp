@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SwRenderTarget.h"
 
-#include <exception>
-
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
 #include "../Exception.h"
@@ -32,6 +30,28 @@ namespace {
     return alpha << 24 | channel(16) | channel(8) | channel(0);
 }
 
+void MakeRowsOpaque(const SwTargetPlanes& planes, const IntRect& r) noexcept {
+    for (int32_t y = r.top; planes.makesOpaque && y < r.bottom; ++y) {
+        ActiveKernels().setOpaque(reinterpret_cast<uint32_t*>(planes.color + y * planes.colorStride) + r.left, nullptr,
+                                  static_cast<size_t>(r.right - r.left));
+    }
+}
+
+void FillGlyphRows(const SwTargetPlanes& planes, const IntRect& visible, const SwGlyph& glyph,
+                   uint32_t color) noexcept {
+    const SwKernels& kernels = ActiveKernels();
+    const auto width = static_cast<size_t>(visible.right - visible.left);
+    const auto row = [&](int32_t y) {
+        return reinterpret_cast<uint32_t*>(planes.color + y * planes.colorStride) + visible.left;
+    };
+    for (int32_t y = visible.top; planes.makesOpaque && y < visible.bottom; ++y) {
+        kernels.setOpaque(row(y), glyph.At(visible.left, y), width);
+    }
+    kernels.normalSolidBlock(row(visible.top), planes.colorStride, color, glyph.At(visible.left, visible.top),
+                             static_cast<ptrdiff_t>(glyph.strideBytes), width,
+                             static_cast<size_t>(visible.bottom - visible.top));
+}
+
 } // namespace
 
 SwRenderTarget::SwRenderTarget(std::unique_ptr<SwSurface> surface) : m_surface(std::move(surface)) {}
@@ -50,10 +70,10 @@ GXPixelFormat SwRenderTarget::GetPixelFormat() const { return m_surface->GetPixe
 Size SwRenderTarget::GetSize() const { return m_surface->GetSize(); }
 
 SwSubTarget& SwRenderTarget::Current() noexcept {
-    if (m_layers.empty()) {
+    if (m_layers.IsEmpty()) {
         return m_basic;
     }
-    return *m_layers.back();
+    return m_layers.Top();
 }
 
 void SwRenderTarget::BeginPaint() {
@@ -64,44 +84,39 @@ void SwRenderTarget::BeginPaint() {
     }
     const PixelView pixels = m_surface->BeginPaint();
     m_area = {0, 0, pixels.width, pixels.height};
-    m_basic.Open(pixels, Cached());
-    if (format == GXPixelFormatBGRX32) {
-        // With 255 in every fourth byte the composites for pixels with alpha keep it so.
-        for (int32_t y = 0; y < pixels.height; ++y) {
-            ActiveKernels().setOpaque(reinterpret_cast<uint32_t*>(pixels.data + y * pixels.strideBytes),
-                                      static_cast<size_t>(pixels.width));
-        }
+    try {
+        m_basic.Open(pixels, Cached());
+    } catch (...) {
+        m_surface->Abandon();
+        throw;
     }
     StartPainting();
 }
 
 void SwRenderTarget::EndPaint() {
-    const std::exception_ptr failure = CloseLayers();
-    for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
-        layer->Trim();
-    }
+    CloseLayers();
+    m_layers.Trim();
     m_clips.Forget();
     m_basic.Close();
     m_clips.Pool().Trim();
     m_glyphs.reset();
     StopPainting();
     m_surface->EndPaint();
-    if (failure != nullptr) {
-        std::rethrow_exception(failure);
-    }
 }
 
 void SwRenderTarget::PushState() { Current().PushState(); }
 
 void SwRenderTarget::PopState() { Current().PopState(); }
 
-IntRect SwRenderTarget::Visible(const IntRect& region) noexcept {
-    SwSubTarget& target = Current();
-    IntRect visible = Intersect(region, target.Bounds());
-    if (target.State().clip) {
-        visible = Intersect(visible, target.State().clip->Box());
+IntRect SwRenderTarget::Visible(SwSubTarget& target, const IntRect& region) noexcept {
+    const IntRect visible = Intersect(region, target.Bounds());
+    return target.State().clip ? Intersect(visible, target.State().clip->Box()) : visible;
+}
+
+void SwRenderTarget::NoteOpaque(const IntRect& region) noexcept {
+    if (m_layers.IsEmpty()) {
+        m_basic.NoteOpaque(region);
     }
-    return visible;
 }
 
 template <class MakeSource, class Cover>
@@ -119,12 +134,15 @@ void SwRenderTarget::Composite(const IntRect& visible, const SwMaskInput* extraM
 
 template <class MakeSource>
 void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource) {
-    CheckMasks();
     IntRect pixels;
     if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
+        CheckMasks();
         const IntRect visible = Visible(pixels);
         Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
             pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
+            if (pipeLine.Replaces()) {
+                NoteOpaque(visible);
+            }
         });
         return;
     }
@@ -132,6 +150,7 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
     Vertex a;
     Vertex b;
     if (!snap && path.figure != nullptr && UprightCorners(*path.figure, transform, a, b)) {
+        CheckMasks();
         const IntRect visible = Visible(SampleRectangle::Box(a, b));
         SampleRectangle samples;
         if (samples.Set(a, b, m_area.top * 8, m_area.bottom * 8, visible)) {
@@ -144,6 +163,7 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
     if (shape.Empty()) {
         return;
     }
+    CheckMasks();
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
     Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
@@ -153,6 +173,9 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
 }
 
 bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
+    if (shape.Empty()) {
+        return true;
+    }
     CheckMasks();
     const SwState& state = State();
     if (m_glyphs == nullptr) {
@@ -168,12 +191,7 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     }
     if (brush.Kind() == kBrushSolid && IsPlain()) {
         // Most text: one call for all rows, without a pipeline.
-        const SwTargetPlanes planes = m_basic.Planes(visible);
-        auto* pixels = reinterpret_cast<uint32_t*>(planes.color + visible.top * planes.colorStride) + visible.left;
-        ActiveKernels().normalSolidBlock(
-            pixels, planes.colorStride, SolidColorOf(static_cast<const SolidBrush&>(brush)),
-            glyph.At(visible.left, visible.top), static_cast<ptrdiff_t>(glyph.strideBytes),
-            static_cast<size_t>(visible.right - visible.left), static_cast<size_t>(visible.bottom - visible.top));
+        FillGlyphRows(m_basic.Planes(visible), visible, glyph, SolidColorOf(static_cast<const SolidBrush&>(brush)));
         return true;
     }
     const ArenaScope scope(m_arena);
@@ -185,7 +203,7 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
 }
 
 bool SwRenderTarget::IsPlain() noexcept {
-    if (!m_layers.empty()) {
+    if (!m_layers.IsEmpty()) {
         return false;
     }
     const SwState& state = m_basic.State();
@@ -203,7 +221,9 @@ bool SwRenderTarget::FillPlainRectangle(const BasicFigure& figure, uint32_t colo
         const auto height = static_cast<size_t>(r.bottom - r.top);
         if ((left & inner & right) >> 24 == 255) {
             kernels.fillBlock(pixels, planes.colorStride, color, width, height);
+            NoteOpaque(r);
         } else {
+            MakeRowsOpaque(planes, r);
             kernels.solidRectangle(pixels, planes.colorStride, left, inner, right, width, height);
         }
     };
@@ -256,12 +276,12 @@ void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
 
 void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
     const ArenaScope scope(m_arena);
-    CheckMasks();
     const SwState& state = State();
     const Shape& shape = Resolve(path);
     if (shape.Empty()) {
         return;
     }
+    CheckMasks();
     const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
     if (IsEmpty(visible)) {
         return;
@@ -294,7 +314,7 @@ void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, con
     const Matrix place = PlaceImage(part, source, destination);
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
     FillPath({nullptr, &figure}, State().strokeAdjustment, nullptr, [&](const IntRect&) {
-        return CreateBitmapSource(m_arena, PixelTransfer::Part(whole, part), isWhole ? &bitmap.Derived() : nullptr,
+        return CreateBitmapSource(m_arena, PixelTransfer::Part(whole, part), isWhole ? bitmap.DerivedToKeep() : nullptr,
                                   interpolation, GXExtendClamp, GXExtendClamp, opacity,
                                   Concat(place, State().transform), false);
     });
@@ -306,8 +326,8 @@ void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect
     const IntRect whole{0, 0, view.width, view.height};
     const Matrix place = PlaceImage(whole, whole, destination);
     SwMaskInput input;
-    input.source = CreateBitmapSource(m_arena, view, &mask.Derived(), interpolation, GXExtendClamp, GXExtendClamp, 1.0F,
-                                      Concat(place, State().transform), true);
+    input.source = CreateBitmapSource(m_arena, view, mask.DerivedToKeep(), interpolation, GXExtendClamp, GXExtendClamp,
+                                      1.0F, Concat(place, State().transform), true);
     input.type = GXMaskTypeAlpha;
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
     FillPath({nullptr, &figure}, State().strokeAdjustment, &input, [&](const IntRect& visible) {
@@ -337,32 +357,12 @@ void SwRenderTarget::Clear(uint32_t argb) {
     if (IsEmpty(visible)) {
         return;
     }
-    if (m_layers.empty() && GetPixelFormat() == GXPixelFormatBGRX32) {
+    if (m_layers.IsEmpty() && GetPixelFormat() == GXPixelFormatBGRX32) {
         argb |= 0xFF000000U;
     }
     ClearPlanes(ActiveKernels(), Current().Planes(visible), visible, State().clip.get(), Premultiply(argb));
-}
-
-/// Brings the closed layer that fits closest to the end of the spare ones. Where none fits, their planes go before new
-/// ones are made: no more is held than the layers that were open at one time.
-void SwRenderTarget::PrepareSpareLayer(size_t pixels) {
-    const size_t all = m_spareLayers.size() + m_layers.size();
-    m_spareLayers.reserve(all + 1); // every layer may come back
-    std::unique_ptr<SwLayerSubTarget>* best = nullptr;
-    for (std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
-        if (layer->Capacity() >= pixels && (best == nullptr || layer->Capacity() < (*best)->Capacity())) {
-            best = &layer;
-        }
-    }
-    if (best != nullptr) {
-        std::swap(*best, m_spareLayers.back());
-        return;
-    }
-    for (const std::unique_ptr<SwLayerSubTarget>& layer : m_spareLayers) {
-        layer->DropPlanes();
-    }
-    if (m_spareLayers.empty()) {
-        m_spareLayers.push_back(std::make_unique<SwLayerSubTarget>());
+    if (argb >> 24 == 255 && !IsMasked(State().clip.get())) {
+        NoteOpaque(visible);
     }
 }
 
@@ -372,53 +372,44 @@ void SwRenderTarget::BeginLayer(const GXLayerDesc& desc) {
     if (IsEmpty(bounds)) {
         bounds = {0, 0, 0, 0};
     }
-    PrepareSpareLayer(static_cast<size_t>(bounds.right - bounds.left) *
-                      static_cast<size_t>(bounds.bottom - bounds.top));
-    m_layers.reserve(m_layers.size() + 1);
-    m_spareLayers.back()->Open(Current(), bounds, desc.isolated != 0, desc.knockout != 0, desc.opacity);
-    m_layers.push_back(std::move(m_spareLayers.back()));
-    m_spareLayers.pop_back();
+    m_layers.Open(Current(), bounds, desc.isolated != 0, desc.knockout != 0, desc.opacity);
 }
 
 void SwRenderTarget::EndLayer() {
-    if (m_layers.empty()) {
+    if (m_layers.IsEmpty()) {
         GX_RAISE("Graphics::SwRenderTarget::EndLayer", "No layer is open");
     }
     CloseLayer();
 }
 
 void SwRenderTarget::CloseLayer() {
-    const ArenaScope scope(m_arena);
-    // Back among the spare ones however this ends.
-    struct Keeper {
-        std::vector<std::unique_ptr<SwLayerSubTarget>>& spare;
-        std::unique_ptr<SwLayerSubTarget> layer;
-        ~Keeper() {
-            layer->Close();
-            if (spare.size() < spare.capacity()) {
-                spare.push_back(std::move(layer));
-            }
-        }
-    } keeper{m_spareLayers, std::move(m_layers.back())};
-    m_layers.pop_back();
-    SwLayerSubTarget& layer = *keeper.layer;
+    SwLayerSubTarget& layer = m_layers.Top();
+    if (!IsEmpty(layer.Touched())) {
+        SwLayerSubTarget* const around = m_layers.BelowTop();
+        DrawLayer(layer, around != nullptr ? static_cast<SwSubTarget&>(*around) : m_basic);
+    }
+    m_layers.Drop();
+}
 
-    CheckMasks();
-    const IntRect visible = Visible(layer.Touched());
+void SwRenderTarget::DrawLayer(SwLayerSubTarget& layer, SwSubTarget& target) {
+    const ArenaScope scope(m_arena);
+    CheckMasks(target.State());
+    const IntRect visible = Visible(target, layer.Touched());
     if (IsEmpty(visible)) {
         return;
     }
-    layer.MakeResult(ActiveKernels());
     const SwTargetPlanes result = layer.Result();
     SwMaskInput shape;
     shape.plane = result.shape;
     shape.planeStride = result.planeStride;
     shape.planeOrigin = result.origin;
-    const SwTargetPlanes planes = Current().Planes(visible);
+    const SwTargetPlanes planes = target.Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    AssemblePipeLine(pipeLine, m_arena, State(), visible, &shape);
+    AssemblePipeLine(pipeLine, m_arena, target.State(), visible, &shape);
     SwPlaneColorSource source(result, layer.Opacity());
     pipeLine.SetColorSource(source);
+    // Nothing fails from here on: the group's colours are rewritten in place.
+    layer.MakeResult(ActiveKernels(), visible);
     pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
 }
 
@@ -438,13 +429,15 @@ void SwRenderTarget::InvertRect(const Rect& rect) {
 }
 
 void SwRenderTarget::InvertLine(const Point& from, const Point& to) {
-    const IntRect visible = Visible(m_area);
+    const Matrix transform = State().transform;
+    const Point a = Map(transform, from);
+    const Point b = Map(transform, to);
+    const IntRect visible = Visible(PixelInverter::LineBox(a, b));
     if (IsEmpty(visible)) {
         return;
     }
-    const Matrix transform = State().transform;
     const SwTargetPlanes planes = Current().Planes(visible);
-    SwInverter(planes, visible, State().clip.get()).Line(Map(transform, from), Map(transform, to));
+    SwInverter(planes, visible, State().clip.get()).Line(a, b);
 }
 
 } // namespace Graphics

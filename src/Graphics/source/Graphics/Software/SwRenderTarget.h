@@ -3,14 +3,13 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "../Arena.h"
 #include "../Geometry/Pen.h"
 #include "../Scan/Rasterizer.h"
 #include "SwClipMaker.h"
 #include "SwGlyphCache.h"
-#include "SwLayerSubTarget.h"
+#include "SwLayerStack.h"
 #include "SwStateTarget.h"
 #include "SwSubTarget.h"
 #include "SwSurface.h"
@@ -48,7 +47,10 @@ private:
     [[nodiscard]] SwState& State() noexcept override { return Current().State(); }
 
     /// The part of `region` that bounds and clip leave.
-    [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
+    [[nodiscard]] static IntRect Visible(SwSubTarget& target, const IntRect& region) noexcept;
+    [[nodiscard]] IntRect Visible(const IntRect& region) noexcept { return Visible(Current(), region); }
+    /// All of these pixels were replaced by opaque ones.
+    void NoteOpaque(const IntRect& region) noexcept;
 
     /// One pipeline run: cover(pipeLine) sends coverage inside `visible`, which may be empty.
     template <class MakeSource, class Cover>
@@ -61,9 +63,11 @@ private:
     [[nodiscard]] bool FillPlainRectangle(const BasicFigure& figure, uint32_t color);
     /// The fill of a glyph by its kept coverage. False when it has to be drawn as any other path.
     [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
-    void PrepareSpareLayer(size_t pixels);
-    [[nodiscard]] bool HasLayers() const noexcept override { return !m_layers.empty(); }
+    [[nodiscard]] bool HasLayers() const noexcept override { return !m_layers.IsEmpty(); }
     void CloseLayer() override;
+    void DropLayer() noexcept override { m_layers.Drop(); }
+    /// Draws the group, in which something is, into `target`, the one around it.
+    void DrawLayer(SwLayerSubTarget& layer, SwSubTarget& target);
 
     std::unique_ptr<SwSurface> m_surface;
     IntRect m_area{}; // the whole surface
@@ -71,8 +75,7 @@ private:
     // Before everything that may hold clips.
     SwClipMaker m_clips;
     SwBasicSubTarget m_basic;
-    std::vector<std::unique_ptr<SwLayerSubTarget>> m_layers; // open ones, innermost last
-    std::vector<std::unique_ptr<SwLayerSubTarget>> m_spareLayers;
+    SwLayerStack m_layers;
 
     // What a draw call works with; warm after the first ones.
     Arena m_arena;

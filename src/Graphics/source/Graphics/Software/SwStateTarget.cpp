@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "SwStateTarget.h"
 
+#include <exception>
+
 #include "../Exception.h"
 
 namespace Graphics {
@@ -38,16 +40,14 @@ void SwStateTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> bru
     ChangeState([&](SwState& s) { s.shapeMask = mask; });
 }
 
-std::exception_ptr SwStateTarget::CloseLayers() {
-    std::exception_ptr failure;
+void SwStateTarget::CloseLayers() {
     while (HasLayers()) {
         try {
             CloseLayer();
         } catch (const std::exception&) {
-            failure = failure == nullptr ? std::current_exception() : failure;
+            DropLayer();
         }
     }
-    return failure;
 }
 
 void SwStateTarget::StopPainting() noexcept {
@@ -64,8 +64,8 @@ const Shape& SwStateTarget::Resolve(const PathRef& path) {
     return m_figure;
 }
 
-void SwStateTarget::CheckMasks() {
-    for (const SwSoftMask* mask : {&State().shapeMask, &State().opacityMask}) {
+void SwStateTarget::CheckMasks(const SwState& state) {
+    for (const SwSoftMask* mask : {&state.shapeMask, &state.opacityMask}) {
         if (mask->IsSet() && mask->type > GXMaskTypeInverseLuminosity) {
             GX_RAISE("Graphics::SwSoftMaskOp::SwSoftMaskOp", "Unsupported soft mask type.");
         }

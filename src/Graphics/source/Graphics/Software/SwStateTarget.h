@@ -3,7 +3,6 @@
 // the next one, what it sets inside goes to the innermost layer too.
 #pragma once
 
-#include <exception>
 #include <memory>
 
 #include "../Geometry/Shape.h"
@@ -25,12 +24,14 @@ protected:
     /// The state of the innermost layer; only asked for while painting.
     [[nodiscard]] virtual SwState& State() noexcept = 0;
     [[nodiscard]] virtual bool HasLayers() const noexcept = 0;
-    /// Ends the innermost layer and draws it into what lies around it; the layer is gone however that ends.
+    /// Draws the innermost layer into what lies around it and ends it; a layer that cannot be drawn stays open.
     virtual void CloseLayer() = 0;
+    /// Ends the innermost layer without drawing it.
+    virtual void DropLayer() noexcept = 0;
 
     /// Closes all layers at the end of painting. One that cannot be drawn is lost, those around it are closed all the
-    /// same; the first failure, or null. What is no std::exception goes on to the caller.
-    [[nodiscard]] std::exception_ptr CloseLayers();
+    /// same: the log has the reason. What is no std::exception goes on to the caller.
+    void CloseLayers();
 
     [[nodiscard]] bool IsPainting() const noexcept { return m_painting; }
     /// What the next bracket begins with.
@@ -41,8 +42,10 @@ protected:
 
     /// The stored shape, or the figure put into a shape that is void after the call.
     [[nodiscard]] const Shape& Resolve(const PathRef& path);
-    /// Raises "Unsupported soft mask type." for the masks of the current state.
-    void CheckMasks();
+    /// Raises "Unsupported soft mask type." for the masks of a state. To be asked for whatever has an area, seen or
+    /// not; what is empty draws nothing under any mask.
+    static void CheckMasks(const SwState& state);
+    void CheckMasks() { CheckMasks(State()); }
 
 private:
     /// Applies a setter to the cached state and, while painting, to the current one.

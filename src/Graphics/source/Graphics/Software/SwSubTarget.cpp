@@ -30,6 +30,8 @@ void SwSubTarget::Reset(const IntRect& bounds, const SwState& state) {
 void SwBasicSubTarget::Open(const PixelView& pixels, const SwState& state) {
     Reset({0, 0, pixels.width, pixels.height}, state);
     m_planes = {};
+    m_isOpaque = pixels.format == GXPixelFormatBGRX32;
+    m_opaqueRegion = {0, 0, 0, 0};
     m_planes.color = pixels.data;
     m_planes.colorStride = pixels.strideBytes;
     const ptrdiff_t gap = pixels.strideBytes - static_cast<ptrdiff_t>(sizeof(uint32_t)) * pixels.width;
@@ -39,8 +41,27 @@ void SwBasicSubTarget::Open(const PixelView& pixels, const SwState& state) {
 }
 
 SwTargetPlanes SwBasicSubTarget::Planes(const IntRect& region) {
-    static_cast<void>(region);
+    m_planes.makesOpaque = m_isOpaque && Intersect(region, m_opaqueRegion) != region;
     return m_planes;
+}
+
+SwTargetPlanes SwBasicSubTarget::ReadPlanes(const IntRect& region) {
+    if (Planes(region).makesOpaque) {
+        for (int32_t y = region.top; y < region.bottom; ++y) {
+            ActiveKernels().setOpaque(reinterpret_cast<uint32_t*>(m_planes.color + y * m_planes.colorStride) +
+                                          region.left,
+                                      nullptr, static_cast<size_t>(region.right - region.left));
+        }
+        NoteOpaque(region);
+    }
+    return m_planes;
+}
+
+void SwBasicSubTarget::NoteOpaque(const IntRect& region) noexcept {
+    const auto area = [](const IntRect& r) { return (int64_t{r.right} - r.left) * (int64_t{r.bottom} - r.top); };
+    if (area(region) > area(m_opaqueRegion)) {
+        m_opaqueRegion = region;
+    }
 }
 
 } // namespace Graphics

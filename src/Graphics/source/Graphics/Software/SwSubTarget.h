@@ -22,6 +22,8 @@ struct SwState {
     SwClipRef clip;
 };
 
+class SwLayerSubTarget;
+
 class SwSubTarget {
 public:
     virtual ~SwSubTarget() = default;
@@ -35,8 +37,11 @@ public:
 
     /// The planes, ready to be drawn into inside `region` (which lies in the bounds).
     [[nodiscard]] virtual SwTargetPlanes Planes(const IntRect& region) = 0;
-    /// What a group opened here finds below it, ready to be read inside `region`; colour null when transparent.
-    [[nodiscard]] virtual SwTargetPlanes Backdrop(const IntRect& region) = 0;
+    /// Where the first pixels of a group opened here come from, which does not change as long as the group is open;
+    /// null where they are transparent.
+    [[nodiscard]] virtual SwSubTarget* Below() noexcept = 0;
+    /// Null for the painted surface.
+    [[nodiscard]] virtual SwLayerSubTarget* AsLayer() noexcept { return nullptr; }
 
 protected:
     void Reset(const IntRect& bounds, const SwState& state);
@@ -51,10 +56,16 @@ public:
     void Close() noexcept { m_states.clear(); }
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
-    [[nodiscard]] SwTargetPlanes Backdrop(const IntRect& region) override { return Planes(region); }
+    [[nodiscard]] SwSubTarget* Below() noexcept override { return this; }
+    /// The planes for a group, which reads every pixel of `region` with its alpha.
+    [[nodiscard]] SwTargetPlanes ReadPlanes(const IntRect& region);
+    /// Every fourth byte in `region` is 255 now.
+    void NoteOpaque(const IntRect& region) noexcept;
 
 private:
     SwTargetPlanes m_planes;
+    bool m_isOpaque = false;  // by its format: fourth bytes count as 255, and are where something was drawn
+    IntRect m_opaqueRegion{}; // where they are known to be
 };
 
 } // namespace Graphics

@@ -36,8 +36,8 @@ struct SwKernels {
     /// apart than a processor looks ahead by itself: outside the second cache, a block of 128 pixels square takes half
     /// the time when each row is asked for while the one before is painted.
     void (*expect)(const uint32_t* dst, size_t count);
-    /// dst |= 0xFF000000
-    void (*setOpaque)(uint32_t* dst, size_t count);
+    /// dst |= 0xFF000000 where shape is not 0
+    void (*setOpaque)(uint32_t* dst, const uint8_t* shape, size_t count);
     /// dst = src | 0xFF000000; `src` may have any address.
     void (*copyOpaque)(uint32_t* dst, const uint8_t* src, size_t count);
 

@@ -66,8 +66,15 @@ void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t coun
     }
 }
 
-void SetOpaque(uint32_t* dst, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) { StoreSome(dst + i, n, LoadSome(dst + i, n) | 0xFF000000U); });
+void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) {
+    if (shape == nullptr) {
+        ForBlocks(count, [=](size_t i, size_t n) { StoreSome(dst + i, n, LoadSome(dst + i, n) | 0xFF000000U); });
+        return;
+    }
+    ForBlocks(count, [=](size_t i, size_t n) {
+        const U32 d = LoadSome(dst + i, n);
+        StoreSome(dst + i, n, Select(IsZero(WidenSome(shape + i, n)), d, d | 0xFF000000U));
+    });
 }
 
 /// Aligned stores: a row that starts anywhere else splits two lines at every one of them.
@@ -76,7 +83,7 @@ void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
     if (count < kLanes) {
         if (count != 0) {
             __builtin_memcpy(dst, src, count * 4);
-            SetOpaque(dst, count);
+            SetOpaque(dst, nullptr, count);
         }
         return;
     }

@@ -28,15 +28,15 @@ void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t coun
 
 void Expect(const uint32_t*, size_t) noexcept {}
 
-void SetOpaque(uint32_t* dst, size_t count) noexcept {
+void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) noexcept {
     for (size_t i = 0; i < count; ++i) {
-        dst[i] |= 0xFF000000U;
+        dst[i] |= shape == nullptr || shape[i] != 0 ? 0xFF000000U : 0U;
     }
 }
 
 void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) noexcept {
     std::memcpy(dst, src, count * 4);
-    SetOpaque(dst, count);
+    SetOpaque(dst, nullptr, count);
 }
 
 /// c is already scaled by the shape. Sums are 32-bit words, so what leaves a channel enters the next.

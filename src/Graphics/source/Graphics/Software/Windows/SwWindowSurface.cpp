@@ -46,8 +46,7 @@ void SwWindowSurface::UpdateSurface() {
         if (old == nullptr || had.width != static_cast<uint32_t>(width) ||
             had.height != static_cast<uint32_t>(height) || old->Format() != format || old->DpiX() != dpiX ||
             old->DpiY() != dpiY) {
-            auto fresh = std::make_shared<SysMemBitmap>(width, height, format, dpiX, dpiY);
-            fresh->Zero();
+            auto fresh = std::make_shared<SysMemBitmap>(width, height, format, dpiX, dpiY, true);
             if (old != nullptr) {
                 PixelTransfer::Copy(fresh->View(), old->View());
             }

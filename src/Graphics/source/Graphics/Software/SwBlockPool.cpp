@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "SwBlockPool.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Graphics {
+
+SwBlockPool::Block SwBlockPool::Take(size_t bytes) {
+    Block block;
+    if (bytes > m_keepBytes) {
+        // A large block becomes one of this size: there are never more of them than were in use at one time.
+        const auto waits = [](const Block& large) { return large.capacity() != 0; };
+        if (const auto found = std::find_if(m_large.begin(), m_large.end(), waits); found != m_large.end()) {
+            block = std::move(*found);
+        }
+        block.Remake(bytes);
+        return block;
+    }
+    size_t best = m_count;
+    for (size_t i = 0; i < m_count; ++i) {
+        const size_t capacity = m_small[i].capacity();
+        if (capacity >= bytes && MayWaste(capacity - bytes) &&
+            (best == m_count || capacity < m_small[best].capacity())) {
+            best = i;
+        }
+    }
+    if (best != m_count) {
+        block = std::move(m_small[best]);
+        m_waiting -= block.capacity();
+        --m_count;
+        if (best != m_count) {
+            m_small[best] = std::move(m_small[m_count]);
+        }
+    } else {
+        Trim(); // many small ones may follow
+    }
+    block.Remake(bytes);
+    m_wasted += block.capacity() - bytes;
+    return block;
+}
+
+void SwBlockPool::Give(Block block) noexcept {
+    const size_t capacity = block.capacity();
+    if (capacity > m_keepBytes) {
+        for (Block& large : m_large) {
+            if (large.capacity() == 0) {
+                large = std::move(block);
+                return;
+            }
+        }
+        return;
+    }
+    m_wasted -= capacity - block.size();
+    if (m_count < kPlaces && m_waiting + capacity <= m_keepBytes) {
+        m_waiting += capacity;
+        m_small[m_count++] = std::move(block);
+    }
+}
+
+void SwBlockPool::Trim() noexcept {
+    for (Block& large : m_large) {
+        large.Release();
+    }
+}
+
+} // namespace Graphics
