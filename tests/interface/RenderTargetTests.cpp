@@ -359,6 +359,45 @@ TEST(RenderTarget, NonFiniteAndHugeCoordinatesDrawNothingWrong) {
 }
 
 // Bounds are rounded outwards, also where one more than them is not a float.
+TEST(RenderTarget, StrokesReachAsFarAsCapsAndMitersDo) {
+    // The path lies below the target: a hairpin whose miter of 36 units above the corner passes through it. What is
+    // left out as invisible has to count with that.
+    const Owned<GXBrush> red = Solid(kRed);
+    const GXPoint hairpin[3] = {{18, 60}, {20, 24}, {22, 60}};
+    Owned<GXGeometry> path;
+    ASSERT_EQ(GXCreateGeometry(path.Out()), GXResultSuccess);
+    ASSERT_EQ(GXGeometryBeginFigure(path, &hairpin[0]), GXResultSuccess);
+    ASSERT_EQ(GXGeometryLineTo(path, &hairpin[1]), GXResultSuccess);
+    ASSERT_EQ(GXGeometryLineTo(path, &hairpin[2]), GXResultSuccess);
+    ASSERT_EQ(GXGeometryEndFigure(path), GXResultSuccess);
+    for (const uint8_t group : {uint8_t{0}, uint8_t{1}}) {
+        for (const float limit : {100.0F, 10.0F}) { // 18.03 is its ratio
+            const Canvas c(40, 20);
+            const GXLayerDesc layer{{0, 0, 0, 0}, 1.0F, 1, 0};
+            if (group != 0) {
+                ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+            }
+            GXStrokeStyle style{};
+            style.miterLimit = limit;
+            ASSERT_EQ(GXRenderTargetStrokeGeometry(c.target, path, red, 4, &style), GXResultSuccess);
+            ASSERT_EQ(GXRenderTargetEndPaint(c.target), GXResultSuccess);
+            EXPECT_EQ(c.At(20, 19), limit > 18 ? kRed : 0U) << "the miter was left out, or should have been a bevel";
+            EXPECT_EQ(c.At(8, 19), 0U);
+        }
+    }
+    // A square cap reaches half the width past the end, a slanted one by 1.41 of that; a flat one does not.
+    for (const GXLineCap cap : {GXLineCapFlat, GXLineCapRound, GXLineCapSquare}) {
+        const Canvas c(40, 20);
+        GXStrokeStyle style{};
+        style.miterLimit = 1;
+        style.cap = cap;
+        const GXPoint from{50, 40}, to{30, 20};
+        ASSERT_EQ(GXRenderTargetStrokeLine(c.target, &from, &to, red, 16, &style), GXResultSuccess);
+        EXPECT_EQ(c.At(29, 10) == kRed, cap == GXLineCapSquare) << "the corner of a square cap, cap " << cap;
+        EXPECT_EQ(c.At(26, 16) == kRed, cap != GXLineCapFlat) << "cap " << cap;
+    }
+}
+
 TEST(RenderTarget, LayerBoundsHoldEveryPixelThatTheyTouch) {
     Canvas c(4, 1);
     const GXLayerDesc layer{{0.99999994F, 0, 2.0000002F, 1}, 1.0F, 1, 0};
