@@ -53,7 +53,8 @@ TEST_F(KernelSets, AreSwitchedTogether) {
     size_t conversionSets = 0;
     for (int set = 0; set < 3; ++set)
         conversionSets += Graphics::PixelConversion::Set(set) != nullptr;
-    EXPECT_EQ(conversions.size(), conversionSets) << "pixel formats are converted by the same rows under every allowance";
+    EXPECT_EQ(conversions.size(), conversionSets)
+        << "pixel formats are converted by the same rows under every allowance";
 }
 
 TEST_F(KernelSets, GiveEveryPageTheSameBytes) {

@@ -175,6 +175,37 @@ TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
     }
 }
 
+TEST(GradientShade, IntervalsBelowAndAboveWhatAFactorHoldsAreDivided) {
+    // 255 / length is infinite for the first ones and without bits for the last.
+    const std::pair<float, float> intervals[] = {{0.0F, 1e-37F}, {0.0F, 3e-39F}, {0.25F, 0.25000003F}, {-3e38F, 3e37F}};
+    for (int set = 0; set < kPaintKernelSets; ++set) {
+        const SwPaintKernels* kernels = PaintKernelSet(set);
+        if (kernels == nullptr) {
+            continue;
+        }
+        for (const auto& [lower, upper] : intervals) {
+            Scene scene;
+            scene.stops = {{lower, 0xFF102030U}, {upper, 0x80F0E0D0U}};
+            scene.factor = 256;
+            GradientStopCollection stops;
+            stops.Add(scene.stops.data(), scene.stops.size());
+            const GradientSampler sampler(stops);
+            GradientShade shade{&sampler, sampler.IntervalAt(0.0F), 11, 22, 33, scene.factor};
+            std::vector<float> t(48);
+            for (size_t i = 0; i < t.size(); ++i) {
+                const float low = std::max(lower, 0.0F), high = std::min(upper, 1.0F);
+                t[i] = low + (high - low) * (static_cast<float>(i) / 48.0F);
+            }
+            std::vector<uint32_t> out(t.size());
+            kernels->shade(shade, t.data(), t.size(), out.data());
+            for (size_t i = 0; i < t.size(); ++i) {
+                ASSERT_EQ(out[i], scene.At(t[i]))
+                    << kernels->name << " from " << lower << " to " << upper << " at " << t[i];
+            }
+        }
+    }
+}
+
 TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
     for (int set = 0; set < kPaintKernelSets; ++set) {
         const SwPaintKernels* kernels = PaintKernelSet(set);
