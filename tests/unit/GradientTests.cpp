@@ -278,6 +278,22 @@ TEST(LinearGradientSource, EqualsFormula) {
     }
 }
 
+TEST(LinearGradientSource, WhereStepsOverflowIsBeforeTheStart) {
+    // An axis so short that the steps across and down overflow, with both signs: infinity minus infinity is no number.
+    const auto g = std::make_shared<LinearGradient>();
+    const GradientStop stops[] = {{0.0F, 0xFF112233U}, {1.0F, 0xFF445566U}};
+    g->stops.Add(stops, 2);
+    g->start = {0, 0};
+    g->end = {1e-38F, -1e-38F};
+    g->extendStart = true;
+    g->extendEnd = true;
+    g->hasBackground = true;
+    g->background = UnpackColor(0xFFFF0000U);
+    Arena arena;
+    SwColorSource* source = SwColorSource::CreateFromBrush(arena, GradientBrush(g), kBounds, kIdentity);
+    EXPECT_EQ(Row(*source, 100, 120, 100), std::vector<uint32_t>(20, 0xFF112233U));
+}
+
 TEST(RadialGradientSource, EqualsFormula) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE(round);
