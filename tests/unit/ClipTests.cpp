@@ -112,5 +112,31 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
     }
 }
 
+TEST(Clip, ARectangleInsideAMaskCutsItsRows) {
+    std::mt19937 random(2);
+    SwClipPool pool;
+    const std::vector<uint8_t> coverage = {0, 50, 255, 255, 255, 255, 255, 90, 255, 30};
+    const SwClipRef parent = Build(pool, nullptr, coverage, 0, 0, random);
+    for (int32_t left = 0; left < 10; ++left) {
+        for (int32_t right = left + 1; right <= 10; ++right) {
+            SwClipBuilder builder(pool, parent.get(), {0, 0, 10, 1});
+            builder.Rectangle(left, 0, right, 1);
+            const SwClipRef clip = builder.Finish();
+            const SwClipRow& row = clip->Row(0);
+            SCOPED_TRACE(testing::Message() << left << " to " << right);
+            ASSERT_GE(row.begin, row.begin == row.end ? row.begin : left);
+            ASSERT_LE(row.end, right);
+            ASSERT_LE(row.begin, row.fullBegin);
+            ASSERT_LE(row.fullBegin, row.fullEnd);
+            ASSERT_LE(row.fullEnd, row.end);
+            for (int32_t x = left; x < right; ++x) {
+                const bool inside = x >= row.begin && x < row.end;
+                ASSERT_EQ(inside ? *clip->Coverage(x, 0) : 0, coverage[static_cast<size_t>(x)]) << x;
+                ASSERT_TRUE(x < row.fullBegin || x >= row.fullEnd || coverage[static_cast<size_t>(x)] == 255) << x;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace Graphics
