@@ -350,6 +350,27 @@ TEST(RadialGradientSource, EqualsFormula) {
     }
 }
 
+TEST(RadialGradientSource, IsNotOpaqueWhereNoCirclePasses) {
+    // Two circles side by side: their tangents leave a wedge on either side that no circle reaches.
+    const auto g = std::make_shared<RadialGradient>();
+    const GradientStop stops[] = {{0.0F, 0xFF112233U}, {1.0F, 0xFF445566U}};
+    g->stops.Add(stops, 2);
+    g->start = {20, 50};
+    g->startRadius = 5;
+    g->end = {60, 50};
+    g->endRadius = 15;
+    g->extendStart = g->extendEnd = true;
+    for (const uint32_t background : {0U, 0x80402010U, 0xFF804020U}) {
+        g->hasBackground = background != 0;
+        g->background = UnpackColor(background);
+        Arena arena;
+        SwColorSource* source = SwColorSource::CreateFromBrush(arena, GradientBrush(g), kBounds, kIdentity);
+        const std::vector<uint32_t> row = Row(*source, 0, 5, 0);
+        EXPECT_EQ(row[0] >> 24, background >> 24);
+        EXPECT_EQ(source->IsOpaque(), background >> 24 == 255);
+    }
+}
+
 TEST(GradientSources, WithoutExtentOrInverseAreBackground) {
     Arena arena;
     const GradientStop stops[] = {{0.0F, 0xFFFF0000U}, {1.0F, 0xFF00FF00U}};
