@@ -104,6 +104,24 @@ TEST_F(GeometryInterface, ReadyMadeFiguresAndCurves) {
     GXObjectRelease(round);
 }
 
+TEST_F(GeometryInterface, RoundRectanglesAreLimitedBySidesThatMayBeNegative) {
+    const auto rounded = [](GXRect rect, float x, float y) {
+        GXGeometry geometry = nullptr;
+        GXCreateGeometry(&geometry);
+        GXGeometryRoundRectangle(geometry, &rect, x, y);
+        const std::string calls = Record(geometry);
+        GXObjectRelease(geometry);
+        return calls.substr(0, calls.find('c')); // to the first corner
+    };
+    EXPECT_EQ(rounded({0, 0, 10, 20}, 2, 3), "r0 b2:0 l8:0 ");
+    EXPECT_EQ(rounded({0, 0, 10, 20}, 100, 100), "r0 b5:0 l5:0 ");
+    EXPECT_EQ(rounded({10, 20, 0, 0}, 2, 3), "r0 b5:20 l5:20 "); // half of -10
+    EXPECT_EQ(rounded({0, 0, 10, 20}, -2, 3), "r0 b-2:0 l12:0 ");
+    for (const float radius : {0.0F, -0.0F}) {
+        EXPECT_EQ(rounded({0, 0, 10, 20}, radius, 3), "r0 b0:0 l10:0 l10:20 l0:20 z");
+    }
+}
+
 TEST_F(GeometryInterface, CopiesAreEqualOtherStartsAreNot) {
     uint8_t equal = 1;
     GXGeometry other = nullptr, copy = nullptr, moved = nullptr;

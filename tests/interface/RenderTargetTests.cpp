@@ -359,6 +359,169 @@ TEST(RenderTarget, NonFiniteAndHugeCoordinatesDrawNothingWrong) {
 }
 
 // Bounds are rounded outwards, also where one more than them is not a float.
+TEST(RenderTarget, ATurnedBitmapUnderAClipIsTheUnclippedOneWhereTheClipIsFull) {
+    // A smooth picture, so that spans that begin elsewhere change next to nothing: what is compared is that every
+    // stretch of a clipped row takes its colours from its own place.
+    const Owned<GXBitmap> picture = MakeBitmap(64, 64, GXPixelFormatPBGRA32);
+    std::vector<uint32_t> pixels(64 * 64);
+    for (uint32_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = 0xFF000000U | (i % 64) * 4 << 16 | (i / 64) * 4 << 8 | 128;
+    }
+    const GXBitmapData data{pixels.data(), 64 * 4, 64 * 4};
+    ASSERT_EQ(GXBitmapCopyFromMemory(picture, nullptr, &data), GXResultSuccess);
+    const GXMatrix turned{0.8F, 0.6F, -0.6F, 0.8F, 30, -20};
+    const GXBitmapBrushOptions options{GXInterpolationLinear, GXExtendClamp, GXExtendClamp};
+    Owned<GXBrush> brush;
+    ASSERT_EQ(GXCreateBrushBitmap(picture, 1, &options, &turned, brush.Out()), GXResultSuccess);
+    const GXRect shape{2.3F, 1.7F, 61.2F, 60.4F};
+    const auto draw = [&](bool clipped, bool white) {
+        const Canvas c(64, 64);
+        const GXRect outer{5, 4, 59, 62}, inner{20, 15, 40, 50};
+        if (clipped) { // a ring: two stretches of full coverage in a row
+            Owned<GXGeometry> ring;
+            EXPECT_EQ(GXCreateGeometry(ring.Out()), GXResultSuccess);
+            EXPECT_EQ(GXGeometrySetFillRule(ring, GXFillRuleEvenOdd), GXResultSuccess);
+            EXPECT_EQ(GXGeometryEllipse(ring, &outer), GXResultSuccess);
+            EXPECT_EQ(GXGeometryEllipse(ring, &inner), GXResultSuccess);
+            EXPECT_EQ(GXRenderTargetClipGeometry(c.target, ring), GXResultSuccess);
+        }
+        const Owned<GXBrush> plain = Solid(kWhite);
+        EXPECT_EQ(GXRenderTargetFillEllipse(c.target, &shape, white ? GXBrush(plain) : GXBrush(brush)),
+                  GXResultSuccess);
+        return c.Pixels();
+    };
+    const std::vector<uint32_t> whole = draw(false, false), clipped = draw(true, false), cover = draw(true, true);
+    size_t compared = 0;
+    for (size_t i = 0; i < whole.size(); ++i) {
+        if (cover[i] != kWhite) {
+            continue;
+        }
+        ++compared;
+        for (int shift = 0; shift < 32; shift += 8) {
+            ASSERT_NEAR(static_cast<int>(clipped[i] >> shift & 255), static_cast<int>(whole[i] >> shift & 255), 3)
+                << i % 64 << ", " << i / 64;
+        }
+    }
+    EXPECT_GT(compared, 1000U);
+}
+
+TEST(RenderTarget, StrokesReachAsFarAsCapsAndMitersDo) {
+    // The path lies below the target: a hairpin whose miter of 36 units above the corner passes through it. What is
+    // left out as invisible has to count with that.
+    const Owned<GXBrush> red = Solid(kRed);
+    const GXPoint hairpin[3] = {{18, 60}, {20, 24}, {22, 60}};
+    Owned<GXGeometry> path;
+    ASSERT_EQ(GXCreateGeometry(path.Out()), GXResultSuccess);
+    ASSERT_EQ(GXGeometryBeginFigure(path, &hairpin[0]), GXResultSuccess);
+    ASSERT_EQ(GXGeometryLineTo(path, &hairpin[1]), GXResultSuccess);
+    ASSERT_EQ(GXGeometryLineTo(path, &hairpin[2]), GXResultSuccess);
+    ASSERT_EQ(GXGeometryEndFigure(path), GXResultSuccess);
+    for (const uint8_t group : {uint8_t{0}, uint8_t{1}}) {
+        for (const float limit : {100.0F, 10.0F}) { // 18.03 is its ratio
+            const Canvas c(40, 20);
+            const GXLayerDesc layer{{0, 0, 0, 0}, 1.0F, 1, 0};
+            if (group != 0) {
+                ASSERT_EQ(GXRenderTargetBeginLayer(c.target, &layer), GXResultSuccess);
+            }
+            GXStrokeStyle style{};
+            style.miterLimit = limit;
+            ASSERT_EQ(GXRenderTargetStrokeGeometry(c.target, path, red, 4, &style), GXResultSuccess);
+            ASSERT_EQ(GXRenderTargetEndPaint(c.target), GXResultSuccess);
+            EXPECT_EQ(c.At(20, 12), limit > 18 ? kRed : 0U) << "the miter was left out, or should have been a bevel";
+            EXPECT_EQ(c.At(8, 12), 0U);
+        }
+    }
+    // A square cap reaches half the width past the end, a slanted one by 1.41 of that; a flat one does not.
+    for (const GXLineCap cap : {GXLineCapFlat, GXLineCapRound, GXLineCapSquare}) {
+        const Canvas c(40, 20);
+        GXStrokeStyle style{};
+        style.miterLimit = 1;
+        style.cap = cap;
+        const GXPoint from{50, 40}, to{30, 20};
+        ASSERT_EQ(GXRenderTargetStrokeLine(c.target, &from, &to, red, 16, &style), GXResultSuccess);
+        EXPECT_EQ(c.At(29, 10) == kRed, cap == GXLineCapSquare) << "the corner of a square cap, cap " << cap;
+        EXPECT_EQ(c.At(26, 16) == kRed, cap != GXLineCapFlat) << "cap " << cap;
+    }
+}
+
+TEST(RenderTarget, AdjustmentIsOnAtFirstAndAgainAfterEveryBracket) {
+    // A rectangle, a clip and a bitmap of 2.25 pixels from 0.5 on: three whole ones with adjustment, the left end
+    // covers as much of its pixel as the right one does of none. Without it, parts of pixels.
+    Canvas c(4, 1);
+    const GXRect part{0.5F, 0, 2.75F, 1};
+    const Owned<GXBrush> red = Solid(kRed);
+    const Owned<GXBitmap> image = MakeBitmap(9, 4, GXPixelFormatPBGRA32);
+    ASSERT_EQ(GXBitmapColorFill(image, nullptr, kRed), GXResultSuccess);
+    const GXRect all{0, 0, 4, 1};
+    const auto draw = [&](int kind) {
+        EXPECT_EQ(GXRenderTargetClear(c.target, 0), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetPushState(c.target), GXResultSuccess);
+        if (kind == 0) {
+            EXPECT_EQ(GXRenderTargetFillRect(c.target, &part, red), GXResultSuccess);
+        } else if (kind == 1) {
+            EXPECT_EQ(GXRenderTargetFillGeometry(c.target, RectangleGeometry(0.5F, 0, 2.75F, 1), red), GXResultSuccess);
+        } else if (kind == 2) {
+            EXPECT_EQ(GXRenderTargetClipRect(c.target, &part), GXResultSuccess);
+            EXPECT_EQ(GXRenderTargetFillRect(c.target, &all, red), GXResultSuccess);
+        } else {
+            EXPECT_EQ(GXRenderTargetStretchBitmap(c.target, image, &part, nullptr, 1, GXInterpolationNearest),
+                      GXResultSuccess);
+        }
+        EXPECT_EQ(GXRenderTargetPopState(c.target), GXResultSuccess);
+        return c.Pixels();
+    };
+    for (int bracket = 0; bracket < 2; ++bracket) {
+        for (int kind = 0; kind < 4; ++kind) {
+            SCOPED_TRACE(testing::Message() << "bracket " << bracket << " kind " << kind);
+            EXPECT_EQ(draw(kind), (std::vector<uint32_t>{kRed, kRed, kRed, 0}));
+        }
+        ASSERT_EQ(GXRenderTargetSetStrokeAdjustment(c.target, 0), GXResultSuccess);
+        for (int kind = 0; kind < 4; ++kind) {
+            SCOPED_TRACE(testing::Message() << "not adjusted, kind " << kind);
+            const std::vector<uint32_t> pixels = draw(kind);
+            EXPECT_NEAR(static_cast<int>(pixels[0] >> 24), 128, 1);
+            EXPECT_EQ(pixels[1], kRed);
+            EXPECT_NEAR(static_cast<int>(pixels[2] >> 24), 191, 1);
+        }
+        ASSERT_EQ(GXRenderTargetEndPaint(c.target), GXResultSuccess);
+        ASSERT_EQ(GXRenderTargetBeginPaint(c.target), GXResultSuccess);
+    }
+    // Two pixels and an eighth more at either end: the end that covers less loses its pixel, of equal ones the right
+    // one.
+    const std::pair<float, int> starts[] = {{0.5F, 0}, {0.75F, 1}, {0.875F, 1}, {0.25F, 0}};
+    for (const auto& [start, first] : starts) {
+        ASSERT_EQ(GXRenderTargetClear(c.target, 0), GXResultSuccess);
+        FillRect(c, {start, 0, start + 2, 1}, kRed);
+        std::vector<uint32_t> expected(4);
+        expected[static_cast<size_t>(first)] = expected[static_cast<size_t>(first) + 1] = kRed;
+        EXPECT_EQ(c.Pixels(), expected) << "from " << start;
+    }
+}
+
+TEST(RenderTarget, UnknownCapsJoinsAndModesActAsTheirComments) {
+    const auto stroke = [](GXLineCap cap, GXLineJoin join) {
+        Canvas c(40, 40);
+        GXStrokeStyle style{};
+        style.cap = cap;
+        style.join = join;
+        style.miterLimit = 10;
+        const GXPoint points[3] = {{10, 30}, {20, 10}, {30, 30}};
+        Owned<GXGeometry> path;
+        EXPECT_EQ(GXCreateGeometry(path.Out()), GXResultSuccess);
+        EXPECT_EQ(GXGeometryBeginFigure(path, &points[0]), GXResultSuccess);
+        EXPECT_EQ(GXGeometryLineTo(path, &points[1]), GXResultSuccess);
+        EXPECT_EQ(GXGeometryLineTo(path, &points[2]), GXResultSuccess);
+        EXPECT_EQ(GXGeometryEndFigure(path), GXResultSuccess);
+        EXPECT_EQ(GXRenderTargetStrokeGeometry(c.target, path, Solid(kRed), 6, &style), GXResultSuccess);
+        return c.Pixels();
+    };
+    for (const uint32_t unknown : {3U, 77U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(stroke(unknown, GXLineJoinMiter), stroke(GXLineCapFlat, GXLineJoinMiter)) << unknown;
+        EXPECT_EQ(stroke(GXLineCapFlat, unknown), stroke(GXLineCapFlat, GXLineJoinBevel)) << unknown;
+    }
+    EXPECT_NE(stroke(GXLineCapFlat, GXLineJoinMiter), stroke(GXLineCapSquare, GXLineJoinMiter));
+}
+
 TEST(RenderTarget, LayerBoundsHoldEveryPixelThatTheyTouch) {
     Canvas c(4, 1);
     const GXLayerDesc layer{{0.99999994F, 0, 2.0000002F, 1}, 1.0F, 1, 0};

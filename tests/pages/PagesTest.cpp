@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Draws real pages through the C interface and compares them with a second, independent renderer, page by page.
-// Two good renderers differ along every edge and in every enlarged or reduced image: the limit of a page is the mean
-// difference of a channel that two others show on it, and at least 3 of 255. On failure both pictures and their
-// difference (8 times enlarged) stay in the build folder.
+// Two good renderers differ along every edge and in every enlarged or reduced image, by as much as is measured here for
+// each page, and no page may get further away: by kMoreMean levels in the mean of a channel, which is a change all over
+// the page, or by kMoreStrays pixels that differ by more than kStray levels, which is less than one lost hairline or
+// letter in a line. A change that is meant to move pages measures them again: each test prints its numbers. On failure
+// both pictures and their difference (8 times enlarged) stay in the build folder.
 #include "Picture.h"
 
 #include <gtest/gtest.h>
@@ -17,68 +19,75 @@ struct PageCase {
     const char* file;
     int page;
     int dpi;
-    double limit; // mean absolute difference of the worst channel
+    double mean; // absolute difference of the worst channel
+    int strays;  // pixels with a channel that differs by more than kStray
     const char* reason;
 };
+
+constexpr double kMoreMean = 0.3;
+constexpr int kStray = 96;
+constexpr int kMoreStrays = 150;
 
 void PrintTo(const PageCase& c, std::ostream* out) { *out << c.file << " page " << c.page << " (" << c.reason << ")"; }
 
 constexpr PageCase kPages[] = {
-    {"blend_images.pdf", 1, 150, 3.0, "sixteen blend modes between RGB images with soft masks"},
-    {"blend_modes.pdf", 1, 150, 3.0, "all sixteen blend modes on radial shadings inside non-isolated"},
-    {"blend_modes.pdf", 2, 150, 3.0, "all sixteen blend modes on radial shadings inside non-isolated"},
-    {"blend_modes.pdf", 3, 150, 3.7, "all sixteen blend modes on radial shadings inside non-isolated"},
-    {"broken_xref.pdf", 1, 150, 3.0, "old damaged file"},
-    {"cad_pcb.pdf", 1, 150, 3.0, "CAD"},
-    {"cad_pcb.pdf", 2, 150, 3.0, "CAD"},
-    {"cad_pcb.pdf", 3, 150, 3.0, "CAD"},
-    {"cad_pcb.pdf", 4, 150, 3.0, "CAD"},
-    {"charts_dashed.pdf", 1, 150, 3.0, "scientific charts"},
-    {"form_tax.pdf", 1, 150, 6.8, "filled form"},
-    {"form_tax.pdf", 2, 150, 6.8, "filled form"},
-    {"group_artwork.pdf", 1, 150, 3.0, "realistic artwork"},
-    {"group_knockout.pdf", 1, 150, 3.0, "isolated, non-isolated, knockout and nested groups over a patterned"},
-    {"group_knockout.pdf", 2, 150, 3.0, "isolated, non-isolated, knockout and nested groups over a patterned"},
-    {"group_knockout.pdf", 3, 150, 3.0, "isolated, non-isolated, knockout and nested groups over a patterned"},
-    {"images_1bit.pdf", 1, 150, 6.6, "difference is the scaling filter for 1-bit images only"},
-    {"images_cmyk.pdf", 1, 150, 3.0, "CMYK JPEG"},
-    {"images_masked.pdf", 1, 150, 4.5, "printed web page"},
-    {"map_globe.pdf", 1, 150, 5.7, "difference is the minimum line width for hairlines"},
-    {"page_huge_map.pdf", 1, 40, 11.3, "difference is the minimum line width for hairlines"},
-    {"page_rotated.pdf", 1, 150, 3.0, "pages with /Rotate"},
-    {"page_rotated.pdf", 2, 150, 3.0, "pages with /Rotate"},
-    {"page_rotated.pdf", 3, 150, 3.0, "pages with /Rotate"},
-    {"page_rotated.pdf", 4, 150, 3.0, "pages with /Rotate"},
-    {"page_rotated.pdf", 5, 150, 3.0, "pages with /Rotate"},
-    {"page_rotated.pdf", 6, 150, 3.0, "pages with /Rotate"},
-    {"page_tiny.pdf", 1, 150, 3.0, "tiny page (19 x 20 pt) with image mask"},
-    {"scan_page.pdf", 1, 150, 3.1, "scanned book page with illustration (full-page JPEG, gray tones)"},
-    {"shading_axial.pdf", 1, 150, 3.0, "axial shadings with the four extend combinations"},
-    {"shading_freeform.pdf", 1, 150, 3.0, "free-form triangle mesh (type 4) of a plot, axes and text"},
-    {"shading_function.pdf", 1, 150, 8.6, "second renderer draws the chequerboard black"},
-    {"shading_lattice.pdf", 1, 150, 3.0, "plots"},
-    {"shading_lattice.pdf", 2, 150, 3.8, "plots"},
-    {"shading_radial.pdf", 1, 150, 3.0, "radial shadings"},
-    {"shading_radial.pdf", 2, 150, 3.5, "radial shadings"},
-    {"shading_radial.pdf", 3, 150, 3.1, "radial shadings"},
-    {"shading_radial.pdf", 4, 150, 3.5, "radial shadings"},
-    {"shading_radial.pdf", 5, 150, 3.5, "radial shadings"},
-    {"slides.pdf", 1, 150, 3.0, "slide deck"},
-    {"slides.pdf", 2, 150, 3.0, "slide deck"},
-    {"softmask_alpha.pdf", 1, 150, 3.0, "alpha soft masks"},
-    {"softmask_alpha.pdf", 2, 150, 3.0, "alpha soft masks"},
-    {"softmask_backdrop.pdf", 1, 150, 3.0, "luminosity soft mask with a backdrop colour, gray image inside the"},
-    {"softmask_luminosity.pdf", 1, 150, 3.0, "fifty luminosity soft masks made of radial shadings, 180 clips, code"},
-    {"solids_clipped.pdf", 1, 150, 5.4, "about 2000 small clip paths each with a fill and a stroke, under text"},
-    {"stroke_dash_degenerate.pdf", 1, 150, 3.0, "dashes on degenerate and zero-length segments, all caps"},
-    {"text_cjk.pdf", 1, 150, 9.8, "difference is glyph hinting and anti-aliasing only"},
-    {"text_clip.pdf", 1, 150, 3.0, "clip by text"},
-    {"text_clip.pdf", 2, 150, 3.0, "clip by text"},
-    {"text_dense.pdf", 1, 150, 3.3, "text-heavy page, Latin Type 1 fonts, many glyph outlines"},
-    {"text_pattern.pdf", 1, 150, 3.0, "text filled with a tiling pattern and with an axial shading (clip by"},
-    {"text_type3_bitmap.pdf", 1, 150, 3.0, "bitmap type 3 glyphs (169 image masks through the glyph procedures)"},
-    {"tiling.pdf", 1, 150, 3.0, "tiling patterns"},
-    {"vector_tiger.pdf", 1, 150, 3.0, "vector drawing, 226 curved fills and 78 strokes"},
+    {"blend_images.pdf", 1, 150, 1.90, 18423, "sixteen blend modes between RGB images with soft masks"},
+    {"blend_modes.pdf", 1, 150, 1.52, 2157, "all sixteen blend modes on radial shadings inside non-isolated"},
+    {"blend_modes.pdf", 2, 150, 1.77, 6134, "all sixteen blend modes on radial shadings inside non-isolated"},
+    {"blend_modes.pdf", 3, 150, 2.17, 4162, "all sixteen blend modes on radial shadings inside non-isolated"},
+    {"broken_xref.pdf", 1, 150, 0.17, 272, "old damaged file"},
+    {"cad_pcb.pdf", 1, 150, 0.65, 0, "CAD"},
+    {"cad_pcb.pdf", 2, 150, 1.14, 0, "CAD"},
+    {"cad_pcb.pdf", 3, 150, 0.80, 0, "CAD"},
+    {"cad_pcb.pdf", 4, 150, 0.10, 0, "CAD"},
+    {"charts_dashed.pdf", 1, 150, 1.18, 819, "scientific charts"},
+    {"form_tax.pdf", 1, 150, 2.74, 2872, "filled form"},
+    {"form_tax.pdf", 2, 150, 2.75, 3412, "filled form"},
+    {"group_artwork.pdf", 1, 150, 0.09, 0, "realistic artwork"},
+    {"group_knockout.pdf", 1, 150, 1.15, 829, "isolated, non-isolated, knockout and nested groups over a patterned"},
+    {"group_knockout.pdf", 2, 150, 1.48, 1443, "isolated, non-isolated, knockout and nested groups over a patterned"},
+    {"group_knockout.pdf", 3, 150, 1.53, 1514, "isolated, non-isolated, knockout and nested groups over a patterned"},
+    {"images_1bit.pdf", 1, 150, 0.05, 501, "difference is the scaling filter for 1-bit images only"},
+    {"images_cmyk.pdf", 1, 150, 0.03, 87, "CMYK JPEG"},
+    {"images_masked.pdf", 1, 150, 2.08, 300, "printed web page"},
+    {"map_globe.pdf", 1, 150, 0.58, 24, "difference is the minimum line width for hairlines"},
+    {"page_huge_map.pdf", 1, 40, 0.46, 41, "difference is the minimum line width for hairlines"},
+    {"page_rotated.pdf", 1, 150, 0.19, 968, "pages with /Rotate"},
+    {"page_rotated.pdf", 2, 150, 0.17, 856, "pages with /Rotate"},
+    {"page_rotated.pdf", 3, 150, 0.19, 1228, "pages with /Rotate"},
+    {"page_rotated.pdf", 4, 150, 0.18, 1124, "pages with /Rotate"},
+    {"page_rotated.pdf", 5, 150, 0.21, 2019, "pages with /Rotate"},
+    {"page_rotated.pdf", 6, 150, 0.20, 1942, "pages with /Rotate"},
+    {"page_tiny.pdf", 1, 150, 0.29, 0, "tiny page (19 x 20 pt) with image mask"},
+    {"scan_page.pdf", 1, 150, 0.00, 0, "scanned book page with illustration (full-page JPEG, gray tones)"},
+    {"shading_axial.pdf", 1, 150, 0.86, 6068, "axial shadings with the four extend combinations"},
+    {"shading_freeform.pdf", 1, 150, 0.92, 262, "free-form triangle mesh (type 4) of a plot, axes and text"},
+    {"shading_function.pdf", 1, 150, 0.77, 3377, "second renderer draws the chequerboard black"},
+    {"shading_lattice.pdf", 1, 150, 1.36, 4368, "plots"},
+    {"shading_lattice.pdf", 2, 150, 1.31, 3347, "plots"},
+    {"shading_radial.pdf", 1, 150, 0.80, 4097, "radial shadings"},
+    {"shading_radial.pdf", 2, 150, 1.20, 7074, "radial shadings"},
+    {"shading_radial.pdf", 3, 150, 1.09, 6043, "radial shadings"},
+    {"shading_radial.pdf", 4, 150, 1.38, 7452, "radial shadings"},
+    {"shading_radial.pdf", 5, 150, 1.46, 7878, "radial shadings"},
+    {"slides.pdf", 1, 150, 1.49, 1086, "slide deck"},
+    {"slides.pdf", 2, 150, 1.88, 1821, "slide deck"},
+    {"softmask_alpha.pdf", 1, 150, 0.23, 0, "alpha soft masks"},
+    {"softmask_alpha.pdf", 2, 150, 0.10, 0, "alpha soft masks"},
+    {"softmask_backdrop.pdf", 1, 150, 0.09, 140, "luminosity soft mask with a backdrop colour, gray image inside the"},
+    {"softmask_luminosity.pdf", 1, 150, 2.10, 5899,
+     "fifty luminosity soft masks made of radial shadings, 180 clips, code"},
+    {"solids_clipped.pdf", 1, 150, 1.31, 3599, "about 2000 small clip paths each with a fill and a stroke, under text"},
+    {"stroke_dash_degenerate.pdf", 1, 150, 0.43, 1079, "dashes on degenerate and zero-length segments, all caps"},
+    {"text_cjk.pdf", 1, 150, 6.71, 11354, "difference is glyph hinting and anti-aliasing only"},
+    {"text_clip.pdf", 1, 150, 0.36, 201, "clip by text"},
+    {"text_clip.pdf", 2, 150, 0.54, 141, "clip by text"},
+    {"text_dense.pdf", 1, 150, 2.17, 7038, "text-heavy page, Latin Type 1 fonts, many glyph outlines"},
+    {"text_pattern.pdf", 1, 150, 0.40, 1132, "text filled with a tiling pattern and with an axial shading (clip by"},
+    {"text_type3_bitmap.pdf", 1, 150, 1.15, 2851,
+     "bitmap type 3 glyphs (169 image masks through the glyph procedures)"},
+    {"tiling.pdf", 1, 150, 0.75, 5988, "tiling patterns"},
+    {"vector_tiger.pdf", 1, 150, 0.47, 26, "vector drawing, 226 curved fills and 78 strokes"},
 };
 
 class Pages : public testing::TestWithParam<PageCase> {};
@@ -106,16 +115,22 @@ TEST_P(Pages, MatchSecondRenderer) {
 
     Picture difference = actual;
     double sums[3] = {0.0, 0.0, 0.0};
+    int strays = 0;
+    int most = 0; // in the pixel
     for (size_t i = 0; i < actual.rgb.size(); ++i) {
         const int d = std::abs(int{actual.rgb[i]} - int{expected.rgb[i]});
         sums[i % 3] += d;
         difference.rgb[i] = static_cast<uint8_t>(std::min(255, 8 * d));
+        most = std::max(i % 3 == 0 ? 0 : most, d);
+        strays += i % 3 == 2 && most > kStray;
     }
     const double worst = *std::max_element(sums, sums + 3) / (static_cast<double>(actual.width) * actual.height);
     RecordProperty("meanDifference", std::to_string(worst));
-    if (worst > c.limit) {
+    RecordProperty("strays", strays);
+    if (worst > c.mean + kMoreMean || strays > c.strays + kMoreStrays) {
         WritePng(differencePath, difference);
-        ADD_FAILURE() << "mean difference " << worst << ", limit " << c.limit << ": see " << differencePath;
+        ADD_FAILURE() << "mean difference " << worst << " where " << c.mean << " was measured, strays " << strays
+                      << " where " << c.strays << ": see " << differencePath;
     } else {
         std::filesystem::remove(actualPath);
         std::filesystem::remove(expectedPath);

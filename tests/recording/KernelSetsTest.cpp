@@ -5,6 +5,7 @@
 #include "Scenario.h"
 
 #include "InstructionSets.h"
+#include "Pixels/PixelConversion.h"
 #include "Scan/BandKernels.h"
 #include "Software/Kernels/SwKernels.h"
 #include "Software/SwPaintKernels.h"
@@ -34,10 +35,12 @@ protected:
 // Else the tests below would draw with the same tables again and again.
 TEST_F(KernelSets, AreSwitchedTogether) {
     std::set<const void*> rows, bands, paints;
+    std::set<Graphics::RowConverter> conversions; // of one pair that every set has a row of its own for
     ForEachSet([&] {
         rows.insert(&Graphics::ActiveKernels());
         bands.insert(&Graphics::ActiveBandKernels());
         paints.insert(&Graphics::ActivePaintKernels());
+        conversions.insert(Graphics::PixelConversion::Find(GXPixelFormatBGRA32, GXPixelFormatPBGRA32));
     });
     size_t sets = 0;
     for (int set = 0; set < Graphics::kInstructionSetCount; ++set)
@@ -47,6 +50,11 @@ TEST_F(KernelSets, AreSwitchedTogether) {
         EXPECT_EQ(paints.size(), Graphics::ProcessorHas(InstructionSet::AVX512) ? 3u : 2u);
         EXPECT_EQ(bands.size(), Graphics::ProcessorHas(InstructionSet::AVX512) ? 3u : 2u);
     }
+    size_t conversionSets = 0;
+    for (int set = 0; set < 3; ++set)
+        conversionSets += Graphics::PixelConversion::Set(set) != nullptr;
+    EXPECT_EQ(conversions.size(), conversionSets)
+        << "pixel formats are converted by the same rows under every allowance";
 }
 
 TEST_F(KernelSets, GiveEveryPageTheSameBytes) {

@@ -175,6 +175,37 @@ TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
     }
 }
 
+TEST(GradientShade, IntervalsBelowAndAboveWhatAFactorHoldsAreDivided) {
+    // 255 / length is infinite for the first ones and without bits for the last.
+    const std::pair<float, float> intervals[] = {{0.0F, 1e-37F}, {0.0F, 3e-39F}, {0.25F, 0.25000003F}, {-3e38F, 3e37F}};
+    for (int set = 0; set < kPaintKernelSets; ++set) {
+        const SwPaintKernels* kernels = PaintKernelSet(set);
+        if (kernels == nullptr) {
+            continue;
+        }
+        for (const auto& [lower, upper] : intervals) {
+            Scene scene;
+            scene.stops = {{lower, 0xFF102030U}, {upper, 0x80F0E0D0U}};
+            scene.factor = 256;
+            GradientStopCollection stops;
+            stops.Add(scene.stops.data(), scene.stops.size());
+            const GradientSampler sampler(stops);
+            GradientShade shade{&sampler, sampler.IntervalAt(0.0F), 11, 22, 33, scene.factor};
+            std::vector<float> t(48);
+            for (size_t i = 0; i < t.size(); ++i) {
+                const float low = std::max(lower, 0.0F), high = std::min(upper, 1.0F);
+                t[i] = low + (high - low) * (static_cast<float>(i) / 48.0F);
+            }
+            std::vector<uint32_t> out(t.size());
+            kernels->shade(shade, t.data(), t.size(), out.data());
+            for (size_t i = 0; i < t.size(); ++i) {
+                ASSERT_EQ(out[i], scene.At(t[i]))
+                    << kernels->name << " from " << lower << " to " << upper << " at " << t[i];
+            }
+        }
+    }
+}
+
 TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
     for (int set = 0; set < kPaintKernelSets; ++set) {
         const SwPaintKernels* kernels = PaintKernelSet(set);
@@ -247,6 +278,22 @@ TEST(LinearGradientSource, EqualsFormula) {
     }
 }
 
+TEST(LinearGradientSource, WhereStepsOverflowIsBeforeTheStart) {
+    // An axis so short that the steps across and down overflow, with both signs: infinity minus infinity is no number.
+    const auto g = std::make_shared<LinearGradient>();
+    const GradientStop stops[] = {{0.0F, 0xFF112233U}, {1.0F, 0xFF445566U}};
+    g->stops.Add(stops, 2);
+    g->start = {0, 0};
+    g->end = {1e-38F, -1e-38F};
+    g->extendStart = true;
+    g->extendEnd = true;
+    g->hasBackground = true;
+    g->background = UnpackColor(0xFFFF0000U);
+    Arena arena;
+    SwColorSource* source = SwColorSource::CreateFromBrush(arena, GradientBrush(g), kBounds, kIdentity);
+    EXPECT_EQ(Row(*source, 100, 120, 100), std::vector<uint32_t>(20, 0xFF112233U));
+}
+
 TEST(RadialGradientSource, EqualsFormula) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE(round);
@@ -300,6 +347,27 @@ TEST(RadialGradientSource, EqualsFormula) {
                 ASSERT_EQ(row[i], outside ? scene.Outside(*g) : scene.Color(*g, t)) << "pixel " << i << " t " << t;
             }
         }
+    }
+}
+
+TEST(RadialGradientSource, IsNotOpaqueWhereNoCirclePasses) {
+    // Two circles side by side: their tangents leave a wedge on either side that no circle reaches.
+    const auto g = std::make_shared<RadialGradient>();
+    const GradientStop stops[] = {{0.0F, 0xFF112233U}, {1.0F, 0xFF445566U}};
+    g->stops.Add(stops, 2);
+    g->start = {20, 50};
+    g->startRadius = 5;
+    g->end = {60, 50};
+    g->endRadius = 15;
+    g->extendStart = g->extendEnd = true;
+    for (const uint32_t background : {0U, 0x80402010U, 0xFF804020U}) {
+        g->hasBackground = background != 0;
+        g->background = UnpackColor(background);
+        Arena arena;
+        SwColorSource* source = SwColorSource::CreateFromBrush(arena, GradientBrush(g), kBounds, kIdentity);
+        const std::vector<uint32_t> row = Row(*source, 0, 5, 0);
+        EXPECT_EQ(row[0] >> 24, background >> 24);
+        EXPECT_EQ(source->IsOpaque(), background >> 24 == 255);
     }
 }
 

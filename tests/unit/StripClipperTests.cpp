@@ -78,6 +78,9 @@ TEST(StripClipper, SurvivesPlacesThatDoNotExist) {
     x.LineTo({-inf, 6});
     x.CubicTo({inf, nan}, {nan, nan}, {3, 3});
     x.EndFigureClose();
+    x.BeginFigure({0, 0});
+    x.CubicTo({1, 1}, {nan, 2}, {3, 3}); // it seems to be inside
+    x.EndFigureClose();
     for (const Figure& f : out.Figures()) {
         for (const Point& p : f.Points()) {
             EXPECT_LE(std::fabs(p.x), 10);

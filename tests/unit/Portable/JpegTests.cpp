@@ -6,6 +6,7 @@
 #include <jpeglib.h>
 
 #include "../ImageSupport.h"
+#include "ProcessHeap.h"
 
 using namespace Graphics;
 using namespace ImageSupport;
@@ -16,6 +17,7 @@ struct Kind {
     J_COLOR_SPACE input, stored;
     int components;
     bool progressive, subsampled, adobe;
+    bool arithmetic = false;
 };
 
 constexpr uint32_t kWidth = 53, kHeight = 38;
@@ -53,6 +55,7 @@ Bytes Make(const Kind& kind) {
     } else {
         info.restart_in_rows = 2;
     }
+    info.arith_code = kind.arithmetic ? TRUE : FALSE;
     info.density_unit = 2;
     info.X_density = 50;
     info.Y_density = 100;
@@ -130,6 +133,18 @@ TEST(Jpeg, LyingSizesAreRefused) {
         file[at + i] = 0x7F;
     }
     EXPECT_EQ(Refusal(file), "Failed to load");
+}
+
+TEST(Jpeg, ArithmeticCodingIsRefusedBeforeMemoryIsTaken) {
+    // A few bytes of it are a whole picture of one colour, so no size tells true claims from others.
+    for (const bool progressive : {false, true}) {
+        const Bytes file = Make({JCS_RGB, JCS_YCbCr, 3, progressive, false, false, true});
+        for (const size_t size : {file.size(), file.size() / 2}) {
+            const int64_t before = ProcessHeap::FailAfter(-1);
+            EXPECT_EQ(Refusal(Bytes(file.begin(), file.begin() + static_cast<ptrdiff_t>(size))), "Failed to load");
+            EXPECT_EQ(ProcessHeap::FailAfter(-1), before);
+        }
+    }
 }
 
 } // namespace

@@ -78,7 +78,8 @@ enum {
     GXPixelFormatPBGRA32 = 2,
     /** 32 bits: bytes blue, green, red, alpha; colours not premultiplied. */
     GXPixelFormatBGRA32 = 3,
-    /** 32 bits: bytes blue, green, red, unused; opaque. Targets draw into this one and write 255 as the fourth byte. */
+    /** 32 bits: bytes blue, green, red, unused; opaque. Targets draw into this one: they do not read the fourth byte
+     * and write it as 255 where they draw; elsewhere it stays as it is. */
     GXPixelFormatBGRX32 = 4,
     /** 8 bits: alpha; the colour is white. */
     GXPixelFormatAlpha8 = 5,
@@ -126,7 +127,9 @@ enum {
     GXBlendModeLuminosity = 15
 };
 
-/** The ends of open figures and dashes. */
+/** The ends of open figures and dashes. Unknown values act as flat. A figure or dash without length is a dot: a disc
+ * with round caps, a square with square caps (upright in user space, so that it turns with the matrix), nothing with
+ * flat ones. */
 typedef uint32_t GXLineCap;
 enum {
     /** Ends flush with the end point. */
@@ -265,9 +268,11 @@ typedef struct {
     uint32_t stride;
 } GXBitmapData;
 /** How a stroke looks. `miterLimit` is the ratio of miter length to line width; `reserved` is not read. `dashes`
- * holds `dashCount` lengths in user units, dash and gap in turn, starting with a dash; counts above 15 act as 15, 0
- * is a solid line. `dashPhase` is the distance into the pattern at which every figure starts; it is read only with
- * dashes. Raised when stroking: "Dash pattern has a negative element", "Dash pattern has zero length". */
+ * holds `dashCount` lengths in user units, dash and gap in turn, starting with a dash; after an odd count the next
+ * round starts with a gap. Counts above 15 act as 15, 0 is a solid line. `dashPhase` is the distance into the pattern
+ * at which every figure starts, negative or beyond the pattern too; it is read only with dashes. Each dash has both
+ * caps; a dash of length 0 is a dot. Raised when stroking: "Dash pattern has a negative element", "Dash pattern has
+ * zero length". */
 typedef struct {
     GXLineJoin join;
     GXLineCap cap;
@@ -319,7 +324,8 @@ typedef struct {
     float x, y;
     uint32_t color;
 } GXTriMeshVertex;
-/** Sampling of a bitmap brush: a GXInterpolation and two GXExtend values. */
+/** Sampling of a bitmap brush: `interpolation` is GXInterpolationNearest, Linear or Average; `extendX` and `extendY`
+ * are GXExtendClamp, Repeat or Mirror. */
 typedef struct {
     uint32_t interpolation, extendX, extendY;
 } GXBitmapBrushOptions;
@@ -463,7 +469,8 @@ GX_API GXResult GXBitmapSetOffscreenPainting(GXBitmap bitmap, uint8_t flag) GX_N
 /** Loads the first frame of a PNG, JPEG, TIFF, GIF or BMP file. The format follows the image: 24-bit RGB gives
  * BGR24, RGBA and grey with alpha BGRA32, palette and grey images Indexed8 or Indexed1 with their palette, all else
  * BGRX32. The resolution is kept. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Failed to
- * load" when the file is missing, damaged or of another kind; on Windows also "Failed to initialize GDI+". */
+ * load" when the file is missing, damaged or of another kind, claims more pixels than its bytes can hold, or is a JPEG
+ * with arithmetic coding; on Windows also "Failed to initialize GDI+". */
 GX_API GXResult GXCreateBitmapFromFile(const wchar_t* path, GXBitmap* outBitmap) GX_NOEXCEPT;
 
 /** Loads frame `frame`, counted from 0, of an image file; otherwise as GXCreateBitmapFromFile. `outFrameCount` may
@@ -556,9 +563,9 @@ GX_API GXResult GXCreateGradientLinear(const GXLinearGradientDesc* desc, GXGradi
 GX_API GXResult GXCreateGradientRadial(const GXRadialGradientDesc* desc, GXGradient* outGradient) GX_NOEXCEPT;
 
 /** Makes a gradient of triangles, each of three consecutive vertices, with colours interpolated between the corners.
- * `count` is in vertices; the rest of an incomplete triangle is not drawn. `backgroundArgb` shows outside the mesh,
- * 0: nothing. The vertices are copied. GXResultInvalidArgument when a pointer is null or `count` is 0;
- * GXResultUnexpectedError when memory runs out. */
+ * `count` is in vertices; the rest of an incomplete triangle is not drawn. Nothing is painted outside the triangles,
+ * whatever `backgroundArgb` is; a host that wants a background there fills it first. The vertices are copied.
+ * GXResultInvalidArgument when a pointer is null or `count` is 0; GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXCreateGradientTriMesh(const GXTriMeshVertex* vertices, size_t count, uint32_t backgroundArgb,
                                         GXGradient* outGradient) GX_NOEXCEPT;
 
@@ -568,8 +575,7 @@ GX_API GXResult GXCreateGradientTriMesh(const GXTriMeshVertex* vertices, size_t 
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXCreateGeometry(GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Sets the fill rule; the value is kept as given. GXResultInvalidArgument when `geometry` is null;
- * GXResultUnexpectedError when memory runs out (a geometry that shares its figures gets its own). */
+/** Sets the fill rule; the value is kept as given. GXResultInvalidArgument when `geometry` is null. */
 GX_API GXResult GXGeometrySetFillRule(GXGeometry geometry, GXFillRule fillRule) GX_NOEXCEPT;
 
 /** Reads the fill rule as it was set. GXResultInvalidArgument when an argument is null. */
@@ -578,8 +584,11 @@ GX_API GXResult GXGeometryGetFillRule(GXGeometry geometry, GXFillRule* outFillRu
 /** Answers 1 when the geometry has no finished figure. GXResultInvalidArgument when an argument is null. */
 GX_API GXResult GXGeometryEmpty(GXGeometry geometry, uint8_t* outEmpty) GX_NOEXCEPT;
 
-/** Answers 1 when both have the same finished figures, point for point and without tolerance, and the same fill
- * rule. Two geometries without figures are not equal. GXResultInvalidArgument when an argument is null. */
+/** Answers 1 when both have the same fill rule and the same finished figures: in the same order, each from the same
+ * start, with the same segments, open or closed alike, and equal points, without tolerance (0 equals -0, NaN equals
+ * nothing). The same outline from another start is not equal. A figure under construction does not count. Two
+ * geometries without finished figures are not equal, nor is such a one to itself. GXResultInvalidArgument when an
+ * argument is null. */
 GX_API GXResult GXGeometryPointsEqual(GXGeometry geometry, GXGeometry other, uint8_t* outEqual) GX_NOEXCEPT;
 
 /** Reads the last point of the figure under construction, else of the last finished figure (its first point when it
@@ -630,13 +639,16 @@ GX_API GXResult GXGeometryRectangle(GXGeometry geometry, const GXRect* rect) GX_
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryEllipse(GXGeometry geometry, const GXRect* bounds) GX_NOEXCEPT;
 
-/** Adds a closed rectangle whose corners are quarter ellipses with these radii, which are limited to half the sides;
- * nothing when width or height is 0. GXResultInvalidArgument when `geometry` or `rect` is null. GXResultEngineError
- * ("Not enough memory") or GXResultUnexpectedError when memory runs out. */
+/** Adds a closed rectangle whose corners are quarter ellipses, one cubic curve each; nothing when width or height is 0.
+ * The radii are limited to half of right - left and of bottom - top; of reversed corners these are negative, so that
+ * the curves take the whole side. With a radius of 0 it is the figure of GXGeometryRectangle, else it starts at the
+ * left end of the top side and runs to its right end first. A negative radius bends the corners outwards.
+ * GXResultInvalidArgument when `geometry` or `rect` is null. GXResultEngineError ("Not enough memory") or
+ * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryRoundRectangle(GXGeometry geometry, const GXRect* rect, float radiusX,
                                          float radiusY) GX_NOEXCEPT;
 
-/** Makes a new geometry with the same finished figures and fill rule; either can grow without the other.
+/** Makes a new geometry with a copy of the finished figures and the fill rule; either can grow without the other.
  * GXResultInvalidArgument when an argument is null. GXResultEngineError ("Not enough memory") or
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryCopy(GXGeometry geometry, GXGeometry* outGeometry) GX_NOEXCEPT;
@@ -651,15 +663,20 @@ GX_API GXResult GXGeometrySendToSink(GXGeometry geometry, const GXGeometrySinkCa
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryTransform(GXGeometry geometry, const GXMatrix* matrix, GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Makes a new non-zero geometry: the outline of the stroke of `width` units, without area for 0, curves flattened to
- * within 0.25 unit. `style` may be null: miter joins up to ratio 10, flat caps, no dashes. GXResultInvalidArgument when
- * `geometry` or `outGeometry` is null, or `width` is negative or NaN; GXResultEngineError for the dash patterns that
- * GXStrokeStyle refuses, and for "Not enough memory". */
+/** Makes a new non-zero geometry of lines: the outline of the stroke of `width` units, without area for 0. Curves of
+ * the path, round joins and round caps are followed to within 0.25 unit, whatever the geometry is drawn at later;
+ * beside a curve the outline strays further by as much as it is longer than the path. For a finer one, widen an
+ * enlarged copy and transform the result back. `style` may be null: miter joins up to ratio 10, flat caps, no dashes.
+ * GXResultInvalidArgument when `geometry` or `outGeometry` is null, or `width` is negative or NaN; GXResultEngineError
+ * for the dash patterns that GXStrokeStyle refuses, and for "Not enough memory". */
 GX_API GXResult GXGeometryWiden(GXGeometry geometry, float width, const GXStrokeStyle* style,
                                 GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Makes a new geometry from the areas of two, each under its own fill rule; `mode` is a GXCombine value. Curves are
- * flattened to within `tolerance` units (0.25 where it is not above 0). The result has disjoint simple figures,
+/** Makes a new geometry from the areas of two, each under its own fill rule; `mode` is GXCombineIntersection, Union,
+ * ExclusiveOr or Difference (a without b). Curves are flattened to within `tolerance` units (0.25 where it is not above
+ * 0). The result has coordinates in floats, whose spacing at c is between |c| / 2^24 and |c| / 2^23 (a sixteenth of a
+ * unit at a million): far from the origin no tolerance makes it finer than that, and a smaller one counts as that much.
+ * Figures that are to be combined finely are moved near the origin first. The result has disjoint simple figures,
  * outlines and holes in opposite directions, valid under both fill rules. GXResultInvalidArgument when a pointer is
  * null or `mode` is unknown. GXResultEngineError ("Not enough memory") or GXResultUnexpectedError when memory runs
  * out. */
@@ -716,9 +733,9 @@ GX_API GXResult GXRegionHasIntersectionWithRect(GXRegion region, const GXIntRect
  * GXResultInvalidArgument when `region` is null; GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXRegionOffset(GXRegion region, int32_t dx, int32_t dy) GX_NOEXCEPT;
 
-/** Makes a new region from two; `mode` is a GXCombine value with `region` as a and `other` as b, which may be the
- * same. GXResultInvalidArgument when a pointer is null or `mode` is unknown; GXResultUnexpectedError when memory
- * runs out. */
+/** Makes a new region from two; `mode` is GXCombineIntersection, Union, ExclusiveOr or Difference (`region` without
+ * `other`). Both may be the same. GXResultInvalidArgument when a pointer is null or `mode` is unknown;
+ * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXRegionCombine(GXRegion region, GXRegion other, uint32_t mode, GXRegion* outRegion) GX_NOEXCEPT;
 
 /** Makes a new region from a region and a rectangle; otherwise as GXRegionCombine. GXResultInvalidArgument when a
@@ -789,15 +806,18 @@ GX_API GXResult GXRenderTargetGetSize(GXRenderTarget renderTarget, GXSize* outSi
 
 /* Render targets: the painting bracket and the state */
 
-/** Opens the bracket in which drawing is allowed; the state set before it is in force. A target that is freed inside
- * the bracket leaves what was drawn into memory, and shows nothing. GXResultInvalidArgument when an argument is null.
- * GXResultEngineError: "Painting has already begun", "Unsuported pixel format" (spelled so) when the format cannot be
- * drawn into. */
+/** Opens the bracket in which drawing is allowed; the state set before it is in force: first of all identity, Normal,
+ * stroke adjustment on, no masks and no clip. A target that is freed inside the bracket leaves what was drawn into
+ * memory, and shows nothing. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has
+ * already begun", "Unsuported pixel format" (spelled so) when the format cannot be drawn into. */
 GX_API GXResult GXRenderTargetBeginPaint(GXRenderTarget renderTarget) GX_NOEXCEPT;
 
-/** Closes the bracket and brings the pixels to a window or device. Layers still open are ended, innermost first,
- * states still pushed are dropped, and the state is reset to identity, Normal, no masks and no clip.
- * GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun". */
+/** Closes the bracket and brings the pixels to a window or device. Layers still open are ended, innermost first, as by
+ * GXRenderTargetEndLayer; one that cannot be drawn is dropped. States still pushed are dropped, and the state is reset
+ * to identity, Normal, stroke adjustment on, no masks and no clip: what a host wants otherwise it sets again for each
+ * bracket. Inside a bracket the answer is always GXResultSuccess where the pixels are in memory; a window or device
+ * that does not take them gives GXResultEngineError, with the bracket closed all the same. GXResultInvalidArgument when
+ * an argument is null. GXResultEngineError: "Painting has not begun". */
 GX_API GXResult GXRenderTargetEndPaint(GXRenderTarget renderTarget) GX_NOEXCEPT;
 
 /** Saves matrix, blend mode, stroke adjustment, both masks and clip. GXResultInvalidArgument when an argument is
@@ -839,20 +859,31 @@ GX_API GXResult GXRenderTargetTranslateCTM(GXRenderTarget renderTarget, float of
  * GXResultInvalidArgument when `renderTarget` is null. */
 GX_API GXResult GXRenderTargetSetBlendMode(GXRenderTarget renderTarget, GXBlendMode blendMode) GX_NOEXCEPT;
 
-/** With `flag` not 0, upright and level stroke edges are moved so that lines of equal width cover equal, whole
- * numbers of device pixels, at least 1. Works outside the painting bracket too. GXResultInvalidArgument when
- * `renderTarget` is null. */
+/** Turns the adjustment of edges to whole device pixels on (`flag` not 0) or off. It is on in a new target, and
+ * GXRenderTargetEndPaint turns it on again; a host that wants every coordinate taken as it is calls this with 0 before
+ * or after each GXRenderTargetBeginPaint. With it on:
+ *
+ * - Upright and level segments of strokes, wherever they stand in a figure, are moved so that lines of equal width
+ * cover equal, whole numbers of pixels, at least 1. Curves and slanted segments stay, and joints stay closed.
+ * - A fill, clip, bitmap or mask whose shape on the device is one upright rectangle covers whole pixels: in each
+ *   direction as many as its length, in eighths of a pixel, rounded up, at least 1. Where it touches one pixel more
+ * than that, the end that covers less of its pixel loses it, of equal ends the right or lower one.
+ *
+ * Text is never adjusted, an inverted rectangle always. Works outside the painting bracket too. GXResultInvalidArgument
+ * when `renderTarget` is null. */
 GX_API GXResult GXRenderTargetSetStrokeAdjustment(GXRenderTarget renderTarget, uint8_t flag) GX_NOEXCEPT;
 
-/** Multiplies the colour and alpha of everything drawn from now on by a mask made from `brush`, which the state
- * shares. It is placed by its own matrix and the CTM of this moment. `type` is a GXMaskType value; an unknown one is
- * taken here and makes drawing fail with GXResultEngineError: "Unsupported soft mask type." A null `brush` removes
- * the mask. Works outside the painting bracket too. GXResultInvalidArgument when `renderTarget` is null. */
+/** Multiplies the colour and alpha of everything drawn from now on by a mask made from `brush`, which the state keeps
+ * alive. It is placed by its own matrix and the CTM of this moment. `type` is GXMaskTypeAlpha, InverseAlpha, Luminosity
+ * or InverseLuminosity; an unknown one is taken here and makes whatever has something to draw fail with
+ * GXResultEngineError: "Unsupported soft mask type." A null `brush` removes the mask. Works outside the painting
+ * bracket too. GXResultInvalidArgument when `renderTarget` is null. */
 GX_API GXResult GXRenderTargetSetOpacityMask(GXRenderTarget renderTarget, uint32_t type, GXBrush brush) GX_NOEXCEPT;
 
-/** Multiplies the coverage of everything drawn from now on by a mask made from `brush`, which the state shares. It
- * is placed by its own matrix and the CTM of this moment. `type` is a GXMaskType value; an unknown one is taken here
- * and makes drawing fail with GXResultEngineError: "Unsupported soft mask type." A null `brush` removes the mask.
+/** Multiplies the coverage of everything drawn from now on by a mask made from `brush`, which the state keeps alive. It
+ * is placed by its own matrix and the CTM of this moment. `type` is GXMaskTypeAlpha, InverseAlpha, Luminosity or
+ * InverseLuminosity; an unknown one is taken here and makes whatever has something to draw fail with
+ * GXResultEngineError: "Unsupported soft mask type." A null `brush` removes the mask.
  * Works outside the painting bracket too. GXResultInvalidArgument when `renderTarget` is null. */
 GX_API GXResult GXRenderTargetSetShapeMask(GXRenderTarget renderTarget, uint32_t type, GXBrush brush) GX_NOEXCEPT;
 
@@ -863,8 +894,10 @@ GX_API GXResult GXRenderTargetSetShapeMask(GXRenderTarget renderTarget, uint32_t
 GX_API GXResult GXRenderTargetBeginLayer(GXRenderTarget renderTarget, const GXLayerDesc* desc) GX_NOEXCEPT;
 
 /** Closes the innermost group and draws it as one object with its opacity, under the parent's blend mode, masks and
- * clip. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "No layer
- * is open". */
+ * clip. A group in which nothing was drawn draws nothing. GXResultInvalidArgument when an argument is null.
+ * GXResultEngineError: "Painting has not begun", "No layer is open"; with the group still open, "Unsupported soft mask
+ * type." when the parent's mask has an unknown one, "Not enough memory". GXResultUnexpectedError, with the group still
+ * open, when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetEndLayer(GXRenderTarget renderTarget) GX_NOEXCEPT;
 
 /* Render targets: drawing and clipping */
@@ -874,7 +907,9 @@ GX_API GXResult GXRenderTargetEndLayer(GXRenderTarget renderTarget) GX_NOEXCEPT;
  * GXResultInvalidArgument when `renderTarget` is null; GXResultEngineError: "Painting has not begun". */
 GX_API GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) GX_NOEXCEPT;
 
-/** Paints the inside of `geometry`, under its fill rule, with `brush`. Open figures are closed.
+/** Paints the inside of `geometry`, under its fill rule, with `brush`. Open figures are closed; a figure under
+ * construction is not drawn. One upright rectangle covers whole pixels while stroke adjustment is on: see
+ * GXRenderTargetSetStrokeAdjustment.
  * GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "Unsupported soft
  * mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) GX_NOEXCEPT;
@@ -887,7 +922,8 @@ GX_API GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeomet
 GX_API GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry,
                                                GXBrush brush) GX_NOEXCEPT;
 
-/** Paints a rectangle with `brush`. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting
+/** Paints a rectangle with `brush`; on whole pixels where it is upright on the device and stroke adjustment is on: see
+ * GXRenderTargetSetStrokeAdjustment. GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting
  * has not begun", "Unsupported soft mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator
  * fails. */
 GX_API GXResult GXRenderTargetFillRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush) GX_NOEXCEPT;
@@ -926,16 +962,17 @@ GX_API GXResult GXRenderTargetStrokeRect(GXRenderTarget renderTarget, const GXRe
 GX_API GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* bounds, GXBrush brush,
                                             float width, const GXStrokeStyle* style) GX_NOEXCEPT;
 
-/** Limits drawing to the inside of `geometry`, anti-aliased where its edges are not on whole pixels. The clip only
- * shrinks; GXRenderTargetPopState gives the earlier one back. GXResultInvalidArgument when an argument is null.
+/** Limits drawing to the inside of `geometry`, anti-aliased where its edges are not on whole pixels; one upright
+ * rectangle is put on whole pixels as a fill of it is. Nothing is left of an empty one. The clip only shrinks;
+ * GXRenderTargetPopState gives the earlier one back. GXResultInvalidArgument when an argument is null.
  * GXResultEngineError: "Painting has not begun", "Not enough memory". GXResultUnexpectedError when the C++ allocator
  * fails. */
 GX_API GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) GX_NOEXCEPT;
 
-/** Limits drawing to a rectangle; ignored, with GXResultSuccess, when its width or height is 0. The clip only
- * shrinks; GXRenderTargetPopState gives the earlier one back. GXResultInvalidArgument when an argument is null.
- * GXResultEngineError: "Painting has not begun", "Not enough memory". GXResultUnexpectedError when the C++ allocator
- * fails. */
+/** Limits drawing to a rectangle, put on whole pixels as a fill of it is; ignored, with GXResultSuccess, when its width
+ * or height is 0. The clip only shrinks; GXRenderTargetPopState gives the earlier one back. GXResultInvalidArgument
+ * when an argument is null. GXResultEngineError: "Painting has not begun", "Not enough memory". GXResultUnexpectedError
+ * when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetClipRect(GXRenderTarget renderTarget, const GXRect* rect) GX_NOEXCEPT;
 
 /** Limits drawing to the ellipse in `bounds`; ignored, with GXResultSuccess, when its width or height is 0. The clip
@@ -944,15 +981,17 @@ GX_API GXResult GXRenderTargetClipRect(GXRenderTarget renderTarget, const GXRect
  * fails. */
 GX_API GXResult GXRenderTargetClipEllipse(GXRenderTarget renderTarget, const GXRect* bounds) GX_NOEXCEPT;
 
-/** Draws a bitmap with its top left at `origin` (null: 0, 0), one bitmap pixel to one user unit. `opacity`
- * multiplies alpha, from 0 to 1; `interpolation` is a GXInterpolation value. GXResultInvalidArgument when
+/** Draws a bitmap with its top left at `origin` (null: 0, 0), one bitmap pixel to one user unit. Its rectangle is put
+ * on whole pixels as a fill of it is; the samples stay where they are. `opacity` multiplies alpha, from 0 to 1;
+ * `interpolation` is GXInterpolationNearest, Linear or Average. GXResultInvalidArgument when
  * `renderTarget` or `bitmap` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.",
  * "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXPoint* origin,
                                          float opacity, uint32_t interpolation) GX_NOEXCEPT;
 
 /** Draws the part `source` of a bitmap, in bitmap pixels (null: all of it), exactly onto `destination`; either
- * rectangle, reversed, mirrors. Nothing outside `source` bleeds in. GXResultInvalidArgument when `renderTarget`,
+ * rectangle, reversed, mirrors. Nothing outside `source` bleeds in. `opacity` and `interpolation` as for
+ * GXRenderTargetDrawBitmap. GXResultInvalidArgument when `renderTarget`,
  * `bitmap` or `destination` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.", "Not
  * enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXRect* destination,
@@ -967,15 +1006,16 @@ GX_API GXResult GXRenderTargetDrawGradient(GXRenderTarget renderTarget, GXGradie
 
 /** Paints `brush` through the alpha of a bitmap laid onto `destination` (null: the mask's own size at 0, 0). Alpha1
  * and Alpha8 count with their value, Gray8 and BlackWhite1 with their level, formats with alpha with that, others as
- * opaque. GXResultInvalidArgument when `renderTarget`, `mask` or `brush` is null; GXResultEngineError: "Painting has
- * not begun", "Unsupported soft mask type.", "Not enough memory". GXResultUnexpectedError when the C++ allocator
- * fails. */
+ * opaque. `interpolation` as for GXRenderTargetDrawBitmap. GXResultInvalidArgument when `renderTarget`, `mask` or
+ * `brush` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.", "Not enough memory".
+ * GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBrush brush,
                                        const GXRect* destination, uint32_t interpolation) GX_NOEXCEPT;
 
-/** Replaces every colour channel c in a rectangle by 255 - c. Alpha stays; doing it twice restores the pixels
- * exactly. In a group, whose colours are premultiplied, c becomes alpha - c. GXResultInvalidArgument when an argument
- * is null. GXResultEngineError: "Painting has not begun", "Not enough memory". */
+/** Replaces every colour channel c in a rectangle, put on whole pixels, by 255 - c. Alpha stays; doing it twice
+ * restores the pixels exactly. In a group, whose colours are premultiplied, c becomes alpha - c.
+ * GXResultInvalidArgument when an argument is null. GXResultEngineError: "Painting has not begun", "Not enough memory".
+ */
 GX_API GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRect* rect) GX_NOEXCEPT;
 
 /** Replaces every colour channel c by 255 - c along a line one device pixel wide. Alpha stays; doing it twice

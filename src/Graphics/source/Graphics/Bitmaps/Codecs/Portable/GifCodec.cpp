@@ -185,8 +185,8 @@ private:
     /// A frame that is the whole picture: its own indices and palette.
     [[nodiscard]] std::shared_ptr<SysMemBitmap> Single(GifWalk& walk, const Frame& frame, HeapArray<uint8_t>& indices) {
         const std::vector<uint32_t> colors = walk.Colors(frame);
-        std::shared_ptr<SysMemBitmap> image = Screen(GXPixelFormatIndexed8);
         walk.ReadPixels(frame, indices);
+        std::shared_ptr<SysMemBitmap> image = Screen(GXPixelFormatIndexed8);
         image->SetPalette(std::make_shared<const Palette>(colors.data(), colors.size()));
         for (int32_t y = 0; y < m_height; ++y) {
             std::memcpy(image->Data() + static_cast<size_t>(image->StrideBytes()) * static_cast<size_t>(y),

@@ -137,8 +137,8 @@ public:
         const uint32_t width = m_info.image_width;
         const uint32_t height = m_info.image_height;
         // A Huffman code has at least one bit for each block of 64 pixels: a shorter file is refused before memory is
-        // taken.
-        Require(m_info.arith_code != 0 || static_cast<uint64_t>(width) * height / 512 <= m_cursor.Size());
+        // taken. Arithmetic coding has no such limit (200 bytes can be 23000 x 23000 pixels), and nobody writes it.
+        Require(m_info.arith_code == 0 && static_cast<uint64_t>(width) * height / 512 <= m_cursor.Size());
         const double unit = m_info.density_unit == 1 ? 1.0 : m_info.density_unit == 2 ? 2.54 : 0.0;
         std::shared_ptr<SysMemBitmap> image =
             NewImage(width, height, format, m_info.X_density * unit, m_info.Y_density * unit);

@@ -61,9 +61,10 @@ void TiffHandle::Open(const char* mode) {
     const auto onWarning = [](TIFF*, void* self, const char*, const char* format, va_list arguments) -> int {
         char text[256];
         std::vsnprintf(text, sizeof text, format, arguments);
-        // Data that ends early, also a tag's that is then left out.
+        // Data that ends early, also a tag's that is then left out; counts of bytes that are not those of the pixels.
         const auto says = [&text](const char* words) { return std::strstr(text, words) != nullptr; };
-        if (says("remature") || says("Corrupt") || says("IO error")) {
+        if (says("remature") || says("Corrupt") || says("IO error") ||
+            (says("StripByteCounts") && says("ignoring and calculating"))) {
             static_cast<TiffHandle*>(self)->m_failed = true;
         }
         return 1;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Strips and tiles are read whole and brought into the bitmap row by row.
+// Strips come row by row where the coding allows that; else strips and tiles are read whole and brought into the bitmap
+// row by row.
 #include "TiffReader.h"
 
 #include <algorithm>
@@ -10,11 +11,9 @@ namespace {
 /// More are the bands of measurements, not of pictures.
 constexpr uint16_t kMostSamples = 64;
 
-[[nodiscard]] uint64_t CeilDivide(uint64_t a, uint64_t b) noexcept { return (a + b - 1) / b; }
-
 } // namespace
 
-TiffReader::TiffReader(ByteSource& source) : m_file(source) { Require(!m_file.TakeFailure()); }
+TiffReader::TiffReader(ByteSource& source) : m_source(source), m_file(source) { Require(!m_file.TakeFailure()); }
 
 uint32_t TiffReader::CountFrames() {
     const uint32_t count = TIFFNumberOfDirectories(m_file.Tiff());
@@ -151,58 +150,71 @@ std::shared_ptr<SysMemBitmap> TiffReader::Load(uint32_t frame) {
         TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &dpiY);
     }
     const double inch = unit == RESUNIT_CENTIMETER ? 2.54 : 1.0;
+    m_blocks.emplace(tiff);
+    if (m_page.known) {
+        RequirePlainBlocks();
+    }
+    m_blocks->RequireBacked(m_source.Size());
+    Require(!m_file.TakeFailure());
     std::shared_ptr<SysMemBitmap> image = NewImage(m_width, m_height, m_page.format, dpiX * inch, dpiY * inch);
     if (IsIndexedFormat(m_page.format)) {
         image->SetPalette(MakePalette());
     }
-    if (m_page.known) {
-        LoadBlocks(*image);
-    } else {
+    if (!m_page.known) {
         LoadConverted(*image);
+    } else if (m_blocks->ComesInRows()) {
+        LoadRows(*image);
+    } else {
+        LoadBlocks(*image);
     }
     Require(!m_file.TakeFailure());
     return image;
 }
 
+size_t TiffReader::WantedPlanes() const noexcept {
+    return m_page.planes ? static_cast<size_t>(m_page.colors + (m_page.hasAlpha ? 1 : 0)) : 1;
+}
+
+void TiffReader::RequirePlainBlocks() const {
+    TIFF* tiff = m_file.Tiff();
+    const bool tiled = m_blocks->Tiled();
+    // In one-bit images a tile starts at a whole byte, as the format has it.
+    Require(!tiled || m_page.bits >= 8 || m_blocks->Width() % 8 == 0);
+    const uint64_t bytes = static_cast<uint64_t>(m_blocks->StrideBytes()) * m_blocks->Height();
+    Require(bytes * WantedPlanes() <= 0x7FFFFFFF);
+    Require((tiled ? TIFFTileSize64(tiff) : TIFFVStripSize64(tiff, m_blocks->Height())) == bytes);
+    Require(tiled || TIFFScanlineSize64(tiff) == m_blocks->StrideBytes());
+}
+
+void TiffReader::LoadRows(SysMemBitmap& image) {
+    HeapArray<uint8_t> row;
+    row.resize(m_blocks->StrideBytes());
+    for (uint32_t y = 0; y < m_height; ++y) {
+        Require(TIFFReadScanline(m_file.Tiff(), row.data(), y, 0) == 1 && !m_file.TakeFailure());
+        m_rows.Convert(image.Data() + static_cast<size_t>(image.StrideBytes()) * y, row.data(), 0, m_width);
+    }
+}
+
 void TiffReader::LoadBlocks(SysMemBitmap& image) {
     TIFF* tiff = m_file.Tiff();
-    const bool tiled = TIFFIsTiled(tiff) != 0;
-    uint32_t blockWidth = m_width, blockHeight = m_height;
-    if (tiled) {
-        Require(TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &blockWidth) == 1 &&
-                TIFFGetField(tiff, TIFFTAG_TILELENGTH, &blockHeight) == 1);
-    } else {
-        TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &blockHeight);
-        blockHeight = std::min(blockHeight, m_height);
-    }
-    // In one-bit images a tile starts at a whole byte, as the format has it.
-    Require(blockWidth > 0 && blockHeight > 0 && (!tiled || m_page.bits >= 8 || blockWidth % 8 == 0));
-    const uint64_t perPixel = static_cast<uint64_t>(m_page.bits) * (m_page.planes ? 1 : m_page.samples);
-    const uint64_t stride = CeilDivide(blockWidth * perPixel, 8);
-    const uint64_t planes = m_page.planes ? static_cast<uint64_t>(m_page.colors + (m_page.hasAlpha ? 1 : 0)) : 1;
-    // Tiles are about as large as the image at most, whatever the file says.
-    const uint64_t imageBytes = CeilDivide(m_width * perPixel, 8) * m_height;
-    Require(stride <= 0x7FFFFFFF / blockHeight && stride * blockHeight * planes <= 0x7FFFFFFF);
-    Require(stride * blockHeight <= imageBytes * 4 + (1U << 24));
-    const size_t blockBytes = static_cast<size_t>(stride * blockHeight);
-    const int64_t libraryBytes = tiled ? TIFFTileSize64(tiff) : TIFFVStripSize64(tiff, blockHeight);
-    Require(static_cast<uint64_t>(libraryBytes) == blockBytes);
-
-    const uint64_t across = CeilDivide(m_width, blockWidth);
-    const uint64_t down = CeilDivide(m_height, blockHeight);
-    Require(across * down * planes <= (tiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff)));
+    const bool tiled = m_blocks->Tiled();
+    const uint32_t blockWidth = m_blocks->Width(), blockHeight = m_blocks->Height();
+    const size_t stride = m_blocks->StrideBytes();
+    const size_t blockBytes = stride * blockHeight;
+    const size_t planes = WantedPlanes();
     HeapArray<uint8_t> bytes;
     bytes.resize(blockBytes * planes);
     // Alpha is the sample right behind the colours, so the needed planes are the first ones.
-    for (uint64_t row = 0; row < down; ++row) {
-        for (uint64_t column = 0; column < across; ++column) {
+    for (uint64_t row = 0; row < m_blocks->Down(); ++row) {
+        for (uint64_t column = 0; column < m_blocks->Across(); ++column) {
             const auto left = static_cast<uint32_t>(column * blockWidth);
             const auto top = static_cast<uint32_t>(row * blockHeight);
             const uint32_t width = std::min(blockWidth, m_width - left);
             const uint32_t height = std::min(blockHeight, m_height - top);
-            const auto wanted = static_cast<tmsize_t>(tiled ? blockBytes : static_cast<size_t>(stride) * height);
+            const auto wanted = static_cast<tmsize_t>(tiled ? blockBytes : stride * height);
             for (uint64_t plane = 0; plane < planes; ++plane) {
-                const auto index = static_cast<uint32_t>((plane * down + row) * across + column);
+                const auto index =
+                    static_cast<uint32_t>((plane * m_blocks->Down() + row) * m_blocks->Across() + column);
                 uint8_t* to = bytes.data() + blockBytes * plane;
                 const tmsize_t got = tiled ? TIFFReadEncodedTile(tiff, index, to, wanted)
                                            : TIFFReadEncodedStrip(tiff, index, to, wanted);
@@ -211,7 +223,7 @@ void TiffReader::LoadBlocks(SysMemBitmap& image) {
             const size_t leftBit = static_cast<size_t>(left) * static_cast<size_t>(BitsPerPixel(m_page.format));
             for (uint32_t y = 0; y < height; ++y) {
                 uint8_t* dst = image.Data() + static_cast<size_t>(image.StrideBytes()) * (top + y) + leftBit / 8;
-                m_rows.Convert(dst, bytes.data() + static_cast<size_t>(stride) * y, blockBytes, width);
+                m_rows.Convert(dst, bytes.data() + stride * y, blockBytes, width);
             }
         }
     }
