@@ -250,7 +250,8 @@ TEST(ShaderText, FragmentsThatNoDrawSendsAreWholeTextsToo) {
 struct PSOutput {
   float4 color : SV_TARGET0;
 };
-)" + std::string(D3D11HelperFunctions()) + R"(
+)" + std::string(D3D11HelperFunctions()) +
+                             R"(
 float3 Blend(float3 cb, float3 cs) {
   return cs;
 }
@@ -281,7 +282,8 @@ PSConstData psData;
 void PS_BasicFastComposition(float4 Cs, float fs, inout PSOutput output) {
   output.color = Cs * fs;
 }
-void PS_)" + name + "(float2 texcoord, Texture2D bitmapTexture, sampler bitmapSampler, inout " + f.result + R"( result) {
+void PS_)" + name + "(float2 texcoord, Texture2D bitmapTexture, sampler bitmapSampler, inout " +
+                                                                 f.result + R"( result) {
   float4 sample = bitmapTexture.Sample(bitmapSampler, texcoord);
 )" + f.lines + R"(
 }
@@ -289,13 +291,15 @@ PSOutput PS(float4 position : SV_POSITION, float4 diffuse : COLOR0, float2 texco
   PSOutput output;
   float4 color = diffuse;
   float shape = 1;
-  PS_)" + name + "(texcoord0, texture_0, sampler_0, " + (f.result[5] == '4' ? "color" : "shape") + R"();
+  PS_)" + name + "(texcoord0, texture_0, sampler_0, " + (f.result[5] == '4' ? "color" : "shape") +
+                                                                 R"();
   PS_BasicFastComposition(color, shape, output);
   return output;
 }
 )");
         const std::string vertex = D3D11DynamicShaderFactory::VertexText(key);
-        EXPECT_NE(vertex.find("\nvoid VS_" + name + "(float2 position, " + name + R"(_VSConstData data, inout float2 texcoord) {
+        EXPECT_NE(vertex.find("\nvoid VS_" + name + "(float2 position, " + name +
+                              R"(_VSConstData data, inout float2 texcoord) {
   texcoord.x = position.x * data.transform._m00 + position.y * data.transform._m10 + data.transform._m20;
   texcoord.y = position.x * data.transform._m01 + position.y * data.transform._m11 + data.transform._m21;
 })"),

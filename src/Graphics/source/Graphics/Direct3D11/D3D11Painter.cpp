@@ -92,10 +92,10 @@ void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
         std::rotate(found, found + 1, m_clipImages.end());
     } else {
         constexpr size_t kKept = 8;
-        if (m_clipImages.size() >= kKept) {
+        m_clipImages.push_back({clip, m_maker.Textures().Coverage(call.context, *clip.get())});
+        if (m_clipImages.size() > kKept) {
             m_clipImages.erase(m_clipImages.begin());
         }
-        m_clipImages.push_back({clip, m_maker.Textures().Coverage(call.context, *clip.get())});
     }
     AddCoverage(state, m_clipImages.back().image);
 }

@@ -95,29 +95,29 @@ void D3D11SubTarget::MakePlanes(D3D11Context& context) {
         m_color = std::move(color);
         return;
     }
-    m_shape = take(kNoShape);
-    if (m_isolated) {
-        m_color = std::move(color);
-        return;
+    auto shape = take(kNoShape);
+    std::shared_ptr<D3D11Texture> initial;
+    if (!m_isolated) {
+        initial = take(kTransparent);
+        // Elements of a knockout group see the group's own initial backdrop, not each other.
+        m_parent->SendToCard(context);
+        const std::shared_ptr<D3D11Texture>& below = m_parent->m_knockout ? m_parent->m_initial : m_parent->m_color;
+        if (below != nullptr) {
+            D3D11DrawState state;
+            DescribePlane(initial, D3D11Blend::Replace, state);
+            state.scissor = m_bounds;
+            static_cast<void>(state.key.Add(D3D11Fragment::BCP));
+            state.vertexConstants.AddTransform(m_parent->PlaneMap(*below));
+            state.AddInput(below, {});
+            AddRectangle(context.Batch().Begin(std::move(state), m_bounds), m_bounds);
+            context.Batch().Flush();
+            context.Device().Copy(*color, *initial, {0, 0, width, height});
+        }
     }
-    m_initial = take(kTransparent);
-    // Elements of a knockout group see the group's own initial backdrop, not each other.
-    m_parent->SendToCard(context);
-    const std::shared_ptr<D3D11Texture>& below = m_parent->m_knockout ? m_parent->m_initial : m_parent->m_color;
-    if (below == nullptr) {
-        m_color = std::move(color);
-        return;
-    }
-    D3D11DrawState state;
-    DescribePlane(m_initial, D3D11Blend::Replace, state);
-    state.scissor = m_bounds;
-    static_cast<void>(state.key.Add(D3D11Fragment::BCP));
-    state.vertexConstants.AddTransform(m_parent->PlaneMap(*below));
-    state.AddInput(below, {});
-    AddRectangle(context.Batch().Begin(std::move(state), m_bounds), m_bounds);
-    context.Batch().Flush();
-    context.Device().Copy(*color, *m_initial, {0, 0, width, height});
-    m_color = std::move(color); // last: what fails before is done again
+    // All planes or none: what fails before is done again.
+    m_color = std::move(color);
+    m_shape = std::move(shape);
+    m_initial = std::move(initial);
 }
 
 void D3D11SubTarget::Close() noexcept {

@@ -21,8 +21,8 @@ public:
         m_code |= (static_cast<uint64_t>(f) + 1) << (5 * m_count++);
         return true;
     }
-    /// The mode counts for compositions that do not blend, too: every text has the body of its draw's mode, so that equal
-    /// texts have equal keys. Modes above 15 blend as Normal.
+    /// The mode counts for compositions that do not blend, too: every text has the body of its draw's mode, so that
+    /// equal texts have equal keys. Modes above 15 blend as Normal.
     void SetComposition(D3D11Fragment composition, uint32_t blendMode) noexcept {
         m_code = (m_code & kFragmentBits) | static_cast<uint64_t>(composition) << 45 |
                  static_cast<uint64_t>(blendMode < 16 ? blendMode : 0) << 50;
