@@ -187,11 +187,13 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
 bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source) {
     const SwState& state = call.target.State();
     const D3D11SubTarget::Way way = call.target.WayOf(call.context, state.blendMode, call.visible);
-    if (way != D3D11SubTarget::Way::CardIfOpaque || state.opacityMask.IsSet()) {
+    const bool depends = way == D3D11SubTarget::Way::CardIfOpaque || way == D3D11SubTarget::Way::CardIfKnown;
+    if (!depends || state.opacityMask.IsSet()) {
         return way != D3D11SubTarget::Way::Card;
     }
     source = &m_maker.Source(ink, call.visible);
-    return !IsOpaque(*source);
+    uint32_t word = 0;
+    return !IsOpaque(*source) && (way == D3D11SubTarget::Way::CardIfOpaque || !source->IsSolid(word));
 }
 
 void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask) {

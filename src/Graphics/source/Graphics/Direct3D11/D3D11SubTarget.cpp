@@ -165,15 +165,17 @@ D3D11SubTarget::Way D3D11SubTarget::WayOf(const D3D11Context& context, uint32_t 
     if (m_inSoftware || context.Readback().IsExhausted() || !CardBlendsAsSoftware(blendMode) || m_fallback.Holds(box)) {
         return Way::Software;
     }
+    // What knocks out is what has alpha: bytes in software, floats on the card, where less than a level counts as well.
+    const Way mixed = m_knockout ? Way::CardIfKnown : Way::Card;
     if (!m_isLayer || IsInside(box, OpaqueBelow())) {
-        return Way::Card;
+        return mixed;
     }
     // Over what is not opaque the software multiplies by the source's alpha twice, and the card's formula for knockout
     // groups takes a backdrop for opaque.
     if (m_knockout && !m_isolated) {
         return Way::Software;
     }
-    return blendMode == GXBlendModeNormal ? Way::Card : Way::CardIfOpaque;
+    return blendMode == GXBlendModeNormal ? mixed : Way::CardIfOpaque;
 }
 
 void D3D11SubTarget::BeginOnCard(D3D11Context& context, const IntRect& box) {
