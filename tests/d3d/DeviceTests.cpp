@@ -7,6 +7,7 @@
 
 #include <psapi.h>
 
+#include "../windows/ProcessHandles.h"
 #include "Direct3D11/D3D11RenderTargetFactory.h"
 #include "Direct3D11/D3D11WindowSurface.h"
 #include "Direct3D11/D3D11WindowTarget.h"
@@ -387,17 +388,13 @@ TEST_F(HardwareTest, ThreadsWithADeviceEachShareBitmaps) {
 TEST_F(HardwareTest, PaintsSizesAndWindowsAreFlat) {
     const bool full = GetEnvironmentVariableA("GX_ENDURANCE", nullptr, 0) != 0;
     const int paints = full ? 10000 : 60, sizes = full ? 200 : 12, windows = full ? 100 : 6;
-    const auto handles = [] {
-        DWORD count = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &count);
-        return static_cast<int64_t>(count);
-    };
     const auto tell = [&](const char* what) {
         PROCESS_MEMORY_COUNTERS memory{};
         K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
         if (full) {
             std::printf("%-24s textures %lld handles %lld pages %.1f MB\n", what,
-                        static_cast<long long>(D3D11LiveCount<D3D11Texture>::Now()), static_cast<long long>(handles()),
+                        static_cast<long long>(D3D11LiveCount<D3D11Texture>::Now()),
+                        static_cast<long long>(WindowsSupport::ProcessHandles()),
                         static_cast<double>(memory.PagefileUsage) / 1048576.0);
         }
     };
@@ -422,14 +419,14 @@ TEST_F(HardwareTest, PaintsSizesAndWindowsAreFlat) {
             work(i);
         }
         const int64_t textures = D3D11LiveCount<D3D11Texture>::Now();
-        const int64_t before = handles();
+        const int64_t before = WindowsSupport::ProcessHandles();
         tell(what);
         for (int i = count / 4; i < count; ++i) {
             work(i);
         }
         tell(what);
         EXPECT_EQ(D3D11LiveCount<D3D11Texture>::Now(), textures) << what;
-        EXPECT_LE(handles(), before + 4) << what; // threads of the system come and go
+        EXPECT_LE(WindowsSupport::ProcessHandles(), before + 4) << what; // threads of the system come and go
     };
     TestWindow window(100, 80);
     const auto target = factory.CreateWindowTarget(window.Get());

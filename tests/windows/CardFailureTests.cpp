@@ -2,6 +2,7 @@
 // Windows on a graphics card that fails: every call in turn, devices that are lost and do not come back, targets that
 // are released too early. The card is the tests' own (FakeDirect3D.h); tests/d3d has the real one.
 #include "FakeDirect3D.h"
+#include "ProcessHandles.h"
 #include "Target/Windows/ThreadHardware.h"
 #include "WindowsSupport.h"
 
@@ -374,18 +375,20 @@ TEST_F(CardFailure, WithoutANewDeviceTheSoftwareDrawsUntilThereIsOne) {
 /// Frames, sizes and windows leave nothing behind: objects of Direct3D and GDI and handles of the process are counted.
 TEST_F(CardFailure, PaintsResizesAndWindowsAreFlat) {
     const auto counts = [] {
-        DWORD handles = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &handles);
-        return std::vector<int64_t>{FakeDirect3D::Objects(), static_cast<int64_t>(GdiObjects()), handles};
+        return std::vector<int64_t>{FakeDirect3D::Objects(), static_cast<int64_t>(GdiObjects()), ProcessHandles()};
     };
+    const std::vector<int64_t> few = counts();
+    const HANDLE extra = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    EXPECT_EQ(counts()[2], few[2] + 1) << "the count itself is worth something";
+    CloseHandle(extra);
     TestWindow window(kWidth, kHeight);
     const Owned<GXRenderTarget> target = Target(window);
     const auto oneOfAll = [&](int i) {
         window.Resize(kWidth + i % 4 * 40, kHeight + i % 3 * 30);
         Paint(target);
-        const TestWindow extra(kWidth, kHeight);
-        const Owned<GXRenderTarget> onExtra = Target(extra);
-        Paint(onExtra);
+        const TestWindow other(kWidth, kHeight);
+        const Owned<GXRenderTarget> onOther = Target(other);
+        Paint(onOther);
         window.Resize(kWidth, kHeight);
         Paint(target);
     };
