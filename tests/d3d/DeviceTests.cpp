@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: MIT
 // What surrounds drawing: batches, caches, loss of the device, windows, threads, and everything given back.
+#include <cstdio>
 #include <thread>
 
+#include <windows.h>
+
+#include <psapi.h>
+
+#include "../windows/ProcessHandles.h"
 #include "Direct3D11/D3D11RenderTargetFactory.h"
 #include "Direct3D11/D3D11WindowSurface.h"
+#include "Direct3D11/D3D11WindowTarget.h"
 #include "Exception.h"
 #include "HardwareTest.h"
 
@@ -310,7 +317,7 @@ TEST_F(HardwareTest, WindowsAreDrawnResizedAndMinimised) {
     TestWindow window(100, 80);
     ASSERT_NE(window.Get(), nullptr);
     const auto target = factory.CreateWindowTarget(window.Get());
-    ASSERT_NE(dynamic_cast<D3D11RenderTarget*>(target.get()), nullptr);
+    ASSERT_NE(dynamic_cast<D3D11WindowTarget*>(target.get()), nullptr);
     const auto paint = [&] {
         target->BeginPaint();
         target->Clear(0xFF00FF00U);
@@ -340,7 +347,8 @@ TEST_F(HardwareTest, WindowsAreDrawnResizedAndMinimised) {
 TEST_F(HardwareTest, PixelsOfAPaintSurviveResizing) {
     D3D11Context context;
     TestWindow window(40, 40);
-    D3D11WindowSurface surface(context, window.Get());
+    D3D11WindowSurface surface(window.Get());
+    surface.Make(context);
     auto pixels = surface.BeginPaint(context);
     context.Device().ColorFill(*pixels, {1, 0, 0, 1});
     surface.EndPaint(context);
@@ -373,6 +381,67 @@ TEST_F(HardwareTest, ThreadsWithADeviceEachShareBitmaps) {
     std::thread other(work);
     work();
     other.join();
+}
+
+/// Textures and the process's handles after many paints, sizes and windows are what they were after a few. With
+/// GX_ENDURANCE in the environment there are 10,000, 200 and 100 of them, and the process's memory is printed.
+TEST_F(HardwareTest, PaintsSizesAndWindowsAreFlat) {
+    const bool full = GetEnvironmentVariableA("GX_ENDURANCE", nullptr, 0) != 0;
+    const int paints = full ? 10000 : 60, sizes = full ? 200 : 12, windows = full ? 100 : 6;
+    const auto tell = [&](const char* what) {
+        PROCESS_MEMORY_COUNTERS memory{};
+        K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+        if (full) {
+            std::printf("%-24s textures %lld handles %lld pages %.1f MB\n", what,
+                        static_cast<long long>(D3D11LiveCount<D3D11Texture>::Now()),
+                        static_cast<long long>(WindowsSupport::ProcessHandles()),
+                        static_cast<double>(memory.PagefileUsage) / 1048576.0);
+        }
+    };
+    D3D11RenderTargetFactory factory;
+    const auto bitmap = Blank(16, 16, 99);
+    const auto paint = [&](RenderTargetBase& t, int i) {
+        t.BeginPaint();
+        t.Clear(0xFFFFFFFFU);
+        FillRect(t, {0, 0, 30, 30}, {static_cast<float>(i % 100) / 100.0F, 0.5F, 0, 0.5F});
+        t.DrawBitmap(*bitmap, {0, 0, 16, 16}, {5, 5, 40, 40}, 0.5F, GXInterpolationLinear);
+        GXLayerDesc layer{};
+        layer.opacity = 0.7F;
+        layer.knockout = static_cast<uint8_t>(i % 2);
+        t.BeginLayer(layer);
+        t.SetBlendMode(i % 3 == 0 ? GXBlendModeMultiply : GXBlendModeNormal);
+        FillRect(t, {10, 10, 50, 50}, {0, 0.5F, 1, 0.5F});
+        t.EndLayer();
+        t.EndPaint();
+    };
+    const auto flat = [&](const char* what, int count, auto&& work) {
+        for (int i = 0; i < count / 4; ++i) {
+            work(i);
+        }
+        const int64_t textures = D3D11LiveCount<D3D11Texture>::Now();
+        const int64_t before = WindowsSupport::ProcessHandles();
+        tell(what);
+        for (int i = count / 4; i < count; ++i) {
+            work(i);
+        }
+        tell(what);
+        EXPECT_EQ(D3D11LiveCount<D3D11Texture>::Now(), textures) << what;
+        EXPECT_LE(WindowsSupport::ProcessHandles(), before + 4) << what; // threads of the system come and go
+    };
+    TestWindow window(100, 80);
+    const auto target = factory.CreateWindowTarget(window.Get());
+    flat("paints", paints, [&](int i) { paint(*target, i); });
+    flat("sizes", sizes, [&](int i) {
+        window.Resize(60 + i % 3 * 70, 50 + i % 3 * 40);
+        paint(*target, i);
+        window.Resize(100, 80);
+        paint(*target, i);
+    });
+    flat("windows", windows, [&](int i) {
+        const TestWindow other(90, 70);
+        const auto onOther = factory.CreateWindowTarget(other.Get());
+        paint(*onOther, i);
+    });
 }
 
 TEST_F(HardwareTest, NothingIsLeftBehind) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the software draws for the card: how often pixels have to be fetched for it, and that they are right afterwards.
+#include <cstring>
 #include <random>
 
 #include "HardwareTest.h"
@@ -136,6 +137,63 @@ TEST_F(FallbackTest, GroupsOfTheSoftwareNeverMeetTheCard) {
         t.EndLayer();
     });
     EXPECT_EQ(opaque.fallbackDraws, 0U);
+}
+
+/// What has less alpha than a level is nothing in bytes, and knocks nothing out.
+TEST_F(FallbackTest, WhatIsLessThanALevelKnocksNothingOut) {
+    auto image = std::make_shared<SysMemBitmap>(4, 4, GXPixelFormatPBGRA32);
+    for (size_t y = 0; y < 4; ++y) {
+        for (size_t x = 0; x < 4; ++x) { // alphas from 0 to 3
+            const auto alpha = static_cast<uint32_t>(x);
+            const uint32_t word = alpha << 24;
+            std::memcpy(image->Data() + y * image->StrideBytes() + x * 4, &word, 4);
+        }
+    }
+    const auto faint = std::make_shared<Bitmap>(image);
+    for (uint32_t kind = 0; kind < 8; ++kind) {
+        const auto scene = [&](RenderTargetBase& t) {
+            GXLayerDesc group{};
+            group.opacity = 1.0F;
+            group.isolated = kind & 1U;
+            group.knockout = 1;
+            t.BeginLayer(group);
+            Fill(t, kRectangle, {20, 20, 190, 190}, {0.9F, 0.2F, 0.1F, 1.0F}, GXBlendModeNormal);
+            switch (kind >> 1U) {
+            case 0: // by the brush's opacity
+                t.DrawBitmap(*faint, {0, 0, 4, 4}, {30, 30, 170, 170}, 0.3F, GXInterpolationNearest);
+                break;
+            case 1: // by interpolation between nothing and next to nothing
+                t.DrawBitmap(*faint, {0, 0, 4, 4}, {30, 30, 170, 170}, 1.0F, GXInterpolationLinear);
+                break;
+            case 2: // by a mask
+                t.SetOpacityMask(GXMaskTypeAlpha, std::make_shared<SolidBrush>(Color{1, 1, 1, 0.1F}));
+                Fill(t, kEllipse, {40, 40, 160, 160}, {0.1F, 0.6F, 0.5F, 0.02F}, GXBlendModeNormal);
+                break;
+            default: { // by a group in the group
+                GXLayerDesc inner{};
+                inner.opacity = 0.1F;
+                t.BeginLayer(inner);
+                Fill(t, kEllipse, {40, 40, 160, 160}, {0.1F, 0.6F, 0.5F, 0.02F}, GXBlendModeNormal);
+                t.EndLayer();
+            }
+            }
+            t.EndLayer();
+        };
+        SCOPED_TRACE(kind);
+        static_cast<void>(Cost(scene));
+    }
+    // Colours alone are the same for both, and stay on the card.
+    const D3D11Counters solid = Cost([](RenderTargetBase& t) {
+        GXLayerDesc group{};
+        group.opacity = 1.0F;
+        group.knockout = 1;
+        group.isolated = 1;
+        t.BeginLayer(group);
+        Fill(t, kRectangle, {20, 20, 190, 190}, {0.9F, 0.2F, 0.1F, 1.0F}, GXBlendModeNormal);
+        Fill(t, kEllipse, {40, 40, 160, 160}, kTeal, GXBlendModeNormal);
+        t.EndLayer();
+    });
+    EXPECT_EQ(solid.fallbackDraws, 0U);
 }
 
 /// Everything at once, in any order, with clears and inversions between.

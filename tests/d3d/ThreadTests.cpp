@@ -2,6 +2,7 @@
 // Which windows are drawn by the graphics card: those of threads that asked for it, unless the host wants software.
 #include <thread>
 
+#include "Direct3D11/D3D11WindowTarget.h"
 #include "HardwareTest.h"
 #include "Software/SwRenderTarget.h"
 #include "Target/PlatformTargets.h"
@@ -17,9 +18,9 @@ TEST_F(HardwareTest, ThreadsThatAskDrawTheirWindowsOnTheCard) {
         target->BeginPaint();
         target->Clear(0xFF00FF00U);
         target->EndPaint();
-        EXPECT_NE(dynamic_cast<D3D11RenderTarget*>(target.get()) == nullptr,
-                  dynamic_cast<SwRenderTarget*>(target.get()) == nullptr);
-        return dynamic_cast<D3D11RenderTarget*>(target.get()) != nullptr;
+        const auto* onWindow = dynamic_cast<D3D11WindowTarget*>(target.get());
+        EXPECT_NE(onWindow == nullptr, dynamic_cast<SwRenderTarget*>(target.get()) == nullptr);
+        return onWindow != nullptr && onWindow->IsOnCard();
     };
     EXPECT_FALSE(onCard(false)) << "this thread has not asked yet";
     EnableHardwareForThread();

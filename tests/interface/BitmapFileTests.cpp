@@ -95,19 +95,30 @@ std::vector<char> BytesOf(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// GDI+ does not read the alpha of Windows bitmaps; the portable codec does.
+#ifdef _WIN32
+constexpr bool kBmpHasAlpha = false;
+#else
+constexpr bool kBmpHasAlpha = true;
+#endif
+
 TEST(BitmapFiles, LosslessFilesGiveBackColorsAndResolutionOnEveryPlatform) {
     const std::filesystem::path& folder = ScratchFolder();
-    for (const char* ending : {"png", "TIF", "tiff", "bmp"}) {
+    for (const std::string ending : {"png", "TIF", "tiff", "bmp"}) {
         for (GXPixelFormat format = GXPixelFormatBGR24; format <= GXPixelFormatIndexed1; ++format) {
             const Owned<GXBitmap> bitmap = RandomBitmap(13, 7, format, format);
-            const std::filesystem::path path = folder / (std::string("gx_lossless.") + ending);
+            const std::filesystem::path path = folder / ("gx_lossless." + ending);
+            std::vector<uint32_t> expected = Colors(bitmap);
+            for (uint32_t& c : expected) {
+                c |= ending == "bmp" && !kBmpHasAlpha ? 0xFF000000U : 0U;
+            }
             ASSERT_EQ(GXBitmapSaveToFile(bitmap, path.wstring().c_str()), GXResultSuccess) << ending << " " << format;
             Owned<GXBitmap> loaded, fromMemory;
             ASSERT_EQ(GXCreateBitmapFromFile(path.wstring().c_str(), loaded.Out()), GXResultSuccess);
             const std::vector<char> bytes = BytesOf(path);
             ASSERT_EQ(GXCreateBitmapFromMemory(bytes.data(), bytes.size(), fromMemory.Out()), GXResultSuccess);
-            EXPECT_EQ(Colors(loaded), Colors(bitmap)) << ending << " " << format;
-            EXPECT_EQ(Colors(fromMemory), Colors(bitmap)) << ending << " " << format;
+            EXPECT_EQ(Colors(loaded), expected) << ending << " " << format;
+            EXPECT_EQ(Colors(fromMemory), expected) << ending << " " << format;
             float dpi[2] = {};
             EXPECT_EQ(GXBitmapGetDpiX(loaded, &dpi[0]), GXResultSuccess);
             EXPECT_EQ(GXBitmapGetDpiY(loaded, &dpi[1]), GXResultSuccess);

@@ -149,7 +149,7 @@ struct PSOutput {
 )" + std::string(D3D11HelperFunctions()) +
                                                              R"(
 float3 Blend(float3 cb, float3 cs) {
-  return cs;
+  return cb * cs;
 }
 
 struct SC_PSConstData {
@@ -177,6 +177,149 @@ PSOutput PS(float4 position : SV_POSITION, float4 diffuse : COLOR0) {
   return output;
 }
 )");
+}
+
+/// Modes that the software draws on the card's behalf, and one that does not exist.
+TEST(ShaderText, ModesThatNoDrawSendsAreWholeTextsToo) {
+    const struct {
+        uint32_t mode;
+        const char* body;
+    } bodies[] = {
+        {GXBlendModeColorBurn, R"(
+  float3 k = step(float3(1, 1, 1), cb);
+  float3 t = step(cs, 0);
+  return k + (1 - k) * ((1 - t) * (1 - min(1, (1 - cb) / cs)));)"},
+        {GXBlendModeColorDodge, R"(
+  float3 k = step(cb, 0);
+  float3 t = step(float3(1, 1, 1), cs);
+  return (1 - k) * (t + (1 - t) * min(1, cb / (1 - cs)));)"},
+        {GXBlendModeHardLight, R"(
+  float3 t = step(cs, 0.5);
+  return t * (2 * cb * cs) + (1 - t) * (2 * cs + 2 * cb - 2 * cb * cs - 1);)"},
+        {GXBlendModeHue, R"(
+  return SetLum(SetSat(cs, Saturation(cb)), Luminosity(cb));)"},
+        {GXBlendModeSaturation, R"(
+  return SetLum(SetSat(cb, Saturation(cs)), Luminosity(cb));)"},
+        {GXBlendModeLuminosity, R"(
+  return SetLum(cb, Luminosity(cs));)"},
+        {16, R"(
+  return cs;)"},
+    };
+    for (const auto& b : bodies) {
+        const D3D11ShaderKey key = Key({D3D11Fragment::T2D}, D3D11Fragment::BasicComposition, b.mode);
+        EXPECT_EQ(D3D11DynamicShaderFactory::PixelText(key), R"(
+struct PSOutput {
+  float4 color : SV_TARGET0;
+};
+)" + std::string(D3D11HelperFunctions()) + R"(
+float3 Blend(float3 cb, float3 cs) {)" + b.body + R"(
+}
+
+Texture2D texture_0: register(t0);
+SamplerState sampler_0: register(s0);
+struct PSConstData {
+};
+
+PSConstData psData;
+
+void PS_BasicComposition(float4 Cs, float fs, float2 Cb_texcoord, Texture2D Cb_texture, sampler Cb_sampler, inout PSOutput output) {
+  float4 Cb = Cb_texture.Sample(Cb_sampler, Cb_texcoord);
+  Cs *= fs;
+  if (Cs.a == 0) {
+    output.color = Cb;
+  } else {
+    float3 Cblend = Blend(Cb.rgb / Cb.a, Cs.rgb / Cs.a);
+    output.color.rgb = (1 - Cs.a) * Cb.rgb + (1 - Cb.a) * Cs.rgb + Cs.a * Cb.a * Cblend;
+    output.color.a = Cb.a + Cs.a - Cb.a * Cs.a;
+  }
+}
+PSOutput PS(float4 position : SV_POSITION, float4 diffuse : COLOR0, float2 texcoord0 : TEXCOORD0) {
+  PSOutput output;
+  float4 color = diffuse;
+  float shape = 1;
+  PS_BasicComposition(color, shape, texcoord0, texture_0, sampler_0, output);
+  return output;
+}
+)") << b.mode;
+    }
+}
+
+/// Straight bitmaps, colours as constants, and masks by luminosity over alpha.
+TEST(ShaderText, FragmentsThatNoDrawSendsAreWholeTextsToo) {
+    const std::string head = R"(
+struct PSOutput {
+  float4 color : SV_TARGET0;
+};
+)" + std::string(D3D11HelperFunctions()) +
+                             R"(
+float3 Blend(float3 cb, float3 cs) {
+  return cs;
+}
+)";
+    const struct {
+        D3D11Fragment fragment;
+        const char* name;
+        const char* result; ///< "float4": the colour; "float": the shape
+        const char* lines;
+    } sampled[] = {
+        {D3D11Fragment::BC, "BC", "float4", "  sample.rgb *= sample.a;\n  result *= sample;"},
+        {D3D11Fragment::BOLumP, "BOLumP", "float4", "  result *= Luminosity(sample.rgb) / sample.a;"},
+        {D3D11Fragment::BOILumP, "BOILumP", "float4", "  result *= 1 - Luminosity(sample.rgb) / sample.a;"},
+        {D3D11Fragment::BSLumP, "BSLumP", "float", "  result *= Luminosity(sample.rgb) / sample.a;"},
+        {D3D11Fragment::BSILumP, "BSILumP", "float", "  result *= 1 - Luminosity(sample.rgb) / sample.a;"},
+    };
+    for (const auto& f : sampled) {
+        const D3D11ShaderKey key = Key({D3D11Fragment::T2D, f.fragment}, D3D11Fragment::BasicFastComposition);
+        const std::string name = f.name;
+        EXPECT_EQ(D3D11DynamicShaderFactory::PixelText(key), head + R"(
+Texture2D texture_0: register(t0);
+SamplerState sampler_0: register(s0);
+struct PSConstData {
+};
+
+PSConstData psData;
+
+void PS_BasicFastComposition(float4 Cs, float fs, inout PSOutput output) {
+  output.color = Cs * fs;
+}
+void PS_)" + name + "(float2 texcoord, Texture2D bitmapTexture, sampler bitmapSampler, inout " +
+                                                                 f.result + R"( result) {
+  float4 sample = bitmapTexture.Sample(bitmapSampler, texcoord);
+)" + f.lines + R"(
+}
+PSOutput PS(float4 position : SV_POSITION, float4 diffuse : COLOR0, float2 texcoord0 : TEXCOORD0) {
+  PSOutput output;
+  float4 color = diffuse;
+  float shape = 1;
+  PS_)" + name + "(texcoord0, texture_0, sampler_0, " + (f.result[5] == '4' ? "color" : "shape") +
+                                                                 R"();
+  PS_BasicFastComposition(color, shape, output);
+  return output;
+}
+)");
+        const std::string vertex = D3D11DynamicShaderFactory::VertexText(key);
+        EXPECT_NE(vertex.find("\nvoid VS_" + name + "(float2 position, " + name +
+                              R"(_VSConstData data, inout float2 texcoord) {
+  texcoord.x = position.x * data.transform._m00 + position.y * data.transform._m10 + data.transform._m20;
+  texcoord.y = position.x * data.transform._m01 + position.y * data.transform._m11 + data.transform._m21;
+})"),
+                  std::string::npos)
+            << vertex;
+    }
+}
+
+/// The blend function has the body of the draw's mode whether or not the composition calls it.
+TEST(ShaderText, EveryCompositionCarriesItsDrawsBlendBody) {
+    for (size_t c = 18; c < kD3D11FragmentCount; ++c) {
+        for (uint32_t mode = 0; mode < 18; ++mode) {
+            const D3D11ShaderKey key = Key({D3D11Fragment::T2D}, static_cast<D3D11Fragment>(c), mode);
+            const std::string text = D3D11DynamicShaderFactory::PixelText(key);
+            const std::string function =
+                "\nfloat3 Blend(float3 cb, float3 cs) {" + std::string(D3D11BlendBody(mode < 16 ? mode : 0)) + "\n}\n";
+            EXPECT_EQ(Count(text, function), 1U) << c << " " << mode;
+            EXPECT_EQ(key.BlendMode(), mode < 16 ? mode : 0U);
+        }
+    }
 }
 
 TEST(ShaderText, CallsOfAGroupTakeTheirPlacesInOrder) {

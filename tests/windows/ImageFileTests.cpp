@@ -52,6 +52,32 @@ Bytes Tiff(const std::vector<uint8_t>& greys) {
     return out;
 }
 
+/// A Windows bitmap of two pixels a row and two rows, bottom row first; `masks`: red, green, blue, alpha.
+Bytes Bmp(uint32_t bits, const std::vector<uint32_t>& masks, const std::vector<uint32_t>& palette,
+          const Bytes& pixels) {
+    const uint32_t header = masks.size() == 4 ? 108 : 40;
+    const auto at = static_cast<uint32_t>(14 + header + palette.size() * 4);
+    Bytes out = {'B', 'M'};
+    Put(out, at + static_cast<uint32_t>(pixels.size()), 4);
+    Put(out, 0, 4);
+    Put(out, at, 4);
+    const uint32_t fields[] = {header, 2, 2, 1 | bits << 16, masks.empty() ? 0U : 3U, 0, 11811, 5906};
+    for (const uint32_t field : fields) {
+        Put(out, field, 4);
+    }
+    Put(out, static_cast<uint32_t>(palette.size()), 4);
+    Put(out, 0, 4);
+    for (const uint32_t mask : masks) {
+        Put(out, mask, 4);
+    }
+    out.resize(14 + header);
+    for (const uint32_t color : palette) {
+        Put(out, color, 4);
+    }
+    out.insert(out.end(), pixels.begin(), pixels.end());
+    return out;
+}
+
 /// Streams and blocks that are alive, and GDI+ sessions and images.
 std::map<std::string, int> g_alive;
 
@@ -133,6 +159,7 @@ public:
     const Bytes pages = Tiff({10, 20, 30});
     const std::filesystem::path tiff = ScratchFolder() / "pages.tif";
     const std::filesystem::path png = ScratchFolder() / "saved.png";
+    const std::filesystem::path bmp = ScratchFolder() / "picture.bmp";
     const Owned<GXBitmap> small = MakeBitmap(3, 2, GXPixelFormatBGR24);
     const LastMessage message;
     static inline HGLOBAL g_block = nullptr;
@@ -156,6 +183,70 @@ TEST_F(GdipFiles, FramesAreThePagesOfAFile) {
     EXPECT_EQ(GXCreateBitmapFromFileFrame(tiff.c_str(), 3, &count, &none), GXResultEngineError);
     EXPECT_EQ(message.Text(), "Failed to load. Frame index is out of range.");
     EXPECT_EQ(count, 3U);
+}
+
+/// Windows bitmaps are files like all others; what GDI+ gives is the result.
+TEST_F(GdipFiles, WindowsBitmapsGoThroughGdiplus) {
+    const struct {
+        Bytes file;
+        GXPixelFormat format;
+        uint32_t colors[4]; ///< rows from the top
+    } cases[] = {
+        {Bmp(1, {}, {0x112233, 0xDDEEFF}, {0x40, 0, 0, 0, 0x80, 0, 0, 0}),
+         GXPixelFormatIndexed1,
+         {0xFFDDEEFF, 0xFF112233, 0xFF112233, 0xFFDDEEFF}},
+        {Bmp(4, {}, {0x112233, 0xDDEEFF, 0x445566}, {0x21, 0, 0, 0, 0x02, 0, 0, 0}),
+         GXPixelFormatBGRX32,
+         {0xFF112233, 0xFF445566, 0xFF445566, 0xFFDDEEFF}},
+        {Bmp(8, {}, {0x112233, 0xDDEEFF, 0x445566}, {2, 1, 0, 0, 0, 2, 0, 0}),
+         GXPixelFormatIndexed8,
+         {0xFF112233, 0xFF445566, 0xFF445566, 0xFFDDEEFF}},
+        {Bmp(24, {}, {}, {1, 2, 3, 4, 5, 6, 0, 0, 7, 8, 9, 10, 11, 12, 0, 0}),
+         GXPixelFormatBGR24,
+         {0xFF090807, 0xFF0C0B0A, 0xFF030201, 0xFF060504}},
+        {Bmp(32, {}, {}, {1, 2, 3, 40, 4, 5, 6, 50, 7, 8, 9, 60, 10, 11, 12, 70}),
+         GXPixelFormatBGRX32,
+         {0xFF090807, 0xFF0C0B0A, 0xFF030201, 0xFF060504}},
+        // A mask of alpha does not make the file one with alpha.
+        {Bmp(32, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, {}, {1, 2, 3, 40, 4, 5, 6, 50, 7, 8, 9, 60, 10, 11, 12, 70}),
+         GXPixelFormatBGRX32,
+         {0xFF090807, 0xFF0C0B0A, 0xFF030201, 0xFF060504}},
+    };
+    for (const auto& c : cases) {
+        const size_t index = static_cast<size_t>(&c - cases);
+        std::ofstream(bmp, std::ios::binary)
+            .write(reinterpret_cast<const char*>(c.file.data()), static_cast<std::streamsize>(c.file.size()));
+        for (const bool fromFile : {true, false}) {
+            Owned<GXBitmap> loaded;
+            ASSERT_EQ(fromFile ? GXCreateBitmapFromFile(bmp.c_str(), loaded.Out())
+                               : GXCreateBitmapFromMemory(c.file.data(), c.file.size(), loaded.Out()),
+                      GXResultSuccess)
+                << index;
+            GXPixelFormat format = 0;
+            float dpi = 0.0F;
+            ASSERT_EQ(GXBitmapGetPixelFormat(loaded, &format), GXResultSuccess);
+            ASSERT_EQ(GXBitmapGetDpiX(loaded, &dpi), GXResultSuccess);
+            EXPECT_EQ(format, c.format) << index;
+            EXPECT_NEAR(dpi, 300.0F, 0.1F) << index;
+            const Owned<GXBitmap> straight = MakeBitmap(2, 2, GXPixelFormatBGRA32);
+            ASSERT_EQ(GXBitmapCopyFromBitmap(straight, nullptr, loaded, nullptr), GXResultSuccess);
+            uint32_t colors[4] = {};
+            const GXBitmapData data{colors, 8, 8};
+            ASSERT_EQ(GXBitmapCopyToMemory(straight, nullptr, &data), GXResultSuccess);
+            for (size_t i = 0; i < 4; ++i) {
+                EXPECT_EQ(colors[i], c.colors[i]) << index << " " << i;
+            }
+        }
+    }
+    GXBitmap none = nullptr;
+    g_gdip.startup = [](ULONG_PTR*, const Gdiplus::GdiplusStartupInput*, Gdiplus::GdiplusStartupOutput*) {
+        return Gdiplus::GenericError;
+    };
+    EXPECT_EQ(GXCreateBitmapFromFile(bmp.c_str(), &none), GXResultEngineError);
+    EXPECT_EQ(message.Text(), kStart);
+    EXPECT_EQ(GXBitmapSaveToFile(small, bmp.c_str()), GXResultEngineError);
+    EXPECT_EQ(message.Text(), kStart);
+    std::filesystem::remove(bmp);
 }
 
 TEST_F(GdipFiles, EveryRefusalHasItsMessageAndLosesNothing) {

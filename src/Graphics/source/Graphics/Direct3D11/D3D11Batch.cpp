@@ -114,16 +114,21 @@ void D3D11Batch::DrawRefused() {
 
 /// The buffers and the state that all draws share.
 void D3D11Batch::Prepare() {
-    if (!m_indices) {
-        m_indices = m_device.CreateIndexBuffer(kIndexedQuads);
-        m_vertexConstants = m_device.CreateConstantBuffer(D3D11VertexShaderConstantTable::kMaxBytes);
-        m_pixelConstants = m_device.CreateConstantBuffer(D3D11PixelShaderConstantTable::kMaxBytes);
-        m_device.SetDefaultDeviceState(m_shaders.Layout(), m_indices.get());
-        ID3D11Buffer* vertex = m_vertexConstants.get();
-        ID3D11Buffer* pixel = m_pixelConstants.get();
-        m_device.Context().VSSetConstantBuffers(0, 1, &vertex);
-        m_device.Context().PSSetConstantBuffers(0, 1, &pixel);
+    if (m_indices) {
+        return;
     }
+    // All of them or none: what is there says that the rest is there.
+    D3D11Ref<ID3D11Buffer> indices = m_device.CreateIndexBuffer(kIndexedQuads);
+    D3D11Ref<ID3D11Buffer> vertexConstants = m_device.CreateConstantBuffer(D3D11VertexShaderConstantTable::kMaxBytes);
+    D3D11Ref<ID3D11Buffer> pixelConstants = m_device.CreateConstantBuffer(D3D11PixelShaderConstantTable::kMaxBytes);
+    m_device.SetDefaultDeviceState(m_shaders.Layout(), indices.get());
+    ID3D11Buffer* vertex = vertexConstants.get();
+    ID3D11Buffer* pixel = pixelConstants.get();
+    m_device.Context().VSSetConstantBuffers(0, 1, &vertex);
+    m_device.Context().PSSetConstantBuffers(0, 1, &pixel);
+    m_vertexConstants = std::move(vertexConstants);
+    m_pixelConstants = std::move(pixelConstants);
+    m_indices = std::move(indices);
 }
 
 void D3D11Batch::CopyTouched() {
@@ -151,23 +156,22 @@ void D3D11Batch::SetConstants() {
 /// Copies the mesh behind what the card may still be reading; returns where it lies.
 uint32_t D3D11Batch::FillVertexBuffer() {
     const size_t bytes = m_mesh.ByteSize();
-    D3D11_MAP how = D3D11_MAP_WRITE_NO_OVERWRITE;
-    if (bytes > m_capacity) {
-        m_capacity = std::max({kFirstCapacity, m_capacity * 2, bytes});
-        m_vertices = m_device.CreateVertexBuffer(static_cast<uint32_t>(m_capacity));
-        m_used = 0;
-        how = D3D11_MAP_WRITE_DISCARD;
-    } else if (m_used + bytes > m_capacity) {
-        m_used = 0;
-        how = D3D11_MAP_WRITE_DISCARD;
-    }
-    const auto offset = static_cast<uint32_t>(m_used);
-    const D3D11_MAPPED_SUBRESOURCE mapped = m_device.MapResource(*m_vertices.get(), how);
+    const bool fits = bytes <= m_capacity;
+    const size_t capacity = fits ? m_capacity : std::max({kFirstCapacity, m_capacity * 2, bytes});
+    const size_t offset = fits && m_used + bytes <= m_capacity ? m_used : 0;
+    // Bytes that the card may still be reading are let go by discarding the buffer, never written over: until the map
+    // has succeeded, the bytes in use are those of the last one.
+    const D3D11Ref<ID3D11Buffer> buffer =
+        fits ? m_vertices : m_device.CreateVertexBuffer(static_cast<uint32_t>(capacity));
+    const D3D11_MAPPED_SUBRESOURCE mapped =
+        m_device.MapResource(*buffer.get(), offset == 0 ? D3D11_MAP_WRITE_DISCARD : D3D11_MAP_WRITE_NO_OVERWRITE);
     std::memcpy(static_cast<uint8_t*>(mapped.pData) + offset, m_mesh.Data(), bytes);
-    m_device.Unmap(*m_vertices.get());
+    m_device.Unmap(*buffer.get());
     ++m_device.Counters().vertexMaps;
-    m_used += bytes;
-    return offset;
+    m_vertices = buffer;
+    m_capacity = capacity;
+    m_used = offset + bytes;
+    return static_cast<uint32_t>(offset);
 }
 
 } // namespace Graphics

@@ -2,8 +2,20 @@
 #include "D3D11Context.h"
 
 #include "../Exception.h"
+#include "D3D11Calls.h"
 
 namespace Graphics {
+namespace {
+
+[[nodiscard]] D3D11Ref<IDXGIFactory1> MakeFactory() {
+    D3D11Ref<IDXGIFactory1> factory;
+    if (FAILED(g_d3d11.createFactory(IID_IDXGIFactory1, factory.OutVoid()))) {
+        GX_RAISE("Graphics::D3D11Context::D3D11Context", "D3D11 error");
+    }
+    return factory;
+}
+
+} // namespace
 
 D3D11Context::Resources::Resources(const D3D11ShaderCompiler& compiler)
     : samplers(device), shaders(device, compiler), bitmaps(device), gradients(device), pool(device), readback(device),
@@ -15,31 +27,45 @@ D3D11Context::Resources::Resources(const D3D11ShaderCompiler& compiler)
     static_cast<void>(shaders.Get(key));
 }
 
-D3D11Context::D3D11Context() {
-    MakeFactory();
-    m_resources = std::make_unique<Resources>(m_compiler);
-}
+D3D11Context::D3D11Context() { Make(); }
 
 D3D11Context::~D3D11Context() = default;
 
-void D3D11Context::MakeFactory() {
-    if (FAILED(CreateDXGIFactory1(IID_IDXGIFactory1, m_factory.OutVoid()))) {
+void D3D11Context::Make() {
+    try {
+        // A factory does not see adapters that came after it.
+        D3D11Ref<IDXGIFactory1> factory = MakeFactory();
+        m_resources = std::make_unique<Resources>(m_compiler);
+        m_factory = std::move(factory);
+    } catch (const D3D11DeviceLost&) {
         GX_RAISE("Graphics::D3D11Context::D3D11Context", "D3D11 error");
     }
+    ++m_generation;
 }
 
 void D3D11Context::Recover() {
-    if (m_resources != nullptr && !m_resources->device.IsLost()) {
+    if (HasDevice()) {
         return;
     }
-    const D3D11Counters counters = m_resources != nullptr ? m_resources->device.Counters() : D3D11Counters();
-    m_resources.reset();
-    // A factory does not see adapters that came after it.
-    MakeFactory();
-    m_resources = std::make_unique<Resources>(m_compiler);
-    m_resources->device.Counters() = counters;
+    if (m_resources != nullptr) {
+        m_kept = m_resources->device.Counters();
+        m_resources.reset(); // its memory, before the next one takes as much
+    }
+    Make();
+    m_resources->device.Counters() = m_kept;
     ++m_resources->device.Counters().recoveries;
-    ++m_generation;
+}
+
+bool D3D11Context::TryRecover() {
+    if (m_resources != nullptr) {
+        m_resources->device.Probe();
+    }
+    try {
+        Recover();
+        return true;
+    } catch (const Exception&) {
+        return false;
+    }
 }
 
 } // namespace Graphics

@@ -21,6 +21,11 @@ public:
     D3D11Context& operator=(const D3D11Context&) = delete;
     ~D3D11Context();
 
+    /// False while the last device is lost and no other one could be made; nothing below may be asked for then.
+    [[nodiscard]] bool HasDevice() const noexcept { return m_resources != nullptr && !m_resources->device.IsLost(); }
+    /// The last attempt to make a device has failed.
+    [[nodiscard]] bool IsWithoutDevice() const noexcept { return m_resources == nullptr; }
+
     [[nodiscard]] IDXGIFactory1& Factory() const noexcept { return *m_factory.get(); }
     [[nodiscard]] D3D11Device& Device() noexcept { return m_resources->device; }
     [[nodiscard]] D3D11ShaderCache& Shaders() noexcept { return m_resources->shaders; }
@@ -38,8 +43,11 @@ public:
 
     /// Grows with every new device.
     [[nodiscard]] uint32_t Generation() const noexcept { return m_generation; }
-    /// A new device when the last one is lost or could not be made. Raises "D3D11 error" when there is none.
+    /// A new device when the last one is lost or could not be made. Raises what the constructor raises when there is
+    /// none.
     void Recover();
+    /// The same, also when the device was lost since it was last used, and without an error: false when there is none.
+    [[nodiscard]] bool TryRecover();
 
 private:
     struct Resources {
@@ -55,12 +63,14 @@ private:
         D3D11Batch batch;
     };
 
-    void MakeFactory();
+    /// All of a device or nothing.
+    void Make();
 
     D3D11ShaderCompiler m_compiler;
     D3D11Ref<IDXGIFactory1> m_factory;
     std::unique_ptr<Resources> m_resources;
-    uint32_t m_generation = 1;
+    D3D11Counters m_kept; // of devices that are gone
+    uint32_t m_generation = 0;
     bool m_drawsAll = false;
     D3D11LiveCount<D3D11Context> m_live;
 };

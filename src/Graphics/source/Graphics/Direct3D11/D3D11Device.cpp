@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "../Exception.h"
+#include "D3D11Calls.h"
 #include "Mesh/D3D11Mesh.h"
 
 namespace Graphics {
@@ -51,18 +52,22 @@ void D3D11Device::Check(HRESULT result, const char* function, const char* file, 
     } else if (result == DXGI_ERROR_DEVICE_REMOVED && m_device) {
         reason = m_device->GetDeviceRemovedReason();
     }
-    if (reason == DXGI_ERROR_DEVICE_HUNG || reason == DXGI_ERROR_DEVICE_RESET ||
-        reason == DXGI_ERROR_DRIVER_INTERNAL_ERROR) {
+    if (result == DXGI_ERROR_DEVICE_REMOVED) {
         m_loseNext = false;
         m_lost = true;
+    }
+    if (reason == DXGI_ERROR_DEVICE_HUNG || reason == DXGI_ERROR_DEVICE_RESET ||
+        reason == DXGI_ERROR_DRIVER_INTERNAL_ERROR) {
         throw D3D11DeviceLost();
     }
     Raise(function, file, line, "D3D11 error");
 }
 
-void D3D11Device::CheckRemoved() {
-    GX_D3D11_CHECK(*this, "D3D11Device::CheckRemoved",
-                   FAILED(m_device->GetDeviceRemovedReason()) ? DXGI_ERROR_DEVICE_REMOVED : S_OK);
+void D3D11Device::Probe() noexcept {
+    if (m_loseNext || FAILED(m_device->GetDeviceRemovedReason())) {
+        m_loseNext = false;
+        m_lost = true;
+    }
 }
 
 void D3D11Device::CreateDevice() {
@@ -71,9 +76,9 @@ void D3D11Device::CreateDevice() {
         D3D_FEATURE_LEVEL_9_3,  D3D_FEATURE_LEVEL_9_2,  D3D_FEATURE_LEVEL_9_1,
     };
     GX_D3D11_CHECK(*this, "D3D11Device::CreateDevice",
-                   D3D11CreateDevice(nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, kPreventAlteringLayers, kLevels,
-                                     static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION, m_device.Out(), &m_level,
-                                     m_context.Out()));
+                   g_d3d11.createDevice(nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, kPreventAlteringLayers, kLevels,
+                                        static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION, m_device.Out(),
+                                        &m_level, m_context.Out()));
     // Groups draw into two targets at once; what is below level 9.3 cannot.
     HRESULT able = m_level >= D3D_FEATURE_LEVEL_9_3 ? S_OK : E_NOTIMPL;
     const auto needs = [&](DXGI_FORMAT format, UINT uses) {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The device and its immediate context: every resource the back end needs and every piece of state it sets. A call that
-// fails raises "D3D11 error" under the name of its operation, unless the device turns out to be lost: then the device
-// is marked so, and D3D11DeviceLost tells the render target to start again with a new one.
+// fails raises "D3D11 error" under the name of its operation, unless the device hangs, was reset or its driver has a
+// fault: then D3D11DeviceLost tells the render target to start again with a new one. A device that was removed is
+// marked as lost either way, and the next paint makes another one.
 #pragma once
 
 #include <d3d11.h>
@@ -33,9 +34,10 @@ public:
     [[nodiscard]] int32_t MaxTextureSize() const noexcept;
     /// Repeated and mirrored textures of any size.
     [[nodiscard]] bool TilesAnySize() const noexcept { return m_level >= D3D_FEATURE_LEVEL_10_0; }
+    /// Nothing works on it any more.
     [[nodiscard]] bool IsLost() const noexcept { return m_lost; }
     /// Finds out about a loss before anything is drawn.
-    void CheckRemoved();
+    void Probe() noexcept;
     /// The next call that is checked finds the device removed, as after a fault of the driver.
     void LoseForTest() noexcept { m_loseNext = true; }
     [[nodiscard]] ID3D11Device* Get() const noexcept { return m_device.get(); }

@@ -35,12 +35,12 @@ std::shared_ptr<D3D11Texture> D3D11GradientCache::Row(const GradientBrush& brush
     source.Fill(0, kTexels, 0, colors);
 
     constexpr size_t kKept = 64;
-    if (m_known.size() >= kKept) {
-        m_known.erase(m_known.begin());
-    }
     ++m_device.Counters().uploads;
     m_known.push_back({brush.gradient, brush.opacity,
                        m_device.CreateVidMemTexture(kTexels, 1, DXGI_FORMAT_B8G8R8A8_UNORM, colors, sizeof(colors))});
+    if (m_known.size() > kKept) {
+        m_known.erase(m_known.begin());
+    }
     return m_known.back().row;
 }
 

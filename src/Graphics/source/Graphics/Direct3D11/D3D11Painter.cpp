@@ -92,10 +92,10 @@ void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
         std::rotate(found, found + 1, m_clipImages.end());
     } else {
         constexpr size_t kKept = 8;
-        if (m_clipImages.size() >= kKept) {
+        m_clipImages.push_back({clip, m_maker.Textures().Coverage(call.context, *clip.get())});
+        if (m_clipImages.size() > kKept) {
             m_clipImages.erase(m_clipImages.begin());
         }
-        m_clipImages.push_back({clip, m_maker.Textures().Coverage(call.context, *clip.get())});
     }
     AddCoverage(state, m_clipImages.back().image);
 }
@@ -188,11 +188,13 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
 bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source) {
     const SwState& state = call.target.State();
     const D3D11SubTarget::Way way = call.target.WayOf(call.context, state.blendMode, call.visible);
-    if (way != D3D11SubTarget::Way::CardIfOpaque || state.opacityMask.IsSet()) {
+    const bool depends = way == D3D11SubTarget::Way::CardIfOpaque || way == D3D11SubTarget::Way::CardIfKnown;
+    if (!depends || state.opacityMask.IsSet()) {
         return way != D3D11SubTarget::Way::Card;
     }
     source = &m_maker.Source(ink, call.visible);
-    return !IsOpaque(*source);
+    uint32_t word = 0;
+    return !IsOpaque(*source) && (way == D3D11SubTarget::Way::CardIfOpaque || !source->IsSolid(word));
 }
 
 void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask) {

@@ -17,16 +17,27 @@ namespace Graphics {
 D3D11RenderTarget::D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface)
     : m_context(std::move(context)), m_surface(std::move(surface)), m_painter(m_arena) {}
 
-D3D11RenderTarget::~D3D11RenderTarget() = default;
+D3D11RenderTarget::~D3D11RenderTarget() {
+    if (!IsPainting() || !m_context->HasDevice()) {
+        return;
+    }
+    // The batch is the thread's: draws of this target would go to the card with the next one's first paint. Those of
+    // other targets may be in it as well, so it is sent, not dropped.
+    try {
+        m_context->Batch().Flush();
+    } catch (...) {
+        // Nobody is left who could be told.
+    }
+}
 
 template <class Work> void D3D11RenderTarget::Run(bool again, Work&& work) {
     const ArenaScope scope(m_arena);
+    if (m_broken) {
+        GX_RAISE("Graphics::D3D11RenderTarget::Run", "D3D11 error");
+    }
     for (bool first = true;; first = false) {
         try {
-            m_context->Recover();
-            if (IsPainting() && m_generation != m_context->Generation()) {
-                FollowDevice();
-            }
+            FollowDevice();
             if (first || again) {
                 work();
             }
@@ -41,7 +52,17 @@ template <class Work> void D3D11RenderTarget::Run(bool again, Work&& work) {
 }
 
 void D3D11RenderTarget::FollowDevice() {
+    if (!IsPainting()) {
+        m_context->Recover();
+        return;
+    }
+    if (m_context->HasDevice() && m_generation == m_context->Generation()) {
+        return;
+    }
     m_painter.Forget();
+    m_incomplete = true;
+    m_broken = true; // until there is all that drawing needs
+    m_context->Recover();
     std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
     // A window that was resized meanwhile keeps this paint's size until the next one.
     if (color != nullptr) {
@@ -52,18 +73,21 @@ void D3D11RenderTarget::FollowDevice() {
         layer->Restore(nullptr);
     }
     m_generation = m_context->Generation();
-    m_incomplete = true;
+    m_broken = false;
 }
 
 void D3D11RenderTarget::BeginPaint() {
+    static_cast<void>(m_context->TryRecover()); // before anything of a lost device is used
     Run(true, [&] {
-        m_context->Device().CheckRemoved();
         std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
-        m_area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
-        m_basic.Open(std::move(color), m_area, Cached());
+        const IntRect area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
+        m_basic.Open(std::move(color), area, Cached());
+        m_area = area;
         m_context->Readback().StartPainting();
-        m_generation = m_context->Generation();
     });
+    // Pixels of earlier paints lived on the device that drew them.
+    m_incomplete = m_generation != 0 && m_generation != m_context->Generation();
+    m_generation = m_context->Generation();
     StartPainting();
 }
 
@@ -78,7 +102,7 @@ void D3D11RenderTarget::EndPaint() {
             target.m_basic.Close();
             target.m_clips.Pool().Trim();
             target.StopPainting();
-            target.m_incomplete = false;
+            target.m_broken = false;
         }
     } finally{*this};
     Run(false, [&] {
@@ -87,10 +111,6 @@ void D3D11RenderTarget::EndPaint() {
         m_basic.SendToCard(*m_context);
         m_surface->EndPaint(*m_context);
     });
-    if (m_incomplete && !m_asked) {
-        m_surface->AskForRepaint();
-    }
-    m_asked = m_incomplete;
 }
 
 IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The hardware back end: keeps state, clips and layers as the software one does, and turns every drawing call into
-// quadrilaterals of a batch. A device that is lost meanwhile is replaced; what had been drawn is gone, and drawing goes
-// on. The end of that paint asks the host for another one.
+// quadrilaterals of a batch. A device that is lost meanwhile is replaced; what had been drawn is gone, drawing goes on,
+// and the paint counts as incomplete. Where no other device can be made, the rest of the paint raises "D3D11 error".
 #pragma once
 
 #include "../Geometry/Pen.h"
@@ -16,7 +16,16 @@ namespace Graphics {
 class D3D11RenderTarget final : public SwStateTarget {
 public:
     D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface);
+    /// In the middle of a paint, too: what was collected goes with the target.
     ~D3D11RenderTarget() override;
+
+    /// Some pixels of the last paint, or of those before it, went with a lost device.
+    [[nodiscard]] bool IsIncomplete() const noexcept { return m_incomplete; }
+    /// Between paints: gives back everything of the device.
+    void Forget() noexcept { m_surface->Forget(); }
+    /// Between paints: what the next one begins with, and the end of it where another target has painted.
+    [[nodiscard]] const SwState& NextState() const noexcept { return Cached(); }
+    void ForgetState() noexcept { StopPainting(); }
 
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return GXPixelFormatBGRX32; }
     [[nodiscard]] Size GetSize() const override { return m_surface->GetSize(); }
@@ -46,7 +55,7 @@ private:
     /// Runs the work of a drawing call. When the device is lost meanwhile, a new one is made and, with `again`, the
     /// work is done once more.
     template <class Work> void Run(bool again, Work&& work);
-    /// Brings surface and open layers to the context's device.
+    /// Brings surface and open layers to the context's device, which is made anew where it is lost.
     void FollowDevice();
 
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
@@ -66,9 +75,9 @@ private:
     std::shared_ptr<D3D11Context> m_context;
     std::unique_ptr<D3D11Surface> m_surface;
     IntRect m_area{};
-    bool m_incomplete = false; // some of this paint went with a lost device
-    bool m_asked = false; // for a repaint; once, so that a device that is lost by every paint makes no endless round
-    uint32_t m_generation = 0;
+    bool m_incomplete = false;
+    bool m_broken = false;     // there is no device for the rest of this paint
+    uint32_t m_generation = 0; // of the device that was last painted on; 0: none
 
     SwClipMaker m_clips; // before everything that may hold clips
     Arena m_arena;

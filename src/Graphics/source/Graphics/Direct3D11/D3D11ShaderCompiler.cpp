@@ -4,17 +4,29 @@
 #include <algorithm>
 
 #include "../Exception.h"
+#include "D3D11Calls.h"
 #include "D3D11Ref.h"
 #include "Shaders/D3D11ShaderTargets.h"
 
 namespace Graphics {
+namespace {
 
-D3D11ShaderCompiler::D3D11ShaderCompiler(const wchar_t* module, const char* entry) : m_module(LoadLibraryW(module)) {
+/// What a compiler answers to texts, and to targets, that it does not take. Anything else, such as a lack of memory,
+/// may be gone at the next try.
+[[nodiscard]] bool IsAboutText(HRESULT result) noexcept {
+    constexpr auto kUnknownTarget = static_cast<HRESULT>(0x8876086CU); // D3DERR_INVALIDCALL
+    return result == E_FAIL || result == E_NOTIMPL || result == E_INVALIDARG || result == kUnknownTarget;
+}
+
+} // namespace
+
+D3D11ShaderCompiler::D3D11ShaderCompiler(const wchar_t* module, const char* entry)
+    : m_module(g_d3d11.loadLibrary(module)) {
     constexpr const char* kConstructor = "Graphics::D3D11ShaderCompiler::D3D11ShaderCompiler";
     if (m_module == nullptr) {
         GX_RAISE(kConstructor, "Failed to load D3DCompiler module");
     }
-    m_compile = reinterpret_cast<pD3DCompile>(reinterpret_cast<void*>(GetProcAddress(m_module, entry)));
+    m_compile = reinterpret_cast<pD3DCompile>(reinterpret_cast<void*>(g_d3d11.getProcAddress(m_module, entry)));
     if (m_compile == nullptr) {
         FreeLibrary(m_module);
         GX_RAISE(kConstructor, "D3DCompile function not found in D3DCompiler module");
@@ -30,6 +42,9 @@ bool D3D11ShaderCompiler::TryCompile(const std::string& text, const char* entry,
     const HRESULT result =
         m_compile(text.data(), text.size(), nullptr, nullptr, nullptr, entry, target, 0, 0, blob.Out(), errors.Out());
     if (FAILED(result) || !blob) {
+        if (FAILED(result) && !IsAboutText(result)) {
+            RaiseRefused();
+        }
         if (message != nullptr && errors) {
             message->assign(static_cast<const char*>(errors->GetBufferPointer()), errors->GetBufferSize());
         }

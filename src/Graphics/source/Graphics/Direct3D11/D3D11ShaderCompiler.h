@@ -28,11 +28,11 @@ public:
     /// Byte code. A pixel shader that is too long for the smallest target is compiled again for the larger ones that
     /// the feature level takes. Raises "Failed to compile shader".
     [[nodiscard]] std::vector<uint8_t> Compile(const std::string& text, Stage stage, uint32_t featureLevel) const;
-    /// The same, but false when no target takes the text.
+    /// The same, but false when no target takes the text. Raises where the compiler fails for another reason.
     [[nodiscard]] bool TryCompile(const std::string& text, Stage stage, uint32_t featureLevel,
                                   std::vector<uint8_t>& code) const;
 
-    /// False when it does not compile; `message` then has what the compiler says.
+    /// False when it does not compile; `message` then has what the compiler says. Raises as above.
     [[nodiscard]] bool TryCompile(const std::string& text, const char* entry, const char* target,
                                   std::vector<uint8_t>& code, std::string* message) const;
 

@@ -95,29 +95,29 @@ void D3D11SubTarget::MakePlanes(D3D11Context& context) {
         m_color = std::move(color);
         return;
     }
-    m_shape = take(kNoShape);
-    if (m_isolated) {
-        m_color = std::move(color);
-        return;
+    auto shape = take(kNoShape);
+    std::shared_ptr<D3D11Texture> initial;
+    if (!m_isolated) {
+        initial = take(kTransparent);
+        // Elements of a knockout group see the group's own initial backdrop, not each other.
+        m_parent->SendToCard(context);
+        const std::shared_ptr<D3D11Texture>& below = m_parent->m_knockout ? m_parent->m_initial : m_parent->m_color;
+        if (below != nullptr) {
+            D3D11DrawState state;
+            DescribePlane(initial, D3D11Blend::Replace, state);
+            state.scissor = m_bounds;
+            static_cast<void>(state.key.Add(D3D11Fragment::BCP));
+            state.vertexConstants.AddTransform(m_parent->PlaneMap(*below));
+            state.AddInput(below, {});
+            AddRectangle(context.Batch().Begin(std::move(state), m_bounds), m_bounds);
+            context.Batch().Flush();
+            context.Device().Copy(*color, *initial, {0, 0, width, height});
+        }
     }
-    m_initial = take(kTransparent);
-    // Elements of a knockout group see the group's own initial backdrop, not each other.
-    m_parent->SendToCard(context);
-    const std::shared_ptr<D3D11Texture>& below = m_parent->m_knockout ? m_parent->m_initial : m_parent->m_color;
-    if (below == nullptr) {
-        m_color = std::move(color);
-        return;
-    }
-    D3D11DrawState state;
-    DescribePlane(m_initial, D3D11Blend::Replace, state);
-    state.scissor = m_bounds;
-    static_cast<void>(state.key.Add(D3D11Fragment::BCP));
-    state.vertexConstants.AddTransform(m_parent->PlaneMap(*below));
-    state.AddInput(below, {});
-    AddRectangle(context.Batch().Begin(std::move(state), m_bounds), m_bounds);
-    context.Batch().Flush();
-    context.Device().Copy(*color, *m_initial, {0, 0, width, height});
-    m_color = std::move(color); // last: what fails before is done again
+    // All planes or none: what fails before is done again.
+    m_color = std::move(color);
+    m_shape = std::move(shape);
+    m_initial = std::move(initial);
 }
 
 void D3D11SubTarget::Close() noexcept {
@@ -165,15 +165,17 @@ D3D11SubTarget::Way D3D11SubTarget::WayOf(const D3D11Context& context, uint32_t 
     if (m_inSoftware || context.Readback().IsExhausted() || !CardBlendsAsSoftware(blendMode) || m_fallback.Holds(box)) {
         return Way::Software;
     }
+    // What knocks out is what has alpha: bytes in software, floats on the card, where less than a level counts as well.
+    const Way mixed = m_knockout ? Way::CardIfKnown : Way::Card;
     if (!m_isLayer || IsInside(box, OpaqueBelow())) {
-        return Way::Card;
+        return mixed;
     }
     // Over what is not opaque the software multiplies by the source's alpha twice, and the card's formula for knockout
     // groups takes a backdrop for opaque.
     if (m_knockout && !m_isolated) {
         return Way::Software;
     }
-    return blendMode == GXBlendModeNormal ? Way::Card : Way::CardIfOpaque;
+    return blendMode == GXBlendModeNormal ? mixed : Way::CardIfOpaque;
 }
 
 void D3D11SubTarget::BeginOnCard(D3D11Context& context, const IntRect& box) {

@@ -27,6 +27,7 @@ public:
     enum class Way : uint8_t {
         Card,
         CardIfOpaque, ///< where every colour of the source is opaque, else the software
+        CardIfKnown,  ///< where the source is one colour, or opaque: what has no alpha is the same for both
         Software,
     };
 

@@ -15,8 +15,8 @@ public:
     [[nodiscard]] virtual std::shared_ptr<D3D11Texture> BeginPaint(D3D11Context& context) = 0;
     /// Brings the pixels to their place.
     virtual void EndPaint(D3D11Context& context) = 0;
-    /// Some of what was painted is gone: asks the host to paint again, where there is a way to.
-    virtual void AskForRepaint() noexcept {}
+    /// Gives back everything of the device, and the pixels with it.
+    virtual void Forget() noexcept {}
 };
 
 } // namespace Graphics

@@ -13,11 +13,10 @@ constexpr const char* kConstructor = "Graphics::D3D11WindowSurface::D3D11WindowS
 
 } // namespace
 
-D3D11WindowSurface::D3D11WindowSurface(D3D11Context& context, HWND window) : m_window(window) {
+D3D11WindowSurface::D3D11WindowSurface(HWND window) : m_window(window) {
     if (IsWindow(window) == FALSE) {
         GX_RAISE(kConstructor, "The window does not exist");
     }
-    Make(context);
 }
 
 Size D3D11WindowSurface::GetSize() const {
@@ -29,7 +28,6 @@ Size D3D11WindowSurface::GetSize() const {
             static_cast<uint32_t>(std::max<LONG>(client.bottom - client.top, 0))};
 }
 
-/// The mode of the output that shows the window, in our format.
 DXGI_MODE_DESC D3D11WindowSurface::DisplayMode(D3D11Context& context) const {
     D3D11Ref<IDXGIDevice> device;
     D3D11Ref<IDXGIAdapter> adapter;
@@ -56,17 +54,24 @@ DXGI_MODE_DESC D3D11WindowSurface::DisplayMode(D3D11Context& context) const {
     return mode;
 }
 
-void D3D11WindowSurface::Make(D3D11Context& context) {
+void D3D11WindowSurface::Forget() noexcept {
     m_pixels.reset();
     m_chain.Reset();
+    m_chainSize = {};
+    m_generation = 0;
+}
+
+void D3D11WindowSurface::Make(D3D11Context& context) {
+    Forget(); // a window takes one chain at a time
     DXGI_MODE_DESC mode = DisplayMode(context);
-    m_chainSize = GetSize();
+    const Size size = GetSize();
     mode.Format = kFormat;
-    mode.Width = std::max(1U, m_chainSize.width);
-    mode.Height = std::max(1U, m_chainSize.height);
+    mode.Width = std::max(1U, size.width);
+    mode.Height = std::max(1U, size.height);
     m_chain = context.Device().CreateSwapChainForWindow(context.Factory(), m_window, mode);
     // The window's keys and size are the host's business.
     context.Factory().MakeWindowAssociation(m_window, DXGI_MWA_NO_WINDOW_CHANGES | DXGI_MWA_NO_ALT_ENTER);
+    m_chainSize = size;
     m_generation = context.Generation();
 }
 
@@ -78,13 +83,14 @@ std::shared_ptr<D3D11Texture> D3D11WindowSurface::BeginPaint(D3D11Context& conte
         Make(context);
     }
     const Size size = GetSize();
-    m_shown = size.width != 0 && size.height != 0;
-    if (!m_shown) {
+    m_shown = false;
+    if (size.width == 0 || size.height == 0) {
         return nullptr; // minimised: the pixels wait for the window to come back
     }
     const auto width = static_cast<int32_t>(size.width);
     const auto height = static_cast<int32_t>(size.height);
     if (m_chainSize.width != size.width || m_chainSize.height != size.height) {
+        m_chainSize = {}; // where this fails, nobody knows what the buffers are
         GX_D3D11_CHECK(context.Device(), "D3D11Device::CreateSwapChainForWindow",
                        m_chain->ResizeBuffers(1, static_cast<UINT>(width), static_cast<UINT>(height), kFormat, 0));
         m_chainSize = size;
@@ -98,6 +104,7 @@ std::shared_ptr<D3D11Texture> D3D11WindowSurface::BeginPaint(D3D11Context& conte
         }
         m_pixels = std::move(fresh);
     }
+    m_shown = true;
     return m_pixels;
 }
 

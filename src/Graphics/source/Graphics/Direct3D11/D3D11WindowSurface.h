@@ -8,24 +8,28 @@ namespace Graphics {
 
 class D3D11WindowSurface final : public D3D11Surface {
 public:
-    /// Raises "The window does not exist", "Failed to get diplay mode" and "D3D11 error".
-    D3D11WindowSurface(D3D11Context& context, HWND window);
+    /// Raises "The window does not exist".
+    explicit D3D11WindowSurface(HWND window);
+
+    /// A new swap chain on the context's device. Raises "Failed to get diplay mode" and "D3D11 error"; the surface is
+    /// then without one.
+    void Make(D3D11Context& context);
 
     [[nodiscard]] Size GetSize() const override;
     [[nodiscard]] std::shared_ptr<D3D11Texture> BeginPaint(D3D11Context& context) override;
     void EndPaint(D3D11Context& context) override;
-    void AskForRepaint() noexcept override { InvalidateRect(m_window, nullptr, FALSE); }
+    void Forget() noexcept override;
 
 private:
-    void Make(D3D11Context& context);
+    /// The mode of the output that shows the window, in our format.
     [[nodiscard]] DXGI_MODE_DESC DisplayMode(D3D11Context& context) const;
 
     HWND m_window;
     D3D11Ref<IDXGISwapChain> m_chain;
-    Size m_chainSize{};
+    Size m_chainSize{};   // 0 by 0 when it is not known
     bool m_shown = false; // the window has pixels in this paint
     std::shared_ptr<D3D11Texture> m_pixels;
-    uint32_t m_generation = 0;
+    uint32_t m_generation = 0; // of the device that the chain belongs to; 0: no chain
 };
 
 } // namespace Graphics

@@ -165,8 +165,8 @@ std::string D3D11DynamicShaderFactory::PixelText(const D3D11ShaderKey& key) {
     text += "\n}\n";
     for (uint32_t i = 0; i < TextureTotal(places); ++i) {
         const std::string n = std::to_string(i);
-        text += "\nTexture2D texture_" + n + " : register(t" + n + ");";
-        text += "\nSamplerState sampler_" + n + " : register(s" + n + ");";
+        text += "\nTexture2D texture_" + n + ": register(t" + n + ");";
+        text += "\nSamplerState sampler_" + n + ": register(s" + n + ");";
     }
     AddConstants(text, places, false);
     ForEachKind(places, [&](const D3D11ShaderFragment& f) {

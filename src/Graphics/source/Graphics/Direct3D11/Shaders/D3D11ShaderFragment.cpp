@@ -92,7 +92,6 @@ void Complete(D3D11ShaderFragment& f) {
     for (const auto& p : f.vertexParameters) {
         f.texcoordCount += p.type == "float2" && p.name != "position" ? 1 : 0;
     }
-    f.usesBlend = f.pixelFunction.find("Blend(") != std::string::npos;
     f.writesShape = f.pixelFunction.find("output.shape") != std::string::npos;
 }
 

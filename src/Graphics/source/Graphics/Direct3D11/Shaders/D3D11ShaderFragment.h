@@ -63,7 +63,6 @@ struct D3D11ShaderFragment {
     std::vector<Parameter> pixelParameters;
     uint32_t textureCount = 0;
     uint32_t texcoordCount = 0;
-    bool usesBlend = false;
     bool writesShape = false;
 
     [[nodiscard]] static const D3D11ShaderFragment& Get(D3D11Fragment f);

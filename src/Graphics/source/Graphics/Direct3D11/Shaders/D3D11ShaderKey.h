@@ -21,12 +21,11 @@ public:
         m_code |= (static_cast<uint64_t>(f) + 1) << (5 * m_count++);
         return true;
     }
-    /// The mode is dropped where the composition does not blend, so that equal texts have equal keys. Modes above 15
-    /// blend as Normal.
-    void SetComposition(D3D11Fragment composition, uint32_t blendMode) {
-        const bool blends = D3D11ShaderFragment::Get(composition).usesBlend && blendMode < 16;
+    /// The mode counts for compositions that do not blend, too: every text has the body of its draw's mode, so that
+    /// equal texts have equal keys. Modes above 15 blend as Normal.
+    void SetComposition(D3D11Fragment composition, uint32_t blendMode) noexcept {
         m_code = (m_code & kFragmentBits) | static_cast<uint64_t>(composition) << 45 |
-                 static_cast<uint64_t>(blends ? blendMode : 0) << 50;
+                 static_cast<uint64_t>(blendMode < 16 ? blendMode : 0) << 50;
     }
 
     [[nodiscard]] size_t Count() const noexcept { return m_count; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The codecs on the free libraries, and our own for Windows bitmaps.
-#include "../BmpCodec.h"
+#include "BmpCodec.h"
 #include "FreeCodecs.h"
 
 namespace Graphics {

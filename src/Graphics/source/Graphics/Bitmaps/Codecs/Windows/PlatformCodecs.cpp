@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The codecs of a Windows build: our own for Windows bitmaps, which every platform reads and writes alike, and GDI+ for
-// everything else.
-#include "../BmpCodec.h"
+// The codec of a Windows build: GDI+ for every kind of file.
 #include "GdipCodec.h"
 
 namespace Graphics {
 namespace {
 
 // Not made on first use: a program may load and save while its static objects end.
-const BmpCodec g_bmp;
 const GdipCodec g_gdiplus;
-const ImageCodec* const g_all[] = {&g_bmp, &g_gdiplus};
+const ImageCodec* const g_all[] = {&g_gdiplus};
 
 } // namespace
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Windows bitmap files, read and written by plain code that every platform has.
+// Windows bitmap files, read and written by plain code.
 #pragma once
 
-#include "ImageCodec.h"
+#include "../ImageCodec.h"
 
 namespace Graphics {
 

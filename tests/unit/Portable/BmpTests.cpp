@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Windows bitmap files put together by hand: every depth, header and run code.
-#include "Bitmaps/Codecs/BmpCodec.h"
-#include "ImageSupport.h"
+#include "../ImageSupport.h"
+#include "Bitmaps/Codecs/Portable/BmpCodec.h"
 
 using namespace Graphics;
 using namespace ImageSupport;

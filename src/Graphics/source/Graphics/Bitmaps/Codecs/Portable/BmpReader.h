@@ -3,7 +3,7 @@
 // orders.
 #pragma once
 
-#include "CodecSupport.h"
+#include "../CodecSupport.h"
 
 namespace Graphics {
 

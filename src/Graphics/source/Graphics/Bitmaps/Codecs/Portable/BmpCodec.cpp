@@ -5,8 +5,8 @@
 
 #include <cstring>
 
+#include "../CodecSupport.h"
 #include "BmpReader.h"
-#include "CodecSupport.h"
 
 namespace Graphics {
 namespace {
