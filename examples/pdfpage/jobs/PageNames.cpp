@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "PageNames.h"
+
+#include "../PageRenderer.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <set>
+
+namespace PdfPage {
+namespace {
+
+std::string FullPath(const std::string& file) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
+    return error ? std::filesystem::path(file).lexically_normal().string() : path.string();
+}
+
+// FNV-1a, 64 bits.
+std::string Checksum(const std::string& text) {
+    uint64_t hash = 0xCBF29CE484222325ull;
+    for (const char c : text)
+        hash = (hash ^ static_cast<uint8_t>(c)) * 0x100000001B3ull;
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+    return digits;
+}
+
+} // namespace
+
+PageNames::PageNames(const std::vector<std::string>& files) {
+    std::map<std::string, int> users;
+    for (const std::string& file : files)
+        ++users[m_stems.emplace_back(std::filesystem::path(file).stem().string())];
+    std::map<std::string, size_t> taken;
+    for (size_t i = 0; i < files.size(); ++i) {
+        if (users[m_stems[i]] > 1)
+            m_stems[i] += "." + Checksum(FullPath(files[i]));
+        const auto [other, free] = taken.emplace(m_stems[i], i);
+        if (!free)
+            throw Failure("the pages of '" + files[other->second] + "' and '" + files[i] +
+                          "' would have the same names");
+    }
+}
+
+std::vector<std::string> WithoutTwins(const std::vector<std::string>& files) {
+    std::vector<std::string> once;
+    std::set<std::string> seen;
+    for (const std::string& file : files)
+        if (seen.insert(FullPath(file)).second)
+            once.push_back(file);
+    return once;
+}
+
+} // namespace PdfPage
