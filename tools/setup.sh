@@ -9,6 +9,7 @@ GX_PACKAGES=(
 )
 GX_TEST_PACKAGES=(
     fonts-liberation clang-14 clang-format-14 libpolyclipping-dev pngcheck libtiff-tools libjpeg-turbo-progs imagemagick
+    gearman-job-server libgearman-dev
 )
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
 GX_WINDOWS_PACKAGES=(

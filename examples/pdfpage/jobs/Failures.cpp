@@ -44,6 +44,8 @@ std::string Failures::Line(size_t allPages, size_t allFiles) const {
             continue;
         const char* before = ": ";
         for (const auto& [file, pages] : files) {
+            if (pages.empty() && reason.find(file) != std::string::npos)
+                continue;
             line += before + file + (pages.empty() ? "" : " " + PageText(pages));
             before = ", ";
         }

@@ -30,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
 constexpr std::chrono::milliseconds kSendFor{200};
-constexpr std::chrono::seconds kAskEvery{2};
+constexpr std::chrono::seconds kAskEvery{1};
 constexpr size_t kAskAbout = 64;
 // A picture may come to sight some time after the server forgot the page: a network file system looks again after
 // seconds. The second time waits twice as long, and so on.

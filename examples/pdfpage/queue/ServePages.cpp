@@ -34,7 +34,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 // A slot that has not been seen for so long does not come back. Far above what a busy disk takes.
-constexpr std::chrono::seconds kHangs{20};
+constexpr std::chrono::seconds kHangs{10};
 // No server would let a slot idle longer than that without an answer: then a connection is made anew, since the other
 // end may be gone without a word.
 constexpr std::chrono::seconds kIdle{60};

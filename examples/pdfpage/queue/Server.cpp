@@ -29,42 +29,48 @@ Address Address::Parse(const std::string& text) {
     return address;
 }
 
-SendingSide::SendingSide(const Address& address) : m_address(address) { Connect(); }
+SendingSide::SendingSide(const Address& address) : m_address(address), m_sends(Connected()), m_asks(Connected()) {}
 
-void SendingSide::Connect() {
-    m_client.reset(gearman_client_create(nullptr));
-    if (!m_client)
+SendingSide::Client SendingSide::Connected() const {
+    Client client(gearman_client_create(nullptr));
+    if (!client)
         throw Failure("out of memory");
-    gearman_client_set_timeout(m_client.get(), kAnswerMilliseconds);
-    gearman_client_add_server(m_client.get(), m_address.host.c_str(), m_address.port);
+    gearman_client_set_timeout(client.get(), kAnswerMilliseconds);
+    gearman_client_add_server(client.get(), m_address.host.c_str(), m_address.port);
+    return client;
 }
 
 bool SendingSide::Answers() {
-    if (gearman_client_echo(m_client.get(), "pdfpage", 7) == GEARMAN_SUCCESS)
-        return true;
-    Connect();
-    return false;
+    const bool answers = gearman_client_echo(m_sends.get(), "pdfpage", 7) == GEARMAN_SUCCESS;
+    if (!answers)
+        m_sends = Connected();
+    return answers;
 }
 
+// A connection that was idle may have ended with a server that is there again: each call is tried twice.
+
 bool SendingSide::Send(const std::string& unique, const std::string& job) {
-    gearman_job_handle_t handle;
-    if (gearman_client_do_background(m_client.get(), kFunction, unique.c_str(), job.data(), job.size(), handle) ==
-        GEARMAN_SUCCESS)
-        return true;
-    Connect();
+    for (int i = 0; i < 2; ++i) {
+        gearman_job_handle_t handle;
+        if (gearman_client_do_background(m_sends.get(), kFunction, unique.c_str(), job.data(), job.size(), handle) ==
+            GEARMAN_SUCCESS)
+            return true;
+        m_sends = Connected();
+    }
     return false;
 }
 
 SendingSide::State SendingSide::Ask(const std::string& unique) {
-    const gearman_status_t status = gearman_client_unique_status(m_client.get(), unique.c_str(), unique.size());
-    const gearman_return_t result = gearman_status_return(status);
-    if (gearman_failed(result) && !gearman_continue(result)) {
-        Connect();
-        return State::NoAnswer;
+    for (int i = 0; i < 2; ++i) {
+        const gearman_status_t status = gearman_client_unique_status(m_asks.get(), unique.c_str(), unique.size());
+        const gearman_return_t result = gearman_status_return(status);
+        if (gearman_success(result) || gearman_continue(result))
+            return !gearman_status_is_known(status)    ? State::Unknown
+                   : gearman_status_is_running(status) ? State::Running
+                                                       : State::Queued;
+        m_asks = Connected();
     }
-    if (!gearman_status_is_known(status))
-        return State::Unknown;
-    return gearman_status_is_running(status) ? State::Running : State::Queued;
+    return State::NoAnswer;
 }
 
 WorkingSide::WorkingSide(const Address& address, const std::string& identity, Settle settle)

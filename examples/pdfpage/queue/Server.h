@@ -43,11 +43,15 @@ private:
     struct Free {
         void operator()(gearman_client_st* client) const noexcept { gearman_client_free(client); }
     };
-    // After a failed call, which leaves the connection in no useful state.
-    void Connect();
+    using Client = std::unique_ptr<gearman_client_st, Free>;
+
+    // Anew after a failed call, which leaves a client in no useful state.
+    Client Connected() const;
 
     const Address m_address;
-    std::unique_ptr<gearman_client_st, Free> m_client;
+    // A connection for each kind of question: in libgearman 1.1.20 a job that is sent after a status was asked for
+    // waits for an answer that does not come.
+    Client m_sends, m_asks;
 };
 
 class WorkingSide {
