@@ -63,11 +63,7 @@ public:
 
 private:
     void Start() {
-        Strings arguments{GX_GEARMAND,
-                          "--listen=127.0.0.1",
-                          "--port=" + std::to_string(m_port),
-                          "--log-file=stderr",
-                          "--http-port=" + std::to_string(m_port),
+        Strings arguments{GX_GEARMAND, "--listen=127.0.0.1", "--port=" + std::to_string(m_port), "--log-file=stderr",
                           "--pid-file=" + (m_folder / "pid").string()};
         if (geteuid() == 0)
             arguments.push_back("--user=root");
