@@ -171,10 +171,9 @@ TEST_F(QueueTest, EveryPageArrivesWhateverHappensToServerAndWorkers) {
     const std::string said = sender.Said();
     const std::string killer = (root / "killer.pdf").string(), endless = (root / "endless.pdf").string();
     EXPECT_NE(std::string::npos, said.find("11 of 13 pages done, 2 failed")) << said;
-    EXPECT_NE(std::string::npos, said.find("2 of 13 pages failed: killed 3 workers, the last one: killed by signal 11 "
-                                           "(Segmentation fault): " +
-                                           killer + " 2; time limit of 5 s reached: " + endless + " 2"))
-        << said;
+    for (const std::string& part : {std::string("2 of 13 pages failed: killed 3 workers"), killer + " 2; ",
+                                    "time limit of 5 s reached: " + endless + " 2"})
+        EXPECT_NE(std::string::npos, said.find(part)) << part << "\n" << said;
 
     // Who stood still and goes on spoils nothing; each ends when it is told to.
     hangs->Signal(SIGCONT);
@@ -220,13 +219,10 @@ TEST_F(QueueTest, PagesAreSentAgainWhenTheQueueWasLostAndTakenFromASlotThatHangs
     const auto worker = Worker(server, "worker.log", "300");
     ASSERT_TRUE(Await([&] { return fs::exists(out / "endless-1.png") && UnderWay(*worker); })) << sender.Said();
 
-    // The slot and its page stand still, the worker above them does not.
+    // The slot stands still, the worker above it does not.
     const std::vector<pid_t> slots = Children(worker->Id());
     ASSERT_EQ(1u, slots.size());
-    const std::vector<pid_t> pages = Children(slots[0]);
     kill(slots[0], SIGSTOP);
-    for (const pid_t page : pages)
-        kill(page, SIGSTOP);
     const auto tries = [&] {
         for (const std::string& name : Names(out, false))
             if (name.ends_with(".tries")) {

@@ -5,6 +5,7 @@
 
 #include "../MemoryLimit.h"
 #include "../PageRenderer.h"
+#include "Lifeline.h"
 #include "Numbers.h"
 
 #include <cerrno>
@@ -14,10 +15,6 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-
-#if defined(__linux__)
-#include <sys/prctl.h>
-#endif
 
 namespace PdfPage {
 namespace {
@@ -65,13 +62,7 @@ void LimitMemory(uint64_t bytes) {
 }
 
 [[noreturn]] void RunChild(pid_t parent, const Limits& limits, const ChildProcess::Work& work) {
-#if defined(__linux__)
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent)
-        _exit(1);
-#else
-    static_cast<void>(parent);
-#endif
+    EndWithParent(parent, SIGKILL);
     // The parent answers signals in its own way; its pipes to other children are of no use here.
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
         std::signal(number, SIG_DFL);

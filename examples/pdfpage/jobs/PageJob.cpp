@@ -2,6 +2,7 @@
 #include "PageJob.h"
 
 #include "../PageRenderer.h"
+#include "Checksum.h"
 #include "Numbers.h"
 
 #include <algorithm>
@@ -40,13 +41,6 @@ std::string Exact(double value) {
     char text[40];
     std::snprintf(text, sizeof text, "%.17g", value);
     return text;
-}
-
-// FNV-1a, 64 bits, from a given start.
-uint64_t Hash(const std::string& text, uint64_t hash) {
-    for (const char c : text)
-        hash = (hash ^ static_cast<uint8_t>(c)) * 0x100000001B3ull;
-    return hash;
 }
 
 } // namespace
@@ -98,10 +92,7 @@ PageJob PageJob::Unpacked(const std::string& text) {
 
 std::string PageJob::Key() const {
     const std::string text = Packed();
-    char key[33];
-    std::snprintf(key, sizeof key, "%016llx%016llx", static_cast<unsigned long long>(Hash(text, 0xCBF29CE484222325ull)),
-                  static_cast<unsigned long long>(Hash(text, 0x9AE16A3B2F90404Full)));
-    return key;
+    return Hexadecimal(Checksum(text)) + Hexadecimal(Checksum(text, 0x9AE16A3B2F90404Full));
 }
 
 } // namespace PdfPage

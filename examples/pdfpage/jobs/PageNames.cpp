@@ -2,8 +2,8 @@
 #include "PageNames.h"
 
 #include "../PageRenderer.h"
+#include "Checksum.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -17,16 +17,6 @@ std::string FullPath(const std::string& file) {
     return error ? std::filesystem::path(file).lexically_normal().string() : path.string();
 }
 
-// FNV-1a, 64 bits.
-std::string Checksum(const std::string& text) {
-    uint64_t hash = 0xCBF29CE484222325ull;
-    for (const char c : text)
-        hash = (hash ^ static_cast<uint8_t>(c)) * 0x100000001B3ull;
-    char digits[17];
-    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
-    return digits;
-}
-
 } // namespace
 
 PageNames::PageNames(const std::vector<std::string>& files) {
@@ -36,7 +26,7 @@ PageNames::PageNames(const std::vector<std::string>& files) {
     std::map<std::string, size_t> taken;
     for (size_t i = 0; i < files.size(); ++i) {
         if (users[m_stems[i]] > 1)
-            m_stems[i] += "." + Checksum(FullPath(files[i]));
+            m_stems[i] += "." + Hexadecimal(Checksum(FullPath(files[i])));
         const auto [other, free] = taken.emplace(m_stems[i], i);
         if (!free)
             throw Failure("the pages of '" + files[other->second] + "' and '" + files[i] +

@@ -3,10 +3,10 @@
 
 #include "../PageRenderer.h"
 #include "DrawPage.h"
-#include "LocalRun.h"
 #include "NewFile.h"
 #include "PageRecord.h"
 #include "ProcessPool.h"
+#include "RunReport.h"
 
 #include <cerrno>
 #include <cstring>

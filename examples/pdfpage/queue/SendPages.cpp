@@ -12,9 +12,8 @@
 
 #include "../PageRenderer.h"
 #include "../jobs/Folder.h"
-#include "../jobs/LocalRun.h"
 #include "../jobs/PageRecord.h"
-#include "../jobs/Progress.h"
+#include "../jobs/RunReport.h"
 #include "../jobs/StopSignals.h"
 #include "Outstanding.h"
 #include "Server.h"

@@ -10,6 +10,7 @@
 #include "Queue.h"
 
 #include "../PageRenderer.h"
+#include "../jobs/Lifeline.h"
 #include "../jobs/RootedPages.h"
 #include "../jobs/StopSignals.h"
 #include "Server.h"
@@ -24,19 +25,16 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 
-#if defined(__linux__)
-#include <sys/prctl.h>
-#endif
-
 namespace PdfPage {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A slot that has not been seen for so long does not come back. Far above what a busy disk takes.
+// A slot that has not noted that it is alive for so long is killed. Should it only have been slow, that costs one page
+// a second beginning.
 constexpr std::chrono::seconds kHangs{10};
-// No server would let a slot idle longer than that without an answer: then a connection is made anew, since the other
-// end may be gone without a word.
+// After so long without a page the connection is made anew: the server may be gone without a word, which a connection
+// on which nothing is sent does not notice.
 constexpr std::chrono::seconds kIdle{60};
 
 class SharedTimes {
@@ -164,13 +162,7 @@ private:
         const pid_t parent = ::getpid();
         const pid_t process = ::fork();
         if (process == 0) {
-#if defined(__linux__)
-            ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-            if (::getppid() != parent)
-                _exit(1);
-#else
-            static_cast<void>(parent);
-#endif
+            EndWithParent(parent, SIGTERM);
             RunSlot(m_address, m_pages, [this, index] { m_times.Note(index); });
         }
         m_slots[index] = {process, Clock::now() + std::chrono::seconds(1)}; // not one after another without a pause
