@@ -11,10 +11,14 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <vector>
 
 namespace PdfPage {
 namespace {
@@ -61,9 +65,27 @@ void LimitMemory(uint64_t bytes) {
     MemoryLimit::Watch([] { AnswerOutOfMemory(); });
 }
 
+// A connection ends with the process that made it: a child that outlives it, if only for a moment, must not keep it
+// open.
+void CloseConnections() {
+    std::vector<int> sockets;
+    if (DIR* const folder = ::opendir("/proc/self/fd")) {
+        while (const dirent* const entry = ::readdir(folder)) {
+            const int number = std::atoi(entry->d_name);
+            struct stat status {};
+            if (number > STDERR_FILENO && ::fstat(number, &status) == 0 && S_ISSOCK(status.st_mode))
+                sockets.push_back(number);
+        }
+        ::closedir(folder);
+    }
+    for (const int number : sockets)
+        ::close(number);
+}
+
 [[noreturn]] void RunChild(pid_t parent, const Limits& limits, const ChildProcess::Work& work) {
     EndWithParent(parent, SIGKILL);
-    // The parent answers signals in its own way; its pipes to other children are of no use here.
+    CloseConnections();
+    // The parent answers signals in its own way.
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
         std::signal(number, SIG_DFL);
     sigset_t none;
