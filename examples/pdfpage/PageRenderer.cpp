@@ -2,6 +2,7 @@
 #include "PageRenderer.h"
 
 #include "GxDevice.h"
+#include "MemoryLimit.h"
 
 #include <cerrno>
 #include <chrono>
@@ -30,32 +31,41 @@ private:
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
+FilePointer Open(const std::string& path) {
+    FilePointer file(std::fopen(path.c_str(), "rb"));
+    if (!file)
+        throw Failure("cannot open '" + path + "': " + std::strerror(errno));
+    return file;
+}
+
 } // namespace
 
 Document::Document(const std::string& path, Report& report, Gxr::Recorder* recorder)
-    : m_report(report), m_calls(recorder) {
-    if (std::FILE* file = std::fopen(path.c_str(), "rb"))
-        std::fclose(file);
-    else
-        throw Failure("cannot open '" + path + "': " + std::strerror(errno));
+    : Document(Open(path), path, report, recorder) {}
 
-    m_ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
+Document::Document(FilePointer opened, const std::string& path, Report& report, Gxr::Recorder* recorder)
+    : m_file(std::move(opened)), m_report(report), m_calls(recorder) {
+    m_ctx = fz_new_context(MemoryLimit::Allocator(), nullptr, FZ_STORE_DEFAULT);
     if (!m_ctx)
         throw Failure("MuPDF does not start");
     fz_set_error_callback(m_ctx, PrintMessage, &report);
     fz_set_warning_callback(m_ctx, PrintMessage, &report);
 
     const char* const name = path.c_str();
+    std::FILE* const file = m_file.get();
+    fz_stream* stream = nullptr;
     bool encrypted = false;
-    const bool opened = Try(m_ctx, [&] {
+    const bool read = Try(m_ctx, [&] {
         fz_register_document_handlers(m_ctx);
-        m_document = fz_open_document(m_ctx, name);
+        stream = fz_open_file_ptr_no_close(m_ctx, file);
+        m_document = fz_open_document_with_stream(m_ctx, name, stream);
         encrypted = fz_needs_password(m_ctx, m_document) != 0;
         if (!encrypted)
             m_pageCount = fz_count_pages(m_ctx, m_document);
     });
+    fz_drop_stream(m_ctx, stream);
     std::string reason;
-    if (!opened)
+    if (!read)
         reason = "cannot read '" + path + "': " + fz_caught_message(m_ctx);
     else if (encrypted)
         reason = "'" + path + "' is encrypted and needs a password";

@@ -6,6 +6,7 @@
 #include "Report.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -27,11 +28,18 @@ struct Picture {
 
 class Page;
 
+struct FileCloser {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using FilePointer = std::unique_ptr<std::FILE, FileCloser>;
+
 class Document {
 public:
     // Throws Failure for a file that is missing, damaged beyond repair, or encrypted.
     // With a recorder everything drawn is recorded; it outlives the document.
     Document(const std::string& path, Report& report, Gxr::Recorder* recorder = nullptr);
+    // Of a file that is open for reading; its name tells the format and stands in messages.
+    Document(FilePointer file, const std::string& name, Report& report, Gxr::Recorder* recorder = nullptr);
     ~Document();
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
@@ -41,6 +49,7 @@ public:
 private:
     friend class Page;
 
+    FilePointer m_file;
     Report& m_report;
     const Gxr::Calls m_calls;
     fz_context* m_ctx = nullptr;

@@ -38,13 +38,18 @@ bool Encode(std::FILE* file, const uint8_t* pixels, uint32_t width, uint32_t hei
 
 } // namespace
 
+bool WritePng(std::FILE* file, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes, float dpi,
+              int level) {
+    return Encode(file, pixels, width, height, strideBytes, static_cast<uint32_t>(std::lround(dpi / 0.0254f)), level) &&
+           std::fflush(file) == 0;
+}
+
 bool WritePng(const std::string& path, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes,
               float dpi, int level) {
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (!file)
         return false;
-    const bool encoded =
-        Encode(file, pixels, width, height, strideBytes, static_cast<uint32_t>(std::lround(dpi / 0.0254f)), level);
+    const bool encoded = WritePng(file, pixels, width, height, strideBytes, dpi, level);
     const bool written = std::fclose(file) == 0 && encoded;
     if (!written)
         std::remove(path.c_str());

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 namespace PdfPage {
@@ -12,5 +13,9 @@ namespace PdfPage {
 // written; nothing half written is left behind.
 bool WritePng(const std::string& path, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes,
               float dpi, int level = 3);
+
+// The same to a file that is open for writing and stays open.
+bool WritePng(std::FILE* file, const uint8_t* pixels, uint32_t width, uint32_t height, size_t strideBytes, float dpi,
+              int level = 3);
 
 } // namespace PdfPage

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Report.h"
 
+#include "MemoryLimit.h"
+
 #include <cstdio>
+#include <cstring>
 
 namespace PdfPage {
 
@@ -11,6 +14,8 @@ Report::~Report() { GXLogSetSink(1, nullptr, nullptr); }
 
 void Report::Log(void* context, const char* text) {
     auto* self = static_cast<Report*>(context);
+    if (std::strstr(text, "Not enough memory"))
+        MemoryLimit::NoteRefusal();
     try {
         self->m_lastDiagnostic = text;
     } catch (...) {
