@@ -97,7 +97,7 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
                 << "round " << round << ": not the first of the equal stretches";
         }
         for (size_t i = 0; i < coverage.size(); ++i) {
-            ASSERT_EQ(CoverageAt(*clip, 2 + static_cast<int32_t>(i), 1), coverage[i]) << round << " " << i;
+            ASSERT_EQ(CoverageAt(*clip.get(), 2 + static_cast<int32_t>(i), 1), coverage[i]) << round << " " << i;
         }
         // Inside a clip: the product, and its own longest stretch.
         std::vector<uint8_t> second(coverage.size(), 255);
@@ -107,9 +107,8 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
         const SwClipRef inner = Build(pool, clip.get(), second, 2, 1, random);
         std::vector<uint8_t> product(coverage.size());
         for (size_t i = 0; i < product.size(); ++i) {
-            const SwClipRow& of = inner->Row(1);
             const auto x = 2 + static_cast<int32_t>(i);
-            product[i] = CoverageAt(*inner, x, 1);
+            product[i] = CoverageAt(*inner.get(), x, 1);
             const int plain = coverage[i] * second[i];
             ASSERT_NEAR(product[i], plain / 255, 1) << round << " " << i;
         }
@@ -140,7 +139,7 @@ TEST(Clip, ARectangleInsideAMaskCutsItsRows) {
             ASSERT_LE(row.fullEnd, row.end);
             for (int32_t x = left; x < right; ++x) {
                 const bool inside = x >= box.left && x < box.right;
-                ASSERT_EQ(inside ? CoverageAt(*clip, x, 0) : 0, coverage[static_cast<size_t>(x)]) << x;
+                ASSERT_EQ(inside ? CoverageAt(*clip.get(), x, 0) : 0, coverage[static_cast<size_t>(x)]) << x;
                 ASSERT_TRUE(x < row.fullBegin || x >= row.fullEnd || coverage[static_cast<size_t>(x)] == 255) << x;
             }
         }
