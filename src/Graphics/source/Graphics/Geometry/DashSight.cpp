@@ -15,9 +15,7 @@ constexpr double kFinestPeriod = 0.25 * (1 + 1e-6);
 // between samples as evenly as can be, so that the mean coverage is that of the pattern.
 constexpr double kDrawnPeriod = 3.6180339887498949 / 8;
 // Periods that caps add to what lies in sight; finer than that against the pen's width nothing shows.
-constexpr double kMostUnderCaps = 8192;
-// Periods on one segment, where rounding decides what lies in sight.
-constexpr double kMostPeriods = 0x1p17;
+constexpr double kMostUnderCaps = 1024;
 // Pixels of uncertainty that are allowed for. Where rounding moves points further there is no picture to speak of; what
 // is sent of it then follows from the target alone, and no clip changes it either.
 constexpr double kMostMargin = 16;
@@ -35,7 +33,6 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
     }
     m_halfPixels = plan.half * device.most;
     m_mostScale = pen.most * device.most;
-    m_longest = m_period * kCountable;
     double least = std::numeric_limits<double>::infinity(); // gap
     for (uint32_t i = 0; i < sequence.Count(); i += 2) {
         m_hasDots = m_hasDots || sequence.ElementLength(i) == 0;
@@ -48,8 +45,12 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
     const double finest = m_period * pen.least * device.least;
     const bool joins = m_cap > 0 && m_period * pen.least <= 2 * plan.half &&
                        !(least * pen.least > JoinedGap(plan.half * device.least));
+    // More periods than that lie in sight of a segment only where rounding decides what does.
+    const double span = wide + high + 4 * kMostMargin;
+    m_mostPeriods = 2 * kMostUnderCaps + span / kFinestPeriod;
+    m_longest = m_period * std::min(m_mostPeriods, kCountable);
     m_plain = !plan.cullDashes && !joins && finest > kFinestPeriod && finest * kMostUnderCaps > 2 * cap &&
-              finest * kMostPeriods > wide + high + 2 * (kMostMargin + cap);
+              finest * m_mostPeriods > span + 2 * cap;
     if (m_plain) {
         return;
     }
@@ -136,18 +137,17 @@ DashLook DashSight::LookClosely(const Point& a, double dx, double dy, double len
         look.scale = kDrawnPeriod / period;
     }
     look.scale = std::max({look.scale, 2 * stripes.cap * pixels / (period * kMostUnderCaps),
-                           length / (m_period * kCountable), (to - from) * length / (m_period * kMostPeriods)});
+                           length / (m_period * kCountable), (to - from) * length / (m_period * m_mostPeriods)});
     // Periods longer than the pen is wide are few, and not worth another outline.
     if (m_cap > 0 && m_period * penLength <= 2 * m_plan.half * length) {
         look.join = !m_round && m_hasDots && SquaresTurn(pen) ? 0.0 : JoinedGap(acrossLength) * length / penLength;
     }
-    if (m_plan.cullDashes) {
-        if (m_certain) {
-            Narrow(stripes, m_plan.visiblePixels, from, to);
-        }
-        look.from = from * length;
-        look.to = to * length;
+    // A pen that reaches everything from everywhere leaves nothing to cull, and still shows its dashes in a part alone.
+    if (m_plan.cullDashes && m_certain) {
+        Narrow(stripes, m_plan.visiblePixels, from, to);
     }
+    look.from = from * length;
+    look.to = to * length;
     return look;
 }
 

@@ -72,8 +72,9 @@ private:
     bool m_hasDots = false;
     bool m_plain = false; // every segment up to m_longest shows all its dashes as they are
     double m_longest = 0;
-    double m_margin = 2;   // pixels
-    bool m_certain = true; // points are off by less than the margin
+    double m_mostPeriods = 0; // on one segment
+    double m_margin = 2;      // pixels
+    bool m_certain = true;    // points are off by less than the margin
     double m_halfPixels = 0;
     double m_mostScale = 1; // pixels per user unit
 };

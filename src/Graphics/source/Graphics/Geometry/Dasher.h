@@ -51,6 +51,9 @@ public:
         s.end = p;
         s.look =
             m_sight != nullptr && s.length > 0 ? m_sight->Look(m_current, s.dx, s.dy, s.length) : DashLook{0, s.length};
+        if (m_hidden) {
+            s.look.from = s.look.to = 0;
+        }
         s.run = s.length;
         if (s.look.scale != 1) {
             s.run /= s.look.scale;
@@ -81,10 +84,12 @@ public:
             if (outside == 0) {
                 return CurvePlace::Mixed;
             }
+            m_hidden = true;
             for (int i = 1; i <= kCoarseSteps; ++i) {
                 const double t = static_cast<double>(i) / kCoarseSteps;
                 LineTo(i == kCoarseSteps ? piece.At(3) : Point{At(piece.x, t), At(piece.y, t)});
             }
+            m_hidden = false;
             return CurvePlace::Handled;
         };
         FlattenBounded(curve, tolerance, kPlainSteps, place, [this](const Point& p) { LineTo(p); });
@@ -318,8 +323,9 @@ private:
     double m_dashes = 0; // twice as many as were sent, where nothing is out of sight
     Point m_start{};
     Point m_current{};
-    bool m_open = false; // the sink has a figure: in a dash, and in a gap that caps may close
-    Point m_gapStart{};  // of such a gap, with the direction in which the dash before it ended
+    bool m_hidden = false; // the segment belongs to a piece of a curve beside the target
+    bool m_open = false;   // the sink has a figure: in a dash, and in a gap that caps may close
+    Point m_gapStart{};    // of such a gap, with the direction in which the dash before it ended
     double m_gapLength = 0;
     double m_gapX = 0, m_gapY = 0;
 };
