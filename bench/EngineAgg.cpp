@@ -202,7 +202,7 @@ private:
 
 const Engine kAgg = {"AGG", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
                          if (scene.blend >= static_cast<int>(std::size(kOperators)) || !scene.clip.Empty() ||
-                             scene.group != Group::None || scene.action == Action::Mask) {
+                             scene.group != Group::None || scene.action == Action::Mask || scene.alone) {
                              return nullptr; // clips are boxes only, and there are no groups
                          }
                          if (scene.blend == 0) {

@@ -243,8 +243,8 @@ private:
 } // namespace
 
 const Engine kCairo = {"Cairo", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
-                           if (scene.group == Group::NonIsolated || scene.group == Group::Knockout) {
-                               return nullptr; // groups are isolated
+                           if (scene.group == Group::NonIsolated || scene.group == Group::Knockout || scene.alone) {
+                               return nullptr; // its groups are isolated
                            }
                            return std::make_unique<CairoDrawing>(scene, canvas);
                        }};

@@ -71,7 +71,7 @@ public:
             m_clip = Build(scene.clip);
         }
         m_style.join = static_cast<GXLineJoin>(scene.join);
-        m_style.cap = GXLineCapFlat;
+        m_style.cap = scene.roundCaps ? GXLineCapRound : GXLineCapFlat;
         m_style.miterLimit = 10.0f;
         m_style.dashCount = scene.dashes.size();
         std::copy(scene.dashes.begin(), scene.dashes.end(), m_style.dashes);

@@ -136,7 +136,7 @@ private:
 
 const Engine kQt = {"Qt", [](const Scene& scene, const Canvas& canvas) -> std::unique_ptr<Drawing> {
                         if (scene.blend >= static_cast<int>(std::size(kModes)) || scene.group != Group::None ||
-                            !scene.mask.empty() || scene.action == Action::Mask) {
+                            !scene.mask.empty() || scene.action == Action::Mask || scene.alone) {
                             return nullptr;
                         }
                         // A pen up to one pixel wide is drawn by a line algorithm, not as an outline.

@@ -126,7 +126,9 @@ struct Scene {
     Paint paint;
     float width = 1; ///< of strokes
     Join join = Join::Miter;
-    int blend = 0; ///< 0 Normal, then in the order of the PDF imaging model up to 15 Luminosity
+    bool roundCaps = false; ///< else flat
+    bool alone = false;     ///< for this library only: others take minutes
+    int blend = 0;          ///< 0 Normal, then in the order of the PDF imaging model up to 15 Luminosity
     Image image;
     /// Of Action::Mask: the alpha of the image's pixels alone, a byte each, filled with the paint.
     std::vector<uint8_t> imageAlpha;

@@ -568,6 +568,47 @@ void Dashes(Table& table) {
     dashed("dash_dots_w2", [] { return Curves(300, 1000); }, 2, {1, 1});
 }
 
+/// Inputs that once cost seconds, or came out wrong, for what can be seen of them.
+void Corners(Table& table) {
+    // From side to side of the canvas and beyond.
+    const auto zigzag = [](int segments, float length) {
+        Shape shape;
+        for (int i = 0; i <= segments; ++i) {
+            const auto x = 500 + (i % 2 == 0 ? -length : length) / 2;
+            const auto y = static_cast<float>(1000 * i) / static_cast<float>(segments);
+            i == 0 ? shape.Move({x, y}) : shape.Line({x, y});
+        }
+        return std::vector<Shape>{shape};
+    };
+    const auto dashed = [&](const std::string& name, int segments, float length, float width, std::vector<float> dashes,
+                            bool roundCaps) {
+        table.Add(name, [=] {
+            Scene scene = Table::Base(1000, zigzag(segments, length));
+            scene.action = Action::Stroke;
+            scene.join = Join::Round;
+            scene.width = width;
+            scene.dashes = dashes;
+            scene.roundCaps = roundCaps;
+            scene.alone = true;
+            return scene;
+        });
+    };
+    dashed("corner_dots_fine", 100, 800, 100, {0, 0.2f}, true);
+    dashed("corner_dots_many", 1000, 800, 100, {0, 0.2f}, true);
+    dashed("corner_dashes_fine", 100, 800, 2, {0.0625f, 0.0625f}, false);
+    dashed("corner_dashes_far", 1000, 2e6f, 1, {1, 1}, false);
+    table.Add("corner_cubic_far", [] {
+        Shape shape;
+        shape.Move({-1e25f, 100});
+        shape.Cubic({1e25f, 300}, {-1e25f, 600}, {1e25f, 900});
+        shape.Line({500, 500});
+        shape.Close();
+        Scene scene = Table::Base(1000, {shape});
+        scene.alone = true;
+        return scene;
+    });
+}
+
 void Big(Table& table) {
     for (int size : {512, 4000}) {
         const auto f = static_cast<float>(size);
@@ -596,6 +637,7 @@ std::vector<SceneEntry> AllScenes() {
     Strokes(table);
     Paints(table);
     Dashes(table);
+    Corners(table);
     GroupsAndMasks(table);
     Big(table);
     return table.Take();

@@ -41,9 +41,15 @@ int main(void) {
     start.hStdOutput = Stream(STD_OUTPUT_HANDLE);
     start.hStdError = Stream(STD_ERROR_HANDLE);
     PROCESS_INFORMATION process;
-    if (!CreateProcessW(program, line, NULL, NULL, TRUE, 0, NULL, NULL, &start, &process)) {
-        fprintf(stderr, "launcher: cannot start %ls, error %lu\n", program, GetLastError());
-        return 127;
+    /* Under load Wine now and then refuses to start a process, with ERROR_INTERNAL_ERROR; nothing has run yet. */
+    int left = 10;
+    while (!CreateProcessW(program, line, NULL, NULL, TRUE, 0, NULL, NULL, &start, &process)) {
+        const DWORD error = GetLastError();
+        if (error != ERROR_INTERNAL_ERROR || --left == 0) {
+            fprintf(stderr, "launcher: cannot start %ls, error %lu\n", program, error);
+            return 127;
+        }
+        Sleep(200);
     }
     DWORD result = 1;
     WaitForSingleObject(process.hProcess, INFINITE);
