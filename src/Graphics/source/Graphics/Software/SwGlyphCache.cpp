@@ -301,7 +301,7 @@ bool SwGlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Ras
     if (samples.bits != nullptr) {
         samples.Coverage(phase.x, phase.y, m_coverage.data());
     } else {
-        std::memset(m_coverage.data(), 0, entry.dataBytes);
+        std::fill_n(m_coverage.data(), entry.dataBytes, uint8_t{0}); // none for a box without pixels
         Feed(shape, m, box, entry.width, entry.height, rasterizer);
         rasterizer.Move(phase.x, phase.y);
         CoverageRows rows(m_coverage.data(), entry.strideBytes);
