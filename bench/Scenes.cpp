@@ -595,6 +595,7 @@ void Corners(Table& table) {
     };
     dashed("corner_dots_fine", 100, 800, 100, {0, 0.2f}, true);
     dashed("corner_dots_many", 1000, 800, 100, {0, 0.2f}, true);
+    dashed("corner_dots_apart", 100, 800, 100, {0, 5}, true);
     dashed("corner_dashes_fine", 100, 800, 2, {0.0625f, 0.0625f}, false);
     dashed("corner_dashes_far", 1000, 2e6f, 1, {1, 1}, false);
     table.Add("corner_cubic_far", [] {

@@ -1,14 +1,41 @@
 // SPDX-License-Identifier: MIT
 // Paths of any floats at all, bit by bit from the input: filled, stroked, dashed, clipped to, widened, combined and
-// hit.
+// hit. What the rasterizer gets of a stroke is counted: it is bounded by the target and the number of segments.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
 
+#include "Exception.h"
 #include "GX/GX.h"
+#include "Geometry/DeviceFeed.h"
+#include "Geometry/Geometry.h"
+#include "Handles.h"
 
 namespace {
+
+constexpr float kWidth = 16;
+constexpr float kHeight = 48;
+/// Eight times the periods that the samples of the target can tell apart, of 15 dashes each.
+constexpr size_t kMostPoints = 400000;
+
+/// Takes an outline in the pixels of the target.
+class Counter final : public Graphics::GeometrySink {
+public:
+    void SetFillRule(uint32_t) override {}
+    void BeginFigure(const GXPoint& p) override { LineTo(p); }
+    void EndFigure() override {}
+    void EndFigureClose() override {}
+    void LineTo(const GXPoint& p) override {
+        ++points;
+        inBand = inBand && p.x >= -Graphics::kDeviceBand && p.x <= Graphics::kDeviceBand &&
+                 p.y >= -Graphics::kDeviceBand && p.y <= Graphics::kDeviceBand;
+    }
+    void CubicTo(const GXPoint&, const GXPoint&, const GXPoint& p) override { LineTo(p); }
+
+    size_t points = 0;
+    bool inBand = true;
+};
 
 class Bytes {
 public:
@@ -35,6 +62,25 @@ private:
 
 void Check(GXResult result) {
     if (result > GXResultInvalidArgument && result != GXResultEngineError) {
+        std::abort();
+    }
+}
+
+/// What would be sent of the shape's stroke.
+void CountStroke(const Graphics::Shape& shape, const GXMatrix& matrix, const GXStrokeStyle& style, float width,
+                 bool adjust) {
+    size_t segments = 0;
+    for (const Graphics::Figure& figure : shape.Figures()) {
+        segments += figure.SegmentCount() + 1;
+    }
+    Graphics::PenStorage storage;
+    Counter counter;
+    try {
+        Graphics::FeedStroke(shape, matrix, Graphics::StrokeStyle(&style), width, adjust, storage,
+                             {0, 0, kWidth, kHeight}, counter);
+    } catch (const Graphics::Exception&) { // a bad pattern
+    }
+    if (counter.points > kMostPoints * (segments + 1) || !counter.inBand) {
         std::abort();
     }
 }
@@ -76,7 +122,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const auto width = bytes.Take<float>();
     const auto matrix = bytes.Take<GXMatrix>();
-    const GXExtBufLayout layout{16, 48, 64, 96, 96};
+    CountStroke(shapes[0]->object->GetShape(), flags < 128 ? Graphics::kIdentity : matrix, style, width,
+                flags % 2U != 0);
+    const GXExtBufLayout layout{static_cast<uint32_t>(kWidth), static_cast<uint32_t>(kHeight), 64, 96, 96};
     GXRenderTarget target = nullptr;
     GXBrush brush = nullptr;
     Check(GXCreateRenderTargetExtBuf(memory.data(), GXPixelFormatPBGRA32, &layout, &target));

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Bodies of recorded pages: packed, read as a file is, and played small on a target that must still paint afterwards.
-// Zeros follow the input, which end every list, so that a body that was cut is a body.
+// A body that was cut is tried with zeros behind it, which end every list.
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 #include "Container.h"
@@ -14,13 +13,23 @@ namespace {
 constexpr float kSide = 64;
 /// Objects and drawings cost what the bytes say, at most this often.
 constexpr size_t kMostBytes = 1U << 16;
+/// More than the rest of any command takes.
+constexpr size_t kMostZeros = 48;
 
-void PaintsStill(GXRenderTarget target) {
+[[nodiscard]] bool Paints(GXRenderTarget target) {
     const GXRect all{0, 0, kSide, kSide};
-    const GXResult results[] = {GXRenderTargetBeginPaint(target), GXRenderTargetInvertRect(target, &all),
-                                GXRenderTargetEndPaint(target)};
-    if (std::any_of(std::begin(results), std::end(results), [](GXResult r) { return r != GXResultSuccess; })) {
-        std::abort();
+    return GXRenderTargetBeginPaint(target) == GXResultSuccess &&
+           GXRenderTargetInvertRect(target, &all) == GXResultSuccess &&
+           GXRenderTargetEndPaint(target) == GXResultSuccess;
+}
+
+[[nodiscard]] bool IsBody(const Gxr::Bytes& body) {
+    try {
+        Gxr::Interpreter check(body, false);
+        check.Run(nullptr, 1.0F);
+        return true;
+    } catch (const Gxr::Error&) {
+        return false;
     }
 }
 
@@ -34,14 +43,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     Gxr::Bytes body(data, data + size);
-    body.resize(size + 1024);
+    while (!IsBody(body)) {
+        if (body.size() == size + kMostZeros) {
+            return 0;
+        }
+        body.push_back(0);
+    }
     try {
         const Gxr::Recording recording(Gxr::Pack(body));
         const auto longest = static_cast<float>(std::max(recording.Page().width, recording.Page().height));
         const float scale = std::min(1.0F, kSide / longest);
         const auto bitmap = Gxr::NewPageBitmap(recording.Page(), scale);
         Gxr::Handle<GXRenderTarget> target;
-        if (GXCreateRenderTargetBitmap(bitmap.Get(), target.Out()) != GXResultSuccess) {
+        if (GXCreateRenderTargetBitmap(bitmap.Get(), target.Out()) != GXResultSuccess || !Paints(target.Get())) {
             return 0; // a format that nothing draws in
         }
         try {
@@ -50,8 +64,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             player.Play(target.Get(), scale);
         } catch (const Gxr::Error&) { // the library refuses an object or a call
         }
-        PaintsStill(target.Get());
-    } catch (const Gxr::Error&) { // refused
+        if (!Paints(target.Get())) {
+            std::abort();
+        }
+    } catch (const Gxr::Error&) { // no memory for the page
     }
     return 0;
 }

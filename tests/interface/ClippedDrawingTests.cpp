@@ -29,7 +29,7 @@ public:
     float Between(float low, float high) { return std::uniform_real_distribution<float>(low, high)(m_random); }
     uint32_t Pick(uint32_t n) { return m_random() % n; }
 
-    enum class Kind { Fill, Stroke, Dashes, FineDashes, Glyphs };
+    enum class Kind { Fill, Stroke, Dashes, FineDashes, Dots, Glyphs };
 
     Scene Make(Kind kind) {
         Scene scene;
@@ -48,6 +48,15 @@ public:
                 scene.style.dashes[i] = Pick(6) == 0 && i > 0 ? 0.0F : Between(0.01F, most);
             }
             scene.style.dashPhase = Pick(2) == 0 ? 0 : Between(-10, 10);
+        }
+        if (kind == Kind::Dots) { // whose caps overlap
+            scene.width = Between(4, Pick(3) == 0 ? 200.0F : 30.0F);
+            scene.style.cap = 1 + Pick(2);
+            scene.style.dashCount = 2 + 2 * Pick(2);
+            for (uint64_t i = 0; i < scene.style.dashCount; i += 2) {
+                scene.style.dashes[i] = Pick(3) == 0 ? Between(0.01F, scene.width) : 0.0F;
+                scene.style.dashes[i + 1] = Between(0.1F, 0.7F * scene.width);
+            }
         }
         EXPECT_EQ(GXCreateGeometry(scene.geometry.Out()), GXResultSuccess);
         if (kind == Kind::Glyphs) {
@@ -176,6 +185,7 @@ TEST(ClippedDrawing, FillsHaveNoSeams) { ExpectNoSeams(Maker::Kind::Fill, 400); 
 TEST(ClippedDrawing, StrokesHaveNoSeams) { ExpectNoSeams(Maker::Kind::Stroke, 1000); }
 TEST(ClippedDrawing, DashesHaveNoSeams) { ExpectNoSeams(Maker::Kind::Dashes, 200); }
 TEST(ClippedDrawing, FineDashesHaveNoSeams) { ExpectNoSeams(Maker::Kind::FineDashes, 100); }
+TEST(ClippedDrawing, OverlappingDotsHaveNoSeams) { ExpectNoSeams(Maker::Kind::Dots, 200); }
 TEST(ClippedDrawing, StrokedLettersHaveNoSeams) { ExpectNoSeams(Maker::Kind::Glyphs, 300); }
 
 TEST(ClippedDrawing, ADashThatIsAloneInAClipIsNotSnapped) {

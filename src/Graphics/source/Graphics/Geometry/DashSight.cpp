@@ -19,6 +19,9 @@ constexpr double kMostUnderCaps = 1024;
 // Pixels of uncertainty that are allowed for. Where rounding moves points further there is no picture to speak of; what
 // is sent of it then follows from the target alone, and no clip changes it either.
 constexpr double kMostMargin = 16;
+// Gaps in a chain, as a share of half the width: beyond, so little of a dash is hidden that it is sent by itself.
+constexpr double kLongestChainGap = 1;
+constexpr double kDiagonal = 1.4142135623730951;
 // Periods are counted in doubles.
 constexpr double kCountable = 0x1p44;
 
@@ -33,18 +36,15 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
     }
     m_halfPixels = plan.half * device.most;
     m_mostScale = pen.most * device.most;
-    double least = std::numeric_limits<double>::infinity(); // gap
     for (uint32_t i = 0; i < sequence.Count(); i += 2) {
         m_hasDots = m_hasDots || sequence.ElementLength(i) == 0;
-        least = std::min(least, sequence.ElementLength(i + 1));
     }
     // The finest and the deepest that any direction makes of them.
     const double wide = plan.targetPixels.right - plan.targetPixels.left;
     const double high = plan.targetPixels.bottom - plan.targetPixels.top;
     const double cap = m_cap * device.most;
     const double finest = m_period * pen.least * device.least;
-    const bool joins = m_cap > 0 && m_period * pen.least <= 2 * plan.half &&
-                       !(least * pen.least > JoinedGap(plan.half * device.least));
+    const bool joins = m_cap > 0 && m_period * pen.least <= 2 * plan.half;
     // More periods than that lie in sight of a segment only where rounding decides what does.
     const double span = wide + high + 4 * kMostMargin;
     m_mostPeriods = 2 * kMostUnderCaps + span / kFinestPeriod;
@@ -72,6 +72,8 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
         m_certain = uncertain <= kMostMargin;
         m_margin += m_certain ? uncertain : kMostMargin;
     }
+    // A dash of a chain is sent as it is only with both neighbours.
+    m_margin += joins ? kLongestChainGap * m_halfPixels : 0.0;
 }
 
 /// In the pen's space. A gap g between round caps of radius h leaves a notch h - sqrt(h^2 - g^2 / 4) deep, about
@@ -106,7 +108,7 @@ void DashSight::Narrow(const Stripes& stripes, const WideRect& pixels, double& f
     }
     from = std::max(lowT - stripes.cap, 0.0);
     to = std::min(highT + stripes.cap, 1.0);
-    if (lowS > 1 || highS < -1 || !(from <= to)) {
+    if (lowS > stripes.half || highS < -stripes.half || !(from <= to)) {
         from = to = 0;
     }
 }
@@ -119,7 +121,9 @@ DashLook DashSight::LookClosely(const Point& a, double dx, double dy, double len
     stripes.along = {m_toDevice.X(pen.x, pen.y), m_toDevice.Y(pen.x, pen.y)};
     stripes.across = {m_toDevice.X(pen.y * k, -pen.x * k), m_toDevice.Y(pen.y * k, -pen.x * k)};
     stripes.area = stripes.along.x * stripes.across.y - stripes.along.y * stripes.across.x;
-    stripes.cap = m_cap / penLength;
+    const bool turned = !m_round && m_hasDots && m_cap > 0 && SquaresTurn(pen);
+    stripes.half = turned ? kDiagonal : 1.0; // a dot's square may stand on its corner
+    stripes.cap = m_cap * stripes.half / penLength;
     const double acrossLength = Length(stripes.across.x, stripes.across.y);
     const double pixels = std::fabs(stripes.area) / acrossLength; // of the whole segment, from edge to edge
     DashLook look{0, length};
@@ -138,9 +142,11 @@ DashLook DashSight::LookClosely(const Point& a, double dx, double dy, double len
     }
     look.scale = std::max({look.scale, 2 * stripes.cap * pixels / (period * kMostUnderCaps),
                            length / (m_period * kCountable), (to - from) * length / (m_period * m_mostPeriods)});
+    look.periods = (to - from) * length / (m_period * look.scale);
     // Periods longer than the pen is wide are few, and not worth another outline.
     if (m_cap > 0 && m_period * penLength <= 2 * m_plan.half * length) {
-        look.join = !m_round && m_hasDots && SquaresTurn(pen) ? 0.0 : JoinedGap(acrossLength) * length / penLength;
+        look.join = turned ? 0.0 : JoinedGap(acrossLength) * length / penLength;
+        look.chain = turned || m_round ? kLongestChainGap * m_plan.half * length / penLength : 0.0;
     }
     // A pen that reaches everything from everywhere leaves nothing to cull, and still shows its dashes in a part alone.
     if (m_plan.cullDashes && m_certain) {

@@ -17,8 +17,10 @@ namespace Graphics {
 struct DashLook {
     double from; // dashes outside of [from, to] are out of sight
     double to;
-    double scale = 1; // the pattern is drawn so many times larger: nobody can see that it is not finer
-    double join = -1; // gaps up to this are closed by caps; none where negative
+    double scale = 1;   // the pattern is drawn so many times larger: nobody can see that it is not finer
+    double join = -1;   // gaps up to this are closed by caps; none where negative
+    double chain = 0;   // gaps up to this make dashes a chain
+    double periods = 0; // that the whole target would show, where they were counted
 };
 
 class DashSight {
@@ -30,10 +32,14 @@ public:
         const DashLook all{0, length};
         return m_plain && length < m_longest ? all : LookClosely(a, dx, dy, length);
     }
+    /// Periods that no segment shows more of in the target.
+    [[nodiscard]] double MostPeriods() const noexcept { return m_mostPeriods; }
     /// How far the cut off corner between two segments, as vectors of length 1, may be taken for none.
     [[nodiscard]] bool Straight(double cosine) const noexcept { return m_halfPixels * (1 - cosine) <= 4 * kJoinError; }
     /// The same for a point so far, in user units, beside the path.
     [[nodiscard]] bool Near(double distance) const noexcept { return distance * m_mostScale <= kNotch; }
+    /// Whether a dash may be part of a chain: of squares dots alone.
+    [[nodiscard]] bool Chains(bool dot) const noexcept { return dot || m_round; }
     /// Whether a dash without length leaves anything on the page.
     [[nodiscard]] bool Dots() const noexcept { return m_cap > 0; }
     /// Bit set of the sides of the target, the pen's reach included, that a point lies beyond.
@@ -54,6 +60,7 @@ private:
         Vector start, along, across; // device
         double area;                 // cross product of along and across
         double cap;                  // their reach, as a share of the segment
+        double half;                 // and across, in half widths
     };
 
     [[nodiscard]] DashLook LookClosely(const Point& a, double dx, double dy, double length) const noexcept;
@@ -73,7 +80,7 @@ private:
     bool m_plain = false; // every segment up to m_longest shows all its dashes as they are
     double m_longest = 0;
     double m_mostPeriods = 0; // on one segment
-    double m_margin = 2;      // pixels
+    double m_margin = 2;      // pixels, around what is seen of a segment
     bool m_certain = true;    // points are off by less than the margin
     double m_halfPixels = 0;
     double m_mostScale = 1; // pixels per user unit

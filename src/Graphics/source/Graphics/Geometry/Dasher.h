@@ -31,6 +31,7 @@ public:
     void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
 
     void BeginFigure(const Point& start) override {
+        EndChain();
         m_index = m_pattern.Index();
         m_remaining = m_pattern.Remaining();
         m_start = m_current = start;
@@ -53,6 +54,11 @@ public:
             m_sight != nullptr && s.length > 0 ? m_sight->Look(m_current, s.dx, s.dy, s.length) : DashLook{0, s.length};
         if (m_hidden) {
             s.look.from = s.look.to = 0;
+        } else if (m_inCurve) {
+            if (s.look.periods > m_budget) {
+                s.look.scale *= s.look.periods / std::max(m_budget, 1.0);
+            }
+            m_budget -= s.look.periods;
         }
         s.run = s.length;
         if (s.look.scale != 1) {
@@ -66,6 +72,8 @@ public:
             m_remaining -= s.run;
         }
         m_current = p;
+        m_chainEnd -= s.length;
+        m_corner = true;
         if (!InGap()) {
             m_sink.LineTo(p);
         }
@@ -92,10 +100,14 @@ public:
             m_hidden = false;
             return CurvePlace::Handled;
         };
+        m_inCurve = m_sight != nullptr;
+        m_budget = m_inCurve ? kCurveBudget * m_sight->MostPeriods() : 0.0;
         FlattenBounded(curve, tolerance, kPlainSteps, place, [this](const Point& p) { LineTo(p); });
+        m_inCurve = false;
     }
 
     void EndFigure() override {
+        EndChain();
         if (m_open) {
             m_sink.EndFigure();
         }
@@ -110,6 +122,9 @@ public:
 private:
     static constexpr uint32_t kPlainSteps = 1024;
     static constexpr int kCoarseSteps = 64;
+    // A cubic has up to five parts between its extremes in x and y, none of which crosses the target twice. Where its
+    // steps show more periods than that they come from rounding, and the rest is drawn with a coarser pattern.
+    static constexpr double kCurveBudget = 8;
     // Beyond this many dashes of a call nobody has the memory for their outlines.
     static constexpr double kMostDashes = 0x1p24;
     static constexpr double kCountable = 0x1p48;
@@ -156,8 +171,7 @@ private:
             if (to < s.run) {
                 SendDash(s, from, to);
             } else {
-                m_sink.BeginFigure(PointAt(s, from));
-                m_open = true;
+                Open(PointAt(s, from));
             }
         });
     }
@@ -213,11 +227,54 @@ private:
     }
 
     void SendDash(const Segment& s, double from, double to) {
-        if (to >= s.look.from && from <= s.look.to && (to > from || m_sight == nullptr || m_sight->Dots())) {
-            m_sink.BeginFigure(PointAt(s, from));
-            m_sink.LineTo(PointAt(s, to));
+        if (!(to >= s.look.from && from <= s.look.to && (to > from || m_sight == nullptr || m_sight->Dots()))) {
+            return;
+        }
+        const Point start = PointAt(s, from);
+        if (!StartInChain(s, start, from, to)) {
+            m_sink.BeginFigure(start);
+        }
+        m_sink.LineTo(PointAt(s, to));
+        if (!m_chain) {
             m_sink.EndFigure();
         }
+    }
+
+    /// Whether the dash goes on with a chain. If not the chain has ended, and perhaps another one starts here.
+    bool StartInChain(const Segment& s, const Point& start, double from, double to) {
+        if constexpr (requires { m_sink.Gap(start); }) {
+            if (!m_chain && !(s.look.chain > 0)) {
+                return false;
+            }
+            const bool dot = from == to;
+            const bool chains = s.look.chain > 0 && m_sight->Chains(dot);
+            const bool follows = m_chain && chains && (!m_corner || (dot && m_chainDot)) &&
+                                 from * s.look.scale - m_chainEnd <= s.look.chain;
+            if (follows) {
+                m_sink.Gap(start);
+            } else {
+                EndChain();
+            }
+            m_chain = chains;
+            m_chainDot = dot;
+            m_chainEnd = to * s.look.scale;
+            m_corner = false;
+            return follows;
+        }
+        return false;
+    }
+
+    void Open(const Point& start) {
+        EndChain();
+        m_sink.BeginFigure(start);
+        m_open = true;
+    }
+
+    void EndChain() {
+        if (m_chain) {
+            m_sink.EndFigure();
+        }
+        m_chain = false;
     }
 
     /// The same where caps close gaps.
@@ -289,8 +346,7 @@ private:
             return;
         }
         if (!m_open) {
-            m_sink.BeginFigure(PointAt(s, run.from));
-            m_open = true;
+            Open(PointAt(s, run.from));
         }
         if (inGap) {
             m_gapStart = PointAt(s, run.to);
@@ -323,9 +379,15 @@ private:
     double m_dashes = 0; // twice as many as were sent, where nothing is out of sight
     Point m_start{};
     Point m_current{};
-    bool m_hidden = false; // the segment belongs to a piece of a curve beside the target
-    bool m_open = false;   // the sink has a figure: in a dash, and in a gap that caps may close
-    Point m_gapStart{};    // of such a gap, with the direction in which the dash before it ended
+    bool m_inCurve = false;
+    double m_budget = 0;     // of periods, for the rest of the curve
+    bool m_hidden = false;   // the segment belongs to a piece of a curve beside the target
+    bool m_open = false;     // the sink has a figure: in a dash, and in a gap that caps may close
+    bool m_chain = false;    // or a chain, in which another dash may follow
+    bool m_chainDot = false; // whose last dash has no length
+    bool m_corner = false;   // and ended before the last corner, over which dots alone go on
+    double m_chainEnd = 0;   // along the path, from the segment's start
+    Point m_gapStart{};      // of such a gap, with the direction in which the dash before it ended
     double m_gapLength = 0;
     double m_gapX = 0, m_gapY = 0;
 };

@@ -24,6 +24,16 @@ public:
         m_outline.EndOpen();
         SendFirst();
     }
+    /// The dash that has been sent so far ends here, and the next one starts at `p`, at most half the pen away: their
+    /// outlines become one, as far as that is simple.
+    void Gap(const Point& p) {
+        if (!m_outline.Gap(p)) {
+            const Point end = m_outline.Current();
+            EndFigure();
+            m_outline.Begin(end);
+            static_cast<void>(m_outline.Gap(p));
+        }
+    }
     void EndFigureClose() override {
         m_outline.EndClosed();
         SendFirst();

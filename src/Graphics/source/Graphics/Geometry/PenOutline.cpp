@@ -3,8 +3,6 @@
 
 #include <cmath>
 
-#include "../Trigonometry.h"
-
 namespace Graphics {
 namespace {
 
@@ -63,10 +61,12 @@ void PenOutline::Begin(const Point& start) noexcept {
     m_leavesOut = false;
     m_segments = 0;
     m_skip = 0;
+    m_gapTurn = 0;
+    m_stairs = false;
 }
 
 void PenOutline::LineTo(const Point& p) {
-    const Point& current = m_hasPending ? m_pending : m_fixed;
+    const Point& current = Current();
     if (p.x == current.x && p.y == current.y) {
         return;
     }
@@ -107,7 +107,7 @@ void PenOutline::Flush() {
 }
 
 void PenOutline::CubicTo(const Point& c1, const Point& c2, const Point& end) {
-    const WideCurve curve(m_hasPending ? m_pending : m_fixed, c1, c2, end);
+    const WideCurve curve(Current(), c1, c2, end);
     float tolerance = m_tolerance;
     if (m_refineCurves) {
         tolerance = StrokeCurveTolerance(curve, tolerance, static_cast<float>(m_half));
@@ -147,12 +147,18 @@ void PenOutline::AddSegment(const Point& a, const Point& b) {
     }
     if (m_segments == 0) {
         m_first = s;
+    }
+    if (m_gapTurn > 0) {
+        TurnFromNotch(a, 0, 0);
+    }
+    if (m_segments == 0 || m_gapTurn > 0) {
         Push(m_left, a, s.n.x, s.n.y);
         Push(m_right, a, -s.n.x, -s.n.y);
     } else {
         Join(a, m_last, s);
     }
     m_last = s;
+    m_gapTurn = 0;
     ++m_segments;
 }
 
@@ -243,6 +249,13 @@ void PenOutline::EndOpen() {
         Dot();
         return;
     }
+    if (m_stairs) {
+        EndStairs();
+        return;
+    }
+    if (m_gapTurn > 0) {
+        TurnFromNotch(m_fixed, 0, 0);
+    }
     // A square cap moves the end itself, which keeps a stroked line a rectangle of four corners.
     const double reach = m_cap == GXLineCapSquare ? m_half : 0.0;
     const Vector first{m_first.u.x * reach, m_first.u.y * reach};
@@ -263,6 +276,121 @@ void PenOutline::EndOpen() {
         m_left.push_back(m_right[i]);
     }
     Arc(m_left, m_start, {-m_first.n.x, -m_first.n.y}, kPi, capPoints);
+    m_right.clear();
+}
+
+bool PenOutline::Gap(const Point& to) {
+    Flush();
+    Segment gap;
+    if (!MakeSegment(m_fixed, to, gap)) {
+        return true;
+    }
+    if (m_cap == GXLineCapSquare) {
+        const Vector quadrant = Quadrant(gap.u);
+        if (m_segments != 0 && (quadrant.x != m_quadrant.x || quadrant.y != m_quadrant.y)) {
+            return false;
+        }
+        Stairs(m_fixed, to, quadrant);
+    } else if (!Notch(m_fixed, gap)) {
+        return false;
+    }
+    if (m_segments == 0) {
+        m_first = gap;
+    }
+    m_last = gap;
+    ++m_segments;
+    m_fixed = to;
+    m_runOutside = OutsideOf(to);
+    return true;
+}
+
+/// From beside a, or from the notches of the gap that ends there, to those of the gap that starts there.
+bool PenOutline::Notch(const Point& a, const Segment& gap) {
+    const SineCosine phi = NotchTurn(gap.length);
+    const double turn = Angle(phi.sine, phi.cosine);
+    if (m_gapTurn > 0) {
+        const double bend =
+            Angle(m_last.u.x * gap.u.y - m_last.u.y * gap.u.x, m_last.u.x * gap.u.x + m_last.u.y * gap.u.y);
+        if (!(std::fabs(bend) <= m_gapTurn + turn)) {
+            return false;
+        }
+        TurnFromNotch(a, turn, bend);
+    } else {
+        const Vector& n = m_segments == 0 ? gap.n : m_last.n;
+        Push(m_left, a, n.x, n.y);
+        Push(m_right, a, -n.x, -n.y);
+        Arc(m_left, a, gap.n, turn, ArcPoints(turn));
+        Arc(m_right, a, {-gap.n.x, -gap.n.y}, -turn, ArcPoints(turn));
+    }
+    const Vector n{gap.n.x * phi.cosine, gap.n.y * phi.cosine};
+    const Vector along{gap.u.x * m_half * phi.sine, gap.u.y * m_half * phi.sine};
+    Push(m_left, a, along.x + n.x, along.y + n.y);
+    Push(m_right, a, along.x - n.x, along.y - n.y);
+    m_gapTurn = turn;
+    return true;
+}
+
+/// Of phi.
+SineCosine PenOutline::NotchTurn(double gap) const noexcept {
+    const double sine = std::min(0.5 * gap / m_half, 1.0);
+    return {sine, std::sqrt((1 - sine) * (1 + sine))};
+}
+
+void PenOutline::TurnFromNotch(const Point& c, double beyond, double bend) {
+    const SineCosine phi = NotchTurn(m_last.length);
+    const Vector n{m_last.n.x * phi.cosine, m_last.n.y * phi.cosine};
+    const Vector along{m_last.u.x * m_half * phi.sine, m_last.u.y * m_half * phi.sine};
+    const double left = m_gapTurn + beyond + bend, right = m_gapTurn + beyond - bend;
+    // One point more than the tolerance asks for: a dot of which only this arc shows keeps its height.
+    Arc(m_left, c, {n.x - along.x, n.y - along.y}, left, ArcPoints(left) + 1);
+    Arc(m_right, c, {-n.x - along.x, -n.y - along.y}, -right, ArcPoints(right) + 1);
+}
+
+PenOutline::Vector PenOutline::Quadrant(const Vector& v) const noexcept {
+    const double p = v.x * m_dotDirection.x + v.y * m_dotDirection.y;
+    const double q = v.y * m_dotDirection.x - v.x * m_dotDirection.y;
+    return {p < 0 ? -1.0 : 1.0, q < 0 ? -1.0 : 1.0};
+}
+
+PenOutline::Vector PenOutline::SquareCorner(const Vector& signs) const noexcept {
+    const Vector u{m_dotDirection.x * m_half, m_dotDirection.y * m_half};
+    return {signs.x * u.x - signs.y * u.y, signs.x * u.y + signs.y * u.x};
+}
+
+/// With p and q the way from a to b along both directions of the squares, the corners beside it are those of unequal
+/// signs, (+, -) on the left where p q > 0. The side of a's square that points forward goes on to where b's crosses it.
+void PenOutline::Stairs(const Point& a, const Point& b, const Vector& quadrant) {
+    const double dx = static_cast<double>(b.x) - a.x, dy = static_cast<double>(b.y) - a.y;
+    const double q = dy * m_dotDirection.x - dx * m_dotDirection.y;
+    const double p = dx * m_dotDirection.x + dy * m_dotDirection.y;
+    const bool turns = quadrant.x * quadrant.y < 0;
+    const auto step = [&](HeapArray<Point>& side, bool aheadInP) {
+        const Vector corner =
+            SquareCorner(aheadInP ? Vector{quadrant.x, -quadrant.y} : Vector{-quadrant.x, quadrant.y});
+        Push(side, a, corner.x, corner.y);
+        // From a's corner against the direction in which it is behind.
+        const double x = aheadInP ? -q * m_dotDirection.y : p * m_dotDirection.x;
+        const double y = aheadInP ? q * m_dotDirection.x : p * m_dotDirection.y;
+        Push(side, a, corner.x + x, corner.y + y);
+    };
+    step(m_left, !turns);
+    step(m_right, turns);
+    m_stairs = true;
+    m_quadrant = quadrant;
+}
+
+void PenOutline::EndStairs() {
+    const bool turns = m_quadrant.x * m_quadrant.y < 0;
+    const Vector ahead = SquareCorner(m_quadrant);
+    const Vector beside = SquareCorner({m_quadrant.x, -m_quadrant.y});
+    const double sign = turns ? -1.0 : 1.0;
+    Push(m_left, m_fixed, sign * beside.x, sign * beside.y);
+    Push(m_left, m_fixed, ahead.x, ahead.y);
+    Push(m_left, m_fixed, -sign * beside.x, -sign * beside.y);
+    for (size_t i = m_right.size(); i-- > 0;) {
+        m_left.push_back(m_right[i]);
+    }
+    Push(m_left, m_start, -ahead.x, -ahead.y);
     m_right.clear();
 }
 

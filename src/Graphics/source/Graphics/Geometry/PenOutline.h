@@ -14,11 +14,19 @@
 // taken away, the kite between the centre, the two offset ends and the intersection, is then covered by both rectangles
 // and by no other such kite of these, and at least one winding is left. Elsewhere the inner side goes over the centre,
 // which takes away nothing.
+//
+// Dashes whose caps overlap are one outline, a chain, so that a dot costs what can be seen of it and not its whole
+// circle. Between two of them, d apart, round caps of radius h meet in a notch,
+//
+//        ...__      __...            sqrt(h^2 - d^2 / 4) beside the middle of the gap; each cap has turned by
+//             \_  _/                 phi = asin(d / 2h) there. Squares without length (dots) make stairs: the corner
+//          a    \/    b              beside the way is followed by the point that it shares with the next square.
 #pragma once
 
 #include <span>
 
 #include "../ProcessHeap.h"
+#include "../Trigonometry.h"
 #include "CurveFlattener.h"
 #include "PenView.h"
 #include "StrokeStyle.h"
@@ -59,6 +67,11 @@ public:
     void Begin(const Point& start) noexcept;
     void LineTo(const Point& p);
     void CubicTo(const Point& c1, const Point& c2, const Point& end);
+    /// Ends a dash at the current point and starts the next one at `to`, which is at most half the width away; square
+    /// caps take only dashes without length. False, with nothing done, where the chain bends so much that its inner
+    /// side would turn back: it has to end here and start anew.
+    [[nodiscard]] bool Gap(const Point& to);
+    [[nodiscard]] const Point& Current() const noexcept { return m_hasPending ? m_pending : m_fixed; }
 
     /// One closed figure in First.
     void EndOpen();
@@ -99,6 +112,16 @@ private:
     [[nodiscard]] bool ArcUnseen(const Point& c, const Vector& v, const Vector& w) const noexcept;
     [[nodiscard]] double ArcPoints(double angle) const noexcept;
     void Dot();
+    [[nodiscard]] bool Notch(const Point& a, const Segment& gap);
+    [[nodiscard]] SineCosine NotchTurn(double gap) const noexcept;
+    /// Around `c`, at which a gap ended, from its notches to the points beside c and by `beyond` further; where the
+    /// chain bends there the left side has so much more, the right one less.
+    void TurnFromNotch(const Point& c, double beyond, double bend);
+    /// The quadrant of the dots' square that the vector points into, as signs.
+    [[nodiscard]] Vector Quadrant(const Vector& v) const noexcept;
+    [[nodiscard]] Vector SquareCorner(const Vector& signs) const noexcept;
+    void Stairs(const Point& a, const Point& b, const Vector& quadrant);
+    void EndStairs();
 
     static void Push(HeapArray<Point>& side, const Point& c, double dx, double dy) {
         side.push_back({static_cast<float>(c.x + dx), static_cast<float>(c.y + dy)});
@@ -136,6 +159,10 @@ private:
     Segment m_first{};
     Segment m_last{};
     size_t m_skip = 0; // leading points that a closed figure's start join replaces
+
+    double m_gapTurn = 0;    // phi of the gap that ends at m_fixed; 0 where a dash does
+    bool m_stairs = false;   // the figure is a chain of squares
+    Vector m_quadrant{0, 0}; // into which they go
 };
 
 } // namespace Graphics

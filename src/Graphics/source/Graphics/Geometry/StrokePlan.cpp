@@ -15,6 +15,9 @@ constexpr double kSafeBand = 32000;
 // outline keeps coordinates that floats resolve.
 constexpr double kWidestPen = 16;
 constexpr double kMostHalf = 1e37;
+// Paths from here on may have outlines beyond the floats. Their pens work in smaller units.
+constexpr double kFarthest = 1e36;
+constexpr float kSmaller = 0x1p20F;
 constexpr double kPlainHalf = 16; // a target's pixel times as many
 
 [[nodiscard]] WideRect Wide(const Rect& r) noexcept { return {r.left, r.top, r.right, r.bottom}; }
@@ -77,6 +80,10 @@ StrokePlan::StrokePlan(const Rect& box, const Matrix& m, const StrokeStyle& styl
         userHalf = UsefulHalf(halfDevice / userScale, Wide(box), seen);
         SetPen(kIdentity, m, userHalf, userTolerance);
     }
+    if (Farthest(deviceSpace ? path : Wide(box)) > kFarthest) {
+        SetPen(Concat(toPen, {1 / kSmaller, 0, 0, 1 / kSmaller, 0, 0}),
+               Concat({kSmaller, 0, 0, kSmaller, 0, 0}, toDevice), half / kSmaller, tolerance / kSmaller);
+    }
 
     const auto rounding = [&](float x, float y, float shift) {
         const double across = std::fabs(static_cast<double>(x)) * std::max(std::fabs(box.left), std::fabs(box.right));
@@ -87,8 +94,10 @@ StrokePlan::StrokePlan(const Rect& box, const Matrix& m, const StrokeStyle& styl
     const WideRect inReach = InReachOf(visiblePixels);
     nothing = inReach.Misses(around);
     cull = !inReach.Holds(around);
-    cullDashes =
-        cull || std::isinf(m_factor) || !visiblePixels.Inflated(m_reachX / m_factor, m_reachY / m_factor).Holds(around);
+    // However wide the pen is: of a path that is much longer than the target, most dashes are beside it.
+    const double across = std::min(m_reachX / m_factor, targetPixels.right - targetPixels.left);
+    const double down = std::min(m_reachY / m_factor, targetPixels.bottom - targetPixels.top);
+    cullDashes = cull || std::isinf(m_factor) || !visiblePixels.Inflated(across, down).Holds(around);
     cullTarget = cull && !InReachOf(targetPixels).Holds(around);
     partial = cull && !visiblePixels.Holds(targetPixels);
     inBand = WideRect{-kSafeBand, -kSafeBand, kSafeBand, kSafeBand}.Holds(InReachOf(around));

@@ -20,6 +20,9 @@ public:
     void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
         m_sink.CubicTo(Map(m_matrix, c1), Map(m_matrix, c2), Map(m_matrix, end));
     }
+    /// For pens: the next dash of a chain starts at `p`.
+    void Gap(const Point& p) requires requires(Sink& sink) { sink.Gap(p); }
+    { m_sink.Gap(Map(m_matrix, p)); }
 
 private:
     const Matrix m_matrix;
