@@ -2,10 +2,14 @@
 // Aligned blocks of every size change their size with their contents, on both sides of where they come from the system.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
 #include <numeric>
+#include <vector>
 
 #include "Exception.h"
 #include "ProcessHeap.h"
+#include "SpareBlocks.h"
 
 namespace Graphics {
 namespace {
@@ -61,6 +65,35 @@ TEST(ProcessHeap, ARefusedChangeLeavesTheBlock) {
     EXPECT_THROW(array.reserve(SIZE_MAX / 4 * 3), Exception);
     EXPECT_EQ(array.size(), kSystem);
     EXPECT_EQ(array[7], 77);
+}
+
+TEST(ProcessHeap, BlocksOfMiddleSizeWaitWithinABound) {
+    for (const size_t bytes : {SpareBlocks::kLeastBytes, size_t{70000}, kSystem - 1, kSystem, kSystem + 1,
+                               SpareBlocks::kMostBytes - 1, SpareBlocks::kMostBytes}) {
+        void* const block = ProcessHeap::AllocAligned(bytes);
+        std::memset(block, 0xAB, bytes);
+        ProcessHeap::FreeAligned(block, bytes);
+        auto* const zeroed = static_cast<const uint8_t*>(ProcessHeap::AllocZeroed(bytes));
+        EXPECT_EQ(std::count(zeroed, zeroed + bytes, 0), static_cast<ptrdiff_t>(bytes)) << bytes;
+        // Of a length next to it, too.
+        void* const again = ProcessHeap::AllocAligned(bytes - bytes / 100);
+        EXPECT_EQ(again, block) << bytes;
+        ProcessHeap::FreeAligned(again, bytes - bytes / 100);
+        ProcessHeap::FreeAligned(const_cast<uint8_t*>(zeroed), bytes);
+        EXPECT_LE(SpareBlocks::Rounded(bytes), bytes + bytes / 8 + 1);
+    }
+    std::vector<void*> blocks(100);
+    for (size_t i = 0; i < blocks.size(); ++i) {
+        blocks[i] = ProcessHeap::AllocAligned(kSystem + i * 4096);
+    }
+    for (size_t i = 0; i < blocks.size(); ++i) {
+        ProcessHeap::FreeAligned(blocks[i], kSystem + i * 4096);
+        EXPECT_LE(SpareBlocks::Waiting(), SpareBlocks::kKeptBytes);
+    }
+    EXPECT_GT(SpareBlocks::Waiting(), SpareBlocks::kKeptBytes - SpareBlocks::kMostBytes);
+    const size_t waiting = SpareBlocks::Waiting();
+    ProcessHeap::FreeAligned(ProcessHeap::AllocAligned(SpareBlocks::kMostBytes * 2), SpareBlocks::kMostBytes * 2);
+    EXPECT_EQ(SpareBlocks::Waiting(), waiting) << "large blocks go straight back";
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "Exception.h"
+#include "SpareBlocks.h"
 #include "SystemPages.h"
 
 namespace Graphics {
@@ -30,12 +31,32 @@ void Count(size_t bytes, int64_t sign) noexcept {
     }
 }
 
-[[nodiscard]] void* Take(size_t bytes) noexcept {
-    void* block = nullptr;
-    if (bytes <= SIZE_MAX / 2) {
-        block = IsOfSystem(bytes)
-                    ? SystemPages::Alloc(bytes)
-                    : ::operator new (std::max<size_t>(bytes, 1), std::align_val_t{kAlignment}, std::nothrow);
+// Sizes from here on are those of blocks (SpareBlocks::Rounded).
+
+[[nodiscard]] void* New(size_t size) noexcept {
+    return IsOfSystem(size) ? SystemPages::Alloc(size)
+                            : ::operator new (std::max<size_t>(size, 1), std::align_val_t{kAlignment}, std::nothrow);
+}
+
+void Delete(void* block, size_t size) noexcept {
+    if (IsOfSystem(size)) {
+        SystemPages::Free(block, size);
+    } else {
+        ::operator delete (block, std::align_val_t{kAlignment});
+    }
+}
+
+[[nodiscard]] void* Take(size_t bytes, bool zeroed) noexcept {
+    if (bytes > SIZE_MAX / 2) {
+        return nullptr;
+    }
+    const size_t size = SpareBlocks::Rounded(bytes);
+    void* block = SpareBlocks::Keeps(size) && !zeroed ? SpareBlocks::Take(size) : nullptr;
+    if (block == nullptr) {
+        block = New(size);
+        if (zeroed && block != nullptr && !IsOfSystem(size)) {
+            std::memset(block, 0, bytes);
+        }
     }
     if (block != nullptr) {
         Count(bytes, 1);
@@ -45,11 +66,18 @@ void Count(size_t bytes, int64_t sign) noexcept {
 
 void Give(void* block, size_t bytes) noexcept {
     Count(bytes, -1);
-    if (IsOfSystem(bytes)) {
-        SystemPages::Free(block, bytes);
+    const size_t size = SpareBlocks::Rounded(bytes);
+    if (SpareBlocks::Keeps(size)) {
+        SpareBlocks::Keep(block, size, Delete);
     } else {
-        ::operator delete (block, std::align_val_t{kAlignment});
+        Delete(block, size);
     }
+}
+
+/// False where the block is not the system's, or will not be.
+[[nodiscard]] bool Resizes(const void* block, size_t bytes, size_t newBytes) noexcept {
+    return block != nullptr && newBytes <= SIZE_MAX / 2 && IsOfSystem(SpareBlocks::Rounded(bytes)) &&
+           IsOfSystem(SpareBlocks::Rounded(newBytes));
 }
 
 [[nodiscard]] bool Refused() noexcept {
@@ -69,7 +97,7 @@ void* ProcessHeap::Alloc(size_t bytes) {
 }
 
 void* ProcessHeap::AllocAligned(size_t bytes) {
-    void* block = Refused() ? nullptr : Take(bytes);
+    void* block = Refused() ? nullptr : Take(bytes, false);
     if (block == nullptr) {
         GX_RAISE("Graphics::ProcessHeap::AllocAligned", "Not enough memory");
     }
@@ -77,9 +105,9 @@ void* ProcessHeap::AllocAligned(size_t bytes) {
 }
 
 void* ProcessHeap::AllocZeroed(size_t bytes) {
-    void* block = AllocAligned(bytes);
-    if (!IsOfSystem(bytes)) {
-        std::memset(block, 0, bytes);
+    void* block = Refused() ? nullptr : Take(bytes, true);
+    if (block == nullptr) {
+        GX_RAISE("Graphics::ProcessHeap::AllocZeroed", "Not enough memory");
     }
     return block;
 }
@@ -87,13 +115,13 @@ void* ProcessHeap::AllocZeroed(size_t bytes) {
 void* ProcessHeap::ReallocAligned(void* block, size_t bytes, size_t newBytes, size_t keptBytes) {
     void* moved = nullptr;
     if (!Refused()) {
-        const bool resize = block != nullptr && IsOfSystem(bytes) && IsOfSystem(newBytes) && newBytes <= SIZE_MAX / 2;
-        if (resize) {
-            moved = SystemPages::Resize(block, bytes, newBytes);
-        } else if ((moved = Take(newBytes)) != nullptr && keptBytes != 0) {
+        const bool resizes = Resizes(block, bytes, newBytes);
+        if (resizes) {
+            moved = SystemPages::Resize(block, SpareBlocks::Rounded(bytes), SpareBlocks::Rounded(newBytes));
+        } else if ((moved = Take(newBytes, false)) != nullptr && keptBytes != 0) {
             std::memcpy(moved, block, keptBytes);
         }
-        if (moved != nullptr && resize) {
+        if (moved != nullptr && resizes) {
             Count(bytes, -1);
             Count(newBytes, 1);
         } else if (moved != nullptr) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The allocator of large working buffers: pixels, paths, scan-line storage. Every failure is the engine error
-// "Not enough memory". Aligned blocks are freed by their size; from kSystemBytes on they come straight from the system
-// and go straight back, so that a heap never keeps the gaps that pixels leave. A test may make the nth allocation fail,
-// and read what aligned blocks are held.
+// "Not enough memory". Aligned blocks are freed by their size; from kSystemBytes on they come straight from the system,
+// and the large ones go straight back, so that a heap never keeps the gaps that pixels leave; a few of middle size wait
+// for the next call (SpareBlocks). A test may make the nth allocation fail, and read what aligned blocks are held.
 #pragma once
 
 #include <algorithm>

@@ -107,6 +107,20 @@ void CellCombiner::Halve(PlaneAxis axis, float at, const HeapArray<Edge>& edges,
     MoveToBorder(axis, at, low, lows, high);
 }
 
+/// Edges mostly follow each other around a ring, whose steps inside of a run then add up to nothing.
+void CellCombiner::AddStep(const WeightStep& step) {
+    if (m_steps.empty() || m_steps.back().at != step.at) {
+        m_steps.push_back(step);
+        return;
+    }
+    WeightStep& last = m_steps.back();
+    last.a += step.a;
+    last.b += step.b;
+    if (last.a == 0 && last.b == 0) {
+        m_steps.pop_back();
+    }
+}
+
 /// Adds up what edges at one side of a border are when moved to it, and gives it to the other side. What lies on the
 /// border itself the other side has already.
 void CellCombiner::MoveToBorder(PlaneAxis axis, float at, const HeapArray<Edge>& from, size_t count,
@@ -116,8 +130,8 @@ void CellCombiner::MoveToBorder(PlaneAxis axis, float at, const HeapArray<Edge>&
         const Edge& e = from[i];
         const float begin = Across(axis, e.from), end = Across(axis, e.to);
         if (begin != end && !(Along(axis, e.from) == at && Along(axis, e.to) == at)) {
-            m_steps.push_back({begin, e.a, e.b});
-            m_steps.push_back({end, -e.a, -e.b});
+            AddStep({begin, e.a, e.b});
+            AddStep({end, -e.a, -e.b});
         }
     }
     std::sort(m_steps.begin(), m_steps.end(), [](const WeightStep& s, const WeightStep& t) { return s.at < t.at; });

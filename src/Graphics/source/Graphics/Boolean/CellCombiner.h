@@ -83,6 +83,7 @@ private:
     [[nodiscard]] Box BoxOf(const Region& region) const noexcept;
     void Divide(const Region& region, HeapArray<Edge>& edges);
     void Halve(PlaneAxis axis, float at, const HeapArray<Edge>& edges, HeapArray<Edge>& low, HeapArray<Edge>& high);
+    void AddStep(const WeightStep& step);
     void MoveToBorder(PlaneAxis axis, float at, const HeapArray<Edge>& from, size_t count, HeapArray<Edge>& to);
     void PutEdge(const Box& box, const Point& from, const Point& to);
     [[nodiscard]] bool Simple(const HeapArray<Edge>& edges) const noexcept;
