@@ -11,6 +11,7 @@
 #include "ProcessHeap.h"
 #include "RefusingNew.h"
 #include "Software/Kernels/SwKernels.h"
+#include "Software/SwSpareBlock.h"
 #include "Target/RenderTarget.h"
 
 namespace Graphics {
@@ -29,6 +30,7 @@ struct Canvas {
         bitmap->ColorFill(nullptr, {0, 0, 0, 0});
         target = RenderTarget::ForBitmap(bitmap);
         target->BeginPaint();
+        SwSpareBlock::Drop(); // what other targets left
     }
     [[nodiscard]] RenderTargetBase& Calls() const { return target->BackEnd(); }
     void Fill(const Rect& r, const Color& color) const {
@@ -191,7 +193,42 @@ TEST(LayerMemory, GroupsOfAllSizesHoldNoMoreThanWereOpenAtOnce) {
         ASSERT_LT(Held() - held, most + kKept) << edge;
     }
     canvas.target->EndPaint();
+    EXPECT_LT(Held() - held, kKept + static_cast<int64_t>(SwSpareBlock::kMostBytes));
+    SwSpareBlock::Drop();
     EXPECT_LT(Held() - held, kKept);
+}
+
+TEST(LayerMemory, OneLargeBlockWaitsForAllTargets) {
+    constexpr uint32_t kSide = 700;
+    constexpr int64_t kPlanes = int64_t{kSide} * kSide * 6;
+    std::vector<Canvas> canvases;
+    for (int i = 0; i < 20; ++i) {
+        canvases.emplace_back(kSide, kSide);
+    }
+    const auto page = [](const Canvas& canvas, float edge) {
+        canvas.Open(1);
+        canvas.Open(1);
+        canvas.Fill({0, 0, edge, edge}, kGreen);
+        canvas.Calls().EndLayer();
+        canvas.Calls().EndLayer();
+        canvas.target->EndPaint();
+    };
+    const int64_t before = ProcessHeap::AlignedHeld().systemBytes;
+    for (const Canvas& canvas : canvases) {
+        page(canvas, kSide);
+        EXPECT_EQ(ProcessHeap::AlignedHeld().systemBytes - before, kPlanes) << "of two groups' planes one block waits";
+    }
+    // It is painted with again, by whichever target asks first.
+    canvases[3].target->BeginPaint();
+    canvases[3].Open(1);
+    canvases[3].Fill({0, 0, kSide, kSide}, kGreen);
+    EXPECT_EQ(ProcessHeap::AlignedHeld().systemBytes - before, kPlanes);
+    canvases[3].target->EndPaint();
+    EXPECT_EQ(canvases[3].Pixels(), std::vector<uint32_t>(size_t{kSide} * kSide, 0xFF00FF00U));
+    // What is larger than the bound goes at once.
+    Canvas large(1800, 1800);
+    page(large, 1800);
+    EXPECT_EQ(ProcessHeap::AlignedHeld().systemBytes - before, 1800 * 1800 * 4);
 }
 
 /// Counts the pixels that some kernels are given while it lives.

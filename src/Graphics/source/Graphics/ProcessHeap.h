@@ -19,6 +19,9 @@ public:
     /// takes to fill a megabyte, and a large one of what it takes to fill less.
     static constexpr size_t kSystemBytes = size_t{1} << 20;
 
+    /// What an array that a target fills again and again keeps after painting: enough for nearly all that is drawn.
+    static constexpr size_t kWorkingBytes = size_t{128} << 10;
+
     [[nodiscard]] static void* Alloc(size_t bytes);
     /// Aligned to 64 bytes (a cache line, and the widest vector).
     [[nodiscard]] static void* AllocAligned(size_t bytes);
@@ -104,6 +107,12 @@ public:
     }
     /// Gives the memory back.
     void Release() noexcept { HeapArray().Swap(*this); }
+    /// The same, where it is more than what is worth keeping for later pages.
+    void Trim() noexcept {
+        if (m_capacity * sizeof(T) > ProcessHeap::kWorkingBytes) {
+            Release();
+        }
+    }
     /// As resize, with nothing kept and no more memory than asked for where a block of the system's would be larger.
     void Remake(size_t n) {
         const bool large = std::max(n, m_capacity) * sizeof(T) >= ProcessHeap::kSystemBytes;

@@ -101,6 +101,8 @@ void D3D11RenderTarget::EndPaint() {
             target.m_painter.Forget();
             target.m_basic.Close();
             target.m_clips.Pool().Trim();
+            target.m_rasterizer.Trim();
+            target.m_pen.Trim();
             target.StopPainting();
             target.m_broken = false;
         }

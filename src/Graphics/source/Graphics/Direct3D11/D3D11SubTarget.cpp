@@ -62,6 +62,7 @@ void D3D11SubTarget::OpenLayer(const D3D11Context& context, D3D11SubTarget& pare
 
 void D3D11SubTarget::OpenFallback() noexcept {
     using Kind = D3D11SwFallbackSurface::Kind;
+    m_below = !m_isLayer || m_isolated ? nullptr : m_parent->Below();
     m_fallback.Open(!m_isLayer ? Kind::Surface : m_shaped ? Kind::Shaped : Kind::Plain, m_bounds, m_knockout);
     m_touched = {0, 0, 0, 0};
     m_initialOpaque = {0, 0, 0, 0};
@@ -79,10 +80,29 @@ void D3D11SubTarget::Restore(std::shared_ptr<D3D11Texture> color) {
     OpenFallback();
 }
 
+D3D11SubTarget* D3D11SubTarget::Below() noexcept {
+    return m_isLayer && (m_knockout || IsEmpty(m_touched)) ? m_below : this;
+}
+
+bool D3D11SubTarget::LacksPlanes() const noexcept { return m_color == nullptr && m_isLayer && !IsEmpty(m_bounds); }
+
 void D3D11SubTarget::MakePlanes(D3D11Context& context) {
-    if (m_color != nullptr || !m_isLayer || IsEmpty(m_bounds)) {
+    if (!LacksPlanes()) {
         return;
     }
+    // Down to the first group whose backdrop is on the card, and up again.
+    m_above = nullptr;
+    D3D11SubTarget* lowest = this;
+    while (lowest->m_below != nullptr && lowest->m_below->LacksPlanes()) {
+        lowest->m_below->m_above = lowest;
+        lowest = lowest->m_below;
+    }
+    for (; lowest != nullptr; lowest = lowest->m_above) {
+        lowest->MakeOwnPlanes(context);
+    }
+}
+
+void D3D11SubTarget::MakeOwnPlanes(D3D11Context& context) {
     const int32_t width = m_bounds.right - m_bounds.left;
     const int32_t height = m_bounds.bottom - m_bounds.top;
     const auto take = [&](const float(&color)[4]) {
@@ -99,15 +119,16 @@ void D3D11SubTarget::MakePlanes(D3D11Context& context) {
     std::shared_ptr<D3D11Texture> initial;
     if (!m_isolated) {
         initial = take(kTransparent);
-        // Elements of a knockout group see the group's own initial backdrop, not each other.
-        m_parent->SendToCard(context);
-        const std::shared_ptr<D3D11Texture>& below = m_parent->m_knockout ? m_parent->m_initial : m_parent->m_color;
-        if (below != nullptr) {
+        if (m_below != nullptr) {
+            m_below->SendUnsent(context);
+        }
+        if (m_below != nullptr && m_below->m_color != nullptr) {
+            const std::shared_ptr<D3D11Texture>& below = m_below->m_color;
             D3D11DrawState state;
             DescribePlane(initial, D3D11Blend::Replace, state);
             state.scissor = m_bounds;
             static_cast<void>(state.key.Add(D3D11Fragment::BCP));
-            state.vertexConstants.AddTransform(m_parent->PlaneMap(*below));
+            state.vertexConstants.AddTransform(m_below->PlaneMap(*below));
             state.AddInput(below, {});
             AddRectangle(context.Batch().Begin(std::move(state), m_bounds), m_bounds);
             context.Batch().Flush();
@@ -189,22 +210,29 @@ void D3D11SubTarget::BeginOnCard(D3D11Context& context, const IntRect& box) {
 
 void D3D11SubTarget::SendToCard(D3D11Context& context) {
     MakePlanes(context);
+    SendUnsent(context);
+}
+
+void D3D11SubTarget::SendUnsent(D3D11Context& context) {
     if (m_fallback.HasUnsent(m_bounds)) {
         m_fallback.Send(context, *m_color, m_shape.get());
     }
 }
 
 SwTargetPlanes D3D11SubTarget::ReadInSoftware(D3D11Context& context, const IntRect& box) {
-    const SwTargetPlanes below =
-        m_isLayer && !m_isolated ? m_parent->BackdropInSoftware(context, box) : SwTargetPlanes();
-    return m_fallback.Read(context, m_color.get(), m_shape.get(), below, box);
-}
-
-SwTargetPlanes D3D11SubTarget::BackdropInSoftware(D3D11Context& context, const IntRect& box) {
-    if (!m_knockout) {
-        return ReadInSoftware(context, box);
+    // Down to the first group that has the pixels in memory, and up again. Of what lies below a group only the colour
+    // is read, so that one with values needs nothing from below itself.
+    m_above = nullptr;
+    D3D11SubTarget* lowest = this;
+    while (lowest->m_below != nullptr && (lowest == this || !lowest->m_fallback.HasValues(box))) {
+        lowest->m_below->m_above = lowest;
+        lowest = lowest->m_below;
     }
-    return m_isolated ? SwTargetPlanes() : m_parent->BackdropInSoftware(context, box);
+    SwTargetPlanes planes;
+    for (; lowest != nullptr; lowest = lowest->m_above) {
+        planes = lowest->m_fallback.Read(context, lowest->m_color.get(), lowest->m_shape.get(), planes, box);
+    }
+    return planes;
 }
 
 SwTargetPlanes D3D11SubTarget::BeginInSoftware(D3D11Context& context, const IntRect& box) {

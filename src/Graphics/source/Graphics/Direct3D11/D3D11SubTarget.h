@@ -11,7 +11,7 @@
 //
 // Colour planes have half floats, cleared to an alpha too small to be seen, so that a division by it stays a number.
 // They are made when the card first draws into them: groups that are drawn by the software alone, or not at all, need
-// none.
+// none. Depth is walked in loops, for the stack of a Windows program's main thread has a megabyte.
 #pragma once
 
 #include <vector>
@@ -91,14 +91,21 @@ private:
     void OpenFallback() noexcept;
     /// Raises what the device raises; nothing where the planes are there.
     void MakePlanes(D3D11Context& context);
+    /// The same, where what lies below has its planes.
+    void MakeOwnPlanes(D3D11Context& context);
+    [[nodiscard]] bool LacksPlanes() const noexcept;
+    void SendUnsent(D3D11Context& context);
+    /// What a group opened here finds below it: the surface or the nearest group outwards that has something in it and
+    /// lets its elements see that; null where that is transparent. Nothing of it changes while the group is open.
+    [[nodiscard]] D3D11SubTarget* Below() noexcept;
     [[nodiscard]] SwTargetPlanes ReadInSoftware(D3D11Context& context, const IntRect& box);
-    /// What a group opened here finds below it.
-    [[nodiscard]] SwTargetPlanes BackdropInSoftware(D3D11Context& context, const IntRect& box);
     /// The pixels that are opaque wherever a draw reads what lies below it.
     [[nodiscard]] const IntRect& OpaqueBelow() const noexcept { return m_knockout ? m_initialOpaque : m_opaque; }
 
     D3D11SwFallbackSurface m_fallback;
     D3D11SubTarget* m_parent = nullptr;
+    D3D11SubTarget* m_below = nullptr; // null: transparent, or no group
+    D3D11SubTarget* m_above = nullptr; // on the way down the groups: the one above
     std::shared_ptr<D3D11Texture> m_color;
     std::shared_ptr<D3D11Texture> m_shape;
     std::shared_ptr<D3D11Texture> m_initial;

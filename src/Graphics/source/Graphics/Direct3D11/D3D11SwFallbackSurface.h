@@ -30,6 +30,8 @@ public:
     /// What is drawn there by the card has to be sent first and read again by the next draw of the software: better
     /// drawn here.
     [[nodiscard]] bool Holds(const IntRect& box) const;
+    /// All of `box` is in memory as it should be.
+    [[nodiscard]] bool HasValues(const IntRect& box) const { return m_valid.Contains(Region(box)); }
     /// The card lacks something in `box`.
     [[nodiscard]] bool HasUnsent(const IntRect& box) const;
 

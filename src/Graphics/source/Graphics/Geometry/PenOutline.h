@@ -38,6 +38,13 @@ struct PenStorage {
     HeapArray<Point> left;
     HeapArray<Point> right;
     HeapArray<Point> path; // a figure moved onto the pixel grid
+
+    /// Gives back what a large figure left.
+    void Trim() noexcept {
+        left.Trim();
+        right.Trim();
+        path.Trim();
+    }
 };
 
 /// The flattening tolerance for a curve that is stroked: an error e of the centre line grows to e (R + h) / R on the

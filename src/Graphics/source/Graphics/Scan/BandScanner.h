@@ -24,6 +24,12 @@ public:
     [[nodiscard]] bool Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
                             RasterizationSink& sink);
 
+    /// Gives back the arrays that a large path left.
+    void Trim() noexcept {
+        m_edges.Trim();
+        m_heads.Trim();
+    }
+
 private:
     void AddSide(const Vertex& from, const Vertex& to);
 

@@ -19,6 +19,12 @@ public:
     [[nodiscard]] int32_t Last() const noexcept { return m_last; }
 
     void Send(RasterizationSink& sink);
+    /// Gives back the arrays that many boxes left.
+    void Trim() noexcept {
+        m_boxes.Trim();
+        m_spans.Trim();
+        m_stretches.Trim();
+    }
 
 private:
     /// Sub units.

@@ -92,6 +92,14 @@ public:
 
     [[nodiscard]] size_t SideCount() const noexcept { return m_vertices.size(); }
 
+    /// Gives back the arrays that a large path left; the fill is forgotten.
+    void Trim() noexcept {
+        m_vertices.Trim();
+        m_figures.Trim();
+        m_chains.Trim();
+        m_rowSums.Trim();
+    }
+
     /// Calls f(from, to) for each side of each loop.
     template <class F> void ForEachSide(F&& f) const {
         const Vertex* v = m_vertices.data();

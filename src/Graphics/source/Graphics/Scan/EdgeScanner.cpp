@@ -3,6 +3,7 @@
 #include "EdgeScanner.h"
 
 #include <algorithm>
+#include <array>
 
 namespace Graphics {
 
@@ -42,6 +43,34 @@ bool Converge(const Edge& a, const Edge& b) noexcept {
 
 float PixelX(const Edge& e) noexcept {
     return (static_cast<float>(e.x) + static_cast<float>(e.error) / static_cast<float>(e.denominator)) * 0.125F;
+}
+
+/// At least as many as any sub-scanline has edges: those that meet in the fullest of kBands equal bands. Most edges of
+/// a large path are short, so that this is a small part of them.
+size_t MostActive(const HeapArray<Edge>& edges) noexcept {
+    constexpr int64_t kBands = 256;
+    if (edges.size() <= kBands) {
+        return edges.size();
+    }
+    int64_t first = INT32_MAX;
+    int64_t last = INT32_MIN;
+    for (const Edge& e : edges) {
+        first = std::min<int64_t>(first, e.first);
+        last = std::max<int64_t>(last, e.last);
+    }
+    const int64_t rows = (last - first) / kBands + 1;
+    std::array<int64_t, kBands + 1> changes{};
+    for (const Edge& e : edges) {
+        ++changes[static_cast<size_t>((e.first - first) / rows)];
+        --changes[static_cast<size_t>((e.last - 1 - first) / rows) + 1];
+    }
+    int64_t most = 0;
+    int64_t sum = 0;
+    for (const int64_t change : changes) {
+        sum += change;
+        most = std::max(most, sum);
+    }
+    return static_cast<size_t>(most);
 }
 
 float HalfRamp(const Edge& e) noexcept {
@@ -208,7 +237,7 @@ void EdgeScanner::EmitTrapezoids(int32_t s, int32_t end, RasterizationSink& sink
 void EdgeScanner::Start(HeapArray<Edge>& edges, bool evenOdd) {
     m_evenOdd = evenOdd;
     m_active.clear();
-    m_active.reserve(edges.size());
+    m_active.reserve(MostActive(edges)); // before any output: what fails has drawn nothing
     std::sort(edges.begin(), edges.end(),
               [](const Edge& l, const Edge& r) { return l.first != r.first ? l.first < r.first : l.x < r.x; });
 }

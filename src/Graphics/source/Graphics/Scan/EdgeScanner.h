@@ -18,6 +18,9 @@ public:
     /// Sets the samples of the sub-scanlines [first, last) instead; sub unit and sub-scanline 0 are the grid's first.
     void Scan(HeapArray<Edge>& edges, bool evenOdd, int32_t first, int32_t last, SampleGrid& grid);
 
+    /// Gives back the arrays that a large path left.
+    void Trim() noexcept { m_active.Trim(); }
+
 private:
     void Start(HeapArray<Edge>& edges, bool evenOdd);
     void Insert(const Edge* from, const Edge* to);

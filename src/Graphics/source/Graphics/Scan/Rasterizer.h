@@ -71,6 +71,15 @@ public:
     [[nodiscard]] static bool SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b,
                                             IntRect& out) noexcept;
 
+    /// Gives back the arrays that a large path left. Between fills.
+    void Trim() noexcept {
+        m_builder.Trim();
+        m_bands.Trim();
+        m_boxes.Trim();
+        m_sorting.Trim();
+        m_edges.Trim();
+    }
+
     /// Another set of loops than the processor's best, for tests.
     void UseKernels(const BandKernels& kernels) noexcept { m_bands.UseKernels(kernels); }
 

@@ -4,16 +4,22 @@
 #include <algorithm>
 #include <utility>
 
+#include "SwSpareBlock.h"
+
 namespace Graphics {
 
 SwBlockPool::Block SwBlockPool::Take(size_t bytes) {
     Block block;
     if (bytes > m_keepBytes) {
-        // A large block becomes one of this size: there are never more of them than were in use at one time.
-        const auto waits = [](const Block& large) { return large.capacity() != 0; };
-        if (const auto found = std::find_if(m_large.begin(), m_large.end(), waits); found != m_large.end()) {
-            block = std::move(*found);
-        }
+        // A large block becomes one of this size: there are never more of them than were in use at one time. The
+        // nearest size has the most pages that need neither to go nor to come.
+        const auto distance = [bytes](const Block& large) {
+            const size_t capacity = large.capacity();
+            return capacity == 0 ? SIZE_MAX : capacity < bytes ? bytes - capacity : capacity - bytes;
+        };
+        const auto nearer = [&](const Block& a, const Block& b) { return distance(a) < distance(b); };
+        const auto nearest = std::min_element(m_large.begin(), m_large.end(), nearer);
+        block = nearest->capacity() != 0 ? std::move(*nearest) : SwSpareBlock::Take();
         block.Remake(bytes);
         return block;
     }
@@ -33,7 +39,7 @@ SwBlockPool::Block SwBlockPool::Take(size_t bytes) {
             m_small[best] = std::move(m_small[m_count]);
         }
     } else {
-        Trim(); // many small ones may follow
+        DropLarge(); // many small ones may follow
     }
     block.Remake(bytes);
     m_wasted += block.capacity() - bytes;
@@ -59,6 +65,14 @@ void SwBlockPool::Give(Block block) noexcept {
 }
 
 void SwBlockPool::Trim() noexcept {
+    const auto smaller = [](const Block& a, const Block& b) { return a.capacity() < b.capacity(); };
+    if (Block& largest = *std::max_element(m_large.begin(), m_large.end(), smaller); largest.capacity() != 0) {
+        SwSpareBlock::Give(std::move(largest));
+    }
+    DropLarge();
+}
+
+void SwBlockPool::DropLarge() noexcept {
     for (Block& large : m_large) {
         large.Release();
     }

@@ -20,12 +20,13 @@ public:
     /// `bytes` long, contents undefined. On failure nothing has changed but that waiting blocks may be gone.
     [[nodiscard]] Block Take(size_t bytes);
     void Give(Block block) noexcept;
-    /// Drops the large blocks: painting has ended.
+    /// Painting has ended: one of the large blocks waits for any target of the process, the others go.
     void Trim() noexcept;
 
 private:
     static constexpr size_t kPlaces = 16;
     static constexpr size_t kLargePlaces = 2;
+    void DropLarge() noexcept;
     /// Small blocks in use may together be larger than what was asked for by a quarter of what may wait.
     [[nodiscard]] bool MayWaste(size_t bytes) const noexcept { return m_wasted + bytes <= m_keepBytes / 4; }
 

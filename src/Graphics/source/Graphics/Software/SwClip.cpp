@@ -83,10 +83,8 @@ void SwClipPool::MakeCoverage(SwClip& clip, int32_t top, size_t rows, size_t byt
 
 void SwClipPool::Trim() noexcept {
     m_blocks.Trim();
-    constexpr size_t kKeepWorking = size_t{1} << 16;
-    if (m_bytes.capacity() > kKeepWorking) {
-        m_bytes.Release();
-    }
+    m_rows.Trim();
+    m_bytes.Trim();
 }
 
 } // namespace Graphics

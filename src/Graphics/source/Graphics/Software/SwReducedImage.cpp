@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Rows pass through the reader two at a time into the first half, so that the full size never exists a second time.
+// Rows pass from halving to halving, two at a time, so that beside the result no more than two rows of each size exist.
 #include "SwReducedImage.h"
+
+#include <algorithm>
+#include <array>
 
 #include "../Pixels/Box2x2Downsampler.h"
 
@@ -36,49 +39,68 @@ void ReducePair(uint32_t* top, uint32_t* bottom, int32_t width, bool across, uin
     Box2x2Downsampler::Downsample(WordsView(out, Box2x2Downsampler::Half(width), 1), pair);
 }
 
+/// One halving: the size of what comes in, and room for two rows of it.
+struct Halving {
+    int32_t width = 0;
+    int32_t height = 0;
+    bool across = false;
+    bool down = false;
+    int32_t y = 0; // the row that comes next
+    uint32_t* rows = nullptr;
+
+    [[nodiscard]] int32_t Slot() const noexcept { return down ? y & 1 : 0; }
+    [[nodiscard]] uint32_t* Row(int32_t slot) const noexcept {
+        return rows + static_cast<size_t>(slot) * static_cast<size_t>(width);
+    }
+    /// The row in place is the last one that a row of the result needs.
+    [[nodiscard]] bool IsComplete() const noexcept { return Slot() == (down ? 1 : 0) || y + 1 == height; }
+};
+
+constexpr size_t kMostHalvings = 32; // of a 32-bit size
+
 } // namespace
 
 SwReducedImage::SwReducedImage(const SwPixelReader& reader, int32_t width, int32_t height, uint32_t halvingsX,
                                uint32_t halvingsY)
     : m_width(width), m_height(height) {
+    std::array<Halving, kMostHalvings> halvings;
+    const size_t count = std::min<size_t>(std::max(halvingsX, halvingsY), kMostHalvings);
+    size_t words = 0;
+    for (size_t i = 0; i < count; ++i) {
+        Halving& h = halvings[i];
+        h.width = m_width;
+        h.height = m_height;
+        h.across = i < halvingsX;
+        h.down = i < halvingsY;
+        words += static_cast<size_t>(m_width) * 2;
+        m_width = h.across ? Box2x2Downsampler::Half(m_width) : m_width;
+        m_height = h.down ? Box2x2Downsampler::Half(m_height) : m_height;
+    }
+    const auto resultWords = static_cast<size_t>(m_width);
     HeapArray<uint32_t> rows;
-    HeapArray<uint32_t> source;
-    bool first = true;
-    while (first || halvingsX > 0 || halvingsY > 0) {
-        const bool across = halvingsX > 0;
-        const bool down = halvingsY > 0;
-        const int32_t newWidth = across ? Box2x2Downsampler::Half(m_width) : m_width;
-        const int32_t newHeight = down ? Box2x2Downsampler::Half(m_height) : m_height;
-        const auto rowWords = static_cast<size_t>(m_width);
-        std::swap(source, m_pixels);
-        m_pixels.resize(static_cast<size_t>(newWidth) * static_cast<size_t>(newHeight));
-        if (first) {
-            rows.resize(rowWords * 2);
+    rows.Remake(words);
+    uint32_t* next = rows.data();
+    for (size_t i = 0; i < count; ++i) {
+        halvings[i].rows = next;
+        next += static_cast<size_t>(halvings[i].width) * 2;
+    }
+    m_pixels.Remake(resultWords * static_cast<size_t>(m_height));
+
+    uint32_t* result = m_pixels.data();
+    const auto into = [&](size_t i) { return i == count ? result : halvings[i].Row(halvings[i].Slot()); };
+    for (int32_t y = 0; y < height; ++y) {
+        reader.Run(y, 0, static_cast<size_t>(width), into(0));
+        size_t i = 0;
+        for (; i < count && halvings[i].IsComplete(); ++i) {
+            Halving& h = halvings[i];
+            ReducePair(h.Row(0), h.Row(h.Slot()), h.width, h.across, into(i + 1));
+            ++h.y;
         }
-        for (int32_t y = 0; y < newHeight; ++y) {
-            const int32_t y0 = down ? 2 * y : y;
-            const int32_t y1 = down && y0 + 1 < m_height ? y0 + 1 : y0;
-            uint32_t* top;
-            uint32_t* bottom;
-            if (first) {
-                top = rows.data();
-                bottom = y1 == y0 ? top : top + rowWords;
-                reader.Run(y0, 0, rowWords, top);
-                if (y1 != y0) {
-                    reader.Run(y1, 0, rowWords, bottom);
-                }
-            } else {
-                top = source.data() + static_cast<size_t>(y0) * rowWords;
-                bottom = source.data() + static_cast<size_t>(y1) * rowWords;
-            }
-            ReducePair(top, bottom, m_width, across,
-                       m_pixels.data() + static_cast<size_t>(y) * static_cast<size_t>(newWidth));
+        if (i == count) {
+            result += resultWords;
+        } else {
+            ++halvings[i].y;
         }
-        m_width = newWidth;
-        m_height = newHeight;
-        halvingsX -= across ? 1 : 0;
-        halvingsY -= down ? 1 : 0;
-        first = false;
     }
 }
 

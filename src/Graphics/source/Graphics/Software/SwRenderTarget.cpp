@@ -100,6 +100,8 @@ void SwRenderTarget::EndPaint() {
     m_basic.Close();
     m_clips.Pool().Trim();
     m_glyphs.reset();
+    m_rasterizer.Trim();
+    m_pen.Trim();
     StopPainting();
     m_surface->EndPaint();
 }
