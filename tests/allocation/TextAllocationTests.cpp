@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "../unit/RefusingNew.h"
+#include "../unit/WaitingMemory.h"
 #include "GX/GX.h"
 #include "ProcessHeap.h"
-#include "Software/SwGlyphCache.h"
 
 namespace Graphics {
 namespace {
@@ -79,7 +79,7 @@ protected:
         int failures = 0, expectedOnes = 0;
         bool refused = true;
         for (int64_t n = 0; refused && n < 5000; ++n) {
-            SwGlyphCache::DropWaiting();
+            DropWaitingMemory();
             m_log.clear();
             arm(n);
             const GXResult result = Draw();

@@ -6,8 +6,8 @@
 #include "RecordedPages.h"
 
 #include "../unit/RefusingNew.h"
+#include "../unit/WaitingMemory.h"
 #include "ProcessHeap.h"
-#include "Software/SwGlyphCache.h"
 
 #include <algorithm>
 #include <new>
@@ -62,7 +62,7 @@ TEST_P(RefusedPages, FailPlainlyAndAreDrawnRightAfterwards) {
     const Gxr::Recording recording = Gxr::Recording::FromFile(std::string(GX_RECORDINGS) + "/" + GetParam());
     for (const Kind& kind : kKinds) {
         SCOPED_TRACE(&kind - kKinds);
-        Graphics::SwGlyphCache::DropWaiting();
+        DropWaitingMemory();
         uint64_t expected = 0;
         int64_t points = 0;
         {
@@ -74,7 +74,7 @@ TEST_P(RefusedPages, FailPlainlyAndAreDrawnRightAfterwards) {
         const int64_t step = std::max<int64_t>(1, points / kMostPoints);
         int refused = 0;
         for (int64_t n = 0; n < points; n += step) {
-            Graphics::SwGlyphCache::DropWaiting();
+            DropWaitingMemory();
             const int64_t live = RefusingNew::Live();
             const int64_t held = ProcessHeap::AlignedHeld().bytes;
             {
@@ -92,7 +92,7 @@ TEST_P(RefusedPages, FailPlainlyAndAreDrawnRightAfterwards) {
                 kind.refuse(-1);
                 ASSERT_EQ(page.Draw(recording), expected) << "allocation " << n << " of " << points;
             }
-            Graphics::SwGlyphCache::DropWaiting();
+            DropWaitingMemory();
             ASSERT_EQ(RefusingNew::Live(), live) << "allocation " << n << " of " << points;
             ASSERT_EQ(ProcessHeap::AlignedHeld().bytes, held) << "allocation " << n << " of " << points;
         }

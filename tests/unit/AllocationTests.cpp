@@ -14,8 +14,8 @@
 #include "Paint/Gradient.h"
 #include "ProcessHeap.h"
 #include "RefusingNew.h"
-#include "Software/SwGlyphCache.h"
 #include "Target/RenderTarget.h"
+#include "WaitingMemory.h"
 
 namespace Graphics {
 namespace {
@@ -147,7 +147,7 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
     const std::vector<uint8_t> expected = pixels(reference);
     bool allGiven = false;
     for (int64_t n = 0; !allGiven && n < 10000; ++n) {
-        SwGlyphCache::DropWaiting();
+        DropWaitingMemory();
         const int64_t live = RefusingNew::Live();
         {
             Page page;
@@ -171,7 +171,7 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
             // A refusal that passed was one for the glyph cache, which can do without.
             ASSERT_EQ(pixels(page), expected) << "allocation " << n;
         }
-        SwGlyphCache::DropWaiting();
+        DropWaitingMemory();
         ASSERT_EQ(RefusingNew::Live(), live) << "allocation " << n;
     }
     EXPECT_TRUE(allGiven);

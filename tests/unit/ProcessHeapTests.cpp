@@ -76,11 +76,12 @@ TEST(ProcessHeap, BlocksOfMiddleSizeWaitWithinABound) {
         auto* const zeroed = static_cast<const uint8_t*>(ProcessHeap::AllocZeroed(bytes));
         EXPECT_EQ(std::count(zeroed, zeroed + bytes, 0), static_cast<ptrdiff_t>(bytes)) << bytes;
         // Of a length next to it, too.
-        void* const again = ProcessHeap::AllocAligned(bytes - bytes / 100);
+        const size_t rounded = SpareBlocks::Rounded(bytes);
+        void* const again = ProcessHeap::AllocAligned(rounded);
         EXPECT_EQ(again, block) << bytes;
-        ProcessHeap::FreeAligned(again, bytes - bytes / 100);
+        EXPECT_LE(rounded, bytes + bytes / 8 + 1);
+        ProcessHeap::FreeAligned(again, rounded);
         ProcessHeap::FreeAligned(const_cast<uint8_t*>(zeroed), bytes);
-        EXPECT_LE(SpareBlocks::Rounded(bytes), bytes + bytes / 8 + 1);
     }
     std::vector<void*> blocks(100);
     for (size_t i = 0; i < blocks.size(); ++i) {

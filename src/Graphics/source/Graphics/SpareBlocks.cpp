@@ -27,15 +27,19 @@ Spare Remove(size_t index) noexcept {
     return spare;
 }
 
+void DropAll() noexcept {
+    while (g_count != 0) {
+        const Spare spare = Remove(0);
+        spare.free(spare.block, spare.bytes);
+    }
+}
+
 /// The library may be unloaded before the process ends. What is freed still later waits for nothing.
 struct Sweeper {
     ~Sweeper() {
         const std::scoped_lock lock(g_mutex);
         g_closed = true;
-        while (g_count != 0) {
-            const Spare spare = Remove(0);
-            spare.free(spare.block, spare.bytes);
-        }
+        DropAll();
     }
 } g_sweeper;
 
@@ -49,6 +53,11 @@ void* SpareBlocks::Take(size_t bytes) noexcept {
         }
     }
     return nullptr;
+}
+
+void SpareBlocks::Drop() noexcept {
+    const std::scoped_lock lock(g_mutex);
+    DropAll();
 }
 
 size_t SpareBlocks::Waiting() noexcept {

@@ -38,6 +38,7 @@ public:
     /// there is no room any more.
     static void Keep(void* block, size_t bytes, void (*free)(void*, size_t) noexcept) noexcept;
 
+    static void Drop() noexcept;
     /// Bytes that wait.
     [[nodiscard]] static size_t Waiting() noexcept;
 
