@@ -5,6 +5,26 @@
 
 namespace Graphics {
 
+namespace {
+
+/// Whether the curve stays beside its chord, within the tolerance: both control points do, and it strays from the chord
+/// by three quarters of what they do at most. Steps of equal length in the parameter do not see that: towards a point
+/// where control points meet they halve a line until it is as short as the tolerance.
+[[nodiscard]] bool IsChord(const WideCurve& c, double tolerance) noexcept {
+    const double dx = c.x[3] - c.x[0], dy = c.y[3] - c.y[0];
+    const double square = dx * dx + dy * dy;
+    for (int i = 1; i <= 2; ++i) {
+        const double x = c.x[i] - c.x[0], y = c.y[i] - c.y[0];
+        const double along = x * dx + y * dy, across = x * dy - y * dx;
+        if (!(along >= 0 && along <= square && across * across <= tolerance * tolerance * square)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
 void RingFlattener::BeginFigure(const Point& start) {
     m_ring.clear();
     m_ring.push_back(start);
@@ -20,7 +40,8 @@ void RingFlattener::CubicTo(const Point& c1, const Point& c2, const Point& end) 
             return (v[0] < low && v[1] < low && v[2] < low && v[3] < low) ||
                    (v[0] > high && v[1] > high && v[2] > high && v[3] > high);
         };
-        if (!beyond(c.x, m_limits.left, m_limits.right) && !beyond(c.y, m_limits.top, m_limits.bottom)) {
+        if (!beyond(c.x, m_limits.left, m_limits.right) && !beyond(c.y, m_limits.top, m_limits.bottom) &&
+            !IsChord(c, m_tolerance)) {
             return CurvePlace::Mixed;
         }
         m_ring.push_back(c.At(3));
