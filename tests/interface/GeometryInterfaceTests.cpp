@@ -134,6 +134,23 @@ TEST_F(GeometryInterface, CopiesAreEqualOtherStartsAreNot) {
     GXGeometryCopy(g, &copy);
     GXGeometryPointsEqual(g, copy, &equal);
     EXPECT_EQ(equal, 1);
+    // A figure that is still open counts on neither side.
+    Begin(1, 1);
+    Line(8, 2);
+    GXGeometryPointsEqual(g, copy, &equal);
+    EXPECT_EQ(equal, 1);
+    GXGeometryPointsEqual(copy, g, &equal);
+    EXPECT_EQ(equal, 1);
+    GXGeometry again = nullptr;
+    GXGeometryCopy(g, &again);
+    GXGeometryPointsEqual(g, again, &equal);
+    EXPECT_EQ(equal, 1);
+    GXGeometryEndFigure(g);
+    GXGeometryPointsEqual(g, again, &equal);
+    EXPECT_EQ(equal, 0);
+    GXObjectRelease(again);
+    GXObjectRelease(copy);
+    GXGeometryCopy(g, &copy);
     GXCreateGeometry(&other);
     const GXPoint points[3]{{5, 0}, {5, 5}, {0, 0}};
     GXGeometryBeginFigure(other, &points[0]);
@@ -144,7 +161,7 @@ TEST_F(GeometryInterface, CopiesAreEqualOtherStartsAreNot) {
     EXPECT_EQ(equal, 0);
     const GXMatrix m{2, 0, 0, 2, 10, 20};
     GXGeometryTransform(g, &m, &moved);
-    EXPECT_EQ(Record(moved), "r0 b10:20 l20:20 l20:30 z");
+    EXPECT_EQ(Record(moved), "r0 b10:20 l20:20 l20:30 z b12:22 l26:24 e");
     for (GXGeometry h : {other, copy, moved}) {
         GXObjectRelease(h);
     }
