@@ -4,12 +4,18 @@
 // as step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
 #pragma once
 
-#include "SwPaintVectors.h"
+#include "../Simd/Vectors.h"
+#include "SwPaintKernels.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-inline float FloatOf(uint32_t bits) noexcept {
+GX_INLINE inline uint32_t BitsOf(float v) noexcept {
+    uint32_t bits;
+    __builtin_memcpy(&bits, &v, 4);
+    return bits;
+}
+GX_INLINE inline float FloatOf(uint32_t bits) noexcept {
     float v;
     __builtin_memcpy(&v, &bits, 4);
     return v;
@@ -67,10 +73,10 @@ struct Sum {
         const uint32_t first = BitsOf(v);
         const uint32_t d = BitsOf(next) - first;
         v = FloatOf(first + static_cast<uint32_t>(steady) * d) + step;
-        Words bits = first + Ascending() * d;
-        const Words jump = Words{} + static_cast<uint32_t>(kLanes) * d;
-        Blocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
-            Store(out + at, bits, lanes);
+        U32 bits = first + Ascending() * d;
+        const U32 jump = Splat(static_cast<uint32_t>(kLanes) * d);
+        ForBlocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
+            StoreSome(out + at, lanes, bits);
             bits += jump;
         });
         out += steady + 1;
@@ -104,4 +110,4 @@ SwPoint AccumulatePoints(SwPoint at, SwPoint step, float* u, float* v, size_t co
 }
 
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -4,16 +4,16 @@
 
 #include "SwKernelsFills.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// d * (256 - as) >> 8 + c, or c where d is transparent.
-GX_INLINE U32 Over(U32 d, U32 c, U32 complement) noexcept {
+GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
     return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
 }
 
 /// normalSolid on at most one vector of pixels.
-GX_INLINE void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
+GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
     const U32 s = WidenSome(shape, n);
     const U32 d = LoadSome(dst, n);
     const U32 scaled = Scale(color, FactorOf(s));
@@ -73,13 +73,13 @@ struct SolidColumn {
     U32 complement;
 
     explicit SolidColumn(U32 c) noexcept : color(c), complement(ComplementOf(Alpha(c))) {}
-    [[gnu::always_inline]] void Paint(uint32_t* dst, size_t n) const noexcept {
+    GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
         StoreSome(dst, n, Over(LoadSome(dst, n), color, complement));
     }
 };
 
 /// `inner` but for the first lane and lane `at`.
-GX_INLINE SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
+GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
     U32 lanes{};
     for (uint32_t i = 0; i < kLanes; ++i) {
         lanes[i] = i;
@@ -125,18 +125,33 @@ void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_
 }
 
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
-    const auto step = [=](size_t i, size_t n) {
-        if (shape != nullptr && n == kLanes && BytesAre(shape + i, 0)) {
+    const auto rest = [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); };
+    const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllSet(Alpha(c) == 255U); };
+    if (shape == nullptr) {
+        const auto step = [=](size_t i, size_t n) GX_INLINE {
+            const U32 c = LoadSome(src + i, n);
+            if (replaces(c, n)) {
+                Store(dst + i, c);
+                return;
+            }
+            const U32 d = LoadSome(dst + i, n);
+            StoreSome(dst + i, n, Select(IsZero(Alpha(c)), d, Over(d, c, ComplementOf(Alpha(c)))));
+        };
+        ForWholeBlocks(count, step, rest);
+        return;
+    }
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
+        if (n == kLanes && BytesAre(shape + i, 0)) {
             return;
         }
         U32 c = LoadSome(src + i, n);
-        const bool scaled = shape != nullptr && !(n == kLanes && BytesAre(shape + i, 255));
-        if (!scaled && n == kLanes && AllSet((Alpha(c) == 255U))) {
+        const bool whole = n == kLanes && BytesAre(shape + i, 255);
+        if (whole && replaces(c, n)) {
             Store(dst + i, c);
             return;
         }
         I32 keep = IsZero(Alpha(c));
-        if (scaled) {
+        if (!whole) {
             const U32 s = WidenSome(shape + i, n);
             keep |= IsZero(s);
             c = Scale(c, FactorOf(s));
@@ -144,9 +159,8 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
         const U32 d = LoadSome(dst + i, n);
         StoreSome(dst + i, n, Select(keep, d, Over(d, c, ComplementOf(Alpha(c)))));
     };
-    ForWholeBlocks(count, step,
-                   [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); });
+    ForWholeBlocks(count, step, rest);
 }
 
 } // namespace
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace Graphics::GX_SIMD_NAMESPACE
