@@ -70,15 +70,15 @@ inline void WalkScalar(uint8_t* row, size_t planeBytes, int64_t x, int64_t step,
     }
 }
 
-/// The columns of an edge in the sub-scanlines of a pixel row, eight of them at most, as bytes of a pixel's word: where
-/// the row's pixels are `p`, column c of a sub-scanline is the byte 0xFF << (c & 7).
+/// Toggles an edge in one pixel row: in each sub-scanline [s, stop) of it, the byte 0xFF << (c & 7) in the word of
+/// pixel c >> 3, c being the edge's column there. x belongs to s; c0 and c1 are the columns at s and stop - 1.
 #if GX_SIMD_BYTES == 64
+/// Sub-scanlines are lanes, of which each pixel takes those that lie in it.
 class RowColumns {
 public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept
         : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
 
-    /// Sub-scanlines [s, stop), of pixels p0 to p1; x belongs to s.
     template <int K, bool Clamp>
     GX_INLINE void Walk(uint8_t* row, size_t planeBytes, int64_t x, int32_t s, int32_t stop, int32_t c0, int32_t c1,
                         int32_t limit, uint64_t flip) const noexcept {
@@ -119,6 +119,7 @@ private:
     U64 m_steps;
 };
 #else
+/// Whole rows inside one pixel at once, all others by sub-scanlines.
 class RowColumns {
 public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept

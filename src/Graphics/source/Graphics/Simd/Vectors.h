@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The one vector layer of all kernels: the set's verbs, which the language cannot express, and what is the same text
-// for all sets. To add a set is to write its file of verbs, and to name it in InstructionSets, in GX_EACH_SET and in
+// for all sets. A further set is a file of verbs, a name in InstructionSets and in GX_EACH_SET, and a line in
 // CMakeLists.txt.
 #pragma once
 

@@ -88,39 +88,49 @@ GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t
     return SolidColumn(Select(IsZero(lanes), Splat(first), c));
 }
 
-void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
-                    size_t rows) {
-    constexpr size_t kAheadFrom = 64; // pixels: shorter rows follow each other too closely
-    const auto row = [&](size_t i) {
-        return reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + static_cast<ptrdiff_t>(i) * strideBytes);
-    };
-    if (count <= kLanes) {
-        const SolidColumn all = EdgeColumn(left, inner, right, count - 1);
-        for (size_t y = 0; y < rows; ++y) {
-            all.Paint(row(y), count);
-        }
-        return;
-    }
+/// Rows of more than a vector.
+[[gnu::noinline]] void SolidWideRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner,
+                                          uint32_t right, size_t count, size_t rows) {
+    constexpr size_t kAheadFrom = 64;             // pixels: shorter rows follow each other too closely
+    constexpr size_t kAlignedFrom = 4 * kLanes;   // pixels: shorter rows are not worth the search for a border
     const size_t tail = (count - 1) % kLanes + 1; // pixels of the last vector
     const size_t end = count - tail;
     const SolidColumn first = EdgeColumn(left, inner, inner, 0);
     const SolidColumn last = EdgeColumn(tail > 1 ? inner : right, inner, right, tail - 1);
     const SolidColumn middle(Splat(inner));
     const bool opaque = inner >> 24 == 255;
-    for (size_t y = 0; y < rows; ++y) {
-        uint32_t* const pixels = row(y);
-        if (count >= kAheadFrom && y + 1 < rows) {
-            Expect(row(y + 1), count);
+    for (; rows != 0; --rows) {
+        auto* const next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + strideBytes);
+        if (count >= kAheadFrom && rows > 1) {
+            Expect(next, count);
         }
-        first.Paint(pixels, kLanes);
-        if (opaque) {
-            Fill32(pixels + kLanes, inner, end - kLanes);
+        first.Paint(dst, kLanes);
+        if (!opaque) {
+            for (size_t i = kLanes; i < end; i += kLanes) {
+                middle.Paint(dst + i, kLanes);
+            }
+        } else if (end > kAlignedFrom) {
+            Fill32(dst + kLanes, inner, end - kLanes);
         } else {
             for (size_t i = kLanes; i < end; i += kLanes) {
-                middle.Paint(pixels + i, kLanes);
+                Store(dst + i, middle.color);
             }
         }
-        last.Paint(pixels + end, tail);
+        last.Paint(dst + end, tail);
+        dst = next;
+    }
+}
+
+void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
+                    size_t rows) {
+    if (count > kLanes) {
+        SolidWideRectangle(dst, strideBytes, left, inner, right, count, rows);
+        return;
+    }
+    const SolidColumn all = EdgeColumn(left, inner, right, count - 1);
+    auto* row = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, row += strideBytes) {
+        all.Paint(reinterpret_cast<uint32_t*>(row), count);
     }
 }
 
