@@ -4,7 +4,6 @@
 
 #include "SwPixelMath.h"
 #include "SwSamplerLoops.h"
-#include "SwSumLoops.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
@@ -211,7 +210,9 @@ size_t SampleRow(const SwPixelGrid& grid, bool clamp, const float* u, const floa
         return 0;
     }
     // The patterns of positive floats are in the order of their values; all others, and NaN, stand above.
-    const auto limit = [](int32_t end) { return BitsOf(static_cast<float>(end < kWhole ? end : kWhole)); };
+    const auto limit = [](int32_t end) {
+        return __builtin_bit_cast(uint32_t, static_cast<float>(end < kWhole ? end : kWhole));
+    };
     const U32 limitX = Splat(limit(way.EndX()));
     const U32 limitY = Splat(limit(way.EndY()));
     for (size_t k = 0; k < count; k += kLanes) {

@@ -10,16 +10,8 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-GX_INLINE inline uint32_t BitsOf(float v) noexcept {
-    uint32_t bits;
-    __builtin_memcpy(&bits, &v, 4);
-    return bits;
-}
-GX_INLINE inline float FloatOf(uint32_t bits) noexcept {
-    float v;
-    __builtin_memcpy(&v, &bits, 4);
-    return v;
-}
+GX_INLINE inline uint32_t BitsOf(float v) noexcept { return __builtin_bit_cast(uint32_t, v); }
+GX_INLINE inline float FloatOf(uint32_t bits) noexcept { return __builtin_bit_cast(float, bits); }
 
 /// How many terms after v follow by adding the same whole number to the bit pattern; 0 where that is not certain.
 inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept {
@@ -34,8 +26,7 @@ inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept
     }
     // Half a unit of the binade, 2^(exponent - 127 - 24), and the part of step that rounding drops; both exact.
     const uint64_t halfBits = static_cast<uint64_t>(exponent + 1023 - 127 - 24) << 52;
-    double half;
-    __builtin_memcpy(&half, &halfBits, 8);
+    const auto half = __builtin_bit_cast(double, halfBits);
     const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
     if (!(dropped < half && dropped > -half)) {
         return 0;

@@ -80,10 +80,7 @@ struct SolidColumn {
 
 /// `inner` but for the first lane and lane `at`.
 GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
-    U32 lanes{};
-    for (uint32_t i = 0; i < kLanes; ++i) {
-        lanes[i] = i;
-    }
+    const U32 lanes = Ascending();
     const U32 c = Select(lanes == static_cast<uint32_t>(at), Splat(last), Splat(inner));
     return SolidColumn(Select(IsZero(lanes), Splat(first), c));
 }
