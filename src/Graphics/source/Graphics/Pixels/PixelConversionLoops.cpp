@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The row converters of one instruction set; all of them but one by whole vectors and then part of one.
+// The row converters of one instruction set: by whole vectors and then part of one, but for triples.
 #include "../Simd/ChannelDivision.h"
 #include "PixelRows.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tables of one kind of kernels, one for each instruction set of the build. A kind is a struct of function
 // pointers, `Kernels`. Its loops lie in a source whose name ends in Loops.cpp, which the build compiles once for each
-// set and which defines that set's table; GX_KERNEL_TABLES, in a source of its own, lists them.
+// set and which defines that set's table. Where the processor lacks a set, nothing calls its table.
 #pragma once
 
 #include "InstructionSets.h"
