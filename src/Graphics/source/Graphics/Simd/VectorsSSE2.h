@@ -42,7 +42,7 @@ GX_INLINE inline U32 LoadPart(const void* from, size_t n) noexcept {
     return (U32)v;
 }
 GX_INLINE inline void StorePart(void* to, size_t n, U32 v) noexcept {
-    auto* p = static_cast<Word*>(to);
+    Word* p = static_cast<Word*>(to); // auto would drop the attributes
     if (n != 0) {
         p[0] = v[0];
     }
