@@ -25,7 +25,7 @@ wrong_arrows() {
             return count > 2 ? parts[2] : "ground"
         }
         BEGIN {
-            count = split("ground=0 Portable=1 Windows=1 Geometry=1 Pixels=1 Regions=1 Scan=2 Paint=2 Bitmaps=2 Text=2 Boolean=2 " \
+            count = split("ground=0 Portable=1 Windows=1 Simd=1 Geometry=1 Pixels=1 Regions=1 Scan=2 Paint=2 Bitmaps=2 Text=2 Boolean=2 " \
                           "Software=3 Direct3D11=3 Gdiplus=3 Target=4 Interface=5", pairs, " ")
             for (i = 1; i <= count; ++i) {
                 split(pairs[i], pair, "=")

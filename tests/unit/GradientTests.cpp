@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Exception.h"
+#include "KernelSets.h"
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "PaintSupport.h"
@@ -141,11 +142,7 @@ TEST(GradientStops, KeepOrderOfEqualOffsetsAndLookUpTheFirst) {
 }
 
 TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
-    for (int set = 0; set < kPaintKernelSets; ++set) {
-        const SwPaintKernels* kernels = PaintKernelSet(set);
-        if (kernels == nullptr) {
-            continue;
-        }
+    for (const auto& kernels : EveryKernelSet<SwPaintKernels>()) {
         for (int round = 0; round < 2000; ++round) {
             Scene scene;
             scene.Randomize();
@@ -169,7 +166,7 @@ TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
             EXPECT_EQ(out.back(), 7U);
             for (size_t i = 0; i < t.size(); ++i) {
                 const uint32_t expected = t[i] < 0 ? 11 : t[i] > 1 ? 22 : std::isnan(t[i]) ? 33 : scene.At(t[i]);
-                ASSERT_EQ(out[i], expected) << kernels->name << " round " << round << " t " << t[i];
+                ASSERT_EQ(out[i], expected) << kernels.name << " round " << round << " t " << t[i];
             }
         }
     }
@@ -178,11 +175,7 @@ TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
 TEST(GradientShade, IntervalsBelowAndAboveWhatAFactorHoldsAreDivided) {
     // 255 / length is infinite for the first ones and without bits for the last.
     const std::pair<float, float> intervals[] = {{0.0F, 1e-37F}, {0.0F, 3e-39F}, {0.25F, 0.25000003F}, {-3e38F, 3e37F}};
-    for (int set = 0; set < kPaintKernelSets; ++set) {
-        const SwPaintKernels* kernels = PaintKernelSet(set);
-        if (kernels == nullptr) {
-            continue;
-        }
+    for (const auto& kernels : EveryKernelSet<SwPaintKernels>()) {
         for (const auto& [lower, upper] : intervals) {
             Scene scene;
             scene.stops = {{lower, 0xFF102030U}, {upper, 0x80F0E0D0U}};
@@ -200,16 +193,15 @@ TEST(GradientShade, IntervalsBelowAndAboveWhatAFactorHoldsAreDivided) {
             kernels->shade(shade, t.data(), t.size(), out.data());
             for (size_t i = 0; i < t.size(); ++i) {
                 ASSERT_EQ(out[i], scene.At(t[i]))
-                    << kernels->name << " from " << lower << " to " << upper << " at " << t[i];
+                    << kernels.name << " from " << lower << " to " << upper << " at " << t[i];
             }
         }
     }
 }
 
 TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
-    for (int set = 0; set < kPaintKernelSets; ++set) {
-        const SwPaintKernels* kernels = PaintKernelSet(set);
-        for (int round = 0; kernels != nullptr && round < 3000; ++round) {
+    for (const auto& kernels : EveryKernelSet<SwPaintKernels>()) {
+        for (int round = 0; round < 3000; ++round) {
             const float scales[] = {1e-30F, 1e-3F, 1.0F, 1000.0F, 3e7F, 1e38F};
             float v = Uniform(-1, 1) * scales[g_random() % 6];
             float step = Uniform(-1, 1) * scales[g_random() % 5];
@@ -247,7 +239,7 @@ TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
 TEST(LinearGradientSource, EqualsFormula) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE(round);
-        SelectPaintKernels(round < 299 ? PaintKernelSet(round % kPaintKernelSets) : nullptr);
+        KernelTable<SwPaintKernels>::Select(round < 299 ? KernelSetOfRound<SwPaintKernels>(round).kernels : nullptr);
         Scene scene;
         scene.Randomize();
         const auto g = RandomGradient<LinearGradient>(scene);
@@ -297,7 +289,7 @@ TEST(LinearGradientSource, WhereStepsOverflowIsBeforeTheStart) {
 TEST(RadialGradientSource, EqualsFormula) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE(round);
-        SelectPaintKernels(round < 299 ? PaintKernelSet(round % kPaintKernelSets) : nullptr);
+        KernelTable<SwPaintKernels>::Select(round < 299 ? KernelSetOfRound<SwPaintKernels>(round).kernels : nullptr);
         Scene scene;
         scene.Randomize();
         const auto g = RandomGradient<RadialGradient>(scene);

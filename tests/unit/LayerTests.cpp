@@ -246,11 +246,11 @@ public:
             s_setOpaque += count;
             s_best->setOpaque(dst, shape, count);
         };
-        SelectKernels(&m_table);
+        KernelTable<SwKernels>::Select(&m_table);
     }
     CountedKernels(const CountedKernels&) = delete;
     CountedKernels& operator=(const CountedKernels&) = delete;
-    ~CountedKernels() { SelectKernels(nullptr); }
+    ~CountedKernels() { KernelTable<SwKernels>::Select(nullptr); }
 
     static inline size_t s_groupResult = 0;
     static inline size_t s_setOpaque = 0;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "KernelSets.h"
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "PaintSupport.h"
@@ -143,10 +144,7 @@ TEST(MeshSource, BandsShowWhatTheWholeMeshShows) {
 
 TEST(MeshPlane, EqualsItsFormulaInEverySet) {
     for (int round = 0; round < 3000; ++round) {
-        const SwPaintKernels* kernels = PaintKernelSet(round % kPaintKernelSets);
-        if (kernels == nullptr) {
-            continue;
-        }
+        const auto kernels = KernelSetOfRound<SwPaintKernels>(round);
         const float odd[] = {0, -1e9F, 3e38F, kInf, -kInf, kNaN, 254.5F, 0.5F, 255.5F};
         const auto pick = [&](float low, float high) {
             return g_random() % 8 == 0 ? odd[g_random() % 9] : Uniform(low, high);
@@ -165,7 +163,7 @@ TEST(MeshPlane, EqualsItsFormulaInEverySet) {
                           const float v = start[i] + step[i] * static_cast<float>(k);
                           return v > 0.0F ? static_cast<uint32_t>(std::min(v, 255.0F) + 0.5F) : 0U;
                       }))
-                << kernels->name << " pixel " << k;
+                << kernels.name << " pixel " << k;
         }
     }
 }

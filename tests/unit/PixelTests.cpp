@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Exception.h"
+#include "KernelSets.h"
 #include "Pixels/PixelBuffer.h"
 #include "Pixels/PixelConversion.h"
 #include "ProcessHeap.h"
@@ -147,18 +148,13 @@ std::vector<uint8_t> Bytes(std::mt19937& random, size_t count) {
 
 TEST(PixelConversion, EverySetEqualsThePixelByPixelResult) {
     std::mt19937 random(20240611);
-    int sets = 0;
-    for (int set = 0; set < 3; ++set) {
-        const ConversionTable* table = PixelConversion::Set(set);
-        if (table == nullptr) {
-            continue;
-        }
-        ++sets;
+    for (const auto& set : EveryKernelSet<ConversionKernels>()) {
         for (GXPixelFormat from = 1; from <= 10; ++from) {
             for (GXPixelFormat to = 1; to <= 10; ++to) {
                 if (Convert(from, to, 0) == kBad) {
                     continue;
                 }
+                const RowConverter row = PixelConversion::Find(from, to, *set.kernels);
                 // Bit offsets for one-bit rows, byte offsets for the others.
                 const size_t srcUnit = BitsPerPixel(from) == 1 ? 1 : 8;
                 const size_t dstUnit = BitsPerPixel(to) == 1 ? 1 : 8;
@@ -170,16 +166,14 @@ TEST(PixelConversion, EverySetEqualsThePixelByPixelResult) {
                             Bytes(random, (srcBit + count * static_cast<size_t>(BitsPerPixel(from)) + 7) / 8);
                         std::vector<uint8_t> dst = Bytes(random, 8 + 67 * 4 + 8);
                         const std::vector<uint8_t> expected = Expected(from, to, dst, dstBit + 8, src, srcBit, count);
-                        table->rows[from][to](dst.data() + 1 + dstBit / 8, dstBit % 8, src.data() + srcBit / 8,
-                                              srcBit % 8, count);
-                        ASSERT_EQ(dst, expected) << table->name << " " << from << " to " << to << " count " << count
+                        row(dst.data() + 1 + dstBit / 8, dstBit % 8, src.data() + srcBit / 8, srcBit % 8, count);
+                        ASSERT_EQ(dst, expected) << set.name << " " << from << " to " << to << " count " << count
                                                  << " source bit " << srcBit << " destination bit " << dstBit;
                     }
                 }
             }
         }
     }
-    EXPECT_GE(sets, 1);
 }
 
 TEST(PixelConversion, EveryColourAtEveryAlpha) {
@@ -192,15 +186,12 @@ TEST(PixelConversion, EveryColourAtEveryAlpha) {
     const GXPixelFormat pairs[][2] = {{2, 1}, {2, 3}, {2, 4}, {3, 2}, {3, 7}, {2, 10}};
     std::vector<uint8_t> src(pixels.size() * 4);
     std::memcpy(src.data(), pixels.data(), src.size());
-    for (int set = 0; set < 3; ++set) {
-        const ConversionTable* table = PixelConversion::Set(set);
+    for (const auto& set : EveryKernelSet<ConversionKernels>()) {
         for (const auto& [from, to] : pairs) {
-            if (table != nullptr) {
-                std::vector<uint8_t> dst(src.size(), 0x5A);
-                const std::vector<uint8_t> expected = Expected(from, to, dst, 0, src, 0, pixels.size());
-                table->rows[from][to](dst.data(), 0, src.data(), 0, pixels.size());
-                EXPECT_TRUE(dst == expected) << table->name << " " << from << " to " << to;
-            }
+            std::vector<uint8_t> dst(src.size(), 0x5A);
+            const std::vector<uint8_t> expected = Expected(from, to, dst, 0, src, 0, pixels.size());
+            PixelConversion::Find(from, to, *set.kernels)(dst.data(), 0, src.data(), 0, pixels.size());
+            EXPECT_TRUE(dst == expected) << set.name << " " << from << " to " << to;
         }
     }
 }
@@ -233,9 +224,9 @@ TEST(PixelConversion, PairsWithoutAConverter) {
 
 TEST(PixelConversion, OverlappingRowsAreTheSameInEverySet) {
     std::mt19937 random(7);
-    for (int set = 1; set < 3; ++set) {
-        const ConversionTable* table = PixelConversion::Set(set);
-        for (GXPixelFormat from = 1; table != nullptr && from <= 7; ++from) {
+    const auto& plain = KernelTable<ConversionKernels>::Made(InstructionSet::Plain);
+    for (const auto& set : EveryKernelSet<ConversionKernels>()) {
+        for (GXPixelFormat from = 1; from <= 7; ++from) {
             for (GXPixelFormat to = 1; to <= 7; ++to) {
                 if (Convert(from, to, 0) == kBad || from == to || to == GXPixelFormatIndexed8) {
                     continue; // plain copies behave as memmove
@@ -246,10 +237,10 @@ TEST(PixelConversion, OverlappingRowsAreTheSameInEverySet) {
                     std::vector<uint8_t> vector = start;
                     const size_t dst = random() & 1 ? 160 : 160 - shift;
                     const size_t src = 160 + 160 - shift - dst + (dst == 160 ? 0 : shift);
-                    PixelConversion::Set(0)->rows[from][to](scalar.data() + dst, 0, scalar.data() + src, 0, 67);
-                    table->rows[from][to](vector.data() + dst, 0, vector.data() + src, 0, 67);
+                    PixelConversion::Find(from, to, plain)(scalar.data() + dst, 0, scalar.data() + src, 0, 67);
+                    PixelConversion::Find(from, to, *set.kernels)(vector.data() + dst, 0, vector.data() + src, 0, 67);
                     ASSERT_EQ(vector, scalar)
-                        << table->name << " " << from << " to " << to << " from " << src << " to " << dst;
+                        << set.name << " " << from << " to " << to << " from " << src << " to " << dst;
                 }
             }
         }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Geometry/CurveFlattener.h"
+#include "KernelSets.h"
 #include "PlainCoverage.h"
 #include "Scan/Rasterizer.h"
 
@@ -28,16 +29,6 @@ void Feed(Rasterizer& r, const Loops& loops, bool close = true) {
     }
 }
 
-std::vector<const BandKernels*> KernelSets() {
-    std::vector<const BandKernels*> sets;
-    for (int i = 0; i < 3; ++i) {
-        if (const BandKernels* k = BandKernelsOfSet(i)) {
-            sets.push_back(k);
-        }
-    }
-    return sets;
-}
-
 Loop Box(float l, float t, float r, float b) { return {{l, t}, {r, t}, {r, b}, {l, b}}; }
 
 class RasterizerTest : public testing::Test {
@@ -47,7 +38,7 @@ protected:
         Grid expected = PlainCoverage(loops, clip, visible, evenOdd);
         for (size_t set = 0; set < m_sets.size(); ++set) {
             GridSink sink(visible);
-            m_rasterizer.UseKernels(*m_sets[set]);
+            m_rasterizer.UseKernels(*m_sets[set].kernels);
             m_rasterizer.Begin(clip, visible, false);
             m_rasterizer.SetFillRule(evenOdd ? 1 : 0);
             Feed(m_rasterizer, loops);
@@ -81,7 +72,7 @@ protected:
         }
     }
 
-    std::vector<const BandKernels*> m_sets = KernelSets();
+    std::vector<NamedKernels<BandKernels>> m_sets = EveryKernelSet<BandKernels>();
     Rasterizer m_rasterizer;
 };
 

@@ -11,6 +11,7 @@
 #include "Arena.h"
 #include "Bitmaps/CacheHolder.h"
 #include "Exception.h"
+#include "KernelSets.h"
 #include "PaintSupport.h"
 #include "Scan/DeviceFigures.h"
 #include "Software/SwBitmapColorSource.h"
@@ -318,7 +319,7 @@ TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {
     for (uint32_t format = 1; format <= 10; ++format) {
         for (uint32_t modes = 0; modes < 27; ++modes) {
             for (int round = 0; round < 12; ++round) {
-                SelectPaintKernels(PaintKernelSet(round % kPaintKernelSets)); // the best one where a set is missing
+                KernelTable<SwPaintKernels>::Select(KernelSetOfRound<SwPaintKernels>(round).kernels);
                 // Some large enough for whole vectors inside.
                 const uint32_t most = round % 2 == 0 ? 20 : 90;
                 const Image image(format, 1 + static_cast<int32_t>(g_random() % most),
@@ -331,7 +332,7 @@ TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {
             }
         }
     }
-    SelectPaintKernels(nullptr);
+    KernelTable<SwPaintKernels>::Select(nullptr);
 }
 
 TEST(BitmapSampler, WholePixelPlacementCopiesEveryPixel) {

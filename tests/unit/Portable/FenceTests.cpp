@@ -6,6 +6,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "../KernelSets.h"
 #include "../PaintSupport.h"
 #include "Arena.h"
 #include "Pixels/PixelFormat.h"
@@ -50,7 +51,7 @@ TEST(Fence, Bites) {
 
 TEST(Fence, SamplersStayInsideTheirImage) {
     for (int round = 0; round < 3000; ++round) {
-        SelectPaintKernels(PaintKernelSet(round % kPaintKernelSets));
+        KernelTable<SwPaintKernels>::Select(KernelSetOfRound<SwPaintKernels>(round).kernels);
         PixelView view;
         view.format = 1 + g_random() % 10;
         view.width = 1 + static_cast<int32_t>(g_random() % 40);
@@ -75,7 +76,7 @@ TEST(Fence, SamplersStayInsideTheirImage) {
             Row(*source, -20, 60, y);
         }
     }
-    SelectPaintKernels(nullptr);
+    KernelTable<SwPaintKernels>::Select(nullptr);
 }
 
 } // namespace

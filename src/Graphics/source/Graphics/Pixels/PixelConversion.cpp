@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The scalar converters, which define the result of every set, and the choice of the set.
+// The plain converters, which define the result of every set.
 #include "PixelConversion.h"
 
 #include <cstring>
 
 #include "../Exception.h"
-#include "../InstructionSets.h"
 #include "PixelRows.h"
 
 namespace Graphics {
@@ -207,55 +206,35 @@ constexpr uint32_t kBlack = 0xFF000000U;
 
 // Rows: source, columns: destination. Same-format pairs other than straight alpha do not convert, nor do indexed
 // sources: a caller copies the bytes or looks the colours up itself.
-constexpr ConversionTable kScalar = {
-    "scalar",
-    {
-        {},
-        {nullptr, Bad, AddAlpha24, AddAlpha24, AddAlpha24, Bad, Bad, Grey24, Bad, Bad, Bad},
-        {nullptr, UnpremultiplyDropAlpha, Bad, Unpremultiply, UnpremultiplyOpaque, TakeAlpha, Grey32, Grey32,
-         AlphaToBits, GreyToBits, GreyToBits},
-        {nullptr, DropAlpha, Premultiply, Copy32, SetAlpha, TakeAlpha, Bad, Grey32, AlphaToBits, Bad, Bad},
-        {nullptr, DropAlpha, SetAlpha, SetAlpha, Bad, Bad, Bad, Grey32, Bad, Bad, GreyToBits},
-        {nullptr, Bad, ByteToAll, ByteToWhite, ByteToGrey, Bad, Bad, Bad, ByteToBits, Bad, Bad},
-        {nullptr, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad},
-        {nullptr, Bad, ByteToGrey, ByteToGrey, ByteToGrey, Bad, CopyBytes, Bad, Bad, Bad, ByteToBits},
-        {nullptr, Bad, BitsTo32<kWhite, 0>, BitsTo32<kWhite, 0x00FFFFFFU>, BitsTo32<kWhite, kBlack>, BitsToByte, Bad,
-         BitsToByte, Bad, CopyBitRow, Bad},
-        {nullptr, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad},
-        {nullptr, Bad, BitsTo32<kWhite, kBlack>, BitsTo32<kWhite, kBlack>, BitsTo32<kWhite, kBlack>, Bad, Bad,
-         BitsToByte, Bad, CopyBitRow, Bad},
-    }};
-
-struct Sets {
-    ConversionTable tables[3] = {kScalar, kScalar, kScalar};
-    bool present[3] = {true, false, false};
-
-    Sets() noexcept {
-#if defined(__x86_64__) || defined(__i386__)
-        present[1] = ProcessorHas(InstructionSet::SSE2) && InstallSSE2(tables[1]);
-        if (present[1]) {
-            tables[2] = tables[1];
-            present[2] = ProcessorHas(InstructionSet::AVX2) && InstallAVX2(tables[2]);
-        }
-#endif
-    }
-};
-
-[[nodiscard]] const Sets& AllSets() noexcept {
-    static const Sets sets;
-    return sets;
-}
-
-[[nodiscard]] const ConversionTable& Best() noexcept {
-    static const KernelChoice<ConversionTable> choice(
-        [](InstructionSet set) noexcept { return PixelConversion::Set(static_cast<int>(set)); });
-    return choice.Active();
-}
+constexpr ConversionKernels kPlain = {{
+    {},
+    {nullptr, Bad, AddAlpha24, AddAlpha24, AddAlpha24, Bad, Bad, Grey24, Bad, Bad, Bad},
+    {nullptr, UnpremultiplyDropAlpha, Bad, Unpremultiply, UnpremultiplyOpaque, TakeAlpha, Grey32, Grey32, AlphaToBits,
+     GreyToBits, GreyToBits},
+    {nullptr, DropAlpha, Premultiply, Copy32, SetAlpha, TakeAlpha, Bad, Grey32, AlphaToBits, Bad, Bad},
+    {nullptr, DropAlpha, SetAlpha, SetAlpha, Bad, Bad, Bad, Grey32, Bad, Bad, GreyToBits},
+    {nullptr, Bad, ByteToAll, ByteToWhite, ByteToGrey, Bad, Bad, Bad, ByteToBits, Bad, Bad},
+    {nullptr, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad},
+    {nullptr, Bad, ByteToGrey, ByteToGrey, ByteToGrey, Bad, CopyBytes, Bad, Bad, Bad, ByteToBits},
+    {nullptr, Bad, BitsTo32<kWhite, 0>, BitsTo32<kWhite, 0x00FFFFFFU>, BitsTo32<kWhite, kBlack>, BitsToByte, Bad,
+     BitsToByte, Bad, CopyBitRow, Bad},
+    {nullptr, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad, Bad},
+    {nullptr, Bad, BitsTo32<kWhite, kBlack>, BitsTo32<kWhite, kBlack>, BitsTo32<kWhite, kBlack>, Bad, Bad, BitsToByte,
+     Bad, CopyBitRow, Bad},
+}};
 
 } // namespace
 
-RowConverter PixelConversion::Find(GXPixelFormat from, GXPixelFormat to) noexcept {
-    return IsValidFormat(from) && IsValidFormat(to) ? Best().rows[from][to] : nullptr;
+constinit const ConversionKernels SimdPlain::kConversions = kPlain;
+
+GX_DEFINE_KERNEL_TABLES(ConversionKernels, kConversions)
+
+RowConverter PixelConversion::Find(GXPixelFormat from, GXPixelFormat to, const ConversionKernels& kernels) noexcept {
+    if (!IsValidFormat(from) || !IsValidFormat(to)) {
+        return nullptr;
+    }
+    const RowConverter row = kernels.rows[from][to];
+    return row != nullptr ? row : kPlain.rows[from][to];
 }
 
 bool PixelConversion::Converts(GXPixelFormat from, GXPixelFormat to) noexcept {
@@ -282,11 +261,6 @@ void PixelConversion::CopyBits(uint8_t* dst, uint32_t dstBit, const uint8_t* src
         srcBit = (srcBit + n) & 7;
         count -= n;
     }
-}
-
-const ConversionTable* PixelConversion::Set(int index) noexcept {
-    const Sets& sets = AllSets();
-    return index >= 0 && index < 3 && sets.present[index] ? &sets.tables[index] : nullptr;
 }
 
 } // namespace Graphics

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 
+#include "../Simd/KernelTable.h"
 #include "PixelFormat.h"
 
 namespace Graphics {
@@ -15,25 +16,25 @@ namespace Graphics {
 /// otherwise are read and written pixel by pixel from the left.
 using RowConverter = void (*)(uint8_t* dst, uint32_t dstBit, const uint8_t* src, uint32_t srcBit, size_t count);
 
-struct ConversionTable {
-    const char* name;                                        ///< "scalar", "sse2" or "avx2"
-    RowConverter rows[kPixelFormatCount][kPixelFormatCount]; ///< [source][destination]; null at Unknown
+struct ConversionKernels {
+    /// [source][destination]; null where the set has no row of its own, and at Unknown.
+    RowConverter rows[kPixelFormatCount][kPixelFormatCount];
 };
+GX_DECLARE_KERNEL_TABLES(ConversionKernels, kConversions)
 
 class PixelConversion {
 public:
-    /// The converter of the best set; null when a format is outside 1..10. A pair that does not convert has a converter
-    /// that raises "Bad format conversion".
-    [[nodiscard]] static RowConverter Find(GXPixelFormat from, GXPixelFormat to) noexcept;
+    /// A set's converter, or the plain one; null when a format is outside 1..10. A pair that does not convert has a
+    /// converter that raises "Bad format conversion".
+    [[nodiscard]] static RowConverter
+    Find(GXPixelFormat from, GXPixelFormat to,
+         const ConversionKernels& kernels = KernelTable<ConversionKernels>::Active()) noexcept;
 
     /// Whether the pair has a converter that converts.
     [[nodiscard]] static bool Converts(GXPixelFormat from, GXPixelFormat to) noexcept;
 
     /// Copies bits between one-bit rows whatever their formats are.
     static void CopyBits(uint8_t* dst, uint32_t dstBit, const uint8_t* src, uint32_t srcBit, size_t count) noexcept;
-
-    /// Tables by number: 0 scalar, 1 SSE2, 2 AVX2; null where the processor or the build lacks the set.
-    [[nodiscard]] static const ConversionTable* Set(int index) noexcept;
 };
 
 } // namespace Graphics

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The scalar row converters that the vector sets fall back on for short, overlapping and left-over rows, and the
-// functions by which each set overwrites its entries of a table. Declarations only: nothing here may be compiled with
-// one set's flags and then be picked by the linker for all.
+// The plain row converters that the vector sets fall back on for overlapping rows. Declarations only: nothing here may
+// be compiled with one set's flags and then be picked by the linker for all.
 #pragma once
 
 #include "PixelConversion.h"
@@ -20,9 +19,5 @@ void Grey32(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count);
 void ByteToAll(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count);   // v -> v v v v
 void ByteToWhite(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count); // v -> 255 255 255 v
 void ByteToGrey(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count);  // v -> v v v 255
-
-/// Overwrite the entries that the set has; false when the build lacks the set.
-bool InstallSSE2(ConversionTable& table) noexcept;
-bool InstallAVX2(ConversionTable& table) noexcept;
 
 } // namespace Graphics::PixelRows

@@ -12,6 +12,7 @@
 // The order in which edges come does not matter, so none is ever sorted.
 #pragma once
 
+#include "../Simd/KernelTable.h"
 #include "RasterizationSink.h"
 
 namespace Graphics {
@@ -55,13 +56,6 @@ struct BandKernels {
                                  CoverageRun* runs);
 };
 
-extern const BandKernels kBandKernelsSSE2;
-extern const BandKernels kBandKernelsAVX2;
-extern const BandKernels kBandKernelsAVX512;
-
-/// 0: SSE2, 1: AVX2, 2: AVX-512; null when the processor lacks it.
-[[nodiscard]] const BandKernels* BandKernelsOfSet(int set) noexcept;
-/// The best set of this processor.
-[[nodiscard]] const BandKernels& ActiveBandKernels() noexcept;
+GX_DECLARE_KERNEL_TABLES(BandKernels, kBandKernels)
 
 } // namespace Graphics

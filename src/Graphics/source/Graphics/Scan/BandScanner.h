@@ -33,7 +33,7 @@ public:
 private:
     void AddSide(const Vertex& from, const Vertex& to);
 
-    const BandKernels* m_kernels = &ActiveBandKernels();
+    const BandKernels* m_kernels = &KernelTable<BandKernels>::Active();
     HeapArray<uint8_t> m_cells; // zero between fills
     HeapArray<uint64_t> m_bits; // likewise
     HeapArray<BandEdge> m_edges;

@@ -4,86 +4,89 @@
 
 #include <cstring>
 
+#include "../Simd/Vectors.h"
 #include "BandKernels.h"
-#include "BandVectors.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// a += b, numbers of K bits, bit j in element j.
-template <int K> inline void AddPlanes(Vec::T* a, const Vec::T* b) {
-    Vec::T carry = Vec::Zero();
+template <int K> inline void AddPlanes(U64* a, const U64* b) {
+    U64 carry = U64{};
     for (int j = 0; j < K; ++j) {
-        const Vec::T sum = Vec::Xor3(a[j], b[j], carry);
+        const U64 sum = Xor3(a[j], b[j], carry);
         if (j + 1 < K) {
-            carry = Vec::Majority(a[j], b[j], carry);
+            carry = Majority(a[j], b[j], carry);
         }
         a[j] = sum;
     }
 }
 
-template <int K, int N> inline void AddShifted(Vec::T* a) {
-    Vec::T up[K];
+/// Column 7 of each sub-scanline in all of its columns.
+GX_INLINE inline U64 SpreadColumn7(U64 v) { return (U64)((I8)v < 0); }
+
+template <int K, size_t N> inline void AddShifted(U64* a) {
+    U64 up[K];
     for (int j = 0; j < K; ++j) {
-        up[j] = Vec::Up<N>(a[j]);
+        up[j] = MovedUp<N>(a[j], U64{});
     }
     AddPlanes<K>(a, up);
 }
 
 /// The shape bytes of a block of eight pixels. `carry` is the winding left of the block in every lane, then that right
 /// of it. The block becomes zero.
-template <int K> inline void SweepBlock(uint8_t* cells, size_t planeBytes, Vec::T* carry, uint8_t* out) {
-    constexpr int kParts = 8 / Vec::kLanes;
-    Vec::T counts[kParts];
-    for (int part = 0; part < kParts; ++part) {
-        Vec::T w[K];
-        Vec::T right[K]; // winding in column 7 of each pixel, spread over all columns
+template <int K> inline void SweepBlock(uint8_t* cells, size_t planeBytes, U64* carry, uint8_t* out) {
+    constexpr size_t kParts = 8 / kLongLanes;
+    U64 counts[kParts];
+    for (size_t part = 0; part < kParts; ++part) {
+        U64 w[K];
+        U64 right[K]; // winding in column 7 of each pixel, spread over all columns
         for (int j = 0; j < K; ++j) {
-            auto* p = reinterpret_cast<uint64_t*>(cells + static_cast<size_t>(j) * planeBytes) + part * Vec::kLanes;
-            w[j] = Vec::Load(p);
-            Vec::Store(p, Vec::Zero());
-            right[j] = Vec::SpreadColumn7(w[j]);
+            auto* p = reinterpret_cast<uint64_t*>(cells + static_cast<size_t>(j) * planeBytes) + part * kLongLanes;
+            w[j] = Load<U64>(p);
+            Store(p, U64{});
+            right[j] = SpreadColumn7(w[j]);
         }
         AddShifted<K, 1>(right);
-        if constexpr (Vec::kLanes > 2) {
+        if constexpr (kLongLanes > 2) {
             AddShifted<K, 2>(right);
         }
-        if constexpr (Vec::kLanes > 4) {
+        if constexpr (kLongLanes > 4) {
             AddShifted<K, 4>(right);
         }
         AddPlanes<K>(right, carry);
-        Vec::T left[K];
+        U64 left[K];
         for (int j = 0; j < K; ++j) {
-            left[j] = Vec::Exclusive(right[j], carry[j]);
-            carry[j] = Vec::Last(right[j]);
+            left[j] = MovedUp<1>(right[j], carry[j]);
+            carry[j] = Last(right[j]);
         }
         AddPlanes<K>(w, left);
-        Vec::T inside = w[0];
+        U64 inside = w[0];
         for (int j = 1; j < K; ++j) {
-            inside = Vec::Or(inside, w[j]);
+            inside |= w[j];
         }
-        counts[part] = Vec::Count(inside);
+        counts[part] = BitCount(inside);
     }
-    Vec::StoreShape(out, counts);
+    StoreShape(out, counts);
 }
 
 template <int K>
 size_t SweepRow(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape, CoverageRun* runs) {
-    Vec::T carry[K];
+    U64 carry[K];
     for (int j = 0; j < K; ++j) {
-        carry[j] = Vec::Zero();
+        carry[j] = U64{};
     }
     CoverageRun* run = runs - 1; // the current one
     bool joins = false;          // the current run has shape and ends at `done`
     int32_t done = 0;            // pixels
     // Pixels [done, to) have the winding of `carry`.
     const auto gap = [&](int32_t to) {
-        Vec::T inside = carry[0];
+        U64 inside = carry[0];
         for (int j = 1; j < K; ++j) {
-            inside = Vec::Or(inside, carry[j]);
+            inside |= carry[j];
         }
         constexpr uint64_t kOnes = 0x0101010101010101U;
-        const uint64_t count = ((Vec::Low(inside) & kOnes) * kOnes >> 56) * 8;
+        const uint64_t count = ((inside[0] & kOnes) * kOnes >> 56) * 8;
         if (count == 0) {
             joins = false;
         } else if (joins && to - done <= 8) {
@@ -128,4 +131,4 @@ size_t SweepRow(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t*
 }
 
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -2,13 +2,12 @@
 // Walking edges through a band: each sub-scanline's column is toggled in its row's bits. Part of the band loops.
 #pragma once
 
-#include <immintrin.h>
-
 #include <cstring>
 
+#include "../Simd/Vectors.h"
 #include "BandKernels.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// Adds the bits of `mask` with carry into the planes; `flip` is 0 to add and all ones to subtract.
@@ -71,6 +70,96 @@ inline void WalkScalar(uint8_t* row, size_t planeBytes, int64_t x, int64_t step,
     }
 }
 
+/// Toggles an edge in one pixel row: in each sub-scanline [s, stop) of it, the byte 0xFF << (c & 7) in the word of
+/// pixel c >> 3, c being the edge's column there. x belongs to s; c0 and c1 are the columns at s and stop - 1.
+#if GX_SIMD_BYTES == 64
+/// Sub-scanlines are lanes, of which each pixel takes those that lie in it.
+class RowColumns {
+public:
+    GX_INLINE explicit RowColumns(int64_t step) noexcept
+        : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
+
+    template <int K, bool Clamp>
+    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, int64_t x, int32_t s, int32_t stop, int32_t c0, int32_t c1,
+                        int32_t limit, uint64_t flip) const noexcept {
+        I64 c = (I64)(static_cast<uint64_t>(Advance(x, m_step, -s)) + m_steps) >> kBandFraction;
+        if (Clamp) {
+            const I64 least{};
+            const I64 most = I64{} + limit;
+            c = c > least ? c : least;
+            c = c < most ? c : most;
+        }
+        const auto lanes = static_cast<RowMask>((0xFFU >> (8 - stop)) & (0xFFU << s));
+        const U64 columns = (U64{} + 0xFFU) << (U64)(c & 7);
+        const I64 pixels = c >> 3;
+        const auto toggle = [&](int32_t p, uint64_t mask) GX_INLINE {
+            Toggle<K, uint64_t>(row + static_cast<size_t>(p) * 8, planeBytes, mask, flip);
+        };
+        const int32_t p0 = c0 >> 3;
+        const int32_t p1 = c1 >> 3;
+        if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
+            // One pixel or two: always as two, since which it is cannot be predicted.
+            const RowMask here = EqualLanes(lanes, pixels, p0);
+            const uint64_t mask0 = LowBytes(here, columns);
+            const uint64_t mask1 = LowBytes(static_cast<RowMask>(lanes & ~here), columns);
+            toggle(p0, mask0);
+            toggle(p1, mask1);
+        } else if (p0 - p1 <= 4 && p1 - p0 <= 4) {
+            const int32_t high = p0 < p1 ? p1 : p0;
+            for (int32_t p = p0 < p1 ? p0 : p1; p <= high; ++p) {
+                toggle(p, LowBytes(EqualLanes(lanes, pixels, p), columns));
+            }
+        } else {
+            WalkScalar<K, Clamp>(row, planeBytes, x, m_step, s, stop, limit, flip);
+        }
+    }
+
+private:
+    int64_t m_step;
+    U64 m_steps;
+};
+#else
+/// Whole rows inside one pixel at once, all others by sub-scanlines.
+class RowColumns {
+public:
+    GX_INLINE explicit RowColumns(int64_t step) noexcept
+        : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
+
+    template <int K, bool Clamp>
+    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, int64_t x, int32_t s, int32_t stop, int32_t c0, int32_t c1,
+                        int32_t limit, uint64_t flip) const noexcept {
+        if (stop - s != 8 || c0 >> 3 != c1 >> 3) {
+            WalkScalar<K, Clamp>(row, planeBytes, x, m_step, s, stop, limit, flip);
+            return;
+        }
+        uint64_t mask = 0;
+        if (m_step == 0) {
+            mask = ((0xFFU << (c0 & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
+        } else if constexpr (kLongLanes == 4 && !Clamp) {
+            const U64 full = U64{} + 0xFFU;
+            const U64 low = static_cast<uint64_t>(x) + m_steps;
+            const U64 high = low + static_cast<uint64_t>(Advance(0, m_step, 4));
+            const U64 places = LongAscending() * 8;
+            const U64 first = (full << (low >> kBandFraction & 7)) & full;
+            const U64 last = (full << (high >> kBandFraction & 7)) & full;
+            const U64 both = first << places | last << (places + 32);
+            const U64 pairs = both | MovedUp<2>(both, both);
+            mask = pairs[0] | pairs[1];
+        } else {
+            for (int k = 0; k < 64; k += 8) {
+                mask |= uint64_t{(0xFFU << (Column<Clamp>(x, limit) & 7)) & 0xFFU} << k;
+                x = Advance(x, m_step, 1);
+            }
+        }
+        Toggle<K, uint64_t>(row + static_cast<size_t>(c0 >> 3) * 8, planeBytes, mask, flip);
+    }
+
+private:
+    int64_t m_step;
+    U64 m_steps;
+};
+#endif
+
 template <int K, bool Clamp>
 inline void WalkEdge(const BandFrame& frame, const BandEdge& e, int64_t x, int32_t y, int32_t end) {
     const int64_t step = e.step;
@@ -79,89 +168,14 @@ inline void WalkEdge(const BandFrame& frame, const BandEdge& e, int64_t x, int32
     const uint64_t flip = (e.flags & kEdgeUp) != 0 ? ~uint64_t{0} : 0;
     uint8_t* row = frame.cells + static_cast<size_t>(y >> 3) * frame.rowBytes;
     uint64_t* bits = frame.bits + static_cast<size_t>(y >> 3) * frame.bitWords;
-#if defined(__AVX512BW__)
-    const __m512i lane = _mm512_setr_epi64(0, 1, 2, 3, 4, 5, 6, 7);
-    const __m512i steps = _mm512_mullo_epi64(lane, _mm512_set1_epi64(step));
-#elif defined(__AVX2__)
-    const int64_t s2 = Advance(0, step, 2);
-    const int64_t s3 = Advance(0, step, 3);
-    const __m256i steps = _mm256_setr_epi64x(0, step, s2, s3);
-#endif
+    const RowColumns columns(step);
     do {
         const int32_t s = y & 7;
         const int32_t stop = end - y < 8 - s ? s + (end - y) : 8;
         const int32_t c0 = Column<Clamp>(x, limit);
         const int32_t c1 = Column<Clamp>(Advance(x, step, stop - s - 1), limit);
         MarkBlocks(bits, c0, c1);
-#if defined(__AVX512BW__)
-        // Lane = sub-scanline; lanes outside [s, stop) give no bits.
-        __m512i c = _mm512_srai_epi64(_mm512_add_epi64(_mm512_set1_epi64(Advance(x, step, -s)), steps), kBandFraction);
-        if (Clamp) {
-            c = _mm512_min_epi64(_mm512_max_epi64(c, _mm512_setzero_si512()), _mm512_set1_epi64(limit));
-        }
-        const auto lanes = static_cast<__mmask8>((0xFFU >> (8 - stop)) & (0xFFU << s));
-        const __m512i columns = _mm512_sllv_epi64(_mm512_set1_epi64(0xFF), _mm512_and_si512(c, _mm512_set1_epi64(7)));
-        const int32_t p0 = c0 >> 3;
-        const int32_t p1 = c1 >> 3;
-        const __m512i pixels = _mm512_srli_epi64(c, 3);
-        if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
-            // One pixel or two: always as two, since which it is cannot be predicted.
-            const __mmask8 here = _mm512_mask_cmpeq_epi64_mask(lanes, pixels, _mm512_set1_epi64(p0));
-            const auto there = static_cast<__mmask8>(lanes & ~here);
-            const auto mask0 = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(here, columns)));
-            const auto mask1 = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(there, columns)));
-            Toggle<K, uint64_t>(row + static_cast<size_t>(p0) * 8, planeBytes, mask0, flip);
-            Toggle<K, uint64_t>(row + static_cast<size_t>(p1) * 8, planeBytes, mask1, flip);
-        } else if (p0 - p1 <= 4 && p1 - p0 <= 4) {
-            const int32_t low = p0 < p1 ? p0 : p1;
-            const int32_t high = p0 < p1 ? p1 : p0;
-            for (int32_t p = low; p <= high; ++p) {
-                const __mmask8 here = _mm512_mask_cmpeq_epi64_mask(lanes, pixels, _mm512_set1_epi64(p));
-                const auto mask = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(here, columns)));
-                Toggle<K, uint64_t>(row + static_cast<size_t>(p) * 8, planeBytes, mask, flip);
-            }
-        } else {
-            WalkScalar<K, Clamp>(row, planeBytes, x, step, s, stop, limit, flip);
-        }
-#else
-        if (stop - s == 8 && c0 >> 3 == c1 >> 3) {
-            uint64_t mask;
-            if (step == 0) {
-                mask = ((0xFFU << (c0 & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
-            } else if (Clamp) {
-                int64_t at = x;
-                mask = 0;
-                for (int k = 0; k < 64; k += 8) {
-                    mask |= uint64_t{(0xFFU << (Column<Clamp>(at, limit) & 7)) & 0xFFU} << k;
-                    at = Advance(at, step, 1);
-                }
-            } else {
-#if defined(__AVX2__)
-                const __m256i seven = _mm256_set1_epi64x(7);
-                const __m256i full = _mm256_set1_epi64x(0xFF);
-                const __m256i xa = _mm256_add_epi64(_mm256_set1_epi64x(x), steps);
-                const __m256i xb = _mm256_add_epi64(xa, _mm256_set1_epi64x(Advance(0, step, 4)));
-                __m256i ma = _mm256_sllv_epi64(full, _mm256_and_si256(_mm256_srli_epi64(xa, kBandFraction), seven));
-                __m256i mb = _mm256_sllv_epi64(full, _mm256_and_si256(_mm256_srli_epi64(xb, kBandFraction), seven));
-                ma = _mm256_sllv_epi64(_mm256_and_si256(ma, full), _mm256_setr_epi64x(0, 8, 16, 24));
-                mb = _mm256_sllv_epi64(_mm256_and_si256(mb, full), _mm256_setr_epi64x(32, 40, 48, 56));
-                const __m256i both = _mm256_or_si256(ma, mb);
-                const __m128i half = _mm_or_si128(_mm256_castsi256_si128(both), _mm256_extracti128_si256(both, 1));
-                mask = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm_or_si128(half, _mm_unpackhi_epi64(half, half))));
-#else
-                int64_t at = x;
-                mask = 0;
-                for (int k = 0; k < 64; k += 8) {
-                    mask |= uint64_t{(0xFFU << (Column<false>(at, limit) & 7)) & 0xFFU} << k;
-                    at = Advance(at, step, 1);
-                }
-#endif
-            }
-            Toggle<K, uint64_t>(row + static_cast<size_t>(c0 >> 3) * 8, planeBytes, mask, flip);
-        } else {
-            WalkScalar<K, Clamp>(row, planeBytes, x, step, s, stop, limit, flip);
-        }
-#endif
+        columns.template Walk<K, Clamp>(row, planeBytes, x, s, stop, c0, c1, limit, flip);
         x = Advance(x, step, stop - s);
         y += stop - s;
         row += frame.rowBytes;
@@ -193,4 +207,4 @@ uint32_t WalkList(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_
 }
 
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Kernels/SwKernels.h"
+
 namespace Graphics {
 
 namespace {
@@ -38,7 +40,7 @@ bool SwBitmapSampler::IsSolid(uint32_t& color) const noexcept {
         return false;
     }
     m_reader.Run(0, 0, 1, &color);
-    m_kernels.scaleBy(&color, m_setup.opacityFactor, 1);
+    ActiveKernels().scaleColorBy(&color, m_setup.opacityFactor, 1);
     return true;
 }
 
@@ -101,7 +103,7 @@ void SwBitmapSampler::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
         FillPoints({&run, 1}, y, out);
     }
     if (m_setup.opacityFactor != 256) {
-        m_kernels.scaleBy(out, m_setup.opacityFactor, count);
+        ActiveKernels().scaleColorBy(out, m_setup.opacityFactor, count);
     }
 }
 
@@ -233,7 +235,7 @@ bool SwBitmapSampler::JoinsRuns() const noexcept { return !m_copies && !m_uprigh
 void SwBitmapSampler::FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
     FillPoints(runs, y, out);
     if (m_setup.opacityFactor != 256) {
-        m_kernels.scaleBy(out, m_setup.opacityFactor, static_cast<size_t>(runs.back().x1 - runs.front().x0));
+        ActiveKernels().scaleColorBy(out, m_setup.opacityFactor, static_cast<size_t>(runs.back().x1 - runs.front().x0));
     }
 }
 

@@ -2,16 +2,17 @@
 // The loops of linear and radial gradients over vectors of kLanes words.
 #pragma once
 
-#include "SwPaintVectors.h"
+#include "../Simd/Channels.h"
+#include "SwPaintKernels.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// One interval in vectors: where it lies within [0, 1] and what its colours are made from.
 struct Ramp {
-    Floats above, upTo; ///< above < t <= upTo
-    Floats upper, length, perLength;
-    Halves lowerEven, lowerOdd, upperEven, upperOdd;
+    F32 above, upTo; ///< above < t <= upTo
+    F32 upper, length, perLength;
+    U16 lowerEven, lowerOdd, upperEven, upperOdd;
     bool tame, opaque;
 
     GX_INLINE explicit Ramp(const GradientInterval& in) noexcept {
@@ -21,8 +22,8 @@ struct Ramp {
         upper = Splat(in.upper);
         length = Splat(span);
         perLength = Splat(255.0F / span);
-        const Words lowerColor = Words{} + in.lowerColor;
-        const Words upperColor = Words{} + in.upperColor;
+        const U32 lowerColor = Splat(in.lowerColor);
+        const U32 upperColor = Splat(in.upperColor);
         lowerEven = Even(lowerColor);
         lowerOdd = Odd(lowerColor);
         upperEven = Even(upperColor);
@@ -31,52 +32,52 @@ struct Ramp {
         opaque = (in.lowerColor & in.upperColor) >> 24 == 255;
     }
 
-    GX_INLINE Ints Holds(Floats t) const noexcept { return (Ints)((t > above) & (t <= upTo)); }
+    GX_INLINE I32 Holds(F32 t) const noexcept { return (I32)((t > above) & (t <= upTo)); }
 
     /// The colours; any words where t lies elsewhere. A product with the rounded 255 / length differs from the two
     /// rounded operations by less than 255 * 2^-22 < 0.0001: where both ends of this doubt truncate alike, the
     /// division is spared.
-    GX_INLINE Words Colors(Floats t) const noexcept {
-        const Floats distance = upper - t;
-        const Floats near = distance * perLength;
-        const Floats doubt = Splat(0.0001F);
-        Ints share = Truncate(near - doubt);
-        if (!tame || !All((Ints)(share == Truncate(near + doubt)))) {
+    GX_INLINE U32 Colors(F32 t) const noexcept {
+        const F32 distance = upper - t;
+        const F32 near = distance * perLength;
+        const F32 doubt = Splat(0.0001F);
+        I32 share = Truncate(near - doubt);
+        if (!tame || !AllSet((I32)(share == Truncate(near + doubt)))) {
             share = Truncate(distance / length * Splat(255.0F));
         }
-        const Words w = ((Words)share & 255U) + 1U;
-        const Words c = Mix(upperEven, upperOdd, lowerEven, lowerOdd, (Halves)(w | w << 16));
+        const U32 w = ((U32)share & 255U) + 1U;
+        const U32 c = Mix(upperEven, upperOdd, lowerEven, lowerOdd, Spread(w));
         return opaque ? c : Premultiply(c);
     }
 };
 
 void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
-    const auto factor = (Halves)(Words{} + (state.opacityFactor | state.opacityFactor << 16));
+    const U32 factor = Spread(Splat(state.opacityFactor));
     const bool scaled = state.opacityFactor != 256;
     Ramp ramp(state.interval);
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        const auto block = Load<Floats>(t + k, lanes);
-        if (lanes == kLanes && All(ramp.Holds(block))) {
-            const Words c = ramp.Colors(block);
-            Store(out + k, scaled ? Scale(c, factor) : c, lanes);
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const auto block = LoadSome<F32>(t + k, lanes);
+        if (lanes == kLanes && AllSet(ramp.Holds(block))) {
+            const U32 c = ramp.Colors(block);
+            StoreSome(out + k, lanes, scaled ? Scale(c, factor) : c);
             return;
         }
         // Several stretches meet here: each pass takes the one of the first pixel left.
-        Words colors{};
+        U32 colors{};
         for (uint32_t left = (1U << lanes) - 1U; left != 0;) {
             const auto lane = static_cast<uint32_t>(__builtin_ctz(left));
             const float at = t[k + lane];
-            Ints mask;
-            Words c;
+            I32 mask;
+            U32 c;
             if (at < 0.0F) {
-                mask = (Ints)(block < Floats{});
-                c = Words{} + state.before;
+                mask = (I32)(block < F32{});
+                c = Splat(state.before);
             } else if (at > 1.0F) {
-                mask = (Ints)(block > Splat(1.0F));
-                c = Words{} + state.after;
+                mask = (I32)(block > Splat(1.0F));
+                c = Splat(state.after);
             } else if (at != at) {
-                mask = (Ints)(block != block);
-                c = Words{} + state.notANumber;
+                mask = (I32)(block != block);
+                c = Splat(state.notANumber);
             } else {
                 if (!state.interval.Contains(at)) {
                     state.interval = state.sampler->IntervalAt(at);
@@ -86,38 +87,38 @@ void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
                 c = ramp.Colors(block);
                 c = scaled ? Scale(c, factor) : c;
             }
-            mask |= (Ints)(Ascending() == lane); // whatever rounding the host has set
+            mask |= (I32)(Ascending() == lane); // whatever rounding the host has set
             colors = Select(mask, c, colors);
-            left &= ~Bits(mask);
+            left &= ~MaskBits(mask);
         }
-        Store(out + k, colors, lanes);
+        StoreSome(out + k, lanes, colors);
     });
 }
 
 void Radial(const RadialEquation& q, const float* u, const float* v, const float* b, size_t count, float* t) {
-    const Floats zero{};
-    const Floats one = Splat(1.0F);
-    const Floats none = Splat(__builtin_nanf(""));
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        const Floats x = Load<Floats>(u + k, lanes);
-        const Floats y = Load<Floats>(v + k, lanes);
-        const Floats B = Load<Floats>(b + k, lanes);
-        const Floats C = x * x + y * y - Splat(q.g2);
-        Floats r;
+    const F32 zero{};
+    const F32 one = Splat(1.0F);
+    const F32 none = Splat(__builtin_nanf(""));
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const F32 x = LoadSome<F32>(u + k, lanes);
+        const F32 y = LoadSome<F32>(v + k, lanes);
+        const F32 B = LoadSome<F32>(b + k, lanes);
+        const F32 C = x * x + y * y - Splat(q.g2);
+        F32 r;
         if (q.qa4 == 0.0F) {
             r = -C / B;
             r = Select(r == r, r, Splat(-1.0F));
         } else {
-            const Floats D = B * B - Splat(q.qa4) * C;
-            const Floats s = SquareRoot(Select(D > zero, D, zero));
-            const Floats t1 = (s - B) * Splat(q.qinv);
-            const Floats t2 = (-B - s) * Splat(q.qinv);
+            const F32 D = B * B - Splat(q.qa4) * C;
+            const F32 s = SquareRoot(Select(D > zero, D, zero));
+            const F32 t1 = (s - B) * Splat(q.qinv);
+            const F32 t2 = (-B - s) * Splat(q.qinv);
             r = Select((t1 >= zero) & (t1 <= one), t1, t2); // both are -B / (2 A) where D is 0
             r = Select(r == r, r, Splat(-1.0F));
             r = Select(D < zero, none, r);
             r = Select(D == D, r, zero);
         }
-        Store(t + k, r, lanes);
+        StoreSome(t + k, lanes, r);
     });
 }
 
@@ -125,13 +126,13 @@ void Radial(const RadialEquation& q, const float* u, const float* v, const float
 void Plane(const float* start, const float* step, size_t count, uint32_t* out) {
     constexpr size_t kPixels = kLanes / 4;
     typedef uint8_t Bytes __attribute__((vector_size(kLanes)));
-    const Floats from = Repeat(start);
-    const Floats per = Repeat(step);
-    Floats index = __builtin_convertvector((Ints)(Ascending() >> 2), Floats);
+    const F32 from = Repeat(start);
+    const F32 per = Repeat(step);
+    F32 index = __builtin_convertvector((I32)(Ascending() >> 2), F32);
     for (size_t k = 0; k < count; k += kPixels) {
-        Floats v = from + per * index;
-        v = Select((Ints)(v > Floats{}), v, Floats{}); // not a number counts as 0
-        v = Select((Ints)(v < Splat(255.0F)), v, Splat(255.0F));
+        F32 v = from + per * index;
+        v = Select((I32)(v > F32{}), v, F32{}); // not a number counts as 0
+        v = Select((I32)(v < Splat(255.0F)), v, Splat(255.0F));
         const auto bytes = __builtin_convertvector(Truncate(v + Splat(0.5F)), Bytes);
         uint32_t words[kPixels];
         __builtin_memcpy(words, &bytes, kLanes);
@@ -143,4 +144,4 @@ void Plane(const float* start, const float* step, size_t count, uint32_t* out) {
 }
 
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Kernels/SwKernels.h"
 #include "SwGradientColorSource.h"
 #include "SwOpacity.h"
 #include "SwPixelMath.h"
@@ -208,10 +209,10 @@ void SwMeshColorSource::FillTriangle(const Vertex (&v)[3], int32_t first, int32_
         uint32_t* out = m_pixels + static_cast<size_t>(y - top) * static_cast<size_t>(m_width) + from;
         kernels.plane(start, step, pixels, out);
         if (!opaque) {
-            kernels.premultiply(out, pixels);
+            ActiveKernels().premultiply(out, pixels);
         }
         if (m_factor != 256) {
-            kernels.scaleBy(out, m_factor, pixels);
+            ActiveKernels().scaleColorBy(out, m_factor, pixels);
         }
     }
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "../Paint/GradientSampler.h"
+#include "../Simd/KernelTable.h"
 
 namespace Graphics {
 
@@ -56,8 +57,6 @@ struct SwPoint {
 };
 
 struct SwPaintKernels {
-    const char* name;
-
     /// out = v, v + step, (v + step) + step, ... every sum rounded as a float add rounds it. Returns the term that
     /// follows.
     float (*accumulate)(float v, float step, float* out, size_t count);
@@ -81,8 +80,6 @@ struct SwPaintKernels {
     void (*mix)(const uint32_t* a, const uint32_t* b, const uint32_t* weight, size_t count, uint32_t* out);
     /// The same with one weight 1 to 256.
     void (*mixBy)(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t count, uint32_t* out);
-    void (*scaleBy)(uint32_t* row, uint32_t factor, size_t count);
-    void (*premultiply)(uint32_t* row, size_t count);
 
     /// By layout: premultiplied words of the pixels of a row at the given columns; and of an image at points.
     void (*columns[kPixelLayoutCount])(const uint8_t* row, int32_t width, const int32_t* columns, size_t count,
@@ -95,16 +92,11 @@ struct SwPaintKernels {
     SwSampleRow sample[2][kPixelLayoutCount];
 };
 
-inline constexpr int kPaintKernelSets = 3;
+GX_DECLARE_KERNEL_TABLES(SwPaintKernels, kPaintKernels)
 
-/// 0: the set that every processor of the build has; 1: AVX2; 2: AVX-512. Null where build or processor lack it.
-[[nodiscard]] const SwPaintKernels* PaintKernelSet(int index) noexcept;
-[[nodiscard]] const SwPaintKernels* PaintKernelsAVX2() noexcept;
-[[nodiscard]] const SwPaintKernels* PaintKernelsAVX512() noexcept;
-/// The best one.
-[[nodiscard]] const SwPaintKernels& ActivePaintKernels() noexcept;
-/// For tests and benches: makes a set the active one; a null pointer restores the best.
-void SelectPaintKernels(const SwPaintKernels* kernels) noexcept;
+[[nodiscard]] inline const SwPaintKernels& ActivePaintKernels() noexcept {
+    return KernelTable<SwPaintKernels>::Active();
+}
 
 /// Longest stretch that the sources work on at once, in pixels.
 inline constexpr size_t kPaintChunk = 256;

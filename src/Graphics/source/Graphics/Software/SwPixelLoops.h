@@ -2,9 +2,10 @@
 // The loops that read pixels where they lie, at any indices: a permutation of a few words, gathers, or one by one.
 #pragma once
 
+#include "SwPixelMath.h"
 #include "SwSamplerLoops.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// Floats below are exact integers' neighbours: an end up to here is a float.
@@ -14,10 +15,10 @@ template <SwPixelLayout kLayout> constexpr int32_t kPixelBytes = kLayout == SwPi
 
 /// From words as they are stored. What fills the fourth byte of opaque pixels is no matter while they are mixed,
 /// because no channel reaches another: Finish gives them their alpha.
-template <SwPixelLayout kLayout> GX_INLINE inline Words Understand(Words c) noexcept {
+template <SwPixelLayout kLayout> GX_INLINE inline U32 Understand(U32 c) noexcept {
     return kLayout == SwPixelLayout::Straight ? Premultiply(c) : c;
 }
-template <SwPixelLayout kLayout> GX_INLINE inline Words Finish(Words c) noexcept {
+template <SwPixelLayout kLayout> GX_INLINE inline U32 Finish(U32 c) noexcept {
     return kLayout == SwPixelLayout::Opaque || kLayout == SwPixelLayout::Triples ? c | 0xFF000000U : c;
 }
 
@@ -34,15 +35,15 @@ template <SwPixelLayout kLayout> GX_INLINE inline uint32_t PixelAt(const uint8_t
 }
 
 /// A word read from a triple's first byte reaches into the next one: the last of a row stands for itself.
-template <SwPixelLayout kLayout> GX_INLINE inline bool MayGather(Ints columns, int32_t width) noexcept {
-    return kLanes > 4 && (kLayout != SwPixelLayout::Triples || All(columns < width - 1));
+template <SwPixelLayout kLayout> GX_INLINE inline bool MayGather(I32 columns, int32_t width) noexcept {
+    return kLanes > 4 && (kLayout != SwPixelLayout::Triples || AllSet(columns < width - 1));
 }
 
 template <SwPixelLayout kLayout>
 void Columns(const uint8_t* row, int32_t width, const int32_t* columns, size_t count, uint32_t* out) {
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        const auto at = Load<Ints>(columns + k, lanes);
-        Words c;
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const auto at = LoadSome<I32>(columns + k, lanes);
+        U32 c;
         if (!MayGather<kLayout>(at, width)) {
             for (size_t i = 0; i < lanes; ++i) {
                 out[k + i] = PixelAt<kLayout>(row + static_cast<ptrdiff_t>(columns[k + i]) * kPixelBytes<kLayout>);
@@ -51,20 +52,20 @@ void Columns(const uint8_t* row, int32_t width, const int32_t* columns, size_t c
         }
         // Neighbours of a scaled row: permuting a few words is several times as fast as gathering them.
         const int32_t from = columns[k] < columns[k + lanes - 1] ? columns[k] : columns[k + lanes - 1];
-        if (kLayout != SwPixelLayout::Triples && lanes == kLanes && All((Ints)((Words)(at - from) < kNearWords))) {
+        if (kLayout != SwPixelLayout::Triples && lanes == kLanes && AllSet((I32)((U32)(at - from) < kNearWords))) {
             c = Pick(row + static_cast<ptrdiff_t>(from) * 4, static_cast<size_t>(width - from), at - from);
         } else {
             c = Gather(row, at * kPixelBytes<kLayout>);
         }
-        Store(out + k, Finish<kLayout>(Understand<kLayout>(c)), lanes);
+        StoreSome(out + k, lanes, Finish<kLayout>(Understand<kLayout>(c)));
     });
 }
 
 template <SwPixelLayout kLayout>
 void Points(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns, size_t count, uint32_t* out) {
     const auto stride = static_cast<int32_t>(grid.strideBytes);
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        const auto at = Load<Ints>(columns + k, lanes);
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const auto at = LoadSome<I32>(columns + k, lanes);
         if (!grid.IsNear() || !MayGather<kLayout>(at, grid.width)) {
             for (size_t i = 0; i < lanes; ++i) {
                 out[k + i] = PixelAt<kLayout>(grid.pixels + rows[k + i] * grid.strideBytes +
@@ -72,8 +73,8 @@ void Points(const SwPixelGrid& grid, const int32_t* rows, const int32_t* columns
             }
             return;
         }
-        const Words c = Gather(grid.pixels, Load<Ints>(rows + k, lanes) * stride + at * kPixelBytes<kLayout>);
-        Store(out + k, Finish<kLayout>(Understand<kLayout>(c)), lanes);
+        const U32 c = Gather(grid.pixels, LoadSome<I32>(rows + k, lanes) * stride + at * kPixelBytes<kLayout>);
+        StoreSome(out + k, lanes, Finish<kLayout>(Understand<kLayout>(c)));
     });
 }
 
@@ -93,10 +94,10 @@ public:
     [[nodiscard]] int32_t EndX() const noexcept { return m_grid.width; }
     [[nodiscard]] int32_t EndY() const noexcept { return m_grid.height; }
 
-    GX_INLINE void Inside(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+    GX_INLINE void Inside(F32 x, F32 y, size_t lanes, size_t k) const noexcept {
         Put(Truncate(x), Truncate(y), lanes, k);
     }
-    GX_INLINE void Clamped(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+    GX_INLINE void Clamped(F32 x, F32 y, size_t lanes, size_t k) const noexcept {
         Put(Column(x, m_grid.width), Column(y, m_grid.height), lanes, k);
     }
 
@@ -104,21 +105,21 @@ private:
     static constexpr bool kWords = kLayout != SwPixelLayout::Triples;
 
     /// Clamped as a coordinate, which then truncates to the clamped index.
-    GX_INLINE static Ints Column(Floats c, int32_t size) noexcept {
-        return Truncate(Lower(Higher(c, Floats{}), Splat(static_cast<float>(size - 1))));
+    GX_INLINE static I32 Column(F32 c, int32_t size) noexcept {
+        return Truncate(Lower(Higher(c, F32{}), Splat(static_cast<float>(size - 1))));
     }
 
-    GX_INLINE void Put(Ints i, Ints j, size_t lanes, size_t k) const noexcept {
-        const Ints offsets = j * static_cast<int32_t>(m_grid.strideBytes) + i * kPixelBytes<kLayout>;
-        Words c;
+    GX_INLINE void Put(I32 i, I32 j, size_t lanes, size_t k) const noexcept {
+        const I32 offsets = j * static_cast<int32_t>(m_grid.strideBytes) + i * kPixelBytes<kLayout>;
+        U32 c;
         if constexpr (kWords) {
             c = Gather(m_grid.pixels, offsets);
         } else {
-            const Ints later = (Ints)(i > Ints{});
+            const I32 later = (I32)(i > I32{});
             c = Gather(m_grid.pixels, offsets + later);
             c = Select(later, c >> 8, c);
         }
-        Store(m_out + k, Finish<kLayout>(Understand<kLayout>(c)), lanes);
+        StoreSome(m_out + k, lanes, Finish<kLayout>(Understand<kLayout>(c)));
     }
 
     const SwPixelGrid& m_grid;
@@ -139,30 +140,30 @@ public:
     [[nodiscard]] int32_t EndX() const noexcept { return m_grid.width - 1; }
     [[nodiscard]] int32_t EndY() const noexcept { return m_grid.height - 1; }
 
-    GX_INLINE void Inside(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
-        const Ints i = Truncate(x);
-        const Ints j = Truncate(y);
-        Ints later;
-        const Ints offsets = j * Stride() + ByteOf(i, later);
-        Words c[4];
+    GX_INLINE void Inside(F32 x, F32 y, size_t lanes, size_t k) const noexcept {
+        const I32 i = Truncate(x);
+        const I32 j = Truncate(y);
+        I32 later;
+        const I32 offsets = j * Stride() + ByteOf(i, later);
+        U32 c[4];
         Read(m_grid.pixels, offsets, later, c[0], c[1]);
         Read(m_grid.pixels + m_grid.strideBytes, offsets, later, c[2], c[3]);
         Put(c, WeightInside(x, i, m_one), WeightInside(y, j, m_one), lanes, k);
     }
 
-    GX_INLINE void Clamped(Floats x, Floats y, size_t lanes, size_t k) const noexcept {
+    GX_INLINE void Clamped(F32 x, F32 y, size_t lanes, size_t k) const noexcept {
         x = Confine(x);
         y = Confine(y);
-        const Ints i = IndexOf(x);
-        const Ints j = IndexOf(y);
-        const Ints left = (Ints)(i < Ints{});                       // both neighbours are the first pixel
-        const Ints right = (Ints)(i > Ints{} + (m_grid.width - 2)); // both are the last
-        Ints later;
-        const Ints column = ByteOf(ClampIndex(i, m_grid.width - 1), later);
-        Words c[4];
+        const I32 i = IndexOf(x);
+        const I32 j = IndexOf(y);
+        const I32 left = (I32)(i < I32{});                       // both neighbours are the first pixel
+        const I32 right = (I32)(i > I32{} + (m_grid.width - 2)); // both are the last
+        I32 later;
+        const I32 column = ByteOf(ClampIndex(i, m_grid.width - 1), later);
+        U32 c[4];
         for (int32_t row = 0; row < 2; ++row) {
-            Words a;
-            Words b;
+            U32 a;
+            U32 b;
             Read(m_grid.pixels, ClampIndex(j + row, m_grid.height) * Stride() + column, later, a, b);
             c[row * 2] = Select(right, b, a);
             c[row * 2 + 1] = Select(left, a, b);
@@ -176,15 +177,15 @@ private:
     [[nodiscard]] int32_t Stride() const noexcept { return static_cast<int32_t>(m_grid.strideBytes); }
 
     /// Where the pair begins in its row.
-    GX_INLINE static Ints ByteOf(Ints i, Ints& later) noexcept {
-        later = (Ints)(i > Ints{});
+    GX_INLINE static I32 ByteOf(I32 i, I32& later) noexcept {
+        later = (I32)(i > I32{});
         return kWords ? i * 4 : i * 3 + (later & -2);
     }
 
-    GX_INLINE static void Read(const uint8_t* row, Ints offsets, Ints later, Words& a, Words& b) noexcept {
+    GX_INLINE static void Read(const uint8_t* row, I32 offsets, I32 later, U32& a, U32& b) noexcept {
         GatherPairs(row, offsets, a, b);
         if constexpr (!kWords) {
-            const Words second = Select(later, b >> 8, a >> 24 | b << 8);
+            const U32 second = Select(later, b >> 8, a >> 24 | b << 8);
             a = Select(later, a >> 16 | b << 16, a);
             b = second;
         }
@@ -192,14 +193,14 @@ private:
         b = Understand<kLayout>(b);
     }
 
-    GX_INLINE void Put(const Words* corners, Words across, Words down, size_t lanes, size_t k) const noexcept {
-        Store(m_out + k, Finish<kLayout>(m_mix(corners, across, down)), lanes);
+    GX_INLINE void Put(const U32* corners, U32 across, U32 down, size_t lanes, size_t k) const noexcept {
+        StoreSome(m_out + k, lanes, Finish<kLayout>(m_mix(corners, across, down)));
     }
 
     const SwPixelGrid& m_grid;
     uint32_t* m_out;
     CornerMix m_mix;
-    Words m_one = Kept(Words{} + 0x00010001U);
+    U32 m_one = Kept(Splat(0x00010001U));
 };
 
 template <class Way>
@@ -209,14 +210,16 @@ size_t SampleRow(const SwPixelGrid& grid, bool clamp, const float* u, const floa
         return 0;
     }
     // The patterns of positive floats are in the order of their values; all others, and NaN, stand above.
-    const auto limit = [](int32_t end) { return BitsOf(static_cast<float>(end < kWhole ? end : kWhole)); };
-    const Words limitX = Words{} + limit(way.EndX());
-    const Words limitY = Words{} + limit(way.EndY());
+    const auto limit = [](int32_t end) {
+        return __builtin_bit_cast(uint32_t, static_cast<float>(end < kWhole ? end : kWhole));
+    };
+    const U32 limitX = Splat(limit(way.EndX()));
+    const U32 limitY = Splat(limit(way.EndY()));
     for (size_t k = 0; k < count; k += kLanes) {
         const size_t lanes = count - k < kLanes ? count - k : kLanes; // lanes beyond the end read pixel (0, 0)
-        const auto x = Load<Floats>(u + k, lanes);
-        const auto y = Load<Floats>(v + k, lanes);
-        if (!(Way::kClampsAll && clamp) && AllBelow((Words)x, limitX, (Words)y, limitY)) {
+        const auto x = LoadSome<F32>(u + k, lanes);
+        const auto y = LoadSome<F32>(v + k, lanes);
+        if (!(Way::kClampsAll && clamp) && AllBelow((U32)x, limitX, (U32)y, limitY)) {
             way.Inside(x, y, lanes, k);
         } else if (clamp) {
             way.Clamped(x, y, lanes, k);
@@ -228,4 +231,4 @@ size_t SampleRow(const SwPixelGrid& grid, bool clamp, const float* u, const floa
 }
 
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

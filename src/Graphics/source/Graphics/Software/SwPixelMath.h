@@ -19,9 +19,4 @@ namespace Graphics {
     return (c & 0xFF000000U) | (ScalePixel(c, (c >> 24) + 1) & 0x00FFFFFFU);
 }
 
-/// a * (257 - w) / 256 + b * w / 256, each truncated; w is 1 (all a) to 256 (all b).
-[[nodiscard]] static inline uint32_t MixPixels(uint32_t a, uint32_t b, uint32_t w) noexcept {
-    return ScalePixel(a, 257 - w) + ScalePixel(b, w);
-}
-
 } // namespace Graphics

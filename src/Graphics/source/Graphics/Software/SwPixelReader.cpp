@@ -83,7 +83,7 @@ template <SwPixelLayout kLayout> struct SwPixelReader::Direct {
         }
         std::memcpy(out, from, count * 4);
         if constexpr (kLayout == SwPixelLayout::Straight) {
-            ActivePaintKernels().premultiply(out, count);
+            ActiveKernels().premultiply(out, count);
         }
     }
     static void Columns(const SwPixelReader& r, const uint8_t* row, const int32_t* columns, size_t count,

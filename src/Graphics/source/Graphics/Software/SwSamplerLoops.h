@@ -3,37 +3,38 @@
 // pixels, and mixing.
 #pragma once
 
-#include "SwPaintVectors.h"
+#include "../Simd/Channels.h"
+#include "SwPaintKernels.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// Coordinates beyond 2^30 stop there, so that neither neighbour leaves the integers; NaN counts as 0.
-GX_INLINE inline Floats Confine(Floats c) noexcept {
-    const Floats limit = Splat(1073741824.0F);
-    return Lower(Higher(Select(c == c, c, Floats{}), -limit), limit);
+GX_INLINE inline F32 Confine(F32 c) noexcept {
+    const F32 limit = Splat(1073741824.0F);
+    return Lower(Higher(Select(c == c, c, F32{}), -limit), limit);
 }
 
 /// Truncated, and one less for every negative coordinate: -1.0 gives -2. What was not confined and is too far, or NaN,
 /// gives at least 2^31 - 1 in unsigned numbers.
-GX_INLINE inline Ints IndexOf(Floats c) noexcept { return (Ints)((Words)Truncate(c) + (Words)(c < Floats{})); }
+GX_INLINE inline I32 IndexOf(F32 c) noexcept { return (I32)((U32)Truncate(c) + (U32)(c < F32{})); }
 
 /// The second neighbour's weight, 1 to 256, in both halves.
-GX_INLINE inline Words WeightOf(Floats at, Ints index) noexcept {
-    const Floats share = (at - __builtin_convertvector(index, Floats)) * Splat(255.0F);
-    const Words w = ((Words)Truncate(share) & 255U) + 1U;
-    return w | w << 16;
+GX_INLINE inline U32 WeightOf(F32 at, I32 index) noexcept {
+    const F32 share = (at - __builtin_convertvector(index, F32)) * Splat(255.0F);
+    const U32 w = ((U32)Truncate(share) & 255U) + 1U;
+    return Spread(w);
 }
 
 /// The same for a truncated coordinate that is not negative: its fraction is below 1. `one` is 1 in both halves.
-GX_INLINE inline Words WeightInside(Floats at, Ints index, Words one) noexcept {
-    const Floats share = (at - __builtin_convertvector(index, Floats)) * Splat(255.0F);
-    return Twice((Words)Truncate(share)) + one;
+GX_INLINE inline U32 WeightInside(F32 at, I32 index, U32 one) noexcept {
+    const F32 share = (at - __builtin_convertvector(index, F32)) * Splat(255.0F);
+    return Twice((U32)Truncate(share)) + one;
 }
 
-GX_INLINE inline Ints ClampIndex(Ints i, int32_t size) noexcept {
-    const Ints last = Ints{} + (size - 1);
-    i = Select(i > Ints{}, i, Ints{});
+GX_INLINE inline I32 ClampIndex(I32 i, int32_t size) noexcept {
+    const I32 last = I32{} + (size - 1);
+    i = Select(i > I32{}, i, I32{});
     return Select(i < last, i, last);
 }
 
@@ -68,13 +69,39 @@ template <int Mode> void Wrap(int32_t* index, size_t count, int32_t size) noexce
     }
 }
 
+/// Two rows of two corners, mixed across, then down. A low product leaves its channel in the high byte of the half, a
+/// high product in the low one: taken in turns, they put each channel where the next step needs it.
+struct CornerMix {
+    U16 low = Kept(U16{} + 0x00FFU);
+    U16 high = Kept(U16{} + 0xFF00U);
+    U16 whole = Kept(U16{} + 257U);
+
+    GX_INLINE U32 operator()(const U32* c, U32 acrossWeight, U32 downWeight) const noexcept {
+        const auto across = (U16)acrossWeight;
+        const auto down = (U16)downWeight;
+        const U16 restAcross = whole - across;
+        const U16 restDown = whole - down;
+        const auto even = [&](const U32* row) GX_INLINE {
+            const U16 a = ((U16)row[0] & low) * restAcross;
+            const U16 b = ((U16)row[1] & low) * across;
+            return (a & high) + (b & high);
+        };
+        const auto odd = [&](const U32* row) GX_INLINE {
+            return MultiplyHigh((U16)row[0] & high, restAcross) + MultiplyHigh((U16)row[1] & high, across);
+        };
+        const U16 evens = MultiplyHigh(even(c), restDown) + MultiplyHigh(even(c + 2), down);
+        const U16 odds = ((odd(c) * restDown) & high) + ((odd(c + 2) * down) & high);
+        return (U32)(evens | odds);
+    }
+};
+
 template <int Mode> void Indices(const float* c, size_t count, int32_t size, int32_t* index) {
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        Ints i = IndexOf(Confine(Load<Floats>(c + k, lanes)));
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        I32 i = IndexOf(Confine(LoadSome<F32>(c + k, lanes)));
         if constexpr (Mode == 0) {
             i = ClampIndex(i, size);
         }
-        Store(index + k, i, lanes);
+        StoreSome(index + k, lanes, i);
     });
     if constexpr (Mode != 0) {
         Wrap<Mode>(index, count, size);
@@ -83,17 +110,17 @@ template <int Mode> void Indices(const float* c, size_t count, int32_t size, int
 
 template <int Mode>
 void Taps(const float* c, size_t count, int32_t size, int32_t* first, int32_t* second, uint32_t* weight) {
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        const Floats at = Confine(Load<Floats>(c + k, lanes));
-        Ints i = IndexOf(at);
-        Store(weight + k, WeightOf(at, i), lanes);
-        Ints j = i + 1;
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const F32 at = Confine(LoadSome<F32>(c + k, lanes));
+        I32 i = IndexOf(at);
+        StoreSome(weight + k, lanes, WeightOf(at, i));
+        I32 j = i + 1;
         if constexpr (Mode == 0) {
             i = ClampIndex(i, size);
             j = ClampIndex(j, size);
         }
-        Store(first + k, i, lanes);
-        Store(second + k, j, lanes);
+        StoreSome(first + k, lanes, i);
+        StoreSome(second + k, lanes, j);
     });
     if constexpr (Mode != 0) {
         Wrap<Mode>(first, count, size);
@@ -102,29 +129,17 @@ void Taps(const float* c, size_t count, int32_t size, int32_t* first, int32_t* s
 }
 
 void MixRows(const uint32_t* a, const uint32_t* b, const uint32_t* weight, size_t count, uint32_t* out) {
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        Store(out + k, Mix(Load<Words>(a + k, lanes), Load<Words>(b + k, lanes), Load<Words>(weight + k, lanes)),
-              lanes);
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        StoreSome(out + k, lanes, Mix(LoadSome(a + k, lanes), LoadSome(b + k, lanes), LoadSome(weight + k, lanes)));
     });
 }
 
 void MixRowsBy(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t count, uint32_t* out) {
-    const Words w = Words{} + (weight | weight << 16);
-    Blocks(count, [&](size_t k, size_t lanes) GX_INLINE {
-        Store(out + k, Mix(Load<Words>(a + k, lanes), Load<Words>(b + k, lanes), w), lanes);
+    const U32 w = Spread(Splat(weight));
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        StoreSome(out + k, lanes, Mix(LoadSome(a + k, lanes), LoadSome(b + k, lanes), w));
     });
 }
 
-void ScaleBy(uint32_t* row, uint32_t factor, size_t count) {
-    const Words f = Words{} + (factor | factor << 16);
-    Blocks(count, [&](size_t k, size_t lanes)
-                      GX_INLINE { Store(row + k, Scale(Load<Words>(row + k, lanes), (Halves)f), lanes); });
-}
-
-void PremultiplyRow(uint32_t* row, size_t count) {
-    Blocks(count,
-           [&](size_t k, size_t lanes) GX_INLINE { Store(row + k, Premultiply(Load<Words>(row + k, lanes)), lanes); });
-}
-
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -4,16 +4,14 @@
 // as step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
 #pragma once
 
-#include "SwPaintVectors.h"
+#include "../Simd/Vectors.h"
+#include "SwPaintKernels.h"
 
-namespace Graphics {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-inline float FloatOf(uint32_t bits) noexcept {
-    float v;
-    __builtin_memcpy(&v, &bits, 4);
-    return v;
-}
+GX_INLINE inline uint32_t BitsOf(float v) noexcept { return __builtin_bit_cast(uint32_t, v); }
+GX_INLINE inline float FloatOf(uint32_t bits) noexcept { return __builtin_bit_cast(float, bits); }
 
 /// How many terms after v follow by adding the same whole number to the bit pattern; 0 where that is not certain.
 inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept {
@@ -28,8 +26,7 @@ inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept
     }
     // Half a unit of the binade, 2^(exponent - 127 - 24), and the part of step that rounding drops; both exact.
     const uint64_t halfBits = static_cast<uint64_t>(exponent + 1023 - 127 - 24) << 52;
-    double half;
-    __builtin_memcpy(&half, &halfBits, 8);
+    const auto half = __builtin_bit_cast(double, halfBits);
     const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
     if (!(dropped < half && dropped > -half)) {
         return 0;
@@ -67,10 +64,10 @@ struct Sum {
         const uint32_t first = BitsOf(v);
         const uint32_t d = BitsOf(next) - first;
         v = FloatOf(first + static_cast<uint32_t>(steady) * d) + step;
-        Words bits = first + Ascending() * d;
-        const Words jump = Words{} + static_cast<uint32_t>(kLanes) * d;
-        Blocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
-            Store(out + at, bits, lanes);
+        U32 bits = first + Ascending() * d;
+        const U32 jump = Splat(static_cast<uint32_t>(kLanes) * d);
+        ForBlocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
+            StoreSome(out + at, lanes, bits);
             bits += jump;
         });
         out += steady + 1;
@@ -104,4 +101,4 @@ SwPoint AccumulatePoints(SwPoint at, SwPoint step, float* u, float* v, size_t co
 }
 
 } // namespace
-} // namespace Graphics
+} // namespace Graphics::GX_SIMD_NAMESPACE

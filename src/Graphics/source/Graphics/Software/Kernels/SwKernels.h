@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "../../Simd/KernelTable.h"
+
 namespace Graphics {
 
 /// Number of blend functions: the sixteen modes, and one more entry that is Normal by the general formula.
@@ -26,8 +28,6 @@ struct SwLayerRow {
 };
 
 struct SwKernels {
-    const char* name; ///< "scalar", "sse2", "avx2" or "avx512"
-
     /// dst = value
     void (*fill32)(uint32_t* dst, uint32_t value, size_t count);
     /// The same in each of `rows` rows, from `dst` on at every `strideBytes`.
@@ -70,8 +70,6 @@ struct SwKernels {
     void (*maskValues[kMaskTypeCount])(uint8_t* values, const uint32_t* pixels, size_t count);
     /// shape = shape * (mask + 1) >> 8 where mask < 255. `shape` and `mask` may be the same row.
     void (*scaleShape)(uint8_t* shape, const uint8_t* mask, size_t count);
-    /// shape = shape * (value + 1) >> 8 where value < 255.
-    void (*scaleShapeBy)(uint8_t* shape, uint8_t value, size_t count);
     /// All four channels of each pixel scaled by its mask byte.
     void (*scaleColor)(uint32_t* color, const uint8_t* mask, size_t count);
     /// All four channels scaled by factor / 256; factor is 1 to 256, 256 leaves the row.
@@ -85,13 +83,8 @@ struct SwKernels {
     void (*invert)(uint32_t* dst, size_t count);
 };
 
-/// The best table this processor runs.
-[[nodiscard]] const SwKernels& ActiveKernels() noexcept;
+GX_DECLARE_KERNEL_TABLES(SwKernels, kRowKernels)
 
-/// Tables by number: 0 scalar, 1 SSE2, 2 AVX2, 3 AVX-512; null where the processor or the build lacks the set.
-[[nodiscard]] const SwKernels* KernelSet(int index) noexcept;
-
-/// For tests and benches: makes a set the active one; a null pointer restores the best.
-void SelectKernels(const SwKernels* kernels) noexcept;
+[[nodiscard]] inline const SwKernels& ActiveKernels() noexcept { return KernelTable<SwKernels>::Active(); }
 
 } // namespace Graphics

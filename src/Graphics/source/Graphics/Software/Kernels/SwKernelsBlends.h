@@ -5,7 +5,7 @@
 #include "SwKernelsBlocks.h"
 #include "SwKernelsModes.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// A premultiplied source, and what a blend needs of it alone.
@@ -22,7 +22,7 @@ struct BlendSource {
 };
 
 /// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
-template <class Mode> GX_INLINE U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
+template <class Mode> GX_INLINE inline U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
     const U32 as = Alpha(source.c);
     const U32 ab = Alpha(d);
     if (AllSet((ab == 255U))) {
@@ -44,7 +44,7 @@ template <size_t kNumber, class Mode>
 void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     if constexpr (kLanes > 4) {
         if (count <= kShortRow) {
-            kSwKernelsSSE2->blend[kNumber](dst, src, shape, count);
+            KernelTable<SwKernels>::Made(kNarrowestSet).blend[kNumber](dst, src, shape, count);
             return;
         }
     }
@@ -71,7 +71,7 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
     }
     if constexpr (kLanes > 4) {
         if (count <= kShortRow) {
-            kSwKernelsSSE2->blendSolid[kNumber](dst, color, shape, count);
+            KernelTable<SwKernels>::Made(kNarrowestSet).blendSolid[kNumber](dst, color, shape, count);
             return;
         }
     }
@@ -92,11 +92,11 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
 }
 
 struct LayerOver {
-    GX_INLINE U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOf(Alpha(c))) + c; }
+    GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOf(Alpha(c))) + c; }
 };
 
 template <class Mode> struct LayerBlended {
-    GX_INLINE U32 Pixel(U32 under, U32 c) noexcept {
+    GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept {
         const U32 mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c)) & 0x00FFFFFFU;
         const U32 m = Scale(c, ComplementOf(Alpha(under))) + Scale(mixed, FactorOf(Alpha(under)));
         return Scale(under, ComplementOf(Alpha(c))) + Scale(m, FactorOf(Alpha(c)));
@@ -108,12 +108,12 @@ template <class Compose> void LayerRow(const SwLayerRow& row, const uint32_t* sr
     ForBlocksOnce(count, [=](size_t i, size_t n) {
         const U32 c = LoadSome(src + i, n);
         const U32 as = Alpha(c);
-        const U32 fs = shape != nullptr ? WidenSome(shape + i, n) : Splat(255);
+        const U32 fs = shape != nullptr ? WidenSome(shape + i, n) : Splat(255U);
         const I32 keep = IsZero(as) | IsZero(fs);
         if (AllSet(keep)) {
             return;
         }
-        const U32 backdrop = r.backdrop != nullptr ? LoadSome(r.backdrop + i, n) : Splat(0);
+        const U32 backdrop = r.backdrop != nullptr ? LoadSome(r.backdrop + i, n) : Splat(0U);
         const U32 old = LoadSome(r.color + i, n);
         const U32 oldAlpha = WidenSome(r.alpha + i, n);
         const U32 oldShape = WidenSome(r.shape + i, n);
@@ -144,7 +144,7 @@ void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, co
             return;
         }
         const U32 whole = (share & 0x00FFFFFFU) | ag << 24;
-        U32 result = DivideBytes(whole, fg, Splat(0));
+        U32 result = DividedBytes(whole, fg).All();
         if (backdrop != nullptr) {
             result = Select((ag == 255U), x | 0xFF000000U, result);
         }
@@ -153,4 +153,4 @@ void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, co
 }
 
 } // namespace
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -2,38 +2,21 @@
 // How the row loops of the vector sets walk a row: by whole vectors, and what remains at its end.
 #pragma once
 
-#include "SwKernelsVector.h"
+#include "../../Simd/Channels.h"
+#include "SwKernels.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
 
-// n is kLanes but at the end of a row: one text serves blocks and tails.
-GX_INLINE U32 LoadSome(const uint32_t* p, size_t n) noexcept { return n == kLanes ? Load(p) : LoadPart(p, n); }
-GX_INLINE U32 WidenSome(const uint8_t* p, size_t n) noexcept { return n == kLanes ? Widen(p) : WidenPart(p, n); }
-GX_INLINE void StoreSome(uint32_t* p, size_t n, U32 v) noexcept { n == kLanes ? Store(p, v) : StorePart(p, n, v); }
-GX_INLINE void NarrowSome(uint8_t* p, size_t n, U32 v) noexcept { n == kLanes ? Narrow(p, v) : NarrowPart(p, n, v); }
-
-/// Calls step(i, n) over a row; the last block may be short.
-template <class Step> GX_INLINE void ForBlocks(size_t count, Step step) noexcept {
-    size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
-        step(i, kLanes);
-    }
-    if (i < count) {
-        step(i, count - i);
-    }
-}
-
-/// The same for long bodies, which then stand once in the code.
-template <class Step> GX_INLINE void ForBlocksOnce(size_t count, Step step) noexcept {
-    for (size_t i = 0; i < count; i += kLanes) {
-        step(i, count - i < kLanes ? count - i : kLanes);
-    }
+GX_INLINE inline U32 WidenSome(const uint8_t* p, size_t n) noexcept { return n == kLanes ? Widen(p) : WidenPart(p, n); }
+GX_INLINE inline void NarrowSome(uint8_t* p, size_t n, U32 v) noexcept {
+    n == kLanes ? Narrow(p, v) : NarrowPart(p, n, v);
 }
 
 /// Calls step(i, n) over the whole blocks and leaves what remains to rest(i, n). Spans are short and touch each other:
 /// a masked store here would stall the next span's load, which reaches into the same register's width, for longer than
 /// the narrower set takes to do the pixels with stores of their exact size.
-template <class Step, class Rest> GX_INLINE void ForWholeBlocks(size_t count, Step step, Rest rest) noexcept {
+template <class Step, class Rest> GX_INLINE inline void ForWholeBlocks(size_t count, Step step, Rest rest) noexcept {
     size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
         step(i, kLanes);
@@ -48,11 +31,16 @@ template <class Step, class Rest> GX_INLINE void ForWholeBlocks(size_t count, St
 }
 
 /// The set for the last n pixels, without a stop at one that would hand them on.
-GX_INLINE const SwKernels& Narrower(size_t n) noexcept { return n < 8 ? *kSwKernelsSSE2 : **kNarrower; }
+GX_INLINE inline const SwKernels& Narrower(size_t n) noexcept {
+    return KernelTable<SwKernels>::Made(n < 8 ? kNarrowestSet : kNarrowerSet);
+}
 
-GX_INLINE const uint8_t* At(const uint8_t* shape, size_t i) noexcept { return shape != nullptr ? shape + i : nullptr; }
+GX_INLINE inline const uint8_t* At(const uint8_t* shape, size_t i) noexcept {
+    return shape != nullptr ? shape + i : nullptr;
+}
 
 /// Rows up to this length go to the narrowest set in the modes whose bodies are long.
 inline constexpr size_t kShortRow = 4;
 
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -4,7 +4,7 @@
 
 #include "SwKernelsBlocks.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// From here the processor's own string store is no slower, and far faster once the row exceeds the caches, since it
@@ -47,15 +47,8 @@ void Expect(const uint32_t* dst, size_t count) {
     __builtin_prefetch(dst + count - 1, 1);
 }
 
-void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
-    if (count <= kLanes) {
-        const U32 v = Splat(value);
-        for (auto* row = reinterpret_cast<char*>(dst); rows != 0; --rows, row += strideBytes) {
-            StoreSome(reinterpret_cast<uint32_t*>(row), count, v);
-        }
-        return;
-    }
-    const bool ahead = count >= kLanes && count < kStringStoreCount;
+[[gnu::noinline]] void FillWideBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
+    const bool ahead = count < kStringStoreCount;
     for (; rows != 0; --rows) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<char*>(dst) + strideBytes);
         if (ahead && rows > 1) {
@@ -63,6 +56,17 @@ void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t coun
         }
         Fill32(dst, value, count);
         dst = next;
+    }
+}
+
+void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
+    if (count > kLanes) {
+        FillWideBlock(dst, strideBytes, value, count, rows);
+        return;
+    }
+    const U32 v = Splat(value);
+    for (auto* row = reinterpret_cast<char*>(dst); rows != 0; --rows, row += strideBytes) {
+        StoreSome(row, count, v);
     }
 }
 
@@ -95,4 +99,4 @@ void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
 }
 
 } // namespace
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -1,16 +1,31 @@
 // SPDX-License-Identifier: MIT
 // The blend functions on vectors of straight pixels. Each gives the bits of its plain form in SwBlend.h: all lanes go
-// through every case, and masks select. The alpha byte of a result is undefined. No include of its own: see
-// SwKernelsLoops.h.
+// through every case, and masks select. The alpha byte of a result is undefined.
 #pragma once
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+#include "../../Simd/ChannelDivision.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+GX_INLINE inline U32 HigherBytes(U32 a, U32 b) noexcept {
+    const U8 x = (U8)a;
+    const U8 y = (U8)b;
+    return (U32)(x > y ? x : y);
+}
+/// Each byte a - b, at least 0.
+GX_INLINE inline U32 SubtractClamped(U32 a, U32 b) noexcept { return (U32)((U8)a - (U8)LowerBytes(a, b)); }
+
+/// Products below 65536 of the low halves, the high halves 0.
+GX_INLINE inline U32 Product(U32 a, U32 b) noexcept { return (U32)((U16)a * (U16)b); }
+/// a + b - ab on bytes.
+GX_INLINE inline U32 Union(U32 a, U32 b) noexcept { return a + b - (Product(a, b + 1U) >> 8); }
 
 // ---- Functions of single channels in 16-bit lanes ----
 
 /// Runs a function over both halves of each pixel, blue and red, then green and alpha.
 template <class Function> struct Paired {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept {
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
         const U16 even = Function::Of((U16)(b & 0x00FF00FFU), (U16)(s & 0x00FF00FFU));
         const U16 odd = Function::Of((U16)b >> 8, (U16)s >> 8);
         return (U32)(even | odd << 8);
@@ -18,29 +33,29 @@ template <class Function> struct Paired {
 };
 
 /// x / 255 for x up to 65025.
-GX_INLINE U16 Divide255(U16 x) noexcept { return (x + 1U + (x >> 8)) >> 8; }
+GX_INLINE inline U16 Divide255(U16 x) noexcept { return (x + 1U + (x >> 8)) >> 8; }
 
 struct Normal {
-    GX_INLINE U32 Pixel(U32 /*b*/, U32 s) noexcept { return s; }
+    GX_INLINE static U32 Pixel(U32 /*b*/, U32 s) noexcept { return s; }
 };
 struct Darken {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept { return LowerBytes(b, s); }
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return LowerBytes(b, s); }
 };
 struct Lighten {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept { return HigherBytes(b, s); }
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return HigherBytes(b, s); }
 };
 struct Difference {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept { return SubtractClamped(b, s) | SubtractClamped(s, b); }
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return SubtractClamped(b, s) | SubtractClamped(s, b); }
 };
 struct Multiply {
-    GX_INLINE U16 Of(U16 cb, U16 cs) noexcept { return ((cb + 1U) * cs) >> 8; }
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return ((cb + 1U) * cs) >> 8; }
 };
 struct Screen {
-    GX_INLINE U16 Of(U16 cb, U16 cs) noexcept { return cs + cb - (((cb + 1U) * cs) >> 8); }
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return cs + cb - (((cb + 1U) * cs) >> 8); }
 };
 struct HardLight {
     /// Above 127 the factor is 2 cs - 255 and the quotient is taken from the sum; below, the quotient is the result.
-    GX_INLINE U16 Of(U16 cb, U16 cs) noexcept {
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept {
         const U16 light = (U16)((I16)cs > 127);
         const U16 k = cs + cs - (light & 255U);
         const U16 q = Divide255(k * cb);
@@ -48,11 +63,11 @@ struct HardLight {
     }
 };
 struct Overlay {
-    GX_INLINE U16 Of(U16 cb, U16 cs) noexcept { return HardLight::Of(cs, cb); }
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return HardLight::Of(cs, cb); }
 };
 struct Exclusion {
     /// 2p / 255 with p = cs cb up to 65025: twice p / 255, and one more when twice the remainder reaches 255.
-    GX_INLINE U16 Of(U16 cb, U16 cs) noexcept {
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept {
         const U16 p = cs * cb;
         const U16 q = Divide255(p);
         const U16 rest = p - q * 255U;
@@ -67,7 +82,7 @@ struct Exclusion {
 // long as the gap to the next integer, 1 / divisor, exceeds half a unit in the last place: true for every pair here.
 
 template <class Function> struct Wide {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept {
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
         const U32 blue = Function::Of(b & 255U, s & 255U);
         const U32 green = Function::Of(b >> 8 & 255U, s >> 8 & 255U);
         const U32 red = Function::Of(b >> 16 & 255U, s >> 16 & 255U);
@@ -76,30 +91,30 @@ template <class Function> struct Wide {
 };
 
 struct ColorBurn {
-    GX_INLINE U32 Of(U32 cb, U32 cs) noexcept {
+    GX_INLINE static U32 Of(U32 cb, U32 cs) noexcept {
         const I32 none = IsZero(cs);
-        const F32 q = (255.0F - ToFloat(cb)) * 255.0F / ToFloat(Select(none, Splat(1), cs));
-        return Select(none, Splat(0), 255U - Truncate(Lower(q, F32{} + 255.0F)));
+        const F32 q = (255.0F - ToFloat(cb)) * 255.0F / ToFloat(Select(none, Splat(1U), cs));
+        return Select(none, Splat(0U), 255U - (U32)Truncate(Lower(q, F32{} + 255.0F)));
     }
 };
 struct ColorDodge {
     /// cs = 255 leaves no room below, so it falls among the lanes that are 255.
-    GX_INLINE U32 Of(U32 cb, U32 cs) noexcept {
+    GX_INLINE static U32 Of(U32 cb, U32 cs) noexcept {
         const U32 room = 255U - cs;
         const I32 below = (I32)cb < (I32)room;
-        const U32 q = Truncate(ToFloat(cb) * 255.0F / ToFloat(Select(below, room, Splat(1))));
-        return Select(below, q, Splat(255));
+        const U32 q = (U32)Truncate(ToFloat(cb) * 255.0F / ToFloat(Select(below, room, Splat(1U))));
+        return Select(below, q, Splat(255U));
     }
 };
 struct SoftLight {
-    GX_INLINE U32 Of(U32 cb, U32 cs) noexcept {
+    GX_INLINE static U32 Of(U32 cb, U32 cs) noexcept {
         const F32 b = ToFloat(cb);
         const F32 s2 = ToFloat(cs + cs);
         const F32 x = b / 255.0F;
-        const F32 f = Select(x <= 0.25F, ((16.0F * x - 12.0F) * x + 4.0F) * x, Sqrt(x));
-        const F32 d = ToFloat(Truncate(f * 255.0F));
-        const U32 lighter = cb + Truncate((d - b) * (s2 - 255.0F) / 255.0F);
-        const U32 darker = cb - Truncate((255.0F - s2) * (255.0F - b) * b / 65025.0F);
+        const F32 f = Select(x <= 0.25F, ((16.0F * x - 12.0F) * x + 4.0F) * x, SquareRoot(x));
+        const F32 d = ToFloat((U32)Truncate(f * 255.0F));
+        const U32 lighter = cb + (U32)Truncate((d - b) * (s2 - 255.0F) / 255.0F);
+        const U32 darker = cb - (U32)Truncate((255.0F - s2) * (255.0F - b) * b / 65025.0F);
         return Select((I32)cs > 127, lighter, darker) & 255U;
     }
 };
@@ -110,20 +125,20 @@ struct Rgb {
     F32 r, g, b;
 };
 
-GX_INLINE Rgb ToRgb(U32 x) noexcept {
+GX_INLINE inline Rgb ToRgb(U32 x) noexcept {
     return {ToFloat(x >> 16 & 255U) / 255.0F, ToFloat(x >> 8 & 255U) / 255.0F, ToFloat(x & 255U) / 255.0F};
 }
 
-GX_INLINE F32 Lum(const Rgb& c) noexcept { return 0.3F * c.r + 0.59F * c.g + 0.11F * c.b; }
+GX_INLINE inline F32 Lum(const Rgb& c) noexcept { return 0.3F * c.r + 0.59F * c.g + 0.11F * c.b; }
 
-GX_INLINE F32 Sat(U32 x) noexcept {
+GX_INLINE inline F32 Sat(U32 x) noexcept {
     const F32 r = ToFloat(x >> 16 & 255U);
     const F32 g = ToFloat(x >> 8 & 255U);
     const F32 b = ToFloat(x & 255U);
     return (Higher(r, Higher(g, b)) - Lower(r, Lower(g, b))) / 255.0F;
 }
 
-GX_INLINE Rgb SetSat(const Rgb& c, F32 s) noexcept {
+GX_INLINE inline Rgb SetSat(const Rgb& c, F32 s) noexcept {
     const F32 pairLow = Lower(c.r, c.g);
     const F32 pairHigh = Higher(c.r, c.g);
     const F32 low = Lower(pairLow, c.b);
@@ -146,7 +161,7 @@ GX_INLINE Rgb SetSat(const Rgb& c, F32 s) noexcept {
             Select(isHighB, newHigh, Select(isLowB, c.b, newMiddle))};
 }
 
-GX_INLINE Rgb SetLum(Rgb c, F32 l) noexcept {
+GX_INLINE inline Rgb SetLum(Rgb c, F32 l) noexcept {
     const F32 d = l - Lum(c);
     c = {c.r + d, c.g + d, c.b + d};
     const F32 lum = Lum(c);
@@ -168,26 +183,29 @@ GX_INLINE Rgb SetLum(Rgb c, F32 l) noexcept {
     return c;
 }
 
-GX_INLINE U32 ToByte(F32 v) noexcept {
+GX_INLINE inline U32 ToByte(F32 v) noexcept {
     const F32 positive = Select(v >= 0.0F, v, F32{});
-    return Truncate(Select(v > 1.0F, F32{} + 1.0F, positive) * 255.0F);
+    return (U32)Truncate(Select(v > 1.0F, F32{} + 1.0F, positive) * 255.0F);
 }
-GX_INLINE U32 ToBytes(const Rgb& c) noexcept { return ToByte(c.b) | ToByte(c.g) << 8 | ToByte(c.r) << 16; }
+GX_INLINE inline U32 ToBytes(const Rgb& c) noexcept { return ToByte(c.b) | ToByte(c.g) << 8 | ToByte(c.r) << 16; }
 
 struct Hue {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(SetSat(ToRgb(s), Sat(b)), Lum(ToRgb(b)))); }
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
+        return ToBytes(SetLum(SetSat(ToRgb(s), Sat(b)), Lum(ToRgb(b))));
+    }
 };
 struct Saturation {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept {
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
         const Rgb under = ToRgb(b);
         return ToBytes(SetLum(SetSat(under, Sat(s)), Lum(under)));
     }
 };
 struct HueAndSaturation {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b)))); }
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b)))); }
 };
 struct Luminosity {
-    GX_INLINE U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s)))); }
+    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s)))); }
 };
 
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

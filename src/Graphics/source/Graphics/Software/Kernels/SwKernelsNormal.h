@@ -4,16 +4,16 @@
 
 #include "SwKernelsFills.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 /// d * (256 - as) >> 8 + c, or c where d is transparent.
-GX_INLINE U32 Over(U32 d, U32 c, U32 complement) noexcept {
+GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
     return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
 }
 
 /// normalSolid on at most one vector of pixels.
-GX_INLINE void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
+GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
     const U32 s = WidenSome(shape, n);
     const U32 d = LoadSome(dst, n);
     const U32 scaled = Scale(color, FactorOf(s));
@@ -73,70 +73,92 @@ struct SolidColumn {
     U32 complement;
 
     explicit SolidColumn(U32 c) noexcept : color(c), complement(ComplementOf(Alpha(c))) {}
-    [[gnu::always_inline]] void Paint(uint32_t* dst, size_t n) const noexcept {
+    GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
         StoreSome(dst, n, Over(LoadSome(dst, n), color, complement));
     }
 };
 
 /// `inner` but for the first lane and lane `at`.
-GX_INLINE SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
-    U32 lanes{};
-    for (uint32_t i = 0; i < kLanes; ++i) {
-        lanes[i] = i;
-    }
+GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
+    const U32 lanes = Ascending();
     const U32 c = Select(lanes == static_cast<uint32_t>(at), Splat(last), Splat(inner));
     return SolidColumn(Select(IsZero(lanes), Splat(first), c));
 }
 
-void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
-                    size_t rows) {
-    constexpr size_t kAheadFrom = 64; // pixels: shorter rows follow each other too closely
-    const auto row = [&](size_t i) {
-        return reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + static_cast<ptrdiff_t>(i) * strideBytes);
-    };
-    if (count <= kLanes) {
-        const SolidColumn all = EdgeColumn(left, inner, right, count - 1);
-        for (size_t y = 0; y < rows; ++y) {
-            all.Paint(row(y), count);
-        }
-        return;
-    }
+/// Rows of more than a vector.
+[[gnu::noinline]] void SolidWideRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner,
+                                          uint32_t right, size_t count, size_t rows) {
+    constexpr size_t kAheadFrom = 64;             // pixels: shorter rows follow each other too closely
+    constexpr size_t kAlignedFrom = 4 * kLanes;   // pixels: shorter rows are not worth the search for a border
     const size_t tail = (count - 1) % kLanes + 1; // pixels of the last vector
     const size_t end = count - tail;
     const SolidColumn first = EdgeColumn(left, inner, inner, 0);
     const SolidColumn last = EdgeColumn(tail > 1 ? inner : right, inner, right, tail - 1);
     const SolidColumn middle(Splat(inner));
     const bool opaque = inner >> 24 == 255;
-    for (size_t y = 0; y < rows; ++y) {
-        uint32_t* const pixels = row(y);
-        if (count >= kAheadFrom && y + 1 < rows) {
-            Expect(row(y + 1), count);
+    for (; rows != 0; --rows) {
+        auto* const next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + strideBytes);
+        if (count >= kAheadFrom && rows > 1) {
+            Expect(next, count);
         }
-        first.Paint(pixels, kLanes);
-        if (opaque) {
-            Fill32(pixels + kLanes, inner, end - kLanes);
+        first.Paint(dst, kLanes);
+        if (!opaque) {
+            for (size_t i = kLanes; i < end; i += kLanes) {
+                middle.Paint(dst + i, kLanes);
+            }
+        } else if (end > kAlignedFrom) {
+            Fill32(dst + kLanes, inner, end - kLanes);
         } else {
             for (size_t i = kLanes; i < end; i += kLanes) {
-                middle.Paint(pixels + i, kLanes);
+                Store(dst + i, middle.color);
             }
         }
-        last.Paint(pixels + end, tail);
+        last.Paint(dst + end, tail);
+        dst = next;
+    }
+}
+
+void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
+                    size_t rows) {
+    if (count > kLanes) {
+        SolidWideRectangle(dst, strideBytes, left, inner, right, count, rows);
+        return;
+    }
+    const SolidColumn all = EdgeColumn(left, inner, right, count - 1);
+    auto* row = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, row += strideBytes) {
+        all.Paint(reinterpret_cast<uint32_t*>(row), count);
     }
 }
 
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
-    const auto step = [=](size_t i, size_t n) {
-        if (shape != nullptr && n == kLanes && BytesAre(shape + i, 0)) {
+    const auto rest = [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); };
+    const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllSet(Alpha(c) == 255U); };
+    if (shape == nullptr) {
+        const auto step = [=](size_t i, size_t n) GX_INLINE {
+            const U32 c = LoadSome(src + i, n);
+            if (replaces(c, n)) {
+                Store(dst + i, c);
+                return;
+            }
+            const U32 d = LoadSome(dst + i, n);
+            StoreSome(dst + i, n, Select(IsZero(Alpha(c)), d, Over(d, c, ComplementOf(Alpha(c)))));
+        };
+        ForWholeBlocks(count, step, rest);
+        return;
+    }
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
+        if (n == kLanes && BytesAre(shape + i, 0)) {
             return;
         }
         U32 c = LoadSome(src + i, n);
-        const bool scaled = shape != nullptr && !(n == kLanes && BytesAre(shape + i, 255));
-        if (!scaled && n == kLanes && AllSet((Alpha(c) == 255U))) {
+        const bool whole = n == kLanes && BytesAre(shape + i, 255);
+        if (whole && replaces(c, n)) {
             Store(dst + i, c);
             return;
         }
         I32 keep = IsZero(Alpha(c));
-        if (scaled) {
+        if (!whole) {
             const U32 s = WidenSome(shape + i, n);
             keep |= IsZero(s);
             c = Scale(c, FactorOf(s));
@@ -144,9 +166,8 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
         const U32 d = LoadSome(dst + i, n);
         StoreSome(dst + i, n, Select(keep, d, Over(d, c, ComplementOf(Alpha(c)))));
     };
-    ForWholeBlocks(count, step,
-                   [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); });
+    ForWholeBlocks(count, step, rest);
 }
 
 } // namespace
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace Graphics::GX_SIMD_NAMESPACE

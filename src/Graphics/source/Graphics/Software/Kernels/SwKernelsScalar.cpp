@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "SwBlend.h"
-#include "SwKernelSets.h"
 #include "SwKernelsTable.h"
 
 namespace Graphics {
@@ -205,12 +204,6 @@ void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
     }
 }
 
-void ScaleShapeBy(uint8_t* shape, uint8_t value, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
-        shape[i] = static_cast<uint8_t>((shape[i] * (value + 1U)) >> 8);
-    }
-}
-
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         color[i] = Scale(color[i], mask[i] + 1U);
@@ -223,7 +216,7 @@ void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
     }
 }
 
-void Premultiply(uint32_t* color, size_t count) {
+void PremultiplyRow(uint32_t* color, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         color[i] = (Scale(color[i], Alpha(color[i]) + 1U) & 0x00FFFFFFU) | (color[i] & 0xFF000000U);
     }
@@ -255,10 +248,10 @@ void Invert(uint32_t* dst, size_t count) {
 #define GX_BLEND_SOLID_ROW(...) BlendSolidRow<__VA_ARGS__>
 #define GX_LAYER_ROW(...) LayerRow<LayerBlended<__VA_ARGS__>>
 
-constexpr SwKernels kTable = GX_KERNEL_TABLE("scalar");
+constexpr SwKernels kTable = GX_KERNEL_TABLE;
 
 } // namespace
 
-const SwKernels* const kSwKernelsScalar = &kTable;
+constinit const SwKernels SimdPlain::kRowKernels = kTable;
 
 } // namespace Graphics

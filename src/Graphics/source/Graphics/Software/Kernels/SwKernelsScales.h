@@ -5,24 +5,29 @@
 #include "SwKernelsFills.h"
 #include "SwKernelsModes.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-template <int kType> GX_INLINE U32 MaskValue(U32 x) noexcept {
+template <int kType> GX_INLINE inline U32 MaskValue(U32 x) noexcept {
     if constexpr (kType < 2) {
         return Alpha(kType == 0 ? x : ~x);
     } else {
-        // 77 red + 28 blue in the even halves, 151 green below the odd: at most 65280 together.
-        const U16 redBlue = (U16)(x & 0x00FF00FFU) * (U16)Splat(77U << 16 | 28U);
-        const U16 green = (U16)(x >> 8 & 0x000000FFU) * 151U;
-        const U32 sum = ((U32)redBlue & 0xFFFFU) + ((U32)redBlue >> 16) + (U32)green;
-        const U32 value = sum >> 8;
+        // (77 red + 151 green + 28 blue) >> 8, at most 65280 before the shift.
+        const U32 redBlue = MultiplyAddPairs(x & 0x00FF00FFU, Splat(77U << 16 | 28U));
+        const U32 value = (redBlue + MultiplyAddPairs(x >> 8 & 0x000000FFU, Splat(151U))) >> 8;
         return kType == 2 ? value : 255U - value;
     }
 }
 
 template <int kType> void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
     ForBlocks(count, [=](size_t i, size_t n) { NarrowSome(values + i, n, MaskValue<kType>(LoadSome(pixels + i, n))); });
+}
+
+/// Each byte (byte * (m + 1)) >> 8 by the byte m of the same place.
+GX_INLINE inline U32 ScaleBytes(U32 x, U32 m) noexcept {
+    const U16 even = ((U16)(x & 0x00FF00FFU) * ((U16)(m & 0x00FF00FFU) + 1U)) >> 8;
+    const U16 odd = (((U16)x >> 8) * (((U16)m >> 8) + 1U)) & 0xFF00U;
+    return (U32)(even | odd);
 }
 
 /// Bytes by whole vectors, then by lanes.
@@ -33,18 +38,6 @@ void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
     ForBlocks(count, [=](size_t i, size_t n) {
         NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), WidenSome(mask + i, n) + 1U) >> 8);
     });
-}
-
-void ScaleShapeBy(uint8_t* shape, uint8_t value, size_t count) {
-    if (value == 255) {
-        return;
-    }
-    const U32 factor = Splat(value + 1U);
-    for (; count >= 4 * kLanes; count -= 4 * kLanes, shape += 4 * kLanes) {
-        Store(shape, Scale(Load(shape), Spread(factor)));
-    }
-    ForBlocks(count,
-              [=](size_t i, size_t n) { NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), factor) >> 8); });
 }
 
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
@@ -64,11 +57,8 @@ void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
     ForBlocks(count, [=](size_t i, size_t n) { StoreSome(color + i, n, Scale(LoadSome(color + i, n), k)); });
 }
 
-void Premultiply(uint32_t* color, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) {
-        const U32 x = LoadSome(color + i, n);
-        StoreSome(color + i, n, (Scale(x, FactorOf(Alpha(x))) & 0x00FFFFFFU) | (x & 0xFF000000U));
-    });
+void PremultiplyRow(uint32_t* color, size_t count) {
+    ForBlocks(count, [=](size_t i, size_t n) { StoreSome(color + i, n, Premultiply(LoadSome(color + i, n))); });
 }
 
 void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
@@ -91,4 +81,4 @@ void Invert(uint32_t* dst, size_t count) {
 }
 
 } // namespace
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -5,10 +5,10 @@
 
 #include "SwKernels.h"
 
-#define GX_KERNEL_TABLE(name)                                                                                          \
+#define GX_KERNEL_TABLE                                                                                                \
     {                                                                                                                  \
-        name, Fill32, FillBlock, Expect, SetOpaque, CopyOpaque, NormalSolid, NormalSolidBlock, SolidRectangle,         \
+        Fill32, FillBlock, Expect, SetOpaque, CopyOpaque, NormalSolid, NormalSolidBlock, SolidRectangle,               \
             NormalVarying, GX_MODES(GX_BLEND_ROW), GX_MODES(GX_BLEND_SOLID_ROW), LayerRow<LayerOver>,                  \
             GX_MODES(GX_LAYER_ROW), GroupResult, {MaskValues<0>, MaskValues<1>, MaskValues<2>, MaskValues<3>},         \
-            ScaleShape, ScaleShapeBy, ScaleColor, ScaleColorBy, Premultiply, ReplaceSolid, Invert                      \
+            ScaleShape, ScaleColor, ScaleColorBy, PremultiplyRow, ReplaceSolid, Invert                                 \
     }

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The row loops of the vector sets and the table they fill; all of them have internal linkage. Included last by a set's
-// source, after SwKernelsVector.h and the set's own primitives:
-//   Load, Store       a full vector of pixels;      LoadPart, StorePart    the first n < kLanes pixels, zeros beyond
-//   Widen, Narrow     kLanes bytes to lanes, back;  WidenPart, NarrowPart  the first n < kLanes bytes
-//   Sqrt              correctly rounded;            AllSet                 whether every lane of a mask is set
-//   BytesAre          whether kLanes bytes all equal one;                  kNarrower  the next narrower set's table
-#pragma once
-
+// The row kernels of one instruction set.
 #include "SwKernelsBlends.h"
 #include "SwKernelsNormal.h"
 #include "SwKernelsScales.h"
 #include "SwKernelsTable.h"
 
-namespace Graphics::GX_KERNEL_NAMESPACE {
+namespace Graphics {
+namespace GX_SIMD_NAMESPACE {
 namespace {
 
 #define GX_MODES(row)                                                                                                  \
@@ -26,7 +20,11 @@ namespace {
 #define GX_BLEND_SOLID_ROW(number, ...) BlendSolidRow<number, __VA_ARGS__>
 #define GX_LAYER_ROW(number, ...) LayerRow<LayerBlended<__VA_ARGS__>>
 
-constexpr SwKernels kTable = GX_KERNEL_TABLE(kSetName);
+constexpr SwKernels kTable = GX_KERNEL_TABLE;
 
 } // namespace
-} // namespace Graphics::GX_KERNEL_NAMESPACE
+} // namespace GX_SIMD_NAMESPACE
+
+constinit const SwKernels GX_SIMD_NAMESPACE::kRowKernels = GX_SIMD_NAMESPACE::kTable;
+
+} // namespace Graphics

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The table of one instruction set. Each set's file includes this header once; everything lies in its unnamed
-// namespace.
-#pragma once
-
+// The paint kernels of one instruction set.
 #include "SwGradientLoops.h"
 #include "SwPixelLoops.h"
 #include "SwSamplerLoops.h"
 #include "SwSumLoops.h"
 
 namespace Graphics {
+namespace GX_SIMD_NAMESPACE {
 namespace {
 
 // Arguments are names of templates. NOLINTBEGIN(bugprone-macro-parentheses)
@@ -22,26 +20,22 @@ namespace {
 template <SwPixelLayout kLayout> constexpr SwSampleRow NearestRow = SampleRow<NearestPoints<kLayout>>;
 template <SwPixelLayout kLayout> constexpr SwSampleRow BilinearRow = SampleRow<BilinearPoints<kLayout>>;
 
-constexpr SwPaintKernels MakeTable(const char* name) noexcept {
-    return {name,
-            Accumulate,
-            AccumulatePoints,
-            Shade,
-            Radial,
-            Plane,
-            {Indices<0>, Indices<1>, Indices<2>},
-            {Taps<0>, Taps<1>, Taps<2>},
-            MixRows,
-            MixRowsBy,
-            ScaleBy,
-            PremultiplyRow,
-            GX_LAYOUTS(Columns),
-            GX_LAYOUTS(Points),
-            {GX_LAYOUTS(NearestRow), GX_LAYOUTS(BilinearRow)}};
-}
-
-#undef GX_LAYOUTS
-#undef GX_INLINE
-
 } // namespace
+} // namespace GX_SIMD_NAMESPACE
+
+constinit const SwPaintKernels GX_SIMD_NAMESPACE::kPaintKernels = {
+    Accumulate,
+    AccumulatePoints,
+    Shade,
+    Radial,
+    Plane,
+    {Indices<0>, Indices<1>, Indices<2>},
+    {Taps<0>, Taps<1>, Taps<2>},
+    MixRows,
+    MixRowsBy,
+    GX_LAYOUTS(Columns),
+    GX_LAYOUTS(Points),
+    {GX_LAYOUTS(NearestRow), GX_LAYOUTS(BilinearRow)},
+};
+
 } // namespace Graphics

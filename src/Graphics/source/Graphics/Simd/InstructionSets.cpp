@@ -7,7 +7,7 @@ bool ProcessorHas(InstructionSet set) noexcept {
     if (set == InstructionSet::Plain) {
         return true;
     }
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__x86_64__)
     __builtin_cpu_init();
     switch (set) {
     case InstructionSet::SSE2:
@@ -22,6 +22,19 @@ bool ProcessorHas(InstructionSet set) noexcept {
 #else
     return false;
 #endif
+}
+
+const char* NameOf(InstructionSet set) noexcept {
+    static constexpr const char* kNames[kInstructionSetCount] = {"plain", "sse2", "avx2", "avx512"};
+    return kNames[static_cast<int>(set)];
+}
+
+void AllowInstructionSets(InstructionSet widest) noexcept {
+    auto set = static_cast<int>(widest);
+    while (!ProcessorHas(static_cast<InstructionSet>(set))) {
+        --set;
+    }
+    Detail::g_activeSet.store(set, std::memory_order_relaxed);
 }
 
 } // namespace Graphics

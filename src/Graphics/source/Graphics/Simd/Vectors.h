@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// The one vector layer of all kernels: the set's verbs, which the language cannot express, and what is the same text
+// for all sets. A further set is a file of verbs, a name in InstructionSets and in GX_EACH_SET, and a line in
+// CMakeLists.txt.
+#pragma once
+
+#include <utility>
+
+#define GX_SIMD_FILE_NAME(set) Vectors##set.h
+#define GX_SIMD_FILE(set) GX_SIMD_FILE_NAME(set)
+#define GX_SIMD_TEXT_OF(...) #__VA_ARGS__
+#define GX_SIMD_TEXT(...) GX_SIMD_TEXT_OF(__VA_ARGS__)
+#include GX_SIMD_TEXT(GX_SIMD_FILE(GX_SIMD))
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+// ---- Rows ----
+//
+// n is kLanes but at the end of a row: one text serves blocks and tails.
+
+template <class V = U32> GX_INLINE inline V Load(const void* p) noexcept {
+    V v;
+    __builtin_memcpy(&v, p, sizeof v);
+    return v;
+}
+template <class V> GX_INLINE inline void Store(void* p, V v) noexcept { __builtin_memcpy(p, &v, sizeof v); }
+
+/// The first n words, zeros beyond.
+template <class V = U32> GX_INLINE inline V LoadSome(const void* p, size_t n) noexcept {
+    if (n == kLanes) [[likely]] {
+        return Load<V>(p);
+    }
+    return (V)LoadPart(p, n);
+}
+template <class V> GX_INLINE inline void StoreSome(void* p, size_t n, V v) noexcept {
+    if (n == kLanes) [[likely]] {
+        Store(p, v);
+        return;
+    }
+    StorePart(p, n, (U32)v);
+}
+
+/// Calls step(i, n) over a row; the last block may be short.
+template <class Step> GX_INLINE inline void ForBlocks(size_t count, Step&& step) noexcept {
+    size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        step(i, kLanes);
+    }
+    if (i < count) {
+        step(i, count - i);
+    }
+}
+
+/// The same for long bodies, which then stand once in the code.
+template <class Step> GX_INLINE inline void ForBlocksOnce(size_t count, Step&& step) noexcept {
+    for (size_t i = 0; i < count; i += kLanes) {
+        step(i, count - i < kLanes ? count - i : kLanes);
+    }
+}
+
+// ---- Lanes of 32 bits ----
+
+GX_INLINE inline U32 Splat(uint32_t v) noexcept { return U32{} + v; }
+GX_INLINE inline F32 Splat(float v) noexcept { return v - F32{}; }
+/// 0, 1, 2, ...
+GX_INLINE inline U32 Ascending() noexcept {
+    U32 v{};
+    for (uint32_t i = 0; i < kLanes; ++i) {
+        v[i] = i;
+    }
+    return v;
+}
+
+GX_INLINE inline U32 Select(I32 mask, U32 yes, U32 no) noexcept { return mask ? yes : no; }
+GX_INLINE inline I32 Select(I32 mask, I32 yes, I32 no) noexcept { return mask ? yes : no; }
+GX_INLINE inline F32 Select(I32 mask, F32 yes, F32 no) noexcept { return mask ? yes : no; }
+GX_INLINE inline U16 Select(I16 mask, U16 yes, U16 no) noexcept { return mask ? yes : no; }
+
+GX_INLINE inline I32 IsZero(U32 v) noexcept { return v == 0U; }
+GX_INLINE inline F32 ToFloat(U32 v) noexcept { return __builtin_convertvector((I32)v, F32); }
+
+// ---- Lanes of 64 bits ----
+
+GX_INLINE inline U64 LongAscending() noexcept {
+    U64 v{};
+    for (uint32_t i = 0; i < kLongLanes; ++i) {
+        v[i] = i;
+    }
+    return v;
+}
+
+/// The last N lanes of `below`, then the first ones of v: lanes move up by N.
+template <size_t N, size_t... kLane>
+GX_INLINE inline U64 Moved(U64 v, U64 below, std::index_sequence<kLane...>) noexcept {
+    return __builtin_shufflevector(below, v, (kLongLanes - N + kLane)...);
+}
+template <size_t N> GX_INLINE inline U64 MovedUp(U64 v, U64 below) noexcept {
+    return Moved<N>(v, below, std::make_index_sequence<kLongLanes>());
+}
+/// The last lane in all of them.
+template <size_t... kLane> GX_INLINE inline U64 LastOf(U64 v, std::index_sequence<kLane...>) noexcept {
+    return __builtin_shufflevector(v, v, (kLane * 0 + kLongLanes - 1)...);
+}
+GX_INLINE inline U64 Last(U64 v) noexcept { return LastOf(v, std::make_index_sequence<kLongLanes>()); }
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// The verbs of AVX-512 (F, BW, VL, DQ, CD); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing forms of
+// the intrinsics with a full mask are the plain instructions: those without a mask use operands of undefined value, for
+// which GCC 12 warns.
+#pragma once
+
+#include <immintrin.h>
+
+#define GX_SIMD_BYTES 64
+#include "VectorTypes.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// The next narrower set, and the narrowest one, for rows shorter than a vector.
+constexpr InstructionSet kNarrowerSet = InstructionSet::AVX2;
+constexpr InstructionSet kNarrowestSet = InstructionSet::SSE2;
+
+// ---- Part of a row ----
+
+GX_INLINE inline __mmask16 FirstLanes(size_t n) noexcept { return static_cast<__mmask16>((1U << n) - 1U); }
+GX_INLINE inline U32 LoadPart(const void* p, size_t n) noexcept {
+    return (U32)_mm512_maskz_loadu_epi32(FirstLanes(n), p);
+}
+GX_INLINE inline void StorePart(void* p, size_t n, U32 v) noexcept {
+    _mm512_mask_storeu_epi32(p, FirstLanes(n), (__m512i)v);
+}
+
+// ---- Bytes to lanes and back ----
+
+GX_INLINE inline U32 Widen(const uint8_t* p) noexcept {
+    return (U32)_mm512_maskz_cvtepu8_epi32(0xFFFF, _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+}
+GX_INLINE inline U32 WidenPart(const uint8_t* p, size_t n) noexcept {
+    return (U32)_mm512_maskz_cvtepu8_epi32(0xFFFF, _mm_maskz_loadu_epi8(FirstLanes(n), p));
+}
+GX_INLINE inline U32 WidenToAll(const uint8_t* p) noexcept {
+    const __m512i order =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8, 12, 12, 12, 12));
+    return (U32)_mm512_shuffle_epi8((__m512i)Widen(p), order);
+}
+constexpr size_t kTripleReach = 48;
+GX_INLINE inline U32 WidenTriples(const uint8_t* p) noexcept {
+    const __m512i words = _mm512_maskz_loadu_epi32(0x0FFF, p);
+    const __m512i dealt = _mm512_maskz_permutexvar_epi32(
+        0xFFFF, _mm512_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6, 6, 7, 8, 9, 9, 10, 11, 12), words);
+    const __m512i order =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1));
+    return (U32)_mm512_shuffle_epi8(dealt, order);
+}
+
+GX_INLINE inline void Narrow(uint8_t* p, U32 v) noexcept {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_maskz_cvtepi32_epi8(0xFFFF, (__m512i)v));
+}
+GX_INLINE inline void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
+    _mm_mask_storeu_epi8(p, FirstLanes(n), _mm512_maskz_cvtepi32_epi8(0xFFFF, (__m512i)v));
+}
+GX_INLINE inline U32 NarrowFour(U32 a, U32 b, U32 c, U32 d) noexcept {
+    const __m512i mixed =
+        _mm512_packus_epi16(_mm512_packs_epi32((__m512i)a, (__m512i)b), _mm512_packs_epi32((__m512i)c, (__m512i)d));
+    return (U32)_mm512_maskz_permutexvar_epi32(
+        0xFFFF, _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), mixed);
+}
+GX_INLINE inline bool BytesAre(const uint8_t* p, uint8_t v) noexcept {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(static_cast<char>(v)))) == 0xFFFF;
+}
+
+// ---- Lanes of 32 bits ----
+
+GX_INLINE inline uint32_t MaskBits(I32 mask) noexcept { return _mm512_movepi32_mask((__m512i)mask); }
+GX_INLINE inline bool AllSet(I32 mask) noexcept { return MaskBits(mask) == 0xFFFF; }
+GX_INLINE inline bool AllBelow(U32 a, U32 x, U32 b, U32 y) noexcept {
+    const __mmask16 first = _mm512_cmplt_epu32_mask((__m512i)a, (__m512i)x);
+    return _mm512_mask_cmplt_epu32_mask(first, (__m512i)b, (__m512i)y) == 0xFFFF;
+}
+GX_INLINE inline F32 Lower(F32 a, F32 b) noexcept { return (F32)_mm512_maskz_min_ps(0xFFFF, (__m512)a, (__m512)b); }
+GX_INLINE inline F32 Higher(F32 a, F32 b) noexcept { return (F32)_mm512_maskz_max_ps(0xFFFF, (__m512)a, (__m512)b); }
+GX_INLINE inline F32 SquareRoot(F32 v) noexcept { return (F32)_mm512_maskz_sqrt_ps(0xFFFF, (__m512)v); }
+GX_INLINE inline I32 Truncate(F32 v) noexcept { return (I32)_mm512_maskz_cvttps_epi32(0xFFFF, (__m512)v); }
+GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm512_mulhi_epu16((__m512i)a, (__m512i)b); }
+GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept { return (U32)_mm512_madd_epi16((__m512i)a, (__m512i)b); }
+GX_INLINE inline U32 Twice(U32 w) noexcept {
+    const __m512i order =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+    return (U32)_mm512_shuffle_epi8((__m512i)w, order);
+}
+
+GX_INLINE inline F32 Repeat(const float* four) noexcept {
+    return (F32)_mm512_maskz_broadcast_f32x4(0xFFFF, _mm_loadu_ps(four));
+}
+GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
+    return (U32)_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), 0xFFFF, (__m512i)offsets, base, 1);
+}
+/// Shuffles stay in their quarters of 128 bits: offsets are dealt out before, so that words come out in order.
+GX_INLINE inline void GatherPairs(const uint8_t* base, I32 offsets, U32& first, U32& second) noexcept {
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i all =
+        _mm512_maskz_permutexvar_epi64(0xFF, _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), (__m512i)offsets);
+    const __m512i a = _mm512_mask_i32gather_epi64(zero, 0xFF, _mm512_maskz_extracti64x4_epi64(0xF, all, 0), base, 1);
+    const __m512i b = _mm512_mask_i32gather_epi64(zero, 0xFF, _mm512_maskz_extracti64x4_epi64(0xF, all, 1), base, 1);
+    first = (U32)_mm512_maskz_shuffle_ps(0xFFFF, (__m512)a, (__m512)b, 0x88);
+    second = (U32)_mm512_maskz_shuffle_ps(0xFFFF, (__m512)a, (__m512)b, 0xDD);
+}
+constexpr uint32_t kNearWords = 32;
+GX_INLINE inline U32 Pick(const uint8_t* words, size_t known, I32 at) noexcept {
+    const uint32_t mask = known < 32 ? (1U << known) - 1U : ~0U;
+    const __m512i a = _mm512_maskz_loadu_epi32(static_cast<__mmask16>(mask), words);
+    const __m512i b = _mm512_maskz_loadu_epi32(static_cast<__mmask16>(mask >> 16), words + 64);
+    return (U32)_mm512_permutex2var_epi32(a, (__m512i)at, b);
+}
+template <class V> GX_INLINE inline V Kept(V v) noexcept {
+    __asm__("" : "+v"(v));
+    return v;
+}
+
+// ---- Lanes of 64 bits ----
+
+GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept {
+    return (U64)_mm512_ternarylogic_epi64((__m512i)a, (__m512i)b, (__m512i)c, 0x96);
+}
+GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept {
+    return (U64)_mm512_ternarylogic_epi64((__m512i)a, (__m512i)b, (__m512i)c, 0xE8);
+}
+GX_INLINE inline U64 BitCount(U64 bits) noexcept {
+    const __m512i table =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
+    const __m512i low = _mm512_set1_epi8(15);
+    const __m512i n = _mm512_add_epi8(_mm512_shuffle_epi8(table, _mm512_and_si512((__m512i)bits, low)),
+                                      _mm512_shuffle_epi8(table, _mm512_and_si512((__m512i)(bits >> 4), low)));
+    return (U64)_mm512_sad_epu8(n, _mm512_setzero_si512());
+}
+GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
+    const __m512i shape = _mm512_subs_epu16((__m512i)(counts[0] << 2), _mm512_set1_epi64(1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm512_maskz_cvtepi64_epi8(0xFF, shape));
+}
+
+/// Eight long lanes are the sub-scanlines of a pixel row, a bit of a mask each.
+using RowMask = __mmask8;
+/// The lanes of `of` where a and b are equal.
+GX_INLINE inline RowMask EqualLanes(RowMask of, I64 a, int64_t b) noexcept {
+    return _mm512_mask_cmpeq_epi64_mask(of, (__m512i)a, _mm512_set1_epi64(b));
+}
+/// The low bytes of the lanes of a mask, 0 for the others.
+GX_INLINE inline uint64_t LowBytes(RowMask of, U64 v) noexcept {
+    return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(of, (__m512i)v)));
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

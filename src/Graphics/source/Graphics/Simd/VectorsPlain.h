@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// The verbs in the language's own terms, on vectors of 16 bytes: what every other set's verbs must do. The kinds of
+// kernels whose plain form is not written over vectors need no more than these; the other sets also have the verbs of
+// VectorsSSE2.h.
+#pragma once
+
+#define GX_SIMD_BYTES 16
+#include "VectorTypes.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+// ---- Part of a row ----
+
+/// The first n < kLanes words, zeros beyond.
+GX_INLINE inline U32 LoadPart(const void* p, size_t n) noexcept {
+    U32 v{};
+    __builtin_memcpy(&v, p, n * 4);
+    return v;
+}
+GX_INLINE inline void StorePart(void* p, size_t n, U32 v) noexcept { __builtin_memcpy(p, &v, n * 4); }
+
+// ---- Lanes of 32 bits ----
+
+/// One bit for each lane of a mask.
+GX_INLINE inline uint32_t MaskBits(I32 mask) noexcept {
+    return (mask[0] & 1U) | (mask[1] & 2U) | (mask[2] & 4U) | (mask[3] & 8U);
+}
+GX_INLINE inline bool AllSet(I32 mask) noexcept { return MaskBits(mask) == 15; }
+/// True when a < x and b < y in all lanes.
+GX_INLINE inline bool AllBelow(U32 a, U32 x, U32 b, U32 y) noexcept {
+    return MaskBits((I32)(a < x) & (I32)(b < y)) == 15;
+}
+
+/// The lower, the higher of two; b where one is not a number.
+GX_INLINE inline F32 Lower(F32 a, F32 b) noexcept { return a < b ? a : b; }
+GX_INLINE inline F32 Higher(F32 a, F32 b) noexcept { return a > b ? a : b; }
+/// Correctly rounded.
+GX_INLINE inline F32 SquareRoot(F32 v) noexcept {
+    for (size_t i = 0; i < kLanes; ++i) {
+        v[i] = __builtin_sqrtf(v[i]);
+    }
+    return v;
+}
+/// Towards zero; INT32_MIN for what lies outside the integers or is not a number.
+GX_INLINE inline I32 Truncate(F32 v) noexcept {
+    I32 r{};
+    for (size_t i = 0; i < kLanes; ++i) {
+        r[i] = v[i] >= -2147483648.0F && v[i] < 2147483648.0F ? static_cast<int32_t>(v[i]) : INT32_MIN;
+    }
+    return r;
+}
+/// The high halves of the products.
+GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept {
+    for (size_t i = 0; i < kLanes * 2; ++i) {
+        a[i] = static_cast<uint16_t>(static_cast<uint32_t>(a[i]) * b[i] >> 16);
+    }
+    return a;
+}
+/// Words below 65536, in both halves.
+GX_INLINE inline U32 Twice(U32 w) noexcept { return w | w << 16; }
+
+/// Four floats again and again.
+GX_INLINE inline F32 Repeat(const float* four) noexcept {
+    F32 v;
+    __builtin_memcpy(&v, four, sizeof v);
+    return v;
+}
+/// The words at base + offsets, in bytes.
+GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
+    U32 r{};
+    for (size_t i = 0; i < kLanes; ++i) {
+        uint32_t word;
+        __builtin_memcpy(&word, base + offsets[i], 4);
+        r[i] = word;
+    }
+    return r;
+}
+/// The words at base + offsets, and those that follow them.
+GX_INLINE inline void GatherPairs(const uint8_t* base, I32 offsets, U32& first, U32& second) noexcept {
+    first = Gather(base, offsets);
+    second = Gather(base + 4, offsets);
+}
+/// words[at] where all `at` are below kNearWords and `known` words are there, at least one; 0 beyond them. Without a
+/// lookup in registers none is near.
+constexpr uint32_t kNearWords = 0;
+GX_INLINE inline U32 Pick(const uint8_t*, size_t, I32) noexcept { return U32{}; }
+
+/// A constant that stays in its register through a loop: the compiler would build it anew for every block.
+template <class V> GX_INLINE inline V Kept(V v) noexcept { return v; }
+
+// ---- Lanes of 64 bits ----
+
+GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
+/// Every bit that at least two of them have.
+GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
+/// The number of bits of each lane.
+GX_INLINE inline U64 BitCount(U64 v) noexcept {
+    return U64{static_cast<uint64_t>(__builtin_popcountll(v[0])), static_cast<uint64_t>(__builtin_popcountll(v[1]))};
+}
+/// The shape bytes of eight pixels from their counts of samples n: 4 n - 1, and 0 for n = 0.
+GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
+    for (size_t i = 0; i < 8; ++i) {
+        const uint64_t n = counts[i / kLongLanes][i % kLongLanes];
+        out[i] = static_cast<uint8_t>(n * 4 - (n != 0 ? 1 : 0));
+    }
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE
