@@ -53,7 +53,7 @@ public:
 
     /// One of everything.
     void Draw() {
-        RenderTargetBase& t = m_target->Painting();
+        RenderTarget& t = *m_target;
         const SolidBrush solid({1.0F, 0.0F, 0.0F, 0.5F});
         const PathRef shape{&m_shape, nullptr};
         const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {20, 20, 120, 90});
@@ -88,7 +88,7 @@ public:
 
 private:
     /// Groups of every kind inside each other, composited under masks and clips, with drawing under masks in each.
-    void DrawGroups(RenderTargetBase& t, uint32_t depth) {
+    void DrawGroups(RenderTarget& t, uint32_t depth) {
         const PathRef shape{&m_shape, nullptr};
         t.PushState();
         t.Clip(shape);
@@ -138,7 +138,7 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
     };
     const auto whole = [](Page& page) {
         page.Target().BeginPaint();
-        page.Target().BackEnd().Clear(0xFFFFFFFF);
+        page.Target().Clear(0xFFFFFFFF);
         page.Draw();
         page.Target().EndPaint();
     };

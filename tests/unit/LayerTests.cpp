@@ -30,7 +30,7 @@ struct Canvas {
         target = RenderTarget::ForBitmap(bitmap);
         target->BeginPaint();
     }
-    [[nodiscard]] RenderTargetBase& Calls() const { return target->BackEnd(); }
+    [[nodiscard]] RenderTarget& Calls() const { return *target; }
     void Fill(const Rect& r, const Color& color) const {
         const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
         Calls().Fill({nullptr, &figure}, SolidBrush(color), false);
@@ -243,12 +243,12 @@ TEST(OpaqueTarget, FourthBytesAreTouchedWhereSomethingIsDrawn) {
         EXPECT_EQ(CountedKernels::s_setOpaque, 0U) << "an empty bracket costs nothing for its pixels";
         const BasicFigure figure(BasicFigure::Kind::Rectangle, {2, 2, 12, 12});
         const SolidBrush half({1, 0, 0, 0.5F});
-        target->BackEnd().Fill({nullptr, &figure}, half, false);
+        target->Fill({nullptr, &figure}, half, false);
         EXPECT_EQ(CountedKernels::s_setOpaque, 100U);
         // Once they are known to be 255, drawing costs what it costs on any target.
-        target->BackEnd().Clear(0xFFFFFFFFU);
+        target->Clear(0xFFFFFFFFU);
         for (int i = 0; i < 10; ++i) {
-            target->BackEnd().Fill({nullptr, &figure}, half, false);
+            target->Fill({nullptr, &figure}, half, false);
         }
         EXPECT_EQ(CountedKernels::s_setOpaque, 100U);
         target->EndPaint();

@@ -487,10 +487,12 @@ TEST_F(PrintTarget, BandsAreOnePicture) {
     const auto kept = std::make_shared<Graphics::SolidBrush>(Graphics::Color{0.2F, 0.5F, 0.9F, 0.6F});
     const Graphics::BasicFigure disc(Graphics::BasicFigure::Kind::Ellipse, {3, 2, 47, 39});
     const Graphics::GdipKeptPath path({nullptr, &disc});
-    page.AddState(Graphics::kIdentity, [](Graphics::RenderTargetBase& t) { t.BeginLayer({{0, 0, 0, 0}, 0.7F, 0, 0}); });
-    page.Add(Graphics::kIdentity, {2, 1, 48, 40},
-             [&](Graphics::RenderTargetBase& t) { t.Fill(path.Ref(), *kept, false); });
-    page.AddState(Graphics::kIdentity, [](Graphics::RenderTargetBase& t) { t.EndLayer(); });
+    using Graphics::GraphicsState;
+    using Graphics::RenderTargetBase;
+    page.AddScope({}, [](RenderTargetBase& t, const GraphicsState& s) { t.BeginLayer(s, {{0, 0, 0, 0}, 0.7F, 0, 0}); });
+    page.Add({}, {2, 1, 48, 40},
+             [&](RenderTargetBase& t, const GraphicsState& s) { t.Fill(s, path.Ref(), *kept, false); });
+    page.AddScope({}, [](RenderTargetBase& t, const GraphicsState& s) { t.EndLayer(s); });
     using Graphics::Region;
     const Region region = Region::Combine(Region({1, 0, 30, 41}), Region({20, 10, 49, 35}), Graphics::RegionOp::Union);
     const auto run = [&](int64_t pixels, int& bands) {

@@ -18,19 +18,19 @@ namespace {
 
 using Kind = BasicFigure::Kind;
 
-/// Checks every pointer, then runs work(back end) between BeginPaint and EndPaint, under the guard.
+/// Checks every pointer, then runs work(target) under the guard.
 template <class Work, class... Pointers>
 [[nodiscard]] GXResult Draw(GXRenderTarget handle, Work&& work, const Pointers*... pointers) noexcept {
     if (AnyNull(handle, pointers...)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { work(handle->object->Painting()); });
+    return Guard([&] { work(*handle->object); });
 }
 
 [[nodiscard]] GXResult FillFigure(GXRenderTarget handle, Kind kind, const GXRect* rect, GXBrush brush) noexcept {
     return Draw(
         handle,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const BasicFigure figure(kind, *rect);
             t.Fill({nullptr, &figure}, *brush->object, false);
         },
@@ -40,7 +40,7 @@ template <class Work, class... Pointers>
 [[nodiscard]] GXResult FillShape(GXRenderTarget handle, GXGeometry geometry, GXBrush brush, bool text) noexcept {
     return Draw(
         handle,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             t.Fill({&geometry->object->SharedShape(), nullptr}, *brush->object, text);
         },
         geometry, brush);
@@ -81,7 +81,7 @@ template <class Work, class... Pointers>
 } // namespace
 
 GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) noexcept {
-    return Draw(renderTarget, [&](RenderTargetBase& t) { t.Clear(argb); });
+    return Draw(renderTarget, [&](RenderTarget& t) { t.Clear(argb); });
 }
 
 GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
@@ -135,7 +135,7 @@ GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* 
 GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             t.Clip({&geometry->object->SharedShape(), nullptr});
         },
         geometry);
@@ -153,7 +153,7 @@ GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, 
                                   uint32_t interpolation) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const Bitmap& b = *bitmap->object;
             const GXPoint at = origin == nullptr ? GXPoint{0.0F, 0.0F} : *origin;
             t.DrawBitmap(b, WholeOf(b), PlacedSize(b, at.x, at.y), opacity, interpolation);
@@ -165,7 +165,7 @@ GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitma
                                      const GXIntRect* source, float opacity, uint32_t interpolation) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const Bitmap& b = *bitmap->object;
             GXIntRect from = source == nullptr ? WholeOf(b) : *source;
             GXRect to = *destination;
@@ -187,9 +187,7 @@ GXResult GXRenderTargetDrawGradient(GXRenderTarget renderTarget, GXGradient grad
                                     const GXMatrix* matrix) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
-            t.DrawGradient(gradient->object, opacity, matrix == nullptr ? kIdentity : *matrix);
-        },
+        [&](RenderTarget& t) { t.DrawGradient(gradient->object, opacity, matrix == nullptr ? kIdentity : *matrix); },
         gradient);
 }
 
@@ -197,7 +195,7 @@ GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBr
                                 uint32_t interpolation) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const Bitmap& m = *mask->object;
             t.FillMask(m, *brush->object, destination == nullptr ? PlacedSize(m, 0.0F, 0.0F) : *destination,
                        interpolation);
@@ -207,12 +205,12 @@ GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBr
 
 GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
     return Draw(
-        renderTarget, [&](RenderTargetBase& t) { t.InvertRect(*rect); }, rect);
+        renderTarget, [&](RenderTarget& t) { t.InvertRect(*rect); }, rect);
 }
 
 GXResult GXRenderTargetInvertLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2) noexcept {
     return Draw(
-        renderTarget, [&](RenderTargetBase& t) { t.InvertLine(*point, *point2); }, point, point2);
+        renderTarget, [&](RenderTarget& t) { t.InvertLine(*point, *point2); }, point, point2);
 }
 
 GXResult GXRenderTargetFillText(GXRenderTarget renderTarget, GXFontFace fontFace, const uint16_t* text,

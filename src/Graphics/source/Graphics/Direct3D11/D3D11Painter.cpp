@@ -57,7 +57,7 @@ void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D
         state.vertexConstants.AddTransform(paint.map);
         state.AddInput(paint.texture, paint.sampling);
     }
-    const auto add = [&](const SwSoftMask& mask, bool ofShape) {
+    const auto add = [&](const SoftMask& mask, bool ofShape) {
         if (!mask.IsSet()) {
             return;
         }
@@ -68,8 +68,8 @@ void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D
         }
         AddMask(state, values, mask.type, ofShape);
     };
-    add(call.target.State().opacityMask, false);
-    add(call.target.State().shapeMask, true);
+    add(call.state.opacityMask, false);
+    add(call.state.shapeMask, true);
     if (extra != nullptr) {
         AddMask(state, extra->paint, extra->type, true);
     }
@@ -82,7 +82,7 @@ void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SoftwareTexture
 }
 
 void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
-    const SwClipRef& clip = call.target.State().clip;
+    const SwClipRef& clip = call.Clip();
     if (!IsMasked(clip.get())) {
         return;
     }
@@ -110,7 +110,7 @@ D3D11Mesh& D3D11Painter::Begin(const Call& call, const D3D11Paint& paint, D3D11D
 
 bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
     constexpr int32_t kMostQuads = 512; // 48 KB
-    const SwClip* clip = call.target.State().clip.get();
+    const SwClip* clip = call.Clip().get();
     const IntRect& r = call.visible;
     if (!IsMasked(clip) || r.bottom - r.top > kMostQuads) {
         return false;
@@ -129,7 +129,7 @@ bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
 D3D11Mesh& D3D11Painter::BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
                                    bool withClip) {
     D3D11DrawState state;
-    call.target.Describe(call.context, call.target.State().blendMode, call.visible, state);
+    call.target.Describe(call.context, call.state.blendMode, call.visible, state);
     AddPaint(call, paint, extra, state);
     if (withClip) {
         AddClip(call, state);
@@ -163,7 +163,7 @@ void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const 
         return;
     }
     D3D11DrawState state;
-    call.target.Describe(call.context, call.target.State().blendMode, box, state);
+    call.target.Describe(call.context, call.state.blendMode, box, state);
     AddPaint(call, paint, extra, state);
     if (covered->HasMask()) {
         AddCoverage(state, m_maker.Textures().Coverage(call.context, *covered.get()));
@@ -186,7 +186,7 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
 }
 
 bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source) {
-    const SwState& state = call.target.State();
+    const GraphicsState& state = call.state;
     const D3D11SubTarget::Way way = call.target.WayOf(call.context, state.blendMode, call.visible);
     const bool depends = way == D3D11SubTarget::Way::CardIfOpaque || way == D3D11SubTarget::Way::CardIfKnown;
     if (!depends || state.opacityMask.IsSet()) {
@@ -200,17 +200,15 @@ bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorS
 void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask) {
     const IntRect& r = call.visible;
     Draw(call, ink, mask, Whole(r));
-    const SwState& state = call.target.State();
     // Gradients are seldom opaque and costly to ask.
     if (call.target.IsLayer() && mask == nullptr && (ink.image != nullptr || ink.brush->Kind() != kBrushGradient) &&
-        !state.shapeMask.IsSet() && !state.opacityMask.IsSet() && !IsMasked(state.clip.get()) &&
-        IsOpaque(m_maker.Source(ink, r))) {
+        !call.state.HasMasks() && !IsMasked(call.Clip().get()) && IsOpaque(m_maker.Source(ink, r))) {
         call.target.NoteOpaque(r, true);
     }
 }
 
 void D3D11Painter::DrawGroup(const Call& call, D3D11SubTarget& group) {
-    const uint32_t mode = call.target.State().blendMode;
+    const uint32_t mode = call.state.blendMode;
     if (call.target.WayOf(call.context, mode, call.visible) == D3D11SubTarget::Way::Card) {
         DrawGroupOnCard(call, group);
     } else {
@@ -256,7 +254,7 @@ D3D11Mesh& D3D11Painter::BeginInversion(const Call& call) {
 
 void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     D3D11SubTarget& target = call.target;
-    const SwClip* clip = target.State().clip.get();
+    const SwClip* clip = call.Clip().get();
     if (target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
         ClearPlanes(ActiveKernels(), target.BeginInSoftware(call.context, call.visible), call.visible, clip,
                     premultiplied);
@@ -272,7 +270,7 @@ void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
     D3D11SubTarget& target = call.target;
     target.BeginOnCard(call.context, call.visible);
     D3D11Paint paint;
-    const SwClipRef& clip = target.State().clip;
+    const SwClipRef& clip = call.Clip();
     const bool masked = IsMasked(clip.get());
     // Replaced whole; or scaled by what the clip covers, then added with as much.
     const auto replace = [&](const std::shared_ptr<D3D11Texture>& plane, const float(&value)[4]) {

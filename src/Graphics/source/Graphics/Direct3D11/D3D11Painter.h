@@ -28,7 +28,11 @@ public:
     struct Call {
         D3D11Context& context;
         D3D11SubTarget& target;
+        const GraphicsState& state;
         SwClipPool& clips;
+
+        [[nodiscard]] const SwClipRef& Clip() const noexcept { return target.Clips().Current(); }
+
         IntRect visible; ///< device pixels that the draw may change; not empty
         IntRect limit;   ///< the scissor: what the geometry has to be cut to
     };
@@ -63,11 +67,11 @@ public:
     template <class Send> void Invert(const Call& call, Send&& send) {
         if (call.target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
             const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
-            SwInverter inverter(planes, call.visible, call.target.State().clip.get());
+            SwInverter inverter(planes, call.visible, call.Clip().get());
             send(inverter);
             return;
         }
-        D3D11MeshInverter inverter(BeginInversion(call), call.visible, call.target.State().clip.get());
+        D3D11MeshInverter inverter(BeginInversion(call), call.visible, call.Clip().get());
         send(inverter);
     }
 
@@ -87,7 +91,7 @@ private:
     void DrawInSoftware(const Call& call, SwColorSource& source, const SwMaskInput* mask, Cover&& cover) {
         const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
         SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, call.visible);
-        AssemblePipeLine(pipeLine, m_arena, call.target.State(), call.visible, mask);
+        AssemblePipeLine(pipeLine, m_arena, call.state, call.Clip().get(), call.visible, mask);
         pipeLine.SetColorSource(source);
         cover(pipeLine);
     }
@@ -100,7 +104,7 @@ private:
             cover(sink);
             return;
         }
-        SwClipBuilder builder(call.clips, call.target.State().clip.get(), call.visible);
+        SwClipBuilder builder(call.clips, call.Clip().get(), call.visible);
         cover(builder);
         const SwClipRef covered = builder.Finish();
         if (call.target.CoverageIsShape()) {

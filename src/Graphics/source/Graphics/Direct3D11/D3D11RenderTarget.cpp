@@ -2,7 +2,6 @@
 #include "D3D11RenderTarget.h"
 
 #include <algorithm>
-#include <exception>
 
 #include "../Bitmaps/Bitmap.h"
 #include "../Bitmaps/PixelTransfer.h"
@@ -13,12 +12,18 @@
 #include "../Software/SwPixelMath.h"
 
 namespace Graphics {
+namespace {
+
+/// Of draws that obey the clip alone.
+const GraphicsState kPlainState;
+
+} // namespace
 
 D3D11RenderTarget::D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface)
     : m_context(std::move(context)), m_surface(std::move(surface)), m_painter(m_arena) {}
 
 D3D11RenderTarget::~D3D11RenderTarget() {
-    if (!IsPainting() || !m_context->HasDevice()) {
+    if (!m_painting || !m_context->HasDevice()) {
         return;
     }
     // The batch is the thread's: draws of this target would go to the card with the next one's first paint. Those of
@@ -52,7 +57,7 @@ template <class Work> void D3D11RenderTarget::Run(bool again, Work&& work) {
 }
 
 void D3D11RenderTarget::FollowDevice() {
-    if (!IsPainting()) {
+    if (!m_painting) {
         m_context->Recover();
         return;
     }
@@ -81,14 +86,14 @@ void D3D11RenderTarget::BeginPaint() {
     Run(true, [&] {
         std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
         const IntRect area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
-        m_basic.Open(std::move(color), area, Cached());
+        m_basic.Open(std::move(color), area);
         m_area = area;
         m_context->Readback().StartPainting();
     });
     // Pixels of earlier paints lived on the device that drew them.
     m_incomplete = m_generation != 0 && m_generation != m_context->Generation();
     m_generation = m_context->Generation();
-    StartPainting();
+    m_painting = true;
 }
 
 void D3D11RenderTarget::EndPaint() {
@@ -101,33 +106,30 @@ void D3D11RenderTarget::EndPaint() {
             target.m_painter.Forget();
             target.m_basic.Close();
             target.m_clips.Pool().Trim();
-            target.StopPainting();
+            target.m_painting = false;
             target.m_broken = false;
         }
     } finally{*this};
     Run(false, [&] {
-        CloseLayers();
         m_context->Batch().Flush();
         m_basic.SendToCard(*m_context);
         m_surface->EndPaint(*m_context);
     });
 }
 
-IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
-    D3D11SubTarget& target = Current();
-    IntRect visible = Intersect(region, Intersect(target.Bounds(), m_area));
-    if (target.State().clip) {
-        visible = Intersect(visible, target.State().clip->Box());
-    }
+IntRect D3D11RenderTarget::Visible(D3D11SubTarget& target, const IntRect& region) const noexcept {
+    const IntRect visible = target.Clips().Within(Intersect(region, Intersect(target.Bounds(), m_area)));
     return target.CanBeDrawnInto() ? visible : IntRect{0, 0, 0, 0};
 }
 
-D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible) noexcept {
-    return {*m_context, Current(), m_clips.Pool(), visible, Intersect(Current().Bounds(), m_area)};
+D3D11Painter::Call D3D11RenderTarget::CallFor(D3D11SubTarget& target, const GraphicsState& state,
+                                              const IntRect& visible) noexcept {
+    return {*m_context, target, state, m_clips.Pool(), visible, Intersect(target.Bounds(), m_area)};
 }
 
-D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntRect& box) noexcept {
-    D3D11Painter::Call call = CallFor(visible);
+D3D11Painter::Call D3D11RenderTarget::CallFor(const GraphicsState& state, const IntRect& visible,
+                                              const IntRect& box) noexcept {
+    D3D11Painter::Call call = CallFor(Current(), state, visible);
     const IntRect inside = Intersect(box, call.limit);
     if (visible.left > inside.left || visible.right < inside.right) {
         call.limit = Visible(m_area); // bands between edges are not cut to columns
@@ -135,78 +137,79 @@ D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntR
     return call;
 }
 
-void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask) {
+void D3D11RenderTarget::FillPath(const GraphicsState& state, const PathRef& path, bool snap, const D3D11Ink& ink,
+                                 const D3D11Image* mask) {
     IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
-        CheckMasks();
+    if (snap && path.figure != nullptr && SnapFigure(*path.figure, state.transform, m_area, pixels)) {
+        state.CheckMasks();
         const IntRect visible = Visible(pixels);
         if (!IsEmpty(visible)) {
-            m_painter.DrawAll(CallFor(visible), ink, mask);
+            m_painter.DrawAll(CallFor(Current(), state, visible), ink, mask);
         }
         return;
     }
-    const Matrix transform = State().transform;
-    const Shape& shape = Resolve(path);
+    const Matrix transform = state.transform;
+    const Shape& shape = m_shape.Of(path);
     if (shape.Empty()) {
         return;
     }
-    CheckMasks();
+    state.CheckMasks();
     const IntRect box = RoundOut(DeviceBox(shape, transform, 0.0F));
     const IntRect visible = Visible(box);
     if (IsEmpty(visible)) {
         return;
     }
-    m_painter.Draw(CallFor(visible, box), ink, mask, [&](RasterizationSink& sink) {
+    m_painter.Draw(CallFor(state, visible, box), ink, mask, [&](RasterizationSink& sink) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
         FeedFill(shape, transform, m_rasterizer);
         m_rasterizer.Finish(sink);
     });
 }
 
-bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
+bool D3D11RenderTarget::FillGlyph(const GraphicsState& state, const Shape& shape, const Brush& brush) {
     if (shape.Empty()) {
         return true;
     }
-    CheckMasks();
+    state.CheckMasks();
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
     }
     SwGlyph glyph;
-    if (!m_glyphs->Place(shape, State().transform, m_rasterizer, glyph)) {
+    if (!m_glyphs->Place(shape, state.transform, m_rasterizer, glyph)) {
         return false;
     }
     const IntRect visible = Visible(glyph.Box());
     if (IsEmpty(visible)) {
         return true;
     }
-    m_painter.Draw(CallFor(visible), InkOf(brush), nullptr,
+    m_painter.Draw(CallFor(Current(), state, visible), InkOf(state, brush), nullptr,
                    [&](RasterizationSink& sink) { glyph.Send(visible, m_arena, sink); });
     return true;
 }
 
-void D3D11RenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
+void D3D11RenderTarget::Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) {
     Run(true, [&] {
-        if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
+        if (text && path.shape != nullptr && FillGlyph(state, **path.shape, brush)) {
             return;
         }
-        FillPath(path, State().strokeAdjustment && !text, InkOf(brush), nullptr);
+        FillPath(state, path, state.strokeAdjustment && !text, InkOf(state, brush), nullptr);
     });
 }
 
-void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
+void D3D11RenderTarget::Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+                               const StrokeStyle& style) {
     Run(true, [&] {
-        const SwState& state = State();
-        const Shape& shape = Resolve(path);
+        const Shape& shape = m_shape.Of(path);
         if (shape.Empty()) {
             return;
         }
-        CheckMasks();
+        state.CheckMasks();
         const IntRect box = StrokeBox(shape, state.transform, width, style);
         const IntRect visible = Visible(box);
         if (IsEmpty(visible)) {
             return;
         }
-        m_painter.Draw(CallFor(visible, box), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
+        m_painter.Draw(CallFor(state, visible, box), InkOf(state, brush), nullptr, [&](RasterizationSink& sink) {
             RasterizeStroke(m_rasterizer, shape, state.transform, style, width, state.strokeAdjustment, m_pen, m_area,
                             visible);
             m_rasterizer.Finish(sink);
@@ -214,16 +217,16 @@ void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float wi
     });
 }
 
-void D3D11RenderTarget::Clip(const PathRef& path) {
-    SwState& state = State();
-    const Shape& shape = Resolve(path);
+void D3D11RenderTarget::Clip(const GraphicsState& state, const PathRef& path) {
+    SwClipStack& clips = Current().Clips();
+    const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
-    state.clip =
-        m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, state.clip, state.strokeAdjustment);
+    clips.Set(m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, clips.Current(),
+                           state.strokeAdjustment));
 }
 
-void D3D11RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                                   uint32_t interpolation) {
+void D3D11RenderTarget::DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source,
+                                   const Rect& destination, float opacity, uint32_t interpolation) {
     const PixelView whole = bitmap.View();
     const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
     if (IsEmpty(part)) {
@@ -235,36 +238,37 @@ void D3D11RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, 
         image.derived = part == IntRect{0, 0, whole.width, whole.height} ? bitmap.DerivedToKeep() : nullptr;
         image.interpolation = interpolation;
         image.opacity = opacity;
-        image.toDevice = Concat(PlaceImage(part, source, destination), State().transform);
+        image.toDevice = Concat(PlaceImage(part, source, destination), state.transform);
         const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath({nullptr, &figure}, State().strokeAdjustment, {nullptr, kIdentity, &image}, nullptr);
+        FillPath(state, {nullptr, &figure}, state.strokeAdjustment, {nullptr, kIdentity, &image}, nullptr);
     });
 }
 
-void D3D11RenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination,
-                                 uint32_t interpolation) {
+void D3D11RenderTarget::FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush,
+                                 const Rect& destination, uint32_t interpolation) {
     Run(true, [&] {
         D3D11Image image;
         image.view = mask.View();
         image.derived = mask.DerivedToKeep();
         image.interpolation = interpolation;
         const IntRect whole{0, 0, image.view.width, image.view.height};
-        image.toDevice = Concat(PlaceImage(whole, whole, destination), State().transform);
+        image.toDevice = Concat(PlaceImage(whole, whole, destination), state.transform);
         image.asMask = true;
         const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath({nullptr, &figure}, State().strokeAdjustment, InkOf(brush), &image);
+        FillPath(state, {nullptr, &figure}, state.strokeAdjustment, InkOf(state, brush), &image);
     });
 }
 
-void D3D11RenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
+void D3D11RenderTarget::DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient,
+                                     float opacity, const Matrix& m) {
     GradientBrush brush(std::move(gradient));
     brush.opacity = opacity;
     brush.transform = m;
     Run(true, [&] {
-        CheckMasks();
+        state.CheckMasks();
         const IntRect visible = Visible(m_area);
         if (!IsEmpty(visible)) {
-            m_painter.DrawAll(CallFor(visible), InkOf(brush), nullptr);
+            m_painter.DrawAll(CallFor(Current(), state, visible), InkOf(state, brush), nullptr);
         }
     });
 }
@@ -273,56 +277,50 @@ void D3D11RenderTarget::Clear(uint32_t argb) {
     Run(true, [&] {
         const IntRect visible = Visible(m_area);
         if (!IsEmpty(visible)) {
-            m_painter.Clear(CallFor(visible), PremultiplyPixel(Current().IsLayer() ? argb : argb | 0xFF000000U));
+            m_painter.Clear(CallFor(Current(), kPlainState, visible),
+                            PremultiplyPixel(Current().IsLayer() ? argb : argb | 0xFF000000U));
         }
     });
 }
 
-void D3D11RenderTarget::BeginLayer(const GXLayerDesc& desc) {
-    const IntRect inside = Visible(LayerBox(desc.bounds, State().transform, m_area));
+void D3D11RenderTarget::BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) {
+    const IntRect inside = Visible(LayerBox(desc.bounds, state.transform, m_area));
     const IntRect bounds = IsEmpty(inside) ? IntRect{0, 0, 0, 0} : inside;
     Run(true, [&] {
         auto layer = std::make_unique<D3D11SubTarget>();
-        layer->OpenLayer(*m_context, Current(), bounds, desc);
+        layer->OpenLayer(*m_context, Current(), state.blendMode, bounds, desc);
         m_layers.push_back(std::move(layer));
     });
 }
 
-void D3D11RenderTarget::EndLayer() {
-    if (m_layers.empty()) {
-        GX_RAISE("Graphics::D3D11RenderTarget::EndLayer", "No layer is open");
-    }
-    Run(false, [&] { CloseLayer(); });
-}
-
-void D3D11RenderTarget::CloseLayer() {
-    std::unique_ptr<D3D11SubTarget> layer = std::move(m_layers.back());
-    m_layers.pop_back();
-    if (IsEmpty(layer->Touched())) {
-        return;
-    }
-    try {
-        CheckMasks();
-        const IntRect visible = Visible(layer->Touched());
-        if (!IsEmpty(visible)) {
-            m_painter.DrawGroup(CallFor(visible), *layer);
+void D3D11RenderTarget::EndLayer(const GraphicsState& around) {
+    Run(false, [&] {
+        if (!IsEmpty(m_layers.back()->Touched())) {
+            DrawLayer(around);
         }
-    } catch (const std::exception&) {
-        m_layers.push_back(std::move(layer)); // there is room
-        throw;
+    });
+    m_layers.pop_back(); // drawn, or lost with its device
+}
+
+void D3D11RenderTarget::DrawLayer(const GraphicsState& around) {
+    D3D11SubTarget& layer = *m_layers.back();
+    D3D11SubTarget& target = m_layers.size() < 2 ? m_basic : *m_layers[m_layers.size() - 2];
+    around.CheckMasks();
+    const IntRect visible = Visible(target, layer.Touched());
+    if (!IsEmpty(visible)) {
+        m_painter.DrawGroup(CallFor(target, around, visible), layer);
     }
 }
 
-void D3D11RenderTarget::InvertRect(const Rect& rect) {
+void D3D11RenderTarget::InvertRect(const Matrix& transform, const Rect& rect) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
     Run(true, [&] {
-        const Shape& shape = Resolve({nullptr, &figure});
-        const Matrix transform = State().transform;
+        const Shape& shape = m_shape.Of({nullptr, &figure});
         const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
         if (IsEmpty(visible)) {
             return;
         }
-        m_painter.Invert(CallFor(visible), [&](PixelInverter& inverter) {
+        m_painter.Invert(CallFor(Current(), kPlainState, visible), [&](PixelInverter& inverter) {
             m_rasterizer.Begin(ToRect(m_area), visible, true);
             FeedFill(shape, transform, m_rasterizer);
             m_rasterizer.Finish(inverter);
@@ -330,13 +328,14 @@ void D3D11RenderTarget::InvertRect(const Rect& rect) {
     });
 }
 
-void D3D11RenderTarget::InvertLine(const Point& from, const Point& to) {
+void D3D11RenderTarget::InvertLine(const Matrix& transform, const Point& from, const Point& to) {
     Run(true, [&] {
-        const Point a = Map(State().transform, from);
-        const Point b = Map(State().transform, to);
+        const Point a = Map(transform, from);
+        const Point b = Map(transform, to);
         const IntRect visible = Visible(PixelInverter::LineBox(a, b));
         if (!IsEmpty(visible)) {
-            m_painter.Invert(CallFor(visible), [&](PixelInverter& inverter) { inverter.Line(a, b); });
+            m_painter.Invert(CallFor(Current(), kPlainState, visible),
+                             [&](PixelInverter& inverter) { inverter.Line(a, b); });
         }
     });
 }

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "../Target/RenderTargetBase.h"
+#include "../Drawing/RenderTargetBase.h"
 #include "GdipStatus.h"
 
 namespace Graphics {

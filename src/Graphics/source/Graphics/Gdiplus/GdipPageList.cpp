@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GdipPageList.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "../Bitmaps/Bitmap.h"
@@ -56,15 +57,27 @@ PathRef GdipKeptPath::Ref() const {
     return {&m_shape, nullptr};
 }
 
-void GdipPageList::AddState(const Matrix& transform, Call call) { Add(transform, kEverywhere, std::move(call)); }
+void GdipPageList::AddScope(const GraphicsState& state, Call call) {
+    m_entries.push_back({state, kEverywhere, std::move(call)});
+}
+
+void GdipPageList::MakeRoom() {
+    if (m_entries.size() == m_entries.capacity()) {
+        m_entries.reserve(std::max<size_t>(16, m_entries.size() * 2));
+    }
+}
 
 void GdipPageList::Replay(RenderTargetBase& target, const IntRect& part) const {
     const Matrix shift{1.0F, 0.0F, 0.0F, 1.0F, static_cast<float>(-part.left), static_cast<float>(-part.top)};
     for (const Entry& entry : m_entries) {
-        if (!IsEmpty(Intersect(entry.box, part))) {
-            target.SetTransform(Concat(entry.transform, shift));
-            entry.call(target);
+        if (IsEmpty(Intersect(entry.box, part))) {
+            continue;
         }
+        GraphicsState state = entry.state;
+        for (Matrix* m : {&state.transform, &state.shapeMask.transform, &state.opacityMask.transform}) {
+            *m = Concat(*m, shift);
+        }
+        entry.call(target, state);
     }
 }
 

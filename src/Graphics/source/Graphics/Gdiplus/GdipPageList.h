@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "../Drawing/RenderTargetBase.h"
 #include "../Paint/Brush.h"
-#include "../Target/RenderTargetBase.h"
 
 namespace Graphics {
 
@@ -31,17 +31,20 @@ private:
 
 class GdipPageList {
 public:
-    using Call = std::function<void(RenderTargetBase&)>;
+    /// Gets the state that the call was made under, moved to where the target shows the page.
+    using Call = std::function<void(RenderTargetBase&, const GraphicsState&)>;
 
-    /// `call` is made under `transform` and reaches no pixel outside `box`.
-    void Add(const Matrix& transform, const IntRect& box, Call call) {
-        m_entries.push_back({transform, box, std::move(call)});
+    /// `call` is made under `state` and reaches no pixel outside `box`.
+    void Add(const GraphicsState& state, const IntRect& box, Call call) {
+        m_entries.push_back({state, box, std::move(call)});
         ++m_drawings;
     }
     /// Calls of Add so far.
     [[nodiscard]] size_t Drawings() const noexcept { return m_drawings; }
-    /// A call that concerns all that follow.
-    void AddState(const Matrix& transform, Call call);
+    /// A call that concerns all that follow: of clips and groups.
+    void AddScope(const GraphicsState& state, Call call);
+    /// The next AddScope of a call that needs no memory cannot fail.
+    void MakeRoom();
 
     /// Makes all calls that concern `part` of the page. The target's (0, 0) is the part's top left pixel.
     void Replay(RenderTargetBase& target, const IntRect& part) const;
@@ -53,7 +56,7 @@ public:
 
 private:
     struct Entry {
-        Matrix transform;
+        GraphicsState state;
         IntRect box;
         Call call;
     };

@@ -46,57 +46,44 @@ namespace {
 
 } // namespace
 
-const Shape& GdipRenderTarget::Resolve(const PathRef& path) {
-    if (path.shape != nullptr) {
-        return **path.shape;
-    }
-    m_figure.Clear();
-    path.figure->Replay(m_figure);
-    return m_figure;
+bool GdipRenderTarget::DrawsItself(const GraphicsState& state) const noexcept {
+    return m_targets.back().Transparent() && state.blendMode == 0 && !state.HasMasks();
 }
 
-IntRect GdipRenderTarget::Visible(const IntRect& pixels) noexcept { return Intersect(pixels, State().clip); }
-
-bool GdipRenderTarget::DrawsItself() noexcept {
-    const GdipState& state = State();
-    return m_targets.back().Transparent() && state.blendMode == 0 && state.shapeMask.brush == nullptr &&
-           state.opacityMask.brush == nullptr;
+GdipShows GdipRenderTarget::Judge(const GraphicsState& state, const IntRect& visible) const noexcept {
+    return {m_device.blends, state.transform, visible};
 }
 
-GdipShows GdipRenderTarget::Judge(const IntRect& visible) noexcept {
-    return {m_device.blends, State().transform, visible};
-}
-
-void GdipRenderTarget::Leave(const IntRect& visible, GdipPageList::Call call) {
-    m_page.Add(State().transform, visible, std::move(call));
+void GdipRenderTarget::Leave(const GraphicsState& state, const IntRect& visible, GdipPageList::Call call) {
+    m_page.Add(state, visible, std::move(call));
     m_left = Region::Combine(m_left, Region(visible), RegionOp::Union);
 }
 
 template <class MakeSource, class Feed>
-void GdipRenderTarget::Draw(const IntRect& visible, uint32_t interpolation, MakeSource&& makeSource, Feed&& feed,
-                            GdipPageList::Call call) {
+void GdipRenderTarget::Draw(const GraphicsState& state, const IntRect& visible, uint32_t interpolation,
+                            MakeSource&& makeSource, Feed&& feed, GdipPageList::Call call) {
     GdipPath path(m_toPage);
     feed(path);
     const std::unique_ptr<GdipColorSource> source = makeSource();
     source->Check();
-    m_page.Add(State().transform, visible, std::move(call));
+    m_page.Add(state, visible, std::move(call));
     m_graphics->Fill(path, *source, interpolation);
 }
 
 template <class Feed>
-void GdipRenderTarget::DrawWith(const Brush& brush, const IntRect& visible, Feed&& feed, GdipPageList::Call call) {
-    if (!DrawsItself() || !Judge(visible).Shows(brush)) {
-        Leave(visible, std::move(call));
+void GdipRenderTarget::DrawWith(const GraphicsState& state, const Brush& brush, const IntRect& visible, Feed&& feed,
+                                GdipPageList::Call call) {
+    if (!DrawsItself(state) || !Judge(state, visible).Shows(brush)) {
+        Leave(state, visible, std::move(call));
         return;
     }
     const auto makeSource = [&] {
-        return GdipColorSource::CreateFromBrush(brush, {State().transform, m_toPage, visible, m_makeTarget});
+        return GdipColorSource::CreateFromBrush(brush, {state.transform, m_toPage, visible, m_makeTarget});
     };
-    Draw(visible, InterpolationOf(brush), makeSource, feed, std::move(call));
+    Draw(state, visible, InterpolationOf(brush), makeSource, feed, std::move(call));
 }
 
-void GdipRenderTarget::FeedPath(const Shape& shape, bool snap, GdipPath& sink) {
-    const Matrix& transform = State().transform;
+void GdipRenderTarget::FeedPath(const Shape& shape, const Matrix& transform, bool snap, GdipPath& sink) {
     IntRect pixels;
     Point a, b;
     // Thin rules are at least one pixel, as on the screen.
@@ -109,109 +96,114 @@ void GdipRenderTarget::FeedPath(const Shape& shape, bool snap, GdipPath& sink) {
     }
 }
 
-void GdipRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
-    const Shape& shape = Resolve(path);
+void GdipRenderTarget::Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) {
+    const Shape& shape = m_shape.Of(path);
     if (shape.Empty()) {
         return;
     }
-    CheckMasks();
-    const IntRect visible = Visible(RoundOut(DeviceBox(shape, State().transform, 0.0F)));
+    state.CheckMasks();
+    const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     if (IsEmpty(visible)) {
         return;
     }
-    const bool snap = State().strokeAdjustment && !text;
+    const bool snap = state.strokeAdjustment && !text;
     DrawWith(
-        brush, visible, [&](GdipPath& sink) { FeedPath(shape, snap, sink); },
-        [kept = GdipKeptPath(path), paint = m_page.Keep(brush), text](RenderTargetBase& t) {
-            t.Fill(kept.Ref(), *paint, text);
+        state, brush, visible, [&](GdipPath& sink) { FeedPath(shape, state.transform, snap, sink); },
+        [kept = GdipKeptPath(path), paint = m_page.Keep(brush), text](RenderTargetBase& t, const GraphicsState& s) {
+            t.Fill(s, kept.Ref(), *paint, text);
         });
 }
 
-void GdipRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
-    const GdipState& state = State();
-    const Shape& shape = Resolve(path);
+void GdipRenderTarget::Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+                              const StrokeStyle& style) {
+    const Shape& shape = m_shape.Of(path);
     if (shape.Empty()) {
         return;
     }
-    CheckMasks();
+    state.CheckMasks();
     const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
     if (IsEmpty(visible)) {
         return;
     }
     DrawWith(
-        brush, visible,
+        state, brush, visible,
         [&](GdipPath& sink) {
             static_cast<void>(FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen,
                                          ToRect(m_device.area), ToRect(visible), sink));
         },
-        [kept = GdipKeptPath(path), paint = m_page.Keep(brush), width, style](RenderTargetBase& t) {
-            t.Stroke(kept.Ref(), *paint, width, style);
-        });
+        [kept = GdipKeptPath(path), paint = m_page.Keep(brush), width,
+         style](RenderTargetBase& t, const GraphicsState& s) { t.Stroke(s, kept.Ref(), *paint, width, style); });
 }
 
-void GdipRenderTarget::Clip(const PathRef& path) {
-    GdipState& state = State();
-    const Shape& shape = Resolve(path);
+void GdipRenderTarget::Clip(const GraphicsState& state, const PathRef& path) {
+    const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     if (m_targets.back().Transparent()) {
         GdipPath figure(m_toPage);
-        FeedPath(shape, state.strokeAdjustment, figure);
+        FeedPath(shape, state.transform, state.strokeAdjustment, figure);
         m_graphics->IntersectClip(figure);
     }
-    m_page.AddState(state.transform, [kept = GdipKeptPath(path)](RenderTargetBase& t) { t.Clip(kept.Ref()); });
-    state.clip = shape.Empty() || IsEmpty(visible) ? IntRect{} : visible;
-    state.clipped = true;
+    m_page.AddScope(
+        state, [kept = GdipKeptPath(path)](RenderTargetBase& t, const GraphicsState& s) { t.Clip(s, kept.Ref()); });
+    GdipClip& clip = CurrentClip();
+    clip.box = shape.Empty() || IsEmpty(visible) ? IntRect{} : visible;
+    clip.isCut = true;
 }
 
-void GdipRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                                  uint32_t interpolation) {
-    CheckMasks();
+void GdipRenderTarget::DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source,
+                                  const Rect& destination, float opacity, uint32_t interpolation) {
+    state.CheckMasks();
     const PixelView whole = bitmap.View();
     const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
     const PathRef path{nullptr, &figure};
-    const Shape& shape = Resolve(path);
-    const IntRect visible = Visible(RoundOut(DeviceBox(shape, State().transform, 0.0F)));
+    const Shape& shape = m_shape.Of(path);
+    const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     if (IsEmpty(part) || IsEmpty(visible)) {
         return;
     }
     GdipPageList::Call call = [kept = m_page.Keep(bitmap), source, destination, opacity,
-                               interpolation](RenderTargetBase& t) {
-        t.DrawBitmap(*kept, source, destination, opacity, interpolation);
+                               interpolation](RenderTargetBase& t, const GraphicsState& s) {
+        t.DrawBitmap(s, *kept, source, destination, opacity, interpolation);
     };
     const PixelView pixels = PixelTransfer::Part(whole, part);
     const Matrix place = PlaceImage(part, source, destination);
     // Beyond the bitmap its edge goes on, which no texture does that is good at the edge itself.
-    if (!DrawsItself() || !(part == source) ||
-        !Judge(visible).Shows(pixels, opacity, interpolation, Concat(place, State().transform))) {
-        Leave(visible, std::move(call));
+    if (!DrawsItself(state) || !(part == source) ||
+        !Judge(state, visible).Shows(pixels, opacity, interpolation, Concat(place, state.transform))) {
+        Leave(state, visible, std::move(call));
         return;
     }
     const auto makeSource = [&] {
         // Mirrored beyond its edges: a clamped texture fades out there.
         return std::make_unique<GdipBitmapColorSource>(
-            pixels, bitmap.DpiX(), bitmap.DpiY(), opacity, Concat(Concat(place, State().transform), m_toPage),
+            pixels, bitmap.DpiX(), bitmap.DpiY(), opacity, Concat(Concat(place, state.transform), m_toPage),
             static_cast<uint32_t>(GXExtendMirror), static_cast<uint32_t>(GXExtendMirror));
     };
-    const bool snap = State().strokeAdjustment;
+    const bool snap = state.strokeAdjustment;
     Draw(
-        visible, interpolation, makeSource, [&](GdipPath& sink) { FeedPath(shape, snap, sink); }, std::move(call));
+        state, visible, interpolation, makeSource,
+        [&](GdipPath& sink) { FeedPath(shape, state.transform, snap, sink); }, std::move(call));
 }
 
-void GdipRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination,
-                                uint32_t interpolation) {
-    CheckMasks();
+void GdipRenderTarget::FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush,
+                                const Rect& destination, uint32_t interpolation) {
+    state.CheckMasks();
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-    const IntRect visible = Visible(RoundOut(DeviceBox(Resolve({nullptr, &figure}), State().transform, 0.0F)));
+    const IntRect visible = Visible(RoundOut(DeviceBox(m_shape.Of({nullptr, &figure}), state.transform, 0.0F)));
     if (!IsEmpty(visible)) {
-        Leave(visible, [kept = m_page.Keep(mask), paint = m_page.Keep(brush), destination,
-                        interpolation](RenderTargetBase& t) { t.FillMask(*kept, *paint, destination, interpolation); });
+        Leave(state, visible,
+              [kept = m_page.Keep(mask), paint = m_page.Keep(brush), destination,
+               interpolation](RenderTargetBase& t, const GraphicsState& s) {
+                  t.FillMask(s, *kept, *paint, destination, interpolation);
+              });
     }
 }
 
-void GdipRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
-    CheckMasks();
-    const IntRect visible = State().clip;
+void GdipRenderTarget::DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
+                                    const Matrix& m) {
+    state.CheckMasks();
+    const IntRect visible = CurrentClip().box;
     if (IsEmpty(visible)) {
         return;
     }
@@ -219,44 +211,51 @@ void GdipRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, fl
     brush.opacity = opacity;
     brush.transform = m;
     DrawWith(
-        brush, visible,
+        state, brush, visible,
         [&](GdipPath& sink) {
             sink.SetFillRule(GXFillRuleNonZero);
             AddRectangle(sink, ToRect(visible));
         },
-        [brush](RenderTargetBase& t) { t.DrawGradient(brush.gradient, brush.opacity, brush.transform); });
+        [brush](RenderTargetBase& t, const GraphicsState& s) {
+            t.DrawGradient(s, brush.gradient, brush.opacity, brush.transform);
+        });
 }
 
 void GdipRenderTarget::Clear(uint32_t argb) {
-    const IntRect visible = State().clip;
+    const IntRect visible = CurrentClip().box;
     if (IsEmpty(visible)) {
         return;
     }
-    GdipPageList::Call call = [argb](RenderTargetBase& t) { t.Clear(argb); };
+    GdipPageList::Call call = [argb](RenderTargetBase& t, const GraphicsState&) { t.Clear(argb); };
     if (m_targets.size() > 1) {
-        Leave(visible, std::move(call));
+        Leave({}, visible, std::move(call));
         return;
     }
-    m_page.Add(State().transform, visible, std::move(call));
+    m_page.Add({}, visible, std::move(call));
     m_graphics->Clear(argb | 0xFF000000U); // paper stays opaque
-    if (!State().clipped) {
+    if (!CurrentClip().isCut) {
         m_left = Region(); // nothing is seen of what lies below
     }
 }
 
-void GdipRenderTarget::InvertRect(const Rect& rect) {
+void GdipRenderTarget::InvertRect(const Matrix& transform, const Rect& rect) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
-    const IntRect visible = Visible(RoundOut(DeviceBox(Resolve({nullptr, &figure}), State().transform, 0.0F)));
-    if (!IsEmpty(visible)) {
-        Leave(visible, [rect](RenderTargetBase& t) { t.InvertRect(rect); });
-    }
+    LeaveInversion(transform, figure,
+                   [rect](RenderTargetBase& t, const GraphicsState& s) { t.InvertRect(s.transform, rect); });
 }
 
-void GdipRenderTarget::InvertLine(const Point& from, const Point& to) {
+void GdipRenderTarget::InvertLine(const Matrix& transform, const Point& from, const Point& to) {
     const BasicFigure figure(BasicFigure::Kind::Line, {from.x, from.y, to.x, to.y});
-    const IntRect visible = Visible(RoundOut(DeviceBox(Resolve({nullptr, &figure}), State().transform, 0.0F)));
+    LeaveInversion(transform, figure,
+                   [from, to](RenderTargetBase& t, const GraphicsState& s) { t.InvertLine(s.transform, from, to); });
+}
+
+void GdipRenderTarget::LeaveInversion(const Matrix& transform, const BasicFigure& figure, GdipPageList::Call call) {
+    const IntRect visible = Visible(RoundOut(DeviceBox(m_shape.Of({nullptr, &figure}), transform, 0.0F)));
     if (!IsEmpty(visible)) {
-        Leave(visible, [from, to](RenderTargetBase& t) { t.InvertLine(from, to); });
+        GraphicsState state;
+        state.transform = transform;
+        Leave(state, visible, std::move(call));
     }
 }
 

@@ -6,7 +6,7 @@
 namespace Graphics {
 namespace {
 
-[[nodiscard]] SwMaskInput MaskInput(Arena& arena, const SwSoftMask& mask, const IntRect& visible) {
+[[nodiscard]] SwMaskInput MaskInput(Arena& arena, const SoftMask& mask, const IntRect& visible) {
     SwMaskInput input;
     input.source = SwColorSource::CreateFromBrush(arena, *mask.brush, ToRect(visible), mask.transform);
     input.type = mask.type;
@@ -15,8 +15,8 @@ namespace {
 
 } // namespace
 
-void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwState& state, const IntRect& visible,
-                      const SwMaskInput* extra) {
+void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const GraphicsState& state, const SwClip* clip,
+                      const IntRect& visible, const SwMaskInput* extra) {
     pipeLine.SetBlendMode(state.blendMode);
     if (state.shapeMask.IsSet()) {
         pipeLine.AddShapeMask(MaskInput(arena, state.shapeMask, visible));
@@ -24,7 +24,7 @@ void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwState& state, 
     if (extra != nullptr) {
         pipeLine.AddShapeMask(*extra);
     }
-    pipeLine.SetClip(state.clip.get());
+    pipeLine.SetClip(clip);
     if (state.opacityMask.IsSet()) {
         pipeLine.SetOpacityMask(MaskInput(arena, state.opacityMask, visible));
     }

@@ -5,8 +5,7 @@
 
 #include <vector>
 
-#include "../Geometry/Shape.h"
-#include "../Target/RenderTargetBase.h"
+#include "../Drawing/PathRef.h"
 #include "SwClipBuilder.h"
 
 namespace Graphics {

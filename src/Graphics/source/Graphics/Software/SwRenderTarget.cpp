@@ -57,7 +57,7 @@ void FillGlyphRows(const SwTargetPlanes& planes, const IntRect& visible, const S
 SwRenderTarget::SwRenderTarget(std::unique_ptr<SwSurface> surface) : m_surface(std::move(surface)) {}
 
 SwRenderTarget::~SwRenderTarget() {
-    if (IsPainting()) {
+    if (m_painting) {
         try {
             m_surface->Abandon();
         } catch (...) { // nobody is left to be told
@@ -84,33 +84,21 @@ void SwRenderTarget::BeginPaint() {
     }
     const PixelView pixels = m_surface->BeginPaint();
     m_area = {0, 0, pixels.width, pixels.height};
-    try {
-        m_basic.Open(pixels, Cached());
-    } catch (...) {
-        m_surface->Abandon();
-        throw;
-    }
-    StartPainting();
+    m_basic.Open(pixels);
+    m_painting = true;
 }
 
 void SwRenderTarget::EndPaint() {
-    CloseLayers();
+    while (!m_layers.IsEmpty()) {
+        m_layers.Drop();
+    }
     m_layers.Trim();
     m_clips.Forget();
     m_basic.Close();
     m_clips.Pool().Trim();
     m_glyphs.reset();
-    StopPainting();
+    m_painting = false;
     m_surface->EndPaint();
-}
-
-void SwRenderTarget::PushState() { Current().PushState(); }
-
-void SwRenderTarget::PopState() { Current().PopState(); }
-
-IntRect SwRenderTarget::Visible(SwSubTarget& target, const IntRect& region) noexcept {
-    const IntRect visible = Intersect(region, target.Bounds());
-    return target.State().clip ? Intersect(visible, target.State().clip->Box()) : visible;
 }
 
 void SwRenderTarget::NoteOpaque(const IntRect& region) noexcept {
@@ -120,25 +108,26 @@ void SwRenderTarget::NoteOpaque(const IntRect& region) noexcept {
 }
 
 template <class MakeSource, class Cover>
-void SwRenderTarget::Composite(const IntRect& visible, const SwMaskInput* extraMask, MakeSource&& makeSource,
-                               Cover&& cover) {
+void SwRenderTarget::Composite(const GraphicsState& state, const IntRect& visible, const SwMaskInput* extraMask,
+                               MakeSource&& makeSource, Cover&& cover) {
     if (IsEmpty(visible)) {
         return;
     }
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    AssemblePipeLine(pipeLine, m_arena, State(), visible, extraMask);
+    AssemblePipeLine(pipeLine, m_arena, state, Current().Clips().Current().get(), visible, extraMask);
     pipeLine.SetColorSource(*makeSource(visible));
     cover(pipeLine);
 }
 
 template <class MakeSource>
-void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput* extraMask, MakeSource&& makeSource) {
+void SwRenderTarget::FillPath(const GraphicsState& state, const PathRef& path, bool snap, const SwMaskInput* extraMask,
+                              MakeSource&& makeSource) {
     IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
-        CheckMasks();
+    if (snap && path.figure != nullptr && SnapFigure(*path.figure, state.transform, m_area, pixels)) {
+        state.CheckMasks();
         const IntRect visible = Visible(pixels);
-        Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
+        Composite(state, visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
             pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
             if (pipeLine.Replaces()) {
                 NoteOpaque(visible);
@@ -146,38 +135,37 @@ void SwRenderTarget::FillPath(const PathRef& path, bool snap, const SwMaskInput*
         });
         return;
     }
-    const Matrix transform = State().transform;
+    const Matrix transform = state.transform;
     Vertex a;
     Vertex b;
     if (!snap && path.figure != nullptr && UprightCorners(*path.figure, transform, a, b)) {
-        CheckMasks();
+        state.CheckMasks();
         const IntRect visible = Visible(SampleRectangle::Box(a, b));
         SampleRectangle samples;
         if (samples.Set(a, b, m_area.top * 8, m_area.bottom * 8, visible)) {
-            Composite(visible, extraMask, makeSource,
+            Composite(state, visible, extraMask, makeSource,
                       [&](SwPipeLine& pipeLine) { RectangleScanner(samples).Send(pipeLine); });
             return;
         }
     }
-    const Shape& shape = Resolve(path);
+    const Shape& shape = m_shape.Of(path);
     if (shape.Empty()) {
         return;
     }
-    CheckMasks();
+    state.CheckMasks();
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
-    Composite(visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
+    Composite(state, visible, extraMask, makeSource, [&](SwPipeLine& pipeLine) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
         FeedFill(shape, transform, m_rasterizer);
         m_rasterizer.Finish(pipeLine);
     });
 }
 
-bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
+bool SwRenderTarget::FillGlyph(const GraphicsState& state, const Shape& shape, const Brush& brush) {
     if (shape.Empty()) {
         return true;
     }
-    CheckMasks();
-    const SwState& state = State();
+    state.CheckMasks();
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
     }
@@ -189,7 +177,7 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     if (IsEmpty(visible)) {
         return true;
     }
-    if (brush.Kind() == kBrushSolid && IsPlain()) {
+    if (brush.Kind() == kBrushSolid && IsPlain(state)) {
         // Most text: one call for all rows, without a pipeline.
         FillGlyphRows(m_basic.Planes(visible), visible, glyph, SolidColorOf(static_cast<const SolidBrush&>(brush)));
         return true;
@@ -198,21 +186,19 @@ bool SwRenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
     const auto makeSource = [&](const IntRect& region) {
         return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(region), state.transform);
     };
-    Composite(visible, nullptr, makeSource, [&](SwPipeLine& pipeLine) { glyph.Send(visible, m_arena, pipeLine); });
+    Composite(state, visible, nullptr, makeSource,
+              [&](SwPipeLine& pipeLine) { glyph.Send(visible, m_arena, pipeLine); });
     return true;
 }
 
-bool SwRenderTarget::IsPlain() noexcept {
+bool SwRenderTarget::IsPlain(const GraphicsState& state) noexcept {
     if (!m_layers.IsEmpty()) {
         return false;
     }
-    const SwState& state = m_basic.State();
-    return state.blendMode == 0 && !state.shapeMask.IsSet() && !state.opacityMask.IsSet() &&
-           !IsMasked(state.clip.get());
+    return state.blendMode == 0 && !state.HasMasks() && !IsMasked(m_basic.Clips().Current().get());
 }
 
-bool SwRenderTarget::FillPlainRectangle(const BasicFigure& figure, uint32_t color) {
-    const SwState& state = m_basic.State();
+bool SwRenderTarget::FillPlainRectangle(const GraphicsState& state, const BasicFigure& figure, uint32_t color) {
     const SwKernels& kernels = ActiveKernels();
     const auto paint = [&](const IntRect& r, uint32_t left, uint32_t inner, uint32_t right) {
         const SwTargetPlanes planes = m_basic.Planes(r);
@@ -260,28 +246,28 @@ bool SwRenderTarget::FillPlainRectangle(const BasicFigure& figure, uint32_t colo
     return true;
 }
 
-void SwRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
-    if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
+void SwRenderTarget::Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) {
+    if (text && path.shape != nullptr && FillGlyph(state, **path.shape, brush)) {
         return;
     }
-    if (path.figure != nullptr && !text && brush.Kind() == kBrushSolid && IsPlain() &&
-        FillPlainRectangle(*path.figure, SolidColorOf(static_cast<const SolidBrush&>(brush)))) {
+    if (path.figure != nullptr && !text && brush.Kind() == kBrushSolid && IsPlain(state) &&
+        FillPlainRectangle(state, *path.figure, SolidColorOf(static_cast<const SolidBrush&>(brush)))) {
         return;
     }
     const ArenaScope scope(m_arena);
-    FillPath(path, State().strokeAdjustment && !text, nullptr, [&](const IntRect& visible) {
-        return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), State().transform);
+    FillPath(state, path, state.strokeAdjustment && !text, nullptr, [&](const IntRect& visible) {
+        return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform);
     });
 }
 
-void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
+void SwRenderTarget::Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+                            const StrokeStyle& style) {
     const ArenaScope scope(m_arena);
-    const SwState& state = State();
-    const Shape& shape = Resolve(path);
+    const Shape& shape = m_shape.Of(path);
     if (shape.Empty()) {
         return;
     }
-    CheckMasks();
+    state.CheckMasks();
     const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
     if (IsEmpty(visible)) {
         return;
@@ -289,21 +275,21 @@ void SwRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width
     RasterizeStroke(m_rasterizer, shape, state.transform, style, width, state.strokeAdjustment, m_pen, m_area, visible);
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    AssemblePipeLine(pipeLine, m_arena, State(), visible, nullptr);
+    AssemblePipeLine(pipeLine, m_arena, state, Current().Clips().Current().get(), visible, nullptr);
     pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform));
     m_rasterizer.Finish(pipeLine);
 }
 
-void SwRenderTarget::Clip(const PathRef& path) {
-    SwState& state = State();
-    const Shape& shape = Resolve(path);
+void SwRenderTarget::Clip(const GraphicsState& state, const PathRef& path) {
+    SwClipStack& clips = Current().Clips();
+    const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
-    state.clip =
-        m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, state.clip, state.strokeAdjustment);
+    clips.Set(m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, clips.Current(),
+                           state.strokeAdjustment));
 }
 
-void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                                uint32_t interpolation) {
+void SwRenderTarget::DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source,
+                                const Rect& destination, float opacity, uint32_t interpolation) {
     const ArenaScope scope(m_arena);
     const PixelView whole = bitmap.View();
     const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
@@ -313,31 +299,33 @@ void SwRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, con
     const bool isWhole = part == IntRect{0, 0, whole.width, whole.height};
     const Matrix place = PlaceImage(part, source, destination);
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-    FillPath({nullptr, &figure}, State().strokeAdjustment, nullptr, [&](const IntRect&) {
+    FillPath(state, {nullptr, &figure}, state.strokeAdjustment, nullptr, [&](const IntRect&) {
         return CreateBitmapSource(m_arena, PixelTransfer::Part(whole, part), isWhole ? bitmap.DerivedToKeep() : nullptr,
-                                  interpolation, GXExtendClamp, GXExtendClamp, opacity,
-                                  Concat(place, State().transform), false);
+                                  interpolation, GXExtendClamp, GXExtendClamp, opacity, Concat(place, state.transform),
+                                  false);
     });
 }
 
-void SwRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
+void SwRenderTarget::FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush,
+                              const Rect& destination, uint32_t interpolation) {
     const ArenaScope scope(m_arena);
     const PixelView view = mask.View();
     const IntRect whole{0, 0, view.width, view.height};
     const Matrix place = PlaceImage(whole, whole, destination);
     SwMaskInput input;
     input.source = CreateBitmapSource(m_arena, view, mask.DerivedToKeep(), interpolation, GXExtendClamp, GXExtendClamp,
-                                      1.0F, Concat(place, State().transform), true);
+                                      1.0F, Concat(place, state.transform), true);
     input.type = GXMaskTypeAlpha;
     const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-    FillPath({nullptr, &figure}, State().strokeAdjustment, &input, [&](const IntRect& visible) {
-        return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), State().transform);
+    FillPath(state, {nullptr, &figure}, state.strokeAdjustment, &input, [&](const IntRect& visible) {
+        return SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform);
     });
 }
 
-void SwRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
+void SwRenderTarget::DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
+                                  const Matrix& m) {
     const ArenaScope scope(m_arena);
-    CheckMasks();
+    state.CheckMasks();
     const IntRect visible = Visible(m_area);
     if (IsEmpty(visible)) {
         return;
@@ -347,8 +335,8 @@ void SwRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, floa
     brush.transform = m;
     const SwTargetPlanes planes = Current().Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    AssemblePipeLine(pipeLine, m_arena, State(), visible, nullptr);
-    pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), State().transform));
+    AssemblePipeLine(pipeLine, m_arena, state, Current().Clips().Current().get(), visible, nullptr);
+    pipeLine.SetColorSource(*SwColorSource::CreateFromBrush(m_arena, brush, ToRect(visible), state.transform));
     pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
 }
 
@@ -360,14 +348,14 @@ void SwRenderTarget::Clear(uint32_t argb) {
     if (m_layers.IsEmpty() && GetPixelFormat() == GXPixelFormatBGRX32) {
         argb |= 0xFF000000U;
     }
-    ClearPlanes(ActiveKernels(), Current().Planes(visible), visible, State().clip.get(), Premultiply(argb));
-    if (argb >> 24 == 255 && !IsMasked(State().clip.get())) {
+    ClearPlanes(ActiveKernels(), Current().Planes(visible), visible, Current().Clips().Current().get(),
+                Premultiply(argb));
+    if (argb >> 24 == 255 && !IsMasked(Current().Clips().Current().get())) {
         NoteOpaque(visible);
     }
 }
 
-void SwRenderTarget::BeginLayer(const GXLayerDesc& desc) {
-    const SwState& state = State();
+void SwRenderTarget::BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) {
     IntRect bounds = Visible(LayerBox(desc.bounds, state.transform, m_area));
     if (IsEmpty(bounds)) {
         bounds = {0, 0, 0, 0};
@@ -375,25 +363,18 @@ void SwRenderTarget::BeginLayer(const GXLayerDesc& desc) {
     m_layers.Open(Current(), bounds, desc.isolated != 0, desc.knockout != 0, desc.opacity);
 }
 
-void SwRenderTarget::EndLayer() {
-    if (m_layers.IsEmpty()) {
-        GX_RAISE("Graphics::SwRenderTarget::EndLayer", "No layer is open");
-    }
-    CloseLayer();
-}
-
-void SwRenderTarget::CloseLayer() {
+void SwRenderTarget::EndLayer(const GraphicsState& around) {
     SwLayerSubTarget& layer = m_layers.Top();
     if (!IsEmpty(layer.Touched())) {
-        SwLayerSubTarget* const around = m_layers.BelowTop();
-        DrawLayer(layer, around != nullptr ? static_cast<SwSubTarget&>(*around) : m_basic);
+        SwLayerSubTarget* const below = m_layers.BelowTop();
+        DrawLayer(around, layer, below != nullptr ? static_cast<SwSubTarget&>(*below) : m_basic);
     }
     m_layers.Drop();
 }
 
-void SwRenderTarget::DrawLayer(SwLayerSubTarget& layer, SwSubTarget& target) {
+void SwRenderTarget::DrawLayer(const GraphicsState& state, SwLayerSubTarget& layer, SwSubTarget& target) {
     const ArenaScope scope(m_arena);
-    CheckMasks(target.State());
+    state.CheckMasks();
     const IntRect visible = Visible(target, layer.Touched());
     if (IsEmpty(visible)) {
         return;
@@ -405,7 +386,7 @@ void SwRenderTarget::DrawLayer(SwLayerSubTarget& layer, SwSubTarget& target) {
     shape.planeOrigin = result.origin;
     const SwTargetPlanes planes = target.Planes(visible);
     SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, visible);
-    AssemblePipeLine(pipeLine, m_arena, target.State(), visible, &shape);
+    AssemblePipeLine(pipeLine, m_arena, state, target.Clips().Current().get(), visible, &shape);
     SwPlaneColorSource source(result, layer.Opacity());
     pipeLine.SetColorSource(source);
     // Nothing fails from here on: the group's colours are rewritten in place.
@@ -413,23 +394,21 @@ void SwRenderTarget::DrawLayer(SwLayerSubTarget& layer, SwSubTarget& target) {
     pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
 }
 
-void SwRenderTarget::InvertRect(const Rect& rect) {
+void SwRenderTarget::InvertRect(const Matrix& transform, const Rect& rect) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
-    const Shape& shape = Resolve({nullptr, &figure});
-    const Matrix transform = State().transform;
+    const Shape& shape = m_shape.Of({nullptr, &figure});
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
     if (IsEmpty(visible)) {
         return;
     }
     const SwTargetPlanes planes = Current().Planes(visible);
-    SwInverter inverter(planes, visible, State().clip.get());
+    SwInverter inverter(planes, visible, Current().Clips().Current().get());
     m_rasterizer.Begin(ToRect(m_area), visible, true);
     FeedFill(shape, transform, m_rasterizer);
     m_rasterizer.Finish(inverter);
 }
 
-void SwRenderTarget::InvertLine(const Point& from, const Point& to) {
-    const Matrix transform = State().transform;
+void SwRenderTarget::InvertLine(const Matrix& transform, const Point& from, const Point& to) {
     const Point a = Map(transform, from);
     const Point b = Map(transform, to);
     const IntRect visible = Visible(PixelInverter::LineBox(a, b));
@@ -437,7 +416,7 @@ void SwRenderTarget::InvertLine(const Point& from, const Point& to) {
         return;
     }
     const SwTargetPlanes planes = Current().Planes(visible);
-    SwInverter(planes, visible, State().clip.get()).Line(a, b);
+    SwInverter(planes, visible, Current().Clips().Current().get()).Line(a, b);
 }
 
 } // namespace Graphics

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SwSubTarget.h"
 
-#include "../Exception.h"
-
 namespace Graphics {
 
 namespace {
@@ -12,23 +10,9 @@ constexpr ptrdiff_t kMostGap = 64;
 
 } // namespace
 
-void SwSubTarget::PushState() { m_states.push_back(SwState(m_states.back())); }
-
-void SwSubTarget::PopState() {
-    if (m_states.size() < 2) {
-        GX_RAISE("Graphics::SwSubTarget::PopState", "State stack is empty");
-    }
-    m_states.pop_back();
-}
-
-void SwSubTarget::Reset(const IntRect& bounds, const SwState& state) {
-    m_bounds = bounds;
-    m_states.clear();
-    m_states.push_back(state);
-}
-
-void SwBasicSubTarget::Open(const PixelView& pixels, const SwState& state) {
-    Reset({0, 0, pixels.width, pixels.height}, state);
+void SwBasicSubTarget::Open(const PixelView& pixels) noexcept {
+    m_bounds = {0, 0, pixels.width, pixels.height};
+    m_clips.Clear();
     m_planes = {};
     m_isOpaque = pixels.format == GXPixelFormatBGRX32;
     m_opaqueRegion = {0, 0, 0, 0};

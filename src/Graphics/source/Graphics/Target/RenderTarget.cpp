@@ -37,32 +37,9 @@ std::shared_ptr<RenderTarget> RenderTarget::ForPrinter(void* dc) {
     return std::make_shared<RenderTarget>(CreatePrinterTarget(dc));
 }
 
-RenderTargetBase& RenderTarget::Painting() {
-    if (!m_painting) {
-        GX_RAISE("Graphics::RenderTarget::Painting", "Painting has not begun");
-    }
-    return *m_backEnd;
-}
+void RenderTarget::RaiseNotPainting() { GX_RAISE("Graphics::RenderTarget::Painting", "Painting has not begun"); }
 
-void RenderTarget::BeginPaint() {
-    if (m_painting) {
-        GX_RAISE("Graphics::RenderTarget::BeginPaint", "Painting has already begun");
-    }
-    m_backEnd->BeginPaint();
-    m_painting = true;
-}
-
-void RenderTarget::EndPaint() {
-    if (!m_painting) {
-        GX_RAISE("Graphics::RenderTarget::EndPaint", "Painting has not begun");
-    }
-    m_painting = false;
-    m_backEnd->EndPaint();
-}
-
-void RenderTarget::ConcatTransform(const Matrix& m) { m_backEnd->SetTransform(Concat(m, m_backEnd->GetTransform())); }
-
-void RenderTarget::RotateTransform(float angle) {
+void RenderTarget::RotateTransform(float angle) noexcept {
     constexpr float kFullTurn = 6.2831855F;
     if (angle >= kFullTurn) {
         angle = std::fmod(angle, kFullTurn);
@@ -74,20 +51,85 @@ void RenderTarget::RotateTransform(float angle) {
     ConcatTransform({cosine, sine, -sine, cosine, 0.0F, 0.0F});
 }
 
+SoftMask RenderTarget::MakeMask(uint32_t type, std::shared_ptr<const Brush> brush) const {
+    return {brush == nullptr ? nullptr : m_backEnd->KeepMask(std::move(brush)), type, GetTransform()};
+}
+
+void RenderTarget::SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) {
+    m_states.Current().opacityMask = MakeMask(type, std::move(brush));
+}
+
+void RenderTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) {
+    m_states.Current().shapeMask = MakeMask(type, std::move(brush));
+}
+
+void RenderTarget::BeginPaint() {
+    if (m_painting) {
+        GX_RAISE("Graphics::RenderTarget::BeginPaint", "Painting has already begun");
+    }
+    m_backEnd->BeginPaint();
+    m_painting = true;
+}
+
+void RenderTarget::EndPaint() {
+    RenderTargetBase& target = Painting();
+    m_painting = false;
+    while (m_states.HasLayers()) {
+        try {
+            target.EndLayer(m_states.AroundLayer());
+        } catch (const std::exception&) {
+            target.DropLayer();
+        }
+        m_states.CloseLayer();
+    }
+    m_states.Reset();
+    target.EndPaint();
+}
+
+void RenderTarget::PushState() {
+    RenderTargetBase& target = Painting();
+    m_states.Reserve();
+    target.PushState();
+    m_states.Push();
+}
+
+void RenderTarget::PopState() {
+    RenderTargetBase& target = Painting();
+    if (m_states.IsAtStart()) {
+        GX_RAISE("Graphics::RenderTarget::PopState", "State stack is empty");
+    }
+    m_states.Pop();
+    target.PopState();
+}
+
+void RenderTarget::BeginLayer(const GXLayerDesc& desc) {
+    RenderTargetBase& target = Painting();
+    m_states.Reserve();
+    target.BeginLayer(m_states.Current(), desc);
+    m_states.OpenLayer();
+}
+
+void RenderTarget::EndLayer() {
+    RenderTargetBase& target = Painting();
+    if (!m_states.HasLayers()) {
+        GX_RAISE("Graphics::RenderTarget::EndLayer", "No layer is open");
+    }
+    target.EndLayer(m_states.AroundLayer());
+    m_states.CloseLayer();
+}
+
 void RenderTarget::FillText(const Font& font, const uint16_t* text, const Brush& brush) {
     struct Restore {
-        RenderTargetBase& target;
+        RenderTarget& target;
         const Matrix transform;
         ~Restore() { target.SetTransform(transform); }
     };
+    const Restore restore{*this, GetTransform()};
     RenderTargetBase& target = Painting();
-    const Restore restore{target, target.GetTransform()};
-    Matrix transform = restore.transform;
     for (; *text != 0; ++text) {
         const FontGlyph& glyph = font.Glyph(*text);
-        target.Fill({&glyph.shape, nullptr}, brush, true);
-        transform = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, transform);
-        target.SetTransform(transform);
+        target.Fill(m_states.Current(), {&glyph.shape, nullptr}, brush, true);
+        ConcatTransform({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY});
     }
 }
 
@@ -96,7 +138,7 @@ void RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, 
     if (style.dashCount != 0) {
         const DashSequence refusesBadPatterns(style);
     }
-    target.Stroke(path, brush, width, style);
+    target.Stroke(m_states.Current(), path, brush, width, style);
 }
 
 void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {
@@ -105,7 +147,7 @@ void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {
         return;
     }
     const BasicFigure figure(kind, rect);
-    target.Clip({nullptr, &figure});
+    target.Clip(m_states.Current(), {nullptr, &figure});
 }
 
 } // namespace Graphics
