@@ -18,7 +18,7 @@ constexpr int32_t kSide = kCells * kCell;
 
 void FillRect(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 /// Cells of random colours, each one draw; alpha from `leastAlpha` up.
@@ -155,7 +155,7 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
                     } else if (mask == 2) {
                         t.SetOpacityMask(GXMaskTypeInverseLuminosity, CellBrush(9, false));
                     } else if (mask == 3) {
-                        t.Clip({nullptr, &clip});
+                        t.Clip(clip);
                     }
                     FillRect(t, {12, 12, kSide - 20, kSide - 12}, *CellBrush(8, false));
                     t.EndLayer();
@@ -187,18 +187,18 @@ TEST_F(HardwareTest, GroupsInGroupsAndClears) {
                 const SolidBrush blue({0, 0.2F, 1, 1});
                 const BasicFigure first(BasicFigure::Kind::Ellipse, {4, 4, 60, 70});
                 const BasicFigure second(BasicFigure::Kind::Ellipse, {30, 20, 92, 80});
-                t.Fill({nullptr, &first}, red, false);
+                t.Fill(first, red);
                 layer.opacity = 1.0F;
                 layer.isolated = (inner & 1) != 0;
                 layer.knockout = (inner & 2) != 0;
                 t.BeginLayer(layer);
-                t.Fill({nullptr, &second}, green, false);
+                t.Fill(second, green);
                 FillRect(t, {40, 30, 70, 60}, blue);
                 FillRect(t, {50, 10, 60, 90}, red);
                 t.EndLayer();
                 t.PushState();
                 const BasicFigure hole(BasicFigure::Kind::Ellipse, {70, 70, 90, 90});
-                t.Clip({nullptr, &hole});
+                t.Clip(hole);
                 t.Clear(0x80204060U);
                 t.PopState();
                 t.EndLayer();

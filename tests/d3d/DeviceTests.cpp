@@ -22,7 +22,7 @@ constexpr int32_t kSide = 64;
 
 void FillRect(RenderTarget& t, const Rect& r, const Color& color) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-    t.Fill({nullptr, &figure}, SolidBrush(color), false);
+    t.Fill(figure, SolidBrush(color));
 }
 
 [[nodiscard]] std::shared_ptr<Bitmap> Blank(int32_t width, int32_t height, uint8_t value) {
@@ -103,9 +103,9 @@ TEST_F(HardwareTest, DrawsUnderDifferentClipsAreOneCall) {
             const auto y = static_cast<float>(i / 8 * 40);
             const BasicFigure clip(i % 2 == 0 ? BasicFigure::Kind::Ellipse : BasicFigure::Kind::Rectangle,
                                    {x, y, x + 28, y + 37});
-            t.Clip({nullptr, &clip});
+            t.Clip(clip);
             const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {x + 2, y - 8, x + 20, y + 50});
-            t.Fill({nullptr, &ellipse}, SolidBrush({0.1F, 0.02F * static_cast<float>(i), 0.9F, 0.7F}), false);
+            t.Fill(ellipse, SolidBrush({0.1F, 0.02F * static_cast<float>(i), 0.9F, 0.7F}));
             FillRect(t, {x - 10, y + 5, x + 90, y + 15}, {0.8F, 0.2F, 0.1F, 0.5F});
             t.PopState();
         }
@@ -248,7 +248,7 @@ TEST_F(HardwareTest, APaintThatLosesTheDeviceLeavesACleanState) {
         target.SetTransform({2, 0, 0, 2, 5, 5});
         target.SetBlendMode(GXBlendModeMultiply);
         target.SetOpacityMask(GXMaskTypeAlpha, std::make_shared<SolidBrush>(Color{1, 1, 1, 0.25F}));
-        target.Clip({nullptr, &small});
+        target.Clip(small);
         GXLayerDesc layer{};
         layer.opacity = 1.0F;
         layer.knockout = 1;

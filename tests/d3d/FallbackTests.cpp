@@ -14,7 +14,7 @@ constexpr int32_t kSide = 256;
 void Fill(RenderTarget& t, BasicFigure::Kind kind, const Rect& r, const Color& color, uint32_t mode) {
     const BasicFigure figure(kind, r);
     t.SetBlendMode(mode);
-    t.Fill({nullptr, &figure}, SolidBrush(color), false);
+    t.Fill(figure, SolidBrush(color));
 }
 
 constexpr auto kRectangle = BasicFigure::Kind::Rectangle;
@@ -59,7 +59,7 @@ TEST_F(FallbackTest, DrawsShareWhatWasRead) {
 
     const D3D11Counters outside = Cost([](RenderTarget& t) {
         const BasicFigure clip(kRectangle, {100, 100, 120, 120});
-        t.Clip({nullptr, &clip});
+        t.Clip(clip);
         Fill(t, kEllipse, {20, 30, 84, 62}, kOrange, GXBlendModeHue);
     });
     EXPECT_EQ(outside.readbacks + outside.fallbackDraws + outside.sends, 0U);
@@ -229,7 +229,7 @@ TEST_F(FallbackTest, RandomPagesAreTheSoftwares) {
                 case 2: {
                     t.PushState();
                     const BasicFigure clip(random() % 2 == 0 ? kRectangle : kEllipse, box());
-                    t.Clip({nullptr, &clip});
+                    t.Clip(clip);
                     t.Clear(random() | 0x40000000U);
                     t.PopState();
                     break;

@@ -16,7 +16,7 @@ constexpr int32_t kSide = 96;
 
 void FillEllipse(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Ellipse, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 [[nodiscard]] std::shared_ptr<Bitmap> Noise(int32_t width, int32_t height) {
@@ -47,7 +47,7 @@ TEST_F(HardwareTest, DrawsWithoutAShaderAreTheSameDraws) {
         }
         t.PushState();
         const BasicFigure clip(BasicFigure::Kind::Ellipse, {10, 5, 90, 70});
-        t.Clip({nullptr, &clip});
+        t.Clip(clip);
         auto gradient = std::make_shared<LinearGradient>();
         gradient->end = {90, 40};
         const GradientStop stops[] = {{0.0F, 0x80FF0000U}, {0.5F, 0xFF00FF00U}, {1.0F, 0x200000FFU}};

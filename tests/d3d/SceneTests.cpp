@@ -16,14 +16,14 @@ constexpr int32_t kSide = 128;
 
 void FillRect(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 [[nodiscard]] SolidBrush Solid(float r, float g, float b, float a = 1.0F) { return SolidBrush({r, g, b, a}); }
 
 void FillEllipse(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Ellipse, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 /// The agreed bound for whole scenes.
@@ -101,11 +101,11 @@ TEST_F(HardwareTest, PathsStrokesAndClips) {
                                  t.Clear(0xFFFFFFFFU);
                                  const std::shared_ptr<const Shape> star = Star(scale, rule);
                                  t.SetTransform({0.98F, 0.1F, -0.1F, 0.98F, 30.0F, 5.0F});
-                                 t.Fill({&star, nullptr}, Solid(0.1F, 0.2F, 0.6F, 0.8F), false);
+                                 t.Fill(star, Solid(0.1F, 0.2F, 0.6F, 0.8F));
                                  StrokeStyle style;
-                                 t.Stroke({&star, nullptr}, Solid(0.9F, 0.1F, 0.1F), 2.5F, style);
+                                 t.Stroke(star, Solid(0.9F, 0.1F, 0.1F), 2.5F, style);
                                  t.PushState();
-                                 t.Clip({&star, nullptr});
+                                 t.Clip(star);
                                  FillEllipse(t, {0, 0, scale, scale * 0.7F}, Solid(0, 0.7F, 0));
                                  FillRect(t, {0, 0, scale, scale * 0.2F}, Solid(0.7F, 0.7F, 0));
                                  t.PopState();
@@ -127,7 +127,7 @@ TEST_F(HardwareTest, SlopesOfBandsHaveTheSoftwaresCoverage) {
         const std::shared_ptr<const Shape> path = shape;
         const Difference d = Both(400, 128, [&](RenderTarget& t) {
             t.SetStrokeAdjustment(false);
-            t.Fill({&path, nullptr}, Solid(1, 1, 1), false);
+            t.Fill(path, Solid(1, 1, 1));
         });
         // The software's edges lie on eighths of a pixel, which is half of this.
         EXPECT_LE(d.largest, 20) << "slope " << slope << " at " << d.x << " " << d.y;

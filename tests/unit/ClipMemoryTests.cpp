@@ -30,7 +30,7 @@ protected:
     }
     void Clip(BasicFigure::Kind kind, const Rect& r) const {
         const BasicFigure figure(kind, r);
-        m_target->Clip({nullptr, &figure});
+        m_target->Clip(figure);
     }
     void Pop(int count) const {
         for (int i = 0; i < count; ++i) {

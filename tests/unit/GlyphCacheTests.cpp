@@ -111,7 +111,7 @@ public:
     [[nodiscard]] RenderTarget& Target() { return *m_target; }
     void Fill(const Geometry& glyph, const Matrix& m, const Brush& brush, bool text = true) {
         Target().SetTransform(m);
-        Target().Fill({&glyph.SharedShape(), nullptr}, brush, text);
+        Target().Fill(text ? Path::Outline(glyph.SharedShape()) : Path(glyph.SharedShape()), brush);
     }
     /// What a cold start finds.
     void Forget() {
@@ -163,7 +163,7 @@ TEST(GlyphCache, WarmAndColdDrawTheSameBytes) {
             RenderTarget& t = page->Target();
             t.SetTransform({1, 0, 0, 1, 10, 110});
             if (form == 1) {
-                t.Clip({&clip->SharedShape(), nullptr});
+                t.Clip(clip->SharedShape());
             } else if (form == 2) {
                 t.SetBlendMode(GXBlendModeMultiply);
             } else if (form == 3) {

@@ -33,7 +33,7 @@ struct Canvas {
     [[nodiscard]] RenderTarget& Calls() const { return *target; }
     void Fill(const Rect& r, const Color& color) const {
         const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-        Calls().Fill({nullptr, &figure}, SolidBrush(color), false);
+        Calls().Fill(figure, SolidBrush(color));
     }
     void Open(int kind) const { // 0 to 3
         Calls().BeginLayer({{0, 0, 0, 0}, 1.0F, static_cast<uint8_t>(kind & 1), static_cast<uint8_t>(kind >> 1)});
@@ -243,12 +243,12 @@ TEST(OpaqueTarget, FourthBytesAreTouchedWhereSomethingIsDrawn) {
         EXPECT_EQ(CountedKernels::s_setOpaque, 0U) << "an empty bracket costs nothing for its pixels";
         const BasicFigure figure(BasicFigure::Kind::Rectangle, {2, 2, 12, 12});
         const SolidBrush half({1, 0, 0, 0.5F});
-        target->Fill({nullptr, &figure}, half, false);
+        target->Fill(figure, half);
         EXPECT_EQ(CountedKernels::s_setOpaque, 100U);
         // Once they are known to be 255, drawing costs what it costs on any target.
         target->Clear(0xFFFFFFFFU);
         for (int i = 0; i < 10; ++i) {
-            target->Fill({nullptr, &figure}, half, false);
+            target->Fill(figure, half);
         }
         EXPECT_EQ(CountedKernels::s_setOpaque, 100U);
         target->EndPaint();

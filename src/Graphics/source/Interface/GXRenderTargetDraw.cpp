@@ -29,25 +29,11 @@ template <class Work, class... Pointers>
 
 [[nodiscard]] GXResult FillFigure(GXRenderTarget handle, Kind kind, const GXRect* rect, GXBrush brush) noexcept {
     return Draw(
-        handle,
-        [&](RenderTarget& t) {
-            const BasicFigure figure(kind, *rect);
-            t.Fill({nullptr, &figure}, *brush->object, false);
-        },
-        rect, brush);
+        handle, [&](RenderTarget& t) { t.Fill(BasicFigure(kind, *rect), *brush->object); }, rect, brush);
 }
 
-[[nodiscard]] GXResult FillShape(GXRenderTarget handle, GXGeometry geometry, GXBrush brush, bool text) noexcept {
-    return Draw(
-        handle,
-        [&](RenderTarget& t) {
-            t.Fill({&geometry->object->SharedShape(), nullptr}, *brush->object, text);
-        },
-        geometry, brush);
-}
-
-/// `path` null: nothing but the checks. Negative and NaN widths are refused.
-[[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const PathRef& path, GXBrush brush, float width,
+/// Negative and NaN widths are refused.
+[[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const Path& path, GXBrush brush, float width,
                                   const GXStrokeStyle* style) noexcept {
     if (AnyNull(handle, brush) || !(width >= 0.0F)) {
         return GXResultInvalidArgument;
@@ -57,25 +43,23 @@ template <class Work, class... Pointers>
 
 [[nodiscard]] GXResult StrokeFigure(GXRenderTarget handle, Kind kind, const GXRect& rect, GXBrush brush, float width,
                                     const GXStrokeStyle* style) noexcept {
-    const BasicFigure figure(kind, rect);
-    return StrokePath(handle, {nullptr, &figure}, brush, width, style);
+    return StrokePath(handle, BasicFigure(kind, rect), brush, width, style);
 }
 
 [[nodiscard]] GXResult ClipFigure(GXRenderTarget handle, Kind kind, const GXRect* rect) noexcept {
     if (AnyNull(handle, rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { handle->object->ClipFigure(kind, *rect); });
-}
-
-[[nodiscard]] GXRect PlacedSize(const Bitmap& bitmap, float x, float y) noexcept {
-    const Size size = bitmap.GetSize();
-    return {x, y, x + static_cast<float>(size.width), y + static_cast<float>(size.height)};
+    return Guard([&] { handle->object->ClipFigure({kind, *rect}); });
 }
 
 [[nodiscard]] GXIntRect WholeOf(const Bitmap& bitmap) noexcept {
     const Size size = bitmap.GetSize();
     return {0, 0, static_cast<int32_t>(size.width), static_cast<int32_t>(size.height)};
+}
+
+[[nodiscard]] GXRect PlacedAt(const GXIntRect& whole, float x, float y) noexcept {
+    return {x, y, x + static_cast<float>(whole.right), y + static_cast<float>(whole.bottom)};
 }
 
 } // namespace
@@ -85,11 +69,15 @@ GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) noexcep
 }
 
 GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
-    return FillShape(renderTarget, geometry, brush, false);
+    return Draw(
+        renderTarget, [&](RenderTarget& t) { t.Fill(geometry->object->SharedShape(), *brush->object); }, geometry,
+        brush);
 }
 
 GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
-    return FillShape(renderTarget, geometry, brush, true);
+    return Draw(
+        renderTarget, [&](RenderTarget& t) { t.Fill(Path::Outline(geometry->object->SharedShape()), *brush->object); },
+        geometry, brush);
 }
 
 GXResult GXRenderTargetFillRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush) noexcept {
@@ -105,7 +93,7 @@ GXResult GXRenderTargetStrokeGeometry(GXRenderTarget renderTarget, GXGeometry ge
     if (AnyNull(renderTarget, geometry)) {
         return GXResultInvalidArgument;
     }
-    return StrokePath(renderTarget, {&geometry->object->SharedShape(), nullptr}, brush, width, style);
+    return StrokePath(renderTarget, geometry->object->SharedShape(), brush, width, style);
 }
 
 GXResult GXRenderTargetStrokeLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2,
@@ -134,11 +122,7 @@ GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* 
 
 GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) noexcept {
     return Draw(
-        renderTarget,
-        [&](RenderTarget& t) {
-            t.Clip({&geometry->object->SharedShape(), nullptr});
-        },
-        geometry);
+        renderTarget, [&](RenderTarget& t) { t.Clip(geometry->object->SharedShape()); }, geometry);
 }
 
 GXResult GXRenderTargetClipRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
@@ -156,7 +140,8 @@ GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, 
         [&](RenderTarget& t) {
             const Bitmap& b = *bitmap->object;
             const GXPoint at = origin == nullptr ? GXPoint{0.0F, 0.0F} : *origin;
-            t.DrawBitmap(b, WholeOf(b), PlacedSize(b, at.x, at.y), opacity, interpolation);
+            const GXIntRect whole = WholeOf(b);
+            t.DrawBitmap(b, whole, PlacedAt(whole, at.x, at.y), opacity, interpolation);
         },
         bitmap);
 }
@@ -197,7 +182,7 @@ GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBr
         renderTarget,
         [&](RenderTarget& t) {
             const Bitmap& m = *mask->object;
-            t.FillMask(m, *brush->object, destination == nullptr ? PlacedSize(m, 0.0F, 0.0F) : *destination,
+            t.FillMask(m, *brush->object, destination == nullptr ? PlacedAt(WholeOf(m), 0.0F, 0.0F) : *destination,
                        interpolation);
         },
         mask, brush);

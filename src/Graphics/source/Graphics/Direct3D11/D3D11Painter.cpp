@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "../Software/SwBitmapColorSource.h"
 #include "../Software/SwClear.h"
 #include "../Software/SwOpacity.h"
 #include "../Software/SwPlaneColorSource.h"
@@ -61,10 +62,11 @@ void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D
         if (!mask.IsSet()) {
             return;
         }
-        D3D11Paint values = m_maker.FromBrush(call.context, *mask.brush, mask.transform, call.visible);
+        const Ink ink = InkOf(*mask.brush);
+        D3D11Paint values = m_maker.From(call.context, ink, mask.transform, call.visible);
         if (values.texture != nullptr && !IsWhite(values.color)) {
             // An opacity of the mask's brush comes before the rule that makes values of colours.
-            values = m_maker.FromBrushInSoftware(call.context, *mask.brush, mask.transform, call.visible);
+            values = m_maker.FromSource(call.context, m_maker.Source(ink, mask.transform, call.visible), call.visible);
         }
         AddMask(state, values, mask.type, ofShape);
     };
@@ -185,24 +187,42 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
     D3D11MeshSink(Begin(call, paint, std::move(state), r), r).Rectangle(r.left, r.top, r.right, r.bottom);
 }
 
-bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source) {
-    const GraphicsState& state = call.state;
-    const D3D11SubTarget::Way way = call.target.WayOf(call.context, state.blendMode, call.visible);
-    const bool depends = way == D3D11SubTarget::Way::CardIfOpaque || way == D3D11SubTarget::Way::CardIfKnown;
-    if (!depends || state.opacityMask.IsSet()) {
-        return way != D3D11SubTarget::Way::Card;
+D3D11Painter::Route D3D11Painter::RouteOf(const Call& call, const Colors& colors) {
+    using Way = D3D11SubTarget::Way;
+    const Way way = call.target.WayOf(call.context, call.state.blendMode, call.visible);
+    bool inSoftware = way != Way::Card;
+    SwColorSource* source = nullptr;
+    if ((way == Way::CardIfOpaque || way == Way::CardIfKnown) && !call.state.opacityMask.IsSet()) {
+        source = &m_maker.Source(colors.ink, colors.transform, call.visible);
+        uint32_t word = 0;
+        inSoftware = !IsOpaque(*source) && (way == Way::CardIfOpaque || !source->IsSolid(word));
     }
-    source = &m_maker.Source(ink, call.visible);
-    uint32_t word = 0;
-    return !IsOpaque(*source) && (way == D3D11SubTarget::Way::CardIfOpaque || !source->IsSolid(word));
+    const bool hasMask = colors.mask != nullptr;
+    if (inSoftware) {
+        SoftwareRoute route{source, {}, hasMask};
+        if (source == nullptr) {
+            route.source = &m_maker.Source(colors.ink, colors.transform, call.visible);
+        }
+        if (hasMask) {
+            route.mask.source = CreateBitmapSource(m_arena, colors.mask->Place(colors.transform, true));
+            route.mask.type = GXMaskTypeAlpha;
+        }
+        return route;
+    }
+    CardRoute route{m_maker.From(call.context, colors.ink, colors.transform, call.visible), {}, hasMask};
+    if (hasMask) {
+        route.mask.paint = m_maker.FromImage(call.context, colors.mask->Place(colors.transform, true), call.visible);
+    }
+    return route;
 }
 
-void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask) {
+void D3D11Painter::DrawAll(const Call& call, const Colors& colors) {
     const IntRect& r = call.visible;
-    Draw(call, ink, mask, Whole(r));
+    Draw(call, colors, Whole(r));
     // Gradients are seldom opaque and costly to ask.
-    if (call.target.IsLayer() && mask == nullptr && (ink.image != nullptr || ink.brush->Kind() != kBrushGradient) &&
-        !call.state.HasMasks() && !IsMasked(call.Clip().get()) && IsOpaque(m_maker.Source(ink, r))) {
+    if (call.target.IsLayer() && colors.mask == nullptr && !std::holds_alternative<GradientInk>(colors.ink) &&
+        !call.state.HasMasks() && !IsMasked(call.Clip().get()) &&
+        IsOpaque(m_maker.Source(colors.ink, colors.transform, r))) {
         call.target.NoteOpaque(r, true);
     }
 }

@@ -3,11 +3,8 @@
 
 #include <algorithm>
 
-#include "../Bitmaps/Bitmap.h"
-#include "../Bitmaps/PixelTransfer.h"
 #include "../Exception.h"
 #include "../Geometry/DeviceFeed.h"
-#include "../Paint/Gradient.h"
 #include "../Scan/DeviceFigures.h"
 #include "../Software/SwPixelMath.h"
 
@@ -137,79 +134,79 @@ D3D11Painter::Call D3D11RenderTarget::CallFor(const GraphicsState& state, const 
     return call;
 }
 
-void D3D11RenderTarget::FillPath(const GraphicsState& state, const PathRef& path, bool snap, const D3D11Ink& ink,
-                                 const D3D11Image* mask) {
-    IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(*path.figure, state.transform, m_area, pixels)) {
-        state.CheckMasks();
-        const IntRect visible = Visible(pixels);
-        if (!IsEmpty(visible)) {
-            m_painter.DrawAll(CallFor(Current(), state, visible), ink, mask);
+void D3D11RenderTarget::Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) {
+    Run(true, [&] {
+        const Colors colors{ink, state.transform, mask};
+        const auto paintAll = [&](const IntRect& pixels) {
+            if (const IntRect visible = Visible(pixels); !IsEmpty(visible)) {
+                m_painter.DrawAll(CallFor(Current(), state, visible), colors);
+            }
+        };
+        switch (path.GetKind()) {
+        case Path::Kind::Figure:
+            if (IntRect pixels; state.strokeAdjustment && SnapFigure(path.Figure(), state.transform, m_area, pixels)) {
+                paintAll(pixels);
+                break;
+            }
+            [[fallthrough]];
+        case Path::Kind::Shape:
+            PaintShape(state, colors, m_shape.Of(path), state.strokeAdjustment);
+            break;
+        case Path::Kind::Outline:
+            PaintOutline(state, colors, **path.Stored());
+            break;
+        case Path::Kind::Glyphs:
+            path.Glyphs().ForEach(state.transform, [&](const Path::SharedShape& outline, const Matrix& m) {
+                const ArenaScope scope(m_arena); // a text may be long
+                PaintOutline(state, {ink, m, mask}, *outline);
+            });
+            break;
+        case Path::Kind::Plane:
+            paintAll(m_area);
+            break;
         }
-        return;
-    }
-    const Matrix transform = state.transform;
-    const Shape& shape = m_shape.Of(path);
-    if (shape.Empty()) {
-        return;
-    }
-    state.CheckMasks();
-    const IntRect box = RoundOut(DeviceBox(shape, transform, 0.0F));
+    });
+}
+
+void D3D11RenderTarget::PaintShape(const GraphicsState& state, const Colors& colors, const Shape& shape, bool snap) {
+    const IntRect box = RoundOut(DeviceBox(shape, colors.transform, 0.0F));
     const IntRect visible = Visible(box);
     if (IsEmpty(visible)) {
         return;
     }
-    m_painter.Draw(CallFor(state, visible, box), ink, mask, [&](RasterizationSink& sink) {
+    m_painter.Draw(CallFor(state, visible, box), colors, [&](RasterizationSink& sink) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
-        FeedFill(shape, transform, m_rasterizer);
+        FeedFill(shape, colors.transform, m_rasterizer);
         m_rasterizer.Finish(sink);
     });
 }
 
-bool D3D11RenderTarget::FillGlyph(const GraphicsState& state, const Shape& shape, const Brush& brush) {
-    if (shape.Empty()) {
-        return true;
-    }
-    state.CheckMasks();
+void D3D11RenderTarget::PaintOutline(const GraphicsState& state, const Colors& colors, const Shape& outline) {
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
     }
     SwGlyph glyph;
-    if (!m_glyphs->Place(shape, state.transform, m_rasterizer, glyph)) {
-        return false;
+    if (!m_glyphs->Place(outline, colors.transform, m_rasterizer, glyph)) {
+        PaintShape(state, colors, outline, false);
+        return;
     }
     const IntRect visible = Visible(glyph.Box());
-    if (IsEmpty(visible)) {
-        return true;
+    if (!IsEmpty(visible)) {
+        m_painter.Draw(CallFor(Current(), state, visible), colors,
+                       [&](RasterizationSink& sink) { glyph.Send(visible, m_arena, sink); });
     }
-    m_painter.Draw(CallFor(Current(), state, visible), InkOf(state, brush), nullptr,
-                   [&](RasterizationSink& sink) { glyph.Send(visible, m_arena, sink); });
-    return true;
 }
 
-void D3D11RenderTarget::Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) {
-    Run(true, [&] {
-        if (text && path.shape != nullptr && FillGlyph(state, **path.shape, brush)) {
-            return;
-        }
-        FillPath(state, path, state.strokeAdjustment && !text, InkOf(state, brush), nullptr);
-    });
-}
-
-void D3D11RenderTarget::Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+void D3D11RenderTarget::Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
                                const StrokeStyle& style) {
     Run(true, [&] {
         const Shape& shape = m_shape.Of(path);
-        if (shape.Empty()) {
-            return;
-        }
-        state.CheckMasks();
         const IntRect box = StrokeBox(shape, state.transform, width, style);
         const IntRect visible = Visible(box);
         if (IsEmpty(visible)) {
             return;
         }
-        m_painter.Draw(CallFor(state, visible, box), InkOf(state, brush), nullptr, [&](RasterizationSink& sink) {
+        m_painter.Draw(CallFor(state, visible, box), {ink, state.transform, nullptr}, [&](RasterizationSink& sink) {
             RasterizeStroke(m_rasterizer, shape, state.transform, style, width, state.strokeAdjustment, m_pen, m_area,
                             visible);
             m_rasterizer.Finish(sink);
@@ -217,60 +214,12 @@ void D3D11RenderTarget::Stroke(const GraphicsState& state, const PathRef& path, 
     });
 }
 
-void D3D11RenderTarget::Clip(const GraphicsState& state, const PathRef& path) {
+void D3D11RenderTarget::Clip(const GraphicsState& state, const Path& path) {
     SwClipStack& clips = Current().Clips();
     const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     clips.Set(m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, clips.Current(),
                            state.strokeAdjustment));
-}
-
-void D3D11RenderTarget::DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source,
-                                   const Rect& destination, float opacity, uint32_t interpolation) {
-    const PixelView whole = bitmap.View();
-    const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
-    if (IsEmpty(part)) {
-        return;
-    }
-    Run(true, [&] {
-        D3D11Image image;
-        image.view = PixelTransfer::Part(whole, part);
-        image.derived = part == IntRect{0, 0, whole.width, whole.height} ? bitmap.DerivedToKeep() : nullptr;
-        image.interpolation = interpolation;
-        image.opacity = opacity;
-        image.toDevice = Concat(PlaceImage(part, source, destination), state.transform);
-        const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath(state, {nullptr, &figure}, state.strokeAdjustment, {nullptr, kIdentity, &image}, nullptr);
-    });
-}
-
-void D3D11RenderTarget::FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush,
-                                 const Rect& destination, uint32_t interpolation) {
-    Run(true, [&] {
-        D3D11Image image;
-        image.view = mask.View();
-        image.derived = mask.DerivedToKeep();
-        image.interpolation = interpolation;
-        const IntRect whole{0, 0, image.view.width, image.view.height};
-        image.toDevice = Concat(PlaceImage(whole, whole, destination), state.transform);
-        image.asMask = true;
-        const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath(state, {nullptr, &figure}, state.strokeAdjustment, InkOf(state, brush), &image);
-    });
-}
-
-void D3D11RenderTarget::DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient,
-                                     float opacity, const Matrix& m) {
-    GradientBrush brush(std::move(gradient));
-    brush.opacity = opacity;
-    brush.transform = m;
-    Run(true, [&] {
-        state.CheckMasks();
-        const IntRect visible = Visible(m_area);
-        if (!IsEmpty(visible)) {
-            m_painter.DrawAll(CallFor(Current(), state, visible), InkOf(state, brush), nullptr);
-        }
-    });
 }
 
 void D3D11RenderTarget::Clear(uint32_t argb) {
@@ -312,30 +261,13 @@ void D3D11RenderTarget::DrawLayer(const GraphicsState& around) {
     }
 }
 
-void D3D11RenderTarget::InvertRect(const Matrix& transform, const Rect& rect) {
-    const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
+void D3D11RenderTarget::Invert(const Matrix& transform, const BasicFigure& figure) {
     Run(true, [&] {
-        const Shape& shape = m_shape.Of({nullptr, &figure});
-        const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
-        if (IsEmpty(visible)) {
-            return;
-        }
-        m_painter.Invert(CallFor(Current(), kPlainState, visible), [&](PixelInverter& inverter) {
-            m_rasterizer.Begin(ToRect(m_area), visible, true);
-            FeedFill(shape, transform, m_rasterizer);
-            m_rasterizer.Finish(inverter);
-        });
-    });
-}
-
-void D3D11RenderTarget::InvertLine(const Matrix& transform, const Point& from, const Point& to) {
-    Run(true, [&] {
-        const Point a = Map(transform, from);
-        const Point b = Map(transform, to);
-        const IntRect visible = Visible(PixelInverter::LineBox(a, b));
+        const Inversion inversion(transform, figure, m_shape);
+        const IntRect visible = Visible(inversion.Box());
         if (!IsEmpty(visible)) {
             m_painter.Invert(CallFor(Current(), kPlainState, visible),
-                             [&](PixelInverter& inverter) { inverter.Line(a, b); });
+                             [&](PixelInverter& inverter) { inversion.Send(inverter, m_rasterizer, m_area, visible); });
         }
     });
 }

@@ -36,18 +36,11 @@ public:
     void DropLayer() noexcept override { m_layers.pop_back(); }
 
     void Clear(uint32_t argb) override;
-    void Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) override;
-    void Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override;
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
                 const StrokeStyle& style) override;
-    void Clip(const GraphicsState& state, const PathRef& path) override;
-    void DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source, const Rect& destination,
-                    float opacity, uint32_t interpolation) override;
-    void FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush, const Rect& destination,
-                  uint32_t interpolation) override;
-    void DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
-                      const Matrix& m) override;
-    void InvertRect(const Matrix& transform, const Rect& rect) override;
-    void InvertLine(const Matrix& transform, const Point& from, const Point& to) override;
+    void Clip(const GraphicsState& state, const Path& path) override;
+    void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 private:
     [[nodiscard]] D3D11SubTarget& Current() noexcept { return m_layers.empty() ? m_basic : *m_layers.back(); }
@@ -66,14 +59,10 @@ private:
     /// A draw that may send anything inside `box`, of which the clip leaves `visible`.
     [[nodiscard]] D3D11Painter::Call CallFor(const GraphicsState& state, const IntRect& visible,
                                              const IntRect& box) noexcept;
-    [[nodiscard]] static D3D11Ink InkOf(const GraphicsState& state, const Brush& brush) noexcept {
-        return {&brush, state.transform, nullptr};
-    }
-    /// `mask`: the call's own shape mask, or null.
-    void FillPath(const GraphicsState& state, const PathRef& path, bool snap, const D3D11Ink& ink,
-                  const D3D11Image* mask);
-    /// The fill of a glyph by the coverage that the software keeps. False when it has to be drawn as any other path.
-    [[nodiscard]] bool FillGlyph(const GraphicsState& state, const Shape& shape, const Brush& brush);
+    using Colors = D3D11Painter::Colors;
+    void PaintShape(const GraphicsState& state, const Colors& colors, const Shape& shape, bool snap);
+    /// By the coverage that the software keeps, if the outline is small enough for that.
+    void PaintOutline(const GraphicsState& state, const Colors& colors, const Shape& outline);
     /// Draws the innermost group, in which something is, into what lies around it.
     void DrawLayer(const GraphicsState& around);
 

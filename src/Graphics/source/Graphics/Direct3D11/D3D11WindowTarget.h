@@ -30,30 +30,15 @@ public:
     void DropLayer() noexcept override { Active().DropLayer(); }
 
     void Clear(uint32_t argb) override { Active().Clear(argb); }
-    void Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) override {
-        Active().Fill(state, path, brush, text);
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override {
+        Active().Paint(state, path, ink, mask);
     }
-    void Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
                 const StrokeStyle& style) override {
-        Active().Stroke(state, path, brush, width, style);
+        Active().Stroke(state, path, ink, width, style);
     }
-    void Clip(const GraphicsState& state, const PathRef& path) override { Active().Clip(state, path); }
-    void DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source, const Rect& destination,
-                    float opacity, uint32_t interpolation) override {
-        Active().DrawBitmap(state, bitmap, source, destination, opacity, interpolation);
-    }
-    void FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush, const Rect& destination,
-                  uint32_t interpolation) override {
-        Active().FillMask(state, mask, brush, destination, interpolation);
-    }
-    void DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
-                      const Matrix& m) override {
-        Active().DrawGradient(state, std::move(gradient), opacity, m);
-    }
-    void InvertRect(const Matrix& transform, const Rect& rect) override { Active().InvertRect(transform, rect); }
-    void InvertLine(const Matrix& transform, const Point& from, const Point& to) override {
-        Active().InvertLine(transform, from, to);
-    }
+    void Clip(const GraphicsState& state, const Path& path) override { Active().Clip(state, path); }
+    void Invert(const Matrix& transform, const BasicFigure& figure) override { Active().Invert(transform, figure); }
 
 private:
     [[nodiscard]] RenderTargetBase& Active() noexcept {

@@ -5,12 +5,11 @@
 #include <memory>
 
 #include "GraphicsState.h"
-#include "PathRef.h"
+#include "Ink.h"
+#include "Path.h"
 
 namespace Graphics {
 
-class Bitmap;
-class Gradient;
 struct StrokeStyle;
 
 class RenderTargetBase {
@@ -37,20 +36,16 @@ public:
     virtual void DropLayer() noexcept = 0;
 
     virtual void Clear(uint32_t argb) = 0;
-    /// `text` paths are never moved to whole pixels.
-    virtual void Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) = 0;
-    virtual void Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+    /// Colours what the path covers with the ink, both under the state's matrix. `mask` (null: none) is an image whose
+    /// values scale the coverage. The path is not empty.
+    virtual void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) = 0;
+    /// The path is a figure or a stored shape, and not empty.
+    virtual void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
                         const StrokeStyle& style) = 0;
-    virtual void Clip(const GraphicsState& state, const PathRef& path) = 0;
-    /// Maps `source` (pixels of the bitmap) onto `destination`; a reversed rectangle mirrors.
-    virtual void DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source,
-                            const Rect& destination, float opacity, uint32_t interpolation) = 0;
-    virtual void FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush, const Rect& destination,
-                          uint32_t interpolation) = 0;
-    virtual void DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
-                              const Matrix& m) = 0;
-    virtual void InvertRect(const Matrix& transform, const Rect& rect) = 0;
-    virtual void InvertLine(const Matrix& transform, const Point& from, const Point& to) = 0;
+    /// The path is a figure or a stored shape.
+    virtual void Clip(const GraphicsState& state, const Path& path) = 0;
+    /// A rectangle or a line, as whole pixels.
+    virtual void Invert(const Matrix& transform, const BasicFigure& figure) = 0;
 };
 
 } // namespace Graphics

@@ -29,8 +29,8 @@ public:
     GdipColorSource& operator=(const GdipColorSource&) = delete;
     virtual ~GdipColorSource();
 
-    /// Raises "Not implemented" for an unknown kind, and when a call of GDI+ failed.
-    [[nodiscard]] static std::unique_ptr<GdipColorSource> CreateFromBrush(const Brush& brush, const GdipPlace& place);
+    /// Raises when a call of GDI+ failed.
+    [[nodiscard]] static std::unique_ptr<GdipColorSource> Create(const Ink& ink, const GdipPlace& place);
 
     /// The brush, owned by this object.
     [[nodiscard]] Gdiplus::GpBrush* Get() const noexcept { return m_brush; }

@@ -31,7 +31,7 @@ void GdipGradientColorSource::CreateTexture(const GradientBrush& brush, const Ma
     GraphicsState state;
     state.transform = transform;
     target->BeginPaint();
-    target->DrawGradient(state, brush.gradient, brush.opacity, brush.transform);
+    target->Paint(state, Path::Plane(), GradientInk{&brush}, nullptr);
     target->EndPaint();
 
     const GdipBitmap bitmap(image->View(), 96.0F, 96.0F);

@@ -14,19 +14,27 @@ namespace Graphics {
 
 class SysMemBitmap;
 
-/// A path that outlives the call it came with, as it was at that time: a host may go on with its geometry.
+/// A path that outlives the call it came with, as it was at that time: a host may go on with its geometry. Glyphs are
+/// kept one by one, as outlines.
 class GdipKeptPath {
 public:
-    explicit GdipKeptPath(const PathRef& path);
+    explicit GdipKeptPath(const Path& path);
 
     /// Valid as long as this object.
-    [[nodiscard]] PathRef Ref() const;
+    [[nodiscard]] Path Get() const;
 
 private:
+    Path::Kind m_kind;
     mutable std::shared_ptr<const Shape> m_shape; // a copy once the geometry has changed
     mutable size_t m_figureCount = 0;
     uint32_t m_fillRule = 0;
     BasicFigure m_figure;
+};
+
+/// An ink with what it refers to.
+struct GdipKeptInk {
+    Ink ink;
+    std::shared_ptr<const void> owner; ///< of the bitmap or the gradient; null for a colour
 };
 
 class GdipPageList {
@@ -53,6 +61,7 @@ public:
     /// What the bitmap shows now. As long as it shows the same, it is the same copy.
     [[nodiscard]] std::shared_ptr<Bitmap> Keep(const Bitmap& bitmap);
     [[nodiscard]] std::shared_ptr<const Brush> Keep(const Brush& brush);
+    [[nodiscard]] GdipKeptInk Keep(const Ink& ink);
 
 private:
     struct Entry {

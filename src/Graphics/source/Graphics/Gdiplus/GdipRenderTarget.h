@@ -45,18 +45,11 @@ public:
     void DropLayer() noexcept override;
 
     void Clear(uint32_t argb) override;
-    void Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) override;
-    void Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override;
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
                 const StrokeStyle& style) override;
-    void Clip(const GraphicsState& state, const PathRef& path) override;
-    void DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source, const Rect& destination,
-                    float opacity, uint32_t interpolation) override;
-    void FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush, const Rect& destination,
-                  uint32_t interpolation) override;
-    void DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
-                      const Matrix& m) override;
-    void InvertRect(const Matrix& transform, const Rect& rect) override;
-    void InvertLine(const Matrix& transform, const Point& from, const Point& to) override;
+    void Clip(const GraphicsState& state, const Path& path) override;
+    void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 protected:
     /// The graphics of a page that begins. Sees to it that the device is the present one: pages of a job may differ.
@@ -77,17 +70,12 @@ private:
     /// Whether GDI+ may draw under the state.
     [[nodiscard]] bool DrawsItself(const GraphicsState& state) const noexcept;
     [[nodiscard]] GdipShows Judge(const GraphicsState& state, const IntRect& visible) const noexcept;
-    /// Fills what feed(path) adds with what makeSource() returns. `call` is noted.
-    template <class MakeSource, class Feed>
-    void Draw(const GraphicsState& state, const IntRect& visible, uint32_t interpolation, MakeSource&& makeSource,
-              Feed&& feed, GdipPageList::Call call);
-    /// The same, or nothing but the note where the brush is not for GDI+.
+    /// Fills what feed(path) adds with the ink and notes `call`, or nothing but the note where that is not for GDI+.
     template <class Feed>
-    void DrawWith(const GraphicsState& state, const Brush& brush, const IntRect& visible, Feed&& feed,
-                  GdipPageList::Call call);
+    void Draw(const GraphicsState& state, const Ink& ink, const IntRect& visible, Feed&& feed, GdipPageList::Call call);
     /// These pixels are the software renderer's.
     void Leave(const GraphicsState& state, const IntRect& visible, GdipPageList::Call call);
-    void LeaveInversion(const Matrix& transform, const BasicFigure& figure, GdipPageList::Call call);
+    void PaintOne(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask);
     void FeedPath(const Shape& shape, const Matrix& transform, bool snap, GdipPath& sink);
 
     GdipDevice m_device;

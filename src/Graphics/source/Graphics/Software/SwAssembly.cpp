@@ -1,33 +1,35 @@
 // SPDX-License-Identifier: MIT
 #include "SwAssembly.h"
 
+#include "../Drawing/Ink.h"
 #include "../Scan/DeviceFigures.h"
 
 namespace Graphics {
 namespace {
 
-[[nodiscard]] SwMaskInput MaskInput(Arena& arena, const SoftMask& mask, const IntRect& visible) {
-    SwMaskInput input;
-    input.source = SwColorSource::CreateFromBrush(arena, *mask.brush, ToRect(visible), mask.transform);
-    input.type = mask.type;
-    return input;
+[[nodiscard]] const SwMaskInput& MaskInput(Arena& arena, const SoftMask& mask, const IntRect& visible) {
+    auto* const input = arena.Make<SwMaskInput>();
+    input->source = SwColorSource::Create(arena, InkOf(*mask.brush), ToRect(visible), mask.transform);
+    input->type = mask.type;
+    return *input;
 }
 
 } // namespace
 
-void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const GraphicsState& state, const SwClip* clip,
-                      const IntRect& visible, const SwMaskInput* extra) {
+void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwDraw& draw) {
+    const GraphicsState& state = draw.state;
     pipeLine.SetBlendMode(state.blendMode);
     if (state.shapeMask.IsSet()) {
-        pipeLine.AddShapeMask(MaskInput(arena, state.shapeMask, visible));
+        pipeLine.AddShapeMask(MaskInput(arena, state.shapeMask, draw.visible));
     }
-    if (extra != nullptr) {
-        pipeLine.AddShapeMask(*extra);
+    if (draw.mask != nullptr) {
+        pipeLine.AddShapeMask(*draw.mask);
     }
-    pipeLine.SetClip(clip);
+    pipeLine.SetClip(draw.clip);
     if (state.opacityMask.IsSet()) {
-        pipeLine.SetOpacityMask(MaskInput(arena, state.opacityMask, visible));
+        pipeLine.SetOpacityMask(MaskInput(arena, state.opacityMask, draw.visible));
     }
+    pipeLine.SetColorSource(draw.source);
 }
 
 } // namespace Graphics

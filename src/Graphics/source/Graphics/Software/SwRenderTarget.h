@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The software back end: keeps clips and layers, and turns every drawing call into one pipeline run.
+// The software back end: keeps clips and layers, and turns every draw into one pipeline run.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,7 @@
 #include "../Arena.h"
 #include "../Drawing/RenderTargetBase.h"
 #include "../Geometry/Pen.h"
+#include "../Scan/DeviceRectangle.h"
 #include "../Scan/Rasterizer.h"
 #include "SwClipMaker.h"
 #include "SwGlyphCache.h"
@@ -33,22 +34,22 @@ public:
     void DropLayer() noexcept override { m_layers.Drop(); }
 
     void Clear(uint32_t argb) override;
-    void Fill(const GraphicsState& state, const PathRef& path, const Brush& brush, bool text) override;
-    void Stroke(const GraphicsState& state, const PathRef& path, const Brush& brush, float width,
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override;
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
                 const StrokeStyle& style) override;
-    void Clip(const GraphicsState& state, const PathRef& path) override;
-    void DrawBitmap(const GraphicsState& state, const Bitmap& bitmap, const IntRect& source, const Rect& destination,
-                    float opacity, uint32_t interpolation) override;
-    void FillMask(const GraphicsState& state, const Bitmap& mask, const Brush& brush, const Rect& destination,
-                  uint32_t interpolation) override;
-    void DrawGradient(const GraphicsState& state, std::shared_ptr<const Gradient> gradient, float opacity,
-                      const Matrix& m) override;
-    void InvertRect(const Matrix& transform, const Rect& rect) override;
-    void InvertLine(const Matrix& transform, const Point& from, const Point& to) override;
+    void Clip(const GraphicsState& state, const Path& path) override;
+    void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 private:
-    [[nodiscard]] SwSubTarget& Current() noexcept;
+    /// A draw but for its path.
+    struct Draw {
+        const GraphicsState& state;
+        const Matrix& transform; ///< of path, ink and mask: the state's, or that of one glyph of a text
+        const Ink& ink;
+        const ImageInk* mask = nullptr;
+    };
 
+    [[nodiscard]] SwSubTarget& Current() noexcept;
     /// The part of `region` that bounds and clip leave.
     [[nodiscard]] static IntRect Visible(SwSubTarget& target, const IntRect& region) noexcept {
         return target.Clips().Within(Intersect(region, target.Bounds()));
@@ -58,18 +59,15 @@ private:
     void NoteOpaque(const IntRect& region) noexcept;
 
     /// One pipeline run: cover(pipeLine) sends coverage inside `visible`, which may be empty.
-    template <class MakeSource, class Cover>
-    void Composite(const GraphicsState& state, const IntRect& visible, const SwMaskInput* extraMask,
-                   MakeSource&& makeSource, Cover&& cover);
-    template <class MakeSource>
-    void FillPath(const GraphicsState& state, const PathRef& path, bool snap, const SwMaskInput* extraMask,
-                  MakeSource&& makeSource);
-    /// Normal onto the surface, without masks and slanted clips.
-    [[nodiscard]] bool IsPlain(const GraphicsState& state) noexcept;
-    /// When IsPlain: most rectangles of a page in a few kernel calls, without a pipeline. False: not done.
-    [[nodiscard]] bool FillPlainRectangle(const GraphicsState& state, const BasicFigure& figure, uint32_t color);
-    /// The fill of a glyph by its kept coverage. False when it has to be drawn as any other path.
-    [[nodiscard]] bool FillGlyph(const GraphicsState& state, const Shape& shape, const Brush& brush);
+    template <class Cover> void Composite(const Draw& draw, const IntRect& visible, Cover&& cover);
+    /// Normal and one colour onto the surface, without masks and slanted clips: a few kernel calls do it, without a
+    /// pipeline.
+    [[nodiscard]] bool IsPlain(const Draw& draw, uint32_t& color) noexcept;
+    void PaintPlain(const DeviceRectangle& rectangle, uint32_t color);
+    void PaintFigure(const Draw& draw, const BasicFigure& figure);
+    void PaintShape(const Draw& draw, const Shape& shape, bool snap);
+    /// By the coverage that is kept, if the outline is small enough for that.
+    void PaintOutline(const Draw& draw, const Shape& outline);
     /// Draws the group, in which something is, into `target`, the one around it.
     void DrawLayer(const GraphicsState& state, SwLayerSubTarget& layer, SwSubTarget& target);
 

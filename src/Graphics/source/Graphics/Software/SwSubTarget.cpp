@@ -31,17 +31,13 @@ SwTargetPlanes SwBasicSubTarget::Planes(const IntRect& region) {
 
 SwTargetPlanes SwBasicSubTarget::ReadPlanes(const IntRect& region) {
     if (Planes(region).makesOpaque) {
-        for (int32_t y = region.top; y < region.bottom; ++y) {
-            ActiveKernels().setOpaque(reinterpret_cast<uint32_t*>(m_planes.color + y * m_planes.colorStride) +
-                                          region.left,
-                                      nullptr, static_cast<size_t>(region.right - region.left));
-        }
+        MakeRowsOpaque(ActiveKernels(), m_planes, region);
         NoteOpaque(region);
     }
     return m_planes;
 }
 
-void SwBasicSubTarget::NoteOpaque(const IntRect& region) noexcept {
+void SwBasicSubTarget::GrowOpaque(const IntRect& region) noexcept {
     const auto area = [](const IntRect& r) { return (int64_t{r.right} - r.left) * (int64_t{r.bottom} - r.top); };
     if (area(region) > area(m_opaqueRegion)) {
         m_opaqueRegion = region;

@@ -42,9 +42,15 @@ public:
     /// The planes for a group, which reads every pixel of `region` with its alpha.
     [[nodiscard]] SwTargetPlanes ReadPlanes(const IntRect& region);
     /// Every fourth byte in `region` is 255 now.
-    void NoteOpaque(const IntRect& region) noexcept;
+    void NoteOpaque(const IntRect& region) noexcept {
+        if (m_isOpaque) {
+            GrowOpaque(region);
+        }
+    }
 
 private:
+    void GrowOpaque(const IntRect& region) noexcept;
+
     SwTargetPlanes m_planes;
     bool m_isOpaque = false;  // by its format: fourth bytes count as 255, and are where something was drawn
     IntRect m_opaqueRegion{}; // where they are known to be

@@ -3,12 +3,13 @@
 
 #include <cmath>
 
+#include "../Bitmaps/Bitmap.h"
 #include "../Exception.h"
 #include "../Geometry/DashSequence.h"
+#include "../Paint/Brush.h"
 #include "../Software/SwBitmapSurface.h"
 #include "../Software/SwExtBufSurface.h"
 #include "../Software/SwRenderTarget.h"
-#include "../Text/Font.h"
 #include "../Trigonometry.h"
 #include "PlatformTargets.h"
 
@@ -118,36 +119,44 @@ void RenderTarget::EndLayer() {
     m_states.CloseLayer();
 }
 
-void RenderTarget::FillText(const Font& font, const uint16_t* text, const Brush& brush) {
-    struct Restore {
-        RenderTarget& target;
-        const Matrix transform;
-        ~Restore() { target.SetTransform(transform); }
-    };
-    const Restore restore{*this, GetTransform()};
-    RenderTargetBase& target = Painting();
-    for (; *text != 0; ++text) {
-        const FontGlyph& glyph = font.Glyph(*text);
-        target.Fill(m_states.Current(), {&glyph.shape, nullptr}, brush, true);
-        ConcatTransform({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY});
-    }
-}
-
-void RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
+void RenderTarget::Stroke(const Path& path, const Brush& brush, float width, const StrokeStyle& style) {
     RenderTargetBase& target = Painting();
     if (style.dashCount != 0) {
         const DashSequence refusesBadPatterns(style);
     }
-    target.Stroke(m_states.Current(), path, brush, width, style);
+    if (!path.IsEmpty()) {
+        m_states.Current().CheckMasks();
+        target.Stroke(m_states.Current(), path, InkOf(brush), width, style);
+    }
 }
 
-void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {
+void RenderTarget::ClipFigure(const BasicFigure& figure) {
     RenderTargetBase& target = Painting();
-    if (rect.left == rect.right || rect.top == rect.bottom) {
-        return;
+    const Rect& r = figure.Box();
+    if (r.left != r.right && r.top != r.bottom) {
+        target.Clip(m_states.Current(), figure);
     }
-    const BasicFigure figure(kind, rect);
-    target.Clip(m_states.Current(), {nullptr, &figure});
+}
+
+void RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
+                              uint32_t interpolation) {
+    static_cast<void>(Painting());
+    const Ink ink(std::in_place_type<ImageInk>, bitmap, source, destination, opacity, interpolation);
+    if (!IsEmpty(std::get<ImageInk>(ink).part)) {
+        Paint(BasicFigure(BasicFigure::Kind::Rectangle, destination), ink, nullptr);
+    }
+}
+
+void RenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
+    const ImageInk cover(mask, destination, 1.0F, interpolation);
+    Paint(BasicFigure(BasicFigure::Kind::Rectangle, destination), InkOf(brush), &cover);
+}
+
+void RenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
+    GradientBrush brush(std::move(gradient));
+    brush.opacity = opacity;
+    brush.transform = m;
+    Paint(Path::Plane(), GradientInk{&brush}, nullptr);
 }
 
 } // namespace Graphics

@@ -9,7 +9,7 @@
 
 namespace Graphics {
 
-class Font;
+class Gradient;
 
 class RenderTarget {
 public:
@@ -55,32 +55,28 @@ public:
     /// Raises "No layer is open".
     void EndLayer();
 
+    // Drawing: bitmaps, masks, gradients, text and shapes all become one call of the back end.
     void Clear(uint32_t argb) { Painting().Clear(argb); }
-    /// `text` paths are never moved to whole pixels.
-    void Fill(const PathRef& path, const Brush& brush, bool text) {
-        Painting().Fill(m_states.Current(), path, brush, text);
-    }
-    /// Null-terminated text glyph by glyph, the baseline beginning at the origin. The matrix is as before afterwards,
-    /// whatever happens.
-    void FillText(const Font& font, const uint16_t* text, const Brush& brush);
+    /// Nothing is raised for a path without any figure.
+    void Fill(const Path& path, const Brush& brush) { Paint(path, InkOf(brush), nullptr); }
+    /// Null-terminated text glyph by glyph, the baseline beginning at the origin.
+    void FillText(const Font& font, const uint16_t* text, const Brush& brush) { Fill(GlyphRun{&font, text}, brush); }
     /// A bad dash pattern is refused whether or not anything of the stroke would be seen.
-    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style);
-    void Clip(const PathRef& path) { Painting().Clip(m_states.Current(), path); }
+    void Stroke(const Path& path, const Brush& brush, float width, const StrokeStyle& style);
+    void Clip(const Path& path) { Painting().Clip(m_states.Current(), path); }
     /// Nothing happens for a rectangle without width or height.
-    void ClipFigure(BasicFigure::Kind kind, const Rect& rect);
+    void ClipFigure(const BasicFigure& figure);
     /// Maps `source` (pixels of the bitmap) onto `destination`; a reversed rectangle mirrors.
     void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                    uint32_t interpolation) {
-        Painting().DrawBitmap(m_states.Current(), bitmap, source, destination, opacity, interpolation);
+                    uint32_t interpolation);
+    /// The values of a bitmap, all of which lies on `destination`, as coverage.
+    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation);
+    /// Everywhere.
+    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m);
+    void InvertRect(const Rect& rect) { Painting().Invert(GetTransform(), {BasicFigure::Kind::Rectangle, rect}); }
+    void InvertLine(const Point& from, const Point& to) {
+        Painting().Invert(GetTransform(), {BasicFigure::Kind::Line, {from.x, from.y, to.x, to.y}});
     }
-    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
-        Painting().FillMask(m_states.Current(), mask, brush, destination, interpolation);
-    }
-    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
-        Painting().DrawGradient(m_states.Current(), std::move(gradient), opacity, m);
-    }
-    void InvertRect(const Rect& rect) { Painting().InvertRect(GetTransform(), rect); }
-    void InvertLine(const Point& from, const Point& to) { Painting().InvertLine(GetTransform(), from, to); }
 
 private:
     /// The back end for a call that is only legal between BeginPaint and EndPaint.
@@ -91,6 +87,13 @@ private:
         return *m_backEnd;
     }
     [[noreturn]] static void RaiseNotPainting();
+    void Paint(const Path& path, const Ink& ink, const ImageInk* mask) {
+        RenderTargetBase& target = Painting();
+        if (!path.IsEmpty()) {
+            m_states.Current().CheckMasks();
+            target.Paint(m_states.Current(), path, ink, mask);
+        }
+    }
     [[nodiscard]] SoftMask MakeMask(uint32_t type, std::shared_ptr<const Brush> brush) const;
 
     StateStack m_states;
