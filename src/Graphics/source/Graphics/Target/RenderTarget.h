@@ -13,7 +13,7 @@ class Gradient;
 
 class RenderTarget {
 public:
-    explicit RenderTarget(std::unique_ptr<RenderTargetBase> backEnd) noexcept : m_backEnd(std::move(backEnd)) {}
+    explicit RenderTarget(std::unique_ptr<RenderTargetBase> backEnd) : m_backEnd(std::move(backEnd)) {}
 
     /// Draws into the bitmap's own pixels and keeps the bitmap alive.
     [[nodiscard]] static std::shared_ptr<RenderTarget> ForBitmap(std::shared_ptr<Bitmap> bitmap);
