@@ -35,10 +35,9 @@ struct ImageInk {
     };
 
     explicit ImageInk(const BitmapBrush& brush) noexcept;
-    /// `source` (pixels of the bitmap) lies exactly on `destination`; a reversed rectangle mirrors. What lies outside
-    /// of the bitmap is not drawn.
+    /// `source` (pixels of the bitmap) lies exactly on `destination`; a reversed rectangle mirrors. Where it is larger
+    /// than the bitmap, edge pixels go on.
     ImageInk(const Bitmap& b, const IntRect& source, const Rect& destination, float alpha, uint32_t mode) noexcept;
-
     /// All of the bitmap lies on `destination`.
     ImageInk(const Bitmap& b, const Rect& destination, float alpha, uint32_t mode) noexcept;
 

@@ -35,7 +35,7 @@ public:
     /// The brush, owned by this object.
     [[nodiscard]] Gdiplus::GpBrush* Get() const noexcept { return m_brush; }
     /// Raises what went wrong while the brush was made.
-    void Check() { m_status.Check("Graphics::GdipColorSource::CreateFromBrush"); }
+    void Check() { m_status.Check("Graphics::GdipColorSource::Create"); }
 
 protected:
     void CreateSolid(uint32_t argb);
