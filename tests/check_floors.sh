@@ -17,21 +17,17 @@ wrong_arrows() {
             return known[path]
         }
         function folder(path,    parts, count) {
-            # What the back ends implement lies under them, whatever folder it is kept in.
-            if (path == "Graphics/Target/RenderTargetBase.h" || path == "Graphics/Target/HwRenderTargetFactory.h")
-                return "the back-end interface"
             count = split(path, parts, "/")
             if (parts[1] == "Interface") return "Interface"
             return count > 2 ? parts[2] : "ground"
         }
         BEGIN {
             count = split("ground=0 Portable=1 Windows=1 Simd=1 Geometry=1 Pixels=1 Regions=1 Scan=2 Paint=2 Bitmaps=2 Text=2 Boolean=2 " \
-                          "Software=3 Direct3D11=3 Gdiplus=3 Target=4 Interface=5", pairs, " ")
+                          "Drawing=3 Software=4 Direct3D11=4 Gdiplus=4 Target=5 Interface=6", pairs, " ")
             for (i = 1; i <= count; ++i) {
                 split(pairs[i], pair, "=")
                 floor[pair[1]] = pair[2]
             }
-            floor["the back-end interface"] = 2
         }
         {
             # path:line:#include "name"
@@ -58,7 +54,7 @@ wrong_arrows() {
             else if (floor[to] > floor[from]) print where from " includes " name " of the higher floor " to
             # Software draws what hardware does not.
             else if (from == "Direct3D11" && to == "Software") next
-            else if (floor[from] == 3 && floor[to] == 3 && from != to) print where "back end " from " includes " name " of back end " to
+            else if (floor[from] == 4 && floor[to] == 4 && from != to) print where "back end " from " includes " name " of back end " to
         }'
 }
 

@@ -16,13 +16,13 @@ constexpr int32_t kCells = 24;
 constexpr int32_t kCell = 4; // pixels
 constexpr int32_t kSide = kCells * kCell;
 
-void FillRect(RenderTargetBase& t, const Rect& r, const Brush& brush) {
+void FillRect(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 /// Cells of random colours, each one draw; alpha from `leastAlpha` up.
-void FillCells(RenderTargetBase& t, uint32_t seed, float leastAlpha) {
+void FillCells(RenderTarget& t, uint32_t seed, float leastAlpha) {
     std::mt19937 random(seed);
     const auto next = [&] { return static_cast<float>(random() % 256) / 255.0F; };
     for (int32_t y = 0; y < kCells; ++y) {
@@ -83,7 +83,7 @@ void ExpectSoftware(const std::vector<uint32_t>& window, const std::vector<uint3
 TEST_F(HardwareTest, EveryModeOnASurface) {
     for (uint32_t mode = 0; mode < 17; ++mode) {
         for (const bool bitmap : {false, true}) {
-            const Drawing draw = [&](RenderTargetBase& t) {
+            const Drawing draw = [&](RenderTarget& t) {
                 FillCells(t, 1, 1.0F);
                 t.SetBlendMode(mode);
                 if (bitmap) {
@@ -104,7 +104,7 @@ TEST_F(HardwareTest, EveryMaskOfEveryKind) {
     for (uint32_t type = 0; type < 4; ++type) {
         for (const bool ofShape : {false, true}) {
             for (const int kind : {0, 1, 2, 3}) { // colour, bitmap, bitmap with opacity, gradient
-                const Difference d = Both(kSide, kSide, [&](RenderTargetBase& t) {
+                const Difference d = Both(kSide, kSide, [&](RenderTarget& t) {
                     FillCells(t, 3, 1.0F);
                     std::shared_ptr<Brush> mask;
                     if (kind == 0) {
@@ -139,7 +139,7 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
             for (const bool opaqueBelow : {true, false}) {
                 const uint32_t groupMode = opaqueBelow ? uint32_t{GXBlendModeNormal} : (mode + 5) % 16;
                 uint32_t mask = (mode + kind) % 4;
-                const Drawing draw = [&](RenderTargetBase& t) {
+                const Drawing draw = [&](RenderTarget& t) {
                     FillCells(t, 6, 1.0F);
                     t.SetBlendMode(groupMode);
                     GXLayerDesc layer{};
@@ -155,7 +155,7 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
                     } else if (mask == 2) {
                         t.SetOpacityMask(GXMaskTypeInverseLuminosity, CellBrush(9, false));
                     } else if (mask == 3) {
-                        t.Clip({nullptr, &clip});
+                        t.Clip(clip);
                     }
                     FillRect(t, {12, 12, kSide - 20, kSide - 12}, *CellBrush(8, false));
                     t.EndLayer();
@@ -175,7 +175,7 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
 TEST_F(HardwareTest, GroupsInGroupsAndClears) {
     for (int outer = 0; outer < 4; ++outer) {
         for (int inner = 0; inner < 4; ++inner) {
-            const Difference d = Both(kSide, kSide, [&](RenderTargetBase& t) {
+            const Difference d = Both(kSide, kSide, [&](RenderTarget& t) {
                 FillCells(t, 10, 1.0F);
                 GXLayerDesc layer{};
                 layer.opacity = 0.7F;
@@ -187,18 +187,18 @@ TEST_F(HardwareTest, GroupsInGroupsAndClears) {
                 const SolidBrush blue({0, 0.2F, 1, 1});
                 const BasicFigure first(BasicFigure::Kind::Ellipse, {4, 4, 60, 70});
                 const BasicFigure second(BasicFigure::Kind::Ellipse, {30, 20, 92, 80});
-                t.Fill({nullptr, &first}, red, false);
+                t.Fill(first, red);
                 layer.opacity = 1.0F;
                 layer.isolated = (inner & 1) != 0;
                 layer.knockout = (inner & 2) != 0;
                 t.BeginLayer(layer);
-                t.Fill({nullptr, &second}, green, false);
+                t.Fill(second, green);
                 FillRect(t, {40, 30, 70, 60}, blue);
                 FillRect(t, {50, 10, 60, 90}, red);
                 t.EndLayer();
                 t.PushState();
                 const BasicFigure hole(BasicFigure::Kind::Ellipse, {70, 70, 90, 90});
-                t.Clip({nullptr, &hole});
+                t.Clip(hole);
                 t.Clear(0x80204060U);
                 t.PopState();
                 t.EndLayer();

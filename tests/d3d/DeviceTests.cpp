@@ -20,9 +20,9 @@ namespace {
 
 constexpr int32_t kSide = 64;
 
-void FillRect(RenderTargetBase& t, const Rect& r, const Color& color) {
+void FillRect(RenderTarget& t, const Rect& r, const Color& color) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-    t.Fill({nullptr, &figure}, SolidBrush(color), false);
+    t.Fill(figure, SolidBrush(color));
 }
 
 [[nodiscard]] std::shared_ptr<Bitmap> Blank(int32_t width, int32_t height, uint8_t value) {
@@ -69,7 +69,7 @@ private:
 
 TEST_F(HardwareTest, DrawsOfOneKindAreOneCallAndOneMap) {
     const D3D11Counters before = Context()->Device().Counters();
-    static_cast<void>(OnHardware(kSide, kSide, [](RenderTargetBase& t) {
+    static_cast<void>(OnHardware(kSide, kSide, [](RenderTarget& t) {
         for (int i = 0; i < 1000; ++i) { // colours and transforms differ
             const float c = static_cast<float>(i) / 1000.0F;
             t.SetTransform({1, 0, 0, 1, c * 40.0F, c * 30.0F});
@@ -81,7 +81,7 @@ TEST_F(HardwareTest, DrawsOfOneKindAreOneCallAndOneMap) {
     EXPECT_EQ(after.vertexMaps - before.vertexMaps, 1U);
 
     const D3D11Counters second = after;
-    static_cast<void>(OnHardware(kSide, kSide, [](RenderTargetBase& t) {
+    static_cast<void>(OnHardware(kSide, kSide, [](RenderTarget& t) {
         t.SetBlendMode(GXBlendModeMultiply);
         for (int i = 0; i < 8; ++i) { // side by side: what lies below is copied before, for all of them
             const auto x = static_cast<float>(i * 8);
@@ -95,7 +95,7 @@ TEST_F(HardwareTest, DrawsOfOneKindAreOneCallAndOneMap) {
 
 TEST_F(HardwareTest, DrawsUnderDifferentClipsAreOneCall) {
     D3D11Counters before;
-    const Drawing draw = [&](RenderTargetBase& t) {
+    const Drawing draw = [&](RenderTarget& t) {
         before = Context()->Device().Counters();
         for (int i = 0; i < 40; ++i) {
             t.PushState();
@@ -103,9 +103,9 @@ TEST_F(HardwareTest, DrawsUnderDifferentClipsAreOneCall) {
             const auto y = static_cast<float>(i / 8 * 40);
             const BasicFigure clip(i % 2 == 0 ? BasicFigure::Kind::Ellipse : BasicFigure::Kind::Rectangle,
                                    {x, y, x + 28, y + 37});
-            t.Clip({nullptr, &clip});
+            t.Clip(clip);
             const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {x + 2, y - 8, x + 20, y + 50});
-            t.Fill({nullptr, &ellipse}, SolidBrush({0.1F, 0.02F * static_cast<float>(i), 0.9F, 0.7F}), false);
+            t.Fill(ellipse, SolidBrush({0.1F, 0.02F * static_cast<float>(i), 0.9F, 0.7F}));
             FillRect(t, {x - 10, y + 5, x + 90, y + 15}, {0.8F, 0.2F, 0.1F, 0.5F});
             t.PopState();
         }
@@ -119,7 +119,7 @@ TEST_F(HardwareTest, DrawsUnderDifferentClipsAreOneCall) {
 }
 
 TEST_F(HardwareTest, ManyQuadsOutgrowTheBufferAndTheIndices) {
-    const Difference d = Both(256, 256, [](RenderTargetBase& t) {
+    const Difference d = Both(256, 256, [](RenderTarget& t) {
         for (int i = 0; i < 40000; ++i) {
             const auto x = static_cast<float>(i % 256);
             const auto y = static_cast<float>(i / 256);
@@ -163,7 +163,7 @@ TEST_F(HardwareTest, BitmapsAreUploadedOnceAndEvictedByQuota) {
 TEST_F(HardwareTest, BitmapsBeyondTheLargestTextureAreDrawnBySoftware) {
     const auto wide = Blank(Context()->Device().MaxTextureSize() + 10, 2, 200);
     const D3D11Counters before = Context()->Device().Counters();
-    const Difference d = Both(kSide, kSide, [&](RenderTargetBase& t) {
+    const Difference d = Both(kSide, kSide, [&](RenderTarget& t) {
         const Size size = wide->GetSize();
         t.DrawBitmap(*wide, {0, 0, static_cast<int32_t>(size.width), 2}, {0, 0, kSide, kSide}, 1.0F,
                      GXInterpolationLinear);
@@ -176,7 +176,7 @@ TEST_F(HardwareTest, DrawingGoesOnAfterALossOfTheDevice) {
     const auto bitmap = Blank(8, 8, 77);
     auto surface = std::make_unique<TextureSurface>(kSide, kSide);
     const TextureSurface* reader = surface.get();
-    D3D11RenderTarget target(Context(), std::move(surface));
+    RenderTarget target(std::make_unique<D3D11RenderTarget>(Context(), std::move(surface)));
     const auto drawPage = [&] {
         target.Clear(0xFFFFFFFFU);
         target.DrawBitmap(*bitmap, {0, 0, 8, 8}, {0, 0, 16, 16}, 1.0F, GXInterpolationNearest);
@@ -240,7 +240,7 @@ TEST_F(HardwareTest, APaintThatLosesTheDeviceLeavesACleanState) {
     auto context = std::make_shared<D3D11Context>();
     auto surface = std::make_unique<TextureSurface>(kSide, kSide);
     const TextureSurface* reader = surface.get();
-    D3D11RenderTarget target(context, std::move(surface));
+    RenderTarget target(std::make_unique<D3D11RenderTarget>(context, std::move(surface)));
     const BasicFigure small(BasicFigure::Kind::Ellipse, {0, 0, 9, 9});
     for (int where = 0; where < 4; ++where) { // at a draw, at a group's end, at the paint's end, with groups open
         target.BeginPaint();
@@ -248,7 +248,7 @@ TEST_F(HardwareTest, APaintThatLosesTheDeviceLeavesACleanState) {
         target.SetTransform({2, 0, 0, 2, 5, 5});
         target.SetBlendMode(GXBlendModeMultiply);
         target.SetOpacityMask(GXMaskTypeAlpha, std::make_shared<SolidBrush>(Color{1, 1, 1, 0.25F}));
-        target.Clip({nullptr, &small});
+        target.Clip(small);
         GXLayerDesc layer{};
         layer.opacity = 1.0F;
         layer.knockout = 1;
@@ -300,7 +300,7 @@ TEST_F(HardwareTest, APaintThatLosesTheDeviceLeavesACleanState) {
 }
 
 TEST_F(HardwareTest, StateErrorsAreThoseOfTheSoftware) {
-    static_cast<void>(OnHardware(kSide, kSide, [](RenderTargetBase& t) {
+    static_cast<void>(OnHardware(kSide, kSide, [](RenderTarget& t) {
         EXPECT_EQ(Message([&] { t.PopState(); }), "State stack is empty");
         EXPECT_EQ(Message([&] { t.EndLayer(); }), "No layer is open");
         t.PushState();
@@ -316,19 +316,20 @@ TEST_F(HardwareTest, WindowsAreDrawnResizedAndMinimised) {
     D3D11RenderTargetFactory factory;
     TestWindow window(100, 80);
     ASSERT_NE(window.Get(), nullptr);
-    const auto target = factory.CreateWindowTarget(window.Get());
-    ASSERT_NE(dynamic_cast<D3D11WindowTarget*>(target.get()), nullptr);
+    auto onWindow = factory.CreateWindowTarget(window.Get());
+    ASSERT_NE(dynamic_cast<D3D11WindowTarget*>(onWindow.get()), nullptr);
+    RenderTarget target(std::move(onWindow));
     const auto paint = [&] {
-        target->BeginPaint();
-        target->Clear(0xFF00FF00U);
-        FillRect(*target, {0, 0, 50, 1000}, {1, 0, 0, 1});
-        target->EndPaint();
+        target.BeginPaint();
+        target.Clear(0xFF00FF00U);
+        FillRect(target, {0, 0, 50, 1000}, {1, 0, 0, 1});
+        target.EndPaint();
     };
-    EXPECT_EQ(target->GetSize().width, 100U);
-    EXPECT_EQ(target->GetSize().height, 80U);
+    EXPECT_EQ(target.GetSize().width, 100U);
+    EXPECT_EQ(target.GetSize().height, 80U);
     paint();
     window.Resize(160, 120);
-    EXPECT_EQ(target->GetSize().width, 160U);
+    EXPECT_EQ(target.GetSize().width, 160U);
     paint();
     window.Resize(0, 0);
     paint();
@@ -371,7 +372,7 @@ TEST_F(HardwareTest, ThreadsWithADeviceEachShareBitmaps) {
         for (int round = 0; round < 20; ++round) {
             auto surface = std::make_unique<TextureSurface>(kSide, kSide);
             const TextureSurface* reader = surface.get();
-            D3D11RenderTarget target(context, std::move(surface));
+            RenderTarget target(std::make_unique<D3D11RenderTarget>(context, std::move(surface)));
             target.BeginPaint();
             target.DrawBitmap(*bitmap, {0, 0, 16, 16}, {0, 0, kSide, kSide}, 1.0F, GXInterpolationNearest);
             target.EndPaint();
@@ -400,7 +401,7 @@ TEST_F(HardwareTest, PaintsSizesAndWindowsAreFlat) {
     };
     D3D11RenderTargetFactory factory;
     const auto bitmap = Blank(16, 16, 99);
-    const auto paint = [&](RenderTargetBase& t, int i) {
+    const auto paint = [&](RenderTarget& t, int i) {
         t.BeginPaint();
         t.Clear(0xFFFFFFFFU);
         FillRect(t, {0, 0, 30, 30}, {static_cast<float>(i % 100) / 100.0F, 0.5F, 0, 0.5F});
@@ -429,18 +430,18 @@ TEST_F(HardwareTest, PaintsSizesAndWindowsAreFlat) {
         EXPECT_LE(WindowsSupport::ProcessHandles(), before + 4) << what; // threads of the system come and go
     };
     TestWindow window(100, 80);
-    const auto target = factory.CreateWindowTarget(window.Get());
-    flat("paints", paints, [&](int i) { paint(*target, i); });
+    RenderTarget target(factory.CreateWindowTarget(window.Get()));
+    flat("paints", paints, [&](int i) { paint(target, i); });
     flat("sizes", sizes, [&](int i) {
         window.Resize(60 + i % 3 * 70, 50 + i % 3 * 40);
-        paint(*target, i);
+        paint(target, i);
         window.Resize(100, 80);
-        paint(*target, i);
+        paint(target, i);
     });
     flat("windows", windows, [&](int i) {
         const TestWindow other(90, 70);
-        const auto onOther = factory.CreateWindowTarget(other.Get());
-        paint(*onOther, i);
+        RenderTarget onOther(factory.CreateWindowTarget(other.Get()));
+        paint(onOther, i);
     });
 }
 
@@ -450,7 +451,8 @@ TEST_F(HardwareTest, NothingIsLeftBehind) {
     const auto bitmap = Blank(16, 16, 99);
     {
         auto context = std::make_shared<D3D11Context>();
-        D3D11RenderTarget target(context, std::make_unique<TextureSurface>(kSide, kSide));
+        RenderTarget target(
+            std::make_unique<D3D11RenderTarget>(context, std::make_unique<TextureSurface>(kSide, kSide)));
         target.BeginPaint();
         target.DrawBitmap(*bitmap, {0, 0, 16, 16}, {0, 0, 40, 40}, 1.0F, GXInterpolationNearest);
         GXLayerDesc layer{};

@@ -11,10 +11,10 @@ namespace {
 
 constexpr int32_t kSide = 256;
 
-void Fill(RenderTargetBase& t, BasicFigure::Kind kind, const Rect& r, const Color& color, uint32_t mode) {
+void Fill(RenderTarget& t, BasicFigure::Kind kind, const Rect& r, const Color& color, uint32_t mode) {
     const BasicFigure figure(kind, r);
     t.SetBlendMode(mode);
-    t.Fill({nullptr, &figure}, SolidBrush(color), false);
+    t.Fill(figure, SolidBrush(color));
 }
 
 constexpr auto kRectangle = BasicFigure::Kind::Rectangle;
@@ -27,7 +27,7 @@ protected:
     /// Draws over a backdrop that the card has drawn, compares with the software and returns what it cost.
     [[nodiscard]] static D3D11Counters Cost(const Drawing& draw) {
         D3D11Counters cost{};
-        const Drawing whole = [&](RenderTargetBase& t) {
+        const Drawing whole = [&](RenderTarget& t) {
             t.Clear(0xFF6080A0U);
             Fill(t, kRectangle, {10, 10, 200, 200}, {0.3F, 0.7F, 0.4F, 1.0F}, GXBlendModeNormal);
             draw(t);
@@ -50,21 +50,21 @@ protected:
 } // namespace
 
 TEST_F(FallbackTest, DrawsShareWhatWasRead) {
-    const D3D11Counters one = Cost([](RenderTargetBase& t) {
+    const D3D11Counters one = Cost([](RenderTarget& t) {
         Fill(t, kRectangle, {20, 30, 84, 62}, kOrange, GXBlendModeHue);
     });
     EXPECT_EQ(one.readbacks, 1U);
     EXPECT_EQ(one.readbackPixels, 64U * 32U) << "just the touched rectangle";
     EXPECT_EQ(one.sends, 1U);
 
-    const D3D11Counters outside = Cost([](RenderTargetBase& t) {
+    const D3D11Counters outside = Cost([](RenderTarget& t) {
         const BasicFigure clip(kRectangle, {100, 100, 120, 120});
-        t.Clip({nullptr, &clip});
+        t.Clip(clip);
         Fill(t, kEllipse, {20, 30, 84, 62}, kOrange, GXBlendModeHue);
     });
     EXPECT_EQ(outside.readbacks + outside.fallbackDraws + outside.sends, 0U);
 
-    const D3D11Counters many = Cost([](RenderTargetBase& t) {
+    const D3D11Counters many = Cost([](RenderTarget& t) {
         Fill(t, kEllipse, {20, 20, 120, 120}, kOrange, GXBlendModeSaturation);
         for (int i = 0; i < 40; ++i) { // what lies wholly there stays there; the card draws elsewhere meanwhile
             const auto x = static_cast<float>(20 + i);
@@ -77,7 +77,7 @@ TEST_F(FallbackTest, DrawsShareWhatWasRead) {
     EXPECT_EQ(many.fallbackDraws, 41U);
     EXPECT_EQ(many.sends, 1U);
 
-    const D3D11Counters grown = Cost([](RenderTargetBase& t) {
+    const D3D11Counters grown = Cost([](RenderTarget& t) {
         Fill(t, kRectangle, {20, 20, 60, 60}, kOrange, GXBlendModeHue);
         Fill(t, kRectangle, {40, 40, 80, 80}, kOrange, GXBlendModeHue);
     });
@@ -87,7 +87,7 @@ TEST_F(FallbackTest, DrawsShareWhatWasRead) {
 
 TEST_F(FallbackTest, CardAndSoftwareInTurnsOverTheSamePixels) {
     const auto turns = [](int count) {
-        return [count](RenderTargetBase& t) {
+        return [count](RenderTarget& t) {
             for (int i = 0; i < count; ++i) {
                 const auto x = static_cast<float>(5 * i);
                 Fill(t, kEllipse, {x, 20, x + 60, 90}, kOrange, GXBlendModeColorDodge);
@@ -103,7 +103,7 @@ TEST_F(FallbackTest, CardAndSoftwareInTurnsOverTheSamePixels) {
 
 TEST_F(FallbackTest, GroupsOfTheSoftwareNeverMeetTheCard) {
     const auto group = [](uint32_t isolated, uint32_t knockout, uint32_t mode) {
-        return [=](RenderTargetBase& t) {
+        return [=](RenderTarget& t) {
             GXLayerDesc layer{};
             layer.opacity = 0.9F;
             layer.isolated = isolated;
@@ -127,7 +127,7 @@ TEST_F(FallbackTest, GroupsOfTheSoftwareNeverMeetTheCard) {
     const D3D11Counters isolated = Cost(group(1, 0, GXBlendModeNormal));
     EXPECT_EQ(isolated.fallbackDraws, 1U);
     // Opaque below: the card draws all of it.
-    const D3D11Counters opaque = Cost([&](RenderTargetBase& t) {
+    const D3D11Counters opaque = Cost([&](RenderTarget& t) {
         GXLayerDesc layer{};
         layer.opacity = 1.0F;
         layer.isolated = 1;
@@ -151,7 +151,7 @@ TEST_F(FallbackTest, WhatIsLessThanALevelKnocksNothingOut) {
     }
     const auto faint = std::make_shared<Bitmap>(image);
     for (uint32_t kind = 0; kind < 8; ++kind) {
-        const auto scene = [&](RenderTargetBase& t) {
+        const auto scene = [&](RenderTarget& t) {
             GXLayerDesc group{};
             group.opacity = 1.0F;
             group.isolated = kind & 1U;
@@ -183,7 +183,7 @@ TEST_F(FallbackTest, WhatIsLessThanALevelKnocksNothingOut) {
         static_cast<void>(Cost(scene));
     }
     // Colours alone are the same for both, and stay on the card.
-    const D3D11Counters solid = Cost([](RenderTargetBase& t) {
+    const D3D11Counters solid = Cost([](RenderTarget& t) {
         GXLayerDesc group{};
         group.opacity = 1.0F;
         group.knockout = 1;
@@ -199,7 +199,7 @@ TEST_F(FallbackTest, WhatIsLessThanALevelKnocksNothingOut) {
 /// Everything at once, in any order, with clears and inversions between.
 TEST_F(FallbackTest, RandomPagesAreTheSoftwares) {
     for (uint32_t seed = 0; seed < 12; ++seed) {
-        static_cast<void>(Cost([seed](RenderTargetBase& t) {
+        static_cast<void>(Cost([seed](RenderTarget& t) {
             std::mt19937 random(seed);
             const auto unit = [&] { return static_cast<float>(random() % 256) / 255.0F; };
             const auto box = [&] {
@@ -229,7 +229,7 @@ TEST_F(FallbackTest, RandomPagesAreTheSoftwares) {
                 case 2: {
                     t.PushState();
                     const BasicFigure clip(random() % 2 == 0 ? kRectangle : kEllipse, box());
-                    t.Clip({nullptr, &clip});
+                    t.Clip(clip);
                     t.Clear(random() | 0x40000000U);
                     t.PopState();
                     break;
@@ -252,7 +252,7 @@ TEST_F(FallbackTest, ALossOfTheDeviceOnTheWay) {
     auto context = std::make_shared<D3D11Context>();
     auto surface = std::make_unique<TextureSurface>(kSide, kSide);
     const TextureSurface* reader = surface.get();
-    D3D11RenderTarget target(context, std::move(surface));
+    RenderTarget target(std::make_unique<D3D11RenderTarget>(context, std::move(surface)));
     const auto drawPage = [&](int loseAt) {
         target.BeginPaint();
         target.Clear(0xFFFFFFFFU);

@@ -110,7 +110,7 @@ std::vector<uint32_t> HardwareTest::On(const std::shared_ptr<D3D11Context>& cont
                                        const Drawing& draw) {
     auto surface = std::make_unique<TextureSurface>(width, height);
     const TextureSurface* reader = surface.get();
-    D3D11RenderTarget target(context, std::move(surface));
+    RenderTarget target(std::make_unique<D3D11RenderTarget>(context, std::move(surface)));
     target.BeginPaint();
     draw(target);
     target.EndPaint();
@@ -121,7 +121,7 @@ std::vector<uint32_t> HardwareTest::InSoftware(int32_t width, int32_t height, co
     auto image = std::make_shared<SysMemBitmap>(width, height, GXPixelFormatBGRX32);
     image->Zero();
     auto bitmap = std::make_shared<Bitmap>(image);
-    SwRenderTarget target(std::make_unique<SwBitmapSurface>(bitmap));
+    RenderTarget target(std::make_unique<SwRenderTarget>(std::make_unique<SwBitmapSurface>(bitmap)));
     target.BeginPaint();
     draw(target);
     target.EndPaint();

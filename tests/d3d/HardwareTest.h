@@ -13,6 +13,7 @@
 #include "Bitmaps/Bitmap.h"
 #include "Direct3D11/D3D11RenderTarget.h"
 #include "Paint/Brush.h"
+#include "Target/RenderTarget.h"
 
 namespace Graphics {
 
@@ -46,7 +47,7 @@ struct Difference {
 };
 [[nodiscard]] Difference Compare(const std::vector<uint32_t>& a, const std::vector<uint32_t>& b, int32_t width);
 
-using Drawing = std::function<void(RenderTargetBase&)>;
+using Drawing = std::function<void(RenderTarget&)>;
 
 /// Skips, with the reason, where there is no shader compiler or no device.
 class HardwareTest : public testing::Test {

@@ -14,9 +14,9 @@ namespace {
 
 constexpr int32_t kSide = 96;
 
-void FillEllipse(RenderTargetBase& t, const Rect& r, const Brush& brush) {
+void FillEllipse(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Ellipse, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 [[nodiscard]] std::shared_ptr<Bitmap> Noise(int32_t width, int32_t height) {
@@ -33,7 +33,7 @@ void FillEllipse(RenderTargetBase& t, const Rect& r, const Brush& brush) {
 /// Slanted bands, clips, tiles of every kind, gradients, masks, inversion, clears in clips, and groups in groups.
 TEST_F(HardwareTest, DrawsWithoutAShaderAreTheSameDraws) {
     const auto noise = Noise(13, 11);
-    const Drawing draw = [&](RenderTargetBase& t) {
+    const Drawing draw = [&](RenderTarget& t) {
         t.Clear(0xFFE0D0C0U);
         for (uint32_t i = 0; i < 9; ++i) {
             BitmapBrush tile(noise);
@@ -47,7 +47,7 @@ TEST_F(HardwareTest, DrawsWithoutAShaderAreTheSameDraws) {
         }
         t.PushState();
         const BasicFigure clip(BasicFigure::Kind::Ellipse, {10, 5, 90, 70});
-        t.Clip({nullptr, &clip});
+        t.Clip(clip);
         auto gradient = std::make_shared<LinearGradient>();
         gradient->end = {90, 40};
         const GradientStop stops[] = {{0.0F, 0x80FF0000U}, {0.5F, 0xFF00FF00U}, {1.0F, 0x200000FFU}};
@@ -92,8 +92,8 @@ TEST_F(HardwareTest, OneRefusedModeLeavesTheOthersOnTheCard) {
         [](const std::string& text) { return text.find("SetLum(SetSat(cs") != std::string::npos; });
     auto surface = std::make_unique<TextureSurface>(kSide, kSide);
     const TextureSurface* reader = surface.get();
-    D3D11RenderTarget target(context, std::move(surface));
-    const Drawing draw = [](RenderTargetBase& t) {
+    RenderTarget target(std::make_unique<D3D11RenderTarget>(context, std::move(surface)));
+    const Drawing draw = [](RenderTarget& t) {
         t.Clear(0xFF808040U);
         for (const uint32_t mode : {GXBlendModeMultiply, GXBlendModeHue, GXBlendModeScreen, GXBlendModeHue}) {
             t.SetBlendMode(mode);

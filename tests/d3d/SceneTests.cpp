@@ -14,16 +14,16 @@ namespace {
 
 constexpr int32_t kSide = 128;
 
-void FillRect(RenderTargetBase& t, const Rect& r, const Brush& brush) {
+void FillRect(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 [[nodiscard]] SolidBrush Solid(float r, float g, float b, float a = 1.0F) { return SolidBrush({r, g, b, a}); }
 
-void FillEllipse(RenderTargetBase& t, const Rect& r, const Brush& brush) {
+void FillEllipse(RenderTarget& t, const Rect& r, const Brush& brush) {
     const BasicFigure figure(BasicFigure::Kind::Ellipse, r);
-    t.Fill({nullptr, &figure}, brush, false);
+    t.Fill(figure, brush);
 }
 
 /// The agreed bound for whole scenes.
@@ -75,7 +75,7 @@ template <class G> [[nodiscard]] std::shared_ptr<G> WithStops(bool extend) {
 } // namespace
 
 TEST_F(HardwareTest, RectanglesAndEllipses) {
-    const Difference d = Both(kSide, kSide, [](RenderTargetBase& t) {
+    const Difference d = Both(kSide, kSide, [](RenderTarget& t) {
         t.Clear(0xFFFFFFFFU);
         FillRect(t, {10, 10, 60, 60}, Solid(1, 0, 0));
         FillRect(t, {30.3F, 30.6F, 90.2F, 80.9F}, Solid(0, 0.5F, 1, 0.5F));
@@ -85,7 +85,7 @@ TEST_F(HardwareTest, RectanglesAndEllipses) {
         FillEllipse(t, {60, 60, 66, 64}, Solid(0, 0, 0));
     });
     ExpectClose(d, "plain");
-    const auto pixels = OnHardware(8, 8, [](RenderTargetBase& t) {
+    const auto pixels = OnHardware(8, 8, [](RenderTarget& t) {
         t.Clear(0x00112233U);
         FillRect(t, {0, 0, 4, 8}, SolidBrush({1, 0, 0, 1}));
     });
@@ -97,15 +97,15 @@ TEST_F(HardwareTest, PathsStrokesAndClips) {
     for (const float scale : {20.0F, 300.0F}) {
         for (const uint32_t rule : {0U, 1U}) {
             ExpectClose(Both(320, 320,
-                             [&](RenderTargetBase& t) {
+                             [&](RenderTarget& t) {
                                  t.Clear(0xFFFFFFFFU);
                                  const std::shared_ptr<const Shape> star = Star(scale, rule);
                                  t.SetTransform({0.98F, 0.1F, -0.1F, 0.98F, 30.0F, 5.0F});
-                                 t.Fill({&star, nullptr}, Solid(0.1F, 0.2F, 0.6F, 0.8F), false);
+                                 t.Fill(star, Solid(0.1F, 0.2F, 0.6F, 0.8F));
                                  StrokeStyle style;
-                                 t.Stroke({&star, nullptr}, Solid(0.9F, 0.1F, 0.1F), 2.5F, style);
+                                 t.Stroke(star, Solid(0.9F, 0.1F, 0.1F), 2.5F, style);
                                  t.PushState();
-                                 t.Clip({&star, nullptr});
+                                 t.Clip(star);
                                  FillEllipse(t, {0, 0, scale, scale * 0.7F}, Solid(0, 0.7F, 0));
                                  FillRect(t, {0, 0, scale, scale * 0.2F}, Solid(0.7F, 0.7F, 0));
                                  t.PopState();
@@ -125,9 +125,9 @@ TEST_F(HardwareTest, SlopesOfBandsHaveTheSoftwaresCoverage) {
         shape->LineTo({40.0F + slope * 100.0F, 110.7F});
         shape->EndFigureClose();
         const std::shared_ptr<const Shape> path = shape;
-        const Difference d = Both(400, 128, [&](RenderTargetBase& t) {
+        const Difference d = Both(400, 128, [&](RenderTarget& t) {
             t.SetStrokeAdjustment(false);
-            t.Fill({&path, nullptr}, Solid(1, 1, 1), false);
+            t.Fill(path, Solid(1, 1, 1));
         });
         // The software's edges lie on eighths of a pixel, which is half of this.
         EXPECT_LE(d.largest, 20) << "slope " << slope << " at " << d.x << " " << d.y;
@@ -139,7 +139,7 @@ TEST_F(HardwareTest, GradientsOfEveryKind) {
         for (int kind = 0; kind < 3; ++kind) {
             ExpectClose(
                 Both(kSide, kSide,
-                     [&](RenderTargetBase& t) {
+                     [&](RenderTarget& t) {
                          t.Clear(0xFFFFFFFFU);
                          std::shared_ptr<const Gradient> gradient;
                          if (kind == 0) {
@@ -173,7 +173,7 @@ TEST_F(HardwareTest, BitmapsOfEveryInterpolationAndTiling) {
     for (uint32_t interpolation = 0; interpolation < 3; ++interpolation) {
         for (const float scale : {0.23F, 1.0F, 3.7F}) {
             ExpectClose(Both(kSide, kSide,
-                             [&](RenderTargetBase& t) {
+                             [&](RenderTarget& t) {
                                  t.DrawBitmap(*large, {0, 0, 90, 70},
                                               {5.0F, 9.0F, 5.0F + 90 * scale, 9.0F + 70 * scale}, 0.75F, interpolation);
                                  t.DrawBitmap(*large, {30, 20, 60, 50}, {120, 120, 80, 90}, 1.0F, interpolation);
@@ -183,7 +183,7 @@ TEST_F(HardwareTest, BitmapsOfEveryInterpolationAndTiling) {
         for (uint32_t x = 0; x < 3; ++x) {
             for (uint32_t y = 0; y < 3; ++y) {
                 ExpectClose(Both(kSide, kSide,
-                                 [&](RenderTargetBase& t) {
+                                 [&](RenderTarget& t) {
                                      BitmapBrush brush(Picture(23, 17, GXPixelFormatBGRX32));
                                      brush.interpolation = interpolation;
                                      brush.extendX = x;
@@ -202,7 +202,7 @@ TEST_F(HardwareTest, BitmapsOfEveryInterpolationAndTiling) {
 TEST_F(HardwareTest, EveryFormatAndMasksOfBitmaps) {
     for (uint32_t format = GXPixelFormatUnknown + 1; format <= 10; ++format) {
         ExpectClose(Both(kSide, kSide,
-                         [&](RenderTargetBase& t) {
+                         [&](RenderTarget& t) {
                              t.Clear(0xFF8090A0U);
                              const auto bitmap = Picture(30, 30, static_cast<GXPixelFormat>(format));
                              t.DrawBitmap(*bitmap, {0, 0, 30, 30}, {0, 0, 60, 60}, 1.0F, GXInterpolationNearest);
@@ -214,17 +214,17 @@ TEST_F(HardwareTest, EveryFormatAndMasksOfBitmaps) {
 }
 
 TEST_F(HardwareTest, InversionRestores) {
-    const Drawing draw = [](RenderTargetBase& t) {
+    const Drawing draw = [](RenderTarget& t) {
         t.Clear(0xFF336699U);
         FillEllipse(t, {10, 10, 100, 100}, Solid(1, 0.5F, 0));
     };
-    const Drawing inverted = [&](RenderTargetBase& t) {
+    const Drawing inverted = [&](RenderTarget& t) {
         draw(t);
         t.InvertRect({20.4F, 20, 80, 70.6F});
         t.InvertLine({0, 5}, {120, 100});
     };
     EXPECT_LE(Both(kSide, kSide, inverted).above16, 0.01);
-    const auto twice = OnHardware(kSide, kSide, [&](RenderTargetBase& t) {
+    const auto twice = OnHardware(kSide, kSide, [&](RenderTarget& t) {
         inverted(t);
         t.InvertLine({0, 5}, {120, 100});
         t.InvertRect({20.4F, 20, 80, 70.6F});

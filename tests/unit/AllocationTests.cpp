@@ -53,21 +53,21 @@ public:
 
     /// One of everything.
     void Draw() {
-        RenderTargetBase& t = m_target->Painting();
+        RenderTarget& t = *m_target;
         const SolidBrush solid({1.0F, 0.0F, 0.0F, 0.5F});
-        const PathRef shape{&m_shape, nullptr};
+        const Path shape(m_shape);
         const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {20, 20, 120, 90});
-        const PathRef figure{nullptr, &ellipse};
+        const Path figure(ellipse);
         StrokeStyle round;
         round.join = GXLineJoinRound;
         round.cap = GXLineCapRound;
         for (const uint32_t mode : {0U, 1U, 12U}) {
             t.SetBlendMode(mode);
-            t.Fill(shape, solid, false);
-            t.Fill(shape, *m_gradient, true);
-            t.Fill({&m_glyph->SharedShape(), nullptr}, solid, true);
-            t.Fill({&m_glyph->SharedShape(), nullptr}, *m_gradient, true);
-            t.Fill(figure, *m_bitmapBrush, false);
+            t.Fill(shape, solid);
+            t.Fill(Path::Outline(m_shape), *m_gradient);
+            t.Fill(Path::Outline(m_glyph->SharedShape()), solid);
+            t.Fill(Path::Outline(m_glyph->SharedShape()), *m_gradient);
+            t.Fill(figure, *m_bitmapBrush);
             t.Stroke(shape, solid, 5.0F, round);
             t.Stroke(figure, solid, 0.0F, StrokeStyle());
             t.DrawBitmap(*m_image, {0, 0, 40, 30}, {3.5F, 7, 190, 140}, 0.5F, GXInterpolationLinear);
@@ -78,9 +78,9 @@ public:
         t.SetBlendMode(0);
         t.PushState();
         t.Clip(shape);
-        t.Fill(figure, solid, false);
+        t.Fill(figure, solid);
         t.BeginLayer({{0, 0, 0, 0}, 0.5F, 0, 0});
-        t.Fill(shape, solid, false);
+        t.Fill(shape, solid);
         t.EndLayer();
         t.PopState();
         DrawGroups(t, 0);
@@ -88,17 +88,17 @@ public:
 
 private:
     /// Groups of every kind inside each other, composited under masks and clips, with drawing under masks in each.
-    void DrawGroups(RenderTargetBase& t, uint32_t depth) {
-        const PathRef shape{&m_shape, nullptr};
+    void DrawGroups(RenderTarget& t, uint32_t depth) {
+        const Path shape(m_shape);
         t.PushState();
         t.Clip(shape);
         t.SetShapeMask(GXMaskTypeLuminosity, m_bitmapBrush);
         t.SetOpacityMask(GXMaskTypeInverseAlpha, m_gradient);
         t.SetBlendMode(depth * 3);
         t.BeginLayer({{0, 0, 0, 0}, 0.75F, static_cast<uint8_t>(depth & 1), static_cast<uint8_t>(depth >> 1)});
-        t.Fill(shape, *m_bitmapBrush, false);
+        t.Fill(shape, *m_bitmapBrush);
         t.SetOpacityMask(GXMaskTypeAlpha, m_gradient);
-        t.Fill({&m_glyph->SharedShape(), nullptr}, *m_gradient, true);
+        t.Fill(Path::Outline(m_glyph->SharedShape()), *m_gradient);
         t.Clear(0x40302010);
         if (depth < 3) {
             DrawGroups(t, depth + 1);
@@ -138,7 +138,7 @@ template <class Refuse> void RefuseEach(const Refuse& refuse) {
     };
     const auto whole = [](Page& page) {
         page.Target().BeginPaint();
-        page.Target().BackEnd().Clear(0xFFFFFFFF);
+        page.Target().Clear(0xFFFFFFFF);
         page.Draw();
         page.Target().EndPaint();
     };

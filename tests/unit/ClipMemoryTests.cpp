@@ -22,26 +22,26 @@ protected:
         m_target = RenderTarget::ForBitmap(m_bitmap);
         m_target->BeginPaint();
         // What rasterizing takes is there, and all that is kept of clips that were small.
-        m_target->BackEnd().PushState();
+        m_target->PushState();
         Clip(BasicFigure::Kind::Ellipse, {0, 0, 1000, 1000});
-        m_target->BackEnd().PopState();
+        m_target->PopState();
         m_held = Held();
         m_live = RefusingNew::Live();
     }
     void Clip(BasicFigure::Kind kind, const Rect& r) const {
         const BasicFigure figure(kind, r);
-        m_target->BackEnd().Clip({nullptr, &figure});
+        m_target->Clip(figure);
     }
     void Pop(int count) const {
         for (int i = 0; i < count; ++i) {
-            m_target->BackEnd().PopState();
+            m_target->PopState();
         }
     }
     void ExpectLittleIsKept() const {
         EXPECT_LT(Held() - m_held, kMiB);
         EXPECT_LT(RefusingNew::Live() - m_live, 200);
     }
-    [[nodiscard]] RenderTargetBase& Calls() const { return m_target->BackEnd(); }
+    [[nodiscard]] RenderTarget& Calls() const { return *m_target; }
 
     std::shared_ptr<Bitmap> m_bitmap = Bitmap::Create({1000, 1000, GXPixelFormatPBGRA32, 96, 96});
     std::shared_ptr<RenderTarget> m_target;

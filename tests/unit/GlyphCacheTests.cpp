@@ -108,10 +108,10 @@ public:
         m_target = RenderTarget::ForBitmap(m_bitmap);
         m_target->BeginPaint();
     }
-    [[nodiscard]] RenderTargetBase& Target() { return m_target->Painting(); }
+    [[nodiscard]] RenderTarget& Target() { return *m_target; }
     void Fill(const Geometry& glyph, const Matrix& m, const Brush& brush, bool text = true) {
         Target().SetTransform(m);
-        Target().Fill({&glyph.SharedShape(), nullptr}, brush, text);
+        Target().Fill(text ? Path::Outline(glyph.SharedShape()) : Path(glyph.SharedShape()), brush);
     }
     /// What a cold start finds.
     void Forget() {
@@ -160,10 +160,10 @@ TEST(GlyphCache, WarmAndColdDrawTheSameBytes) {
         Page warm;
         Page cold;
         for (Page* page : {&warm, &cold}) {
-            RenderTargetBase& t = page->Target();
+            RenderTarget& t = page->Target();
             t.SetTransform({1, 0, 0, 1, 10, 110});
             if (form == 1) {
-                t.Clip({&clip->SharedShape(), nullptr});
+                t.Clip(clip->SharedShape());
             } else if (form == 2) {
                 t.SetBlendMode(GXBlendModeMultiply);
             } else if (form == 3) {

@@ -250,7 +250,7 @@ TEST(LinearGradientSource, EqualsFormula) {
         brush.transform = scene.brush;
         brush.opacity = scene.opacity;
         Arena arena;
-        SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, kBounds, scene.ctm);
+        SwColorSource* source = SwColorSource::Create(arena, InkOf(brush), kBounds, scene.ctm);
         double m[6];
         ASSERT_TRUE(scene.Inverse(m));
         const double sx = g->start.x, sy = g->start.y;
@@ -282,7 +282,7 @@ TEST(LinearGradientSource, WhereStepsOverflowIsBeforeTheStart) {
     g->hasBackground = true;
     g->background = UnpackColor(0xFFFF0000U);
     Arena arena;
-    SwColorSource* source = SwColorSource::CreateFromBrush(arena, GradientBrush(g), kBounds, kIdentity);
+    SwColorSource* source = SwColorSource::Create(arena, InkOf(GradientBrush(g)), kBounds, kIdentity);
     EXPECT_EQ(Row(*source, 100, 120, 100), std::vector<uint32_t>(20, 0xFF112233U));
 }
 
@@ -308,7 +308,7 @@ TEST(RadialGradientSource, EqualsFormula) {
         brush.transform = scene.brush;
         brush.opacity = scene.opacity;
         Arena arena;
-        SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, kBounds, scene.ctm);
+        SwColorSource* source = SwColorSource::Create(arena, InkOf(brush), kBounds, scene.ctm);
         double m[6];
         ASSERT_TRUE(scene.Inverse(m));
         const float dr = g->endRadius - g->startRadius;
@@ -356,7 +356,7 @@ TEST(RadialGradientSource, IsNotOpaqueWhereNoCirclePasses) {
         g->hasBackground = background != 0;
         g->background = UnpackColor(background);
         Arena arena;
-        SwColorSource* source = SwColorSource::CreateFromBrush(arena, GradientBrush(g), kBounds, kIdentity);
+        SwColorSource* source = SwColorSource::Create(arena, InkOf(GradientBrush(g)), kBounds, kIdentity);
         const std::vector<uint32_t> row = Row(*source, 0, 5, 0);
         EXPECT_EQ(row[0] >> 24, background >> 24);
         EXPECT_EQ(source->IsOpaque(), background >> 24 == 255);
@@ -379,13 +379,13 @@ TEST(GradientSources, WithoutExtentOrInverseAreBackground) {
         radial->end = {5, 5};
         radial->startRadius = radial->endRadius = 3;
         const uint32_t expected = hasBackground ? PackColor(linear->background) : 0; // not premultiplied
-        EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(linear), kBounds, kIdentity), -3, 9, 4),
+        EXPECT_EQ(Row(*SwColorSource::Create(arena, InkOf(GradientBrush(linear)), kBounds, kIdentity), -3, 9, 4),
                   std::vector<uint32_t>(12, expected));
-        EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(radial), kBounds, kIdentity), -3, 9, 4),
+        EXPECT_EQ(Row(*SwColorSource::Create(arena, InkOf(GradientBrush(radial)), kBounds, kIdentity), -3, 9, 4),
                   std::vector<uint32_t>(12, expected));
         linear->end = {10, 0};
         for (const Matrix& m : {Matrix{1, 1, 1, 1, 0, 0}, Matrix{kNaN, 0, 0, 1, 0, 0}, Matrix{1, 0, 0, 1, kInf, 0}}) {
-            EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(linear), kBounds, m), -3, 9, 4),
+            EXPECT_EQ(Row(*SwColorSource::Create(arena, InkOf(GradientBrush(linear)), kBounds, m), -3, 9, 4),
                       std::vector<uint32_t>(12, expected));
         }
         linear->end = linear->start;
@@ -399,8 +399,7 @@ public:
 
 TEST(ColorSource, UnknownBrushIsNotImplemented) {
     Arena arena;
-    EXPECT_THROW(static_cast<void>(SwColorSource::CreateFromBrush(arena, StrangeBrush(), kBounds, kIdentity)),
-                 Exception);
+    EXPECT_THROW(static_cast<void>(SwColorSource::Create(arena, InkOf(StrangeBrush()), kBounds, kIdentity)), Exception);
 }
 
 } // namespace

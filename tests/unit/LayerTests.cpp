@@ -32,10 +32,10 @@ struct Canvas {
         target->BeginPaint();
         SwSpareBlock::Drop(); // what other targets left
     }
-    [[nodiscard]] RenderTargetBase& Calls() const { return target->BackEnd(); }
+    [[nodiscard]] RenderTarget& Calls() const { return *target; }
     void Fill(const Rect& r, const Color& color) const {
         const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
-        Calls().Fill({nullptr, &figure}, SolidBrush(color), false);
+        Calls().Fill(figure, SolidBrush(color));
     }
     void Open(int kind) const { // 0 to 3
         Calls().BeginLayer({{0, 0, 0, 0}, 1.0F, static_cast<uint8_t>(kind & 1), static_cast<uint8_t>(kind >> 1)});
@@ -280,12 +280,12 @@ TEST(OpaqueTarget, FourthBytesAreTouchedWhereSomethingIsDrawn) {
         EXPECT_EQ(CountedKernels::s_setOpaque, 0U) << "an empty bracket costs nothing for its pixels";
         const BasicFigure figure(BasicFigure::Kind::Rectangle, {2, 2, 12, 12});
         const SolidBrush half({1, 0, 0, 0.5F});
-        target->BackEnd().Fill({nullptr, &figure}, half, false);
+        target->Fill(figure, half);
         EXPECT_EQ(CountedKernels::s_setOpaque, 100U);
         // Once they are known to be 255, drawing costs what it costs on any target.
-        target->BackEnd().Clear(0xFFFFFFFFU);
+        target->Clear(0xFFFFFFFFU);
         for (int i = 0; i < 10; ++i) {
-            target->BackEnd().Fill({nullptr, &figure}, half, false);
+            target->Fill(figure, half);
         }
         EXPECT_EQ(CountedKernels::s_setOpaque, 100U);
         target->EndPaint();

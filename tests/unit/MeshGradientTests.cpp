@@ -61,7 +61,7 @@ TEST(MeshSource, SharedEdgesLeaveNoGapAndLaterTrianglesDoNotSpill) {
             Arena arena;
             GradientBrush brush(g);
             SwColorSource* source =
-                SwColorSource::CreateFromBrush(arena, brush, {-4, -4, 70, 70}, {1, 0, 0, 1, 0.0F, 0.0F});
+                SwColorSource::Create(arena, InkOf(brush), {-4, -4, 70, 70}, {1, 0, 0, 1, 0.0F, 0.0F});
             std::vector<uint32_t> image;
             for (int32_t y = -6; y < 72; ++y) {
                 const std::vector<uint32_t> row = Row(*source, -6, 72, y);
@@ -88,7 +88,7 @@ TEST(MeshSource, InterpolatesStraightColoursAndPremultiplies) {
     GradientBrush brush(g);
     brush.opacity = 0.5F;
     Arena arena;
-    SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, {0, 0, 50, 50}, kIdentity);
+    SwColorSource* source = SwColorSource::Create(arena, InkOf(brush), {0, 0, 50, 50}, kIdentity);
     for (int32_t y = 0; y < 50; ++y) {
         const std::vector<uint32_t> row = Row(*source, 0, 50, y);
         for (int32_t x = 0; x < 50; ++x) {
@@ -127,13 +127,13 @@ TEST(MeshSource, BandsShowWhatTheWholeMeshShows) {
     brush.opacity = 0.7F;
     const int64_t held = ProcessHeap::AlignedHeld().bytes;
     Arena arena;
-    SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, {0, 0, kWidth, kHeight}, kIdentity);
+    SwColorSource* source = SwColorSource::Create(arena, InkOf(brush), {0, 0, kWidth, kHeight}, kIdentity);
     EXPECT_LT(ProcessHeap::AlignedHeld().bytes - held, 1 << 20);
     size_t painted = 0;
     for (const int32_t y : {0, 1, 53, 54, 55, 700, 200, 1499, 1498, 1000, 54}) {
         Arena other;
-        SwColorSource* alone = SwColorSource::CreateFromBrush(
-            other, brush, {0, static_cast<float>(y), kWidth, static_cast<float>(y + 1)}, kIdentity);
+        SwColorSource* alone = SwColorSource::Create(
+            other, InkOf(brush), {0, static_cast<float>(y), kWidth, static_cast<float>(y + 1)}, kIdentity);
         const std::vector<uint32_t> row = Row(*source, 0, kWidth, y);
         ASSERT_EQ(row, Row(*alone, 0, kWidth, y)) << y;
         EXPECT_EQ(0, std::memcmp(source->DirectRow(0, kWidth, y), row.data(), kWidth * 4));
@@ -178,7 +178,7 @@ TEST(MeshSource, BearsAnyVertex) {
         GradientBrush brush(g);
         brush.opacity = odd[g_random() % 11];
         Arena arena;
-        SwColorSource* source = SwColorSource::CreateFromBrush(arena, brush, {0, 0, 30, 30}, kIdentity);
+        SwColorSource* source = SwColorSource::Create(arena, InkOf(brush), {0, 0, 30, 30}, kIdentity);
         for (const uint32_t c : Row(*source, 0, 30, static_cast<int32_t>(g_random() % 30))) {
             for (int i = 0; i < 3; ++i) {
                 ASSERT_LE(Channel(c, i), c >> 24);
@@ -189,7 +189,7 @@ TEST(MeshSource, BearsAnyVertex) {
     const auto g = std::make_shared<TriMeshGradient>();
     g->vertices.resize(3);
     for (const Rect& r : {Rect{kNaN, 0, 10, 10}, Rect{5, 5, 5, 5}, Rect{0, 0, kNaN, kNaN}}) {
-        EXPECT_EQ(Row(*SwColorSource::CreateFromBrush(arena, GradientBrush(g), r, kIdentity), 0, 3, 0),
+        EXPECT_EQ(Row(*SwColorSource::Create(arena, InkOf(GradientBrush(g)), r, kIdentity), 0, 3, 0),
                   std::vector<uint32_t>(3, 0));
     }
 }

@@ -240,7 +240,7 @@ void ExpectSampled(const Image& image, CacheHolder* derived, uint32_t interpolat
                    float opacity, const Matrix& placement, bool mask, int rows) {
     Arena arena;
     SwColorSource* source =
-        CreateBitmapSource(arena, image.view, derived, interpolation, modeX, modeY, opacity, placement, mask);
+        CreateBitmapSource(arena, {image.view, derived, interpolation, modeX, modeY, opacity, placement, mask});
     Matrix m;
     ASSERT_TRUE(Invert(placement, m));
     Plain plain(image, mask);
@@ -342,7 +342,7 @@ TEST(BitmapSampler, WholePixelPlacementCopiesEveryPixel) {
     for (const uint32_t interpolation : {0U, 1U, 2U, 9U}) {
         Arena arena;
         SwColorSource* source =
-            CreateBitmapSource(arena, image.view, nullptr, interpolation, 0, 0, 1.0F, {1, 0, 0, 1, -5, 7}, false);
+            CreateBitmapSource(arena, {image.view, nullptr, interpolation, 0, 0, 1.0F, {1, 0, 0, 1, -5, 7}, false});
         for (int32_t y = 0; y < 9 && image.bytes.size() >= 64 * 9; ++y) {
             uint32_t out[16];
             source->Fill(-5, 11, y + 7, out);
@@ -371,9 +371,9 @@ TEST(BitmapSampler, ReducedImagesAreKeptWithTheBitmap) {
     uint32_t kept[5];
     uint32_t fresh[5];
     std::fill(image.bytes.begin(), image.bytes.end(), uint8_t{255});
-    CreateBitmapSource(arena, image.view, &derived, 2, 0, 0, 1.0F, small, false)->Fill(2, 7, 5, kept);
+    CreateBitmapSource(arena, {image.view, &derived, 2, 0, 0, 1.0F, small, false})->Fill(2, 7, 5, kept);
     derived.Clear();
-    CreateBitmapSource(arena, image.view, &derived, 2, 0, 0, 1.0F, small, false)->Fill(2, 7, 5, fresh);
+    CreateBitmapSource(arena, {image.view, &derived, 2, 0, 0, 1.0F, small, false})->Fill(2, 7, 5, fresh);
     EXPECT_NE(kept[2], fresh[2]);
     EXPECT_EQ(fresh[2], 0xFFFFFFFFU);
 }
@@ -385,9 +385,9 @@ TEST(BitmapSampler, BearsAnyPlacement) {
         const auto pick = [&] { return odd[g_random() % 11]; };
         Arena arena;
         const Matrix placement{pick(), pick(), pick(), pick(), pick(), pick()};
-        SwColorSource* source = CreateBitmapSource(arena, image.view, nullptr, static_cast<uint32_t>(g_random() % 3),
-                                                   static_cast<uint32_t>(g_random() % 3),
-                                                   static_cast<uint32_t>(g_random() % 3), pick(), placement, false);
+        SwColorSource* source = CreateBitmapSource(
+            arena, {image.view, nullptr, static_cast<uint32_t>(g_random() % 3), static_cast<uint32_t>(g_random() % 3),
+                    static_cast<uint32_t>(g_random() % 3), pick(), placement, false});
         uint32_t out[20];
         for (const int32_t x : {-2147483647 - 1, -9, 2147483627}) {
             source->Fill(x, x + 20, x, out);
@@ -408,8 +408,9 @@ TEST(BitmapSampler, UnknownFormatIsNotImplemented) {
     for (const uint32_t format : {0U, 11U, 0xFFFFFFFFU}) {
         image.view.format = format;
         Arena arena;
-        EXPECT_THROW(static_cast<void>(CreateBitmapSource(arena, image.view, nullptr, 0, 0, 0, 1.0F, kIdentity, false)),
-                     Exception);
+        EXPECT_THROW(
+            static_cast<void>(CreateBitmapSource(arena, {image.view, nullptr, 0, 0, 0, 1.0F, kIdentity, false})),
+            Exception);
     }
 }
 

@@ -25,7 +25,7 @@ struct Canvas {
         target->BeginPaint();
         SwSpareBlock::Drop();
     }
-    [[nodiscard]] RenderTargetBase& Calls() const { return target->BackEnd(); }
+    [[nodiscard]] RenderTarget& Calls() const { return *target; }
 
     std::shared_ptr<Bitmap> bitmap;
     std::shared_ptr<RenderTarget> target;
@@ -59,12 +59,12 @@ TEST(TargetMemory, EdgesOfALargePathGoWithTheBracket) {
         Canvas canvas;
         const SolidBrush brush({0, 0, 0.5F, 1});
         const int64_t before = Held();
-        canvas.Calls().Fill({&shape, nullptr}, brush, false);
+        canvas.Calls().Fill(shape, brush);
         // A vertex has 8 bytes, its array room for half as many again, an edge 32.
         EXPECT_LT(Held() - before, kSides * (12 + 32) + kMiB);
-        canvas.Calls().Stroke({&shape, nullptr}, brush, 0.5F, {});
-        canvas.Calls().Clip({&shape, nullptr});
-        canvas.Calls().Fill({&shape, nullptr}, brush, false);
+        canvas.Calls().Stroke(shape, brush, 0.5F, {});
+        canvas.Calls().Clip(shape);
+        canvas.Calls().Fill(shape, brush);
         canvas.target->EndPaint();
         EXPECT_LT(Held() - before, 2 * kMiB);
     }

@@ -40,10 +40,10 @@ TEST(TextLoop, GlyphsMoveOnInBothDirectionsUnderTheMatrix) {
     const uint16_t text[] = {1, 3, 2, 0};
     target->BeginPaint();
     const Matrix swapped{0, 1, 1, 0, 1, 2}; // x and y exchanged, moved by (1, 2)
-    target->BackEnd().SetTransform(swapped);
+    target->SetTransform(swapped);
     target->FillText(font, text, brush);
-    EXPECT_EQ(target->BackEnd().GetTransform().m20, 1.0F);
-    EXPECT_EQ(target->BackEnd().GetTransform().m21, 2.0F);
+    EXPECT_EQ(target->GetTransform().m20, 1.0F);
+    EXPECT_EQ(target->GetTransform().m21, 2.0F);
     target->EndPaint();
     std::vector<uint32_t> pixels(256), expected(256);
     canvas->CopyToMemory(nullptr, {pixels.data(), 64, 64});

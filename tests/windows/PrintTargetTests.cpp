@@ -140,15 +140,11 @@ TEST_F(PrintTarget, TexturesHaveTheWrapModesAndOpacitiesOfTheirBrushes) {
         EXPECT_TRUE(type == Gdiplus::ColorAdjustTypeBitmap && on && grey == nullptr && m->m[0][0] == 1.0F);
         return Graphics::GdipFlat::GdipSetImageAttributesColorMatrix(a, type, on, m, grey, f);
     };
-    uint32_t pixels[4] = {0xFF000000U, 0xFFFFFFFFU, 0xFF00FF00U, 0xFF0000FFU};
-    Graphics::PixelView view;
-    view.data = reinterpret_cast<uint8_t*>(pixels);
-    view.strideBytes = 8;
-    view.width = view.height = 2;
-    view.format = GXPixelFormatBGRX32;
+    const auto bitmap = Graphics::Bitmap::Create({2, 2, GXPixelFormatBGRX32, 96.0F, 96.0F});
+    bitmap->ColorFill(nullptr, {0, 1, 0, 1});
     for (const float opacity : {0.5F, 0.98F, 0.99F, 1.0F, 1.01F, 1.02F}) {
         plain = scaled = 0;
-        Source source(view, 96.0F, 96.0F, opacity, Graphics::kIdentity, 1, 1);
+        Source source(Graphics::ImageInk(*bitmap, {0, 0, 2, 2}, opacity, 0), Graphics::kIdentity);
         source.Check();
         const bool isPlain = opacity >= 0.99F && opacity <= 1.01F;
         EXPECT_EQ(plain, isPlain ? 1 : 0) << opacity;
@@ -486,11 +482,14 @@ TEST_F(PrintTarget, BandsAreOnePicture) {
     Graphics::GdipPageList page;
     const auto kept = std::make_shared<Graphics::SolidBrush>(Graphics::Color{0.2F, 0.5F, 0.9F, 0.6F});
     const Graphics::BasicFigure disc(Graphics::BasicFigure::Kind::Ellipse, {3, 2, 47, 39});
-    const Graphics::GdipKeptPath path({nullptr, &disc});
-    page.AddState(Graphics::kIdentity, [](Graphics::RenderTargetBase& t) { t.BeginLayer({{0, 0, 0, 0}, 0.7F, 0, 0}); });
-    page.Add(Graphics::kIdentity, {2, 1, 48, 40},
-             [&](Graphics::RenderTargetBase& t) { t.Fill(path.Ref(), *kept, false); });
-    page.AddState(Graphics::kIdentity, [](Graphics::RenderTargetBase& t) { t.EndLayer(); });
+    const Graphics::GdipKeptPath path(disc);
+    using Graphics::GraphicsState;
+    using Graphics::RenderTargetBase;
+    page.AddScope({}, [](RenderTargetBase& t, const GraphicsState& s) { t.BeginLayer(s, {{0, 0, 0, 0}, 0.7F, 0, 0}); });
+    page.Add({}, {2, 1, 48, 40}, [&](RenderTargetBase& t, const GraphicsState& s) {
+        t.Paint(s, path.Get(), Graphics::InkOf(*kept), nullptr);
+    });
+    page.AddScope({}, [](RenderTargetBase& t, const GraphicsState& s) { t.EndLayer(s); });
     using Graphics::Region;
     const Region region = Region::Combine(Region({1, 0, 30, 41}), Region({20, 10, 49, 35}), Graphics::RegionOp::Union);
     const auto run = [&](int64_t pixels, int& bands) {

@@ -70,8 +70,9 @@ TEST(Fence, SamplersStayInsideTheirImage) {
                            Uniform(-10, 10),
                            Uniform(-10, 10)};
         Arena arena;
-        SwColorSource* source = CreateBitmapSource(arena, view, nullptr, g_random() % 2, g_random() % 3, g_random() % 3,
-                                                   1.0F, place, false);
+        SwColorSource* source = CreateBitmapSource(arena, {view, nullptr, static_cast<uint32_t>(g_random() % 2),
+                                                           static_cast<uint32_t>(g_random() % 3),
+                                                           static_cast<uint32_t>(g_random() % 3), 1.0F, place, false});
         for (int32_t y = -12; y < 40; ++y) {
             Row(*source, -20, 60, y);
         }

@@ -63,14 +63,14 @@ GXResult GXRenderTargetGetPixelFormat(GXRenderTarget renderTarget, GXPixelFormat
     if (AnyNull(renderTarget, out)) {
         return GXResultInvalidArgument;
     }
-    return With(renderTarget, [&](RenderTarget& t) { *out = t.BackEnd().GetPixelFormat(); });
+    return With(renderTarget, [&](RenderTarget& t) { *out = t.GetPixelFormat(); });
 }
 
 GXResult GXRenderTargetGetSize(GXRenderTarget renderTarget, GXSize* out) noexcept {
     if (AnyNull(renderTarget, out)) {
         return GXResultInvalidArgument;
     }
-    return With(renderTarget, [&](RenderTarget& t) { *out = t.BackEnd().GetSize(); });
+    return With(renderTarget, [&](RenderTarget& t) { *out = t.GetSize(); });
 }
 
 GXResult GXRenderTargetBeginPaint(GXRenderTarget renderTarget) noexcept {
@@ -82,23 +82,22 @@ GXResult GXRenderTargetEndPaint(GXRenderTarget renderTarget) noexcept {
 }
 
 GXResult GXRenderTargetPushState(GXRenderTarget renderTarget) noexcept {
-    return With(renderTarget, [](RenderTarget& t) { t.Painting().PushState(); });
+    return With(renderTarget, [](RenderTarget& t) { t.PushState(); });
 }
 
 GXResult GXRenderTargetPopState(GXRenderTarget renderTarget) noexcept {
-    return With(renderTarget, [](RenderTarget& t) { t.Painting().PopState(); });
+    return With(renderTarget, [](RenderTarget& t) { t.PopState(); });
 }
 
 GXResult GXRenderTargetGetCTM(GXRenderTarget renderTarget, GXMatrix* out) noexcept {
     if (AnyNull(renderTarget, out)) {
         return GXResultInvalidArgument;
     }
-    return With(renderTarget, [&](RenderTarget& t) { *out = t.BackEnd().GetTransform(); });
+    return With(renderTarget, [&](RenderTarget& t) { *out = t.GetTransform(); });
 }
 
 GXResult GXRenderTargetSetCTM(GXRenderTarget renderTarget, const GXMatrix* matrix) noexcept {
-    return With(renderTarget,
-                [&](RenderTarget& t) { t.BackEnd().SetTransform(matrix == nullptr ? kIdentity : *matrix); });
+    return With(renderTarget, [&](RenderTarget& t) { t.SetTransform(matrix == nullptr ? kIdentity : *matrix); });
 }
 
 GXResult GXRenderTargetConcatCTM(GXRenderTarget renderTarget, const GXMatrix* matrix) noexcept {
@@ -124,28 +123,28 @@ GXResult GXRenderTargetTranslateCTM(GXRenderTarget renderTarget, float tx, float
 }
 
 GXResult GXRenderTargetSetBlendMode(GXRenderTarget renderTarget, GXBlendMode blendMode) noexcept {
-    return With(renderTarget, [&](RenderTarget& t) { t.BackEnd().SetBlendMode(blendMode); });
+    return With(renderTarget, [&](RenderTarget& t) { t.SetBlendMode(blendMode); });
 }
 
 GXResult GXRenderTargetSetStrokeAdjustment(GXRenderTarget renderTarget, uint8_t flag) noexcept {
-    return With(renderTarget, [&](RenderTarget& t) { t.BackEnd().SetStrokeAdjustment(flag != 0); });
+    return With(renderTarget, [&](RenderTarget& t) { t.SetStrokeAdjustment(flag != 0); });
 }
 
 GXResult GXRenderTargetSetOpacityMask(GXRenderTarget renderTarget, uint32_t type, GXBrush brush) noexcept {
-    return With(renderTarget, [&](RenderTarget& t) { t.BackEnd().SetOpacityMask(type, MaskBrush(brush)); });
+    return With(renderTarget, [&](RenderTarget& t) { t.SetOpacityMask(type, MaskBrush(brush)); });
 }
 
 GXResult GXRenderTargetSetShapeMask(GXRenderTarget renderTarget, uint32_t type, GXBrush brush) noexcept {
-    return With(renderTarget, [&](RenderTarget& t) { t.BackEnd().SetShapeMask(type, MaskBrush(brush)); });
+    return With(renderTarget, [&](RenderTarget& t) { t.SetShapeMask(type, MaskBrush(brush)); });
 }
 
 GXResult GXRenderTargetBeginLayer(GXRenderTarget renderTarget, const GXLayerDesc* desc) noexcept {
     if (AnyNull(renderTarget, desc)) {
         return GXResultInvalidArgument;
     }
-    return With(renderTarget, [&](RenderTarget& t) { t.Painting().BeginLayer(*desc); });
+    return With(renderTarget, [&](RenderTarget& t) { t.BeginLayer(*desc); });
 }
 
 GXResult GXRenderTargetEndLayer(GXRenderTarget renderTarget) noexcept {
-    return With(renderTarget, [](RenderTarget& t) { t.Painting().EndLayer(); });
+    return With(renderTarget, [](RenderTarget& t) { t.EndLayer(); });
 }

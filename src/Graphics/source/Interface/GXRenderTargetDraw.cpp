@@ -18,36 +18,22 @@ namespace {
 
 using Kind = BasicFigure::Kind;
 
-/// Checks every pointer, then runs work(back end) between BeginPaint and EndPaint, under the guard.
+/// Checks every pointer, then runs work(target) under the guard.
 template <class Work, class... Pointers>
 [[nodiscard]] GXResult Draw(GXRenderTarget handle, Work&& work, const Pointers*... pointers) noexcept {
     if (AnyNull(handle, pointers...)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { work(handle->object->Painting()); });
+    return Guard([&] { work(*handle->object); });
 }
 
 [[nodiscard]] GXResult FillFigure(GXRenderTarget handle, Kind kind, const GXRect* rect, GXBrush brush) noexcept {
     return Draw(
-        handle,
-        [&](RenderTargetBase& t) {
-            const BasicFigure figure(kind, *rect);
-            t.Fill({nullptr, &figure}, *brush->object, false);
-        },
-        rect, brush);
+        handle, [&](RenderTarget& t) { t.Fill(BasicFigure(kind, *rect), *brush->object); }, rect, brush);
 }
 
-[[nodiscard]] GXResult FillShape(GXRenderTarget handle, GXGeometry geometry, GXBrush brush, bool text) noexcept {
-    return Draw(
-        handle,
-        [&](RenderTargetBase& t) {
-            t.Fill({&geometry->object->SharedShape(), nullptr}, *brush->object, text);
-        },
-        geometry, brush);
-}
-
-/// `path` null: nothing but the checks. Negative and NaN widths are refused.
-[[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const PathRef& path, GXBrush brush, float width,
+/// Negative and NaN widths are refused.
+[[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const Path& path, GXBrush brush, float width,
                                   const GXStrokeStyle* style) noexcept {
     if (AnyNull(handle, brush) || !(width >= 0.0F)) {
         return GXResultInvalidArgument;
@@ -57,20 +43,14 @@ template <class Work, class... Pointers>
 
 [[nodiscard]] GXResult StrokeFigure(GXRenderTarget handle, Kind kind, const GXRect& rect, GXBrush brush, float width,
                                     const GXStrokeStyle* style) noexcept {
-    const BasicFigure figure(kind, rect);
-    return StrokePath(handle, {nullptr, &figure}, brush, width, style);
+    return StrokePath(handle, BasicFigure(kind, rect), brush, width, style);
 }
 
 [[nodiscard]] GXResult ClipFigure(GXRenderTarget handle, Kind kind, const GXRect* rect) noexcept {
     if (AnyNull(handle, rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { handle->object->ClipFigure(kind, *rect); });
-}
-
-[[nodiscard]] GXRect PlacedSize(const Bitmap& bitmap, float x, float y) noexcept {
-    const Size size = bitmap.GetSize();
-    return {x, y, x + static_cast<float>(size.width), y + static_cast<float>(size.height)};
+    return Guard([&] { handle->object->ClipFigure({kind, *rect}); });
 }
 
 [[nodiscard]] GXIntRect WholeOf(const Bitmap& bitmap) noexcept {
@@ -78,18 +58,26 @@ template <class Work, class... Pointers>
     return {0, 0, static_cast<int32_t>(size.width), static_cast<int32_t>(size.height)};
 }
 
+[[nodiscard]] GXRect PlacedAt(const GXIntRect& whole, float x, float y) noexcept {
+    return {x, y, x + static_cast<float>(whole.right), y + static_cast<float>(whole.bottom)};
+}
+
 } // namespace
 
 GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) noexcept {
-    return Draw(renderTarget, [&](RenderTargetBase& t) { t.Clear(argb); });
+    return Draw(renderTarget, [&](RenderTarget& t) { t.Clear(argb); });
 }
 
 GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
-    return FillShape(renderTarget, geometry, brush, false);
+    return Draw(
+        renderTarget, [&](RenderTarget& t) { t.Fill(geometry->object->SharedShape(), *brush->object); }, geometry,
+        brush);
 }
 
 GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
-    return FillShape(renderTarget, geometry, brush, true);
+    return Draw(
+        renderTarget, [&](RenderTarget& t) { t.Fill(Path::Outline(geometry->object->SharedShape()), *brush->object); },
+        geometry, brush);
 }
 
 GXResult GXRenderTargetFillRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush) noexcept {
@@ -105,7 +93,7 @@ GXResult GXRenderTargetStrokeGeometry(GXRenderTarget renderTarget, GXGeometry ge
     if (AnyNull(renderTarget, geometry)) {
         return GXResultInvalidArgument;
     }
-    return StrokePath(renderTarget, {&geometry->object->SharedShape(), nullptr}, brush, width, style);
+    return StrokePath(renderTarget, geometry->object->SharedShape(), brush, width, style);
 }
 
 GXResult GXRenderTargetStrokeLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2,
@@ -134,11 +122,7 @@ GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* 
 
 GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) noexcept {
     return Draw(
-        renderTarget,
-        [&](RenderTargetBase& t) {
-            t.Clip({&geometry->object->SharedShape(), nullptr});
-        },
-        geometry);
+        renderTarget, [&](RenderTarget& t) { t.Clip(geometry->object->SharedShape()); }, geometry);
 }
 
 GXResult GXRenderTargetClipRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
@@ -153,10 +137,11 @@ GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, 
                                   uint32_t interpolation) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const Bitmap& b = *bitmap->object;
             const GXPoint at = origin == nullptr ? GXPoint{0.0F, 0.0F} : *origin;
-            t.DrawBitmap(b, WholeOf(b), PlacedSize(b, at.x, at.y), opacity, interpolation);
+            const GXIntRect whole = WholeOf(b);
+            t.DrawBitmap(b, whole, PlacedAt(whole, at.x, at.y), opacity, interpolation);
         },
         bitmap);
 }
@@ -165,7 +150,7 @@ GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitma
                                      const GXIntRect* source, float opacity, uint32_t interpolation) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const Bitmap& b = *bitmap->object;
             GXIntRect from = source == nullptr ? WholeOf(b) : *source;
             GXRect to = *destination;
@@ -187,9 +172,7 @@ GXResult GXRenderTargetDrawGradient(GXRenderTarget renderTarget, GXGradient grad
                                     const GXMatrix* matrix) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
-            t.DrawGradient(gradient->object, opacity, matrix == nullptr ? kIdentity : *matrix);
-        },
+        [&](RenderTarget& t) { t.DrawGradient(gradient->object, opacity, matrix == nullptr ? kIdentity : *matrix); },
         gradient);
 }
 
@@ -197,9 +180,9 @@ GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBr
                                 uint32_t interpolation) noexcept {
     return Draw(
         renderTarget,
-        [&](RenderTargetBase& t) {
+        [&](RenderTarget& t) {
             const Bitmap& m = *mask->object;
-            t.FillMask(m, *brush->object, destination == nullptr ? PlacedSize(m, 0.0F, 0.0F) : *destination,
+            t.FillMask(m, *brush->object, destination == nullptr ? PlacedAt(WholeOf(m), 0.0F, 0.0F) : *destination,
                        interpolation);
         },
         mask, brush);
@@ -207,12 +190,12 @@ GXResult GXRenderTargetFillMask(GXRenderTarget renderTarget, GXBitmap mask, GXBr
 
 GXResult GXRenderTargetInvertRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {
     return Draw(
-        renderTarget, [&](RenderTargetBase& t) { t.InvertRect(*rect); }, rect);
+        renderTarget, [&](RenderTarget& t) { t.InvertRect(*rect); }, rect);
 }
 
 GXResult GXRenderTargetInvertLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2) noexcept {
     return Draw(
-        renderTarget, [&](RenderTargetBase& t) { t.InvertLine(*point, *point2); }, point, point2);
+        renderTarget, [&](RenderTarget& t) { t.InvertLine(*point, *point2); }, point, point2);
 }
 
 GXResult GXRenderTargetFillText(GXRenderTarget renderTarget, GXFontFace fontFace, const uint16_t* text,

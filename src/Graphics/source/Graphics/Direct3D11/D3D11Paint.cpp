@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "D3D11Paint.h"
 
-#include "../Bitmaps/Bitmap.h"
 #include "../Paint/Gradient.h"
 #include "../Pixels/PixelFormat.h"
 #include "../Scan/DeviceFigures.h"
@@ -43,22 +42,22 @@ void D3D11Paint::SetWord(uint32_t premultiplied) noexcept {
     }
 }
 
-SwColorSource& D3D11PaintMaker::BrushSource(const Brush& brush, const Matrix& transform, const IntRect& box) {
-    return *SwColorSource::CreateFromBrush(m_arena, brush, ToRect(box), transform);
+SwColorSource& D3D11PaintMaker::Source(const Ink& ink, const Matrix& transform, const IntRect& box) {
+    return *SwColorSource::Create(m_arena, ink, ToRect(box), transform);
 }
 
-SwColorSource& D3D11PaintMaker::ImageSource(const D3D11Image& image) {
-    return *CreateBitmapSource(m_arena, image.view, image.derived, image.interpolation, image.extendX, image.extendY,
-                               image.opacity, image.toDevice, image.asMask);
-}
-
-SwColorSource& D3D11PaintMaker::Source(const D3D11Ink& ink, const IntRect& box) {
-    return ink.image != nullptr ? ImageSource(*ink.image) : BrushSource(*ink.brush, ink.transform, box);
-}
-
-D3D11Paint D3D11PaintMaker::From(D3D11Context& context, const D3D11Ink& ink, const IntRect& box) {
-    return ink.image != nullptr ? FromImage(context, *ink.image, box)
-                                : FromBrush(context, *ink.brush, ink.transform, box);
+D3D11Paint D3D11PaintMaker::From(D3D11Context& context, const Ink& ink, const Matrix& transform, const IntRect& box) {
+    if (const auto* image = std::get_if<ImageInk>(&ink)) {
+        return FromImage(context, image->Place(transform, false), box);
+    }
+    if (const auto* gradient = std::get_if<GradientInk>(&ink)) {
+        D3D11Paint paint;
+        if (gradient->brush->gradient->Kind() == kGradientLinear &&
+            FromLinear(context, *gradient->brush, transform, paint)) {
+            return paint;
+        }
+    }
+    return FromSource(context, Source(ink, transform, box), box);
 }
 
 D3D11Paint D3D11PaintMaker::FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box) {
@@ -81,7 +80,7 @@ bool D3D11PaintMaker::FromLinear(D3D11Context& context, const GradientBrush& bru
     const double axisX = static_cast<double>(gradient.end.x) - gradient.start.x;
     const double axisY = static_cast<double>(gradient.end.y) - gradient.start.y;
     const double square = axisX * axisX + axisY * axisY;
-    if (!(square > 0.0) || !std::isfinite(square) || !map.Set(PaintTransform(brush, transform))) {
+    if (!(square > 0.0) || !std::isfinite(square) || !map.Set(PaintToDevice(brush.transform, transform))) {
         return false;
     }
     const double dtdx = (map.a * axisX + map.b * axisY) / square;
@@ -105,38 +104,9 @@ bool D3D11PaintMaker::FromLinear(D3D11Context& context, const GradientBrush& bru
     return true;
 }
 
-D3D11Paint D3D11PaintMaker::FromBrush(D3D11Context& context, const Brush& brush, const Matrix& transform,
-                                      const IntRect& box) {
-    if (brush.Kind() == kBrushBitmap) {
-        const auto& b = static_cast<const BitmapBrush&>(brush);
-        D3D11Image image;
-        image.view = b.bitmap->View();
-        image.derived = b.bitmap->DerivedToKeep();
-        image.interpolation = b.interpolation;
-        image.extendX = b.extendX;
-        image.extendY = b.extendY;
-        image.opacity = b.opacity;
-        image.toDevice = PaintTransform(b, transform);
-        return FromImage(context, image, box);
-    }
-    if (brush.Kind() == kBrushGradient) {
-        const auto& g = static_cast<const GradientBrush&>(brush);
-        D3D11Paint paint;
-        if (g.gradient->Kind() == kGradientLinear && FromLinear(context, g, transform, paint)) {
-            return paint;
-        }
-    }
-    return FromBrushInSoftware(context, brush, transform, box);
-}
-
-D3D11Paint D3D11PaintMaker::FromBrushInSoftware(D3D11Context& context, const Brush& brush, const Matrix& transform,
-                                                const IntRect& box) {
-    return FromSource(context, BrushSource(brush, transform, box), box);
-}
-
-D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const D3D11Image& image, const IntRect& box) {
-    const auto inSoftware = [&] { return FromSource(context, ImageSource(image), box); };
-    PixelView view = image.view;
+D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const PlacedImage& image, const IntRect& box) {
+    const auto inSoftware = [&] { return FromSource(context, *CreateBitmapSource(m_arena, image), box); };
+    PixelView view = image.pixels;
     Matrix inverse;
     if (!IsValidFormat(view.format) || view.data == nullptr || view.width <= 0 || view.height <= 0 ||
         !Invert(image.toDevice, inverse)) {

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "../Arena.h"
-#include "../Paint/Brush.h"
+#include "../Drawing/Ink.h"
 #include "D3D11SoftwareTextures.h"
 
 namespace Graphics {
@@ -18,46 +18,20 @@ struct D3D11Paint {
     void SetWord(uint32_t premultiplied) noexcept;
 };
 
-/// An image to be drawn.
-struct D3D11Image {
-    PixelView view;
-    CacheHolder* derived = nullptr; ///< null when the view is a part of the bitmap
-    uint32_t interpolation = 0;
-    uint32_t extendX = GXExtendClamp;
-    uint32_t extendY = GXExtendClamp;
-    float opacity = 1.0F;
-    Matrix toDevice = kIdentity;
-    bool asMask = false;
-};
-
-/// What a drawing call draws with, before it is known whether the card or the software does: a brush or an image.
-struct D3D11Ink {
-    const Brush* brush = nullptr;
-    Matrix transform = kIdentity; ///< the brush's
-    const D3D11Image* image = nullptr;
-};
-
 class D3D11PaintMaker {
 public:
     explicit D3D11PaintMaker(Arena& arena) noexcept : m_arena(arena) {}
 
-    /// For the card; `box`: the device pixels that will be asked for.
-    [[nodiscard]] D3D11Paint From(D3D11Context& context, const D3D11Ink& ink, const IntRect& box);
+    /// For the card; `box`: the device pixels that will be asked for, `transform`: user space to the device.
+    [[nodiscard]] D3D11Paint From(D3D11Context& context, const Ink& ink, const Matrix& transform, const IntRect& box);
+    [[nodiscard]] D3D11Paint FromImage(D3D11Context& context, const PlacedImage& image, const IntRect& box);
+    /// The colours of a source that computes them in software, with every factor already in the texture.
+    [[nodiscard]] D3D11Paint FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box);
     /// For the software's pipeline, in the arena.
-    [[nodiscard]] SwColorSource& Source(const D3D11Ink& ink, const IntRect& box);
-
-    [[nodiscard]] D3D11Paint FromBrush(D3D11Context& context, const Brush& brush, const Matrix& transform,
-                                       const IntRect& box);
-    /// The same with every factor already in the texture: what a rule may be applied to that makes values of colours.
-    [[nodiscard]] D3D11Paint FromBrushInSoftware(D3D11Context& context, const Brush& brush, const Matrix& transform,
-                                                 const IntRect& box);
-    [[nodiscard]] D3D11Paint FromImage(D3D11Context& context, const D3D11Image& image, const IntRect& box);
+    [[nodiscard]] SwColorSource& Source(const Ink& ink, const Matrix& transform, const IntRect& box);
     [[nodiscard]] D3D11SoftwareTextures& Textures() noexcept { return m_textures; }
 
 private:
-    [[nodiscard]] SwColorSource& BrushSource(const Brush& brush, const Matrix& transform, const IntRect& box);
-    [[nodiscard]] SwColorSource& ImageSource(const D3D11Image& image);
-    [[nodiscard]] D3D11Paint FromSource(D3D11Context& context, SwColorSource& source, const IntRect& box);
     [[nodiscard]] bool FromLinear(D3D11Context& context, const GradientBrush& brush, const Matrix& transform,
                                   D3D11Paint& paint);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "../Software/SwBitmapColorSource.h"
 #include "../Software/SwClear.h"
 #include "../Software/SwOpacity.h"
 #include "../Software/SwPlaneColorSource.h"
@@ -57,19 +58,20 @@ void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D
         state.vertexConstants.AddTransform(paint.map);
         state.AddInput(paint.texture, paint.sampling);
     }
-    const auto add = [&](const SwSoftMask& mask, bool ofShape) {
+    const auto add = [&](const SoftMask& mask, bool ofShape) {
         if (!mask.IsSet()) {
             return;
         }
-        D3D11Paint values = m_maker.FromBrush(call.context, *mask.brush, mask.transform, call.visible);
+        const Ink ink = InkOf(*mask.brush);
+        D3D11Paint values = m_maker.From(call.context, ink, mask.transform, call.visible);
         if (values.texture != nullptr && !IsWhite(values.color)) {
             // An opacity of the mask's brush comes before the rule that makes values of colours.
-            values = m_maker.FromBrushInSoftware(call.context, *mask.brush, mask.transform, call.visible);
+            values = m_maker.FromSource(call.context, m_maker.Source(ink, mask.transform, call.visible), call.visible);
         }
         AddMask(state, values, mask.type, ofShape);
     };
-    add(call.target.State().opacityMask, false);
-    add(call.target.State().shapeMask, true);
+    add(call.state.opacityMask, false);
+    add(call.state.shapeMask, true);
     if (extra != nullptr) {
         AddMask(state, extra->paint, extra->type, true);
     }
@@ -82,7 +84,7 @@ void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SoftwareTexture
 }
 
 void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
-    const SwClipRef& clip = call.target.State().clip;
+    const SwClipRef& clip = call.Clip();
     if (!IsMasked(clip.get())) {
         return;
     }
@@ -110,7 +112,7 @@ D3D11Mesh& D3D11Painter::Begin(const Call& call, const D3D11Paint& paint, D3D11D
 
 bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
     constexpr int32_t kMostQuads = 512; // 48 KB
-    const SwClip* clip = call.target.State().clip.get();
+    const SwClip* clip = call.Clip().get();
     const IntRect& r = call.visible;
     if (!IsMasked(clip) || r.bottom - r.top > kMostQuads) {
         return false;
@@ -129,7 +131,7 @@ bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
 D3D11Mesh& D3D11Painter::BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
                                    bool withClip) {
     D3D11DrawState state;
-    call.target.Describe(call.context, call.target.State().blendMode, call.visible, state);
+    call.target.Describe(call.context, call.state.blendMode, call.visible, state);
     AddPaint(call, paint, extra, state);
     if (withClip) {
         AddClip(call, state);
@@ -163,7 +165,7 @@ void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const 
         return;
     }
     D3D11DrawState state;
-    call.target.Describe(call.context, call.target.State().blendMode, box, state);
+    call.target.Describe(call.context, call.state.blendMode, box, state);
     AddPaint(call, paint, extra, state);
     if (covered->HasMask()) {
         AddCoverage(state, m_maker.Textures().Coverage(call.context, *covered.get()));
@@ -185,32 +187,48 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
     D3D11MeshSink(Begin(call, paint, std::move(state), r), r).Rectangle(r.left, r.top, r.right, r.bottom);
 }
 
-bool D3D11Painter::IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source) {
-    const SwState& state = call.target.State();
-    const D3D11SubTarget::Way way = call.target.WayOf(call.context, state.blendMode, call.visible);
-    const bool depends = way == D3D11SubTarget::Way::CardIfOpaque || way == D3D11SubTarget::Way::CardIfKnown;
-    if (!depends || state.opacityMask.IsSet()) {
-        return way != D3D11SubTarget::Way::Card;
+D3D11Painter::Route D3D11Painter::RouteOf(const Call& call, const Colors& colors) {
+    using Way = D3D11SubTarget::Way;
+    const Way way = call.target.WayOf(call.context, call.state.blendMode, call.visible);
+    bool inSoftware = way != Way::Card;
+    SwColorSource* source = nullptr;
+    if ((way == Way::CardIfOpaque || way == Way::CardIfKnown) && !call.state.opacityMask.IsSet()) {
+        source = &m_maker.Source(colors.ink, colors.transform, call.visible);
+        uint32_t word = 0;
+        inSoftware = !IsOpaque(*source) && (way == Way::CardIfOpaque || !source->IsSolid(word));
     }
-    source = &m_maker.Source(ink, call.visible);
-    uint32_t word = 0;
-    return !IsOpaque(*source) && (way == D3D11SubTarget::Way::CardIfOpaque || !source->IsSolid(word));
+    const bool hasMask = colors.mask != nullptr;
+    if (inSoftware) {
+        SoftwareRoute route{source, {}, hasMask};
+        if (source == nullptr) {
+            route.source = &m_maker.Source(colors.ink, colors.transform, call.visible);
+        }
+        if (hasMask) {
+            route.mask.source = CreateBitmapSource(m_arena, colors.mask->Place(colors.transform, true));
+            route.mask.type = GXMaskTypeAlpha;
+        }
+        return route;
+    }
+    CardRoute route{m_maker.From(call.context, colors.ink, colors.transform, call.visible), {}, hasMask};
+    if (hasMask) {
+        route.mask.paint = m_maker.FromImage(call.context, colors.mask->Place(colors.transform, true), call.visible);
+    }
+    return route;
 }
 
-void D3D11Painter::DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask) {
+void D3D11Painter::DrawAll(const Call& call, const Colors& colors) {
     const IntRect& r = call.visible;
-    Draw(call, ink, mask, Whole(r));
-    const SwState& state = call.target.State();
+    Draw(call, colors, Whole(r));
     // Gradients are seldom opaque and costly to ask.
-    if (call.target.IsLayer() && mask == nullptr && (ink.image != nullptr || ink.brush->Kind() != kBrushGradient) &&
-        !state.shapeMask.IsSet() && !state.opacityMask.IsSet() && !IsMasked(state.clip.get()) &&
-        IsOpaque(m_maker.Source(ink, r))) {
+    if (call.target.IsLayer() && colors.mask == nullptr && !std::holds_alternative<GradientInk>(colors.ink) &&
+        !call.state.HasMasks() && !IsMasked(call.Clip().get()) &&
+        IsOpaque(m_maker.Source(colors.ink, colors.transform, r))) {
         call.target.NoteOpaque(r, true);
     }
 }
 
 void D3D11Painter::DrawGroup(const Call& call, D3D11SubTarget& group) {
-    const uint32_t mode = call.target.State().blendMode;
+    const uint32_t mode = call.state.blendMode;
     if (call.target.WayOf(call.context, mode, call.visible) == D3D11SubTarget::Way::Card) {
         DrawGroupOnCard(call, group);
     } else {
@@ -256,7 +274,7 @@ D3D11Mesh& D3D11Painter::BeginInversion(const Call& call) {
 
 void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     D3D11SubTarget& target = call.target;
-    const SwClip* clip = target.State().clip.get();
+    const SwClip* clip = call.Clip().get();
     if (target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
         ClearPlanes(ActiveKernels(), target.BeginInSoftware(call.context, call.visible), call.visible, clip,
                     premultiplied);
@@ -272,7 +290,7 @@ void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
     D3D11SubTarget& target = call.target;
     target.BeginOnCard(call.context, call.visible);
     D3D11Paint paint;
-    const SwClipRef& clip = target.State().clip;
+    const SwClipRef& clip = call.Clip();
     const bool masked = IsMasked(clip.get());
     // Replaced whole; or scaled by what the clip covers, then added with as much.
     const auto replace = [&](const std::shared_ptr<D3D11Texture>& plane, const float(&value)[4]) {

@@ -4,6 +4,8 @@
 // different from the software's, the software's pipeline draws, into the planes of the target's fallback surface.
 #pragma once
 
+#include <variant>
+
 #include "../Arena.h"
 #include "../Software/SwAssembly.h"
 #include "../Software/SwClipMaker.h"
@@ -24,36 +26,36 @@ class D3D11Painter {
 public:
     explicit D3D11Painter(Arena& arena) noexcept : m_arena(arena), m_maker(arena) {}
 
-    /// What a draw needs besides its geometry.
+    /// Where a draw goes, and under what.
     struct Call {
         D3D11Context& context;
         D3D11SubTarget& target;
+        const GraphicsState& state;
         SwClipPool& clips;
         IntRect visible; ///< device pixels that the draw may change; not empty
         IntRect limit;   ///< the scissor: what the geometry has to be cut to
+
+        [[nodiscard]] const SwClipRef& Clip() const noexcept { return target.Clips().Current(); }
+    };
+    /// What it draws with.
+    struct Colors {
+        const Ink& ink;
+        const Matrix& transform; ///< of ink and mask: user space to the device
+        const ImageInk* mask;    ///< the draw's own; null: none
     };
 
-    /// `cover(sink)` sends the coverage inside `call.visible`. `mask`: the call's own shape mask, or null.
-    template <class Cover> void Draw(const Call& call, const D3D11Ink& ink, const D3D11Image* mask, Cover&& cover) {
-        SwColorSource* source = nullptr;
-        if (IsForSoftware(call, ink, source)) {
-            SwMaskInput input;
-            if (mask != nullptr) {
-                input.source = &m_maker.Source({nullptr, kIdentity, mask}, call.visible);
-                input.type = GXMaskTypeAlpha;
-            }
-            source = source != nullptr ? source : &m_maker.Source(ink, call.visible);
-            DrawInSoftware(call, *source, mask != nullptr ? &input : nullptr, cover);
-            return;
+    /// `cover(sink)` sends the coverage inside `call.visible`.
+    template <class Cover> void Draw(const Call& call, const Colors& colors, Cover&& cover) {
+        const Route route = RouteOf(call, colors);
+        if (const auto* software = std::get_if<SoftwareRoute>(&route)) {
+            DrawInSoftware(call, *software->source, software->hasMask ? &software->mask : nullptr, cover);
+        } else {
+            const auto& card = std::get<CardRoute>(route);
+            DrawOnCard(call, card.paint, card.hasMask ? &card.mask : nullptr, cover);
         }
-        D3D11ShapeMask shape;
-        if (mask != nullptr) {
-            shape.paint = m_maker.FromImage(call.context, *mask, call.visible);
-        }
-        DrawOnCard(call, m_maker.From(call.context, ink, call.visible), mask != nullptr ? &shape : nullptr, cover);
     }
     /// The whole of `call.visible`.
-    void DrawAll(const Call& call, const D3D11Ink& ink, const D3D11Image* mask);
+    void DrawAll(const Call& call, const Colors& colors);
     /// A group that was drawn, into what it was opened in.
     void DrawGroup(const Call& call, D3D11SubTarget& group);
 
@@ -63,11 +65,11 @@ public:
     template <class Send> void Invert(const Call& call, Send&& send) {
         if (call.target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
             const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
-            SwInverter inverter(planes, call.visible, call.target.State().clip.get());
+            SwInverter inverter(planes, call.visible, call.Clip().get());
             send(inverter);
             return;
         }
-        D3D11MeshInverter inverter(BeginInversion(call), call.visible, call.target.State().clip.get());
+        D3D11MeshInverter inverter(BeginInversion(call), call.visible, call.Clip().get());
         send(inverter);
     }
 
@@ -80,16 +82,24 @@ private:
         D3D11SoftwareTextures::Image image;
     };
 
-    /// Whether the software draws. Where that depends on the source, it is given out for further use.
-    [[nodiscard]] bool IsForSoftware(const Call& call, const D3D11Ink& ink, SwColorSource*& source);
+    /// Who draws is settled before the geometry is fed, together with all that he colours it with.
+    struct SoftwareRoute {
+        SwColorSource* source;
+        SwMaskInput mask;
+        bool hasMask;
+    };
+    struct CardRoute {
+        D3D11Paint paint; ///< what the card samples, or colours that the software computed into a texture
+        D3D11ShapeMask mask;
+        bool hasMask;
+    };
+    using Route = std::variant<SoftwareRoute, CardRoute>;
+    [[nodiscard]] Route RouteOf(const Call& call, const Colors& colors);
 
     template <class Cover>
     void DrawInSoftware(const Call& call, SwColorSource& source, const SwMaskInput* mask, Cover&& cover) {
         const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
-        SwPipeLine pipeLine(ActiveKernels(), m_buffers, planes, call.visible);
-        AssemblePipeLine(pipeLine, m_arena, call.target.State(), call.visible, mask);
-        pipeLine.SetColorSource(source);
-        cover(pipeLine);
+        RunPipeLine(m_buffers, m_arena, {call.state, call.Clip().get(), planes, call.visible, source, mask}, cover);
     }
 
     /// `extra` may be null.
@@ -100,7 +110,7 @@ private:
             cover(sink);
             return;
         }
-        SwClipBuilder builder(call.clips, call.target.State().clip.get(), call.visible);
+        SwClipBuilder builder(call.clips, call.Clip().get(), call.visible);
         cover(builder);
         const SwClipRef covered = builder.Finish();
         if (call.target.CoverageIsShape()) {

@@ -2,23 +2,25 @@
 #include "D3D11RenderTarget.h"
 
 #include <algorithm>
-#include <exception>
 
-#include "../Bitmaps/Bitmap.h"
-#include "../Bitmaps/PixelTransfer.h"
 #include "../Exception.h"
 #include "../Geometry/DeviceFeed.h"
-#include "../Paint/Gradient.h"
 #include "../Scan/DeviceFigures.h"
 #include "../Software/SwPixelMath.h"
 
 namespace Graphics {
+namespace {
+
+/// Of draws that obey the clip alone.
+const GraphicsState kPlainState;
+
+} // namespace
 
 D3D11RenderTarget::D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface)
     : m_context(std::move(context)), m_surface(std::move(surface)), m_painter(m_arena) {}
 
 D3D11RenderTarget::~D3D11RenderTarget() {
-    if (!IsPainting() || !m_context->HasDevice()) {
+    if (!m_painting || !m_context->HasDevice()) {
         return;
     }
     // The batch is the thread's: draws of this target would go to the card with the next one's first paint. Those of
@@ -52,7 +54,7 @@ template <class Work> void D3D11RenderTarget::Run(bool again, Work&& work) {
 }
 
 void D3D11RenderTarget::FollowDevice() {
-    if (!IsPainting()) {
+    if (!m_painting) {
         m_context->Recover();
         return;
     }
@@ -81,14 +83,14 @@ void D3D11RenderTarget::BeginPaint() {
     Run(true, [&] {
         std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
         const IntRect area = color != nullptr ? IntRect{0, 0, color->Width(), color->Height()} : IntRect{0, 0, 0, 0};
-        m_basic.Open(std::move(color), area, Cached());
+        m_basic.Open(std::move(color), area);
         m_area = area;
         m_context->Readback().StartPainting();
     });
     // Pixels of earlier paints lived on the device that drew them.
     m_incomplete = m_generation != 0 && m_generation != m_context->Generation();
     m_generation = m_context->Generation();
-    StartPainting();
+    m_painting = true;
 }
 
 void D3D11RenderTarget::EndPaint() {
@@ -103,33 +105,30 @@ void D3D11RenderTarget::EndPaint() {
             target.m_clips.Pool().Trim();
             target.m_rasterizer.Trim();
             target.m_pen.Trim();
-            target.StopPainting();
+            target.m_painting = false;
             target.m_broken = false;
         }
     } finally{*this};
     Run(false, [&] {
-        CloseLayers();
         m_context->Batch().Flush();
         m_basic.SendToCard(*m_context);
         m_surface->EndPaint(*m_context);
     });
 }
 
-IntRect D3D11RenderTarget::Visible(const IntRect& region) noexcept {
-    D3D11SubTarget& target = Current();
-    IntRect visible = Intersect(region, Intersect(target.Bounds(), m_area));
-    if (target.State().clip) {
-        visible = Intersect(visible, target.State().clip->Box());
-    }
+IntRect D3D11RenderTarget::Visible(D3D11SubTarget& target, const IntRect& region) const noexcept {
+    const IntRect visible = target.Clips().Within(Intersect(region, Intersect(target.Bounds(), m_area)));
     return target.CanBeDrawnInto() ? visible : IntRect{0, 0, 0, 0};
 }
 
-D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible) noexcept {
-    return {*m_context, Current(), m_clips.Pool(), visible, Intersect(Current().Bounds(), m_area)};
+D3D11Painter::Call D3D11RenderTarget::CallFor(D3D11SubTarget& target, const GraphicsState& state,
+                                              const IntRect& visible) noexcept {
+    return {*m_context, target, state, m_clips.Pool(), visible, Intersect(target.Bounds(), m_area)};
 }
 
-D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntRect& box) noexcept {
-    D3D11Painter::Call call = CallFor(visible);
+D3D11Painter::Call D3D11RenderTarget::CallFor(const GraphicsState& state, const IntRect& visible,
+                                              const IntRect& box) noexcept {
+    D3D11Painter::Call call = CallFor(Current(), state, visible);
     const IntRect inside = Intersect(box, call.limit);
     if (visible.left > inside.left || visible.right < inside.right) {
         call.limit = Visible(m_area); // bands between edges are not cut to columns
@@ -137,78 +136,79 @@ D3D11Painter::Call D3D11RenderTarget::CallFor(const IntRect& visible, const IntR
     return call;
 }
 
-void D3D11RenderTarget::FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask) {
-    IntRect pixels;
-    if (snap && path.figure != nullptr && SnapFigure(*path.figure, State().transform, m_area, pixels)) {
-        CheckMasks();
-        const IntRect visible = Visible(pixels);
-        if (!IsEmpty(visible)) {
-            m_painter.DrawAll(CallFor(visible), ink, mask);
+void D3D11RenderTarget::Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) {
+    Run(true, [&] {
+        const Colors colors{ink, state.transform, mask};
+        const auto paintAll = [&](const IntRect& pixels) {
+            if (const IntRect visible = Visible(pixels); !IsEmpty(visible)) {
+                m_painter.DrawAll(CallFor(Current(), state, visible), colors);
+            }
+        };
+        switch (path.GetKind()) {
+        case Path::Kind::Figure:
+            if (IntRect pixels; state.strokeAdjustment && SnapFigure(path.Figure(), state.transform, m_area, pixels)) {
+                paintAll(pixels);
+                break;
+            }
+            [[fallthrough]];
+        case Path::Kind::Shape:
+            PaintShape(state, colors, m_shape.Of(path), state.strokeAdjustment);
+            break;
+        case Path::Kind::Outline:
+            PaintOutline(state, colors, **path.Stored());
+            break;
+        case Path::Kind::Glyphs:
+            path.Glyphs().ForEach(state.transform, [&](const Path::SharedShape& outline, const Matrix& m) {
+                const ArenaScope scope(m_arena); // a text may be long
+                PaintOutline(state, {ink, m, mask}, *outline);
+            });
+            break;
+        case Path::Kind::Plane:
+            paintAll(m_area);
+            break;
         }
-        return;
-    }
-    const Matrix transform = State().transform;
-    const Shape& shape = Resolve(path);
-    if (shape.Empty()) {
-        return;
-    }
-    CheckMasks();
-    const IntRect box = RoundOut(DeviceBox(shape, transform, 0.0F));
+    });
+}
+
+void D3D11RenderTarget::PaintShape(const GraphicsState& state, const Colors& colors, const Shape& shape, bool snap) {
+    const IntRect box = RoundOut(DeviceBox(shape, colors.transform, 0.0F));
     const IntRect visible = Visible(box);
     if (IsEmpty(visible)) {
         return;
     }
-    m_painter.Draw(CallFor(visible, box), ink, mask, [&](RasterizationSink& sink) {
+    m_painter.Draw(CallFor(state, visible, box), colors, [&](RasterizationSink& sink) {
         m_rasterizer.Begin(ToRect(m_area), visible, snap);
-        FeedFill(shape, transform, m_rasterizer);
+        FeedFill(shape, colors.transform, m_rasterizer);
         m_rasterizer.Finish(sink);
     });
 }
 
-bool D3D11RenderTarget::FillGlyph(const Shape& shape, const Brush& brush) {
-    if (shape.Empty()) {
-        return true;
-    }
-    CheckMasks();
+void D3D11RenderTarget::PaintOutline(const GraphicsState& state, const Colors& colors, const Shape& outline) {
     if (m_glyphs == nullptr) {
         m_glyphs = SwGlyphCache::Take();
     }
     SwGlyph glyph;
-    if (!m_glyphs->Place(shape, State().transform, m_rasterizer, glyph)) {
-        return false;
+    if (!m_glyphs->Place(outline, colors.transform, m_rasterizer, glyph)) {
+        PaintShape(state, colors, outline, false);
+        return;
     }
     const IntRect visible = Visible(glyph.Box());
-    if (IsEmpty(visible)) {
-        return true;
+    if (!IsEmpty(visible)) {
+        m_painter.Draw(CallFor(Current(), state, visible), colors,
+                       [&](RasterizationSink& sink) { glyph.Send(visible, m_arena, sink); });
     }
-    m_painter.Draw(CallFor(visible), InkOf(brush), nullptr,
-                   [&](RasterizationSink& sink) { glyph.Send(visible, m_arena, sink); });
-    return true;
 }
 
-void D3D11RenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
+void D3D11RenderTarget::Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
+                               const StrokeStyle& style) {
     Run(true, [&] {
-        if (text && path.shape != nullptr && FillGlyph(**path.shape, brush)) {
-            return;
-        }
-        FillPath(path, State().strokeAdjustment && !text, InkOf(brush), nullptr);
-    });
-}
-
-void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
-    Run(true, [&] {
-        const SwState& state = State();
-        const Shape& shape = Resolve(path);
-        if (shape.Empty()) {
-            return;
-        }
-        CheckMasks();
+        const Shape& shape = m_shape.Of(path);
         const IntRect box = StrokeBox(shape, state.transform, width, style);
         const IntRect visible = Visible(box);
         if (IsEmpty(visible)) {
             return;
         }
-        m_painter.Draw(CallFor(visible, box), InkOf(brush), nullptr, [&](RasterizationSink& sink) {
+        m_painter.Draw(CallFor(state, visible, box), {ink, state.transform, nullptr}, [&](RasterizationSink& sink) {
             RasterizeStroke(m_rasterizer, shape, state.transform, style, width, state.strokeAdjustment, m_pen, m_area,
                             visible);
             m_rasterizer.Finish(sink);
@@ -216,129 +216,60 @@ void D3D11RenderTarget::Stroke(const PathRef& path, const Brush& brush, float wi
     });
 }
 
-void D3D11RenderTarget::Clip(const PathRef& path) {
-    SwState& state = State();
-    const Shape& shape = Resolve(path);
+void D3D11RenderTarget::Clip(const GraphicsState& state, const Path& path) {
+    SwClipStack& clips = Current().Clips();
+    const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
-    state.clip =
-        m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, state.clip, state.strokeAdjustment);
-}
-
-void D3D11RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                                   uint32_t interpolation) {
-    const PixelView whole = bitmap.View();
-    const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
-    if (IsEmpty(part)) {
-        return;
-    }
-    Run(true, [&] {
-        D3D11Image image;
-        image.view = PixelTransfer::Part(whole, part);
-        image.derived = part == IntRect{0, 0, whole.width, whole.height} ? bitmap.DerivedToKeep() : nullptr;
-        image.interpolation = interpolation;
-        image.opacity = opacity;
-        image.toDevice = Concat(PlaceImage(part, source, destination), State().transform);
-        const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath({nullptr, &figure}, State().strokeAdjustment, {nullptr, kIdentity, &image}, nullptr);
-    });
-}
-
-void D3D11RenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination,
-                                 uint32_t interpolation) {
-    Run(true, [&] {
-        D3D11Image image;
-        image.view = mask.View();
-        image.derived = mask.DerivedToKeep();
-        image.interpolation = interpolation;
-        const IntRect whole{0, 0, image.view.width, image.view.height};
-        image.toDevice = Concat(PlaceImage(whole, whole, destination), State().transform);
-        image.asMask = true;
-        const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-        FillPath({nullptr, &figure}, State().strokeAdjustment, InkOf(brush), &image);
-    });
-}
-
-void D3D11RenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
-    GradientBrush brush(std::move(gradient));
-    brush.opacity = opacity;
-    brush.transform = m;
-    Run(true, [&] {
-        CheckMasks();
-        const IntRect visible = Visible(m_area);
-        if (!IsEmpty(visible)) {
-            m_painter.DrawAll(CallFor(visible), InkOf(brush), nullptr);
-        }
-    });
+    clips.Set(m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, clips.Current(),
+                           state.strokeAdjustment));
 }
 
 void D3D11RenderTarget::Clear(uint32_t argb) {
     Run(true, [&] {
         const IntRect visible = Visible(m_area);
         if (!IsEmpty(visible)) {
-            m_painter.Clear(CallFor(visible), PremultiplyPixel(Current().IsLayer() ? argb : argb | 0xFF000000U));
+            m_painter.Clear(CallFor(Current(), kPlainState, visible),
+                            PremultiplyPixel(Current().IsLayer() ? argb : argb | 0xFF000000U));
         }
     });
 }
 
-void D3D11RenderTarget::BeginLayer(const GXLayerDesc& desc) {
-    const IntRect inside = Visible(LayerBox(desc.bounds, State().transform, m_area));
+void D3D11RenderTarget::BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) {
+    const IntRect inside = Visible(LayerBox(desc.bounds, state.transform, m_area));
     const IntRect bounds = IsEmpty(inside) ? IntRect{0, 0, 0, 0} : inside;
     Run(true, [&] {
         auto layer = std::make_unique<D3D11SubTarget>();
-        layer->OpenLayer(*m_context, Current(), bounds, desc);
+        layer->OpenLayer(*m_context, Current(), state.blendMode, bounds, desc);
         m_layers.push_back(std::move(layer));
     });
 }
 
-void D3D11RenderTarget::EndLayer() {
-    if (m_layers.empty()) {
-        GX_RAISE("Graphics::D3D11RenderTarget::EndLayer", "No layer is open");
-    }
-    Run(false, [&] { CloseLayer(); });
-}
-
-void D3D11RenderTarget::CloseLayer() {
-    std::unique_ptr<D3D11SubTarget> layer = std::move(m_layers.back());
-    m_layers.pop_back();
-    if (IsEmpty(layer->Touched())) {
-        return;
-    }
-    try {
-        CheckMasks();
-        const IntRect visible = Visible(layer->Touched());
-        if (!IsEmpty(visible)) {
-            m_painter.DrawGroup(CallFor(visible), *layer);
+void D3D11RenderTarget::EndLayer(const GraphicsState& around) {
+    Run(false, [&] {
+        if (!IsEmpty(m_layers.back()->Touched())) {
+            DrawLayer(around);
         }
-    } catch (const std::exception&) {
-        m_layers.push_back(std::move(layer)); // there is room
-        throw;
-    }
-}
-
-void D3D11RenderTarget::InvertRect(const Rect& rect) {
-    const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
-    Run(true, [&] {
-        const Shape& shape = Resolve({nullptr, &figure});
-        const Matrix transform = State().transform;
-        const IntRect visible = Visible(RoundOut(DeviceBox(shape, transform, 0.0F)));
-        if (IsEmpty(visible)) {
-            return;
-        }
-        m_painter.Invert(CallFor(visible), [&](PixelInverter& inverter) {
-            m_rasterizer.Begin(ToRect(m_area), visible, true);
-            FeedFill(shape, transform, m_rasterizer);
-            m_rasterizer.Finish(inverter);
-        });
     });
+    m_layers.pop_back(); // drawn, or lost with its device
 }
 
-void D3D11RenderTarget::InvertLine(const Point& from, const Point& to) {
+void D3D11RenderTarget::DrawLayer(const GraphicsState& around) {
+    D3D11SubTarget& layer = *m_layers.back();
+    D3D11SubTarget& target = m_layers.size() < 2 ? m_basic : *m_layers[m_layers.size() - 2];
+    around.CheckMasks();
+    const IntRect visible = Visible(target, layer.Touched());
+    if (!IsEmpty(visible)) {
+        m_painter.DrawGroup(CallFor(target, around, visible), layer);
+    }
+}
+
+void D3D11RenderTarget::Invert(const Matrix& transform, const BasicFigure& figure) {
     Run(true, [&] {
-        const Point a = Map(State().transform, from);
-        const Point b = Map(State().transform, to);
-        const IntRect visible = Visible(PixelInverter::LineBox(a, b));
+        const Inversion inversion(transform, figure, m_shape);
+        const IntRect visible = Visible(inversion.Box());
         if (!IsEmpty(visible)) {
-            m_painter.Invert(CallFor(visible), [&](PixelInverter& inverter) { inverter.Line(a, b); });
+            m_painter.Invert(CallFor(Current(), kPlainState, visible),
+                             [&](PixelInverter& inverter) { inversion.Send(inverter, m_rasterizer, m_area, visible); });
         }
     });
 }

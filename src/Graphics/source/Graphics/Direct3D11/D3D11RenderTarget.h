@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
-// The hardware back end: keeps state, clips and layers as the software one does, and turns every drawing call into
+// The hardware back end: keeps clips and layers as the software one does, and turns every drawing call into
 // quadrilaterals of a batch. A device that is lost meanwhile is replaced; what had been drawn is gone, drawing goes on,
 // and the paint counts as incomplete. Where no other device can be made, the rest of the paint raises "D3D11 error".
 #pragma once
 
+#include "../Drawing/RenderTargetBase.h"
 #include "../Geometry/Pen.h"
 #include "../Scan/Rasterizer.h"
 #include "../Software/SwGlyphCache.h"
-#include "../Software/SwStateTarget.h"
 #include "D3D11Painter.h"
 #include "D3D11Surface.h"
 
 namespace Graphics {
 
-class D3D11RenderTarget final : public SwStateTarget {
+class D3D11RenderTarget final : public RenderTargetBase {
 public:
     D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface);
     /// In the middle of a paint, too: what was collected goes with the target.
@@ -23,34 +23,27 @@ public:
     [[nodiscard]] bool IsIncomplete() const noexcept { return m_incomplete; }
     /// Between paints: gives back everything of the device.
     void Forget() noexcept { m_surface->Forget(); }
-    /// Between paints: what the next one begins with, and the end of it where another target has painted.
-    [[nodiscard]] const SwState& NextState() const noexcept { return Cached(); }
-    void ForgetState() noexcept { StopPainting(); }
 
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return GXPixelFormatBGRX32; }
     [[nodiscard]] Size GetSize() const override { return m_surface->GetSize(); }
 
     void BeginPaint() override;
     void EndPaint() override;
-    void PushState() override { Current().PushState(); }
-    void PopState() override { Current().PopState(); }
-    void BeginLayer(const GXLayerDesc& desc) override;
-    void EndLayer() override;
+    void PushState() override { Current().Clips().Push(); }
+    void PopState() override { Current().Clips().Pop(); }
+    void BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) override;
+    void EndLayer(const GraphicsState& around) override;
+    void DropLayer() noexcept override { m_layers.pop_back(); }
 
     void Clear(uint32_t argb) override;
-    void Fill(const PathRef& path, const Brush& brush, bool text) override;
-    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) override;
-    void Clip(const PathRef& path) override;
-    void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                    uint32_t interpolation) override;
-    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) override;
-    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) override;
-    void InvertRect(const Rect& rect) override;
-    void InvertLine(const Point& from, const Point& to) override;
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override;
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
+                const StrokeStyle& style) override;
+    void Clip(const GraphicsState& state, const Path& path) override;
+    void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 private:
     [[nodiscard]] D3D11SubTarget& Current() noexcept { return m_layers.empty() ? m_basic : *m_layers.back(); }
-    [[nodiscard]] SwState& State() noexcept override { return Current().State(); }
 
     /// Runs the work of a drawing call. When the device is lost meanwhile, a new one is made and, with `again`, the
     /// work is done once more.
@@ -58,23 +51,25 @@ private:
     /// Brings surface and open layers to the context's device, which is made anew where it is lost.
     void FollowDevice();
 
-    [[nodiscard]] IntRect Visible(const IntRect& region) noexcept;
+    [[nodiscard]] IntRect Visible(D3D11SubTarget& target, const IntRect& region) const noexcept;
+    [[nodiscard]] IntRect Visible(const IntRect& region) noexcept { return Visible(Current(), region); }
     /// A draw that sends nothing outside `visible`.
-    [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible) noexcept;
+    [[nodiscard]] D3D11Painter::Call CallFor(D3D11SubTarget& target, const GraphicsState& state,
+                                             const IntRect& visible) noexcept;
     /// A draw that may send anything inside `box`, of which the clip leaves `visible`.
-    [[nodiscard]] D3D11Painter::Call CallFor(const IntRect& visible, const IntRect& box) noexcept;
-    [[nodiscard]] D3D11Ink InkOf(const Brush& brush) noexcept { return {&brush, State().transform, nullptr}; }
-    /// `mask`: the call's own shape mask, or null.
-    void FillPath(const PathRef& path, bool snap, const D3D11Ink& ink, const D3D11Image* mask);
-    /// The fill of a glyph by the coverage that the software keeps. False when it has to be drawn as any other path.
-    [[nodiscard]] bool FillGlyph(const Shape& shape, const Brush& brush);
-    [[nodiscard]] bool HasLayers() const noexcept override { return !m_layers.empty(); }
-    void CloseLayer() override;
-    void DropLayer() noexcept override { m_layers.pop_back(); }
+    [[nodiscard]] D3D11Painter::Call CallFor(const GraphicsState& state, const IntRect& visible,
+                                             const IntRect& box) noexcept;
+    using Colors = D3D11Painter::Colors;
+    void PaintShape(const GraphicsState& state, const Colors& colors, const Shape& shape, bool snap);
+    /// By the coverage that the software keeps, if the outline is small enough for that.
+    void PaintOutline(const GraphicsState& state, const Colors& colors, const Shape& outline);
+    /// Draws the innermost group, in which something is, into what lies around it.
+    void DrawLayer(const GraphicsState& around);
 
     std::shared_ptr<D3D11Context> m_context;
     std::unique_ptr<D3D11Surface> m_surface;
     IntRect m_area{};
+    bool m_painting = false;
     bool m_incomplete = false;
     bool m_broken = false;     // there is no device for the rest of this paint
     uint32_t m_generation = 0; // of the device that was last painted on; 0: none
@@ -84,6 +79,7 @@ private:
     D3D11Painter m_painter;
     D3D11SubTarget m_basic;
     std::vector<std::unique_ptr<D3D11SubTarget>> m_layers; // open ones, innermost last
+    PathShape m_shape;
     Rasterizer m_rasterizer;
     PenStorage m_pen;
     SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end

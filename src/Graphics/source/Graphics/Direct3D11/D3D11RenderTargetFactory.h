@@ -2,7 +2,7 @@
 // Makes the hardware targets of one thread; they share the factory's device.
 #pragma once
 
-#include "../Target/HwRenderTargetFactory.h"
+#include "../Drawing/HwRenderTargetFactory.h"
 #include "D3D11Context.h"
 
 namespace Graphics {

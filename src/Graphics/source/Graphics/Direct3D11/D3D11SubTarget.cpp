@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "../Exception.h"
 #include "D3D11Half.h"
 #include "Shaders/D3D11CardModes.h"
 
@@ -31,32 +30,27 @@ void AddRectangle(D3D11Mesh& mesh, const IntRect& r) {
 
 } // namespace
 
-void D3D11SubTarget::Open(std::shared_ptr<D3D11Texture> color, const IntRect& bounds, const SwState& state) {
+void D3D11SubTarget::Open(std::shared_ptr<D3D11Texture> color, const IntRect& bounds) {
     m_color = std::move(color);
     m_bounds = bounds;
-    m_states.clear();
-    m_states.push_back(state);
+    m_clips.Clear();
     m_isLayer = false;
     OpenFallback();
 }
 
-void D3D11SubTarget::OpenLayer(const D3D11Context& context, D3D11SubTarget& parent, const IntRect& bounds,
-                               const GXLayerDesc& desc) {
+void D3D11SubTarget::OpenLayer(const D3D11Context& context, D3D11SubTarget& parent, uint32_t blendMode,
+                               const IntRect& bounds, const GXLayerDesc& desc) {
     m_parent = &parent;
     m_isLayer = true;
     m_isolated = desc.isolated != 0;
     m_knockout = desc.knockout != 0;
     m_exact = m_knockout || parent.m_exact;
     // Nothing is drawn into the parent meanwhile.
-    m_inSoftware = parent.m_inSoftware || parent.WayOf(context, parent.State().blendMode, bounds) != Way::Card;
+    m_inSoftware = parent.m_inSoftware || parent.WayOf(context, blendMode, bounds) != Way::Card;
     m_shaped = m_exact || !m_isolated || m_inSoftware;
     m_opacity = desc.opacity;
     m_bounds = bounds;
-    SwState state;
-    state.transform = parent.State().transform;
-    state.strokeAdjustment = parent.State().strokeAdjustment;
-    m_states.clear();
-    m_states.push_back(state);
+    m_clips.Clear();
     OpenFallback();
 }
 
@@ -142,7 +136,7 @@ void D3D11SubTarget::MakeOwnPlanes(D3D11Context& context) {
 }
 
 void D3D11SubTarget::Close() noexcept {
-    m_states.clear();
+    m_clips.Clear();
     m_fallback.Close();
     ClosePlanes();
 }
@@ -153,13 +147,6 @@ void D3D11SubTarget::ClosePlanes() noexcept {
     m_initial.reset();
     m_colorCopy.reset();
     m_shapeCopy.reset();
-}
-
-void D3D11SubTarget::PopState() {
-    if (m_states.size() < 2) {
-        GX_RAISE("Graphics::D3D11SubTarget::PopState", "State stack is empty");
-    }
-    m_states.pop_back();
 }
 
 void D3D11SubTarget::Touch(const IntRect& box) noexcept {

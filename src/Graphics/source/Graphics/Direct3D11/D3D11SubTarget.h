@@ -14,9 +14,7 @@
 // none. Depth is walked in loops, for the stack of a Windows program's main thread has a megabyte.
 #pragma once
 
-#include <vector>
-
-#include "../Software/SwSubTarget.h"
+#include "../Software/SwClipStack.h"
 #include "D3D11SwFallbackSurface.h"
 
 namespace Graphics {
@@ -32,18 +30,16 @@ public:
     };
 
     /// The surface; `color` null: nothing can be drawn.
-    void Open(std::shared_ptr<D3D11Texture> color, const IntRect& bounds, const SwState& state);
-    /// A group inside `parent`, which outlives it.
-    void OpenLayer(const D3D11Context& context, D3D11SubTarget& parent, const IntRect& bounds, const GXLayerDesc& desc);
+    void Open(std::shared_ptr<D3D11Texture> color, const IntRect& bounds);
+    /// A group inside `parent`, which outlives it, to be drawn into it by `blendMode`.
+    void OpenLayer(const D3D11Context& context, D3D11SubTarget& parent, uint32_t blendMode, const IntRect& bounds,
+                   const GXLayerDesc& desc);
     /// New planes after a loss of the device; what was drawn is gone.
     void Restore(std::shared_ptr<D3D11Texture> color);
     void Close() noexcept;
 
     [[nodiscard]] const IntRect& Bounds() const noexcept { return m_bounds; }
-    [[nodiscard]] SwState& State() noexcept { return m_states.back(); }
-    void PushState() { m_states.push_back(SwState(m_states.back())); }
-    /// Raises "State stack is empty".
-    void PopState();
+    [[nodiscard]] SwClipStack& Clips() noexcept { return m_clips; }
 
     [[nodiscard]] bool IsLayer() const noexcept { return m_isLayer; }
     [[nodiscard]] bool CanBeDrawnInto() const noexcept { return m_isLayer || m_color != nullptr; }
@@ -115,7 +111,7 @@ private:
     IntRect m_touched{};
     IntRect m_opaque{};        // of the pixels that are known to be opaque
     IntRect m_initialOpaque{}; // of those that a group began with
-    std::vector<SwState> m_states;
+    SwClipStack m_clips;
     bool m_isLayer = false;
     bool m_isolated = true;
     bool m_knockout = false;

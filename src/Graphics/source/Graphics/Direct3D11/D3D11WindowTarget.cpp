@@ -24,17 +24,6 @@ namespace {
     return surface;
 }
 
-/// The state that the next paint begins with.
-void Hand(const SwState& state, RenderTargetBase& to) {
-    to.SetTransform(state.opacityMask.transform);
-    to.SetOpacityMask(state.opacityMask.type, state.opacityMask.brush);
-    to.SetTransform(state.shapeMask.transform);
-    to.SetShapeMask(state.shapeMask.type, state.shapeMask.brush);
-    to.SetTransform(state.transform);
-    to.SetBlendMode(state.blendMode);
-    to.SetStrokeAdjustment(state.strokeAdjustment);
-}
-
 } // namespace
 
 D3D11WindowTarget::D3D11WindowTarget(std::shared_ptr<D3D11Context> context, HWND window)
@@ -65,7 +54,6 @@ void D3D11WindowTarget::BeginInSoftware() {
         fresh = std::make_unique<SwRenderTarget>(std::make_unique<SwWindowSurface>(m_window));
     }
     SwRenderTarget& target = fresh != nullptr ? *fresh : *m_software;
-    Hand(m_card.NextState(), target);
     target.BeginPaint();
     m_incomplete = fresh != nullptr;
     if (fresh != nullptr) {
@@ -77,17 +65,13 @@ void D3D11WindowTarget::BeginPaint() {
     if (!BeginOnCard()) {
         BeginInSoftware();
     }
-    m_painting = true;
 }
 
 void D3D11WindowTarget::EndPaint() {
     struct Finally {
         D3D11WindowTarget& target;
         ~Finally() {
-            target.m_painting = false;
-            if (target.m_software != nullptr) {
-                target.m_card.ForgetState();
-            } else {
+            if (target.IsOnCard()) {
                 target.m_incomplete = target.m_incomplete || target.m_card.IsIncomplete();
             }
             if (target.m_incomplete && !target.m_asked) {

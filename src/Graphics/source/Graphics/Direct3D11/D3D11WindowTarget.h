@@ -21,42 +21,24 @@ public:
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return Active().GetPixelFormat(); }
     [[nodiscard]] Size GetSize() const override { return Active().GetSize(); }
 
-    [[nodiscard]] Matrix GetTransform() const override { return State().GetTransform(); }
-    void SetTransform(const Matrix& m) override { State().SetTransform(m); }
-    void SetBlendMode(uint32_t mode) override { State().SetBlendMode(mode); }
-    void SetStrokeAdjustment(bool on) override { State().SetStrokeAdjustment(on); }
-    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override {
-        State().SetOpacityMask(type, std::move(brush));
-    }
-    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override {
-        State().SetShapeMask(type, std::move(brush));
-    }
-
     void BeginPaint() override;
     void EndPaint() override;
     void PushState() override { Active().PushState(); }
     void PopState() override { Active().PopState(); }
-    void BeginLayer(const GXLayerDesc& desc) override { Active().BeginLayer(desc); }
-    void EndLayer() override { Active().EndLayer(); }
+    void BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) override { Active().BeginLayer(state, desc); }
+    void EndLayer(const GraphicsState& around) override { Active().EndLayer(around); }
+    void DropLayer() noexcept override { Active().DropLayer(); }
 
     void Clear(uint32_t argb) override { Active().Clear(argb); }
-    void Fill(const PathRef& path, const Brush& brush, bool text) override { Active().Fill(path, brush, text); }
-    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) override {
-        Active().Stroke(path, brush, width, style);
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override {
+        Active().Paint(state, path, ink, mask);
     }
-    void Clip(const PathRef& path) override { Active().Clip(path); }
-    void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                    uint32_t interpolation) override {
-        Active().DrawBitmap(bitmap, source, destination, opacity, interpolation);
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
+                const StrokeStyle& style) override {
+        Active().Stroke(state, path, ink, width, style);
     }
-    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) override {
-        Active().FillMask(mask, brush, destination, interpolation);
-    }
-    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) override {
-        Active().DrawGradient(std::move(gradient), opacity, m);
-    }
-    void InvertRect(const Rect& rect) override { Active().InvertRect(rect); }
-    void InvertLine(const Point& from, const Point& to) override { Active().InvertLine(from, to); }
+    void Clip(const GraphicsState& state, const Path& path) override { Active().Clip(state, path); }
+    void Invert(const Matrix& transform, const BasicFigure& figure) override { Active().Invert(transform, figure); }
 
 private:
     [[nodiscard]] RenderTargetBase& Active() noexcept {
@@ -65,9 +47,6 @@ private:
     [[nodiscard]] const RenderTargetBase& Active() const noexcept {
         return m_software != nullptr ? static_cast<const RenderTargetBase&>(*m_software) : m_card;
     }
-    /// What holds the state: between paints always the card's target, which hands it to the software's.
-    [[nodiscard]] RenderTargetBase& State() noexcept { return m_painting ? Active() : m_card; }
-    [[nodiscard]] const RenderTargetBase& State() const noexcept { return m_painting ? Active() : m_card; }
 
     [[nodiscard]] bool BeginOnCard();
     void BeginInSoftware();
@@ -76,8 +55,7 @@ private:
     HWND m_window;
     D3D11RenderTarget m_card;
     std::unique_ptr<SwRenderTarget> m_software; // while there is no device
-    bool m_painting = false;
-    bool m_incomplete = false; // this paint began without the pixels of the last one
+    bool m_incomplete = false;                  // this paint began without the pixels of the last one
     bool m_asked =
         false; // for another paint; once, so that a device that is lost by every paint makes no endless round
 };

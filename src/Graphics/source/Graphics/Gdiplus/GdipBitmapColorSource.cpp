@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "GdipBitmapColorSource.h"
 
+#include "../Bitmaps/Bitmap.h"
+
 namespace Graphics {
 
-GdipBitmapColorSource::GdipBitmapColorSource(const PixelView& pixels, float dpiX, float dpiY, float opacity,
-                                             const Matrix& transform, uint32_t extendX, uint32_t extendY) {
-    const GdipBitmap bitmap(pixels, dpiX, dpiY);
-    if (CreateTexture(bitmap, opacity)) {
-        PlaceTexture(transform, WrapModeOf(extendX, extendY));
+GdipBitmapColorSource::GdipBitmapColorSource(const ImageInk& image, const Matrix& transform) {
+    const GdipBitmap bitmap(image.Pixels(), image.bitmap->DpiX(), image.bitmap->DpiY());
+    if (CreateTexture(bitmap, image.opacity)) {
+        // Where nothing beyond the edges shows the image is mirrored there: a clamped texture fades out at them.
+        const bool hidden = image.edges == ImageInk::Edges::Hidden;
+        PlaceTexture(transform, hidden ? Gdiplus::WrapModeTileFlipXY : WrapModeOf(image.extendX, image.extendY));
     }
 }
 

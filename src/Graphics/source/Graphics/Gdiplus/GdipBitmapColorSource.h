@@ -10,8 +10,7 @@ namespace Graphics {
 class GdipBitmapColorSource final : public GdipColorSource {
 public:
     /// `transform` maps image pixels to page units. The pixels are read here and not needed afterwards.
-    GdipBitmapColorSource(const PixelView& pixels, float dpiX, float dpiY, float opacity, const Matrix& transform,
-                          uint32_t extendX, uint32_t extendY);
+    GdipBitmapColorSource(const ImageInk& image, const Matrix& transform);
 
     /// GDI+ cannot clamp in one direction and tile in the other: it then tiles.
     [[nodiscard]] static Gdiplus::GpWrapMode WrapModeOf(uint32_t extendX, uint32_t extendY) noexcept;

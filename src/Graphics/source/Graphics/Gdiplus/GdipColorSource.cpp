@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GdipColorSource.h"
 
-#include "../Bitmaps/Bitmap.h"
-#include "../Paint/Brush.h"
 #include "GdipBitmapColorSource.h"
 #include "GdipGradientColorSource.h"
 #include "GdipSolidColorSource.h"
@@ -15,24 +13,15 @@ GdipColorSource::~GdipColorSource() {
     }
 }
 
-std::unique_ptr<GdipColorSource> GdipColorSource::CreateFromBrush(const Brush& brush, const GdipPlace& place) {
+std::unique_ptr<GdipColorSource> GdipColorSource::Create(const Ink& ink, const GdipPlace& place) {
     std::unique_ptr<GdipColorSource> source;
-    switch (brush.Kind()) {
-    case kBrushSolid:
-        source = std::make_unique<GdipSolidColorSource>(static_cast<const SolidBrush&>(brush));
-        break;
-    case kBrushBitmap: {
-        const auto& b = static_cast<const BitmapBrush&>(brush);
-        const Matrix transform = Concat(Concat(b.transform, place.transform), place.toPage);
-        source = std::make_unique<GdipBitmapColorSource>(b.bitmap->View(), b.bitmap->DpiX(), b.bitmap->DpiY(),
-                                                         b.opacity, transform, b.extendX, b.extendY);
-        break;
-    }
-    case kBrushGradient:
-        source = GdipGradientColorSource::Factory(static_cast<const GradientBrush&>(brush), place);
-        break;
-    default:
-        GX_RAISE("Graphics::GdipColorSource::CreateFromBrush", "Not implemented");
+    if (const auto* solid = std::get_if<SolidInk>(&ink)) {
+        source = std::make_unique<GdipSolidColorSource>(solid->argb);
+    } else if (const auto* image = std::get_if<ImageInk>(&ink)) {
+        source = std::make_unique<GdipBitmapColorSource>(
+            *image, Concat(Concat(image->transform, place.transform), place.toPage));
+    } else {
+        source = GdipGradientColorSource::Factory(*std::get<GradientInk>(ink).brush, place);
     }
     source->Check();
     return source;

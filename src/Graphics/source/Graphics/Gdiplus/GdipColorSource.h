@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "../Target/RenderTargetBase.h"
+#include "../Drawing/RenderTargetBase.h"
 #include "GdipStatus.h"
 
 namespace Graphics {
@@ -29,13 +29,13 @@ public:
     GdipColorSource& operator=(const GdipColorSource&) = delete;
     virtual ~GdipColorSource();
 
-    /// Raises "Not implemented" for an unknown kind, and when a call of GDI+ failed.
-    [[nodiscard]] static std::unique_ptr<GdipColorSource> CreateFromBrush(const Brush& brush, const GdipPlace& place);
+    /// Raises when a call of GDI+ failed.
+    [[nodiscard]] static std::unique_ptr<GdipColorSource> Create(const Ink& ink, const GdipPlace& place);
 
     /// The brush, owned by this object.
     [[nodiscard]] Gdiplus::GpBrush* Get() const noexcept { return m_brush; }
     /// Raises what went wrong while the brush was made.
-    void Check() { m_status.Check("Graphics::GdipColorSource::CreateFromBrush"); }
+    void Check() { m_status.Check("Graphics::GdipColorSource::Create"); }
 
 protected:
     void CreateSolid(uint32_t argb);

@@ -28,9 +28,10 @@ void GdipGradientColorSource::CreateTexture(const GradientBrush& brush, const Ma
         {static_cast<uint32_t>(width), static_cast<uint32_t>(height), GXPixelFormatPBGRA32, 96.0F, 96.0F});
     image->ColorFill(nullptr, {0.0F, 0.0F, 0.0F, 0.0F});
     const std::unique_ptr<RenderTargetBase> target = place.makeTarget(image);
+    GraphicsState state;
+    state.transform = transform;
     target->BeginPaint();
-    target->SetTransform(transform);
-    target->DrawGradient(brush.gradient, brush.opacity, brush.transform);
+    target->Paint(state, Path::Plane(), GradientInk{&brush}, nullptr);
     target->EndPaint();
 
     const GdipBitmap bitmap(image->View(), 96.0F, 96.0F);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GdipPageList.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "../Bitmaps/Bitmap.h"
@@ -30,18 +31,22 @@ constexpr IntRect kEverywhere{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
 
 } // namespace
 
-GdipKeptPath::GdipKeptPath(const PathRef& path)
-    : m_figure(path.figure != nullptr ? *path.figure : BasicFigure(BasicFigure::Kind::Rectangle, {})) {
-    if (path.shape != nullptr) {
-        m_shape = *path.shape;
+GdipKeptPath::GdipKeptPath(const Path& path)
+    : m_kind(path.GetKind()),
+      m_figure(path.IsFigure() ? path.Figure() : BasicFigure(BasicFigure::Kind::Rectangle, {})) {
+    if (const Path::SharedShape* stored = path.Stored()) {
+        m_shape = *stored;
         m_figureCount = m_shape->Figures().size();
         m_fillRule = m_shape->FillRule();
     }
 }
 
-PathRef GdipKeptPath::Ref() const {
+Path GdipKeptPath::Get() const {
+    if (m_kind == Path::Kind::Plane) {
+        return Path::Plane();
+    }
     if (m_shape == nullptr) {
-        return {nullptr, &m_figure};
+        return m_figure;
     }
     // Shapes grow at their end; figures that are finished stay.
     if (m_shape->Figures().size() != m_figureCount || m_shape->FillRule() != m_fillRule) {
@@ -53,18 +58,30 @@ PathRef GdipKeptPath::Ref() const {
         m_shape = std::move(copy);
         m_figureCount = m_shape->Figures().size();
     }
-    return {&m_shape, nullptr};
+    return m_kind == Path::Kind::Outline ? Path::Outline(m_shape) : Path(m_shape);
 }
 
-void GdipPageList::AddState(const Matrix& transform, Call call) { Add(transform, kEverywhere, std::move(call)); }
+void GdipPageList::AddScope(const GraphicsState& state, Call call) {
+    m_entries.push_back({state, kEverywhere, std::move(call)});
+}
+
+void GdipPageList::MakeRoom() {
+    if (m_entries.size() == m_entries.capacity()) {
+        m_entries.reserve(std::max<size_t>(16, m_entries.size() * 2));
+    }
+}
 
 void GdipPageList::Replay(RenderTargetBase& target, const IntRect& part) const {
     const Matrix shift{1.0F, 0.0F, 0.0F, 1.0F, static_cast<float>(-part.left), static_cast<float>(-part.top)};
     for (const Entry& entry : m_entries) {
-        if (!IsEmpty(Intersect(entry.box, part))) {
-            target.SetTransform(Concat(entry.transform, shift));
-            entry.call(target);
+        if (IsEmpty(Intersect(entry.box, part))) {
+            continue;
         }
+        GraphicsState state = entry.state;
+        for (Matrix* m : {&state.transform, &state.shapeMask.transform, &state.opacityMask.transform}) {
+            *m = Concat(*m, shift);
+        }
+        entry.call(target, state);
     }
 }
 
@@ -99,6 +116,20 @@ std::shared_ptr<const Brush> GdipPageList::Keep(const Brush& brush) {
     default:
         GX_RAISE("Graphics::GdipPageList::Keep", "Not implemented");
     }
+}
+
+GdipKeptInk GdipPageList::Keep(const Ink& ink) {
+    GdipKeptInk kept{ink, nullptr};
+    if (auto* image = std::get_if<ImageInk>(&kept.ink)) {
+        const std::shared_ptr<Bitmap> bitmap = Keep(*image->bitmap);
+        image->bitmap = bitmap.get();
+        kept.owner = bitmap;
+    } else if (auto* gradient = std::get_if<GradientInk>(&kept.ink)) {
+        const auto brush = std::make_shared<GradientBrush>(*gradient->brush);
+        gradient->brush = brush.get();
+        kept.owner = brush;
+    }
+    return kept;
 }
 
 } // namespace Graphics

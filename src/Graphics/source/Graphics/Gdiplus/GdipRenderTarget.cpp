@@ -10,7 +10,6 @@
 namespace Graphics {
 namespace {
 
-constexpr uint32_t kMaskTypes = 4;
 constexpr float kPointsPerInch = 72.0F;
 
 } // namespace
@@ -30,67 +29,9 @@ Size GdipRenderTarget::GetSize() const {
     return {static_cast<uint32_t>(m_device.area.right), static_cast<uint32_t>(m_device.area.bottom)};
 }
 
-// --- State ---
-
-template <class Change> void GdipRenderTarget::ChangeState(const GdipPageList::Call& call, Change&& change) {
-    change(m_cached);
-    if (m_graphics != nullptr) {
-        m_page.AddState(State().transform, call);
-        change(State());
-    }
+std::shared_ptr<const Brush> GdipRenderTarget::KeepMask(std::shared_ptr<const Brush> brush) {
+    return m_page.Keep(*brush);
 }
-
-Matrix GdipRenderTarget::GetTransform() const {
-    return m_graphics != nullptr ? m_targets.back().State().transform : m_cached.transform;
-}
-
-void GdipRenderTarget::SetTransform(const Matrix& m) {
-    m_cached.transform = m; // every call is noted with its matrix
-    if (m_graphics != nullptr) {
-        State().transform = m;
-    }
-}
-
-void GdipRenderTarget::SetBlendMode(uint32_t mode) {
-    ChangeState([mode](RenderTargetBase& t) { t.SetBlendMode(mode); }, [mode](auto& s) { s.blendMode = mode; });
-}
-
-void GdipRenderTarget::SetStrokeAdjustment(bool on) {
-    ChangeState([on](RenderTargetBase& t) { t.SetStrokeAdjustment(on); }, [on](auto& s) { s.strokeAdjustment = on; });
-}
-
-void GdipRenderTarget::SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) {
-    SetMask(&GdipState::opacityMask, &RenderTargetBase::SetOpacityMask, {std::move(brush), type, GetTransform()});
-}
-
-void GdipRenderTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) {
-    SetMask(&GdipState::shapeMask, &RenderTargetBase::SetShapeMask, {std::move(brush), type, GetTransform()});
-}
-
-void GdipRenderTarget::SetMask(GdipMask GdipState::*which, MaskSetter set, GdipMask mask) {
-    if (mask.brush != nullptr) {
-        mask.brush = m_page.Keep(*mask.brush);
-    }
-    m_cached.*which = mask;
-    if (m_graphics != nullptr) {
-        AddMask(set, mask);
-        State().*which = std::move(mask);
-    }
-}
-
-void GdipRenderTarget::AddMask(MaskSetter set, const GdipMask& mask) {
-    m_page.AddState(mask.transform, [set, mask](RenderTargetBase& t) { (t.*set)(mask.type, mask.brush); });
-}
-
-void GdipRenderTarget::CheckMasks(const GdipState& state) {
-    for (const GdipMask* mask : {&state.shapeMask, &state.opacityMask}) {
-        if (mask->brush != nullptr && mask->type >= kMaskTypes) {
-            GX_RAISE("Graphics::GdipRenderTarget::CheckMasks", "Unsupported soft mask type.");
-        }
-    }
-}
-
-// --- The bracket ---
 
 void GdipRenderTarget::BeginPaint() {
     if (GdipBitmap::FormatOf(m_device.format) == 0) {
@@ -98,17 +39,7 @@ void GdipRenderTarget::BeginPaint() {
     }
     try {
         m_graphics = Open();
-        GdipState first = m_cached;
-        first.clip = m_device.area;
-        first.restore = m_graphics->Save();
-        first.drawingsBefore = m_page.Drawings();
-        m_targets.emplace_back(first, true);
-        m_page.AddState(kIdentity, [mode = first.blendMode, on = first.strokeAdjustment](RenderTargetBase& t) {
-            t.SetBlendMode(mode);
-            t.SetStrokeAdjustment(on);
-        });
-        AddMask(&RenderTargetBase::SetShapeMask, first.shapeMask);
-        AddMask(&RenderTargetBase::SetOpacityMask, first.opacityMask);
+        m_targets.emplace_back(GdipClip{m_device.area, false, m_graphics->Save()}, true, m_page.Drawings());
     } catch (...) {
         Finish();
         throw;
@@ -126,13 +57,9 @@ void GdipRenderTarget::Finish() noexcept {
 void GdipRenderTarget::EndPaint() {
     struct AtEnd {
         GdipRenderTarget& target;
-        ~AtEnd() {
-            target.Finish();
-            target.m_cached = GdipState();
-        }
+        ~AtEnd() { target.Finish(); }
     };
     const AtEnd atEnd{*this};
-    // Groups that are still open end with the page.
     m_graphics->Restore(m_targets.front().First().restore);
     GdipFlattener(m_page, m_makeTarget)
         .Run(m_left, [this](const PixelView& pixels, const IntPoint& origin, const std::vector<IntRect>& rects) {
@@ -141,51 +68,55 @@ void GdipRenderTarget::EndPaint() {
 }
 
 void GdipRenderTarget::PushState() {
-    const GdipGraphics::SavedState restore = m_graphics->Save();
-    m_page.AddState(kIdentity, [](RenderTargetBase& t) { t.PushState(); });
-    m_targets.back().PushState(restore);
+    m_page.MakeRoom();
+    m_targets.back().PushClip(m_graphics->Save());
+    m_page.AddScope({}, [](RenderTargetBase& t, const GraphicsState&) { t.PushState(); });
 }
 
 void GdipRenderTarget::PopState() {
-    const GdipGraphics::SavedState restore = m_targets.back().PopState();
-    m_page.AddState(kIdentity, [](RenderTargetBase& t) { t.PopState(); });
+    const GdipGraphics::SavedState restore = m_targets.back().PopClip();
+    m_page.AddScope({}, [](RenderTargetBase& t, const GraphicsState&) { t.PopState(); });
     m_graphics->Restore(restore);
 }
 
-void GdipRenderTarget::BeginLayer(const GXLayerDesc& desc) {
-    const GdipState state = State();
-    GdipState first;
-    first.transform = state.transform;
-    first.strokeAdjustment = state.strokeAdjustment;
-    first.clip = Intersect(LayerBox(desc.bounds, state.transform, m_device.area), state.clip);
-    if (IsEmpty(first.clip)) {
-        first.clip = {};
+void GdipRenderTarget::BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) {
+    const IntRect around = CurrentClip().box;
+    GdipClip first;
+    first.box = Intersect(LayerBox(desc.bounds, state.transform, m_device.area), around);
+    if (IsEmpty(first.box)) {
+        first.box = {};
     }
-    const bool transparent = DrawsItself() && desc.knockout == 0 && desc.opacity == 1.0F;
+    const bool transparent = DrawsItself(state) && desc.knockout == 0 && desc.opacity == 1.0F;
     m_targets.reserve(m_targets.size() + 1);
     first.restore = m_graphics->Save();
-    first.drawingsBefore = m_page.Drawings();
-    if (transparent && !(first.clip == state.clip)) {
+    if (transparent && !(first.box == around)) {
         GdipPath box(m_toPage);
-        AddRectangle(box, ToRect(first.clip));
+        AddRectangle(box, ToRect(first.box));
         m_graphics->IntersectClip(box);
     }
-    m_page.AddState(first.transform, [desc](RenderTargetBase& t) { t.BeginLayer(desc); });
-    m_targets.emplace_back(first, transparent);
+    GdipSubTarget group(first, transparent, m_page.Drawings());
+    m_page.AddScope(state, [desc](RenderTargetBase& t, const GraphicsState& s) { t.BeginLayer(s, desc); });
+    m_targets.push_back(std::move(group));
 }
 
-void GdipRenderTarget::EndLayer() {
-    if (m_targets.size() < 2) {
-        GX_RAISE("Graphics::GdipRenderTarget::EndLayer", "No layer is open");
+void GdipRenderTarget::EndLayer(const GraphicsState& around) {
+    const GdipSubTarget& group = m_targets.back();
+    if (m_page.Drawings() != group.DrawingsBefore()) {
+        around.CheckMasks();
     }
-    GdipSubTarget& around = m_targets[m_targets.size() - 2];
-    const GdipState first = m_targets.back().First();
-    if (m_page.Drawings() != first.drawingsBefore) {
-        CheckMasks(around.State());
-    }
-    m_page.AddState(around.State().transform, [](RenderTargetBase& t) { t.EndLayer(); });
+    m_page.MakeRoom();
+    m_graphics->Restore(group.First().restore);
+    m_page.AddScope(around, [](RenderTargetBase& t, const GraphicsState& s) { t.EndLayer(s); });
     m_targets.pop_back();
-    m_graphics->Restore(first.restore);
+}
+
+void GdipRenderTarget::DropLayer() noexcept {
+    m_targets.pop_back();
+    try {
+        m_page.AddScope({}, [](RenderTargetBase& t, const GraphicsState&) { t.DropLayer(); });
+    } catch (const std::bad_alloc&) {
+        // The page ends, and with it the groups of the target that draws from the list.
+    }
 }
 
 } // namespace Graphics

@@ -7,7 +7,6 @@
 #pragma once
 
 #include "../Geometry/Pen.h"
-#include "../Geometry/Shape.h"
 #include "../Regions/Region.h"
 #include "../Scan/Rasterizer.h"
 #include "GdipColorSource.h"
@@ -33,31 +32,24 @@ public:
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return m_device.format; }
     [[nodiscard]] Size GetSize() const override;
 
-    [[nodiscard]] Matrix GetTransform() const override;
-    void SetTransform(const Matrix& m) override;
-    void SetBlendMode(uint32_t mode) override;
-    void SetStrokeAdjustment(bool on) override;
-    void SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
-    void SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) override;
+    /// As it is now: pages are drawn once more from the list of calls.
+    [[nodiscard]] std::shared_ptr<const Brush> KeepMask(std::shared_ptr<const Brush> brush) override;
 
     /// Raises "Unsuported pixel format" when GDI+ has no counterpart of the target's format, and what Open raises.
     void BeginPaint() override;
     void EndPaint() override;
     void PushState() override;
     void PopState() override;
-    void BeginLayer(const GXLayerDesc& desc) override;
-    void EndLayer() override;
+    void BeginLayer(const GraphicsState& state, const GXLayerDesc& desc) override;
+    void EndLayer(const GraphicsState& around) override;
+    void DropLayer() noexcept override;
 
     void Clear(uint32_t argb) override;
-    void Fill(const PathRef& path, const Brush& brush, bool text) override;
-    void Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) override;
-    void Clip(const PathRef& path) override;
-    void DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                    uint32_t interpolation) override;
-    void FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) override;
-    void DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) override;
-    void InvertRect(const Rect& rect) override;
-    void InvertLine(const Point& from, const Point& to) override;
+    void Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) override;
+    void Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
+                const StrokeStyle& style) override;
+    void Clip(const GraphicsState& state, const Path& path) override;
+    void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 protected:
     /// The graphics of a page that begins. Sees to it that the device is the present one: pages of a job may differ.
@@ -70,38 +62,25 @@ protected:
     virtual void Close() noexcept = 0;
 
 private:
-    using MaskSetter = void (RenderTargetBase::*)(uint32_t, std::shared_ptr<const Brush>);
-
-    [[nodiscard]] GdipState& State() noexcept { return m_targets.back().State(); }
-    template <class Change> void ChangeState(const GdipPageList::Call& call, Change&& change);
-    void SetMask(GdipMask GdipState::*which, MaskSetter set, GdipMask mask);
-    void AddMask(MaskSetter set, const GdipMask& mask);
-    static void CheckMasks(const GdipState& state);
-    void CheckMasks() { CheckMasks(State()); }
     void Finish() noexcept;
 
-    /// The stored shape, or the figure put into a shape that is void after the call.
-    [[nodiscard]] const Shape& Resolve(const PathRef& path);
+    [[nodiscard]] GdipClip& CurrentClip() noexcept { return m_targets.back().Clip(); }
     /// The part of `pixels` that the clip leaves.
-    [[nodiscard]] IntRect Visible(const IntRect& pixels) noexcept;
-    /// Whether GDI+ may draw under the present state.
-    [[nodiscard]] bool DrawsItself() noexcept;
-    [[nodiscard]] GdipShows Judge(const IntRect& visible) noexcept;
-    /// Fills what feed(path) adds with what makeSource() returns. `call` is noted.
-    template <class MakeSource, class Feed>
-    void Draw(const IntRect& visible, uint32_t interpolation, MakeSource&& makeSource, Feed&& feed,
-              GdipPageList::Call call);
-    /// The same, or nothing but the note where the brush is not for GDI+.
+    [[nodiscard]] IntRect Visible(const IntRect& pixels) noexcept { return Intersect(pixels, CurrentClip().box); }
+    /// Whether GDI+ may draw under the state.
+    [[nodiscard]] bool DrawsItself(const GraphicsState& state) const noexcept;
+    [[nodiscard]] GdipShows Judge(const GraphicsState& state, const IntRect& visible) const noexcept;
+    /// Fills what feed(path) adds with the ink and notes `call`, or nothing but the note where that is not for GDI+.
     template <class Feed>
-    void DrawWith(const Brush& brush, const IntRect& visible, Feed&& feed, GdipPageList::Call call);
+    void Draw(const GraphicsState& state, const Ink& ink, const IntRect& visible, Feed&& feed, GdipPageList::Call call);
     /// These pixels are the software renderer's.
-    void Leave(const IntRect& visible, GdipPageList::Call call);
-    void FeedPath(const Shape& shape, bool snap, GdipPath& sink);
+    void Leave(const GraphicsState& state, const IntRect& visible, GdipPageList::Call call);
+    void PaintOne(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask);
+    void FeedPath(const Shape& shape, const Matrix& transform, bool snap, GdipPath& sink);
 
     GdipDevice m_device;
     Matrix m_toPage{};
     const BitmapTargetMaker m_makeTarget;
-    GdipState m_cached; // what is set outside a paint bracket; the page starts with it
 
     // While painting.
     std::unique_ptr<GdipGraphics> m_graphics;
@@ -111,7 +90,7 @@ private:
 
     Rasterizer m_rasterizer; // for rectangles on whole pixels
     PenStorage m_pen;
-    Shape m_figure;
+    PathShape m_shape;
 };
 
 } // namespace Graphics

@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The drawing calls of the target: each is drawn at once and noted, or only noted.
-#include "../Bitmaps/Bitmap.h"
-#include "../Bitmaps/PixelTransfer.h"
-#include "../Exception.h"
 #include "../Geometry/DeviceFeed.h"
 #include "../Scan/DeviceFigures.h"
-#include "GdipBitmapColorSource.h"
 #include "GdipRenderTarget.h"
 #include "GdipShows.h"
 
 namespace Graphics {
 namespace {
 
-/// How GDI+ samples the texture that stands for the brush.
-[[nodiscard]] uint32_t InterpolationOf(const Brush& brush) noexcept {
-    return brush.Kind() == kBrushBitmap ? static_cast<const BitmapBrush&>(brush).interpolation
-                                        : static_cast<uint32_t>(GXInterpolationLinear);
+/// How GDI+ samples the texture that stands for the ink.
+[[nodiscard]] uint32_t InterpolationOf(const Ink& ink) noexcept {
+    const auto* image = std::get_if<ImageInk>(&ink);
+    return image != nullptr ? image->interpolation : static_cast<uint32_t>(GXInterpolationLinear);
 }
 
 /// The opposite corners of a shape that is one upright rectangle on the device.
@@ -46,57 +42,35 @@ namespace {
 
 } // namespace
 
-const Shape& GdipRenderTarget::Resolve(const PathRef& path) {
-    if (path.shape != nullptr) {
-        return **path.shape;
-    }
-    m_figure.Clear();
-    path.figure->Replay(m_figure);
-    return m_figure;
+bool GdipRenderTarget::DrawsItself(const GraphicsState& state) const noexcept {
+    return m_targets.back().Transparent() && state.blendMode == 0 && !state.HasMasks();
 }
 
-IntRect GdipRenderTarget::Visible(const IntRect& pixels) noexcept { return Intersect(pixels, State().clip); }
-
-bool GdipRenderTarget::DrawsItself() noexcept {
-    const GdipState& state = State();
-    return m_targets.back().Transparent() && state.blendMode == 0 && state.shapeMask.brush == nullptr &&
-           state.opacityMask.brush == nullptr;
+GdipShows GdipRenderTarget::Judge(const GraphicsState& state, const IntRect& visible) const noexcept {
+    return {m_device.blends, state.transform, visible};
 }
 
-GdipShows GdipRenderTarget::Judge(const IntRect& visible) noexcept {
-    return {m_device.blends, State().transform, visible};
-}
-
-void GdipRenderTarget::Leave(const IntRect& visible, GdipPageList::Call call) {
-    m_page.Add(State().transform, visible, std::move(call));
+void GdipRenderTarget::Leave(const GraphicsState& state, const IntRect& visible, GdipPageList::Call call) {
+    m_page.Add(state, visible, std::move(call));
     m_left = Region::Combine(m_left, Region(visible), RegionOp::Union);
 }
 
-template <class MakeSource, class Feed>
-void GdipRenderTarget::Draw(const IntRect& visible, uint32_t interpolation, MakeSource&& makeSource, Feed&& feed,
-                            GdipPageList::Call call) {
-    GdipPath path(m_toPage);
-    feed(path);
-    const std::unique_ptr<GdipColorSource> source = makeSource();
-    source->Check();
-    m_page.Add(State().transform, visible, std::move(call));
-    m_graphics->Fill(path, *source, interpolation);
-}
-
 template <class Feed>
-void GdipRenderTarget::DrawWith(const Brush& brush, const IntRect& visible, Feed&& feed, GdipPageList::Call call) {
-    if (!DrawsItself() || !Judge(visible).Shows(brush)) {
-        Leave(visible, std::move(call));
+void GdipRenderTarget::Draw(const GraphicsState& state, const Ink& ink, const IntRect& visible, Feed&& feed,
+                            GdipPageList::Call call) {
+    if (!DrawsItself(state) || !Judge(state, visible).Shows(ink)) {
+        Leave(state, visible, std::move(call));
         return;
     }
-    const auto makeSource = [&] {
-        return GdipColorSource::CreateFromBrush(brush, {State().transform, m_toPage, visible, m_makeTarget});
-    };
-    Draw(visible, InterpolationOf(brush), makeSource, feed, std::move(call));
+    GdipPath path(m_toPage);
+    feed(path);
+    const std::unique_ptr<GdipColorSource> source =
+        GdipColorSource::Create(ink, {state.transform, m_toPage, visible, m_makeTarget});
+    m_page.Add(state, visible, std::move(call));
+    m_graphics->Fill(path, *source, InterpolationOf(ink));
 }
 
-void GdipRenderTarget::FeedPath(const Shape& shape, bool snap, GdipPath& sink) {
-    const Matrix& transform = State().transform;
+void GdipRenderTarget::FeedPath(const Shape& shape, const Matrix& transform, bool snap, GdipPath& sink) {
     IntRect pixels;
     Point a, b;
     // Thin rules are at least one pixel, as on the screen.
@@ -109,154 +83,101 @@ void GdipRenderTarget::FeedPath(const Shape& shape, bool snap, GdipPath& sink) {
     }
 }
 
-void GdipRenderTarget::Fill(const PathRef& path, const Brush& brush, bool text) {
-    const Shape& shape = Resolve(path);
-    if (shape.Empty()) {
+void GdipRenderTarget::Paint(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) {
+    if (path.GetKind() != Path::Kind::Glyphs) {
+        PaintOne(state, path, ink, mask);
         return;
     }
-    CheckMasks();
-    const IntRect visible = Visible(RoundOut(DeviceBox(shape, State().transform, 0.0F)));
+    GraphicsState placed = state;
+    path.Glyphs().ForEach(state.transform, [&](const Path::SharedShape& outline, const Matrix& m) {
+        placed.transform = m;
+        PaintOne(placed, Path::Outline(outline), ink, mask);
+    });
+}
+
+void GdipRenderTarget::PaintOne(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask) {
+    const bool isPlane = path.GetKind() == Path::Kind::Plane;
+    const Shape* const shape = isPlane ? nullptr : &m_shape.Of(path);
+    const IntRect visible = isPlane ? CurrentClip().box : Visible(RoundOut(DeviceBox(*shape, state.transform, 0.0F)));
     if (IsEmpty(visible)) {
         return;
     }
-    const bool snap = State().strokeAdjustment && !text;
-    DrawWith(
-        brush, visible, [&](GdipPath& sink) { FeedPath(shape, snap, sink); },
-        [kept = GdipKeptPath(path), paint = m_page.Keep(brush), text](RenderTargetBase& t) {
-            t.Fill(kept.Ref(), *paint, text);
-        });
-}
-
-void GdipRenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
-    const GdipState& state = State();
-    const Shape& shape = Resolve(path);
-    if (shape.Empty()) {
+    const auto kept = [&] { return std::pair(GdipKeptPath(path), m_page.Keep(ink)); };
+    if (mask != nullptr) {
+        Leave(state, visible,
+              [kept = kept(), cover = m_page.Keep(Ink(*mask))](RenderTargetBase& t, const GraphicsState& s) {
+                  t.Paint(s, kept.first.Get(), kept.second.ink, &std::get<ImageInk>(cover.ink));
+              });
         return;
     }
-    CheckMasks();
+    const bool snap = state.strokeAdjustment && path.GetKind() != Path::Kind::Outline;
+    const auto feed = [&](GdipPath& sink) {
+        if (isPlane) {
+            sink.SetFillRule(GXFillRuleNonZero);
+            AddRectangle(sink, ToRect(visible));
+        } else {
+            FeedPath(*shape, state.transform, snap, sink);
+        }
+    };
+    Draw(state, ink, visible, feed, [kept = kept()](RenderTargetBase& t, const GraphicsState& s) {
+        t.Paint(s, kept.first.Get(), kept.second.ink, nullptr);
+    });
+}
+
+void GdipRenderTarget::Stroke(const GraphicsState& state, const Path& path, const Ink& ink, float width,
+                              const StrokeStyle& style) {
+    const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(StrokeBox(shape, state.transform, width, style));
     if (IsEmpty(visible)) {
         return;
     }
-    DrawWith(
-        brush, visible,
-        [&](GdipPath& sink) {
-            static_cast<void>(FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen,
-                                         ToRect(m_device.area), ToRect(visible), sink));
-        },
-        [kept = GdipKeptPath(path), paint = m_page.Keep(brush), width, style](RenderTargetBase& t) {
-            t.Stroke(kept.Ref(), *paint, width, style);
-        });
+    const auto feed = [&](GdipPath& sink) {
+        static_cast<void>(FeedStroke(shape, state.transform, style, width, state.strokeAdjustment, m_pen,
+                                     ToRect(m_device.area), ToRect(visible), sink));
+    };
+    Draw(state, ink, visible, feed,
+         [kept = GdipKeptPath(path), keptInk = m_page.Keep(ink), width,
+          style](RenderTargetBase& t, const GraphicsState& s) { t.Stroke(s, kept.Get(), keptInk.ink, width, style); });
 }
 
-void GdipRenderTarget::Clip(const PathRef& path) {
-    GdipState& state = State();
-    const Shape& shape = Resolve(path);
+void GdipRenderTarget::Clip(const GraphicsState& state, const Path& path) {
+    const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     if (m_targets.back().Transparent()) {
         GdipPath figure(m_toPage);
-        FeedPath(shape, state.strokeAdjustment, figure);
+        FeedPath(shape, state.transform, state.strokeAdjustment, figure);
         m_graphics->IntersectClip(figure);
     }
-    m_page.AddState(state.transform, [kept = GdipKeptPath(path)](RenderTargetBase& t) { t.Clip(kept.Ref()); });
-    state.clip = shape.Empty() || IsEmpty(visible) ? IntRect{} : visible;
-    state.clipped = true;
-}
-
-void GdipRenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
-                                  uint32_t interpolation) {
-    CheckMasks();
-    const PixelView whole = bitmap.View();
-    const IntRect part = Intersect(source, {0, 0, whole.width, whole.height});
-    const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-    const PathRef path{nullptr, &figure};
-    const Shape& shape = Resolve(path);
-    const IntRect visible = Visible(RoundOut(DeviceBox(shape, State().transform, 0.0F)));
-    if (IsEmpty(part) || IsEmpty(visible)) {
-        return;
-    }
-    GdipPageList::Call call = [kept = m_page.Keep(bitmap), source, destination, opacity,
-                               interpolation](RenderTargetBase& t) {
-        t.DrawBitmap(*kept, source, destination, opacity, interpolation);
-    };
-    const PixelView pixels = PixelTransfer::Part(whole, part);
-    const Matrix place = PlaceImage(part, source, destination);
-    // Beyond the bitmap its edge goes on, which no texture does that is good at the edge itself.
-    if (!DrawsItself() || !(part == source) ||
-        !Judge(visible).Shows(pixels, opacity, interpolation, Concat(place, State().transform))) {
-        Leave(visible, std::move(call));
-        return;
-    }
-    const auto makeSource = [&] {
-        // Mirrored beyond its edges: a clamped texture fades out there.
-        return std::make_unique<GdipBitmapColorSource>(
-            pixels, bitmap.DpiX(), bitmap.DpiY(), opacity, Concat(Concat(place, State().transform), m_toPage),
-            static_cast<uint32_t>(GXExtendMirror), static_cast<uint32_t>(GXExtendMirror));
-    };
-    const bool snap = State().strokeAdjustment;
-    Draw(
-        visible, interpolation, makeSource, [&](GdipPath& sink) { FeedPath(shape, snap, sink); }, std::move(call));
-}
-
-void GdipRenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination,
-                                uint32_t interpolation) {
-    CheckMasks();
-    const BasicFigure figure(BasicFigure::Kind::Rectangle, destination);
-    const IntRect visible = Visible(RoundOut(DeviceBox(Resolve({nullptr, &figure}), State().transform, 0.0F)));
-    if (!IsEmpty(visible)) {
-        Leave(visible, [kept = m_page.Keep(mask), paint = m_page.Keep(brush), destination,
-                        interpolation](RenderTargetBase& t) { t.FillMask(*kept, *paint, destination, interpolation); });
-    }
-}
-
-void GdipRenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
-    CheckMasks();
-    const IntRect visible = State().clip;
-    if (IsEmpty(visible)) {
-        return;
-    }
-    GradientBrush brush(std::move(gradient));
-    brush.opacity = opacity;
-    brush.transform = m;
-    DrawWith(
-        brush, visible,
-        [&](GdipPath& sink) {
-            sink.SetFillRule(GXFillRuleNonZero);
-            AddRectangle(sink, ToRect(visible));
-        },
-        [brush](RenderTargetBase& t) { t.DrawGradient(brush.gradient, brush.opacity, brush.transform); });
+    m_page.AddScope(
+        state, [kept = GdipKeptPath(path)](RenderTargetBase& t, const GraphicsState& s) { t.Clip(s, kept.Get()); });
+    GdipClip& clip = CurrentClip();
+    clip.box = shape.Empty() || IsEmpty(visible) ? IntRect{} : visible;
+    clip.isCut = true;
 }
 
 void GdipRenderTarget::Clear(uint32_t argb) {
-    const IntRect visible = State().clip;
+    const IntRect visible = CurrentClip().box;
     if (IsEmpty(visible)) {
         return;
     }
-    GdipPageList::Call call = [argb](RenderTargetBase& t) { t.Clear(argb); };
+    GdipPageList::Call call = [argb](RenderTargetBase& t, const GraphicsState&) { t.Clear(argb); };
     if (m_targets.size() > 1) {
-        Leave(visible, std::move(call));
+        Leave({}, visible, std::move(call));
         return;
     }
-    m_page.Add(State().transform, visible, std::move(call));
+    m_page.Add({}, visible, std::move(call));
     m_graphics->Clear(argb | 0xFF000000U); // paper stays opaque
-    if (!State().clipped) {
+    if (!CurrentClip().isCut) {
         m_left = Region(); // nothing is seen of what lies below
     }
 }
 
-void GdipRenderTarget::InvertRect(const Rect& rect) {
-    const BasicFigure figure(BasicFigure::Kind::Rectangle, rect);
-    const IntRect visible = Visible(RoundOut(DeviceBox(Resolve({nullptr, &figure}), State().transform, 0.0F)));
+void GdipRenderTarget::Invert(const Matrix& transform, const BasicFigure& figure) {
+    const IntRect visible = Visible(RoundOut(DeviceBox(m_shape.Of(figure), transform, 0.0F)));
     if (!IsEmpty(visible)) {
-        Leave(visible, [rect](RenderTargetBase& t) { t.InvertRect(rect); });
-    }
-}
-
-void GdipRenderTarget::InvertLine(const Point& from, const Point& to) {
-    const BasicFigure figure(BasicFigure::Kind::Line, {from.x, from.y, to.x, to.y});
-    const IntRect visible = Visible(RoundOut(DeviceBox(Resolve({nullptr, &figure}), State().transform, 0.0F)));
-    if (!IsEmpty(visible)) {
-        Leave(visible, [from, to](RenderTargetBase& t) { t.InvertLine(from, to); });
+        GraphicsState state;
+        state.transform = transform;
+        Leave(state, visible, [figure](RenderTargetBase& t, const GraphicsState& s) { t.Invert(s.transform, figure); });
     }
 }
 

@@ -3,11 +3,9 @@
 
 #include <cmath>
 
-#include "../Bitmaps/Bitmap.h"
 #include "../Paint/GradientSampler.h"
 #include "../Pixels/PixelFormat.h"
 #include "../Scan/DeviceFigures.h"
-#include "GdipSolidColorSource.h"
 
 namespace Graphics {
 namespace {
@@ -41,47 +39,44 @@ namespace {
 
 } // namespace
 
-bool GdipShows::Shows(const Brush& brush) const {
-    switch (brush.Kind()) {
-    case kBrushSolid:
-        return blends || static_cast<const SolidBrush&>(brush).argb >> 24 == 255;
-    case kBrushBitmap: {
-        const auto& b = static_cast<const BitmapBrush&>(brush);
-        const Matrix toDevice = Concat(b.transform, transform);
-        return Shows(b.bitmap->View(), b.opacity, b.interpolation, toDevice) && Covers(b, toDevice);
+bool GdipShows::Shows(const Ink& ink) const {
+    if (const auto* solid = std::get_if<SolidInk>(&ink)) {
+        return blends || solid->argb >> 24 == 255;
     }
-    case kBrushGradient: {
-        const auto& b = static_cast<const GradientBrush&>(brush);
-        return b.gradient->Kind() != kGradientTriMesh && b.opacity >= 0.0F && b.opacity <= 1.0F &&
-               (blends || IsOpaque(b));
+    if (const auto* image = std::get_if<ImageInk>(&ink)) {
+        return Shows(*image);
     }
-    default:
-        return true; // the source's maker raises
-    }
+    const GradientBrush& b = *std::get<GradientInk>(ink).brush;
+    return b.gradient->Kind() != kGradientTriMesh && b.opacity >= 0.0F && b.opacity <= 1.0F && (blends || IsOpaque(b));
 }
 
-bool GdipShows::Shows(const PixelView& pixels, float opacity, uint32_t interpolation, const Matrix& toDevice) const {
-    // Opacities from 0.99 on are none to the colour source.
-    if (!(opacity >= 0.0F && opacity <= 1.0F) || (!blends && (opacity < 0.99F || !Graphics::IsOpaque(pixels)))) {
+bool GdipShows::Shows(const ImageInk& image) const {
+    // Opacities from 0.99 on are none to the colour source. Beyond an image its edge goes on, which no texture does
+    // that is good at the edge itself.
+    if (!(image.opacity >= 0.0F && image.opacity <= 1.0F) || image.edges == ImageInk::Edges::Shown ||
+        (!blends && (image.opacity < 0.99F || !Graphics::IsOpaque(image.Pixels())))) {
         return false;
     }
+    const Matrix toDevice = Concat(image.transform, transform);
     Matrix inverse;
     if (!Invert(toDevice, inverse)) {
         return false;
     }
     // The filters of GDI+ skip pixels of images that are made much smaller.
     constexpr float kLeastScale = 0.5F;
-    return interpolation == GXInterpolationNearest || (std::hypot(toDevice.m00, toDevice.m01) >= kLeastScale &&
-                                                       std::hypot(toDevice.m10, toDevice.m11) >= kLeastScale);
+    const bool isLarge =
+        std::hypot(toDevice.m00, toDevice.m01) >= kLeastScale && std::hypot(toDevice.m10, toDevice.m11) >= kLeastScale;
+    return (image.interpolation == GXInterpolationNearest || isLarge) &&
+           (image.edges == ImageInk::Edges::Hidden || Covers(image, toDevice));
 }
 
 /// A clamped texture of GDI+ is transparent beyond the image and fades at its edges, and one that is clamped in a
 /// single direction is tiled without mirroring: it has to lie around all that is painted. A mirrored one repeats its
 /// first pixel before it starts, which the engine's does not: nothing may be painted there.
-bool GdipShows::Covers(const BitmapBrush& brush, const Matrix& toDevice) const noexcept {
+bool GdipShows::Covers(const ImageInk& image, const Matrix& toDevice) const noexcept {
     const auto tiles = [](uint32_t extend) { return extend == GXExtendRepeat || extend == GXExtendMirror; };
-    const bool both = tiles(brush.extendX) && tiles(brush.extendY);
-    if (brush.extendX == GXExtendRepeat && brush.extendY == GXExtendRepeat) {
+    const bool both = tiles(image.extendX) && tiles(image.extendY);
+    if (image.extendX == GXExtendRepeat && image.extendY == GXExtendRepeat) {
         return true;
     }
     Matrix toImage;
@@ -90,13 +85,13 @@ bool GdipShows::Covers(const BitmapBrush& brush, const Matrix& toDevice) const n
     }
     constexpr float kFilterReach = 2.0F;
     const Rect box = MapBox(toImage, ToRect(visible));
-    const PixelView pixels = brush.bitmap->View();
+    const PixelView pixels = image.Pixels();
     const auto covers = [both](uint32_t extend, float low, float high, int32_t size) {
         return extend == GXExtendRepeat || (low >= kFilterReach && ((both && extend == GXExtendMirror) ||
                                                                     high <= static_cast<float>(size) - kFilterReach));
     };
-    return covers(brush.extendX, box.left, box.right, pixels.width) &&
-           covers(brush.extendY, box.top, box.bottom, pixels.height);
+    return covers(image.extendX, box.left, box.right, pixels.width) &&
+           covers(image.extendY, box.top, box.bottom, pixels.height);
 }
 
 bool GdipShows::IsOpaque(const GradientBrush& brush) const noexcept {

@@ -2,10 +2,8 @@
 // Whether GDI+ shows a paint as the software renderer does.
 #pragma once
 
-#include "../Matrix.h"
-#include "../Paint/Brush.h"
+#include "../Drawing/Ink.h"
 #include "../Paint/Gradient.h"
-#include "../Pixels/PixelView.h"
 
 namespace Graphics {
 
@@ -14,13 +12,11 @@ struct GdipShows {
     Matrix transform; ///< user space to device pixels
     IntRect visible;  ///< the pixels that are painted
 
-    [[nodiscard]] bool Shows(const Brush& brush) const;
-    /// An image drawn into its own place; `toDevice` maps its pixels.
-    [[nodiscard]] bool Shows(const PixelView& pixels, float opacity, uint32_t interpolation,
-                             const Matrix& toDevice) const;
+    [[nodiscard]] bool Shows(const Ink& ink) const;
 
 private:
-    [[nodiscard]] bool Covers(const BitmapBrush& brush, const Matrix& toDevice) const noexcept;
+    [[nodiscard]] bool Shows(const ImageInk& image) const;
+    [[nodiscard]] bool Covers(const ImageInk& image, const Matrix& toDevice) const noexcept;
     [[nodiscard]] bool IsOpaque(const GradientBrush& brush) const noexcept;
 };
 

@@ -2,14 +2,13 @@
 // One colour.
 #pragma once
 
-#include "../Paint/Brush.h"
 #include "GdipColorSource.h"
 
 namespace Graphics {
 
 class GdipSolidColorSource final : public GdipColorSource {
 public:
-    explicit GdipSolidColorSource(const SolidBrush& brush) { CreateSolid(brush.argb); }
+    explicit GdipSolidColorSource(uint32_t argb) { CreateSolid(argb); }
 };
 
 } // namespace Graphics

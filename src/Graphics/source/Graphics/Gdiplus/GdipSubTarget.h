@@ -1,62 +1,48 @@
 // SPDX-License-Identifier: MIT
-// Where drawing goes: the page or an open group, each with a stack of states of its own.
+// Where drawing goes: the page or an open group, each with the clips of the states that were pushed in it.
 #pragma once
 
-#include <memory>
 #include <vector>
 
-#include "../Exception.h"
-#include "../Paint/Brush.h"
 #include "GdipGraphics.h"
 
 namespace Graphics {
 
-struct GdipMask {
-    std::shared_ptr<const Brush> brush; ///< null: no mask
-    uint32_t type = 0;
-    Matrix transform = kIdentity; ///< under which it was set
-};
-
-struct GdipState {
-    Matrix transform = kIdentity;
-    uint32_t blendMode = 0;
-    bool strokeAdjustment = true;
-    GdipMask shapeMask;
-    GdipMask opacityMask;
-    IntRect clip{};                       ///< no pixel outside is reached
-    bool clipped = false;                 ///< by something else than the page's sides
-    GdipGraphics::SavedState restore = 0; ///< what GDI+ goes back to when this state ends
-    size_t drawingsBefore = 0;            ///< of a group's first state: calls noted when it opened
+/// What GDI+ clips to, as far as the back end has to know.
+struct GdipClip {
+    IntRect box{};                        ///< no pixel outside is reached
+    bool isCut = false;                   ///< by something else than the page's sides
+    GdipGraphics::SavedState restore = 0; ///< what GDI+ goes back to when the state of this clip ends
 };
 
 class GdipSubTarget {
 public:
     /// `transparent`: the group changes nothing of what is drawn in it, so GDI+ may draw it as if there were no group.
-    GdipSubTarget(const GdipState& first, bool transparent) : m_states{first}, m_transparent(transparent) {}
+    /// `drawingsBefore`: calls noted when it opened.
+    GdipSubTarget(const GdipClip& first, bool transparent, size_t drawingsBefore)
+        : m_clips{first}, m_transparent(transparent), m_drawingsBefore(drawingsBefore) {}
 
-    [[nodiscard]] GdipState& State() noexcept { return m_states.back(); }
-    [[nodiscard]] const GdipState& State() const noexcept { return m_states.back(); }
-    [[nodiscard]] const GdipState& First() const noexcept { return m_states.front(); }
+    [[nodiscard]] GdipClip& Clip() noexcept { return m_clips.back(); }
+    [[nodiscard]] const GdipClip& First() const noexcept { return m_clips.front(); }
     [[nodiscard]] bool Transparent() const noexcept { return m_transparent; }
+    [[nodiscard]] size_t DrawingsBefore() const noexcept { return m_drawingsBefore; }
 
-    void PushState(GdipGraphics::SavedState restore) {
-        GdipState state = m_states.back();
-        state.restore = restore;
-        m_states.push_back(state);
+    void PushClip(GdipGraphics::SavedState restore) {
+        GdipClip clip = m_clips.back();
+        clip.restore = restore;
+        m_clips.push_back(clip);
     }
-    /// What GDI+ has to go back to. Raises "State stack is empty".
-    GdipGraphics::SavedState PopState() {
-        if (m_states.size() < 2) {
-            GX_RAISE("Graphics::GdipSubTarget::PopState", "State stack is empty");
-        }
-        const GdipGraphics::SavedState restore = m_states.back().restore;
-        m_states.pop_back();
+    /// What GDI+ has to go back to. There is a PushClip for it.
+    GdipGraphics::SavedState PopClip() noexcept {
+        const GdipGraphics::SavedState restore = m_clips.back().restore;
+        m_clips.pop_back();
         return restore;
     }
 
 private:
-    std::vector<GdipState> m_states;
+    std::vector<GdipClip> m_clips;
     bool m_transparent;
+    size_t m_drawingsBefore;
 };
 
 } // namespace Graphics

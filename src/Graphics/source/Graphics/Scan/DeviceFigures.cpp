@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceFigures.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "../Geometry/DeviceFeed.h"
@@ -68,16 +71,22 @@ bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Verte
     if (figure.GetKind() != BasicFigure::Kind::Rectangle || !(straight || turned)) {
         return false;
     }
+    // Both corners at once, as Map and ToVertex do each of them.
     const Rect& r = figure.Box();
-    const Point from = Map(m, {r.left, r.top});
-    const Point to = Map(m, {r.right, r.bottom});
+    const auto pair = [](float x, float y) { return _mm_setr_ps(x, y, x, y); };
+    __m128 v = _mm_mul_ps(pair(m.m00, m.m01), _mm_setr_ps(r.left, r.left, r.right, r.right));
+    v = _mm_add_ps(v, _mm_mul_ps(pair(m.m10, m.m11), _mm_setr_ps(r.top, r.top, r.bottom, r.bottom)));
+    v = _mm_add_ps(v, pair(m.m20, m.m21));
     // NaN compares false.
-    const auto inBand = [](float v) { return std::fabs(v) < kDeviceBand; };
-    if (!(inBand(from.x) && inBand(from.y) && inBand(to.x) && inBand(to.y))) {
+    const __m128 band = _mm_set1_ps(kDeviceBand);
+    const __m128 inBand = _mm_and_ps(_mm_cmplt_ps(v, band), _mm_cmpgt_ps(v, _mm_sub_ps(_mm_setzero_ps(), band)));
+    if (_mm_movemask_ps(inBand) != 15) {
         return false;
     }
-    a = ToVertex(from);
-    b = ToVertex(to);
+    static_assert(kDeviceBand * 128.0F < kFineLimit);
+    const __m128i fine = _mm_cvttps_epi32(_mm_mul_ps(v, _mm_set1_ps(128.0F)));
+    a = std::bit_cast<Vertex>(_mm_cvtsi128_si64(fine));
+    b = std::bit_cast<Vertex>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(fine, fine)));
     return true;
 }
 

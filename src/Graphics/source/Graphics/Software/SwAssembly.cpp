@@ -1,33 +1,37 @@
 // SPDX-License-Identifier: MIT
 #include "SwAssembly.h"
 
+#include "../Drawing/Ink.h"
 #include "../Scan/DeviceFigures.h"
+#include "SwStillPixels.h"
 
 namespace Graphics {
 namespace {
 
-[[nodiscard]] SwMaskInput MaskInput(Arena& arena, const SwSoftMask& mask, const IntRect& visible) {
-    SwMaskInput input;
-    input.source = SwColorSource::CreateFromBrush(arena, *mask.brush, ToRect(visible), mask.transform);
-    input.type = mask.type;
-    return input;
+[[nodiscard]] const SwMaskInput& MaskInput(Arena& arena, const SoftMask& mask, const SwDraw& draw) {
+    auto* const input = arena.Make<SwMaskInput>();
+    const SwWrittenPixels written(draw.planes, draw.visible);
+    input->source = SwColorSource::Create(arena, InkOf(*mask.brush), ToRect(draw.visible), mask.transform, &written);
+    input->type = mask.type;
+    return *input;
 }
 
 } // namespace
 
-void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwState& state, const IntRect& visible,
-                      const SwMaskInput* extra) {
+void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwDraw& draw) {
+    const GraphicsState& state = draw.state;
     pipeLine.SetBlendMode(state.blendMode);
     if (state.shapeMask.IsSet()) {
-        pipeLine.AddShapeMask(MaskInput(arena, state.shapeMask, visible));
+        pipeLine.AddShapeMask(MaskInput(arena, state.shapeMask, draw));
     }
-    if (extra != nullptr) {
-        pipeLine.AddShapeMask(*extra);
+    if (draw.mask != nullptr) {
+        pipeLine.AddShapeMask(*draw.mask);
     }
-    pipeLine.SetClip(state.clip.get());
+    pipeLine.SetClip(draw.clip);
     if (state.opacityMask.IsSet()) {
-        pipeLine.SetOpacityMask(MaskInput(arena, state.opacityMask, visible));
+        pipeLine.SetOpacityMask(MaskInput(arena, state.opacityMask, draw));
     }
+    pipeLine.SetColorSource(draw.source);
 }
 
 } // namespace Graphics

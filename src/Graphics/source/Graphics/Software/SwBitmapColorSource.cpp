@@ -12,6 +12,7 @@
 #include "SwOpacity.h"
 #include "SwReducedImage.h"
 #include "SwSolidColorSource.h"
+#include "SwStillPixels.h"
 
 namespace Graphics {
 
@@ -49,33 +50,40 @@ std::shared_ptr<const SwReducedImage> ReduceImage(const SwPixelReader& reader, i
     return std::static_pointer_cast<const SwReducedImage>(std::move(kept));
 }
 
-SwColorSource* CreateBitmapSource(Arena& arena, const PixelView& view, CacheHolder* derived, uint32_t interpolation,
-                                  uint32_t extendX, uint32_t extendY, float opacity, const Matrix& bitmapToDevice,
-                                  bool asMask) {
+SwColorSource* CreateBitmapSource(Arena& arena, const PlacedImage& image, const SwWrittenPixels* written) {
+    PixelView view = image.pixels;
     if (!IsValidFormat(view.format)) {
         GX_RAISE("Graphics::`anonymous-namespace'::CreateBitmapSampler", "Not implemented");
     }
     Matrix inverse;
-    if (view.data == nullptr || view.width <= 0 || view.height <= 0 || !Invert(bitmapToDevice, inverse)) {
+    if (view.data == nullptr || view.width <= 0 || view.height <= 0 || !Invert(image.toDevice, inverse)) {
         return arena.Make<SwSolidColorSource>(0U);
     }
-    SwPixelReader reader(arena, view, asMask);
+    CacheHolder* derived = image.derived;
+    if (written != nullptr && written->Overlaps(view)) {
+        const bool clamps = image.extendX != GXExtendRepeat && image.extendX != GXExtendMirror &&
+                            image.extendY != GXExtendRepeat && image.extendY != GXExtendMirror;
+        view =
+            CopyStillPixels(arena, view, *written, inverse, !clamps || image.interpolation == GXInterpolationAverage);
+        derived = nullptr;
+    }
+    SwPixelReader reader(arena, view, image.asMask);
     SwSamplerSetup setup{};
     setup.width = view.width;
     setup.height = view.height;
-    setup.linear = interpolation == GXInterpolationLinear || interpolation == GXInterpolationAverage;
-    setup.tilingX = extendX > GXExtendMirror ? 0U : extendX;
-    setup.tilingY = extendY > GXExtendMirror ? 0U : extendY;
-    setup.opacityFactor = asMask ? 256 : OpacityFactor(opacity);
+    setup.linear = image.interpolation == GXInterpolationLinear || image.interpolation == GXInterpolationAverage;
+    setup.tilingX = image.extendX > GXExtendMirror ? 0U : image.extendX;
+    setup.tilingY = image.extendY > GXExtendMirror ? 0U : image.extendY;
+    setup.opacityFactor = image.asMask ? 256 : OpacityFactor(image.opacity);
     setup.opaque = reader.IsOpaque() && setup.opacityFactor == 256;
 
     double scaleX = 1.0; // pixels of the sampled image for each of the bitmap
     double scaleY = 1.0;
     std::shared_ptr<const SwReducedImage> keep;
-    if (interpolation == GXInterpolationAverage) {
+    if (image.interpolation == GXInterpolationAverage) {
         const SwReduction reduction = SwReduction::For(view.width, view.height, inverse);
         if (reduction.Any()) {
-            keep = ReduceImage(reader, view.width, view.height, reduction, derived, asMask);
+            keep = ReduceImage(reader, view.width, view.height, reduction, derived, image.asMask);
             const PixelView reduced = keep->View();
             scaleX = static_cast<double>(reduced.width) / view.width;
             scaleY = static_cast<double>(reduced.height) / view.height;

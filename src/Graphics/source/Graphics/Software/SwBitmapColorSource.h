@@ -4,13 +4,10 @@
 
 #include <memory>
 
-#include "../Matrix.h"
-#include "../Pixels/PixelView.h"
 #include "SwColorSource.h"
 
 namespace Graphics {
 
-class CacheHolder;
 class SwPixelReader;
 class SwReducedImage;
 
@@ -29,13 +26,11 @@ struct SwReduction {
                                                                 int32_t height, const SwReduction& reduction,
                                                                 CacheHolder* derived, bool asMask);
 
-/// Draws `view` placed by `bitmapToDevice`; all transparent where that has no inverse. `derived` keeps reduced images
-/// from draw to draw; null when the view is not the whole bitmap. As a mask every byte of a word is the mask value:
-/// Alpha1 and Alpha8 their coverage, Gray8 and BlackWhite1 their level, formats with alpha their alpha, others 255;
-/// `opacity` does not count then. Values above 2 of interpolation and extend modes count as 0. The pixels must outlive
-/// the arena's draw. Raises "Not implemented" for a format outside 1..10.
-[[nodiscard]] SwColorSource* CreateBitmapSource(Arena& arena, const PixelView& view, CacheHolder* derived,
-                                                uint32_t interpolation, uint32_t extendX, uint32_t extendY,
-                                                float opacity, const Matrix& bitmapToDevice, bool asMask);
+/// All transparent where the placement has no inverse. As a mask every byte of a word is the mask value: Alpha1 and
+/// Alpha8 their coverage, Gray8 and BlackWhite1 their level, formats with alpha their alpha, others 255. The pixels
+/// must outlive the arena's draw. Raises "Not implemented" for a format outside 1..10.
+/// Pixels that are `written` by the draw are read as they were before it.
+[[nodiscard]] SwColorSource* CreateBitmapSource(Arena& arena, const PlacedImage& image,
+                                                const SwWrittenPixels* written = nullptr);
 
 } // namespace Graphics

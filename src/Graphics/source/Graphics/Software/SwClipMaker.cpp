@@ -10,13 +10,13 @@
 
 namespace Graphics {
 
-SwClipRef SwClipMaker::Make(Rasterizer& rasterizer, const PathRef& path, const Shape& shape, const Matrix& m,
+SwClipRef SwClipMaker::Make(Rasterizer& rasterizer, const Path& path, const Shape& shape, const Matrix& m,
                             const IntRect& area, const IntRect& visible, const SwClipRef& parent, bool snap) {
     const IntRect inside = shape.Empty() || IsEmpty(visible) ? IntRect{0, 0, 0, 0} : visible;
     const auto figureCount = shape.Figures().size();
     const uint32_t rule = shape.FillRule();
     const auto same = [&](const Key& key) {
-        return path.shape != nullptr && key.shape == *path.shape && key.parent.get() == parent.get() &&
+        return path.Stored() != nullptr && key.shape == *path.Stored() && key.parent.get() == parent.get() &&
                key.figureCount == figureCount && key.fillRule == rule && key.snap == snap && key.visible == inside &&
                SameMatrix(key.transform, m);
     };
@@ -30,9 +30,9 @@ SwClipRef SwClipMaker::Make(Rasterizer& rasterizer, const PathRef& path, const S
         rasterizer.Finish(builder);
     }
     SwClipRef clip = builder.Finish();
-    if (path.shape != nullptr) {
+    if (path.Stored() != nullptr) {
         // The oldest go: a few are kept, and no more coverage than a little unless the newest has it.
-        m_recent.push_back({parent, clip, *path.shape, figureCount, rule, m, inside, snap});
+        m_recent.push_back({parent, clip, *path.Stored(), figureCount, rule, m, inside, snap});
         size_t first = m_recent.size() - std::min(m_recent.size(), kRecent);
         while (first + 1 < m_recent.size() && KeptBytes(first) > kRecentBytes) {
             ++first;

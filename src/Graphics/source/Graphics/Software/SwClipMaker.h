@@ -5,8 +5,7 @@
 
 #include <vector>
 
-#include "../Geometry/Shape.h"
-#include "../Target/RenderTargetBase.h"
+#include "../Drawing/Path.h"
 #include "SwClipBuilder.h"
 
 namespace Graphics {
@@ -17,7 +16,7 @@ class SwClipMaker {
 public:
     /// `path` under `m`, inside `parent` (null: none) and `visible`. `shape` is the path's stored shape, or its figure
     /// put into a shape.
-    [[nodiscard]] SwClipRef Make(Rasterizer& rasterizer, const PathRef& path, const Shape& shape, const Matrix& m,
+    [[nodiscard]] SwClipRef Make(Rasterizer& rasterizer, const Path& path, const Shape& shape, const Matrix& m,
                                  const IntRect& area, const IntRect& visible, const SwClipRef& parent, bool snap);
     void Forget() noexcept { m_recent.clear(); }
     [[nodiscard]] SwClipPool& Pool() noexcept { return m_pool; }

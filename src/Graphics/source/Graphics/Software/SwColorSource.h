@@ -3,13 +3,13 @@
 #pragma once
 
 #include "../Arena.h"
-#include "../Matrix.h"
+#include "../Drawing/Ink.h"
 #include "../Scan/RasterizationSink.h"
 #include "../Types.h"
 
 namespace Graphics {
 
-class Brush;
+struct SwWrittenPixels;
 
 /// Pixels of a rectangle where they lie in memory; null where they do not.
 struct SwDirectBlock {
@@ -67,11 +67,10 @@ public:
         return {};
     }
 
-    /// Made in the arena of the draw call; the brush must outlive it. `bounds` is the device rectangle that may be
-    /// asked for (mesh gradients are rendered for it alone); `transform` the CTM. Raises "Not implemented" for an
-    /// unknown kind.
-    [[nodiscard]] static SwColorSource* CreateFromBrush(Arena& arena, const Brush& brush, const Rect& bounds,
-                                                        const Matrix& transform);
+    /// Made in the arena of the draw call; what the ink refers to must outlive it. `bounds` is the device rectangle
+    /// that may be asked for (mesh gradients are rendered for it alone); `transform` maps user space to the device.
+    [[nodiscard]] static SwColorSource* Create(Arena& arena, const Ink& ink, const Rect& bounds,
+                                               const Matrix& transform, const SwWrittenPixels* written = nullptr);
 };
 
 } // namespace Graphics

@@ -14,10 +14,6 @@
 
 namespace Graphics {
 
-Matrix PaintTransform(const Brush& brush, const Matrix& transform) noexcept {
-    return IsIdentity(transform) ? brush.transform : Concat(brush.transform, transform);
-}
-
 bool InverseMap::Set(const Matrix& m) noexcept {
     const double m00 = m.m00, m01 = m.m01, m10 = m.m10, m11 = m.m11, m20 = m.m20, m21 = m.m21;
     const double det = m00 * m11 - m01 * m10;

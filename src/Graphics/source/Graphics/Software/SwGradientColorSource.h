@@ -39,9 +39,6 @@ protected:
     bool m_opaque;
 };
 
-/// The brush's matrix and then the target's.
-[[nodiscard]] Matrix PaintTransform(const Brush& brush, const Matrix& transform) noexcept;
-
 /// The inverse of a matrix before rounding to floats.
 struct InverseMap {
     double a, b, c, d, e, f; ///< x' = a x + c y + e, y' = b x + d y + f

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "../Geometry/DeviceFeed.h"
 #include "../Scan/DeviceFigures.h"
+#include "../Scan/Rasterizer.h"
 
 namespace Graphics {
 namespace {
@@ -111,6 +113,26 @@ void PixelInverter::Line(const Point& from, const Point& to) {
         const auto w = static_cast<int32_t>(v);
         Pixels(steep ? u : w, steep ? w : u, (steep ? w : u) + 1);
     }
+}
+
+Inversion::Inversion(const Matrix& transform, const BasicFigure& figure, PathShape& shapes)
+    : m_transform(transform), m_shape(shapes.Of(figure)), m_isLine(figure.GetKind() == BasicFigure::Kind::Line),
+      m_from(Map(transform, {figure.Box().left, figure.Box().top})),
+      m_to(Map(transform, {figure.Box().right, figure.Box().bottom})) {}
+
+IntRect Inversion::Box() const noexcept {
+    return m_isLine ? PixelInverter::LineBox(m_from, m_to) : RoundOut(DeviceBox(m_shape, m_transform, 0.0F));
+}
+
+void Inversion::Send(PixelInverter& inverter, Rasterizer& rasterizer, const IntRect& area,
+                     const IntRect& visible) const {
+    if (m_isLine) {
+        inverter.Line(m_from, m_to);
+        return;
+    }
+    rasterizer.Begin(ToRect(area), visible, true);
+    FeedFill(m_shape, m_transform, rasterizer);
+    rasterizer.Finish(inverter);
 }
 
 } // namespace Graphics

@@ -3,9 +3,12 @@
 // pixel of a call is inverted once, so that the same call restores it.
 #pragma once
 
+#include "../Drawing/Path.h"
 #include "SwPipeLine.h"
 
 namespace Graphics {
+
+class Rasterizer;
 
 class PixelInverter : public RasterizationSink {
 public:
@@ -27,6 +30,23 @@ private:
 
     IntRect m_bounds;
     const SwClip* m_clip;
+};
+
+/// The pixels that a rectangle or a line inverts.
+class Inversion {
+public:
+    /// `shapes` keeps the figure as a shape and is not asked for another one meanwhile.
+    Inversion(const Matrix& transform, const BasicFigure& figure, PathShape& shapes);
+
+    [[nodiscard]] IntRect Box() const noexcept;
+    /// Inverts what lies in `visible`, a part of the target's `area`.
+    void Send(PixelInverter& inverter, Rasterizer& rasterizer, const IntRect& area, const IntRect& visible) const;
+
+private:
+    const Matrix m_transform;
+    const Shape& m_shape;
+    const bool m_isLine;
+    Point m_from, m_to; // of a line, on the device
 };
 
 /// Inverts in memory.

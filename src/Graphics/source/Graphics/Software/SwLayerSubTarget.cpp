@@ -27,10 +27,8 @@ namespace {
 
 void SwLayerSubTarget::Open(SwBlockPool& pool, SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout,
                             float opacity) {
-    SwState state;
-    state.transform = parent.State().transform;
-    state.strokeAdjustment = parent.State().strokeAdjustment;
-    Reset(bounds, state);
+    m_bounds = bounds;
+    m_clips.Clear();
     m_planes = {};
     m_planes.origin = {bounds.left, bounds.top};
     m_planes.knockout = knockout;
@@ -157,7 +155,7 @@ void SwLayerSubTarget::MakeResult(const SwKernels& kernels, const IntRect& regio
 }
 
 void SwLayerSubTarget::Close() noexcept {
-    m_states.clear();
+    m_clips.Clear();
     if (m_planes.color != nullptr) {
         m_pool->Give(std::move(m_block));
     }

@@ -21,7 +21,7 @@ namespace Graphics {
 
 class SwLayerSubTarget final : public SwSubTarget {
 public:
-    /// The first state takes the parent's matrix and stroke adjustment. `pool` outlives the group.
+    /// `pool` outlives the group.
     void Open(SwBlockPool& pool, SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout,
               float opacity);
 
@@ -39,7 +39,7 @@ public:
     /// After MakeResult: the colours and the shape.
     [[nodiscard]] SwTargetPlanes Result() const noexcept { return m_planes; }
 
-    /// Gives states and planes back, so that the object can wait for its next use.
+    /// Gives clips and planes back, so that the object can wait for its next use.
     void Close() noexcept;
 
 private:

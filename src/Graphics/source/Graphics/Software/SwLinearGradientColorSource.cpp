@@ -12,7 +12,7 @@ SwLinearGradientColorSource::SwLinearGradientColorSource(const GradientBrush& br
     : SwGradientColorSource(brush, gradient) {
     InverseMap map;
     const bool empty = gradient.start.x == gradient.end.x && gradient.start.y == gradient.end.y;
-    if (empty || !map.Set(PaintTransform(brush, transform))) {
+    if (empty || !map.Set(PaintToDevice(brush.transform, transform))) {
         MakeConstant();
         return;
     }

@@ -43,7 +43,8 @@ int32_t FirstCentre(double at, int32_t size) noexcept {
 
 SwMeshColorSource::SwMeshColorSource(Arena& arena, const GradientBrush& brush, const TriMeshGradient& gradient,
                                      const Rect& bounds, const Matrix& transform)
-    : m_vertices(gradient.vertices), m_map(PaintTransform(brush, transform)), m_factor(OpacityFactor(brush.opacity)) {
+    : m_vertices(gradient.vertices), m_map(PaintToDevice(brush.transform, transform)),
+      m_factor(OpacityFactor(brush.opacity)) {
     m_left = Confine(std::floor(std::min(bounds.left, bounds.right)));
     m_top = Confine(std::floor(std::min(bounds.top, bounds.bottom)));
     const int32_t width = Confine(std::ceil(std::max(bounds.left, bounds.right))) - m_left;

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "../Exception.h"
 #include "SwPixelMath.h"
 
 namespace Graphics {
@@ -20,12 +19,6 @@ constexpr size_t kExpectedFrom = 64;
 /// about be. It costs small shapes on targets that stay in the cache a few hundredths of their time.
 constexpr ptrdiff_t kFarBytes = 8 << 20;
 constexpr int32_t kAhead = 2;
-
-void CheckMaskType(const SwMaskInput& mask) {
-    if (mask.plane == nullptr && mask.type >= kMaskTypeCount) {
-        GX_RAISE("Graphics::SwSoftMaskOp::SwSoftMaskOp", "Unsupported soft mask type.");
-    }
-}
 
 /// The mask's values over columns [x0, x1) of row y where they lie in memory; null where they have to be made.
 [[nodiscard]] const uint8_t* MaskRow(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1) noexcept {
@@ -56,6 +49,19 @@ void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y,
 
 } // namespace
 
+void SetRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
+                   ptrdiff_t shapeStride) noexcept {
+    const auto width = static_cast<size_t>(r.right - r.left);
+    for (int32_t y = r.top; y < r.bottom; ++y) {
+        uint32_t* dst = PixelAt(planes, r.left, y);
+        if (width >= kExpectedFrom && y + 1 < r.bottom) {
+            kernels.expect(PixelAt(planes, r.left, y + 1), width);
+        }
+        kernels.setOpaque(dst, shape, width);
+        shape += shape == nullptr ? 0 : shapeStride;
+    }
+}
+
 SwPipeLine::SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target,
                        const IntRect& bounds)
     : m_kernels(kernels), m_buffers(buffers), m_target(target), m_bounds(bounds) {
@@ -63,17 +69,6 @@ SwPipeLine::SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const Sw
     m_isFar = std::abs(target.colorStride) * (bounds.bottom - bounds.top) > kFarBytes;
     m_buffers.shape.resize(width);
     m_buffers.color.resize(width);
-}
-
-void SwPipeLine::AddShapeMask(const SwMaskInput& mask) {
-    CheckMaskType(mask);
-    m_shapeMasks[m_shapeMaskCount++] = mask;
-}
-
-void SwPipeLine::SetOpacityMask(const SwMaskInput& mask) {
-    CheckMaskType(mask);
-    m_opacityMask = mask;
-    m_hasOpacityMask = true;
 }
 
 void SwPipeLine::SetColorSource(SwColorSource& source) noexcept {
@@ -121,10 +116,12 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
 
 template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint) const {
     const auto width = static_cast<size_t>(r.right - r.left);
+    const ptrdiff_t stride = m_target.colorStride;
+    const bool expects = width >= kExpectedFrom;
     uint32_t* dst = Pixels(r.left, r.top);
     for (int32_t y = r.top; y < r.bottom; ++y) {
-        auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + m_target.colorStride);
-        if (width >= kExpectedFrom && y + 1 < r.bottom) {
+        auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + stride);
+        if (expects && y + 1 < r.bottom) {
             m_kernels.expect(next, width);
         }
         paint(y, dst, width);
@@ -161,12 +158,6 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
     }
 }
 
-void SwPipeLine::MakeRowsOpaque(const IntRect& r, const uint8_t* shape) const {
-    if (m_target.makesOpaque) {
-        ForRows(r, [&](int32_t, uint32_t* dst, size_t n) { m_kernels.setOpaque(dst, shape, n); });
-    }
-}
-
 /// Constant coverage scales the colour once for all rows.
 void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
     const IntRect r = Intersect({runs.front().x0, y0, runs.back().x1, y1}, m_bounds);
@@ -183,7 +174,7 @@ void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
         }
         uint32_t* const dst = Pixels(x0, r.top);
         if (run.shape != nullptr) {
-            MakeRowsOpaque({x0, r.top, x1, r.bottom}, run.shape + (x0 - run.x0));
+            MakeRowsOpaque(m_kernels, m_target, {x0, r.top, x1, r.bottom}, run.shape + (x0 - run.x0));
             m_kernels.normalSolidBlock(dst, m_target.colorStride, m_solid, run.shape + (x0 - run.x0), 0,
                                        static_cast<size_t>(x1 - x0), rows);
             continue;
@@ -206,30 +197,42 @@ void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
             right = colorOf(runs[i]);
             x1 = runs[i++].x1;
         }
-        MakeRowsOpaque({x0, r.top, x1, r.bottom}, nullptr);
+        MakeRowsOpaque(m_kernels, m_target, {x0, r.top, x1, r.bottom});
         m_kernels.solidRectangle(dst, m_target.colorStride, left, inner, right, static_cast<size_t>(x1 - x0), rows);
     }
 }
 
 void SwPipeLine::DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape) {
-    ForRows(r, [&](int32_t y, uint32_t* dst, size_t n) {
-        const uint8_t* src = block.pixels + (y - r.top) * block.strideBytes;
-        if (!block.hasAlpha && shape == nullptr) {
-            m_kernels.copyOpaque(dst, src, n);
-            return;
+    const uint8_t* src = block.pixels;
+    const ptrdiff_t stride = block.strideBytes;
+    if (!block.hasAlpha && shape == nullptr) {
+        ForRows(r, [&, copy = m_kernels.copyOpaque](int32_t, uint32_t* dst, size_t n) {
+            copy(dst, src, n);
+            src += stride;
+        });
+        return;
+    }
+    if (block.hasAlpha && !m_target.makesOpaque) {
+        ForRows(r, [&, composite = m_kernels.normalVarying](int32_t, uint32_t* dst, size_t n) {
+            composite(dst, reinterpret_cast<const uint32_t*>(src), shape, n);
+            src += stride;
+        });
+        return;
+    }
+    ForRows(r, [&](int32_t, uint32_t* dst, size_t n) {
+        const auto* colors = reinterpret_cast<const uint32_t*>(src);
+        if (!block.hasAlpha) {
+            m_kernels.copyOpaque(m_buffers.color.data(), src, n);
+            colors = m_buffers.color.data();
         }
         MakeOpaque(dst, shape, n);
-        if (block.hasAlpha) {
-            m_kernels.normalVarying(dst, reinterpret_cast<const uint32_t*>(src), shape, n);
-        } else {
-            m_kernels.copyOpaque(m_buffers.color.data(), src, n);
-            m_kernels.normalVarying(dst, m_buffers.color.data(), shape, n);
-        }
+        m_kernels.normalVarying(dst, colors, shape, n);
+        src += stride;
     });
 }
 
 bool SwPipeLine::TakesAnyCuts(const IntRect& r) const {
-    if (m_shapeMaskCount != 0 || m_hasOpacityMask) {
+    if (m_shapeMaskCount != 0 || m_opacityMask != nullptr) {
         return false;
     }
     const IntRect seen = Intersect(r, m_bounds);
@@ -293,7 +296,7 @@ void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8
         if (value == 255 && m_shapeMaskCount == 0) {
             alone = clip;
         } else if (value == 255 && m_shapeMaskCount == 1 && clip == nullptr) {
-            alone = MaskRow(m_shapeMasks[0], y, x0, x1);
+            alone = MaskRow(*m_shapeMasks[0], y, x0, x1);
         }
         if (alone != nullptr) {
             Composite(y, x0, x1, alone);
@@ -302,7 +305,7 @@ void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8
         std::memset(shape, value, count);
     }
     for (size_t i = 0; i < m_shapeMaskCount; ++i) {
-        ApplyShapeMask(m_shapeMasks[i], y, x0, x1, shape);
+        ApplyShapeMask(*m_shapeMasks[i], y, x0, x1, shape);
     }
     if (clip != nullptr) {
         m_kernels.scaleShape(shape, clip, count);
@@ -316,7 +319,7 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
     if (m_joined != nullptr) {
         // Filled together with its neighbours.
     } else if (m_isSolid) {
-        if (m_hasOpacityMask) {
+        if (m_opacityMask != nullptr) {
             m_kernels.fill32(buffer, m_solid, count);
         } else if (!m_solidRowReady) {
             m_kernels.fill32(buffer, m_solid, m_buffers.color.size());
@@ -324,15 +327,15 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
         }
     } else {
         // A mask scales in place, so only without one may the source's own row be used.
-        const uint32_t* direct = m_hasOpacityMask ? nullptr : m_source->DirectRow(x0, x1, y);
+        const uint32_t* direct = m_opacityMask != nullptr ? nullptr : m_source->DirectRow(x0, x1, y);
         if (direct != nullptr) {
             return direct;
         }
         m_kernels.expect(Pixels(x0, y), count); // its pixels arrive while the colours are found
         m_source->Fill(x0, x1, y, buffer);
     }
-    if (m_hasOpacityMask) {
-        ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t n) {
+    if (m_opacityMask != nullptr) {
+        ForMaskChunks(m_kernels, *m_opacityMask, y, x0, x1, [&](int32_t x, const uint8_t* values, size_t n) {
             m_kernels.scaleColor(buffer + (x - x0), values, n);
         });
     }
@@ -344,7 +347,7 @@ void SwPipeLine::MaskedSolid(uint32_t* dst, int32_t y, int32_t x0, int32_t x1) {
     // of the source's alpha, alpha * (m + 1) < 256, the pixel stays, as it does under a coverage of 0.
     const uint32_t alpha = m_solid >> 24;
     const auto least = static_cast<uint8_t>(alpha == 0 ? 255 : 255 / alpha);
-    ForMaskChunks(m_kernels, m_opacityMask, y, x0, x1, [&](int32_t x, uint8_t* values, size_t n) {
+    ForMaskChunks(m_kernels, *m_opacityMask, y, x0, x1, [&](int32_t x, uint8_t* values, size_t n) {
         if (least > 1) {
             for (size_t i = 0; i < n; ++i) {
                 values[i] = values[i] < least ? 0 : values[i];
@@ -371,18 +374,18 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         (m_blendMode == 0 ? m_kernels.layerNormal : m_kernels.layerBlend[blend])(row, color, shape, count);
         return;
     }
-    if (shape != nullptr || !m_isOpaque || m_hasOpacityMask || m_blendMode != 0) {
+    if (shape != nullptr || !m_isOpaque || m_opacityMask != nullptr || m_blendMode != 0) {
         MakeOpaque(dst, shape, count);
     }
     if (m_blendMode != 0) {
-        if (m_isSolid && !m_hasOpacityMask) {
+        if (m_isSolid && m_opacityMask == nullptr) {
             m_kernels.blendSolid[blend](dst, m_solid, shape, count);
         } else {
             m_kernels.blend[blend](dst, Color(y, x0, x1), shape, count);
         }
         return;
     }
-    if (m_isSolid && !m_hasOpacityMask) {
+    if (m_isSolid && m_opacityMask == nullptr) {
         if (shape == nullptr && m_isOpaque) {
             m_kernels.fill32(dst, m_solid, count);
         } else {
@@ -394,7 +397,7 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
         MaskedSolid(dst, y, x0, x1);
         return;
     }
-    if (shape == nullptr && m_isOpaque && !m_hasOpacityMask) {
+    if (shape == nullptr && m_isOpaque && m_opacityMask == nullptr) {
         if (m_joined != nullptr) {
             std::memcpy(dst, m_joined, count * sizeof(uint32_t));
         } else if (const uint32_t* direct = m_source->DirectRow(x0, x1, y)) {

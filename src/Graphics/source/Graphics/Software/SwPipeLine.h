@@ -35,6 +35,23 @@ struct SwTargetPlanes {
     bool knockout = false;
 };
 
+/// The pixel (x, y) of the planes.
+[[nodiscard]] inline uint32_t* PixelAt(const SwTargetPlanes& planes, int32_t x, int32_t y) noexcept {
+    return reinterpret_cast<uint32_t*>(planes.color + (y - planes.origin.y) * planes.colorStride) +
+           (x - planes.origin.x);
+}
+
+/// Where the target wants it: fourth bytes in `r` become 255, as far as `shape` has coverage (null: all), whose rows
+/// are `shapeStride` bytes apart.
+void SetRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
+                   ptrdiff_t shapeStride) noexcept;
+inline void MakeRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& r,
+                           const uint8_t* shape = nullptr, ptrdiff_t shapeStride = 0) noexcept {
+    if (planes.makesOpaque) {
+        SetRowsOpaque(kernels, planes, r, shape, shapeStride);
+    }
+}
+
 /// A mask over device pixels: a colour source with the rule that makes values of its pixels, or a plane of values.
 struct SwMaskInput {
     SwColorSource* source = nullptr;
@@ -55,9 +72,9 @@ public:
     SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target, const IntRect& bounds);
 
     void SetBlendMode(uint32_t mode) noexcept { m_blendMode = mode; }
-    /// Raises "Unsupported soft mask type." for a type above 3. At most two shape masks.
-    void AddShapeMask(const SwMaskInput& mask);
-    void SetOpacityMask(const SwMaskInput& mask);
+    /// At most two. Masks outlive the pipeline; their types are known ones (GraphicsState::CheckMasks).
+    void AddShapeMask(const SwMaskInput& mask) noexcept { m_shapeMasks[m_shapeMaskCount++] = &mask; }
+    void SetOpacityMask(const SwMaskInput& mask) noexcept { m_opacityMask = &mask; }
     void SetClip(const SwClip* clip) noexcept { m_clip = IsMasked(clip) ? clip : nullptr; }
     void SetColorSource(SwColorSource& source) noexcept;
 
@@ -70,21 +87,17 @@ public:
     [[nodiscard]] bool Replaces() const noexcept { return IsPlain() && m_isOpaque; }
 
 private:
-    [[nodiscard]] uint32_t* Pixels(int32_t x, int32_t y) const noexcept {
-        return reinterpret_cast<uint32_t*>(m_target.color + (y - m_target.origin.y) * m_target.colorStride) +
-               (x - m_target.origin.x);
-    }
+    [[nodiscard]] uint32_t* Pixels(int32_t x, int32_t y) const noexcept { return PixelAt(m_target, x, y); }
     void MakeOpaque(uint32_t* dst, const uint8_t* shape, size_t count) const {
         if (m_target.makesOpaque) {
             m_kernels.setOpaque(dst, shape, count);
         }
     }
-    void MakeRowsOpaque(const IntRect& r, const uint8_t* shape) const;
     /// Calls paint(y, pixels, width) for each row, with the next one asked for.
     template <class Paint> void ForRows(const IntRect& r, Paint&& paint) const;
     /// Normal on a basic target without masks and clips.
     [[nodiscard]] bool IsPlain() const noexcept {
-        return m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && !m_hasOpacityMask &&
+        return m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && m_opacityMask == nullptr &&
                m_target.alpha == nullptr;
     }
     /// When IsPlain: a solid colour, or pixels that lie ready. False: not done.
@@ -107,10 +120,9 @@ private:
     const SwTargetPlanes& m_target;
     IntRect m_bounds;
     uint32_t m_blendMode = 0;
-    std::array<SwMaskInput, 2> m_shapeMasks{};
+    std::array<const SwMaskInput*, 2> m_shapeMasks{};
     size_t m_shapeMaskCount = 0;
-    SwMaskInput m_opacityMask{};
-    bool m_hasOpacityMask = false;
+    const SwMaskInput* m_opacityMask = nullptr;
     const SwClip* m_clip = nullptr;
     SwColorSource* m_source = nullptr;
     uint32_t m_solid = 0;

@@ -52,7 +52,7 @@ void RadialGradientFiller::Fill(const SwPaintKernels& kernels, GradientShade& sh
 SwRadialGradientColorSource::SwRadialGradientColorSource(const GradientBrush& brush, const RadialGradient& gradient,
                                                          const Matrix& transform) noexcept
     : SwGradientColorSource(brush, gradient) {
-    if (!m_filler.Set(gradient, PaintTransform(brush, transform))) {
+    if (!m_filler.Set(gradient, PaintToDevice(brush.transform, transform))) {
         MakeConstant();
         return;
     }

@@ -4,13 +4,10 @@
 
 #include <algorithm>
 
-#include "../Paint/Brush.h"
 #include "SwColorSource.h"
 #include "SwPixelMath.h"
 
 namespace Graphics {
-
-[[nodiscard]] inline uint32_t SolidColorOf(const SolidBrush& brush) noexcept { return PremultiplyPixel(brush.argb); }
 
 class SwSolidColorSource final : public SwColorSource {
 public:

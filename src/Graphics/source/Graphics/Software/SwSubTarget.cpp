@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SwSubTarget.h"
 
-#include "../Exception.h"
-
 namespace Graphics {
 
 namespace {
@@ -12,23 +10,9 @@ constexpr ptrdiff_t kMostGap = 64;
 
 } // namespace
 
-void SwSubTarget::PushState() { m_states.push_back(SwState(m_states.back())); }
-
-void SwSubTarget::PopState() {
-    if (m_states.size() < 2) {
-        GX_RAISE("Graphics::SwSubTarget::PopState", "State stack is empty");
-    }
-    m_states.pop_back();
-}
-
-void SwSubTarget::Reset(const IntRect& bounds, const SwState& state) {
-    m_bounds = bounds;
-    m_states.clear();
-    m_states.push_back(state);
-}
-
-void SwBasicSubTarget::Open(const PixelView& pixels, const SwState& state) {
-    Reset({0, 0, pixels.width, pixels.height}, state);
+void SwBasicSubTarget::Open(const PixelView& pixels) noexcept {
+    m_bounds = {0, 0, pixels.width, pixels.height};
+    m_clips.Clear();
     m_planes = {};
     m_isOpaque = pixels.format == GXPixelFormatBGRX32;
     m_opaqueRegion = {0, 0, 0, 0};
@@ -47,17 +31,13 @@ SwTargetPlanes SwBasicSubTarget::Planes(const IntRect& region) {
 
 SwTargetPlanes SwBasicSubTarget::ReadPlanes(const IntRect& region) {
     if (Planes(region).makesOpaque) {
-        for (int32_t y = region.top; y < region.bottom; ++y) {
-            ActiveKernels().setOpaque(reinterpret_cast<uint32_t*>(m_planes.color + y * m_planes.colorStride) +
-                                          region.left,
-                                      nullptr, static_cast<size_t>(region.right - region.left));
-        }
+        MakeRowsOpaque(ActiveKernels(), m_planes, region);
         NoteOpaque(region);
     }
     return m_planes;
 }
 
-void SwBasicSubTarget::NoteOpaque(const IntRect& region) noexcept {
+void SwBasicSubTarget::GrowOpaque(const IntRect& region) noexcept {
     const auto area = [](const IntRect& r) { return (int64_t{r.right} - r.left) * (int64_t{r.bottom} - r.top); };
     if (area(region) > area(m_opaqueRegion)) {
         m_opaqueRegion = region;

@@ -1,26 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Where drawing currently goes: the painted surface, or the planes of the innermost open transparency group. Each has a
-// graphics-state stack of its own.
+// Where drawing currently goes: the painted surface, or the planes of the innermost open transparency group. Each has
+// the clips of the states that were pushed in it.
 #pragma once
-
-#include <vector>
 
 #include "../Pixels/PixelView.h"
 #include "../ProcessHeap.h"
-#include "SwClip.h"
+#include "SwClipStack.h"
 #include "SwPipeLine.h"
-#include "SwSoftMask.h"
 
 namespace Graphics {
-
-struct SwState {
-    Matrix transform = kIdentity;
-    uint32_t blendMode = 0;
-    bool strokeAdjustment = true;
-    SwSoftMask shapeMask;
-    SwSoftMask opacityMask;
-    SwClipRef clip;
-};
 
 class SwLayerSubTarget;
 
@@ -29,11 +17,7 @@ public:
     virtual ~SwSubTarget() = default;
 
     [[nodiscard]] const IntRect& Bounds() const noexcept { return m_bounds; }
-    [[nodiscard]] SwState& State() noexcept { return m_states.back(); }
-    [[nodiscard]] const SwState& State() const noexcept { return m_states.back(); }
-    void PushState();
-    /// Raises "State stack is empty".
-    void PopState();
+    [[nodiscard]] SwClipStack& Clips() noexcept { return m_clips; }
 
     /// The planes, ready to be drawn into inside `region` (which lies in the bounds).
     [[nodiscard]] virtual SwTargetPlanes Planes(const IntRect& region) = 0;
@@ -44,25 +28,29 @@ public:
     [[nodiscard]] virtual SwLayerSubTarget* AsLayer() noexcept { return nullptr; }
 
 protected:
-    void Reset(const IntRect& bounds, const SwState& state);
-
     IntRect m_bounds{};
-    std::vector<SwState> m_states;
+    SwClipStack m_clips;
 };
 
 class SwBasicSubTarget final : public SwSubTarget {
 public:
-    void Open(const PixelView& pixels, const SwState& state);
-    void Close() noexcept { m_states.clear(); }
+    void Open(const PixelView& pixels) noexcept;
+    void Close() noexcept { m_clips.Clear(); }
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
     [[nodiscard]] SwSubTarget* Below() noexcept override { return this; }
     /// The planes for a group, which reads every pixel of `region` with its alpha.
     [[nodiscard]] SwTargetPlanes ReadPlanes(const IntRect& region);
     /// Every fourth byte in `region` is 255 now.
-    void NoteOpaque(const IntRect& region) noexcept;
+    void NoteOpaque(const IntRect& region) noexcept {
+        if (m_isOpaque) {
+            GrowOpaque(region);
+        }
+    }
 
 private:
+    void GrowOpaque(const IntRect& region) noexcept;
+
     SwTargetPlanes m_planes;
     bool m_isOpaque = false;  // by its format: fourth bytes count as 255, and are where something was drawn
     IntRect m_opaqueRegion{}; // where they are known to be

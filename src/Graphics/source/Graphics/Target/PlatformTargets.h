@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "RenderTargetBase.h"
+#include "../Drawing/RenderTargetBase.h"
 
 namespace Graphics {
 

@@ -3,12 +3,13 @@
 
 #include <cmath>
 
+#include "../Bitmaps/Bitmap.h"
 #include "../Exception.h"
 #include "../Geometry/DashSequence.h"
+#include "../Paint/Brush.h"
 #include "../Software/SwBitmapSurface.h"
 #include "../Software/SwExtBufSurface.h"
 #include "../Software/SwRenderTarget.h"
-#include "../Text/Font.h"
 #include "../Trigonometry.h"
 #include "PlatformTargets.h"
 
@@ -37,32 +38,9 @@ std::shared_ptr<RenderTarget> RenderTarget::ForPrinter(void* dc) {
     return std::make_shared<RenderTarget>(CreatePrinterTarget(dc));
 }
 
-RenderTargetBase& RenderTarget::Painting() {
-    if (!m_painting) {
-        GX_RAISE("Graphics::RenderTarget::Painting", "Painting has not begun");
-    }
-    return *m_backEnd;
-}
+void RenderTarget::RaiseNotPainting() { GX_RAISE("Graphics::RenderTarget::Painting", "Painting has not begun"); }
 
-void RenderTarget::BeginPaint() {
-    if (m_painting) {
-        GX_RAISE("Graphics::RenderTarget::BeginPaint", "Painting has already begun");
-    }
-    m_backEnd->BeginPaint();
-    m_painting = true;
-}
-
-void RenderTarget::EndPaint() {
-    if (!m_painting) {
-        GX_RAISE("Graphics::RenderTarget::EndPaint", "Painting has not begun");
-    }
-    m_painting = false;
-    m_backEnd->EndPaint();
-}
-
-void RenderTarget::ConcatTransform(const Matrix& m) { m_backEnd->SetTransform(Concat(m, m_backEnd->GetTransform())); }
-
-void RenderTarget::RotateTransform(float angle) {
+void RenderTarget::RotateTransform(float angle) noexcept {
     constexpr float kFullTurn = 6.2831855F;
     if (angle >= kFullTurn) {
         angle = std::fmod(angle, kFullTurn);
@@ -74,38 +52,111 @@ void RenderTarget::RotateTransform(float angle) {
     ConcatTransform({cosine, sine, -sine, cosine, 0.0F, 0.0F});
 }
 
-void RenderTarget::FillText(const Font& font, const uint16_t* text, const Brush& brush) {
-    struct Restore {
-        RenderTargetBase& target;
-        const Matrix transform;
-        ~Restore() { target.SetTransform(transform); }
-    };
-    RenderTargetBase& target = Painting();
-    const Restore restore{target, target.GetTransform()};
-    Matrix transform = restore.transform;
-    for (; *text != 0; ++text) {
-        const FontGlyph& glyph = font.Glyph(*text);
-        target.Fill({&glyph.shape, nullptr}, brush, true);
-        transform = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, transform);
-        target.SetTransform(transform);
-    }
+SoftMask RenderTarget::MakeMask(uint32_t type, std::shared_ptr<const Brush> brush) const {
+    return {brush == nullptr ? nullptr : m_backEnd->KeepMask(std::move(brush)), type, GetTransform()};
 }
 
-void RenderTarget::Stroke(const PathRef& path, const Brush& brush, float width, const StrokeStyle& style) {
+void RenderTarget::SetOpacityMask(uint32_t type, std::shared_ptr<const Brush> brush) {
+    m_states.Current().opacityMask = MakeMask(type, std::move(brush));
+}
+
+void RenderTarget::SetShapeMask(uint32_t type, std::shared_ptr<const Brush> brush) {
+    m_states.Current().shapeMask = MakeMask(type, std::move(brush));
+}
+
+void RenderTarget::BeginPaint() {
+    if (m_painting) {
+        GX_RAISE("Graphics::RenderTarget::BeginPaint", "Painting has already begun");
+    }
+    m_backEnd->BeginPaint();
+    m_painting = true;
+}
+
+void RenderTarget::EndPaint() {
+    RenderTargetBase& target = Painting();
+    m_painting = false;
+    while (m_states.HasLayers()) {
+        try {
+            target.EndLayer(m_states.AroundLayer());
+        } catch (const std::exception&) {
+            target.DropLayer();
+        }
+        m_states.CloseLayer();
+    }
+    m_states.Reset();
+    target.EndPaint();
+}
+
+void RenderTarget::PushState() {
+    RenderTargetBase& target = Painting();
+    m_states.Reserve();
+    target.PushState();
+    m_states.Push();
+}
+
+void RenderTarget::PopState() {
+    RenderTargetBase& target = Painting();
+    if (m_states.IsAtStart()) {
+        GX_RAISE("Graphics::RenderTarget::PopState", "State stack is empty");
+    }
+    m_states.Pop();
+    target.PopState();
+}
+
+void RenderTarget::BeginLayer(const GXLayerDesc& desc) {
+    RenderTargetBase& target = Painting();
+    m_states.Reserve();
+    target.BeginLayer(m_states.Current(), desc);
+    m_states.OpenLayer();
+}
+
+void RenderTarget::EndLayer() {
+    RenderTargetBase& target = Painting();
+    if (!m_states.HasLayers()) {
+        GX_RAISE("Graphics::RenderTarget::EndLayer", "No layer is open");
+    }
+    target.EndLayer(m_states.AroundLayer());
+    m_states.CloseLayer();
+}
+
+void RenderTarget::Stroke(const Path& path, const Brush& brush, float width, const StrokeStyle& style) {
     RenderTargetBase& target = Painting();
     if (style.dashCount != 0) {
         const DashSequence refusesBadPatterns(style);
     }
-    target.Stroke(path, brush, width, style);
+    if (!path.IsEmpty()) {
+        m_states.Current().CheckMasks();
+        target.Stroke(m_states.Current(), path, InkOf(brush), width, style);
+    }
 }
 
-void RenderTarget::ClipFigure(BasicFigure::Kind kind, const Rect& rect) {
+void RenderTarget::ClipFigure(const BasicFigure& figure) {
     RenderTargetBase& target = Painting();
-    if (rect.left == rect.right || rect.top == rect.bottom) {
-        return;
+    const Rect& r = figure.Box();
+    if (r.left != r.right && r.top != r.bottom) {
+        target.Clip(m_states.Current(), figure);
     }
-    const BasicFigure figure(kind, rect);
-    target.Clip({nullptr, &figure});
+}
+
+void RenderTarget::DrawBitmap(const Bitmap& bitmap, const IntRect& source, const Rect& destination, float opacity,
+                              uint32_t interpolation) {
+    static_cast<void>(Painting());
+    const Ink ink(std::in_place_type<ImageInk>, bitmap, source, destination, opacity, interpolation);
+    if (!IsEmpty(std::get<ImageInk>(ink).part)) {
+        Paint(BasicFigure(BasicFigure::Kind::Rectangle, destination), ink, nullptr);
+    }
+}
+
+void RenderTarget::FillMask(const Bitmap& mask, const Brush& brush, const Rect& destination, uint32_t interpolation) {
+    const ImageInk cover(mask, destination, 1.0F, interpolation);
+    Paint(BasicFigure(BasicFigure::Kind::Rectangle, destination), InkOf(brush), &cover);
+}
+
+void RenderTarget::DrawGradient(std::shared_ptr<const Gradient> gradient, float opacity, const Matrix& m) {
+    GradientBrush brush(std::move(gradient));
+    brush.opacity = opacity;
+    brush.transform = m;
+    Paint(Path::Plane(), GradientInk{&brush}, nullptr);
 }
 
 } // namespace Graphics

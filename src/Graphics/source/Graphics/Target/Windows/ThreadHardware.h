@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "../HwRenderTargetFactory.h"
+#include "../../Drawing/HwRenderTargetFactory.h"
 
 namespace Graphics {
 

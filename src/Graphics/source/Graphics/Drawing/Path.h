@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+// What a draw covers, in user space and by reference: nothing is copied on the way to a back end.
+#pragma once
+
+#include <memory>
+
+#include "../Geometry/BasicFigures.h"
+#include "../Geometry/Shape.h"
+#include "../Text/Font.h"
+
+namespace Graphics {
+
+/// Null-terminated text, one glyph after the other from the origin on.
+struct GlyphRun {
+    const Font* font;
+    const uint16_t* text;
+
+    /// Calls use(outline, matrix) for each glyph that has an outline; `m` places the first one.
+    template <class Use> void ForEach(Matrix m, Use&& use) const {
+        for (const uint16_t* unit = text; *unit != 0; ++unit) {
+            const FontGlyph& glyph = font->Glyph(*unit);
+            if (!glyph.shape->Empty()) {
+                use(glyph.shape, static_cast<const Matrix&>(m));
+            }
+            m = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, m);
+        }
+    }
+    /// No glyph has an outline.
+    [[nodiscard]] bool IsBlank() const;
+};
+
+class Path {
+public:
+    enum class Kind : uint8_t {
+        Figure,
+        Shape,
+        Outline, ///< a shape that is text: it is never moved to whole pixels, and its coverage is worth keeping
+        Glyphs,  ///< each an outline
+        Plane,   ///< everything that can be drawn on
+    };
+    using SharedShape = std::shared_ptr<const Graphics::Shape>;
+
+    // Not explicit: whatever can be drawn is a path.
+    Path(const BasicFigure& figure) noexcept : m_object(&figure), m_kind(Kind::Figure) {}
+    Path(const SharedShape& shape) noexcept : m_object(&shape), m_kind(Kind::Shape) {}
+    Path(const GlyphRun& run) noexcept : m_object(&run), m_kind(Kind::Glyphs) {}
+    [[nodiscard]] static Path Outline(const SharedShape& shape) noexcept { return {&shape, Kind::Outline}; }
+    [[nodiscard]] static Path Plane() noexcept { return {nullptr, Kind::Plane}; }
+
+    [[nodiscard]] Kind GetKind() const noexcept { return m_kind; }
+    [[nodiscard]] bool IsFigure() const noexcept { return m_kind == Kind::Figure; }
+    /// Of a figure.
+    [[nodiscard]] const BasicFigure& Figure() const noexcept { return *static_cast<const BasicFigure*>(m_object); }
+    /// Of a stored shape: null for everything else.
+    [[nodiscard]] const SharedShape* Stored() const noexcept {
+        return m_kind == Kind::Shape || m_kind == Kind::Outline ? static_cast<const SharedShape*>(m_object) : nullptr;
+    }
+    /// Of glyphs.
+    [[nodiscard]] const GlyphRun& Glyphs() const noexcept { return *static_cast<const GlyphRun*>(m_object); }
+
+    /// Whether there is nothing to draw anywhere.
+    [[nodiscard]] bool IsEmpty() const {
+        switch (m_kind) {
+        case Kind::Figure:
+            return Figure().IsEmpty();
+        case Kind::Glyphs:
+            return Glyphs().IsBlank();
+        case Kind::Plane:
+            return false;
+        default:
+            return (*Stored())->Empty();
+        }
+    }
+
+private:
+    Path(const void* object, Kind kind) noexcept : m_object(object), m_kind(kind) {}
+
+    const void* m_object;
+    Kind m_kind;
+};
+
+/// Gives figures and stored shapes as shapes.
+class PathShape {
+public:
+    /// The stored shape, or the figure put into a shape that is void after the next call.
+    [[nodiscard]] const Shape& Of(const Path& path) {
+        if (const Path::SharedShape* stored = path.Stored()) {
+            return **stored;
+        }
+        m_figure.Clear();
+        path.Figure().Replay(m_figure);
+        return m_figure;
+    }
+
+private:
+    Shape m_figure;
+};
+
+} // namespace Graphics

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// The fill of an upright rectangle: whole pixels where edges are moved onto them, samples in closed form where not.
+#pragma once
+
+#include "DeviceFigures.h"
+#include "Rasterizer.h"
+#include "RectangleScanner.h"
+#include "SampleRectangle.h"
+
+namespace Graphics {
+
+class DeviceRectangle {
+public:
+    /// visible(pixels) gives the part of them that is wanted. False for everything but a rectangle that stays upright
+    /// under the matrix, no further out than edges are stepped exactly.
+    template <class Visible>
+    [[nodiscard]] bool Set(const BasicFigure& figure, const Matrix& m, const IntRect& area, bool snap,
+                           const Visible& visible) {
+        Vertex a;
+        Vertex b;
+        if (!UprightCorners(figure, m, a, b)) {
+            return false;
+        }
+        m_isWhole = snap;
+        if (snap) {
+            IntRect pixels;
+            if (!Rasterizer::SnapRectangle(area, a, b, pixels)) {
+                return false;
+            }
+            m_pixels = visible(pixels);
+            return true;
+        }
+        m_pixels = visible(SampleRectangle::Box(a, b));
+        return m_samples.Set(a, b, area.top * 8, area.bottom * 8, m_pixels);
+    }
+
+    /// Whole pixels alone: all of Pixels().
+    [[nodiscard]] bool IsWhole() const noexcept { return m_isWhole; }
+    /// What may be covered; may be empty.
+    [[nodiscard]] const IntRect& Pixels() const noexcept { return m_pixels; }
+    /// Where IsWhole is false.
+    [[nodiscard]] const SampleRectangle& Samples() const noexcept { return m_samples; }
+
+    void Send(RasterizationSink& sink) const {
+        if (m_isWhole) {
+            sink.Rectangle(m_pixels.left, m_pixels.top, m_pixels.right, m_pixels.bottom);
+        } else {
+            RectangleScanner(m_samples).Send(sink);
+        }
+    }
+
+private:
+    IntRect m_pixels{};
+    SampleRectangle m_samples;
+    bool m_isWhole = false;
+};
+
+} // namespace Graphics

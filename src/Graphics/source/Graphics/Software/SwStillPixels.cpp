@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "SwStillPixels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+
+#include "../Pixels/PixelFormat.h"
+
+namespace Graphics {
+namespace {
+
+struct Range {
+    int32_t begin, end;
+};
+
+/// The pixels of a line of `size` that coordinates from `low` to `high` can show, with their neighbours; beyond its
+/// ends are the first and the last one.
+[[nodiscard]] Range Shown(double low, double high, int32_t size) noexcept {
+    constexpr double kNeighbours = 2;
+    if (!std::isfinite(low) || !std::isfinite(high)) {
+        return {0, size};
+    }
+    const double last = size - 1;
+    return {static_cast<int32_t>(std::clamp(std::floor(low) - kNeighbours, 0.0, last)),
+            static_cast<int32_t>(std::clamp(std::ceil(high) + kNeighbours, 0.0, last)) + 1};
+}
+
+/// Bytes of a row up to the pixel `x`, the last one perhaps in part.
+[[nodiscard]] size_t BytesTo(const PixelView& view, int32_t x) noexcept {
+    return (static_cast<size_t>(x) * static_cast<size_t>(BitsPerPixel(view.format)) + view.bitOffset + 7) / 8;
+}
+
+} // namespace
+
+SwWrittenPixels::SwWrittenPixels(const SwTargetPlanes& planes, const IntRect& area) noexcept : visible(area) {
+    if (planes.alpha != nullptr || IsEmpty(area)) {
+        return; // groups have memory of their own
+    }
+    const auto* first = reinterpret_cast<const uint8_t*>(PixelAt(planes, area.left, area.top));
+    const auto* last = reinterpret_cast<const uint8_t*>(PixelAt(planes, area.left, area.bottom - 1));
+    begin = std::min(first, last, std::less<>());
+    end = std::max(first, last, std::less<>()) + static_cast<size_t>(area.right - area.left) * 4;
+}
+
+bool SwWrittenPixels::Overlaps(const PixelView& view) const noexcept {
+    if (begin == end || view.height <= 0) {
+        return false;
+    }
+    const uint8_t* const first = view.data;
+    const uint8_t* const last = view.data + (view.height - 1) * view.strideBytes;
+    const size_t rowBytes = BytesTo(view, view.width);
+    return std::less<>()(std::min(first, last, std::less<>()), end) &&
+           std::less<>()(begin, std::max(first, last, std::less<>()) + rowBytes);
+}
+
+PixelView CopyStillPixels(Arena& arena, const PixelView& view, const SwWrittenPixels& written, const Matrix& toImage,
+                          bool all) {
+    Range rows{0, view.height}, columns{0, view.width};
+    if (!all) {
+        const IntRect& v = written.visible;
+        double x[2]{}, y[2]{};
+        for (int i = 0; i < 4; ++i) {
+            const double dx = i % 2 == 0 ? v.left : v.right, dy = i / 2 == 0 ? v.top : v.bottom;
+            const double u = toImage.m00 * dx + toImage.m10 * dy + toImage.m20;
+            const double w = toImage.m01 * dx + toImage.m11 * dy + toImage.m21;
+            x[0] = i == 0 ? u : std::min(x[0], u), x[1] = i == 0 ? u : std::max(x[1], u);
+            y[0] = i == 0 ? w : std::min(y[0], w), y[1] = i == 0 ? w : std::max(y[1], w);
+        }
+        rows = Shown(y[0], y[1], view.height);
+        columns = Shown(x[0], x[1], view.width);
+    }
+    // Memory for the whole image, of which the system gives only what is written.
+    const size_t rowBytes = BytesTo(view, view.width);
+    PixelView copy = view;
+    copy.strideBytes = static_cast<ptrdiff_t>(rowBytes);
+    copy.data = arena.AllocArray<uint8_t>(rowBytes * static_cast<size_t>(view.height));
+    const size_t begin = columns.begin == 0 ? 0 : BytesTo(view, columns.begin) - 1;
+    const size_t end = BytesTo(view, columns.end);
+    for (int32_t row = rows.begin; row < rows.end; ++row) {
+        std::memcpy(copy.data + row * copy.strideBytes + begin, view.data + row * view.strideBytes + begin,
+                    end - begin);
+    }
+    return copy;
+}
+
+} // namespace Graphics
