@@ -13,7 +13,7 @@ struct Spare {
     void (*free)(void*, size_t) noexcept;
 };
 
-constinit std::mutex g_mutex;
+std::mutex g_mutex;
 Spare g_spares[SpareBlocks::kKeptBytes / SpareBlocks::kLeastBytes]; // the oldest first
 size_t g_count = 0;
 size_t g_bytes = 0;
