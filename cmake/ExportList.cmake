@@ -23,6 +23,6 @@ function(gx_import_library target def file)
       COMMAND ${GX_DLLTOOL} -m i386:x86-64 -D Graphics.dll -d ${def} -l ${file}
       COMMENT "Import library for Microsoft's linker")
     add_custom_target(${target}_lib ALL DEPENDS ${file})
-    install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Graphics)
+    install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
   endif()
 endfunction()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What ./run and ./test share: the packages of a Debian 12 machine, and installing those that are not there.
+# What ./run, ./test and tools/package.sh share: the packages of a Debian 12 machine, and installing those that are not there.
 # Sourced, not run.
 
 GX_PACKAGES=(
@@ -17,6 +17,7 @@ GX_WINDOWS_PACKAGES=(
     g++-mingw-w64-x86-64-posix googletest lld lld-14 llvm-14 wine wine64 xvfb libgl1 libgl1-mesa-dri fonts-liberation
     fonts-dejavu-core libz-mingw-w64-dev ghostscript
 )
+GX_PACKAGING_PACKAGES=(dpkg-dev fakeroot file binutils zip unzip)
 # It fetches the HLSL compiler, and may have come another way than as a package.
 command -v npm >/dev/null || GX_WINDOWS_PACKAGES+=(npm)
 

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # cmake -DBUILD=<build tree> -DHOST=<this folder> -DWORK=<scratch> [-DTOOLCHAIN= -DEMULATOR=] -P PackageTest.cmake:
-# installs the library into a prefix of its own, builds a host there with find_package and runs it.
+# installs the library, moves the installed folder elsewhere, builds a host there with find_package and with pkg-config, and
+# runs both.
 function(step)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
   if(NOT result EQUAL 0)
@@ -9,8 +10,11 @@ function(step)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK})
-set(prefix ${WORK}/prefix)
-step(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix} --component Graphics)
+foreach(component runtime dev)
+  step(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/before --component ${component})
+endforeach()
+set(prefix "${WORK}/moved")
+file(RENAME ${WORK}/before ${prefix})
 set(options -G ${GENERATOR} -DCMAKE_BUILD_TYPE=Release)
 if(TOOLCHAIN)
   # The toolchain file confines packages to the compiler's own root.
@@ -25,4 +29,22 @@ if(EMULATOR)
   step(${EMULATOR} ${WORK}/build/host.exe)
 else()
   step(${WORK}/build/host)
+endif()
+
+find_program(pkg_config pkg-config)
+if(pkg_config)
+  file(GLOB_RECURSE pc ${prefix}/graphics.pc)
+  get_filename_component(folder "${pc}" DIRECTORY)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH= PKG_CONFIG_LIBDIR=${folder} ${pkg_config} --cflags --libs graphics
+    OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  step(${COMPILER} ${HOST}/host.c -o ${WORK}/build/host-pc.exe ${flags})
+  if(EMULATOR)
+    step(${EMULATOR} ${WORK}/build/host-pc.exe)
+  else()
+    # The loader is told where the library is; the name that it looks for is in the program.
+    file(GLOB_RECURSE library ${prefix}/libGraphics.so)
+    get_filename_component(folder "${library}" DIRECTORY)
+    step(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${folder} ${WORK}/build/host-pc.exe)
+  endif()
 endif()
