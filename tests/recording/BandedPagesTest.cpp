@@ -103,10 +103,10 @@ Handle<GXBitmap> DrawStripes(const Gxr::Calls& calls, uint32_t side, GXBrush sho
 // Masks and paints from surfaces, placed every way: on their rows, between rows, mirrored, beyond their edges, reduced,
 // turned, repeated; and surfaces that are shown on other surfaces.
 TEST(ThreadedRecording, DrawsWhatABandShowsOfThePagesOwnSurfaces) {
-    const GXMatrix places[] = {{1, 0, 0, 1, 0, 0},         {1, 0, 0, 1, -4, 17},      {1, 0, 0, 1, 0, 8.5f},
-                               {2, 0, 0, 2.75f, 5, -40},   {1, 0, 0, -1, 0, 90},      {1, 0, 0, 1, 0, 150},
-                               {1, 0, 0, 1, 0, -130},      {0.5f, 0, 0, 0.4f, 8, 30}, {0.8f, 0.6f, -0.6f, 0.8f, 60, 5},
-                               {1, 0.25f, 0, 1, 0, 0},     {0, 1, 1, 0, 0, 0},        {1, 0, 0.5f, 1.5f, 0, 3}};
+    const GXMatrix places[] = {{1, 0, 0, 1, 0, 0},       {1, 0, 0, 1, -4, 17},      {1, 0, 0, 1, 0, 8.5f},
+                               {2, 0, 0, 2.75f, 5, -40}, {1, 0, 0, -1, 0, 90},      {1, 0, 0, 1, 0, 150},
+                               {1, 0, 0, 1, 0, -130},    {0.5f, 0, 0, 0.4f, 8, 30}, {0.8f, 0.6f, -0.6f, 0.8f, 60, 5},
+                               {1, 0.25f, 0, 1, 0, 0},   {0, 1, 1, 0, 0, 0},        {1, 0, 0.5f, 1.5f, 0, 3}};
     const GXBitmapBrushOptions options[] = {{GXInterpolationNearest, GXExtendClamp, GXExtendClamp},
                                             {GXInterpolationLinear, GXExtendClamp, GXExtendClamp},
                                             {GXInterpolationAverage, GXExtendClamp, GXExtendClamp},
@@ -190,8 +190,13 @@ TEST(ThreadedRecording, DrawsStrokesThatReachIntoABand) {
         }
         OK(GXGeometryEndFigure(path.Get()));
         const GXMatrix matrix{1, number(-0.5f, 0.5f), number(-0.5f, 0.5f), number(0.2f, 3), 0, number(-80, 20)};
-        const GXStrokeStyle style{static_cast<uint32_t>(random() % 3), static_cast<uint32_t>(random() % 3),
-                                  number(1, 30), 0, 0, {5, 3}, random() % 2 * 2};
+        const GXStrokeStyle style{static_cast<uint32_t>(random() % 3),
+                                  static_cast<uint32_t>(random() % 3),
+                                  number(1, 30),
+                                  0,
+                                  0,
+                                  {5, 3},
+                                  random() % 2 * 2};
         OK(calls.SetStrokeAdjustment(target.Get(), random() % 2));
         OK(calls.SetCTM(target.Get(), &matrix));
         OK(calls.StrokeGeometry(target.Get(), path.Get(), brush.Get(), number(0, 12),

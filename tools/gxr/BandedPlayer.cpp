@@ -45,8 +45,8 @@ private:
 };
 
 BandedPlayer::BandedPlayer(const Recording& recording, unsigned threads, Cut cut)
-    : m_objects(std::make_shared<const Objects>(recording.Body(), true)), m_threads(std::max(threads, 1u)),
-      m_cut(cut) {}
+    : m_objects(std::make_shared<const Objects>(recording.Body(), true)), m_threads(std::max(threads, 1u)), m_cut(cut) {
+}
 
 BandedPlayer::~BandedPlayer() = default;
 
@@ -76,8 +76,7 @@ void BandedPlayer::Play(void* pixels, GXPixelFormat format, const GXExtBufLayout
     // Takes the layout only if it is right, and before anything is drawn.
     Worker own(m_objects, canvas);
     Plan({static_cast<uint32_t>(layout.width), static_cast<uint32_t>(layout.height)}, scale);
-    const bool aligned =
-        reinterpret_cast<uintptr_t>(pixels) % 4 == 0 && static_cast<uint64_t>(layout.stride) % 4 == 0;
+    const bool aligned = reinterpret_cast<uintptr_t>(pixels) % 4 == 0 && static_cast<uint64_t>(layout.stride) % 4 == 0;
     if (!aligned || m_bands.size() == 1) {
         const double start = ThreadMilliseconds();
         own.Draw(nullptr);
@@ -138,8 +137,10 @@ void BandedPlayer::Plan(GXSize size, float scale) {
     }
     const size_t count = std::min<size_t>(m_threads, most);
     for (size_t i = 0; i < count; ++i)
-        m_bands.push_back({{static_cast<int32_t>(size.height * i / count),
-                            static_cast<int32_t>(size.height * (i + 1) / count)}, 0, 0.0});
+        m_bands.push_back(
+            {{static_cast<int32_t>(size.height * i / count), static_cast<int32_t>(size.height * (i + 1) / count)},
+             0,
+             0.0});
 }
 
 // Every band gets its share of what is left, and rows enough for those below it to be left some.

@@ -245,7 +245,7 @@ void Interpreter::SetSurfacePixels(ByteReader& in) {
     surface.painting = true; // ended also on the way out of a failure
     CheckResult(GXRenderTargetClear(surface.target, 0), "GXRenderTargetClear");
     CheckResult(GXRenderTargetStretchBitmap(surface.target, source, &whole, nullptr, 1.0f, GXInterpolationLinear),
-          "GXRenderTargetStretchBitmap");
+                "GXRenderTargetStretchBitmap");
     surface.painting = false;
     CheckResult(GXRenderTargetEndPaint(surface.target), "GXRenderTargetEndPaint");
 }

@@ -180,7 +180,7 @@ void Objects::ReadGradient(ByteReader& in, ObjectKind kind) {
             throw Error("the recording holds a mesh without triangles");
         if (m_live)
             CheckResult(GXCreateGradientTriMesh(vertices.data(), vertices.size(), background, gradient.Out()),
-                  "GXCreateGradientTriMesh");
+                        "GXCreateGradientTriMesh");
         return;
     }
     const std::vector<GXGradientStop> stops = ReadStops(in);
@@ -230,7 +230,7 @@ void Objects::ReadBrush(ByteReader& in, ObjectKind kind) {
         const Slot<const GXMatrix*> matrix(in);
         if (m_live)
             CheckResult(GXCreateBrushBitmap(bitmap, opacity, options.Get(), matrix.Get(), brush.Out()),
-                  "GXCreateBrushBitmap");
+                        "GXCreateBrushBitmap");
     }
 }
 

@@ -29,8 +29,8 @@ bool IsClip(Op op) { return op == Op::ClipGeometry || op == Op::ClipRect || op =
 // How far a stroke reaches beside its path, in device pixels: half of the pen, which is a pixel wide at least and can
 // grow by one where strokes are adjusted, out to the tip of a miter or the corner of a square cap.
 double PenReach(const SeenCall& call, const GXMatrix& m) {
-    const double scale = std::sqrt(double{m.m00} * m.m00 + double{m.m01} * m.m01 + double{m.m10} * m.m10 +
-                                   double{m.m11} * m.m11);
+    const double scale =
+        std::sqrt(double{m.m00} * m.m00 + double{m.m01} * m.m01 + double{m.m10} * m.m10 + double{m.m11} * m.m11);
     const double width = std::max(call.numbers[0] * scale, 1.0) + 1.0;
     const double limit = call.style != nullptr ? double{call.style->miterLimit} : 10.0;
     return 0.5 * width * std::max(limit, 1.5);
@@ -65,10 +65,10 @@ Band PageSurvey::BandOf(Rows page) const {
         if (use.step != 0) {
             const double a = (on.top - use.start) / use.step, b = (on.bottom - use.start) / use.step;
             // Beyond its edges a surface goes on as its outermost rows.
-            needed.top =
-                static_cast<int32_t>(std::clamp(std::floor(std::min(a, b) - kSampleMargin), 0.0, static_cast<double>(height - 1)));
-            needed.bottom =
-                static_cast<int32_t>(std::clamp(std::ceil(std::max(a, b) + kSampleMargin), 1.0, static_cast<double>(height)));
+            needed.top = static_cast<int32_t>(
+                std::clamp(std::floor(std::min(a, b) - kSampleMargin), 0.0, static_cast<double>(height - 1)));
+            needed.bottom = static_cast<int32_t>(
+                std::clamp(std::ceil(std::max(a, b) + kSampleMargin), 1.0, static_cast<double>(height)));
         }
         Rows& rows = band.surfaces[use.source];
         rows = rows.IsEmpty() ? needed : Rows{std::min(rows.top, needed.top), std::max(rows.bottom, needed.bottom)};
@@ -95,8 +95,8 @@ void PageSurvey::OnSurfaceBrush(uint32_t surface, const GXBitmapBrushOptions* op
     brush.matrix = {1.0f / m_scale, 0, 0, 1.0f / m_scale, 0, 0};
     if (matrix != nullptr)
         brush.matrix = Multiply(brush.matrix, *matrix);
-    brush.rowsInPlace = options == nullptr ||
-        (options->extendY == GXExtendClamp && options->interpolation <= GXInterpolationLinear);
+    brush.rowsInPlace =
+        options == nullptr || (options->extendY == GXExtendClamp && options->interpolation <= GXInterpolationLinear);
 }
 
 void PageSurvey::OnCall(const SeenCall& call) {
@@ -106,7 +106,7 @@ void PageSurvey::OnCall(const SeenCall& call) {
         const GXMatrix matrix = Multiply(brush.matrix, surface.state.ctm);
         // Smaller than by a little, bitmaps are drawn from reduced ones, which mix rows.
         const bool inPlace = brush.rowsInPlace && matrix.m01 == 0 && std::isfinite(matrix.m21) &&
-            std::isfinite(matrix.m11) && std::abs(matrix.m11) > 0.99f;
+                             std::isfinite(matrix.m11) && std::abs(matrix.m11) > 0.99f;
         NoteUse(brush.surface, call.surface, inPlace ? &matrix : nullptr);
     }
     if (call.bitmapReference % 2 == kOfSurface)
@@ -127,7 +127,7 @@ void PageSurvey::OnCall(const SeenCall& call) {
     double perCall = kCallCost;
     if (call.geometryNumber != 0)
         perCall += static_cast<double>(m_objects.PointCount(call.geometryNumber)) *
-            (IsStroke(call.op) ? kStrokePointCost : kPointCost);
+                   (IsStroke(call.op) ? kStrokePointCost : kPointCost);
     AddCost(call.surface, box, perPixel, perCall);
 }
 
@@ -281,9 +281,9 @@ double PageSurvey::PixelCost(const SeenCall& call, const State& state) const {
             cost = kBitmapPixel;
         } else if (call.brushReference != 0) {
             const ObjectKind kind = m_objects.BrushKind(call.brushReference / 2);
-            cost = kind == ObjectKind::BitmapBrush ? kBitmapPixel
-                : kind == ObjectKind::GradientBrush ? kGradientPixel
-                                                    : kSolidPixel;
+            cost = kind == ObjectKind::BitmapBrush     ? kBitmapPixel
+                   : kind == ObjectKind::GradientBrush ? kGradientPixel
+                                                       : kSolidPixel;
         }
         cost += call.op == Op::FillMask ? kMaskPixel : 0.0;
         break;
@@ -293,7 +293,7 @@ double PageSurvey::PixelCost(const SeenCall& call, const State& state) const {
         return 0.0;
     }
     return cost + (state.blended ? kBlendPixel : 0.0) + (state.opacityMask ? kMaskPixel : 0.0) +
-        (state.shapeMask ? kMaskPixel : 0.0) + (state.layers > 0 ? kLayerPixel : 0.0);
+           (state.shapeMask ? kMaskPixel : 0.0) + (state.layers > 0 ? kLayerPixel : 0.0);
 }
 
 void PageSurvey::AddCost(uint32_t number, const Box& box, double perPixel, double perCall) {
@@ -317,8 +317,7 @@ PageSurvey::Box PageSurvey::Whole(const Surface& surface) {
 }
 
 PageSurvey::Box PageSurvey::Common(const Box& a, const Box& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
 }
 
 bool PageSurvey::Map(const GXRect& rect, const GXMatrix& m, double margin, Box* box) {
