@@ -70,8 +70,8 @@ public:
 
     // Draws on white. The picture is left alone when null. `milliseconds` is the time of the drawing calls alone.
     void Draw(Picture* picture, double* milliseconds);
-    // Draws on white by `threads` threads at a time, the same bytes. The document draws later, and `recorder` is its own.
-    // Throws Gxr::Error when the page cannot be recorded.
+    // Draws on white by `threads` threads at a time, the same bytes. The document draws later, and `recorder` is its
+    // own. Throws Gxr::Error when the page cannot be recorded.
     void DrawInBands(Picture* picture, const Gxr::Recorder& recorder, unsigned threads);
     // With `timeClear` the time is that of making the page white, too, as it is in a recording.
     void DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear = false);

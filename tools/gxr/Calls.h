@@ -13,8 +13,8 @@ namespace Gxr {
 
 class Calls {
 public:
-    // Whether calls draw at once, or are only noted, to be played later: they are made all the same, so that the library
-    // checks their arguments and keeps its state, but under a clip that lets nothing through.
+    // Whether calls draw at once, or are only noted, to be played later: they are made all the same, so that the
+    // library checks their arguments and keeps its state, but under a clip that lets nothing through.
     enum class Drawing { Now, Later };
 
     // The recorder outlives this object.

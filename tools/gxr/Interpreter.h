@@ -82,7 +82,7 @@ private:
     CommandWatcher* m_watcher = nullptr;
     const Paper* m_paper = nullptr;
     const Band* m_band = nullptr;
-    size_t m_calls = 0; // on targets, made or left out so far
+    size_t m_calls = 0;    // on targets, made or left out so far
     bool m_filled = false; // with the paper
     std::vector<Surface> m_surfaces;
     std::vector<SurfaceBrush> m_surfaceBrushes;

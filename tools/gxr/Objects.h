@@ -66,7 +66,7 @@ private:
     List<GXGradient> m_gradients;
     List<GXFontFace> m_faces;
     List<GXBrush> m_brushes;
-    std::vector<uint64_t> m_pointCounts;    // of the geometries
+    std::vector<uint64_t> m_pointCounts; // of the geometries
     std::vector<ObjectKind> m_brushKinds;
 };
 

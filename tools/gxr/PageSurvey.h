@@ -40,7 +40,7 @@ private:
         int32_t width = 0, height = 0;
         State state;
         std::vector<std::pair<Op, State>> open; // states and layers, outermost first
-        double cost = 0; // of what was drawn since it was last used, for all but the page
+        double cost = 0;                        // of what was drawn since it was last used, for all but the page
     };
     struct SurfaceBrush {
         uint32_t surface = 0;

@@ -14,16 +14,17 @@
 namespace Gxr {
 namespace {
 
-constexpr const char* kUsage = "usage: gxreplay page.gxr [out.png] [--repeat N] [--scale S] [--threads N [--even]] [--checksum]\n"
-                               "       [--verbose]\n"
-                               "  --repeat N   draw N times more and print times: of making the objects, and of\n"
-                               "               drawing alone (median and minimum)\n"
-                               "  --scale S    the page S times as large\n"
-                               "  --threads N  on N threads, a band of rows each time; --repeat then also prints the\n"
-                               "               processor time of the threads and what they gain\n"
-                               "  --even       with bands of equal height instead of equal cost, to compare\n"
-                               "  --checksum   print the checksum of the pixels\n"
-                               "  --verbose    print what the library has to say\n";
+constexpr const char* kUsage =
+    "usage: gxreplay page.gxr [out.png] [--repeat N] [--scale S] [--threads N [--even]] [--checksum]\n"
+    "       [--verbose]\n"
+    "  --repeat N   draw N times more and print times: of making the objects, and of\n"
+    "               drawing alone (median and minimum)\n"
+    "  --scale S    the page S times as large\n"
+    "  --threads N  on N threads, a band of rows each time; --repeat then also prints the\n"
+    "               processor time of the threads and what they gain\n"
+    "  --even       with bands of equal height instead of equal cost, to compare\n"
+    "  --checksum   print the checksum of the pixels\n"
+    "  --verbose    print what the library has to say\n";
 
 struct Options {
     std::string file, picture;
@@ -112,8 +113,8 @@ template <class Draw, class After> void DrawAll(const Options& options, double o
         after(false);
     }
     const double median = Median(times);
-    std::printf("objects %.2f ms, first drawing %.2f ms, then drawing alone: median %.2f ms, minimum %.2f ms\n", objects,
-                first, median, times.front());
+    std::printf("objects %.2f ms, first drawing %.2f ms, then drawing alone: median %.2f ms, minimum %.2f ms\n",
+                objects, first, median, times.front());
 }
 
 // Processor time of a drawing: of all threads together and of the one that took longest.
@@ -141,8 +142,7 @@ struct ThreadTimes {
 
 void DrawInBands(const Options& options, const Recording& recording, GXBitmap bitmap) {
     const Stopwatch making;
-    BandedPlayer player(recording, options.threads,
-                        options.even ? BandedPlayer::Cut::Height : BandedPlayer::Cut::Cost);
+    BandedPlayer player(recording, options.threads, options.even ? BandedPlayer::Cut::Height : BandedPlayer::Cut::Cost);
     ThreadTimes first, others;
     DrawAll(
         options, making.Milliseconds(), [&] { player.Play(bitmap, options.scale); },
