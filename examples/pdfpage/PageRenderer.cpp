@@ -4,6 +4,8 @@
 #include "GxDevice.h"
 #include "MemoryLimit.h"
 
+#include "../../tools/gxr/BandedPlayer.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -43,8 +45,9 @@ FilePointer Open(const std::string& path) {
 Document::Document(const std::string& path, Report& report, Gxr::Recorder* recorder)
     : Document(Open(path), path, report, recorder) {}
 
-Document::Document(FilePointer opened, const std::string& path, Report& report, Gxr::Recorder* recorder)
-    : m_file(std::move(opened)), m_report(report), m_calls(recorder) {
+Document::Document(FilePointer opened, const std::string& path, Report& report, Gxr::Recorder* recorder,
+                   Gxr::Calls::Drawing drawing)
+    : m_file(std::move(opened)), m_report(report), m_calls(recorder, drawing) {
     m_ctx = fz_new_context(MemoryLimit::Allocator(), nullptr, FZ_STORE_DEFAULT);
     if (!m_ctx)
         throw Failure("MuPDF does not start");
@@ -118,40 +121,59 @@ Page::~Page() {
     m_document.m_caches->images.Trim();
 }
 
-void Page::Draw(Picture* picture, double* milliseconds) {
+void Page::DrawOn(Surface& surface) {
     fz_context* const ctx = m_document.m_ctx;
     Report& report = m_document.m_report;
+    {
+        Painter painter(ctx, m_document.m_calls, report, *m_document.m_caches, surface, m_dpi);
+        fz_device* const device = NewGxDevice(ctx, painter);
+        if (!device)
+            throw Failure("out of memory");
+        if (!Try(ctx, [&] {
+                fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
+                fz_close_device(ctx, device);
+            }))
+            report.Notice("the page could be drawn in part only");
+        fz_drop_device(ctx, device);
+    }
+    surface.Finish();
+}
+
+void Page::ReadBack(const Surface& surface, Picture* picture) const {
+    Report& report = m_document.m_report;
+    GXBitmapData data{};
+    if (!report.Check(GXBitmapLock(surface.Bitmap(), nullptr, GXLockRead, &data), "GXBitmapLock"))
+        throw Failure("the picture cannot be read back");
+    picture->width = fz_irect_width(m_box);
+    picture->height = static_cast<uint32_t>(fz_irect_height(m_box));
+    picture->pixels.resize(picture->StrideBytes() * picture->height);
+    for (uint32_t y = 0; y < picture->height; ++y)
+        std::memcpy(picture->pixels.data() + y * picture->StrideBytes(),
+                    static_cast<const uint8_t*>(data.data) + size_t{y} * data.stride, picture->StrideBytes());
+    report.Check(GXBitmapUnlock(surface.Bitmap()), "GXBitmapUnlock");
+}
+
+void Page::Draw(Picture* picture, double* milliseconds) {
     try {
-        Surface surface(m_document.m_calls, report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
+        Surface surface(m_document.m_calls, m_document.m_report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
         const Stopwatch watch;
-        {
-            Painter painter(ctx, m_document.m_calls, report, *m_document.m_caches, surface, m_dpi);
-            fz_device* const device = NewGxDevice(ctx, painter);
-            if (!device)
-                throw Failure("out of memory");
-            if (!Try(ctx, [&] {
-                    fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
-                    fz_close_device(ctx, device);
-                }))
-                report.Notice("the page could be drawn in part only");
-            fz_drop_device(ctx, device);
-        }
-        surface.Finish();
+        DrawOn(surface);
         if (milliseconds)
             *milliseconds = watch.Milliseconds();
-        if (!picture)
-            return;
+        if (picture)
+            ReadBack(surface, picture);
+    } catch (const std::bad_alloc&) {
+        throw Failure("out of memory");
+    }
+}
 
-        GXBitmapData data{};
-        if (!report.Check(GXBitmapLock(surface.Bitmap(), nullptr, GXLockRead, &data), "GXBitmapLock"))
-            throw Failure("the picture cannot be read back");
-        picture->width = fz_irect_width(m_box);
-        picture->height = static_cast<uint32_t>(fz_irect_height(m_box));
-        picture->pixels.resize(picture->StrideBytes() * picture->height);
-        for (uint32_t y = 0; y < picture->height; ++y)
-            std::memcpy(picture->pixels.data() + y * picture->StrideBytes(),
-                        static_cast<const uint8_t*>(data.data) + size_t{y} * data.stride, picture->StrideBytes());
-        report.Check(GXBitmapUnlock(surface.Bitmap()), "GXBitmapUnlock");
+void Page::DrawInBands(Picture* picture, const Gxr::Recorder& recorder, unsigned threads) {
+    try {
+        Surface surface(m_document.m_calls, m_document.m_report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
+        DrawOn(surface);
+        const Gxr::Recording recording = Gxr::Recording::FromBody(recorder.Body());
+        Gxr::BandedPlayer(recording, threads).Play(surface.Bitmap());
+        ReadBack(surface, picture);
     } catch (const std::bad_alloc&) {
         throw Failure("out of memory");
     }

@@ -39,7 +39,8 @@ public:
     // With a recorder everything drawn is recorded; it outlives the document.
     Document(const std::string& path, Report& report, Gxr::Recorder* recorder = nullptr);
     // Of a file that is open for reading; its name tells the format and stands in messages.
-    Document(FilePointer file, const std::string& name, Report& report, Gxr::Recorder* recorder = nullptr);
+    Document(FilePointer file, const std::string& name, Report& report, Gxr::Recorder* recorder = nullptr,
+             Gxr::Calls::Drawing drawing = Gxr::Calls::Drawing::Now);
     ~Document();
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
@@ -69,10 +70,16 @@ public:
 
     // Draws on white. The picture is left alone when null. `milliseconds` is the time of the drawing calls alone.
     void Draw(Picture* picture, double* milliseconds);
+    // Draws on white by `threads` threads at a time, the same bytes. The document draws later, and `recorder` is its
+    // own. Throws Gxr::Error when the page cannot be recorded.
+    void DrawInBands(Picture* picture, const Gxr::Recorder& recorder, unsigned threads);
     // With `timeClear` the time is that of making the page white, too, as it is in a recording.
     void DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear = false);
 
 private:
+    void DrawOn(Surface& surface);
+    void ReadBack(const Surface& surface, Picture* picture) const;
+
     Document& m_document;
     float m_dpi;
     fz_irect m_box{};

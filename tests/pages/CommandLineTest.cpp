@@ -62,6 +62,29 @@ TEST(PdfPage, RefusesPagesAndPlacesThatDoNotExist) {
     ExpectOneLine(Host(file + " 1 " + Quoted((OutputFolder() / "no folder" / "x.png").string())), "cannot write");
 }
 
+TEST(PdfPage, DrawsAPageByManyThreadsWithTheBytesOfOne) {
+    const auto bytes = [](const std::filesystem::path& path) {
+        std::ifstream in(path, std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    };
+    const std::filesystem::path one = OutputFolder() / "threads-1.png", many = OutputFolder() / "threads-n.png";
+    for (const char* page : {"softmask_alpha.pdf", "group_knockout.pdf", "shading_lattice.pdf", "tiling.pdf",
+                             "text_type3_bitmap.pdf", "images_masked.pdf", "page_tiny.pdf"}) {
+        const std::string file = Quoted(Corpus(page));
+        ASSERT_EQ(Host(file + " 1 " + Quoted(one.string())).code, 0) << page;
+        for (const char* threads : {" --threads 2", " --threads 5"}) {
+            const Outcome outcome = Host(file + " 1 " + Quoted(many.string()) + threads);
+            EXPECT_EQ(outcome.code, 0) << outcome.message;
+            EXPECT_TRUE(outcome.message.empty()) << outcome.message;
+            EXPECT_TRUE(bytes(one) == bytes(many)) << page << threads;
+        }
+    }
+    ExpectOneLine(Host(Quoted(Corpus("tiling.pdf")) + " --pages 1 --threads 2"), "--jobs");
+    ExpectOneLine(Host(Quoted(Corpus("tiling.pdf")) + " --threads 0"), "number of threads");
+}
+
 TEST(PdfPage, WritesARangeOfPagesAsAFolder) {
     const std::filesystem::path folder = OutputFolder() / "range";
     std::filesystem::remove_all(folder);

@@ -115,15 +115,20 @@ template <> struct Reader<GXLayerDesc> {
 template <class T> class Slot {
 public:
     template <class Objects> Slot(ByteReader& in, Objects& objects) {
-        if constexpr (std::is_pointer_v<T>)
-            m_value = objects.Find(in.Count(), T{});
-        else
+        if constexpr (std::is_pointer_v<T>) {
+            m_reference = in.Count();
+            m_value = objects.Find(m_reference, T{});
+        } else {
             m_value = Reader<T>::Get(in);
+        }
     }
     T Get() const noexcept { return m_value; }
+    // Of an object: what stands in the file.
+    uint64_t Reference() const noexcept { return m_reference; }
 
 private:
     T m_value{};
+    uint64_t m_reference = 0;
 };
 
 template <class T> class Slot<const T*> {

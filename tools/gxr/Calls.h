@@ -13,8 +13,13 @@ namespace Gxr {
 
 class Calls {
 public:
+    // Whether calls draw at once, or are only noted, to be played later: they are made all the same, so that the
+    // library checks their arguments and keeps its state, but under a clip that lets nothing through.
+    enum class Drawing { Now, Later };
+
     // The recorder outlives this object.
-    explicit Calls(Recorder* recorder = nullptr) noexcept : m_recorder(recorder) {}
+    explicit Calls(Recorder* recorder = nullptr, Drawing drawing = Drawing::Now) noexcept
+        : m_recorder(recorder), m_drawing(drawing) {}
 
     // The first target is the page.
     GXResult CreateRenderTargetBitmap(GXBitmap bitmap, GXRenderTarget* out) const noexcept {
@@ -90,10 +95,16 @@ private:
     template <class... P>
     GXResult Run(Op op, GXResult (*call)(GXRenderTarget, P...) noexcept, GXRenderTarget target,
                  std::type_identity_t<P>... arguments) const noexcept {
-        return Noted(call(target, arguments...), [&](Recorder& r) { r.Command<P...>(op, target, arguments...); });
+        const GXResult result = call(target, arguments...);
+        if (op == Op::BeginPaint && m_drawing == Drawing::Later && result == GXResultSuccess) {
+            const GXRect nothing{0, 0, 0, 0};
+            GXRenderTargetClipRect(target, &nothing);
+        }
+        return Noted(result, [&](Recorder& r) { r.Command<P...>(op, target, arguments...); });
     }
 
     Recorder* m_recorder;
+    Drawing m_drawing;
 };
 
 } // namespace Gxr

@@ -2,6 +2,8 @@
 // The commands of a recording.
 #include "Interpreter.h"
 
+#include "Matrix.h"
+
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -10,42 +12,67 @@
 namespace Gxr {
 namespace {
 
-GXMatrix Multiply(const GXMatrix& first, const GXMatrix& then) {
-    return {first.m00 * then.m00 + first.m01 * then.m10,
-            first.m00 * then.m01 + first.m01 * then.m11,
-            first.m10 * then.m00 + first.m11 * then.m10,
-            first.m10 * then.m01 + first.m11 * then.m11,
-            first.m20 * then.m00 + first.m21 * then.m10 + then.m20,
-            first.m20 * then.m01 + first.m21 * then.m11 + then.m21};
-}
-
-bool IsIdentity(const GXMatrix& m) {
-    return m.m00 == 1 && m.m01 == 0 && m.m10 == 0 && m.m11 == 1 && m.m20 == 0 && m.m21 == 0;
+// Says something about certain rows alone: not needed where none of them is drawn.
+bool HasPlace(Op op) {
+    switch (op) {
+    case Op::Clear:
+    case Op::FillGeometry:
+    case Op::FillTextGeometry:
+    case Op::FillRect:
+    case Op::FillEllipse:
+    case Op::StrokeGeometry:
+    case Op::StrokeLine:
+    case Op::StrokeRect:
+    case Op::StrokeEllipse:
+    case Op::ClipGeometry:
+    case Op::ClipRect:
+    case Op::ClipEllipse:
+    case Op::DrawBitmap:
+    case Op::StretchBitmap:
+    case Op::DrawGradient:
+    case Op::FillMask:
+    case Op::InvertRect:
+    case Op::InvertLine:
+    case Op::FillText:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
 
-void Interpreter::Run(GXRenderTarget page, float scale, const Paper* paper) {
-    if (!(scale > 0.0f) || !std::isfinite(scale))
-        throw Error("the scale is not above 0");
+void Interpreter::Start(float scale) {
     m_scale = scale;
-    m_paper = paper;
-    m_filled = false;
+    m_playing = m_filled = false;
+    m_watcher = nullptr;
+    m_paper = nullptr;
+    m_band = nullptr;
     m_surfaces.clear();
     m_surfaceBrushes.clear();
     m_selected = 0;
     m_livePixels = 0;
-    m_layers = m_states = 0;
-    Surface& first = m_surfaces.emplace_back();
-    first.alive = true;
+    m_layers = m_states = m_calls = 0;
+    Surface& page = m_surfaces.emplace_back();
+    page.alive = true;
+    page.width = Page().width;
+    page.height = Page().height;
+}
+
+void Interpreter::Run(GXRenderTarget page, float scale, const Paper* paper, const Band* band) {
+    if (!(scale > 0.0f) || !std::isfinite(scale))
+        throw Error("the scale is not above 0");
+    Start(scale);
+    m_playing = m_objects->AreLive();
+    m_paper = paper;
+    m_band = band;
+    Surface& first = m_surfaces.front();
     first.target = page;
-    first.width = m_page.width;
-    first.height = m_page.height;
-    if (m_live)
-        Check(GXRenderTargetGetCTM(page, &first.base), "GXRenderTargetGetCTM");
+    if (m_playing)
+        CheckResult(GXRenderTargetGetCTM(page, &first.base), "GXRenderTargetGetCTM");
     first.base = Multiply({scale, 0, 0, scale, 0, 0}, first.base);
     try {
-        Commands(ByteReader(m_body.data() + m_commandsAt, m_body.size() - m_commandsAt));
+        Commands(m_objects->Commands());
     } catch (...) {
         StopPainting();
         throw;
@@ -55,9 +82,15 @@ void Interpreter::Run(GXRenderTarget page, float scale, const Paper* paper) {
     m_surfaces.clear();
 }
 
+void Interpreter::Watch(CommandWatcher& watcher) {
+    Start(1.0f);
+    m_watcher = &watcher;
+    Commands(m_objects->Commands());
+}
+
 void Interpreter::StopPainting() noexcept {
     for (Surface& surface : m_surfaces) {
-        if (m_live && surface.painting)
+        if (m_playing && surface.painting)
             GXRenderTargetEndPaint(surface.target);
         surface.painting = false;
     }
@@ -109,7 +142,7 @@ Interpreter::Surface& Interpreter::SurfaceAt(uint64_t number) {
 
 GXBitmap Interpreter::Find(uint64_t reference, GXBitmap) const {
     if (reference % 2 != kOfSurface)
-        return At(m_bitmaps, reference / 2);
+        return m_objects->Bitmap(reference / 2);
     const uint64_t number = reference / 2;
     // The page has no bitmap of its own.
     if (number == 0 || number >= m_surfaces.size() || !m_surfaces[static_cast<size_t>(number)].alive)
@@ -121,7 +154,7 @@ GXBitmap Interpreter::Find(uint64_t reference, GXBitmap) const {
 
 GXBrush Interpreter::Find(uint64_t reference, GXBrush) const {
     if (reference % 2 != kOfSurface)
-        return At(m_brushes, reference / 2);
+        return m_objects->Brush(reference / 2);
     const uint64_t index = reference / 2 - 1;
     if (reference / 2 == 0 || index >= m_surfaceBrushes.size() ||
         !m_surfaces[m_surfaceBrushes[static_cast<size_t>(index)].surface].alive)
@@ -133,22 +166,28 @@ void Interpreter::NewSurface(ByteReader& in) {
     const PageInfo info = ReadSize(in);
     const uint64_t pixels = uint64_t{info.width} * info.height;
     m_livePixels += pixels;
-    if (m_livePixels > kMaxLivePages * m_page.width * m_page.height)
+    if (m_livePixels > kMaxLivePages * Page().width * Page().height)
         throw Error("the recording keeps too many surfaces at a time");
     Surface& surface = m_surfaces.emplace_back();
     surface.alive = true;
     surface.width = info.width;
     surface.height = info.height;
     surface.base = {m_scale, 0, 0, m_scale, 0, 0};
-    if (!m_live)
+    if (m_watcher != nullptr)
+        m_watcher->OnSurface(info.width, info.height);
+    if (!m_playing)
         return;
     const auto scaled = [&](uint32_t side) {
         return m_scale == 1.0f ? side : static_cast<uint32_t>(std::ceil(static_cast<double>(side) * m_scale));
     };
     const GXBitmapDesc desc{scaled(info.width), scaled(info.height), info.format, info.dpiX, info.dpiY};
-    Check(GXCreateBitmap(&desc, surface.bitmap.Out()), "GXCreateBitmap");
-    Check(GXBitmapColorFill(surface.bitmap.Get(), nullptr, 0), "GXBitmapColorFill");
-    Check(GXCreateRenderTargetBitmap(surface.bitmap.Get(), surface.owned.Out()), "GXCreateRenderTargetBitmap");
+    CheckResult(GXCreateBitmap(&desc, surface.bitmap.Out()), "GXCreateBitmap");
+    // Rows beside the band are neither drawn nor looked at.
+    const Rows rows = RowsOf(surface);
+    const GXIntRect seen{0, rows.top, static_cast<int32_t>(desc.width),
+                         std::min(rows.bottom, static_cast<int32_t>(desc.height))};
+    CheckResult(GXBitmapColorFill(surface.bitmap.Get(), &seen, 0), "GXBitmapColorFill");
+    CheckResult(GXCreateRenderTargetBitmap(surface.bitmap.Get(), surface.owned.Out()), "GXCreateRenderTargetBitmap");
     surface.target = surface.owned.Get();
 }
 
@@ -176,7 +215,9 @@ void Interpreter::NewSurfaceBrush(ByteReader& in) {
     const Slot<const GXMatrix*> matrix(in);
     SurfaceBrush& brush = m_surfaceBrushes.emplace_back();
     brush.surface = static_cast<uint32_t>(number);
-    if (!m_live)
+    if (m_watcher != nullptr)
+        m_watcher->OnSurfaceBrush(brush.surface, options.Get(), matrix.Get());
+    if (!m_playing)
         return;
     const GXMatrix* place = matrix.Get();
     GXMatrix shrunk{1.0f / m_scale, 0, 0, 1.0f / m_scale, 0, 0};
@@ -185,35 +226,44 @@ void Interpreter::NewSurfaceBrush(ByteReader& in) {
             shrunk = Multiply(shrunk, *place);
         place = &shrunk;
     }
-    Check(GXCreateBrushBitmap(bitmap, opacity, options.Get(), place, brush.brush.Out()), "GXCreateBrushBitmap");
+    CheckResult(GXCreateBrushBitmap(bitmap, opacity, options.Get(), place, brush.brush.Out()), "GXCreateBrushBitmap");
 }
 
 void Interpreter::SetSurfacePixels(ByteReader& in) {
     Surface& surface = SurfaceAt(in.Count());
-    const GXBitmap source = At(m_bitmaps, in.Count());
+    const GXBitmap source = m_objects->Bitmap(in.Count());
     if (surface.painting || &surface == m_surfaces.data())
         throw Error("the recording changes a surface that is in use");
-    if (!m_live)
+    if (!m_playing)
         return;
     if (m_scale == 1.0f) {
-        Check(GXBitmapCopyFromBitmap(surface.bitmap.Get(), nullptr, source, nullptr), "GXBitmapCopyFromBitmap");
+        CheckResult(GXBitmapCopyFromBitmap(surface.bitmap.Get(), nullptr, source, nullptr), "GXBitmapCopyFromBitmap");
         return;
     }
     const GXRect whole{0, 0, static_cast<float>(surface.width) * m_scale, static_cast<float>(surface.height) * m_scale};
-    Check(GXRenderTargetBeginPaint(surface.target), "GXRenderTargetBeginPaint");
+    CheckResult(GXRenderTargetBeginPaint(surface.target), "GXRenderTargetBeginPaint");
     surface.painting = true; // ended also on the way out of a failure
-    Check(GXRenderTargetClear(surface.target, 0), "GXRenderTargetClear");
-    Check(GXRenderTargetStretchBitmap(surface.target, source, &whole, nullptr, 1.0f, GXInterpolationLinear),
-          "GXRenderTargetStretchBitmap");
+    CheckResult(GXRenderTargetClear(surface.target, 0), "GXRenderTargetClear");
+    CheckResult(GXRenderTargetStretchBitmap(surface.target, source, &whole, nullptr, 1.0f, GXInterpolationLinear),
+                "GXRenderTargetStretchBitmap");
     surface.painting = false;
-    Check(GXRenderTargetEndPaint(surface.target), "GXRenderTargetEndPaint");
+    CheckResult(GXRenderTargetEndPaint(surface.target), "GXRenderTargetEndPaint");
 }
 
 template <class... P>
 void Interpreter::TargetCall(Op op, ByteReader& in, GXResult (*call)(GXRenderTarget, P...) noexcept) {
     const std::tuple<Slot<P>...> arguments{Slot<P>(in, *this)...};
     Surface& surface = SurfaceAt(m_selected);
-    if (m_live) {
+    if (m_watcher != nullptr) {
+        SeenCall seen;
+        seen.op = op;
+        seen.surface = m_selected;
+        std::apply([&](const auto&... argument) { (seen.Add(argument), ...); }, arguments);
+        m_watcher->OnCall(seen);
+    }
+    const bool hidden = IsHidden(op, surface);
+    ++m_calls;
+    if (m_playing && !hidden) {
         Place(surface);
         const GXResult result = std::apply(
             [&](const auto&... argument) {
@@ -224,7 +274,7 @@ void Interpreter::TargetCall(Op op, ByteReader& in, GXResult (*call)(GXRenderTar
                 return call(surface.target, argument.Get()...);
             },
             arguments);
-        Check(result, OpName(op));
+        CheckResult(result, OpName(op));
     }
     Follow(op, surface);
 }
@@ -235,7 +285,7 @@ void Interpreter::Place(Surface& surface) {
         return;
     surface.placed = true;
     if (!IsIdentity(surface.base))
-        Check(GXRenderTargetSetCTM(surface.target, &surface.base), "GXRenderTargetSetCTM");
+        CheckResult(GXRenderTargetSetCTM(surface.target, &surface.base), "GXRenderTargetSetCTM");
 }
 
 GXResult Interpreter::SetMatrix(const Surface& surface, const GXMatrix* matrix) const {
@@ -249,12 +299,34 @@ GXResult Interpreter::SetMatrix(const Surface& surface, const GXMatrix* matrix) 
 void Interpreter::LayPaper(const Surface& surface) {
     const bool fill = !std::exchange(m_filled, true);
     if (fill)
-        Check(GXRenderTargetClear(surface.target, m_paper->around), "GXRenderTargetClear");
-    Check(GXRenderTargetSetCTM(surface.target, nullptr), "GXRenderTargetSetCTM");
-    Check(GXRenderTargetClipRect(surface.target, &m_paper->area), "GXRenderTargetClipRect");
+        CheckResult(GXRenderTargetClear(surface.target, m_paper->around), "GXRenderTargetClear");
+    CheckResult(GXRenderTargetSetCTM(surface.target, nullptr), "GXRenderTargetSetCTM");
+    CheckResult(GXRenderTargetClipRect(surface.target, &m_paper->area), "GXRenderTargetClipRect");
     if (fill)
-        Check(GXRenderTargetClear(surface.target, m_paper->color), "GXRenderTargetClear");
-    Check(GXRenderTargetSetCTM(surface.target, &surface.base), "GXRenderTargetSetCTM");
+        CheckResult(GXRenderTargetClear(surface.target, m_paper->color), "GXRenderTargetClear");
+    CheckResult(GXRenderTargetSetCTM(surface.target, &surface.base), "GXRenderTargetSetCTM");
+}
+
+// All rows without a band, of surfaces of any height.
+Rows Interpreter::RowsOf(const Surface& surface) const {
+    const auto number = static_cast<size_t>(&surface - m_surfaces.data());
+    return m_band != nullptr ? m_band->surfaces[number] : Rows{0, INT32_MAX};
+}
+
+// The matrix may have been set before painting began.
+void Interpreter::ClipToBand(const Surface& surface) {
+    const Rows rows = RowsOf(surface);
+    const GXRect box{-1.0f, static_cast<float>(rows.top), static_cast<float>(2 * kMaxSide),
+                     static_cast<float>(rows.bottom)};
+    GXMatrix matrix;
+    CheckResult(GXRenderTargetGetCTM(surface.target, &matrix), "GXRenderTargetGetCTM");
+    CheckResult(GXRenderTargetSetCTM(surface.target, nullptr), "GXRenderTargetSetCTM");
+    CheckResult(GXRenderTargetClipRect(surface.target, &box), "GXRenderTargetClipRect");
+    CheckResult(GXRenderTargetSetCTM(surface.target, &matrix), "GXRenderTargetSetCTM");
+}
+
+bool Interpreter::IsHidden(Op op, const Surface& surface) const {
+    return m_band != nullptr && HasPlace(op) && !(*m_band->calls)[m_calls].Meets(RowsOf(surface));
 }
 
 void Interpreter::Follow(Op op, Surface& surface) {
@@ -272,7 +344,9 @@ void Interpreter::Follow(Op op, Surface& surface) {
         if (surface.painting)
             throw Error("the recording begins to paint twice");
         surface.painting = true;
-        if (m_live && &surface == m_surfaces.data() && m_paper != nullptr)
+        if (m_playing && m_band != nullptr)
+            ClipToBand(surface);
+        if (m_playing && &surface == m_surfaces.data() && m_paper != nullptr)
             LayPaper(surface);
         break;
     case Op::EndPaint:

@@ -4,16 +4,12 @@
 // played that was not checked.
 #pragma once
 
-#include "Arguments.h"
-#include "Handle.h"
+#include "Band.h"
+#include "SeenCall.h"
+
+#include <memory>
 
 namespace Gxr {
-
-struct PageInfo {
-    uint32_t width = 0, height = 0;
-    GXPixelFormat format = 0;
-    float dpiX = 96.0f, dpiY = 96.0f;
-};
 
 // What a page is drawn on: an area of the target, in its pixels, in one colour, which nothing is drawn beside, and the
 // colour of all the rest. Colours as GXRenderTargetClear takes them.
@@ -25,22 +21,26 @@ struct Paper {
 class Interpreter {
 public:
     // Reads page and objects; with `live` the objects are made. The body outlives this object. Throws Error.
-    Interpreter(const Bytes& body, bool live);
+    Interpreter(const Bytes& body, bool live) : Interpreter(std::make_shared<const Objects>(body, live)) {}
+    // Shares the objects with others.
+    explicit Interpreter(std::shared_ptr<const Objects> objects) : m_objects(std::move(objects)) {}
 
-    const PageInfo& Page() const noexcept { return m_page; }
-    // Checks all commands, or, when live, plays them: `page` is not being painted on, and is not afterwards.
-    // With `paper` the target is filled when painting on the page begins for the first time.
-    void Run(GXRenderTarget page, float scale, const Paper* paper = nullptr);
+    const PageInfo& Page() const noexcept { return m_objects->Page(); }
+    // Plays all commands: `page` is not being painted on, and is not afterwards. Checks them when the objects are not
+    // live. With `paper` the target is filled when painting on the page begins for the first time; with `band` nothing
+    // else is drawn than what it has of each surface.
+    void Run(GXRenderTarget page, float scale, const Paper* paper = nullptr, const Band* band = nullptr);
+    // Tells the watcher of all commands and plays none.
+    void Watch(CommandWatcher& watcher);
 
     // For the arguments of commands.
-    GXGeometry Find(uint64_t number, GXGeometry) const { return At(m_geometries, number); }
-    GXGradient Find(uint64_t number, GXGradient) const { return At(m_gradients, number); }
-    GXFontFace Find(uint64_t number, GXFontFace) const { return At(m_faces, number); }
+    GXGeometry Find(uint64_t number, GXGeometry) const { return m_objects->Geometry(number); }
+    GXGradient Find(uint64_t number, GXGradient) const { return m_objects->Gradient(number); }
+    GXFontFace Find(uint64_t number, GXFontFace) const { return m_objects->FontFace(number); }
     GXBitmap Find(uint64_t reference, GXBitmap) const;
     GXBrush Find(uint64_t reference, GXBrush) const;
 
 private:
-    template <class H> using List = std::vector<Handle<H>>;
     struct Surface {
         Handle<GXBitmap> bitmap;
         Handle<GXRenderTarget> owned;
@@ -56,23 +56,7 @@ private:
         uint32_t surface = 0;
     };
 
-    // 0 is null; beyond the list throws.
-    template <class H> static H At(const List<H>& list, uint64_t number) {
-        if (number > list.size())
-            throw Error("the recording uses an object that is not there");
-        return number == 0 ? nullptr : list[static_cast<size_t>(number - 1)].Get();
-    }
-    static void Check(GXResult result, const char* what);
-
-    PageInfo ReadSize(ByteReader& in) const;
-    bool ReadObject(ByteReader& in);
-    void ReadGeometry(ByteReader& in);
-    void ReadPalette(ByteReader& in);
-    void ReadBitmap(ByteReader& in);
-    void ReadGradient(ByteReader& in, ObjectKind kind);
-    void ReadBrush(ByteReader& in, ObjectKind kind);
-    void ReadFontFace(ByteReader& in);
-
+    void Start(float scale);
     void Commands(ByteReader in);
     Surface& SurfaceAt(uint64_t number);
     void NewSurface(ByteReader& in);
@@ -85,22 +69,20 @@ private:
     void Place(Surface& surface);
     void Follow(Op op, Surface& surface);
     void LayPaper(const Surface& surface);
+    void ClipToBand(const Surface& surface);
+    Rows RowsOf(const Surface& surface) const;
+    bool IsHidden(Op op, const Surface& surface) const;
     GXResult SetMatrix(const Surface& surface, const GXMatrix* matrix) const;
 
-    const bool m_live;
-    PageInfo m_page;
-    size_t m_commandsAt = 0;
-    const Bytes& m_body;
-    List<GXGeometry> m_geometries;
-    List<GXPalette> m_palettes;
-    List<GXBitmap> m_bitmaps;
-    List<GXGradient> m_gradients;
-    List<GXFontFace> m_faces;
-    List<GXBrush> m_brushes;
+    std::shared_ptr<const Objects> m_objects;
 
     // While commands run.
     float m_scale = 1.0f;
+    bool m_playing = false;
+    CommandWatcher* m_watcher = nullptr;
     const Paper* m_paper = nullptr;
+    const Band* m_band = nullptr;
+    size_t m_calls = 0;    // on targets, made or left out so far
     bool m_filled = false; // with the paper
     std::vector<Surface> m_surfaces;
     std::vector<SurfaceBrush> m_surfaceBrushes;

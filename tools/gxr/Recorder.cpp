@@ -389,7 +389,9 @@ void Recorder::AfterCommand(Op op, Surface& surface) {
     }
 }
 
-Bytes Recorder::File() const {
+Bytes Recorder::File() const { return Pack(Body()); }
+
+Bytes Recorder::Body() const {
     if (!m_failure.empty())
         throw Error(m_failure);
     if (m_surfaces.empty())
@@ -400,7 +402,7 @@ Bytes Recorder::File() const {
     body.U8(static_cast<uint8_t>(ObjectKind::End));
     body.Append(m_commands);
     body.U8(static_cast<uint8_t>(Op::End));
-    return Pack(body.Get());
+    return body.Get();
 }
 
 } // namespace Gxr

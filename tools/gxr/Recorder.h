@@ -51,6 +51,8 @@ public:
 
     // The file so far. Throws Error when something could not be recorded.
     Bytes File() const;
+    // The same before it is packed, for Recording::FromBody.
+    Bytes Body() const;
 
 private:
     struct Surface {

@@ -7,7 +7,15 @@
 
 namespace Gxr {
 
-Recording::Recording(const Bytes& file) : m_body(Unpack(file.data(), file.size())) {
+Recording::Recording(const Bytes& file) : Recording(BodyTag(), Unpack(file.data(), file.size())) {}
+
+Recording Recording::FromBody(Bytes body) {
+    if (body.size() > kMaxBodyBytes)
+        throw Error("the page is too large for a recording");
+    return Recording(BodyTag(), std::move(body));
+}
+
+Recording::Recording(BodyTag, Bytes body) : m_body(std::move(body)) {
     Interpreter check(m_body, false);
     check.Run(nullptr, 1.0f);
     m_page = check.Page();

@@ -14,11 +14,16 @@ public:
     // Throw Error, in one line that says what is wrong with the file.
     explicit Recording(const Bytes& file);
     static Recording FromFile(const std::string& path);
+    // Of a body that was never packed (Recorder::Body).
+    static Recording FromBody(Bytes body);
 
     const PageInfo& Page() const noexcept { return m_page; }
     const Bytes& Body() const noexcept { return m_body; }
 
 private:
+    struct BodyTag {};
+    Recording(BodyTag, Bytes body);
+
     Bytes m_body;
     PageInfo m_page;
 };

@@ -12,6 +12,8 @@ namespace {
 
 // Plain arguments: file [page] [picture], or files where many pages are asked for.
 void Place(CommandLine& line, std::vector<std::string> plain) {
+    if (line.threads > 1 && (!line.worker.empty() || line.ManyPages() || line.Measures()))
+        throw Failure("--threads draws one page; --jobs draws many pages at a time");
     if (!line.worker.empty()) {
         if (!plain.empty() || line.ManyPages() || line.Measures() || line.resume)
             throw Failure("--worker takes its pages from the job server");
@@ -72,6 +74,8 @@ CommandLine CommandLine::Parse(const std::vector<std::string>& arguments) {
             line.pages = PageList::Parse(value());
         else if (argument == "--jobs")
             line.jobs = static_cast<unsigned>(Number(value(), 1, 10000, "number of jobs from 1 to 10000"));
+        else if (argument == "--threads")
+            line.threads = static_cast<unsigned>(Number(value(), 1, 1024, "number of threads from 1 to 1024"));
         else if (argument == "--resume")
             line.resume = true;
         else if (argument == "--timeout")
@@ -96,7 +100,7 @@ CommandLine CommandLine::Parse(const std::vector<std::string>& arguments) {
 }
 
 const char* CommandLine::Usage() noexcept {
-    return "usage: pdfpage file.pdf [page] [out.png] [--dpi N]\n"
+    return "usage: pdfpage file.pdf [page] [out.png] [--dpi N] [--threads N]\n"
            "       pdfpage file.pdf... --pages LIST --out folder [--jobs N] [--resume]\n"
            "       pdfpage file.pdf... --pages LIST --out folder --via host[:port] [--root folder]\n"
            "       pdfpage --worker host[:port] [--root folder] [--jobs N]\n"
@@ -106,7 +110,8 @@ const char* CommandLine::Usage() noexcept {
            "       --timeout S     seconds that a page may take\n"
            "       --max-memory M  megabytes that a page may take (also 512K, 2G)\n"
            "       --via, --worker, --root  through a Gearman job server, to workers that share the root folder\n"
-           "more:  --time N        draw N times, print milliseconds of the library and of MuPDF\n"
+           "more:  --threads N     draw one page by N threads, the same bytes\n"
+           "       --time N        draw N times, print milliseconds of the library and of MuPDF\n"
            "       --peer x.png    write MuPDF's own rendering too\n"
            "       --record x.gxr  write the library calls of the page, for gxreplay\n"
            "       --verbose       print every diagnostic\n";

@@ -21,6 +21,7 @@ struct CommandLine {
     int page = 1;
     std::string picture, peer, record;
     int runs = 0;
+    unsigned threads = 1;
 
     // Many pages.
     std::optional<PageList> pages;

@@ -102,10 +102,10 @@ private:
 };
 
 // Draws the job into the stream in a process of its own.
-Outcome DrawAlone(const PageJob& job, std::FILE* stream, bool verbose) {
+Outcome DrawAlone(const PageJob& job, std::FILE* stream, const CommandLine& line) {
     ProcessPool pool;
     pool.Start(0, job.limits, [&]() -> std::string {
-        DrawPage(job, Descriptor(), stream, verbose);
+        DrawPage(job, Descriptor(), stream, line.verbose, line.threads);
         return "";
     });
     while (!StopSignals::Asked())
@@ -133,7 +133,7 @@ int DrawOnePage(const CommandLine& line) {
         const FilePointer stream(std::fopen(place.c_str(), "wb")); // a pipe or a device takes the bytes as they come
         if (!stream)
             throw Failure("cannot write '" + job.output + "': " + std::strerror(errno));
-        outcome = DrawAlone(job, stream.get(), line.verbose);
+        outcome = DrawAlone(job, stream.get(), line);
     } else {
         std::optional<Folder> folder;
         try {
@@ -142,7 +142,7 @@ int DrawOnePage(const CommandLine& line) {
             throw Failure("cannot write '" + job.output + "': " + failure.what());
         }
         NewFile picture(*folder, place.filename().string());
-        outcome = DrawAlone(job, picture.Stream(), line.verbose);
+        outcome = DrawAlone(job, picture.Stream(), line);
         written = outcome.kind != Outcome::Kind::Done || picture.Publish(false);
     }
     std::fputs(outcome.said.c_str(), stderr);

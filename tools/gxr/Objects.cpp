@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The objects of a recording.
-#include "Interpreter.h"
+#include "Objects.h"
 
 namespace Gxr {
 namespace {
@@ -29,12 +28,12 @@ size_t PointsOf(uint8_t verb) {
 
 } // namespace
 
-void Interpreter::Check(GXResult result, const char* what) {
+void CheckResult(GXResult result, const char* what) {
     if (result != GXResultSuccess)
         throw Error(std::string(what) + " failed with result " + std::to_string(result));
 }
 
-Interpreter::Interpreter(const Bytes& body, bool live) : m_live(live), m_body(body) {
+Objects::Objects(const Bytes& body, bool live) : m_live(live), m_body(body) {
     ByteReader in(body.data(), body.size());
     m_page = ReadSize(in);
     if (uint64_t{m_page.width} * m_page.height > kMaxPagePixels)
@@ -45,7 +44,7 @@ Interpreter::Interpreter(const Bytes& body, bool live) : m_live(live), m_body(bo
     m_commandsAt = body.size() - in.Left();
 }
 
-PageInfo Interpreter::ReadSize(ByteReader& in) const {
+PageInfo ReadSize(ByteReader& in) {
     PageInfo info;
     info.width = in.U32();
     info.height = in.U32();
@@ -58,7 +57,7 @@ PageInfo Interpreter::ReadSize(ByteReader& in) const {
     return info;
 }
 
-bool Interpreter::ReadObject(ByteReader& in) {
+bool Objects::ReadObject(ByteReader& in) {
     const auto kind = static_cast<ObjectKind>(in.U8());
     switch (kind) {
     case ObjectKind::End:
@@ -92,47 +91,49 @@ bool Interpreter::ReadObject(ByteReader& in) {
     return true;
 }
 
-void Interpreter::ReadGeometry(ByteReader& in) {
+void Objects::ReadGeometry(ByteReader& in) {
     Handle<GXGeometry>& geometry = m_geometries.emplace_back();
+    uint64_t& pointCount = m_pointCounts.emplace_back();
     const uint32_t fillRule = in.U32();
     const size_t count = in.Things(1);
     const uint8_t* const verbs = in.Raw(count);
     uint64_t points = 0;
     for (size_t i = 0; i < count; ++i)
         points += PointsOf(verbs[i]);
+    pointCount = points;
     if (points > in.Left() / sizeof(GXPoint))
         throw Error("the recording ends too early");
     if (!m_live) {
         in.Raw(points * sizeof(GXPoint));
         return;
     }
-    Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry");
-    Check(GXGeometrySetFillRule(geometry.Get(), fillRule), "GXGeometrySetFillRule");
+    CheckResult(GXCreateGeometry(geometry.Out()), "GXCreateGeometry");
+    CheckResult(GXGeometrySetFillRule(geometry.Get(), fillRule), "GXGeometrySetFillRule");
     for (size_t i = 0; i < count; ++i) {
         GXPoint p[3];
         for (size_t k = 0; k < PointsOf(verbs[i]); ++k)
             p[k] = Reader<GXPoint>::Get(in);
         switch (verbs[i]) {
         case 'M':
-            Check(GXGeometryBeginFigure(geometry.Get(), p), "GXGeometryBeginFigure");
+            CheckResult(GXGeometryBeginFigure(geometry.Get(), p), "GXGeometryBeginFigure");
             break;
         case 'L':
-            Check(GXGeometryLineTo(geometry.Get(), p), "GXGeometryLineTo");
+            CheckResult(GXGeometryLineTo(geometry.Get(), p), "GXGeometryLineTo");
             break;
         case 'C':
-            Check(GXGeometryCubicCurveTo(geometry.Get(), p, p + 1, p + 2), "GXGeometryCubicCurveTo");
+            CheckResult(GXGeometryCubicCurveTo(geometry.Get(), p, p + 1, p + 2), "GXGeometryCubicCurveTo");
             break;
         case 'E':
-            Check(GXGeometryEndFigure(geometry.Get()), "GXGeometryEndFigure");
+            CheckResult(GXGeometryEndFigure(geometry.Get()), "GXGeometryEndFigure");
             break;
         default:
-            Check(GXGeometryEndFigureClose(geometry.Get()), "GXGeometryEndFigureClose");
+            CheckResult(GXGeometryEndFigureClose(geometry.Get()), "GXGeometryEndFigureClose");
             break;
         }
     }
 }
 
-void Interpreter::ReadPalette(ByteReader& in) {
+void Objects::ReadPalette(ByteReader& in) {
     std::vector<uint32_t> colors(in.Things(sizeof(uint32_t)));
     for (uint32_t& color : colors)
         color = in.U32();
@@ -140,10 +141,10 @@ void Interpreter::ReadPalette(ByteReader& in) {
         throw Error("the recording holds a palette without colours");
     Handle<GXPalette>& palette = m_palettes.emplace_back();
     if (m_live)
-        Check(GXCreatePalette(colors.data(), colors.size(), palette.Out()), "GXCreatePalette");
+        CheckResult(GXCreatePalette(colors.data(), colors.size(), palette.Out()), "GXCreatePalette");
 }
 
-void Interpreter::ReadBitmap(ByteReader& in) {
+void Objects::ReadBitmap(ByteReader& in) {
     GXBitmapDesc desc{};
     desc.width = in.U32();
     desc.height = in.U32();
@@ -159,16 +160,16 @@ void Interpreter::ReadBitmap(ByteReader& in) {
     Handle<GXBitmap>& bitmap = m_bitmaps.emplace_back();
     if (!m_live)
         return;
-    Check(GXCreateBitmap(&desc, bitmap.Out()), "GXCreateBitmap");
+    CheckResult(GXCreateBitmap(&desc, bitmap.Out()), "GXCreateBitmap");
     // The library only reads them.
     const GXBitmapData data{const_cast<uint8_t*>(pixels), static_cast<uint32_t>(rowBytes),
                             static_cast<uint32_t>(rowBytes)};
-    Check(GXBitmapCopyFromMemory(bitmap.Get(), nullptr, &data), "GXBitmapCopyFromMemory");
+    CheckResult(GXBitmapCopyFromMemory(bitmap.Get(), nullptr, &data), "GXBitmapCopyFromMemory");
     if (palette != nullptr)
-        Check(GXBitmapSetPalette(bitmap.Get(), palette), "GXBitmapSetPalette");
+        CheckResult(GXBitmapSetPalette(bitmap.Get(), palette), "GXBitmapSetPalette");
 }
 
-void Interpreter::ReadGradient(ByteReader& in, ObjectKind kind) {
+void Objects::ReadGradient(ByteReader& in, ObjectKind kind) {
     Handle<GXGradient>& gradient = m_gradients.emplace_back();
     if (kind == ObjectKind::MeshGradient) {
         std::vector<GXTriMeshVertex> vertices(in.Things(sizeof(GXTriMeshVertex)));
@@ -178,8 +179,8 @@ void Interpreter::ReadGradient(ByteReader& in, ObjectKind kind) {
         if (vertices.empty())
             throw Error("the recording holds a mesh without triangles");
         if (m_live)
-            Check(GXCreateGradientTriMesh(vertices.data(), vertices.size(), background, gradient.Out()),
-                  "GXCreateGradientTriMesh");
+            CheckResult(GXCreateGradientTriMesh(vertices.data(), vertices.size(), background, gradient.Out()),
+                        "GXCreateGradientTriMesh");
         return;
     }
     const std::vector<GXGradientStop> stops = ReadStops(in);
@@ -197,48 +198,49 @@ void Interpreter::ReadGradient(ByteReader& in, ObjectKind kind) {
     if (!m_live)
         return;
     if (radial) {
-        Check(GXCreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
+        CheckResult(GXCreateGradientRadial(&desc, gradient.Out()), "GXCreateGradientRadial");
         return;
     }
     const GXLinearGradientDesc linear{desc.stops,       desc.stopCount, desc.startCenter, desc.endCenter,
                                       desc.extendStart, desc.extendEnd, desc.background};
-    Check(GXCreateGradientLinear(&linear, gradient.Out()), "GXCreateGradientLinear");
+    CheckResult(GXCreateGradientLinear(&linear, gradient.Out()), "GXCreateGradientLinear");
 }
 
-void Interpreter::ReadBrush(ByteReader& in, ObjectKind kind) {
+void Objects::ReadBrush(ByteReader& in, ObjectKind kind) {
     Handle<GXBrush>& brush = m_brushes.emplace_back();
+    m_brushKinds.push_back(kind);
     if (kind == ObjectKind::SolidBrush) {
         const auto color = Reader<GXColor>::Get(in);
         if (m_live)
-            Check(GXCreateBrushSolid(&color, brush.Out()), "GXCreateBrushSolid");
+            CheckResult(GXCreateBrushSolid(&color, brush.Out()), "GXCreateBrushSolid");
     } else if (kind == ObjectKind::SolidBrushARGB) {
         const uint32_t argb = in.U32();
         if (m_live)
-            Check(GXCreateBrushSolidARGB(argb, brush.Out()), "GXCreateBrushSolidARGB");
+            CheckResult(GXCreateBrushSolidARGB(argb, brush.Out()), "GXCreateBrushSolidARGB");
     } else if (kind == ObjectKind::GradientBrush) {
         const GXGradient gradient = At(m_gradients, in.Count());
         const float opacity = in.F32();
         const Slot<const GXMatrix*> matrix(in);
         if (m_live)
-            Check(GXCreateBrushGradient(gradient, opacity, matrix.Get(), brush.Out()), "GXCreateBrushGradient");
+            CheckResult(GXCreateBrushGradient(gradient, opacity, matrix.Get(), brush.Out()), "GXCreateBrushGradient");
     } else {
         const GXBitmap bitmap = At(m_bitmaps, in.Count());
         const float opacity = in.F32();
         const Slot<const GXBitmapBrushOptions*> options(in);
         const Slot<const GXMatrix*> matrix(in);
         if (m_live)
-            Check(GXCreateBrushBitmap(bitmap, opacity, options.Get(), matrix.Get(), brush.Out()),
-                  "GXCreateBrushBitmap");
+            CheckResult(GXCreateBrushBitmap(bitmap, opacity, options.Get(), matrix.Get(), brush.Out()),
+                        "GXCreateBrushBitmap");
     }
 }
 
-void Interpreter::ReadFontFace(ByteReader& in) {
+void Objects::ReadFontFace(ByteReader& in) {
     const Slot<const uint16_t*> name(in, *this);
     const uint32_t flags = in.U32();
     const float size = in.F32();
     Handle<GXFontFace>& face = m_faces.emplace_back();
     if (m_live)
-        Check(GXCreateFontFace(name.Get(), flags, size, face.Out()), "GXCreateFontFace");
+        CheckResult(GXCreateFontFace(name.Get(), flags, size, face.Out()), "GXCreateFontFace");
 }
 
 } // namespace Gxr
