@@ -15,7 +15,7 @@ constexpr double kEdgeMargin = 3.0;
 // Rows beside those that a band shows which interpolation may look at.
 constexpr double kSampleMargin = 3.0;
 
-// Nanoseconds, from pages of one kind of call each.
+// Nanoseconds, roughly: only how rows compare counts, and later drawings correct it by what bands took.
 constexpr double kCallCost = 300.0, kPointCost = 60.0, kStrokePointCost = 400.0;
 constexpr double kSolidPixel = 0.15, kMeshPixel = 1.5, kGradientPixel = 3.0, kBitmapPixel = 3.0;
 constexpr double kBlendPixel = 3.0, kMaskPixel = 1.0, kLayerPixel = 1.0, kEndLayerPixel = 2.0;

@@ -983,7 +983,8 @@ GX_API GXResult GXRenderTargetClipEllipse(GXRenderTarget renderTarget, const GXR
 
 /** Draws a bitmap with its top left at `origin` (null: 0, 0), one bitmap pixel to one user unit. Its rectangle is put
  * on whole pixels as a fill of it is; the samples stay where they are. `opacity` multiplies alpha, from 0 to 1;
- * `interpolation` is GXInterpolationNearest, Linear or Average. GXResultInvalidArgument when
+ * `interpolation` is GXInterpolationNearest, Linear or Average. The bitmap may be the one that is painted: whatever
+ * draws it (this call, brushes, masks) shows it as it was before the draw. GXResultInvalidArgument when
  * `renderTarget` or `bitmap` is null; GXResultEngineError: "Painting has not begun", "Unsupported soft mask type.",
  * "Not enough memory". GXResultUnexpectedError when the C++ allocator fails. */
 GX_API GXResult GXRenderTargetDrawBitmap(GXRenderTarget renderTarget, GXBitmap bitmap, const GXPoint* origin,
