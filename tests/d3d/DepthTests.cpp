@@ -17,13 +17,13 @@ struct Nest {
 };
 constexpr uint32_t kNothing = 0xFFFFFFFFU;
 
-void Draw(RenderTargetBase& t, const Rect& r, const Color& color, uint32_t mode) {
+void Draw(RenderTarget& t, const Rect& r, const Color& color, uint32_t mode) {
     const BasicFigure figure(BasicFigure::Kind::Rectangle, r);
     t.SetBlendMode(mode);
-    t.Fill({nullptr, &figure}, SolidBrush(color), false);
+    t.Fill(figure, SolidBrush(color));
 }
 
-void DrawNest(RenderTargetBase& t, const Nest& nest) {
+void DrawNest(RenderTarget& t, const Nest& nest) {
     t.Clear(0xFF6080A0U);
     for (int i = 0; i < nest.depth; ++i) {
         t.BeginLayer({{0, 0, 0, 0}, 1.0F, 0, nest.knockout});
@@ -46,7 +46,7 @@ protected:
 
     static DWORD WINAPI Run(void* job) {
         auto& j = *static_cast<Job*>(job);
-        j.pixels = OnHardware(kSide, kSide, [&](RenderTargetBase& t) { DrawNest(t, j.nest); });
+        j.pixels = OnHardware(kSide, kSide, [&](RenderTarget& t) { DrawNest(t, j.nest); });
         return 0;
     }
 };
@@ -67,7 +67,7 @@ TEST_F(DepthTest, ManyGroupsNeedLittleStack) {
             ASSERT_NE(thread, nullptr);
             ASSERT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
             CloseHandle(thread);
-            const std::vector<uint32_t> software = InSoftware(kSide, kSide, [&](RenderTargetBase& t) {
+            const std::vector<uint32_t> software = InSoftware(kSide, kSide, [&](RenderTarget& t) {
                 DrawNest(t, {3, knockout, eachMode});
             });
             EXPECT_LE(Compare(few.pixels, software, kSide).largest, 2);
