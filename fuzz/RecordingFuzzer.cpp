@@ -11,7 +11,7 @@ namespace {
 
 /// Of a page's sides when it is played.
 constexpr float kSide = 64;
-/// Objects and drawings cost what the bytes say, at most this often.
+/// Of a body: longer ones only cost time.
 constexpr size_t kMostBytes = 1U << 16;
 /// More than the rest of any command takes.
 constexpr size_t kMostZeros = 48;
