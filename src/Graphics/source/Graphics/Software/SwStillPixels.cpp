@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "../Pixels/PixelFormat.h"
+#include "../Scan/DeviceFigures.h"
 
 namespace Graphics {
 namespace {
@@ -59,17 +60,10 @@ PixelView CopyStillPixels(Arena& arena, const PixelView& view, const SwWrittenPi
                           bool all) {
     Range rows{0, view.height}, columns{0, view.width};
     if (!all) {
-        const IntRect& v = written.visible;
-        double x[2]{}, y[2]{};
-        for (int i = 0; i < 4; ++i) {
-            const double dx = i % 2 == 0 ? v.left : v.right, dy = i / 2 == 0 ? v.top : v.bottom;
-            const double u = toImage.m00 * dx + toImage.m10 * dy + toImage.m20;
-            const double w = toImage.m01 * dx + toImage.m11 * dy + toImage.m21;
-            x[0] = i == 0 ? u : std::min(x[0], u), x[1] = i == 0 ? u : std::max(x[1], u);
-            y[0] = i == 0 ? w : std::min(y[0], w), y[1] = i == 0 ? w : std::max(y[1], w);
-        }
-        rows = Shown(y[0], y[1], view.height);
-        columns = Shown(x[0], x[1], view.width);
+        // A pixel samples at its centre, half of it away from the box: no rounding reaches further.
+        const Rect box = MapBox(toImage, ToRect(written.visible));
+        rows = Shown(box.top, box.bottom, view.height);
+        columns = Shown(box.left, box.right, view.width);
     }
     // Memory for the whole image, of which the system gives only what is written.
     const size_t rowBytes = BytesTo(view, view.width);
