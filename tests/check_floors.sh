@@ -23,7 +23,8 @@ wrong_arrows() {
         }
         BEGIN {
             count = split("ground=0 Portable=1 Windows=1 Simd=1 Geometry=1 Pixels=1 Regions=1 Scan=2 Paint=2 Bitmaps=2 Text=2 Boolean=2 " \
-                          "Drawing=3 Software=4 Direct3D11=4 Gdiplus=4 Target=5 Interface=6", pairs, " ")
+                          "Kernels=2 " \
+                          "Drawing=3 Coverage=4 Sources=4 Software=5 Direct3D11=5 Gdiplus=5 Target=6 Interface=7", pairs, " ")
             for (i = 1; i <= count; ++i) {
                 split(pairs[i], pair, "=")
                 floor[pair[1]] = pair[2]
@@ -54,7 +55,7 @@ wrong_arrows() {
             else if (floor[to] > floor[from]) print where from " includes " name " of the higher floor " to
             # Software draws what hardware does not.
             else if (from == "Direct3D11" && to == "Software") next
-            else if (floor[from] == 4 && floor[to] == 4 && from != to) print where "back end " from " includes " name " of back end " to
+            else if (floor[from] == 5 && floor[to] == 5 && from != to) print where "back end " from " includes " name " of back end " to
         }'
 }
 

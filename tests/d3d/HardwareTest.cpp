@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "Exception.h"
-#include "Software/SwBitmapSurface.h"
+#include "Software/Surfaces/SwBitmapSurface.h"
 #include "Software/SwRenderTarget.h"
 
 namespace Graphics {

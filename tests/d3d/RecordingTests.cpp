@@ -5,7 +5,7 @@
 #include "Handles.h"
 #include "HardwareTest.h"
 #include "Recording.h"
-#include "Software/SwBitmapSurface.h"
+#include "Software/Surfaces/SwBitmapSurface.h"
 #include "Software/SwRenderTarget.h"
 #include "Target/RenderTarget.h"
 

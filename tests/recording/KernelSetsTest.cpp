@@ -4,10 +4,10 @@
 #include "RecordedPages.h"
 #include "Scenario.h"
 
+#include "Kernels/PaintKernels.h"
+#include "Kernels/RowKernels.h"
 #include "Pixels/PixelConversion.h"
 #include "Scan/BandKernels.h"
-#include "Software/Kernels/SwKernels.h"
-#include "Software/SwPaintKernels.h"
 
 #include <set>
 

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "Bitmaps/BitmapCache.h"
+#include "BitmapCache.h"
 
 using namespace Graphics;
 

@@ -9,8 +9,8 @@
 
 #include "Direct3D11/Shaders/D3D11CardModes.h"
 #include "Direct3D11/Shaders/D3D11ShaderModel.h"
-#include "Software/Kernels/SwKernels.h"
-#include "Software/SwPixelMath.h"
+#include "Kernels/RowKernels.h"
+#include "Pixels/PixelMath.h"
 
 using namespace Graphics;
 
@@ -27,7 +27,7 @@ namespace {
     const uint32_t source = PremultiplyPixel(opaque ? random() | 0xFF000000U : random());
     const auto coverage = static_cast<uint8_t>(covered ? 255 : random() % 256);
     uint32_t software = backdrop;
-    const SwKernels& kernels = ActiveKernels();
+    const RowKernels& kernels = ActiveKernels();
     (mode == 0 ? kernels.normalVarying : kernels.blend[mode])(&software, &source, &coverage, 1);
 
     D3D11ShaderModel::Inputs in{};

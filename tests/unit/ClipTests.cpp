@@ -7,15 +7,15 @@
 #include <random>
 #include <vector>
 
-#include "Software/SwClipBuilder.h"
+#include "Coverage/ClipBuilder.h"
 
 namespace Graphics {
 namespace {
 
 /// The longest run of 255 between the ends of the row, the first of equals, by looking at every column.
-SwClipRow Expected(const std::vector<uint8_t>& coverage, int32_t left) {
+ClipRow Expected(const std::vector<uint8_t>& coverage, int32_t left) {
     const auto size = static_cast<int32_t>(coverage.size());
-    SwClipRow row{};
+    ClipRow row{};
     int32_t length = 0;
     for (int32_t x = 0; x < size;) {
         int32_t end = x;
@@ -33,8 +33,8 @@ SwClipRow Expected(const std::vector<uint8_t>& coverage, int32_t left) {
 }
 
 /// The coverage that a masked clip has at a pixel.
-uint8_t CoverageAt(const SwClip& clip, int32_t x, int32_t y) {
-    const SwClipRow& row = clip.Row(y);
+uint8_t CoverageAt(const ClipRegion& clip, int32_t x, int32_t y) {
+    const ClipRow& row = clip.Row(y);
     if (x < row.begin || x >= row.end) {
         return 0;
     }
@@ -42,8 +42,8 @@ uint8_t CoverageAt(const SwClip& clip, int32_t x, int32_t y) {
 }
 
 /// Sends a row as the rasterizer does: some runs of one value, some of bytes, gaps where nothing is covered.
-SwClipRef Build(SwClipPool& pool, const SwClip* parent, std::vector<uint8_t> coverage, int32_t left, int32_t y,
-                std::mt19937& random) {
+ClipRef Build(ClipPool& pool, const ClipRegion* parent, std::vector<uint8_t> coverage, int32_t left, int32_t y,
+              std::mt19937& random) {
     const auto size = static_cast<int32_t>(coverage.size());
     std::vector<CoverageRun> runs;
     for (int32_t x = 0; x < size;) {
@@ -63,18 +63,18 @@ SwClipRef Build(SwClipPool& pool, const SwClip* parent, std::vector<uint8_t> cov
         }
         x = end;
     }
-    SwClipBuilder builder(pool, parent, {left, y, left + size, y + 1});
+    ClipBuilder builder(pool, parent, {left, y, left + size, y + 1});
     builder.Row(y, runs);
     return builder.Finish();
 }
 
 TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
     std::mt19937 random(1);
-    SwClipPool pool;
+    ClipPool pool;
     // Two stretches of equal length, as runs of one value and as bytes.
     const std::vector<uint8_t> twins = {9, 255, 255, 255, 7, 255, 255, 255, 9};
     for (int round = 0; round < 8; ++round) {
-        const SwClipRef clip = Build(pool, nullptr, twins, 3, 5, random);
+        const ClipRef clip = Build(pool, nullptr, twins, 3, 5, random);
         ASSERT_TRUE(clip->HasMask());
         ASSERT_EQ(clip->Row(5).fullBegin, 4) << "not the first of the equal stretches";
         ASSERT_EQ(clip->Row(5).fullEnd, 7);
@@ -86,9 +86,9 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
             c = static_cast<uint8_t>(random() % 4 == 0 ? random() % 255 : kind == 0 && random() % 3 == 0 ? 0 : 255);
         }
         coverage.front() = coverage.back() = 128; // so that the row's ends are known
-        const SwClipRef clip = Build(pool, nullptr, coverage, 2, 1, random);
-        const SwClipRow expected = Expected(coverage, 2);
-        const SwClipRow& row = clip->Row(1);
+        const ClipRef clip = Build(pool, nullptr, coverage, 2, 1, random);
+        const ClipRow expected = Expected(coverage, 2);
+        const ClipRow& row = clip->Row(1);
         ASSERT_LE(row.begin, 2) << round;
         ASSERT_GE(row.end, 2 + static_cast<int32_t>(coverage.size())) << round;
         ASSERT_EQ(row.fullEnd - row.fullBegin, expected.fullEnd - expected.fullBegin) << round;
@@ -104,7 +104,7 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
         for (uint8_t& c : second) {
             c = static_cast<uint8_t>(random() % 6 == 0 ? 1 + random() % 254 : 255);
         }
-        const SwClipRef inner = Build(pool, clip.get(), second, 2, 1, random);
+        const ClipRef inner = Build(pool, clip.get(), second, 2, 1, random);
         std::vector<uint8_t> product(coverage.size());
         for (size_t i = 0; i < product.size(); ++i) {
             const auto x = 2 + static_cast<int32_t>(i);
@@ -112,7 +112,7 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
             const int plain = coverage[i] * second[i];
             ASSERT_NEAR(product[i], plain / 255, 1) << round << " " << i;
         }
-        const SwClipRow best = Expected(product, 2);
+        const ClipRow best = Expected(product, 2);
         ASSERT_EQ(inner->Row(1).fullEnd - inner->Row(1).fullBegin, best.fullEnd - best.fullBegin) << round;
         if (best.fullEnd > best.fullBegin) {
             ASSERT_EQ(inner->Row(1).fullBegin, best.fullBegin) << round << ": not the first of the equal stretches";
@@ -122,15 +122,15 @@ TEST(Clip, OfEqualStretchesOfFullCoverageTheFirstSplitsTheSpans) {
 
 TEST(Clip, ARectangleInsideAMaskCutsItsRows) {
     std::mt19937 random(2);
-    SwClipPool pool;
+    ClipPool pool;
     const std::vector<uint8_t> coverage = {0, 50, 255, 255, 255, 255, 255, 90, 255, 30};
-    const SwClipRef parent = Build(pool, nullptr, coverage, 0, 0, random);
+    const ClipRef parent = Build(pool, nullptr, coverage, 0, 0, random);
     for (int32_t left = 0; left < 10; ++left) {
         for (int32_t right = left + 1; right <= 10; ++right) {
-            SwClipBuilder builder(pool, parent.get(), {0, 0, 10, 1});
+            ClipBuilder builder(pool, parent.get(), {0, 0, 10, 1});
             builder.Rectangle(left, 0, right, 1);
-            const SwClipRef clip = builder.Finish();
-            const SwClipRow& row = clip->Row(0);
+            const ClipRef clip = builder.Finish();
+            const ClipRow& row = clip->Row(0);
             SCOPED_TRACE(testing::Message() << left << " to " << right);
             const IntRect box = clip->Box(); // the rows may go beyond it: they are shared with the parent
             ASSERT_TRUE(box.left >= left && box.right <= right);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Bitmaps/Bitmap.h"
+#include "Coverage/GlyphCache.h"
 #include "Exception.h"
 #include "Geometry/DeviceFeed.h"
 #include "Geometry/Geometry.h"
@@ -17,7 +18,6 @@
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "Scan/SampleGrid.h"
-#include "Software/SwGlyphCache.h"
 #include "Target/RenderTarget.h"
 
 namespace Graphics {
@@ -116,7 +116,7 @@ public:
     /// What a cold start finds.
     void Forget() {
         m_target->EndPaint();
-        SwGlyphCache::DropWaiting();
+        GlyphCache::DropWaiting();
         m_target->BeginPaint();
     }
     [[nodiscard]] std::vector<uint32_t> Pixels() const {
@@ -289,12 +289,12 @@ TEST(GlyphCache, AnAddressUsedAgainIsAnotherGlyph) {
 
 TEST(GlyphCache, MemoryIsBoundedAndEvictedGlyphsComeBackTheSame) {
     Random random(6);
-    SwGlyphCache cache;
+    GlyphCache cache;
     Rasterizer rasterizer;
     Shapes glyphs;
     std::vector<std::vector<uint8_t>> first;
     const auto bytes = [&](const Geometry& glyph, int phase) {
-        SwGlyph found;
+        GlyphCoverage found;
         EXPECT_TRUE(cache.Find(glyph.GetShape(), kIdentity, {phase & 7, phase >> 3}, rasterizer, found));
         std::vector<uint8_t> out;
         for (int32_t y = 0; y < found.height; ++y) {
@@ -317,14 +317,14 @@ TEST(GlyphCache, MemoryIsBoundedAndEvictedGlyphsComeBackTheSame) {
                 }
                 ASSERT_EQ(now, first[at]) << "glyph " << i << " phase " << phase;
                 most = std::max(most, cache.BytesInUse());
-                ASSERT_LE(cache.BytesInUse(), SwGlyphCache::kMaxBytes);
+                ASSERT_LE(cache.BytesInUse(), GlyphCache::kMaxBytes);
             }
         }
     }
-    EXPECT_GT(most, SwGlyphCache::kMaxBytes / 2); // it was full
+    EXPECT_GT(most, GlyphCache::kMaxBytes / 2); // it was full
     // What is asked for all the time stays, whatever else comes and goes.
     const auto steady = RandomOutline(random, 30.0F);
-    SwGlyph found;
+    GlyphCoverage found;
     EXPECT_TRUE(cache.Find(steady->GetShape(), kIdentity, {3, 4}, rasterizer, found));
     const int64_t before = ProcessHeap::FailAfter(-1);
     for (int i = 0; i < 1000; ++i) {
@@ -371,19 +371,19 @@ TEST(GlyphCache, ThreadsShareGlyphsWithoutSeeingEachOther) {
 TEST(GlyphCache, WithoutMemoryForEntriesItStillDraws) {
     Random random(9);
     const auto glyph = RandomOutline(random, 30.0F);
-    SwGlyphCache reference;
+    GlyphCache reference;
     Rasterizer rasterizer;
-    SwGlyph found;
+    GlyphCoverage found;
     bool drawn = false;
     // Warm scratch memory, so that only the cache's own allocations are left to refuse.
-    SwGlyphCache cache;
+    GlyphCache cache;
     for (int phase = 0; phase < 8; ++phase) {
         ASSERT_TRUE(cache.Find(glyph->GetShape(), kIdentity, {phase, 0}, rasterizer, found));
         cache.Clear();
     }
     for (int64_t n = 0; n < 6; ++n) {
         for (int phase = 0; phase < 8; ++phase) {
-            SwGlyph expected;
+            GlyphCoverage expected;
             ASSERT_TRUE(reference.Find(glyph->GetShape(), kIdentity, {phase, 0}, rasterizer, expected));
             ProcessHeap::FailAfter(n);
             try {

@@ -9,10 +9,10 @@
 
 #include "Exception.h"
 #include "KernelSets.h"
+#include "Kernels/PaintKernels.h"
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "PaintSupport.h"
-#include "Software/SwPaintKernels.h"
 
 namespace {
 
@@ -142,7 +142,7 @@ TEST(GradientStops, KeepOrderOfEqualOffsetsAndLookUpTheFirst) {
 }
 
 TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
-    for (const auto& kernels : EveryKernelSet<SwPaintKernels>()) {
+    for (const auto& kernels : EveryKernelSet<PaintKernels>()) {
         for (int round = 0; round < 2000; ++round) {
             Scene scene;
             scene.Randomize();
@@ -175,7 +175,7 @@ TEST(GradientShade, EqualsThePlainLookupAtEveryOffsetAndLength) {
 TEST(GradientShade, IntervalsBelowAndAboveWhatAFactorHoldsAreDivided) {
     // 255 / length is infinite for the first ones and without bits for the last.
     const std::pair<float, float> intervals[] = {{0.0F, 1e-37F}, {0.0F, 3e-39F}, {0.25F, 0.25000003F}, {-3e38F, 3e37F}};
-    for (const auto& kernels : EveryKernelSet<SwPaintKernels>()) {
+    for (const auto& kernels : EveryKernelSet<PaintKernels>()) {
         for (const auto& [lower, upper] : intervals) {
             Scene scene;
             scene.stops = {{lower, 0xFF102030U}, {upper, 0x80F0E0D0U}};
@@ -200,7 +200,7 @@ TEST(GradientShade, IntervalsBelowAndAboveWhatAFactorHoldsAreDivided) {
 }
 
 TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
-    for (const auto& kernels : EveryKernelSet<SwPaintKernels>()) {
+    for (const auto& kernels : EveryKernelSet<PaintKernels>()) {
         for (int round = 0; round < 3000; ++round) {
             const float scales[] = {1e-30F, 1e-3F, 1.0F, 1000.0F, 3e7F, 1e38F};
             float v = Uniform(-1, 1) * scales[g_random() % 6];
@@ -239,7 +239,7 @@ TEST(Accumulation, EqualsRepeatedAdditionBitForBit) {
 TEST(LinearGradientSource, EqualsFormula) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE(round);
-        KernelTable<SwPaintKernels>::Select(round < 299 ? KernelSetOfRound<SwPaintKernels>(round).kernels : nullptr);
+        KernelTable<PaintKernels>::Select(round < 299 ? KernelSetOfRound<PaintKernels>(round).kernels : nullptr);
         Scene scene;
         scene.Randomize();
         const auto g = RandomGradient<LinearGradient>(scene);
@@ -289,7 +289,7 @@ TEST(LinearGradientSource, WhereStepsOverflowIsBeforeTheStart) {
 TEST(RadialGradientSource, EqualsFormula) {
     for (int round = 0; round < 300; ++round) {
         SCOPED_TRACE(round);
-        KernelTable<SwPaintKernels>::Select(round < 299 ? KernelSetOfRound<SwPaintKernels>(round).kernels : nullptr);
+        KernelTable<PaintKernels>::Select(round < 299 ? KernelSetOfRound<PaintKernels>(round).kernels : nullptr);
         Scene scene;
         scene.Randomize();
         const auto g = RandomGradient<RadialGradient>(scene);

@@ -14,15 +14,15 @@
 
 #include "../BlendOracle.h"
 #include "KernelSets.h"
-#include "Software/Kernels/SwKernels.h"
+#include "Kernels/RowKernels.h"
 
 namespace {
 
 using namespace BlendOracle;
 using Graphics::InstructionSet;
 using Graphics::KernelTable;
-using Graphics::SwKernels;
-using Graphics::SwLayerRow;
+using Graphics::LayerRowPlanes;
+using Graphics::RowKernels;
 
 class Source {
 public:
@@ -90,7 +90,7 @@ template <class T> struct Guarded {
 class KernelTest : public ::testing::TestWithParam<int> {
 protected:
     void SetUp() override {
-        m_kernels = KernelTable<SwKernels>::Of(static_cast<InstructionSet>(GetParam()));
+        m_kernels = KernelTable<RowKernels>::Of(static_cast<InstructionSet>(GetParam()));
         if (m_kernels == nullptr) {
             GTEST_SKIP() << "set " << GetParam() << " is not available";
         }
@@ -108,7 +108,7 @@ protected:
             }
         }
     }
-    const SwKernels* m_kernels = nullptr;
+    const RowKernels* m_kernels = nullptr;
 };
 
 /// Runs an in-place operation on pixels and compares each with f(pixel, index).
@@ -319,7 +319,7 @@ TEST_P(KernelTest, CompositesIntoAGroup) {
             const bool shaped = random.Number(4) != 0;
             Guarded<uint32_t> c(color, shift);
             Guarded<uint8_t> a(alpha, shift), g(groupShape, 16 - shift % 16);
-            const SwLayerRow row{c.Row(), a.Row(), g.Row(), isolated ? nullptr : b.Row(), knockout};
+            const LayerRowPlanes row{c.Row(), a.Row(), g.Row(), isolated ? nullptr : b.Row(), knockout};
             const auto kernel = mode < 0 ? m_kernels->layerNormal : m_kernels->layerBlend[mode];
             kernel(row, s.Row(), shaped ? f.Row() : nullptr, n);
             std::vector<uint32_t> colors(n);
@@ -415,14 +415,14 @@ std::string SetName(const ::testing::TestParamInfo<int>& set) {
 INSTANTIATE_TEST_SUITE_P(Sets, KernelTest, ::testing::Range(0, Graphics::kInstructionSetCount), SetName);
 
 TEST(KernelSelection, AnySetCanBeMadeActiveAndTheBestComesBack) {
-    const SwKernels* best = nullptr;
-    for (const auto& set : EveryKernelSet<SwKernels>()) {
-        KernelTable<SwKernels>::Select(set.kernels);
+    const RowKernels* best = nullptr;
+    for (const auto& set : EveryKernelSet<RowKernels>()) {
+        KernelTable<RowKernels>::Select(set.kernels);
         EXPECT_EQ(&Graphics::ActiveKernels(), set.kernels);
         EXPECT_NE(set.kernels, best) << set.name;
         best = set.kernels;
     }
-    KernelTable<SwKernels>::Select(nullptr);
+    KernelTable<RowKernels>::Select(nullptr);
     EXPECT_EQ(&Graphics::ActiveKernels(), best);
 }
 

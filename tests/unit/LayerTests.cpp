@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "Bitmaps/Bitmap.h"
+#include "Coverage/SpareBlock.h"
+#include "Kernels/RowKernels.h"
 #include "Paint/Brush.h"
 #include "ProcessHeap.h"
 #include "RefusingNew.h"
-#include "Software/Kernels/SwKernels.h"
-#include "Software/SwSpareBlock.h"
 #include "Target/RenderTarget.h"
 
 namespace Graphics {
@@ -30,7 +30,7 @@ struct Canvas {
         bitmap->ColorFill(nullptr, {0, 0, 0, 0});
         target = RenderTarget::ForBitmap(bitmap);
         target->BeginPaint();
-        SwSpareBlock::Drop(); // what other targets left
+        SpareBlock::Drop(); // what other targets left
     }
     [[nodiscard]] RenderTarget& Calls() const { return *target; }
     void Fill(const Rect& r, const Color& color) const {
@@ -193,8 +193,8 @@ TEST(LayerMemory, GroupsOfAllSizesHoldNoMoreThanWereOpenAtOnce) {
         ASSERT_LT(Held() - held, most + kKept) << edge;
     }
     canvas.target->EndPaint();
-    EXPECT_LT(Held() - held, kKept + static_cast<int64_t>(SwSpareBlock::kMostBytes));
-    SwSpareBlock::Drop();
+    EXPECT_LT(Held() - held, kKept + static_cast<int64_t>(SpareBlock::kMostBytes));
+    SpareBlock::Drop();
     EXPECT_LT(Held() - held, kKept);
 }
 
@@ -246,19 +246,19 @@ public:
             s_setOpaque += count;
             s_best->setOpaque(dst, shape, count);
         };
-        KernelTable<SwKernels>::Select(&m_table);
+        KernelTable<RowKernels>::Select(&m_table);
     }
     CountedKernels(const CountedKernels&) = delete;
     CountedKernels& operator=(const CountedKernels&) = delete;
-    ~CountedKernels() { KernelTable<SwKernels>::Select(nullptr); }
+    ~CountedKernels() { KernelTable<RowKernels>::Select(nullptr); }
 
     static inline size_t s_groupResult = 0;
     static inline size_t s_setOpaque = 0;
 
 private:
-    static inline const SwKernels* s_best = nullptr;
-    const SwKernels m_best;
-    SwKernels m_table;
+    static inline const RowKernels* s_best = nullptr;
+    const RowKernels m_best;
+    RowKernels m_table;
 };
 
 TEST(LayerWork, ALineInvertedInAGroupReachesItsPixels) {

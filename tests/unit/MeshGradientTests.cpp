@@ -5,10 +5,10 @@
 #include <cstring>
 
 #include "KernelSets.h"
+#include "Kernels/PaintKernels.h"
 #include "Paint/Brush.h"
 #include "Paint/Gradient.h"
 #include "PaintSupport.h"
-#include "Software/SwPaintKernels.h"
 
 namespace {
 
@@ -144,7 +144,7 @@ TEST(MeshSource, BandsShowWhatTheWholeMeshShows) {
 
 TEST(MeshPlane, EqualsItsFormulaInEverySet) {
     for (int round = 0; round < 3000; ++round) {
-        const auto kernels = KernelSetOfRound<SwPaintKernels>(round);
+        const auto kernels = KernelSetOfRound<PaintKernels>(round);
         const float odd[] = {0, -1e9F, 3e38F, kInf, -kInf, kNaN, 254.5F, 0.5F, 255.5F};
         const auto pick = [&](float low, float high) {
             return g_random() % 8 == 0 ? odd[g_random() % 9] : Uniform(low, high);

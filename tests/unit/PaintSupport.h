@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "Software/SwColorSource.h"
+#include "Sources/SwColorSource.h"
 
 namespace PaintSupport {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Software/SwPipeLine.h"
-#include "Software/SwSolidColorSource.h"
+#include "Sources/SwSolidColorSource.h"
 
 namespace Graphics {
 namespace {

@@ -12,10 +12,10 @@
 #include "Bitmaps/CacheHolder.h"
 #include "Exception.h"
 #include "KernelSets.h"
+#include "Kernels/PaintKernels.h"
 #include "PaintSupport.h"
 #include "Scan/DeviceFigures.h"
-#include "Software/SwBitmapColorSource.h"
-#include "Software/SwPaintKernels.h"
+#include "Sources/SwBitmapColorSource.h"
 
 namespace {
 
@@ -319,7 +319,7 @@ TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {
     for (uint32_t format = 1; format <= 10; ++format) {
         for (uint32_t modes = 0; modes < 27; ++modes) {
             for (int round = 0; round < 12; ++round) {
-                KernelTable<SwPaintKernels>::Select(KernelSetOfRound<SwPaintKernels>(round).kernels);
+                KernelTable<PaintKernels>::Select(KernelSetOfRound<PaintKernels>(round).kernels);
                 // Some large enough for whole vectors inside.
                 const uint32_t most = round % 2 == 0 ? 20 : 90;
                 const Image image(format, 1 + static_cast<int32_t>(g_random() % most),
@@ -332,7 +332,7 @@ TEST(BitmapSampler, EveryFormatTilingAndInterpolationEqualsPlainReading) {
             }
         }
     }
-    KernelTable<SwPaintKernels>::Select(nullptr);
+    KernelTable<PaintKernels>::Select(nullptr);
 }
 
 TEST(BitmapSampler, WholePixelPlacementCopiesEveryPixel) {

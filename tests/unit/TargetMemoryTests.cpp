@@ -5,11 +5,11 @@
 #include <cmath>
 
 #include "Bitmaps/Bitmap.h"
+#include "Coverage/SpareBlock.h"
 #include "Geometry/Geometry.h"
 #include "Geometry/Shape.h"
 #include "Paint/Brush.h"
 #include "ProcessHeap.h"
-#include "Software/SwSpareBlock.h"
 #include "Target/RenderTarget.h"
 
 namespace Graphics {
@@ -23,7 +23,7 @@ struct Canvas {
     Canvas() : bitmap(Bitmap::Create({600, 600, GXPixelFormatPBGRA32, 96, 96})) {
         target = RenderTarget::ForBitmap(bitmap);
         target->BeginPaint();
-        SwSpareBlock::Drop();
+        SpareBlock::Drop();
     }
     [[nodiscard]] RenderTarget& Calls() const { return *target; }
 

@@ -2,12 +2,12 @@
 // What the process keeps for pages to come, dropped: for tests that count what is alive.
 #pragma once
 
-#include "Software/SwGlyphCache.h"
-#include "Software/SwSpareBlock.h"
+#include "Coverage/GlyphCache.h"
+#include "Coverage/SpareBlock.h"
 #include "SpareBlocks.h"
 
 inline void DropWaitingMemory() {
-    Graphics::SwGlyphCache::DropWaiting();
-    Graphics::SwSpareBlock::Drop();
+    Graphics::GlyphCache::DropWaiting();
+    Graphics::SpareBlock::Drop();
     Graphics::SpareBlocks::Drop();
 }

@@ -7,7 +7,7 @@
 
 #include "Bitmaps/Bitmap.h"
 #include "Gdiplus/GdipFlattener.h"
-#include "Software/SwBitmapSurface.h"
+#include "Software/Surfaces/SwBitmapSurface.h"
 #include "Software/SwRenderTarget.h"
 #include "WindowsSupport.h"
 

@@ -9,9 +9,9 @@
 #include "../KernelSets.h"
 #include "../PaintSupport.h"
 #include "Arena.h"
+#include "Kernels/PaintKernels.h"
 #include "Pixels/PixelFormat.h"
-#include "Software/SwBitmapColorSource.h"
-#include "Software/SwPaintKernels.h"
+#include "Sources/SwBitmapColorSource.h"
 
 using namespace Graphics;
 using namespace PaintSupport;
@@ -51,7 +51,7 @@ TEST(Fence, Bites) {
 
 TEST(Fence, SamplersStayInsideTheirImage) {
     for (int round = 0; round < 3000; ++round) {
-        KernelTable<SwPaintKernels>::Select(KernelSetOfRound<SwPaintKernels>(round).kernels);
+        KernelTable<PaintKernels>::Select(KernelSetOfRound<PaintKernels>(round).kernels);
         PixelView view;
         view.format = 1 + g_random() % 10;
         view.width = 1 + static_cast<int32_t>(g_random() % 40);
@@ -77,7 +77,7 @@ TEST(Fence, SamplersStayInsideTheirImage) {
             Row(*source, -20, 60, y);
         }
     }
-    KernelTable<SwPaintKernels>::Select(nullptr);
+    KernelTable<PaintKernels>::Select(nullptr);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The process-wide bitmap cache.
+#include "BitmapCache.h"
 #include "Bitmaps/Bitmap.h"
-#include "Bitmaps/BitmapCache.h"
 #include "Guard.h"
 #include "Handles.h"
 

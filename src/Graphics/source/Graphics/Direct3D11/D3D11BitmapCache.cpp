@@ -6,7 +6,7 @@
 
 #include "../Arena.h"
 #include "../Exception.h"
-#include "../Software/SwPixelReader.h"
+#include "../Sources/PixelReader.h"
 
 namespace Graphics {
 namespace {
@@ -90,7 +90,7 @@ void D3D11BitmapCache::Evict(uint64_t room) {
 std::shared_ptr<D3D11Texture> D3D11BitmapCache::Upload(const PixelView& view, bool asMask) {
     ++m_device.Counters().uploads;
     Arena arena;
-    const SwPixelReader reader(arena, view, asMask);
+    const PixelReader reader(arena, view, asMask);
     const auto width = static_cast<size_t>(view.width);
     const auto height = static_cast<size_t>(view.height);
     if (!asMask && reader.IsDirect()) {

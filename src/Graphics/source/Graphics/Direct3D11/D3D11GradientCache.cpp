@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "../Paint/Gradient.h"
-#include "../Software/SwLinearGradientColorSource.h"
+#include "../Sources/SwLinearGradientColorSource.h"
 
 namespace Graphics {
 

@@ -2,13 +2,13 @@
 #include "D3D11Paint.h"
 
 #include "../Paint/Gradient.h"
+#include "../Pixels/Opacity.h"
 #include "../Pixels/PixelFormat.h"
 #include "../Scan/DeviceFigures.h"
-#include "../Software/SwBitmapColorSource.h"
-#include "../Software/SwGradientColorSource.h"
-#include "../Software/SwOpacity.h"
-#include "../Software/SwPixelReader.h"
-#include "../Software/SwReducedImage.h"
+#include "../Sources/PixelReader.h"
+#include "../Sources/ReducedImage.h"
+#include "../Sources/SwBitmapColorSource.h"
+#include "../Sources/SwGradientColorSource.h"
 
 namespace Graphics {
 namespace {
@@ -129,11 +129,11 @@ D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const PlacedImage& 
     double scaleX = 1.0;
     double scaleY = 1.0;
     uint32_t variant = 0;
-    std::shared_ptr<const SwReducedImage> reduced;
+    std::shared_ptr<const ReducedImage> reduced;
     if (image.interpolation == GXInterpolationAverage) {
-        const SwReduction reduction = SwReduction::For(view.width, view.height, inverse);
+        const ImageReduction reduction = ImageReduction::For(view.width, view.height, inverse);
         if (reduction.Any()) {
-            const SwPixelReader reader(m_arena, view, image.asMask);
+            const PixelReader reader(m_arena, view, image.asMask);
             reduced = ReduceImage(reader, view.width, view.height, reduction, image.derived, image.asMask);
             variant = reduction.halvingsX << 8 | reduction.halvingsY;
             const PixelView small = reduced->View();

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
-#include "../Software/SwBitmapColorSource.h"
+#include "../Pixels/Opacity.h"
 #include "../Software/SwClear.h"
-#include "../Software/SwOpacity.h"
 #include "../Software/SwPlaneColorSource.h"
+#include "../Sources/SwBitmapColorSource.h"
 
 namespace Graphics {
 namespace {
@@ -84,7 +84,7 @@ void D3D11Painter::AddCoverage(D3D11DrawState& state, const D3D11SoftwareTexture
 }
 
 void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
-    const SwClipRef& clip = call.Clip();
+    const ClipRef& clip = call.Clip();
     if (!IsMasked(clip.get())) {
         return;
     }
@@ -112,14 +112,14 @@ D3D11Mesh& D3D11Painter::Begin(const Call& call, const D3D11Paint& paint, D3D11D
 
 bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
     constexpr int32_t kMostQuads = 512; // 48 KB
-    const SwClip* clip = call.Clip().get();
+    const ClipRegion* clip = call.Clip().get();
     const IntRect& r = call.visible;
     if (!IsMasked(clip) || r.bottom - r.top > kMostQuads) {
         return false;
     }
     int32_t quads = 0;
     for (int32_t y = r.top; y < r.bottom && quads <= kMostQuads; ++y) {
-        const SwClipRow& row = clip->Row(y);
+        const ClipRow& row = clip->Row(y);
         const auto width = [&](int32_t from, int32_t to) {
             return std::max(0, std::min(to, r.right) - std::max(from, r.left));
         };
@@ -139,7 +139,7 @@ D3D11Mesh& D3D11Painter::BeginMesh(const Call& call, const D3D11Paint& paint, co
     return Begin(call, paint, std::move(state), call.visible);
 }
 
-void D3D11Painter::SendCovered(const Call& call, const SwClipRef& covered, D3D11Mesh& mesh) {
+void D3D11Painter::SendCovered(const Call& call, const ClipRef& covered, D3D11Mesh& mesh) {
     const IntRect& box = covered->Box();
     D3D11MeshSink sink(mesh, call.visible);
     if (IsEmpty(box) || !covered->HasMask()) {
@@ -159,7 +159,7 @@ void D3D11Painter::SendCovered(const Call& call, const SwClipRef& covered, D3D11
 }
 
 void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
-                               const SwClipRef& covered) {
+                               const ClipRef& covered) {
     const IntRect box = covered->Box();
     if (IsEmpty(box)) {
         return;
@@ -274,7 +274,7 @@ D3D11Mesh& D3D11Painter::BeginInversion(const Call& call) {
 
 void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     D3D11SubTarget& target = call.target;
-    const SwClip* clip = call.Clip().get();
+    const ClipRegion* clip = call.Clip().get();
     if (target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
         ClearPlanes(ActiveKernels(), target.BeginInSoftware(call.context, call.visible), call.visible, clip,
                     premultiplied);
@@ -290,7 +290,7 @@ void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
     D3D11SubTarget& target = call.target;
     target.BeginOnCard(call.context, call.visible);
     D3D11Paint paint;
-    const SwClipRef& clip = call.Clip();
+    const ClipRef& clip = call.Clip();
     const bool masked = IsMasked(clip.get());
     // Replaced whole; or scaled by what the clip covers, then added with as much.
     const auto replace = [&](const std::shared_ptr<D3D11Texture>& plane, const float(&value)[4]) {

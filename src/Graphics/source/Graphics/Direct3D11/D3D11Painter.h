@@ -7,8 +7,8 @@
 #include <variant>
 
 #include "../Arena.h"
+#include "../Coverage/ClipMaker.h"
 #include "../Software/SwAssembly.h"
-#include "../Software/SwClipMaker.h"
 #include "../Software/SwInverter.h"
 #include "D3D11Paint.h"
 #include "D3D11SubTarget.h"
@@ -31,11 +31,11 @@ public:
         D3D11Context& context;
         D3D11SubTarget& target;
         const GraphicsState& state;
-        SwClipPool& clips;
+        ClipPool& clips;
         IntRect visible; ///< device pixels that the draw may change; not empty
         IntRect limit;   ///< the scissor: what the geometry has to be cut to
 
-        [[nodiscard]] const SwClipRef& Clip() const noexcept { return target.Clips().Current(); }
+        [[nodiscard]] const ClipRef& Clip() const noexcept { return target.Clips().Current(); }
     };
     /// What it draws with.
     struct Colors {
@@ -78,7 +78,7 @@ public:
 
 private:
     struct ClipImage {
-        SwClipRef clip;
+        ClipRef clip;
         D3D11SoftwareTextures::Image image;
     };
 
@@ -110,9 +110,9 @@ private:
             cover(sink);
             return;
         }
-        SwClipBuilder builder(call.clips, call.Clip().get(), call.visible);
+        ClipBuilder builder(call.clips, call.Clip().get(), call.visible);
         cover(builder);
-        const SwClipRef covered = builder.Finish();
+        const ClipRef covered = builder.Finish();
         if (call.target.CoverageIsShape()) {
             DrawCovered(call, paint, extra, covered);
         } else {
@@ -125,7 +125,7 @@ private:
     [[nodiscard]] D3D11Mesh& BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
                                        bool withClip);
     /// What a draw covers under its clip, row by row.
-    void SendCovered(const Call& call, const SwClipRef& covered, D3D11Mesh& mesh);
+    void SendCovered(const Call& call, const ClipRef& covered, D3D11Mesh& mesh);
 
     void DrawGroupOnCard(const Call& call, D3D11SubTarget& group);
     void DrawGroupInSoftware(const Call& call, D3D11SubTarget& group);
@@ -137,7 +137,7 @@ private:
     void AddCoverage(D3D11DrawState& state, const D3D11SoftwareTextures::Image& image) const;
     [[nodiscard]] D3D11Mesh& Begin(const Call& call, const D3D11Paint& paint, D3D11DrawState&& state,
                                    const IntRect& box) const;
-    void DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, const SwClipRef& covered);
+    void DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, const ClipRef& covered);
     void ClearPlane(const Call& call, const std::shared_ptr<D3D11Texture>& plane, D3D11Blend blend,
                     const D3D11Paint& paint);
 

@@ -5,8 +5,8 @@
 
 #include "../Exception.h"
 #include "../Geometry/DeviceFeed.h"
+#include "../Pixels/PixelMath.h"
 #include "../Scan/DeviceFigures.h"
-#include "../Software/SwPixelMath.h"
 
 namespace Graphics {
 namespace {
@@ -185,9 +185,9 @@ void D3D11RenderTarget::PaintShape(const GraphicsState& state, const Colors& col
 
 void D3D11RenderTarget::PaintOutline(const GraphicsState& state, const Colors& colors, const Shape& outline) {
     if (m_glyphs == nullptr) {
-        m_glyphs = SwGlyphCache::Take();
+        m_glyphs = GlyphCache::Take();
     }
-    SwGlyph glyph;
+    GlyphCoverage glyph;
     if (!m_glyphs->Place(outline, colors.transform, m_rasterizer, glyph)) {
         PaintShape(state, colors, outline, false);
         return;
@@ -217,7 +217,7 @@ void D3D11RenderTarget::Stroke(const GraphicsState& state, const Path& path, con
 }
 
 void D3D11RenderTarget::Clip(const GraphicsState& state, const Path& path) {
-    SwClipStack& clips = Current().Clips();
+    ClipStack& clips = Current().Clips();
     const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     clips.Set(m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, clips.Current(),

@@ -4,10 +4,10 @@
 // and the paint counts as incomplete. Where no other device can be made, the rest of the paint raises "D3D11 error".
 #pragma once
 
+#include "../Coverage/GlyphCache.h"
 #include "../Drawing/RenderTargetBase.h"
 #include "../Geometry/Pen.h"
 #include "../Scan/Rasterizer.h"
-#include "../Software/SwGlyphCache.h"
 #include "D3D11Painter.h"
 #include "D3D11Surface.h"
 
@@ -74,7 +74,7 @@ private:
     bool m_broken = false;     // there is no device for the rest of this paint
     uint32_t m_generation = 0; // of the device that was last painted on; 0: none
 
-    SwClipMaker m_clips; // before everything that may hold clips
+    ClipMaker m_clips; // before everything that may hold clips
     Arena m_arena;
     D3D11Painter m_painter;
     D3D11SubTarget m_basic;
@@ -82,7 +82,7 @@ private:
     PathShape m_shape;
     Rasterizer m_rasterizer;
     PenStorage m_pen;
-    SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
+    GlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
 };
 
 } // namespace Graphics

@@ -31,7 +31,7 @@ D3D11SoftwareTextures::Image D3D11SoftwareTextures::Paint(D3D11Context& context,
                   static_cast<uint32_t>(width * sizeof(uint32_t)));
 }
 
-D3D11SoftwareTextures::Image D3D11SoftwareTextures::Coverage(D3D11Context& context, const SwClip& clip) {
+D3D11SoftwareTextures::Image D3D11SoftwareTextures::Coverage(D3D11Context& context, const ClipRegion& clip) {
     const IntRect& box = clip.Box();
     const auto width = static_cast<size_t>(box.right - box.left);
     m_values.resize(width * static_cast<size_t>(box.bottom - box.top));

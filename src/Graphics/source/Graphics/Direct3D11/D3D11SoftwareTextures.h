@@ -3,9 +3,9 @@
 // and planes of coverage. The result becomes a texture that lies pixel on pixel over its place.
 #pragma once
 
+#include "../Coverage/ClipRegion.h"
 #include "../ProcessHeap.h"
-#include "../Software/SwClip.h"
-#include "../Software/SwColorSource.h"
+#include "../Sources/SwColorSource.h"
 #include "D3D11Context.h"
 
 namespace Graphics {
@@ -21,7 +21,7 @@ public:
     /// The colours of `source` in `box`.
     [[nodiscard]] Image Paint(D3D11Context& context, SwColorSource& source, const IntRect& box);
     /// The coverage of a clip that has a mask, in an alpha texture over its box.
-    [[nodiscard]] Image Coverage(D3D11Context& context, const SwClip& clip);
+    [[nodiscard]] Image Coverage(D3D11Context& context, const ClipRegion& clip);
 
 private:
     [[nodiscard]] static Image Upload(D3D11Context& context, const IntRect& box, DXGI_FORMAT format, const void* pixels,

@@ -14,7 +14,7 @@
 // none. Depth is walked in loops, for the stack of a Windows program's main thread has a megabyte.
 #pragma once
 
-#include "../Software/SwClipStack.h"
+#include "../Coverage/ClipStack.h"
 #include "D3D11SwFallbackSurface.h"
 
 namespace Graphics {
@@ -39,7 +39,7 @@ public:
     void Close() noexcept;
 
     [[nodiscard]] const IntRect& Bounds() const noexcept { return m_bounds; }
-    [[nodiscard]] SwClipStack& Clips() noexcept { return m_clips; }
+    [[nodiscard]] ClipStack& Clips() noexcept { return m_clips; }
 
     [[nodiscard]] bool IsLayer() const noexcept { return m_isLayer; }
     [[nodiscard]] bool CanBeDrawnInto() const noexcept { return m_isLayer || m_color != nullptr; }
@@ -111,7 +111,7 @@ private:
     IntRect m_touched{};
     IntRect m_opaque{};        // of the pixels that are known to be opaque
     IntRect m_initialOpaque{}; // of those that a group began with
-    SwClipStack m_clips;
+    ClipStack m_clips;
     bool m_isLayer = false;
     bool m_isolated = true;
     bool m_knockout = false;

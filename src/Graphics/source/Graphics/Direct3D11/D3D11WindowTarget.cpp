@@ -2,7 +2,7 @@
 #include "D3D11WindowTarget.h"
 
 #include "../Exception.h"
-#include "../Software/Windows/SwWindowSurface.h"
+#include "../Software/Surfaces/Windows/SwWindowSurface.h"
 #include "D3D11WindowSurface.h"
 
 namespace Graphics {

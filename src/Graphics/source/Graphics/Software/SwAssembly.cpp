@@ -1,22 +1,37 @@
 // SPDX-License-Identifier: MIT
 #include "SwAssembly.h"
 
+#include <algorithm>
+#include <functional>
+
 #include "../Drawing/Ink.h"
 #include "../Scan/DeviceFigures.h"
-#include "SwStillPixels.h"
 
 namespace Graphics {
 namespace {
 
 [[nodiscard]] const SwMaskInput& MaskInput(Arena& arena, const SoftMask& mask, const SwDraw& draw) {
     auto* const input = arena.Make<SwMaskInput>();
-    const SwWrittenPixels written(draw.planes, draw.visible);
+    const WrittenPixels written = WrittenBy(draw.planes, draw.visible);
     input->source = SwColorSource::Create(arena, InkOf(*mask.brush), ToRect(draw.visible), mask.transform, &written);
     input->type = mask.type;
     return *input;
 }
 
 } // namespace
+
+WrittenPixels WrittenBy(const SwTargetPlanes& planes, const IntRect& area) noexcept {
+    WrittenPixels written;
+    written.visible = area;
+    if (planes.alpha != nullptr || IsEmpty(area)) {
+        return written; // groups have memory of their own
+    }
+    const auto* first = reinterpret_cast<const uint8_t*>(PixelAt(planes, area.left, area.top));
+    const auto* last = reinterpret_cast<const uint8_t*>(PixelAt(planes, area.left, area.bottom - 1));
+    written.begin = std::min(first, last, std::less<>());
+    written.end = std::max(first, last, std::less<>()) + static_cast<size_t>(area.right - area.left) * 4;
+    return written;
+}
 
 void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwDraw& draw) {
     const GraphicsState& state = draw.state;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../Drawing/GraphicsState.h"
+#include "../Sources/StillPixels.h"
 #include "SwPipeLine.h"
 
 namespace Graphics {
@@ -10,12 +11,15 @@ namespace Graphics {
 /// Everything of a draw but its coverage.
 struct SwDraw {
     const GraphicsState& state; ///< of which the blend mode and the masks count
-    const SwClip* clip;         ///< null: none
+    const ClipRegion* clip;     ///< null: none
     const SwTargetPlanes& planes;
     const IntRect& visible; ///< the pixels that the draw may change
     SwColorSource& source;
     const SwMaskInput* mask; ///< the draw's own; null: none
 };
+
+/// What a draw into the planes may write inside `area`.
+[[nodiscard]] WrittenPixels WrittenBy(const SwTargetPlanes& planes, const IntRect& area) noexcept;
 
 /// Mask sources are made in the arena.
 void AssemblePipeLine(SwPipeLine& pipeLine, Arena& arena, const SwDraw& draw);

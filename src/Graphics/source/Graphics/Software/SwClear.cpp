@@ -17,7 +17,7 @@ template <class Base>
 
 /// Calls part(y, x0, x1, coverage) for the columns of each row that the clip does not leave out altogether, null for
 /// those that it leaves as they are.
-template <class Part> void ForParts(const IntRect& region, const SwClip* clip, Part&& part) {
+template <class Part> void ForParts(const IntRect& region, const ClipRegion* clip, Part&& part) {
     for (int32_t y = region.top; y < region.bottom; ++y) {
         if (IsMasked(clip)) {
             clip->ForParts(y, region.left, region.right,
@@ -28,8 +28,8 @@ template <class Part> void ForParts(const IntRect& region, const SwClip* clip, P
     }
 }
 
-void ClearSurface(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip,
-                  uint32_t color) {
+void ClearSurface(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& region,
+                  const ClipRegion* clip, uint32_t color) {
     const auto width = static_cast<size_t>(region.right - region.left);
     const auto words = [&](int32_t x, int32_t y) { return WordsAt(planes.color, planes.colorStride, planes, x, y); };
     const bool oneRow = static_cast<ptrdiff_t>(width * sizeof(uint32_t)) == planes.colorStride ||
@@ -73,7 +73,7 @@ void ClearGroupPixel(uint32_t& pixel, uint8_t& groupAlpha, uint8_t& groupShape, 
     pixel = result | (group + below - (group * (below + 1) >> 8)) << 24;
 }
 
-void ClearGroup(const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip, uint32_t color) {
+void ClearGroup(const SwTargetPlanes& planes, const IntRect& region, const ClipRegion* clip, uint32_t color) {
     ForParts(region, clip, [&](int32_t y, int32_t x0, int32_t x1, const uint8_t* coverage) {
         uint32_t* pixels = WordsAt(planes.color, planes.colorStride, planes, x0, y);
         const uint32_t* backdrop =
@@ -88,7 +88,7 @@ void ClearGroup(const SwTargetPlanes& planes, const IntRect& region, const SwCli
 
 } // namespace
 
-void ClearPlanes(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& region, const SwClip* clip,
+void ClearPlanes(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& region, const ClipRegion* clip,
                  uint32_t color) {
     if (planes.alpha == nullptr) {
         ClearSurface(kernels, planes, region, clip, color);

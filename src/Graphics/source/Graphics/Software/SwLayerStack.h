@@ -30,7 +30,7 @@ private:
 
     static constexpr size_t kKeepBytes = size_t{1} << 20;
 
-    SwBlockPool m_planes{kKeepBytes}; // before the groups that hold its blocks
+    BlockPool m_planes{kKeepBytes}; // before the groups that hold its blocks
     std::vector<std::unique_ptr<SwLayerSubTarget>> m_open;
     std::vector<std::unique_ptr<SwLayerSubTarget>> m_spare; // closed ones, without planes; room for kSpare
 };

@@ -25,7 +25,7 @@ namespace {
 
 } // namespace
 
-void SwLayerSubTarget::Open(SwBlockPool& pool, SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout,
+void SwLayerSubTarget::Open(BlockPool& pool, SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout,
                             float opacity) {
     m_bounds = bounds;
     m_clips.Clear();
@@ -140,7 +140,7 @@ SwTargetPlanes SwLayerSubTarget::Planes(const IntRect& region) {
     return m_planes;
 }
 
-void SwLayerSubTarget::MakeResult(const SwKernels& kernels, const IntRect& region) {
+void SwLayerSubTarget::MakeResult(const RowKernels& kernels, const IntRect& region) {
     for (int32_t y = region.top; y < region.bottom; ++y) {
         const ptrdiff_t offset = PlaneOffset(m_planes, region.left, y);
         const uint32_t* backdrop = nullptr;

@@ -14,7 +14,7 @@
 // but the one of groups that have been drawn into, and that in a loop.
 #pragma once
 
-#include "SwBlockPool.h"
+#include "../Coverage/BlockPool.h"
 #include "SwSubTarget.h"
 
 namespace Graphics {
@@ -22,8 +22,7 @@ namespace Graphics {
 class SwLayerSubTarget final : public SwSubTarget {
 public:
     /// `pool` outlives the group.
-    void Open(SwBlockPool& pool, SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout,
-              float opacity);
+    void Open(BlockPool& pool, SwSubTarget& parent, const IntRect& bounds, bool isolated, bool knockout, float opacity);
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
     [[nodiscard]] SwSubTarget* Below() noexcept override;
@@ -35,7 +34,7 @@ public:
 
     /// Rewrites the colour plane into the group's result inside `region`, a part of the touched box. Nothing may be
     /// drawn into the group afterwards.
-    void MakeResult(const SwKernels& kernels, const IntRect& region);
+    void MakeResult(const RowKernels& kernels, const IntRect& region);
     /// After MakeResult: the colours and the shape.
     [[nodiscard]] SwTargetPlanes Result() const noexcept { return m_planes; }
 
@@ -52,14 +51,14 @@ private:
     void MakePlanes();
 
     SwTargetPlanes m_planes; // colour null: not made yet
-    SwBlockPool* m_pool = nullptr;
+    BlockPool* m_pool = nullptr;
     SwSubTarget* m_below = nullptr;      // null: transparent
     SwTargetPlanes m_belowPlanes;        // of m_below, from the first touch on
     SwLayerSubTarget* m_above = nullptr; // inside Reach: the group that wants pixels of this one
     IntRect m_wanted{};                  // and what this one has to touch
     float m_opacity = 1.0F;
     IntRect m_touched{};
-    SwBlockPool::Block m_block;
+    BlockPool::Block m_block;
 };
 
 } // namespace Graphics

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "SwPixelMath.h"
+#include "../Pixels/PixelMath.h"
 
 namespace Graphics {
 namespace {
@@ -31,7 +31,7 @@ constexpr int32_t kAhead = 2;
 /// Calls use(x, values, count) for each chunk of the values over columns [x0, x1) of row y of a mask that is a colour
 /// source. The values may be changed.
 template <class Use>
-void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
+void ForMaskChunks(const RowKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
     alignas(64) uint32_t pixels[kMaskChunk];
     alignas(64) uint8_t values[kMaskChunk];
     for (int32_t x = x0; x < x1; x += kMaskChunk) {
@@ -49,7 +49,7 @@ void ForMaskChunks(const SwKernels& kernels, const SwMaskInput& mask, int32_t y,
 
 } // namespace
 
-void SetRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
+void SetRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
                    ptrdiff_t shapeStride) noexcept {
     const auto width = static_cast<size_t>(r.right - r.left);
     for (int32_t y = r.top; y < r.bottom; ++y) {
@@ -62,7 +62,7 @@ void SetRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const
     }
 }
 
-SwPipeLine::SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target,
+SwPipeLine::SwPipeLine(const RowKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target,
                        const IntRect& bounds)
     : m_kernels(kernels), m_buffers(buffers), m_target(target), m_bounds(bounds) {
     const auto width = static_cast<size_t>(bounds.right - bounds.left);
@@ -365,7 +365,7 @@ void SwPipeLine::Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* sha
     const size_t blend = std::min<size_t>(m_blendMode, kBlendCount - 1);
     if (m_target.alpha != nullptr) {
         const uint8_t* backdrop = m_target.backdrop;
-        const SwLayerRow row{
+        const LayerRowPlanes row{
             dst, m_target.alpha + dy * m_target.planeStride + dx, m_target.shape + dy * m_target.planeStride + dx,
             backdrop == nullptr ? nullptr
                                 : reinterpret_cast<const uint32_t*>(backdrop + dy * m_target.backdropStride) + dx,

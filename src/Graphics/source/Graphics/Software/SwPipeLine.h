@@ -11,10 +11,10 @@
 
 #include <array>
 
+#include "../Coverage/ClipRegion.h"
+#include "../Kernels/RowKernels.h"
 #include "../Scan/RasterizationSink.h"
-#include "Kernels/SwKernels.h"
-#include "SwClip.h"
-#include "SwColorSource.h"
+#include "../Sources/SwColorSource.h"
 
 namespace Graphics {
 
@@ -43,9 +43,9 @@ struct SwTargetPlanes {
 
 /// Where the target wants it: fourth bytes in `r` become 255, as far as `shape` has coverage (null: all), whose rows
 /// are `shapeStride` bytes apart.
-void SetRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
+void SetRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
                    ptrdiff_t shapeStride) noexcept;
-inline void MakeRowsOpaque(const SwKernels& kernels, const SwTargetPlanes& planes, const IntRect& r,
+inline void MakeRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& r,
                            const uint8_t* shape = nullptr, ptrdiff_t shapeStride = 0) noexcept {
     if (planes.makesOpaque) {
         SetRowsOpaque(kernels, planes, r, shape, shapeStride);
@@ -69,13 +69,13 @@ struct SwRowBuffers {
 
 class SwPipeLine final : public RasterizationSink {
 public:
-    SwPipeLine(const SwKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target, const IntRect& bounds);
+    SwPipeLine(const RowKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target, const IntRect& bounds);
 
     void SetBlendMode(uint32_t mode) noexcept { m_blendMode = mode; }
     /// At most two. Masks outlive the pipeline; their types are known ones (GraphicsState::CheckMasks).
     void AddShapeMask(const SwMaskInput& mask) noexcept { m_shapeMasks[m_shapeMaskCount++] = &mask; }
     void SetOpacityMask(const SwMaskInput& mask) noexcept { m_opacityMask = &mask; }
-    void SetClip(const SwClip* clip) noexcept { m_clip = IsMasked(clip) ? clip : nullptr; }
+    void SetClip(const ClipRegion* clip) noexcept { m_clip = IsMasked(clip) ? clip : nullptr; }
     void SetColorSource(SwColorSource& source) noexcept;
 
     void Row(int32_t y, std::span<CoverageRun> runs) override;
@@ -115,7 +115,7 @@ private:
     [[nodiscard]] const uint32_t* Color(int32_t y, int32_t x0, int32_t x1);
     void ApplyShapeMask(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, uint8_t* shape) const;
 
-    const SwKernels& m_kernels;
+    const RowKernels& m_kernels;
     SwRowBuffers& m_buffers;
     const SwTargetPlanes& m_target;
     IntRect m_bounds;
@@ -123,7 +123,7 @@ private:
     std::array<const SwMaskInput*, 2> m_shapeMasks{};
     size_t m_shapeMaskCount = 0;
     const SwMaskInput* m_opacityMask = nullptr;
-    const SwClip* m_clip = nullptr;
+    const ClipRegion* m_clip = nullptr;
     SwColorSource* m_source = nullptr;
     uint32_t m_solid = 0;
     bool m_isSolid = false;

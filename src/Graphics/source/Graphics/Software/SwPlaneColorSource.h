@@ -2,8 +2,8 @@
 // The result of a transparency group as a colour source, in place, with the group's constant opacity.
 #pragma once
 
-#include "Kernels/SwKernels.h"
-#include "SwColorSource.h"
+#include "../Kernels/RowKernels.h"
+#include "../Sources/SwColorSource.h"
 #include "SwPipeLine.h"
 
 namespace Graphics {

@@ -3,21 +3,21 @@
 
 #include "../Exception.h"
 #include "../Geometry/DeviceFeed.h"
+#include "../Pixels/PixelMath.h"
 #include "../Scan/DeviceFigures.h"
+#include "../Sources/StillPixels.h"
+#include "../Sources/SwBitmapColorSource.h"
 #include "SwAssembly.h"
-#include "SwBitmapColorSource.h"
 #include "SwClear.h"
 #include "SwInverter.h"
-#include "SwPixelMath.h"
 #include "SwPlaneColorSource.h"
-#include "SwStillPixels.h"
 
 namespace Graphics {
 namespace {
 
-void FillGlyphRows(const SwTargetPlanes& planes, const IntRect& visible, const SwGlyph& glyph,
+void FillGlyphRows(const SwTargetPlanes& planes, const IntRect& visible, const GlyphCoverage& glyph,
                    uint32_t color) noexcept {
-    const SwKernels& kernels = ActiveKernels();
+    const RowKernels& kernels = ActiveKernels();
     const uint8_t* shape = glyph.At(visible.left, visible.top);
     const auto stride = static_cast<ptrdiff_t>(glyph.strideBytes);
     MakeRowsOpaque(kernels, planes, visible, shape, stride);
@@ -90,7 +90,7 @@ template <class Cover> void SwRenderTarget::Composite(const Draw& draw, const In
     const ArenaScope scope(m_arena);
     SwSubTarget& target = Current();
     const SwTargetPlanes planes = target.Planes(visible);
-    const SwWrittenPixels written(planes, visible);
+    const WrittenPixels written = WrittenBy(planes, visible);
     SwMaskInput mask;
     if (draw.mask != nullptr) {
         mask.source = CreateBitmapSource(m_arena, draw.mask->Place(draw.transform, true), &written);
@@ -117,7 +117,7 @@ void SwRenderTarget::PaintPlain(const DeviceRectangle& rectangle, uint32_t color
     if (color >> 24 == 0 || IsEmpty(rectangle.Pixels())) {
         return;
     }
-    const SwKernels& kernels = ActiveKernels();
+    const RowKernels& kernels = ActiveKernels();
     const auto paint = [&](const IntRect& r, uint32_t left, uint32_t inner, uint32_t right) {
         const SwTargetPlanes planes = m_basic.Planes(r);
         uint32_t* const pixels = PixelAt(planes, r.left, r.top);
@@ -181,9 +181,9 @@ void SwRenderTarget::PaintShape(const Draw& draw, const Shape& shape, bool snap)
 
 void SwRenderTarget::PaintOutline(const Draw& draw, const Shape& outline) {
     if (m_glyphs == nullptr) {
-        m_glyphs = SwGlyphCache::Take();
+        m_glyphs = GlyphCache::Take();
     }
-    SwGlyph glyph;
+    GlyphCoverage glyph;
     if (!m_glyphs->Place(outline, draw.transform, m_rasterizer, glyph)) {
         PaintShape(draw, outline, false);
         return;
@@ -240,7 +240,7 @@ void SwRenderTarget::Stroke(const GraphicsState& state, const Path& path, const 
 }
 
 void SwRenderTarget::Clip(const GraphicsState& state, const Path& path) {
-    SwClipStack& clips = Current().Clips();
+    ClipStack& clips = Current().Clips();
     const Shape& shape = m_shape.Of(path);
     const IntRect visible = Visible(RoundOut(DeviceBox(shape, state.transform, 0.0F)));
     clips.Set(m_clips.Make(m_rasterizer, path, shape, state.transform, m_area, visible, clips.Current(),

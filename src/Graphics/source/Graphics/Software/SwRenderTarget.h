@@ -5,15 +5,15 @@
 #include <memory>
 
 #include "../Arena.h"
+#include "../Coverage/ClipMaker.h"
+#include "../Coverage/GlyphCache.h"
 #include "../Drawing/RenderTargetBase.h"
 #include "../Geometry/Pen.h"
 #include "../Scan/DeviceRectangle.h"
 #include "../Scan/Rasterizer.h"
-#include "SwClipMaker.h"
-#include "SwGlyphCache.h"
+#include "Surfaces/SwSurface.h"
 #include "SwLayerStack.h"
 #include "SwSubTarget.h"
-#include "SwSurface.h"
 
 namespace Graphics {
 
@@ -76,7 +76,7 @@ private:
     bool m_painting = false;
 
     // Before everything that may hold clips.
-    SwClipMaker m_clips;
+    ClipMaker m_clips;
     SwBasicSubTarget m_basic;
     SwLayerStack m_layers;
 
@@ -86,7 +86,7 @@ private:
     Rasterizer m_rasterizer;
     PenStorage m_pen;
     SwRowBuffers m_buffers;
-    SwGlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
+    GlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
 };
 
 } // namespace Graphics

@@ -3,9 +3,9 @@
 // the clips of the states that were pushed in it.
 #pragma once
 
+#include "../Coverage/ClipStack.h"
 #include "../Pixels/PixelView.h"
 #include "../ProcessHeap.h"
-#include "SwClipStack.h"
 #include "SwPipeLine.h"
 
 namespace Graphics {
@@ -17,7 +17,7 @@ public:
     virtual ~SwSubTarget() = default;
 
     [[nodiscard]] const IntRect& Bounds() const noexcept { return m_bounds; }
-    [[nodiscard]] SwClipStack& Clips() noexcept { return m_clips; }
+    [[nodiscard]] ClipStack& Clips() noexcept { return m_clips; }
 
     /// The planes, ready to be drawn into inside `region` (which lies in the bounds).
     [[nodiscard]] virtual SwTargetPlanes Planes(const IntRect& region) = 0;
@@ -29,7 +29,7 @@ public:
 
 protected:
     IntRect m_bounds{};
-    SwClipStack m_clips;
+    ClipStack m_clips;
 };
 
 class SwBasicSubTarget final : public SwSubTarget {

@@ -2,14 +2,14 @@
 // Sends the pixels to be inverted to the card as quadrilaterals.
 #pragma once
 
-#include "../../Software/SwInverter.h"
+#include "../../Coverage/PixelInverter.h"
 #include "D3D11Mesh.h"
 
 namespace Graphics {
 
 class D3D11MeshInverter final : public PixelInverter {
 public:
-    D3D11MeshInverter(D3D11Mesh& mesh, const IntRect& bounds, const SwClip* clip) noexcept
+    D3D11MeshInverter(D3D11Mesh& mesh, const IntRect& bounds, const ClipRegion* clip) noexcept
         : PixelInverter(bounds, clip), m_mesh(mesh) {}
 
 private:

@@ -4,10 +4,10 @@
 
 #include "../../Exception.h"
 #include "../../Gdiplus/GdipDeviceRenderTarget.h"
-#include "../../Software/SwBitmapSurface.h"
+#include "../../Software/Surfaces/SwBitmapSurface.h"
+#include "../../Software/Surfaces/Windows/SwDeviceSurface.h"
+#include "../../Software/Surfaces/Windows/SwWindowSurface.h"
 #include "../../Software/SwRenderTarget.h"
-#include "../../Software/Windows/SwDeviceSurface.h"
-#include "../../Software/Windows/SwWindowSurface.h"
 #include "ThreadHardware.h"
 
 namespace Graphics {

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+// The loops of linear and radial gradients over vectors of kLanes words.
+#pragma once
+
+#include "../Simd/Channels.h"
+#include "PaintKernels.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// One interval in vectors: where it lies within [0, 1] and what its colours are made from.
+struct Ramp {
+    F32 above, upTo; ///< above < t <= upTo
+    F32 upper, length, perLength;
+    U16 lowerEven, lowerOdd, upperEven, upperOdd;
+    bool tame, opaque;
+
+    GX_INLINE explicit Ramp(const GradientInterval& in) noexcept {
+        const float span = in.upper - in.lower;
+        above = Splat(in.lower < 0.0F ? -1.0e-45F : in.lower); // t >= 0 is t > -(the least number)
+        upTo = Splat(in.upper <= 1.0F ? in.upper : 1.0F);
+        upper = Splat(in.upper);
+        length = Splat(span);
+        perLength = Splat(255.0F / span);
+        const U32 lowerColor = Splat(in.lowerColor);
+        const U32 upperColor = Splat(in.upperColor);
+        lowerEven = Even(lowerColor);
+        lowerOdd = Odd(lowerColor);
+        upperEven = Even(upperColor);
+        upperOdd = Odd(upperColor);
+        tame = span > 1.0e-30F && span < 1.0e30F;
+        opaque = (in.lowerColor & in.upperColor) >> 24 == 255;
+    }
+
+    GX_INLINE I32 Holds(F32 t) const noexcept { return (I32)((t > above) & (t <= upTo)); }
+
+    /// The colours; any words where t lies elsewhere. A product with the rounded 255 / length differs from the two
+    /// rounded operations by less than 255 * 2^-22 < 0.0001: where both ends of this doubt truncate alike, the
+    /// division is spared.
+    GX_INLINE U32 Colors(F32 t) const noexcept {
+        const F32 distance = upper - t;
+        const F32 near = distance * perLength;
+        const F32 doubt = Splat(0.0001F);
+        I32 share = Truncate(near - doubt);
+        if (!tame || !AllSet((I32)(share == Truncate(near + doubt)))) {
+            share = Truncate(distance / length * Splat(255.0F));
+        }
+        const U32 w = ((U32)share & 255U) + 1U;
+        const U32 c = Mix(upperEven, upperOdd, lowerEven, lowerOdd, Spread(w));
+        return opaque ? c : Premultiply(c);
+    }
+};
+
+void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
+    const U32 factor = Spread(Splat(state.opacityFactor));
+    const bool scaled = state.opacityFactor != 256;
+    Ramp ramp(state.interval);
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const auto block = LoadSome<F32>(t + k, lanes);
+        if (lanes == kLanes && AllSet(ramp.Holds(block))) {
+            const U32 c = ramp.Colors(block);
+            StoreSome(out + k, lanes, scaled ? Scale(c, factor) : c);
+            return;
+        }
+        // Several stretches meet here: each pass takes the one of the first pixel left.
+        U32 colors{};
+        for (uint32_t left = (1U << lanes) - 1U; left != 0;) {
+            const auto lane = static_cast<uint32_t>(__builtin_ctz(left));
+            const float at = t[k + lane];
+            I32 mask;
+            U32 c;
+            if (at < 0.0F) {
+                mask = (I32)(block < F32{});
+                c = Splat(state.before);
+            } else if (at > 1.0F) {
+                mask = (I32)(block > Splat(1.0F));
+                c = Splat(state.after);
+            } else if (at != at) {
+                mask = (I32)(block != block);
+                c = Splat(state.notANumber);
+            } else {
+                if (!state.interval.Contains(at)) {
+                    state.interval = state.sampler->IntervalAt(at);
+                    ramp = Ramp(state.interval);
+                }
+                mask = ramp.Holds(block);
+                c = ramp.Colors(block);
+                c = scaled ? Scale(c, factor) : c;
+            }
+            mask |= (I32)(Ascending() == lane); // whatever rounding the host has set
+            colors = Select(mask, c, colors);
+            left &= ~MaskBits(mask);
+        }
+        StoreSome(out + k, lanes, colors);
+    });
+}
+
+void Radial(const RadialEquation& q, const float* u, const float* v, const float* b, size_t count, float* t) {
+    const F32 zero{};
+    const F32 one = Splat(1.0F);
+    const F32 none = Splat(__builtin_nanf(""));
+    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+        const F32 x = LoadSome<F32>(u + k, lanes);
+        const F32 y = LoadSome<F32>(v + k, lanes);
+        const F32 B = LoadSome<F32>(b + k, lanes);
+        const F32 C = x * x + y * y - Splat(q.g2);
+        F32 r;
+        if (q.qa4 == 0.0F) {
+            r = -C / B;
+            r = Select(r == r, r, Splat(-1.0F));
+        } else {
+            const F32 D = B * B - Splat(q.qa4) * C;
+            const F32 s = SquareRoot(Select(D > zero, D, zero));
+            const F32 t1 = (s - B) * Splat(q.qinv);
+            const F32 t2 = (-B - s) * Splat(q.qinv);
+            r = Select((t1 >= zero) & (t1 <= one), t1, t2); // both are -B / (2 A) where D is 0
+            r = Select(r == r, r, Splat(-1.0F));
+            r = Select(D < zero, none, r);
+            r = Select(D == D, r, zero);
+        }
+        StoreSome(t + k, lanes, r);
+    });
+}
+
+/// A vector holds kLanes / 4 pixels, their channels side by side: narrowed to bytes, it is their words.
+void Plane(const float* start, const float* step, size_t count, uint32_t* out) {
+    constexpr size_t kPixels = kLanes / 4;
+    typedef uint8_t Bytes __attribute__((vector_size(kLanes)));
+    const F32 from = Repeat(start);
+    const F32 per = Repeat(step);
+    F32 index = __builtin_convertvector((I32)(Ascending() >> 2), F32);
+    for (size_t k = 0; k < count; k += kPixels) {
+        F32 v = from + per * index;
+        v = Select((I32)(v > F32{}), v, F32{}); // not a number counts as 0
+        v = Select((I32)(v < Splat(255.0F)), v, Splat(255.0F));
+        const auto bytes = __builtin_convertvector(Truncate(v + Splat(0.5F)), Bytes);
+        uint32_t words[kPixels];
+        __builtin_memcpy(words, &bytes, kLanes);
+        for (size_t i = 0; i < kPixels && k + i < count; ++i) {
+            out[k + i] = words[i];
+        }
+        index += static_cast<float>(kPixels);
+    }
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+// Row loops of the blend modes on plain targets and in groups, and of the result of a group.
+#pragma once
+
+#include "RowBlocks.h"
+#include "RowModes.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// A premultiplied source, and what a blend needs of it alone.
+struct BlendSource {
+    U32 c;
+    U32 straight;
+    bool opaque; ///< in every lane
+
+    explicit BlendSource(U32 source) noexcept : c(source), straight(source), opaque(AllSet((Alpha(source) == 255U))) {
+        if (!opaque) {
+            straight = Unpremultiply(source);
+        }
+    }
+};
+
+/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
+template <class Mode> GX_INLINE inline U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
+    const U32 as = Alpha(source.c);
+    const U32 ab = Alpha(d);
+    if (AllSet((ab == 255U))) {
+        const U32 mixed = Mode::Pixel(d, source.straight);
+        if (source.opaque) {
+            return mixed | 0xFF000000U;
+        }
+        const U32 sum = Scale(d, ComplementOf(as)) + Scale(mixed & 0x00FFFFFFU, FactorOf(as));
+        return sum | 0xFF000000U;
+    }
+    const U32 mixed = Mode::Pixel(Unpremultiply(d), source.straight) & 0x00FFFFFFU;
+    const U32 t = Product(as, ab + 1U) >> 8;
+    const U32 sum = Scale(d, ComplementOf(as)) + Scale(source.c, ComplementOf(ab)) + Scale(mixed, FactorOf(t));
+    const U32 result = (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
+    return Select(IsZero(ab), source.c, result);
+}
+
+template <size_t kNumber, class Mode>
+void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
+    if constexpr (kLanes > 4) {
+        if (count <= kShortRow) {
+            KernelTable<RowKernels>::Made(kNarrowestSet).blend[kNumber](dst, src, shape, count);
+            return;
+        }
+    }
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        U32 c = LoadSome(src + i, n);
+        I32 keep = IsZero(Alpha(c));
+        if (shape != nullptr) {
+            const U32 s = WidenSome(shape + i, n);
+            keep |= IsZero(s);
+            c = Scale(c, FactorOf(s));
+        }
+        if (AllSet(keep)) {
+            return;
+        }
+        const U32 d = LoadSome(dst + i, n);
+        StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, BlendSource(c))));
+    });
+}
+
+template <size_t kNumber, class Mode>
+void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    if (color >> 24 == 0) {
+        return;
+    }
+    if constexpr (kLanes > 4) {
+        if (count <= kShortRow) {
+            KernelTable<RowKernels>::Made(kNarrowestSet).blendSolid[kNumber](dst, color, shape, count);
+            return;
+        }
+    }
+    const BlendSource full(Splat(color));
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        if (shape == nullptr || (n == kLanes && BytesAre(shape + i, 255))) {
+            StoreSome(dst + i, n, BlendPixels<Mode>(LoadSome(dst + i, n), full));
+            return;
+        }
+        const U32 s = WidenSome(shape + i, n);
+        const I32 keep = IsZero(s);
+        if (!AllSet(keep)) {
+            const U32 d = LoadSome(dst + i, n);
+            const BlendSource partly(Scale(full.c, FactorOf(s)));
+            StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, partly)));
+        }
+    });
+}
+
+struct LayerOver {
+    GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOf(Alpha(c))) + c; }
+};
+
+template <class Mode> struct LayerBlended {
+    GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept {
+        const U32 mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c)) & 0x00FFFFFFU;
+        const U32 m = Scale(c, ComplementOf(Alpha(under))) + Scale(mixed, FactorOf(Alpha(under)));
+        return Scale(under, ComplementOf(Alpha(c))) + Scale(m, FactorOf(Alpha(c)));
+    }
+};
+
+template <class Compose>
+void LayerRow(const LayerRowPlanes& row, const uint32_t* src, const uint8_t* shape, size_t count) {
+    const LayerRowPlanes r = row;
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        const U32 c = LoadSome(src + i, n);
+        const U32 as = Alpha(c);
+        const U32 fs = shape != nullptr ? WidenSome(shape + i, n) : Splat(255U);
+        const I32 keep = IsZero(as) | IsZero(fs);
+        if (AllSet(keep)) {
+            return;
+        }
+        const U32 backdrop = r.backdrop != nullptr ? LoadSome(r.backdrop + i, n) : Splat(0U);
+        const U32 old = LoadSome(r.color + i, n);
+        const U32 oldAlpha = WidenSome(r.alpha + i, n);
+        const U32 oldShape = WidenSome(r.shape + i, n);
+
+        const U32 merged = r.knockout ? as : Union(oldAlpha, as);
+        const U32 alpha = (Product(merged, fs + 1U) >> 8) + (Product(oldAlpha, 256U - fs) >> 8);
+        const U32 composed = Compose::Pixel(r.knockout ? backdrop : old, c);
+        const U32 sum = Scale(old, ComplementOf(fs)) + Scale(composed, FactorOf(fs));
+        const U32 color = (sum & 0x00FFFFFFU) | Union(alpha, Alpha(backdrop)) << 24;
+        StoreSome(r.color + i, n, Select(keep, old, color));
+        NarrowSome(r.alpha + i, n, Select(keep, oldAlpha, alpha));
+        NarrowSome(r.shape + i, n, Select(keep, oldShape, Union(oldShape, fs)));
+    });
+}
+
+void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, const uint32_t* backdrop, size_t count) {
+    ForBlocksOnce(count, [=](size_t i, size_t n) {
+        const U32 fg = WidenSome(shape + i, n);
+        const U32 ag = WidenSome(alpha + i, n);
+        const U32 x = LoadSome(color + i, n);
+        I32 keep = IsZero(fg);
+        U32 share = x;
+        if (backdrop != nullptr) {
+            keep |= IsZero(ag);
+            share = SubtractClamped(x, Scale(LoadSome(backdrop + i, n), ComplementOf(ag)));
+        }
+        if (AllSet(keep)) {
+            return;
+        }
+        const U32 whole = (share & 0x00FFFFFFU) | ag << 24;
+        U32 result = DividedBytes(whole, fg).All();
+        if (backdrop != nullptr) {
+            result = Select((ag == 255U), x | 0xFF000000U, result);
+        }
+        StoreSome(color + i, n, Select(keep, x, result));
+    });
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

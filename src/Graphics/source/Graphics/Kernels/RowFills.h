@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// Row loops that store without looking at what lies below.
+#pragma once
+
+#include "RowBlocks.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// From here the processor's own string store is no slower, and far faster once the row exceeds the caches, since it
+/// does not read the lines first. Measured; non-temporal stores lose below that size and gain nothing above.
+constexpr size_t kStringStoreCount = size_t{1} << 17;
+
+void Fill32(uint32_t* dst, uint32_t value, size_t count) {
+    const U32 v = Splat(value);
+    if (count < kLanes) {
+        StorePart(dst, count, v);
+        return;
+    }
+#if defined(__x86_64__)
+    if (count >= kStringStoreCount) {
+        __asm__ volatile("rep stosl" : "+D"(dst), "+c"(count) : "a"(value) : "memory");
+        return;
+    }
+#endif
+    // First and last vector unaligned, overlapping the aligned ones between.
+    uint32_t* const end = dst + count;
+    Store(dst, v);
+    uint32_t* p = dst + (kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes);
+    for (; end - p >= static_cast<ptrdiff_t>(4 * kLanes); p += 4 * kLanes) {
+        Store(p, v);
+        Store(p + kLanes, v);
+        Store(p + 2 * kLanes, v);
+        Store(p + 3 * kLanes, v);
+    }
+    for (; end - p >= static_cast<ptrdiff_t>(kLanes); p += kLanes) {
+        Store(p, v);
+    }
+    Store(end - kLanes, v);
+}
+
+void Expect(const uint32_t* dst, size_t count) {
+    constexpr size_t kLine = 16;
+    for (size_t i = 0; i < count; i += kLine) {
+        __builtin_prefetch(dst + i, 1);
+    }
+    __builtin_prefetch(dst + count - 1, 1);
+}
+
+[[gnu::noinline]] void FillWideBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
+    const bool ahead = count < kStringStoreCount;
+    for (; rows != 0; --rows) {
+        auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<char*>(dst) + strideBytes);
+        if (ahead && rows > 1) {
+            Expect(next, count);
+        }
+        Fill32(dst, value, count);
+        dst = next;
+    }
+}
+
+void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
+    if (count > kLanes) {
+        FillWideBlock(dst, strideBytes, value, count, rows);
+        return;
+    }
+    const U32 v = Splat(value);
+    for (auto* row = reinterpret_cast<char*>(dst); rows != 0; --rows, row += strideBytes) {
+        StoreSome(row, count, v);
+    }
+}
+
+void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) {
+    if (shape == nullptr) {
+        ForBlocks(count, [=](size_t i, size_t n) { StoreSome(dst + i, n, LoadSome(dst + i, n) | 0xFF000000U); });
+        return;
+    }
+    ForBlocks(count, [=](size_t i, size_t n) {
+        const U32 d = LoadSome(dst + i, n);
+        StoreSome(dst + i, n, Select(IsZero(WidenSome(shape + i, n)), d, d | 0xFF000000U));
+    });
+}
+
+/// Aligned stores: a row that starts anywhere else splits two lines at every one of them.
+void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
+    const auto step = [=](size_t i) { Store(dst + i, Load(src + i * 4) | 0xFF000000U); };
+    if (count < kLanes) {
+        if (count != 0) {
+            __builtin_memcpy(dst, src, count * 4);
+            SetOpaque(dst, nullptr, count);
+        }
+        return;
+    }
+    step(0);
+    for (size_t i = kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes; i + kLanes <= count; i += kLanes) {
+        step(i);
+    }
+    step(count - kLanes);
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

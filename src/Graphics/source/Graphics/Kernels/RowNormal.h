@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// Row loops of the Normal mode, the most frequent ones: one colour, or a colour for each pixel, over a row.
+#pragma once
+
+#include "RowFills.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// d * (256 - as) >> 8 + c, or c where d is transparent.
+GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
+    return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
+}
+
+/// normalSolid on at most one vector of pixels.
+GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
+    const U32 s = WidenSome(shape, n);
+    const U32 d = LoadSome(dst, n);
+    const U32 scaled = Scale(color, FactorOf(s));
+    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, ComplementOf(Alpha(scaled)))));
+}
+
+void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
+    const uint32_t alpha = color >> 24;
+    if (alpha == 0) {
+        return;
+    }
+    const U32 c = Splat(color);
+    const U32 complement = ComplementOf(Splat(alpha));
+    if (shape == nullptr) {
+        if (alpha == 255) {
+            Fill32(dst, color, count);
+            return;
+        }
+        ForWholeBlocks(
+            count, [=](size_t i, size_t n) { StoreSome(dst + i, n, Over(LoadSome(dst + i, n), c, complement)); },
+            [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, nullptr, n); });
+        return;
+    }
+    const auto step = [=](size_t i, size_t n) {
+        if (n == kLanes) {
+            if (BytesAre(shape + i, 0)) {
+                return;
+            }
+            if (BytesAre(shape + i, 255)) {
+                Store(dst + i, alpha == 255 ? c : Over(Load(dst + i), c, complement));
+                return;
+            }
+        }
+        ShapedSolid(dst + i, c, shape + i, n);
+    };
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
+}
+
+void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape, ptrdiff_t shapeStride,
+                      size_t count, size_t rows) {
+    if (color >> 24 == 0) {
+        return;
+    }
+    const U32 c = Splat(color);
+    auto* bytes = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {
+        auto* row = reinterpret_cast<uint32_t*>(bytes);
+        const uint8_t* s = shape;
+        // The next block over these pixels is many rows away: short masked stores stall nothing here.
+        ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid(row + i, c, s + i, n); });
+    }
+}
+
+/// A vector of constant colours, composited row after row.
+struct SolidColumn {
+    U32 color;
+    U32 complement;
+
+    explicit SolidColumn(U32 c) noexcept : color(c), complement(ComplementOf(Alpha(c))) {}
+    GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
+        StoreSome(dst, n, Over(LoadSome(dst, n), color, complement));
+    }
+};
+
+/// `inner` but for the first lane and lane `at`.
+GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
+    const U32 lanes = Ascending();
+    const U32 c = Select(lanes == static_cast<uint32_t>(at), Splat(last), Splat(inner));
+    return SolidColumn(Select(IsZero(lanes), Splat(first), c));
+}
+
+/// Rows of more than a vector.
+[[gnu::noinline]] void SolidWideRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner,
+                                          uint32_t right, size_t count, size_t rows) {
+    constexpr size_t kAheadFrom = 64;             // pixels: shorter rows follow each other too closely
+    constexpr size_t kAlignedFrom = 4 * kLanes;   // pixels: shorter rows are not worth the search for a border
+    const size_t tail = (count - 1) % kLanes + 1; // pixels of the last vector
+    const size_t end = count - tail;
+    const SolidColumn first = EdgeColumn(left, inner, inner, 0);
+    const SolidColumn last = EdgeColumn(tail > 1 ? inner : right, inner, right, tail - 1);
+    const SolidColumn middle(Splat(inner));
+    const bool opaque = inner >> 24 == 255;
+    for (; rows != 0; --rows) {
+        auto* const next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + strideBytes);
+        if (count >= kAheadFrom && rows > 1) {
+            Expect(next, count);
+        }
+        first.Paint(dst, kLanes);
+        if (!opaque) {
+            for (size_t i = kLanes; i < end; i += kLanes) {
+                middle.Paint(dst + i, kLanes);
+            }
+        } else if (end > kAlignedFrom) {
+            Fill32(dst + kLanes, inner, end - kLanes);
+        } else {
+            for (size_t i = kLanes; i < end; i += kLanes) {
+                Store(dst + i, middle.color);
+            }
+        }
+        last.Paint(dst + end, tail);
+        dst = next;
+    }
+}
+
+void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right, size_t count,
+                    size_t rows) {
+    if (count > kLanes) {
+        SolidWideRectangle(dst, strideBytes, left, inner, right, count, rows);
+        return;
+    }
+    const SolidColumn all = EdgeColumn(left, inner, right, count - 1);
+    auto* row = reinterpret_cast<uint8_t*>(dst);
+    for (; rows != 0; --rows, row += strideBytes) {
+        all.Paint(reinterpret_cast<uint32_t*>(row), count);
+    }
+}
+
+void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
+    const auto rest = [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); };
+    const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllSet(Alpha(c) == 255U); };
+    if (shape == nullptr) {
+        const auto step = [=](size_t i, size_t n) GX_INLINE {
+            const U32 c = LoadSome(src + i, n);
+            if (replaces(c, n)) {
+                Store(dst + i, c);
+                return;
+            }
+            const U32 d = LoadSome(dst + i, n);
+            StoreSome(dst + i, n, Select(IsZero(Alpha(c)), d, Over(d, c, ComplementOf(Alpha(c)))));
+        };
+        ForWholeBlocks(count, step, rest);
+        return;
+    }
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
+        if (n == kLanes && BytesAre(shape + i, 0)) {
+            return;
+        }
+        U32 c = LoadSome(src + i, n);
+        const bool whole = n == kLanes && BytesAre(shape + i, 255);
+        if (whole && replaces(c, n)) {
+            Store(dst + i, c);
+            return;
+        }
+        I32 keep = IsZero(Alpha(c));
+        if (!whole) {
+            const U32 s = WidenSome(shape + i, n);
+            keep |= IsZero(s);
+            c = Scale(c, FactorOf(s));
+        }
+        const U32 d = LoadSome(dst + i, n);
+        StoreSome(dst + i, n, Select(keep, d, Over(d, c, ComplementOf(Alpha(c)))));
+    };
+    ForWholeBlocks(count, step, rest);
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE

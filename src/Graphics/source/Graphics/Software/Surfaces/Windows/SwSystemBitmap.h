@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// A picture that both sides can draw: the engine through its memory, GDI through a device context of its own.
+#pragma once
+
+#include <optional>
+
+#include "../../../Windows/DibSection.h"
+
+namespace Graphics {
+
+class SwSystemBitmap {
+public:
+    /// A context in memory like `like`, with a picture of BGRX32 pixels in it, all white. Raises "CreateCompatibleDC is
+    /// failed.", "CreateDIBSection fail", "Invalid bitmap dimensions", "Bitmap is too big".
+    SwSystemBitmap(HDC like, int64_t width, int64_t height, float dpiX, float dpiY);
+
+    [[nodiscard]] HDC Context() const noexcept { return m_context.Get(); }
+    [[nodiscard]] PixelView View() const noexcept { return m_bitmap.View(GXPixelFormatBGRX32); }
+    void MakeWhite() noexcept;
+
+private:
+    [[nodiscard]] static DibSection CreateNativeBitmap(int64_t width, int64_t height, float dpiX, float dpiY);
+
+    // The selection ends first.
+    DCHandle m_context;
+    DibSection m_bitmap;
+    std::optional<GdiSelection> m_selection;
+};
+
+} // namespace Graphics

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Colours outside [0, 1] are fixed for the draw. The background is packed and scaled by the opacity only, as it is
+// given; the stops' colours are premultiplied first.
+#include "SwGradientColorSource.h"
+
+#include <cmath>
+
+#include "../Exception.h"
+#include "../Pixels/Opacity.h"
+#include "../Pixels/PixelMath.h"
+#include "SwLinearGradientColorSource.h"
+#include "SwMeshColorSource.h"
+#include "SwRadialGradientColorSource.h"
+
+namespace Graphics {
+
+bool InverseMap::Set(const Matrix& m) noexcept {
+    const double m00 = m.m00, m01 = m.m01, m10 = m.m10, m11 = m.m11, m20 = m.m20, m21 = m.m21;
+    const double det = m00 * m11 - m01 * m10;
+    const double k = 1.0 / det;
+    if (det == 0.0 || !std::isfinite(det) || !std::isfinite(k) || !std::isfinite(m20) || !std::isfinite(m21)) {
+        return false;
+    }
+    a = m11 * k;
+    b = -m01 * k;
+    c = -m10 * k;
+    d = m00 * k;
+    e = (m10 * m21 - m11 * m20) * k;
+    f = (m01 * m20 - m00 * m21) * k;
+    return true;
+}
+
+SwGradientColorSource::SwGradientColorSource(const GradientBrush& brush, const TwoPointGradientBase& gradient) noexcept
+    : m_kernels(ActivePaintKernels()), m_sampler(gradient.stops) {
+    const uint32_t factor = OpacityFactor(brush.opacity);
+    const auto colorAt = [&](float t) { return ScalePixel(PremultiplyPixel(m_sampler.ColorAt(t)), factor); };
+    m_background = gradient.hasBackground ? ScalePixel(PackColor(gradient.background), factor) : 0;
+    m_shade.sampler = &m_sampler;
+    m_shade.interval = m_sampler.IntervalAt(0.0F);
+    m_shade.before = gradient.extendStart ? colorAt(0.0F) : m_background;
+    m_shade.after = gradient.extendEnd ? colorAt(1.0F) : m_background;
+    m_shade.notANumber = m_background;
+    m_shade.opacityFactor = factor;
+    m_opaque = factor == 256 && m_sampler.IsOpaque() && m_shade.before >> 24 == 255 && m_shade.after >> 24 == 255;
+}
+
+void SwGradientColorSource::MakeConstant() noexcept {
+    m_constant = true;
+    m_opaque = m_background >> 24 == 255;
+}
+
+SwColorSource* SwGradientColorSource::Factory(Arena& arena, const GradientBrush& brush, const Rect& bounds,
+                                              const Matrix& transform) {
+    const Gradient& gradient = *brush.gradient;
+    switch (gradient.Kind()) {
+    case kGradientLinear:
+        return arena.Make<SwLinearGradientColorSource>(brush, static_cast<const LinearGradient&>(gradient), transform);
+    case kGradientRadial:
+        return arena.Make<SwRadialGradientColorSource>(brush, static_cast<const RadialGradient&>(gradient), transform);
+    case kGradientTriMesh:
+        return arena.Make<SwMeshColorSource>(arena, brush, static_cast<const TriMeshGradient&>(gradient), bounds,
+                                             transform);
+    default:
+        GX_RAISE("Graphics::SwGradientColorSource::Factory", "Not implemented");
+    }
+}
+
+} // namespace Graphics

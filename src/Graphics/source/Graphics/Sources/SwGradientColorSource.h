@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// What the sources of linear and radial gradients share, and the choice among all gradient sources. Positions are whole
+// device coordinates, without half a pixel added; maps go from device to gradient space.
+#pragma once
+
+#include "../Kernels/PaintKernels.h"
+#include "../Paint/Brush.h"
+#include "../Paint/Gradient.h"
+#include "SwColorSource.h"
+
+namespace Graphics {
+
+class SwGradientColorSource : public SwColorSource {
+public:
+    /// Raises "Not implemented" for an unknown kind of gradient. The brush must outlive the source.
+    [[nodiscard]] static SwColorSource* Factory(Arena& arena, const GradientBrush& brush, const Rect& bounds,
+                                                const Matrix& transform);
+
+    [[nodiscard]] bool IsSolid(uint32_t& color) const noexcept final {
+        color = m_background;
+        return m_constant;
+    }
+    [[nodiscard]] bool IsOpaque() const noexcept final { return m_opaque; }
+
+protected:
+    /// The colours before, after and outside; `m_constant` starts as false.
+    SwGradientColorSource(const GradientBrush& brush, const TwoPointGradientBase& gradient) noexcept;
+    SwGradientColorSource(const SwGradientColorSource&) = delete;
+    SwGradientColorSource& operator=(const SwGradientColorSource&) = delete;
+
+    /// Every pixel is the background: the gradient has no extent, or its map no inverse.
+    void MakeConstant() noexcept;
+
+    const PaintKernels& m_kernels;
+    GradientSampler m_sampler;
+    GradientShade m_shade;
+    uint32_t m_background;
+    bool m_constant = false;
+    bool m_opaque;
+};
+
+/// The inverse of a matrix before rounding to floats.
+struct InverseMap {
+    double a, b, c, d, e, f; ///< x' = a x + c y + e, y' = b x + d y + f
+
+    /// False when there is no finite inverse.
+    [[nodiscard]] bool Set(const Matrix& m) noexcept;
+};
+
+} // namespace Graphics
