@@ -1,29 +1,34 @@
 // SPDX-License-Identifier: MIT
-// Turns edges that cross, touch and overlap at will into a plane subdivision whose edges meet at common ends only, and
-// finds the borders of the combined area on the way.
+// Turns edges that cross, touch and overlap into a plane subdivision whose edges meet at common ends only, and finds
+// the borders of the combined area on the way.
 //
-// A sweep (Bentley and Ottmann 1979) over grid points keeps the edges under the sweep line in order and looks at
-// neighbours alone: where two of them touch or cross, both are cut. Edges of one start and direction become one edge
-// with the sum of their weights, so what overlaps is handled once. Where nearly all edges cross, PairwiseWinder finds
-// the border beforehand and the sweep gets nothing else.
+// Method: the sweep of Bentley and Ottmann (1979) over points of an integer grid. The status holds the edges that the
+// sweep line crosses, in order; only neighbours are compared, and where two of them touch or cross, both are cut there.
+// Edges with the same start and direction become one edge whose weight is the sum of theirs. Where nearly all edges
+// cross, PairwiseWinder finds the border first and the sweep gets nothing but that.
 //
-// A crossing is rounded to the grid, which bends the two edges by a unit or so; bent edges may cross others. A sweep is
-// the last one if it bends nothing, or if no bend matters. A bend takes effect ahead of the sweep, where all is still
-// to be looked at, and behind it, where the edge turns through a thin triangle. Corners of the triangle are the edge's
-// ends, which stray little from its line, and the line is straight: what lies in the triangle is near the line and in
-// the edge's box. So at every point the sweep notes of both neighbours whether the point lies there (GridEdge::near,
-// close). A bend of an edge without such a note changes no answer given before: the final edges have passed every point
-// at the side that was found. By the argument of Shamos and Hoey (1976) they don't cross then: the first two to meet
-// would have been neighbours just before, and the next point at which they cease to be neighbours, an end of one of
-// them or a start between them, would have been at the wrong side of one. Edges that share both ends are the exception;
-// of these no two may be borders. Otherwise the pieces are swept again.
+// Rounding. A crossing is rounded to the grid, which bends both edges by about a unit, and bent edges may cross edges
+// that they did not cross before.
 //
-// The number of sweeps is bounded. Where bends are in each other's way, a sweep cuts nearby and goes on. If such bends
-// are exceptions and its order held, its border is right but for a unit or so, and the border alone is swept again, x
-// and y exchanged: kMostSweeps times at most, mostly once. Else the sweep stops at once, and all begins anew with lines
-// that are never bent: LineWinder finds the border by the exact order, one sweep, and PixelSnapper moves it to the grid
-// so that nothing crosses, three sweeps. The last sweep only links what is left. So there are kMostSweeps + 5 at most,
-// each of (n + k) log n.
+// Claim 1: a sweep is the last one if none of its bends matters, that is, if no point that the sweep has passed lies in
+// the thin triangle through which a bend turns its edge.
+// How it is checked: the corners of the triangle are the edge's ends and the rounded crossing, all of them close to the
+// edge's straight line; so whatever lies in the triangle lies near that line and inside the edge's box. At every point
+// the sweep notes for both neighbours whether the point lies there (GridEdge::near, close). A bend of an edge without
+// such a note changes no answer that the sweep has given.
+// Proof: by the above, the final edges have every point on the side that the sweep found (Shamos and Hoey 1976). Take the
+// first two final edges that meet elsewhere than at a common end. They would be neighbours just before; the next point at
+// which they cease to be neighbours is an end of one of them, or a start between them, and lies on the wrong side of
+// one. That contradicts the first sentence. Edges that share both ends are excepted from the argument: of these at most
+// one may be a border. Where any of this fails, the pieces are swept again.
+//
+// Claim 2: there are at most kMostSweeps + 5 sweeps, each of O((n + k) log n) for n edges with k crossings.
+//   1. Where bends are in each other's way, the sweep cuts nearby and goes on. If such bends are exceptions
+//      (kEdgesPerException) and the order held, the border is right but for about a unit, and the border alone is swept
+//      again with x and y exchanged: kMostSweeps times at most, mostly once.
+//   2. Otherwise the sweep stops, and exact steps replace it: LineWinder finds the border from lines that are never bent
+//      (one sweep), and PixelSnapper moves the border to the grid so that nothing crosses (three sweeps).
+//   3. One last sweep links what is left.
 #pragma once
 
 #include "BorderLinker.h"

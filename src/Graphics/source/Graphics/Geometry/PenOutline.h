@@ -9,18 +9,20 @@
 //     C- -n ---------- -n
 //        right side
 //
-// All these pieces wind the same way, so that they add up under the non-zero rule. On the inner side the two offset
-// lines meet in their intersection where each of both segments gives up no more than half of itself for it: what is
-// taken away, the kite between the centre, the two offset ends and the intersection, is then covered by both rectangles
-// and by no other such kite of these, and at least one winding is left. Elsewhere the inner side goes over the centre,
-// which takes away nothing.
+// 1. All pieces wind the same way, so they add up under the non-zero rule.
+// 2. Inner side of a corner: the two offset lines are joined in their intersection if that shortens each of the two
+//    segments by at most half; otherwise the outline goes through the centre c, which removes nothing.
+//    Proof that joining removes nothing either: what it removes is the kite between c, the two offset ends and the
+//    intersection. Both rectangles cover the kite. Because a segment gives at most half of itself to each of its corners,
+//    no other kite of these two segments overlaps it. So two windings minus one are left.
 //
-// Dashes whose caps overlap are one outline, a chain, so that a dot costs what can be seen of it and not its whole
-// circle. Between two of them, d apart, round caps of radius h meet in a notch,
+// Chains: dashes whose caps overlap form one outline, so that a dot costs what can be seen of it and not its circle.
 //
-//        ...__      __...            sqrt(h^2 - d^2 / 4) beside the middle of the gap; each cap has turned by
-//             \_  _/                 phi = asin(d / 2h) there. Squares without length (dots) make stairs: the corner
-//          a    \/    b              beside the way is followed by the point that it shares with the next square.
+//        ...__      __...            Round caps of radius h, with centres a and b at distance d, meet in a notch
+//             \_  _/                 sqrt(h^2 - d^2 / 4) beside the middle of the gap; up to there each cap has turned
+//          a    \/    b              by phi = asin(d / 2h).
+//
+// Square dots form stairs: each outer corner is followed by the point that its square shares with the next one.
 #pragma once
 
 #include <span>
@@ -149,10 +151,10 @@ private:
     Vector m_dotDirection{1, 0};
     bool m_refineCurves = false;
 
-    // Points run one behind, so that a corner may be left out: where it, its neighbours and the corners left out before
-    // it all lie beyond one side of the view, so do all their joins and the edges between them, and a chord on that
-    // side winds around what is seen as they do. The corners that are kept are built from the segments beside them as
-    // ever, whether or not these segments' other ends are.
+    // A point is processed when the next one is known, so that a corner can be left out. Claim: a corner may go if it,
+    // its neighbours and the corners left out before it lie beyond one common side of the view. Proof: their joins and
+    // the edges between them lie beyond that side as well, so a chord there winds around everything in view as they do.
+    // Corners that stay are built from their true neighbours, even if those are left out.
     Point m_start{};
     Point m_fixed{};   // the last corner that is kept
     Point m_leftOut{}; // the last corner that was left out, where m_leavesOut

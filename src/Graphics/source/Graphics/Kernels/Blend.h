@@ -2,7 +2,9 @@
 // The sixteen blend functions on one pair of straight pixels, and the pixel arithmetic around them, written plainly:
 // the forms that every other instruction set must match bit for bit.
 //
-// cb is the backdrop channel, cs the source channel, both 0 to 255 and not premultiplied. Divisions truncate. The
+// The functions are B(cb, cs) of ISO 32000-1:2008, 11.3.5 (tables 136 and 137; the same in W3C "Compositing and Blending
+// Level 1"), on integers: cb is the backdrop channel, cs the source channel, both 0 to 255 and not premultiplied, and
+// divisions truncate. Where a function differs from the standard, its comment says so; pages must keep their bytes. The
 // modes are numbered as the interface numbers them, with ColorBurn before ColorDodge.
 #pragma once
 
@@ -37,9 +39,11 @@ namespace Graphics::Blend {
 struct Normal {
     static uint32_t Of(uint32_t /*cb*/, uint32_t cs) noexcept { return cs; }
 };
+/// cb cs, with (cb + 1) / 256 for cb / 255.
 struct Multiply {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept { return ((cb + 1U) * cs) >> 8; }
 };
+/// cb + cs - cb cs
 struct Screen {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept { return cs + cb - (((cb + 1U) * cs) >> 8); }
 };
@@ -49,11 +53,13 @@ struct Darken {
 struct Lighten {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept { return Higher(cb, cs); }
 };
+/// 1 - min(1, (1 - cb) / cs); 0 for cs = 0, over white too.
 struct ColorBurn {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept {
         return cs == 0 ? 0U : 255U - Lower(255U, (255U - cb) * 255U / cs);
     }
 };
+/// min(1, cb / (1 - cs)); 1 for cs = 1, over black too.
 struct ColorDodge {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept {
         if (cs == 255U) {
@@ -62,6 +68,7 @@ struct ColorDodge {
         return cb < 255U - cs ? cb * 255U / (255U - cs) : 255U;
     }
 };
+/// Multiply(cb, 2 cs) for cs up to a half, Screen(cb, 2 cs - 1) above.
 struct HardLight {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept {
         if (cs > 127U) {
@@ -71,10 +78,13 @@ struct HardLight {
         return 2U * cs * cb / 255U;
     }
 };
+/// HardLight with its operands exchanged.
 struct Overlay {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept { return HardLight::Of(cs, cb); }
 };
+/// cb - (1 - 2 cs) cb (1 - cb) for cs up to a half, cb + (2 cs - 1) (D(cb) - cb) above.
 struct SoftLight {
+    /// ((16 x - 12) x + 4) x for x up to a quarter, sqrt(x) above.
     static int32_t D(uint32_t cb) noexcept {
         const float x = static_cast<float>(cb) / 255.0F;
         const float f = x <= 0.25F ? ((16.0F * x - 12.0F) * x + 4.0F) * x : __builtin_sqrtf(x);
@@ -90,6 +100,7 @@ struct SoftLight {
 struct Difference {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept { return cb > cs ? cb - cs : cs - cb; }
 };
+/// cb + cs - 2 cb cs
 struct Exclusion {
     static uint32_t Of(uint32_t cb, uint32_t cs) noexcept { return cs + cb - 2U * cs * cb / 255U; }
 };
@@ -115,8 +126,9 @@ struct Rgb {
     return static_cast<float>(Higher(r, Higher(g, b)) - Lower(r, Lower(g, b))) / 255.0F;
 }
 
-/// Gives the colour the saturation s. The lowest channel keeps its own value, which is not what the textbook does, and
-/// the other two of a grey become 0. Among equals red is the highest first, blue the lowest first.
+/// Gives the colour the saturation s. Unlike the standard's SetSat, which makes the lowest channel 0, this one keeps its
+/// value; of a grey the other two channels become 0. Of equal channels, red counts as the highest before green before
+/// blue, and blue as the lowest before green before red.
 [[nodiscard]] inline Rgb SetSat(Rgb c, float s) noexcept {
     float* high = c.r >= c.g && c.r >= c.b ? &c.r : c.g >= c.b ? &c.g : &c.b;
     float* low = c.b <= c.r && c.b <= c.g ? &c.b : c.g <= c.r ? &c.g : &c.r;
@@ -131,7 +143,7 @@ struct Rgb {
     return c;
 }
 
-/// Shifts the colour to luminosity l, then draws what left 0..1 back toward the luminosity.
+/// SetLum and ClipColor of the standard: shifts the colour to luminosity l, then moves channels outside 0 to 1 toward it.
 [[nodiscard]] inline Rgb SetLum(Rgb c, float l) noexcept {
     const float d = l - Lum(c);
     c = {c.r + d, c.g + d, c.b + d};
@@ -159,19 +171,23 @@ struct Rgb {
     return byte(c.r) << 16 | byte(c.g) << 8 | byte(c.b);
 }
 
+/// SetLum(SetSat(cs, Sat(cb)), Lum(cb))
 struct Hue {
     static uint32_t Pixel(uint32_t b, uint32_t s) noexcept {
         return ToBytes(SetLum(SetSat(ToRgb(s), Sat(b)), Lum(ToRgb(b))));
     }
 };
+/// SetLum(SetSat(cb, Sat(cs)), Lum(cb))
 struct Saturation {
     static uint32_t Pixel(uint32_t b, uint32_t s) noexcept {
         return ToBytes(SetLum(SetSat(ToRgb(b), Sat(s)), Lum(ToRgb(b))));
     }
 };
+/// "Color" of the standard: SetLum(cs, Lum(cb))
 struct HueAndSaturation {
     static uint32_t Pixel(uint32_t b, uint32_t s) noexcept { return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b)))); }
 };
+/// SetLum(cb, Lum(cs))
 struct Luminosity {
     static uint32_t Pixel(uint32_t b, uint32_t s) noexcept { return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s)))); }
 };

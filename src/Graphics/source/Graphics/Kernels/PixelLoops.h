@@ -1,5 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The loops that read pixels where they lie, at any indices: a permutation of a few words, gathers, or one by one.
+// Samplers that read an image's pixels in place, without a converted copy: by a permutation of a few neighbouring words,
+// by gathers, or one pixel after the other.
+//
+// Invariant: no read leaves the image. A pixel of three bytes (Triples) is read as a word of four, which needs one byte
+// beside it:
+//
+//     nearest    the word begins at the byte before the pixel; at the first pixel of a row, at the pixel
+//     bilinear   the eight bytes for a pair end with the second pixel; for the first pair of a row they begin with it
+//     gathers    the word begins at the pixel; not used for the last pixel of a row (MayGather)
 #pragma once
 
 #include "../Pixels/PixelMath.h"
@@ -8,13 +16,13 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// Floats below are exact integers' neighbours: an end up to here is a float.
+/// Every integer up to here is a float.
 constexpr int32_t kWhole = 1 << 24;
 
 template <PixelLayout kLayout> constexpr int32_t kPixelBytes = kLayout == PixelLayout::Triples ? 3 : 4;
 
-/// From words as they are stored. What fills the fourth byte of opaque pixels is no matter while they are mixed,
-/// because no channel reaches another: Finish gives them their alpha.
+/// A stored word as a premultiplied pixel. The fourth byte of opaque layouts may hold anything until Finish sets it: mixing
+/// treats channels apart, so it reaches no other one.
 template <PixelLayout kLayout> GX_INLINE inline U32 Understand(U32 c) noexcept {
     return kLayout == PixelLayout::Straight ? Premultiply(c) : c;
 }
@@ -34,7 +42,7 @@ template <PixelLayout kLayout> GX_INLINE inline uint32_t PixelAt(const uint8_t* 
     }
 }
 
-/// A word read from a triple's first byte reaches into the next one: the last of a row stands for itself.
+/// Whether words read at these columns stay inside the row.
 template <PixelLayout kLayout> GX_INLINE inline bool MayGather(I32 columns, int32_t width) noexcept {
     return kLanes > 4 && (kLayout != PixelLayout::Triples || AllSet(columns < width - 1));
 }
@@ -78,14 +86,14 @@ void Points(const PixelGrid& grid, const int32_t* rows, const int32_t* columns, 
     });
 }
 
-/// Of triples, a word begins with the byte before the pixel, but for the first of a row: none reaches behind the image.
+/// One pixel for each place.
 template <PixelLayout kLayout> class NearestPoints {
 public:
     static constexpr int kInterpolation = 0;
-    /// Clamping costs no more than to find out whether it is needed.
-    GX_INLINE NearestPoints(const PixelGrid& grid, uint32_t* out) noexcept : m_grid(grid), m_out(out) {}
-
+    /// Clamping costs no more than the test whether it is needed.
     static constexpr bool kClampsAll = true;
+
+    GX_INLINE NearestPoints(const PixelGrid& grid, uint32_t* out) noexcept : m_grid(grid), m_out(out) {}
 
     [[nodiscard]] bool Suits() const noexcept {
         return m_grid.IsNear() && m_grid.width >= (kWords ? 1 : 2) && m_grid.width <= kWhole && m_grid.height <= kWhole;
@@ -104,7 +112,7 @@ public:
 private:
     static constexpr bool kWords = kLayout != PixelLayout::Triples;
 
-    /// Clamped as a coordinate, which then truncates to the clamped index.
+    /// The clamped coordinate truncates to the clamped index.
     GX_INLINE static I32 Column(F32 c, int32_t size) noexcept {
         return Truncate(Lower(Higher(c, F32{}), Splat(static_cast<float>(size - 1))));
     }
@@ -126,15 +134,13 @@ private:
     uint32_t* m_out;
 };
 
-/// Two neighbours come in one read. The last pixel of a row is read with the one before it; of triples, the eight bytes
-/// read end with the second pixel, but for the first two of a row, which begin them.
+/// Four pixels for each place, two neighbours in one read. At the last pixel of a row the pair begins one pixel earlier.
 template <PixelLayout kLayout> class BilinearPoints {
 public:
     static constexpr int kInterpolation = 1;
+    static constexpr bool kClampsAll = false;
 
     GX_INLINE BilinearPoints(const PixelGrid& grid, uint32_t* out) noexcept : m_grid(grid), m_out(out) {}
-
-    static constexpr bool kClampsAll = false;
 
     [[nodiscard]] bool Suits() const noexcept { return m_grid.IsNear() && m_grid.width >= (kWords ? 2 : 3); }
     [[nodiscard]] int32_t EndX() const noexcept { return m_grid.width - 1; }
@@ -176,7 +182,7 @@ private:
 
     [[nodiscard]] int32_t Stride() const noexcept { return static_cast<int32_t>(m_grid.strideBytes); }
 
-    /// Where the pair begins in its row.
+    /// The byte of its row at which the pair's read begins. `later` (triples): the read begins before the pair.
     GX_INLINE static I32 ByteOf(I32 i, I32& later) noexcept {
         later = (I32)(i > I32{});
         return kWords ? i * 4 : i * 3 + (later & -2);
@@ -209,7 +215,7 @@ size_t SampleRow(const PixelGrid& grid, bool clamp, const float* u, const float*
     if (!way.Suits()) {
         return 0;
     }
-    // The patterns of positive floats are in the order of their values; all others, and NaN, stand above.
+    // As integers the bits of floats from 0 on have the order of their values; negative floats and NaN are above them.
     const auto limit = [](int32_t end) {
         return __builtin_bit_cast(uint32_t, static_cast<float>(end < kWhole ? end : kWhole));
     };

@@ -6,16 +6,17 @@ namespace {
 
 constexpr int64_t kNone = INT64_MAX; // behind every coordinate
 
-/// A piece is in class 1 (in a only), 2 (in b only) or 3 (in both); an operation keeps the classes from lo to hi.
+/// A piece of the plane is of class 1 (in a only), 2 (in b only) or 3 (in both). Every operation keeps the classes of one
+/// range: intersection 3, union 1 to 3, exclusive or 1 to 2, difference 1. Class 0 (in neither) is in no range.
 struct Keeps {
     explicit Keeps(RegionOp op) noexcept
-        : lo(op == RegionOp::Intersection ? 3U : 1U), span((op == RegionOp::Union         ? 3U
-                                                            : op == RegionOp::ExclusiveOr ? 2U
-                                                            : op == RegionOp::Difference  ? 1U
-                                                                                          : 3U) -
-                                                           lo) {}
-    [[nodiscard]] bool operator()(uint32_t pieceClass) const noexcept { return pieceClass - lo <= span; }
-    uint32_t lo, span;
+        : first(op == RegionOp::Intersection ? 3U : 1U), last(op == RegionOp::Difference    ? 1U
+                                                              : op == RegionOp::ExclusiveOr ? 2U
+                                                                                            : 3U) {}
+    [[nodiscard]] bool operator()(uint32_t pieceClass) const noexcept {
+        return pieceClass >= first && pieceClass <= last;
+    }
+    uint32_t first, last;
 };
 
 [[nodiscard]] bool Same(const Intervals& a, const Intervals& b) noexcept {
@@ -30,7 +31,7 @@ struct Keeps {
     return true;
 }
 
-/// An interval list as the places where it is entered and left.
+/// The ends of a list's intervals, from left to right.
 class Edges {
 public:
     Edges(const Intervals& list, size_t first, size_t last) noexcept : m_cursor(list, first), m_left(last - first) {}
@@ -69,7 +70,7 @@ public:
         if (a.Empty() || b.Empty()) {
             return m_op == RegionOp::Intersection ? Intervals() : a;
         }
-        // Only what b reaches can change, and what it touches can grow together with it.
+        // Intervals of a that b neither overlaps nor touches are in the result as they are.
         const size_t first = FirstEndingFrom(a, b.Left()), last = FirstStartingBehind(a, b.Right());
         Merge(Edges(a, first, last), Edges(b, 0, b.Size()));
         if (m_op == RegionOp::Intersection) {
@@ -85,8 +86,9 @@ public:
     }
 
 private:
-    /// Walks the edges of both from left to right; what is kept starts and ends where the class enters and leaves the
-    /// operation's range. Neighbours that touch become one by themselves.
+    /// Walks the ends of both lists from left to right. Invariant: between two ends the class is constant, so an interval
+    /// of the result begins where the class enters the operation's range and ends where it leaves it. Intervals that
+    /// touch become one, because the class does not leave the range between them.
     void Merge(Edges a, Edges b) {
         m_kept.clear();
         bool inside = false;
@@ -136,7 +138,7 @@ void PushBand(std::vector<Band>& bands, int32_t top, int32_t bottom, Intervals i
     bands.push_back({top, bottom, std::move(intervals)});
 }
 
-/// Walks bands piece by piece; a piece is a stretch of rows in which nothing changes.
+/// Walks bands by pieces: maximal stretches of rows with the same intervals, gaps included.
 class BandWalk {
 public:
     BandWalk(const Bands& bands, size_t first, size_t last) noexcept : m_cursor(bands, first), m_left(last - first) {}
@@ -237,7 +239,7 @@ Bands CombineBands(const Bands& a, const Bands& b, RegionOp op) {
     if (op != RegionOp::Difference && a.Size() < b.Size()) {
         return CombineBands(b, a, op);
     }
-    // The bands that b reaches or touches; those above and below stay as they are.
+    // Bands of a that b neither overlaps nor touches are in the result as they are.
     const size_t first = FirstBandEndingFrom(a, Top(b)), last = FirstBandStartingBehind(a, Bottom(b));
     IntervalCombiner combine(op);
     const Intervals none;

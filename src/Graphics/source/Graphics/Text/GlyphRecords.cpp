@@ -45,7 +45,7 @@ void SendQuadratics(const Points& points, GeometrySink& sink) {
 }
 
 void SendCubics(const Points& points, GeometrySink& sink) {
-    // The last three points of a record are left out, as they always were.
+    // The last three points of a record are not sent; the bytes of pages depend on it.
     for (size_t i = 0; i + 3 < points.count; i += 3) {
         sink.CubicTo(points[i], points[i + 1], points[i + 2]);
     }

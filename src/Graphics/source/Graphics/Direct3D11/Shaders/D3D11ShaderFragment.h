@@ -11,11 +11,14 @@
 
 namespace Graphics {
 
+/// In the order in which a shader has them. The short names are those of the functions in the shader's text.
 enum class D3D11Fragment : uint8_t {
-    T2D,
-    SC,
-    BC,
-    BCP,
+    T2D, ///< position: user space to the target
+    // Source colour: one of these.
+    SC,  ///< a constant
+    BC,  ///< a bitmap with straight alpha
+    BCP, ///< a bitmap with premultiplied alpha
+    // Opacity: a constant, or the values of a mask's bitmap. I: inverted; P: of a bitmap with premultiplied alpha.
     SO,
     BOAlpha,
     BOIAlpha,
@@ -23,6 +26,7 @@ enum class D3D11Fragment : uint8_t {
     BOILum,
     BOLumP,
     BOILumP,
+    // Shape: the same.
     SS,
     BSAlpha,
     BSIAlpha,
@@ -30,7 +34,7 @@ enum class D3D11Fragment : uint8_t {
     BSILum,
     BSLumP,
     BSILumP,
-    // Compositions: the last one of a shader, and one only.
+    // Composition: the last fragment of a shader, and one only.
     BasicFastComposition,
     BasicComposition,
     LayerResultComposition,
