@@ -271,6 +271,41 @@ TEST_P(KernelTest, CompositesOverABasicTarget) {
     });
 }
 
+TEST_P(KernelTest, RunsOfARowTakeOneColour) {
+    ForRows(29, [&](Source& random, size_t n, size_t shift) {
+        if (n == 0) {
+            return;
+        }
+        std::vector<uint32_t> dst(n);
+        random.Fill(dst);
+        std::vector<uint8_t> shape(n);
+        std::vector<uint8_t> coverage(n, 0);
+        std::vector<Graphics::CoverageRun> runs;
+        const auto left = static_cast<int32_t>(random.Number(1000)) - 500;
+        for (size_t x = 0; x < n;) {
+            const size_t end = std::min(n, x + 1 + random.Number(random.Number(3) == 0 ? 90 : 12));
+            Graphics::CoverageRun run{left + int32_t(x), left + int32_t(end), nullptr, 0};
+            if (random.Number(2) == 0) {
+                run.shape = shape.data() + x;
+                for (size_t i = x; i < end; ++i) {
+                    shape[i] = coverage[i] = static_cast<uint8_t>(random.Number(3) == 0 ? 0 : random.Number(256));
+                }
+            } else {
+                run.value = static_cast<uint8_t>(random.Number(2) == 0 ? 255 : 1 + random.Number(255));
+                std::fill(coverage.begin() + ptrdiff_t(x), coverage.begin() + ptrdiff_t(end), run.value);
+            }
+            runs.push_back(run);
+            x = end + (random.Number(2) == 0 ? 0 : random.Number(20));
+        }
+        const auto begin = static_cast<size_t>(runs.front().x0 - left);
+        const uint32_t color = random.Pixel();
+        CheckPixels(
+            dst, shift, "solidRuns",
+            [&](uint32_t* p) { m_kernels->solidRuns(*m_kernels, p + begin, color, runs.data(), runs.size()); },
+            [&](uint32_t d, size_t i) { return NormalOracle(d, color, coverage[i]); });
+    });
+}
+
 TEST_P(KernelTest, SolidRectanglesHaveOneColourAtEachSide) {
     ForRows(17, [&](Source& random, size_t n, size_t shift) {
         if (n == 0) {

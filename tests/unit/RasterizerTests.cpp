@@ -315,6 +315,81 @@ private:
     std::vector<std::array<int32_t, 4>> cuts;
 };
 
+/// Takes rows together, or one by one and spoils what it is given.
+class EqualRowsSink final : public GridSink {
+public:
+    EqualRowsSink(const IntRect& visible, bool together) : GridSink(visible), m_together(together) {}
+    void Row(int32_t y, std::span<CoverageRun> runs) override {
+        ++calls;
+        GridSink::Row(y, runs);
+        for (CoverageRun& run : runs) {
+            if (run.shape != nullptr) {
+                std::fill_n(run.shape, run.x1 - run.x0, uint8_t{77});
+            }
+            run = {0, 1, nullptr, 55};
+        }
+    }
+    bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override {
+        if (m_together) {
+            ++calls;
+            for (int32_t y = y0; y < y1; ++y) {
+                std::vector<CoverageRun> copy(runs.begin(), runs.end());
+                GridSink::Row(y, copy);
+            }
+        }
+        return m_together;
+    }
+
+    int calls = 0;
+
+private:
+    bool m_together;
+};
+
+TEST_F(RasterizerTest, RowsBetweenUprightSidesAreSentTogether) {
+    std::mt19937 random(77);
+    const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<uint32_t>(n)); };
+    constexpr int kSize = 300;
+    const Rect clip{0, 0, kSize, kSize};
+    int together = 0;
+    int rows = 0;
+    for (int round = 0; round < 400; ++round) {
+        Loops loops;
+        for (int i = 0; i <= pick(4); ++i) { // bars with slanted ends, a part of them slanted as a whole
+            const auto x = static_cast<float>(pick(kSize * 16)) / 16;
+            const auto y = static_cast<float>(pick(kSize * 16)) / 16;
+            const auto w = static_cast<float>(1 + pick(40 * 16)) / 16;
+            const auto h = static_cast<float>(pick(kSize * 16)) / 16;
+            const float lean = pick(4) == 0 ? 3.25F : 0.0F;
+            Loop bar{{x, y}, {x + w, y + static_cast<float>(pick(3)) * 2.7F}, {x + w + lean, y + h}, {x, y + h + 1.3F}};
+            if (pick(2) == 0) {
+                std::reverse(bar.begin(), bar.end());
+            }
+            loops.push_back(bar);
+        }
+        const int32_t top = pick(3) == 0 ? pick(200) : 0;
+        const IntRect visible{pick(3) == 0 ? pick(200) : 0, top, kSize, kSize};
+        const bool evenOdd = pick(2) == 0;
+        Grid expected = PlainCoverage(loops, clip, visible, evenOdd);
+        for (const auto& set : m_sets) {
+            for (const bool accepts : {true, false}) {
+                EqualRowsSink sink(visible, accepts);
+                m_rasterizer.UseKernels(*set.kernels);
+                m_rasterizer.Begin(clip, visible, false);
+                m_rasterizer.SetFillRule(evenOdd ? 1 : 0);
+                Feed(m_rasterizer, loops);
+                m_rasterizer.Finish(sink);
+                Compare(expected, sink.grid, "round " + std::to_string(round));
+                (accepts ? together : rows) += sink.calls;
+            }
+        }
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+    EXPECT_LT(together, rows / 3);
+}
+
 TEST_F(RasterizerTest, RectanglesInClosedFormAreThoseOfTheBandScanner) {
     std::mt19937 random(31);
     const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<uint32_t>(n)); };

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "../Scan/RasterizationSink.h"
 #include "../Simd/KernelTable.h"
 
 namespace Graphics {
@@ -44,6 +45,9 @@ struct RowKernels {
     /// Normal over a basic target. Skips pixels whose shape or source alpha is 0; scales the source by shape when it
     /// is below 255; a transparent destination takes the source, otherwise d = d * (256 - as) >> 8 + c.
     void (*normalSolid)(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
+    /// normalSolid for each run of a row, at least one; `first` is the first run's first pixel. `all` is the active table,
+    /// which takes long runs.
+    void (*solidRuns)(const RowKernels& all, uint32_t* first, uint32_t color, const CoverageRun* runs, size_t count);
     /// normalSolid with shape in each of `rows` rows, both from one row to the next by strides in bytes.
     void (*normalSolidBlock)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape,
                              ptrdiff_t shapeStride, size_t count, size_t rows);

@@ -53,6 +53,19 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     }
 }
 
+void SolidRuns(const RowKernels&, uint32_t* first, uint32_t color, const CoverageRun* runs, size_t count) {
+    for (size_t i = 0; i < count && Alpha(color) != 0; ++i) {
+        const CoverageRun& run = runs[i];
+        for (int32_t x = run.x0; x < run.x1; ++x) {
+            const uint32_t s = run.shape == nullptr ? run.value : run.shape[x - run.x0];
+            if (s != 0) {
+                uint32_t& d = first[x - runs[0].x0];
+                d = Over(d, Scale(color, s + 1U));
+            }
+        }
+    }
+}
+
 void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape, ptrdiff_t shapeStride,
                       size_t count, size_t rows) {
     for (auto* row = reinterpret_cast<uint8_t*>(dst); rows != 0; --rows, row += strideBytes, shape += shapeStride) {

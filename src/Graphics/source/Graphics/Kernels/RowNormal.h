@@ -2,6 +2,7 @@
 // Row loops of the Normal mode, the most frequent ones: one colour, or a colour for each pixel, over a row.
 #pragma once
 
+#include "../Pixels/PixelMath.h"
 #include "RowFills.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
@@ -50,6 +51,62 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
         ShapedSolid(dst + i, c, shape + i, n);
     };
     ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
+}
+
+/// One run of constant coverage, by which the colour is scaled already.
+GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t color, size_t n) noexcept {
+    constexpr size_t kLongRun = 64;
+    const bool opaque = color >> 24 == 255;
+    if (n >= kLongRun || n < kLanes) {
+        opaque ? all.fill32(dst, color, n) : all.solidRectangle(dst, 0, color, color, color, n, 1);
+        return;
+    }
+    const U32 c = Splat(color);
+    size_t i = 0;
+    if (opaque) {
+        for (; i + kLanes <= n; i += kLanes) {
+            Store(dst + i, c);
+        }
+        Store(dst + n - kLanes, c);
+        return;
+    }
+    const U32 complement = ComplementOf(Alpha(c));
+    for (; i + kLanes <= n; i += kLanes) {
+        Store(dst + i, Over(Load(dst + i), c, complement));
+    }
+    if (i < n) {
+        all.solidRectangle(dst + i, 0, color, color, color, n - i, 1);
+    }
+}
+
+/// Runs with shape are mostly one or two blocks of eight pixels: a set of eight lanes has loads and stores of their
+/// exact size, whose bytes the next run can read without waiting.
+void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const CoverageRun* runs, size_t count) {
+    if constexpr (kLanes > 8) {
+        KernelTable<RowKernels>::Made(kNarrowerSet).solidRuns(all, first, color, runs, count);
+    } else {
+        if (color >> 24 == 0) {
+            return;
+        }
+        const U32 c = Splat(color);
+        const int32_t left = runs->x0;
+        for (const CoverageRun* const end = runs + count; runs != end; ++runs) {
+            uint32_t* const dst = first + (runs->x0 - left);
+            const auto n = static_cast<size_t>(runs->x1 - runs->x0);
+            const uint8_t* const shape = runs->shape;
+            if (shape != nullptr) {
+                size_t i = 0;
+                for (; i + kLanes <= n; i += kLanes) {
+                    ShapedSolid(dst + i, c, shape + i, kLanes);
+                }
+                if (i < n) {
+                    ShapedSolid(dst + i, c, shape + i, n - i); // mostly the end of the row
+                }
+            } else if (runs->value != 0) {
+                ConstantRun(all, dst, ScalePixel(color, runs->value + 1U), n);
+            }
+        }
+    }
 }
 
 void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape, ptrdiff_t shapeStride,

@@ -23,7 +23,8 @@ inline constexpr int kBandFraction = 42;
 
 inline constexpr uint32_t kNoEdge = 0xFFFFFFFFU;
 inline constexpr uint32_t kEdgeUp = 1;
-inline constexpr uint32_t kEdgeClamp = 2; // x may leave the frame and must be limited
+inline constexpr uint32_t kEdgeClamp = 2;     // x may leave the frame and must be limited
+inline constexpr uint32_t kEdgeInChanges = 4; // upright: belongs into the rows that change only
 
 struct BandEdge {
     int64_t x;    // at sub-scanline y, relative to the frame's left
@@ -39,16 +40,17 @@ struct BandFrame {
     uint64_t* bits;
     size_t planeBytes;
     size_t rowBytes;
-    size_t bitWords; // a row
-    int32_t left;    // pixel column of word 0
-    int32_t width;   // pixels; word `width` takes what lies right of them
+    size_t bitWords;         // a row
+    const uint64_t* changes; // one bit a row of the fill: it differs from the row before; null: every row does
+    int32_t left;            // pixel column of word 0
+    int32_t width;           // pixels; word `width` takes what lies right of them
 };
 
 struct BandKernels {
     static constexpr int kPlaneCases = 4; // 1, 2, 4, 8 planes
 
-    /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges; those that go on are put before the list
-    /// `following`, whose new head is returned.
+    /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright ones to rows that change only; those
+    /// that go on are put before the list `following`, whose new head is returned.
     uint32_t (*walk[kPlaneCases])(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst,
                                   int32_t bandLast, uint32_t following);
     /// Turns a row into runs and leaves it zero. `shape` has room for all blocks, `runs` for two a block and one.

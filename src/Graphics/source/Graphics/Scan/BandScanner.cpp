@@ -12,6 +12,7 @@ namespace {
 
 constexpr size_t kBandBytes = 128U << 10; // of cells, so that a band stays in the second-level cache
 constexpr int32_t kFarFine = 1 << 22;     // the band form takes vertices up to 32768 pixels
+constexpr int32_t kTallSubRows = 14 * 8;  // an upright edge so tall makes equal rows worth a look
 constexpr int64_t kOne = int64_t{1} << kBandFraction;
 
 } // namespace
@@ -43,6 +44,7 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
         if (dx == 0) {
             e.x = (int64_t{UprightColumn(a.x)} - m_leftSub) * kOne;
             e.step = 0;
+            m_hasUpright |= last - first >= kTallSubRows;
         } else {
             const int32_t dy = b.y - a.y;
             const double inverse = 1.0 / dy;
@@ -98,6 +100,65 @@ bool BandScanner::Holds(int32_t minX, int32_t minY, int32_t maxX, int32_t maxY, 
            (4 + 4 * static_cast<int64_t>(subRows)) * (static_cast<int64_t>(maxY) - minY) < kOne / 2;
 }
 
+bool BandScanner::FindChanges(int32_t rows) {
+    // Shapes whose every row changes anyway have about as many edges as rows.
+    if (!m_hasUpright || m_nextEdge - m_edges.data() > rows) {
+        return false;
+    }
+    const size_t words = static_cast<size_t>(rows) / 64 + 1; // with the row behind the last one
+    m_changes.resize(words);
+    std::fill_n(m_changes.data(), words, 0U);
+    const auto note = [this](int32_t from, int32_t to) { // both inclusive
+        for (int32_t r = from; r <= to; r = (r | 63) + 1) {
+            const uint64_t upTo = to >> 6 == r >> 6 ? ~uint64_t{0} >> (63 - (to & 63)) : ~uint64_t{0};
+            m_changes[static_cast<size_t>(r >> 6)] |= (~uint64_t{0} << (r & 63)) & upTo;
+        }
+    };
+    for (BandEdge* e = m_edges.data(); e != m_nextEdge; ++e) {
+        const int32_t first = e->y >> 3;
+        const int32_t behind = (e->end + 7) >> 3; // the row behind its last one
+        if (e->step != 0) {
+            note(first, behind);
+        } else {
+            e->flags |= kEdgeInChanges;
+            note(first, (e->y + 7) >> 3); // begins, and is there from top to bottom
+            note(e->end >> 3, behind);    // ends, and is gone
+        }
+    }
+    return true;
+}
+
+int32_t BandScanner::EqualRows(int32_t row, int32_t rows) const noexcept {
+    int32_t r = row;
+    while (r < rows) {
+        const uint64_t changed = m_changes[static_cast<size_t>(r >> 6)] >> (r & 63);
+        if (changed != 0) {
+            r += __builtin_ctzll(changed);
+            break;
+        }
+        r = (r | 63) + 1;
+    }
+    return std::min(r, rows) - row;
+}
+
+void BandScanner::SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std::span<CoverageRun> runs) {
+    if (sink.Rows(y0, y1, runs)) {
+        return;
+    }
+    // Row by row, which may change what it is given.
+    const size_t shapeBytes = m_rowBlocks * 8;
+    std::copy_n(m_shape.data(), shapeBytes, m_shape.data() + shapeBytes);
+    CoverageRun* const kept = m_runs.data() + runs.size();
+    std::copy(runs.begin(), runs.end(), kept);
+    for (int32_t y = y0; y < y1; ++y) {
+        if (y > y0) {
+            std::copy_n(m_shape.data() + shapeBytes, shapeBytes, m_shape.data());
+            std::copy_n(kept, runs.size(), runs.begin());
+        }
+        sink.Row(y, runs);
+    }
+}
+
 bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
                        RasterizationSink& sink) {
     if (shape.windingBound > 255) {
@@ -148,8 +209,9 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         std::memset(m_bits.data(), 0, size * sizeof(uint64_t));
     }
     m_dirty = true;
-    m_shape.reserve(blocks * 8);
-    m_runs.reserve(2 * blocks + 2);
+    m_rowBlocks = blocks;
+    m_shape.reserve(2 * blocks * 8);
+    m_runs.reserve(2 * (2 * blocks + 2));
     m_edges.reserve(builder.SideCount() + 1);
     m_heads.resize(bands);
     std::fill_n(m_heads.data(), bands, kNoEdge);
@@ -170,7 +232,11 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         m_insideRight = INT_MAX;
     }
     m_nextEdge = m_edges.data();
+    m_hasUpright = false;
     builder.ForEachSide([this](const Vertex& from, const Vertex& to) { AddSide(from, to); });
+
+    const bool hasEqualRows = FindChanges(rows);
+    frame.changes = hasEqualRows ? m_changes.data() : nullptr;
 
     const auto walk = m_kernels->walk[planeCase];
     const auto sweep = m_kernels->sweep[planeCase];
@@ -185,7 +251,13 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         for (int32_t y = bandFirst; y < bandLast; y += 8) {
             const size_t count = sweep(frame, cells, bits, m_shape.data(), m_runs.data());
             if (count != 0) {
-                sink.Row(firstRow + (y >> 3), {m_runs.data(), count});
+                const int32_t row = y >> 3;
+                const int32_t equal = hasEqualRows ? EqualRows(row + 1, rows) : 0;
+                if (equal == 0) {
+                    sink.Row(firstRow + row, {m_runs.data(), count});
+                } else {
+                    SendEqual(sink, firstRow + row, firstRow + row + 1 + equal, {m_runs.data(), count});
+                }
             }
             cells += frame.rowBytes;
             bits += frame.bitWords;

@@ -32,15 +32,22 @@ public:
 
 private:
     void AddSide(const Vertex& from, const Vertex& to);
+    /// Finds the rows that differ from the row before. False, with nothing found, where that is not worth a look.
+    [[nodiscard]] bool FindChanges(int32_t rows);
+    /// How many rows from `row` on are like the one before.
+    [[nodiscard]] int32_t EqualRows(int32_t row, int32_t rows) const noexcept;
+    /// Sends rows [y0, y1) with the same runs.
+    void SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std::span<CoverageRun> runs);
 
     const BandKernels* m_kernels = &KernelTable<BandKernels>::Active();
     HeapArray<uint8_t> m_cells; // zero between fills
     HeapArray<uint64_t> m_bits; // likewise
     HeapArray<BandEdge> m_edges;
-    HeapArray<uint32_t> m_heads; // first edge of each band
-    HeapArray<uint8_t> m_shape;
-    HeapArray<CoverageRun> m_runs;
-    bool m_dirty = false; // a fill was abandoned
+    HeapArray<uint32_t> m_heads;   // first edge of each band
+    HeapArray<uint64_t> m_changes; // one bit a row
+    HeapArray<uint8_t> m_shape;    // of a row, and room for a copy
+    HeapArray<CoverageRun> m_runs; // likewise
+    bool m_dirty = false;          // a fill was abandoned
 
     // Of the current fill.
     BandEdge* m_nextEdge = nullptr;
@@ -48,6 +55,8 @@ private:
     int32_t m_last = 0;
     int32_t m_origin = 0; // first sub-scanline of the frame, a multiple of 8
     int32_t m_bandShift = 0;
+    size_t m_rowBlocks = 0;
+    bool m_hasUpright = false; // an edge of several rows
     int32_t m_leftSub = 0;
     int32_t m_allLeft = 0; // fine units: a side with no x above this is left of the frame; likewise the others
     int32_t m_allRight = 0;

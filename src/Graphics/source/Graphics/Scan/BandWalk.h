@@ -183,6 +183,32 @@ inline void WalkEdge(const BandFrame& frame, const BandEdge& e, int64_t x, int32
     } while (y < end);
 }
 
+/// An upright edge, in those rows of [y, end) that change. Its column is the same in all of them.
+template <int K> inline void WalkUpright(const BandFrame& frame, const BandEdge& e, int32_t bandFirst, int32_t end) {
+    const auto c = static_cast<uint32_t>(Column<true>(e.x, frame.width * 8));
+    const uint64_t column = ((0xFFU << (c & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
+    const uint64_t flip = (e.flags & kEdgeUp) != 0 ? ~uint64_t{0} : 0;
+    const auto last = static_cast<uint32_t>(end - 1) >> 3;
+    for (uint32_t r = static_cast<uint32_t>(e.y) >> 3; r <= last; ++r) {
+        const uint64_t changed = frame.changes[r >> 6] >> (r & 63);
+        if (changed == 0) {
+            r |= 63;
+            continue;
+        }
+        r += static_cast<uint32_t>(__builtin_ctzll(changed));
+        if (r > last) {
+            return;
+        }
+        const auto first = static_cast<int32_t>(r * 8);
+        const int32_t s = e.y > first ? e.y - first : 0;
+        const int32_t stop = end - first < 8 ? end - first : 8;
+        const uint64_t lanes = (~uint64_t{0} >> (64 - 8 * stop)) & (~uint64_t{0} << (8 * s));
+        const auto row = static_cast<size_t>(r - (static_cast<uint32_t>(bandFirst) >> 3));
+        frame.bits[row * frame.bitWords + (c >> 12)] |= uint64_t{1} << ((c >> 6) & 63);
+        Toggle<K, uint64_t>(frame.cells + row * frame.rowBytes + (c >> 3) * 8, frame.planeBytes, column & lanes, flip);
+    }
+}
+
 template <int K>
 uint32_t WalkList(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst, int32_t bandLast,
                   uint32_t following) {
@@ -190,8 +216,10 @@ uint32_t WalkList(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_
         BandEdge& e = edges[head];
         const uint32_t next = e.next;
         const int32_t end = e.end < bandLast ? e.end : bandLast;
-        if ((e.flags & kEdgeClamp) == 0) {
+        if (e.flags <= kEdgeUp) {
             WalkEdge<K, false>(frame, e, e.x, e.y - bandFirst, end - bandFirst);
+        } else if ((e.flags & kEdgeInChanges) != 0) {
+            WalkUpright<K>(frame, e, bandFirst, end);
         } else {
             WalkEdge<K, true>(frame, e, e.x, e.y - bandFirst, end - bandFirst);
         }

@@ -14,6 +14,8 @@ constexpr int32_t kMaskChunk = 1024;
 
 /// Shorter rows follow each other so closely that asking for the next one only costs.
 constexpr size_t kExpectedFrom = 64;
+/// The same for runs between the edges of a shape, which may end elsewhere in the next row.
+constexpr size_t kExpectedRun = 256;
 
 /// Of targets from this size on, the pixels at the edges of a shape are asked for some rows ahead, where the edges will
 /// about be. It costs small shapes on targets that stay in the cache a few hundredths of their time.
@@ -82,6 +84,11 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
     if (y < m_bounds.top || y >= m_bounds.bottom) {
         return;
     }
+    if (m_isSolid && !m_target.makesOpaque && IsPlain() && runs.front().x0 >= m_bounds.left &&
+        runs.back().x1 <= m_bounds.right) {
+        SolidRow(y, runs);
+        return;
+    }
     for (CoverageRun& run : runs) {
         const int32_t x0 = std::max(run.x0, m_bounds.left);
         run.shape += run.shape == nullptr ? 0 : x0 - run.x0;
@@ -112,6 +119,20 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
         }
         m_joined = nullptr;
     }
+}
+
+void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
+    for (const CoverageRun& run : runs) {
+        const auto n = static_cast<size_t>(run.x1 - run.x0);
+        if (run.shape != nullptr) {
+            if (m_isFar && y + kAhead < m_bounds.bottom) {
+                m_kernels.expect(Pixels(run.x0, y + kAhead), n);
+            }
+        } else if (n >= kExpectedRun && y + 1 < m_bounds.bottom) {
+            m_kernels.expect(Pixels(run.x0, y + 1), n);
+        }
+    }
+    m_kernels.solidRuns(m_kernels, Pixels(runs.front().x0, y), m_solid, runs.data(), runs.size());
 }
 
 template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint) const {

@@ -100,6 +100,8 @@ private:
         return m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && m_opacityMask == nullptr &&
                m_target.alpha == nullptr;
     }
+    /// When IsPlain: one colour over runs inside the bounds.
+    void SolidRow(int32_t y, std::span<const CoverageRun> runs) const;
     /// When IsPlain: a solid colour, or pixels that lie ready. False: not done.
     [[nodiscard]] bool PlainBlock(const IntRect& r);
     /// The same for rows with the same runs.
