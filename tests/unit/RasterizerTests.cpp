@@ -132,7 +132,8 @@ TEST_F(RasterizerTest, RandomShapesGiveThePlainCounts) {
 }
 
 TEST_F(RasterizerTest, ManyCoincidentSides) {
-    for (const int copies : {1, 2, 3, 4, 7, 8, 15, 16, 17, 100, 128, 255, 256, 257, 300}) {
+    for (const int copies :
+         {1, 2, 3, 4, 7, 8, 15, 16, 17, 31, 32, 63, 64, 100, 128, 255, 256, 257, 300, 4095, 4096, 5000}) {
         Loops loops;
         for (int i = 0; i < copies; ++i) {
             loops.push_back({{3.3F, 2}, {20, 2.5F}, {15.2F, 17}, {4, 14}});
@@ -149,7 +150,7 @@ TEST_F(RasterizerTest, ManyCoincidentSides) {
 TEST_F(RasterizerTest, ManySmallFiguresAmongCoincidentOnes) {
     std::mt19937 random(11);
     const auto at = [&](int range) { return static_cast<float>(random() % static_cast<uint32_t>(range * 128)) / 128; };
-    for (const int copies : {15, 16, 255, 256, 257}) { // 16 and 256 wrap to 0 where cells are too narrow
+    for (const int copies : {7, 8, 15, 16, 255, 256, 257}) { // powers of two wrap to 0 where cells are too narrow
         for (const int small : {100, 5000, 9000}) {
             Loops loops;
             for (int i = 0; i < copies + small; ++i) {

@@ -4,13 +4,17 @@
 // A pixel row is kept as bits: for each pixel a 64-bit word, byte = sub-scanline, bit = column of 1/8 pixel. An edge
 // that crosses sub-scanline s at column c of pixel p changes the winding of the columns from c on: it adds +1 or -1 to
 // the bits c ... 7 of byte s of word p; the change of all later pixels follows from column 7 when the row is swept.
-// Windings are numbers of 1, 2, 4 or 8 bits, bit j of all pixels of a row standing in plane j. They are taken modulo
-// 2^planes, which keeps zero and non-zero apart while |winding| < 2^planes. One plane alone is the even-odd rule.
+// Windings are numbers of as many bits as the figure needs, bit j of all pixels of a row standing in plane j. They are
+// taken modulo 2^planes, which keeps zero and non-zero apart while |winding| < 2^planes. One plane alone is the even-odd
+// rule.
 //
 //   row: | plane 0: word of pixel 0, pixel 1, ... | plane 1: ... |      8 words are a block; `bits` has one bit a block
 //
 // The order in which edges come does not matter, so none is ever sorted.
 #pragma once
+
+#include <algorithm>
+#include <bit>
 
 #include "../Simd/KernelTable.h"
 #include "RasterizationSink.h"
@@ -47,7 +51,17 @@ struct BandFrame {
 };
 
 struct BandKernels {
-    static constexpr int kPlaneCases = 4; // 1, 2, 4, 8 planes
+    static constexpr int kPlaneCases = 10; // 1 to 8, 12 and 16 planes
+    static constexpr uint32_t kMostWinding = 0xFFFF;
+
+    /// The case for |winding| up to `bound`, which is at most kMostWinding.
+    [[nodiscard]] static constexpr int CaseOf(uint32_t bound) noexcept {
+        const int planes = std::max(1, static_cast<int>(std::bit_width(bound)));
+        return planes <= 8 ? planes - 1 : planes <= 12 ? 8 : 9;
+    }
+    [[nodiscard]] static constexpr size_t PlanesOf(int planeCase) noexcept {
+        return planeCase < 8 ? static_cast<size_t>(planeCase) + 1 : planeCase == 8 ? 12 : 16;
+    }
 
     /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright ones to rows that change only; those
     /// that go on are put before the list `following`, whose new head is returned.

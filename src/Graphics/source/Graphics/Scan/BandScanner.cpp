@@ -161,7 +161,7 @@ void BandScanner::SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std
 
 bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
                        RasterizationSink& sink) {
-    if (shape.windingBound > 255) {
+    if (shape.windingBound > BandKernels::kMostWinding) {
         return false;
     }
     const int32_t left = std::max(visible.left, (shape.minX - kRoom) >> 7);
@@ -178,14 +178,14 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         return false;
     }
 
-    const int planeCase = shape.windingBound <= 1 ? 0 : shape.windingBound <= 3 ? 1 : shape.windingBound <= 15 ? 2 : 3;
+    const int planeCase = BandKernels::CaseOf(shape.windingBound);
     BandFrame frame;
     frame.left = left;
     frame.width = right - left;
     // One word more than pixels; an odd number of blocks keeps equal columns of neighbouring rows apart in the cache.
     const auto blocks = (static_cast<size_t>(frame.width) + 8) / 8 | 1;
     frame.planeBytes = blocks * 64;
-    frame.rowBytes = frame.planeBytes << planeCase;
+    frame.rowBytes = frame.planeBytes * BandKernels::PlanesOf(planeCase);
     frame.bitWords = (blocks + 63) / 64;
     const int32_t rows = lastRow - firstRow;
     m_bandShift = 3; // log2 of the sub-scanlines of a band
