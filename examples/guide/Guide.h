@@ -19,19 +19,24 @@ inline void Check(GXResult result, const char* call) {
     }
 }
 
-/// Owns one handle: what a creation function writes through Out() is released at the end.
+/// Owns one handle: what a creation function writes through Out() is released at the end, or before the next one.
 template <class Handle> class Owned {
 public:
     Owned() = default;
     Owned(Owned&& other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
-    ~Owned() {
-        if (m_handle != nullptr)
-            GXObjectRelease(m_handle);
+    ~Owned() { Release(); }
+    Handle* Out() {
+        Release();
+        return &m_handle;
     }
-    Handle* Out() { return &m_handle; }
     operator Handle() const { return m_handle; }
 
 private:
+    void Release() {
+        if (m_handle != nullptr)
+            GXObjectRelease(std::exchange(m_handle, nullptr));
+    }
+
     Handle m_handle = nullptr;
 };
 
