@@ -1,8 +1,7 @@
 # SPDX-License-Identifier: MIT
 # A Markdown page as Doxygen reads it. Links between pages become references; those of an index (docs/README.md and
 # docs/guide/README.md) make its entries the pages below it. Links to files that are not on the site show their words
-# alone. Names of the interface in code letters link to the reference; `header` is the file that declares them, `root`
-# the top folder.
+# alone. Names of the interface in code letters link to the reference; `header` is the file that declares them.
 BEGIN {
     while ((getline line <header) > 0) {
         gsub(/^ *\/?\*.*/, "", line)
@@ -39,9 +38,8 @@ function link(words, target,    path) {
 }
 
 FNR == 1 {
-    folder = FILENAME
-    sub(/\/[^\/]*$/, "", folder)
-    folder = substr(folder, length(root) + 2)
+    folder = match(FILENAME, /docs(\/[a-z]+)?\/[^\/]*$/) ? substr(FILENAME, RSTART) : ""
+    sub(/\/[^\/]*$/, "", folder) # seen from the top folder
     index_page = FILENAME ~ /docs\/(guide\/)?README\.md$/
 }
 /^```/ { fenced = !fenced }
