@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-/* The C interface of the Graphics library: everything a host compiles against. C11 and C++17 clean.
+/** @file
+ * The C interface of the Graphics library: everything a host compiles against. C11 and C++17 clean.
  *
  * Rules that hold for every function, unless its own comment says otherwise:
  *
@@ -49,8 +50,11 @@ extern "C" {
 #define GX_NOEXCEPT
 #endif
 
+/* Results and other constants */
+
 /** What a function answers. 3, 6, 7 and 8 are not used. */
 typedef uint32_t GXResult;
+/** The values of a result. */
 enum {
     /** The work is done, the outputs are written. */
     GXResultSuccess = 0,
@@ -69,6 +73,7 @@ enum {
 /** How one pixel is stored. Rows run from the top down; one-bit formats keep the leftmost pixel in the top bit of a
  * byte. */
 typedef uint32_t GXPixelFormat;
+/** The pixel formats. */
 enum {
     /** No format: refused wherever a bitmap or a target is made. */
     GXPixelFormatUnknown = 0,
@@ -97,6 +102,7 @@ enum {
 
 /** Which points are inside a geometry. Any value but 0 acts as even-odd. */
 typedef uint32_t GXFillRule;
+/** The fill rules. */
 enum {
     /** Inside where the windings do not add up to zero. */
     GXFillRuleNonZero = 0,
@@ -108,22 +114,39 @@ enum {
  * order but for ColorBurn, which comes before ColorDodge. The last four are the non-separable ones. Unknown values act
  * as Normal. */
 typedef uint32_t GXBlendMode;
+/** The blend modes. b is a channel of the backdrop and s one of the source, from 0 to 1. */
 enum {
+    /** s. */
     GXBlendModeNormal = 0,
+    /** b s: never lighter than either. */
     GXBlendModeMultiply = 1,
+    /** b + s - b s: never darker than either. */
     GXBlendModeScreen = 2,
+    /** HardLight with the colours exchanged: keeps the backdrop's lights and shades. */
     GXBlendModeOverlay = 3,
+    /** The smaller of b and s. */
     GXBlendModeDarken = 4,
+    /** The larger of b and s. */
     GXBlendModeLighten = 5,
+    /** 1 - (1 - b) / s, at least 0: darkens the backdrop, the more the darker the source is. */
     GXBlendModeColorBurn = 6,
+    /** b / (1 - s), at most 1: lightens the backdrop, the more the lighter the source is. */
     GXBlendModeColorDodge = 7,
+    /** Multiply with 2 s where s is at most a half, Screen with 2 s - 1 above. */
     GXBlendModeHardLight = 8,
+    /** Like HardLight, but gently: a source of a half leaves the backdrop as it is. */
     GXBlendModeSoftLight = 9,
+    /** The distance between b and s. */
     GXBlendModeDifference = 10,
+    /** b + s - 2 b s: like Difference, with less contrast. */
     GXBlendModeExclusion = 11,
+    /** The source's hue with the backdrop's saturation and luminosity. */
     GXBlendModeHue = 12,
+    /** The source's saturation with the backdrop's hue and luminosity. */
     GXBlendModeSaturation = 13,
+    /** The source's hue and saturation with the backdrop's luminosity. */
     GXBlendModeColor = 14,
+    /** The source's luminosity with the backdrop's hue and saturation. */
     GXBlendModeLuminosity = 15
 };
 
@@ -131,6 +154,7 @@ enum {
  * with round caps, a square with square caps (upright in user space, so that it turns with the matrix), nothing with
  * flat ones. */
 typedef uint32_t GXLineCap;
+/** The caps. */
 enum {
     /** Ends flush with the end point. */
     GXLineCapFlat = 0,
@@ -142,6 +166,7 @@ enum {
 
 /** The outer side of a corner. Any value above 1 acts as bevel. */
 typedef uint32_t GXLineJoin;
+/** The joins. */
 enum {
     /** The edges are carried on to their meeting point; a bevel where that is at or beyond the miter limit. */
     GXLineJoinMiter = 0,
@@ -171,9 +196,17 @@ enum {
     GXExtendMirror = 2
 };
 
-/** The value that a mask takes from a pixel of its brush. Luminosity is (77 red + 151 green + 28 blue) / 256 of the
- * premultiplied bytes. */
-enum { GXMaskTypeAlpha = 0, GXMaskTypeInverseAlpha = 1, GXMaskTypeLuminosity = 2, GXMaskTypeInverseLuminosity = 3 };
+/** The value that a mask takes from a pixel of its brush. */
+enum {
+    /** Its alpha. */
+    GXMaskTypeAlpha = 0,
+    /** 255 - alpha. */
+    GXMaskTypeInverseAlpha = 1,
+    /** (77 red + 151 green + 28 blue) / 256 of the premultiplied bytes. */
+    GXMaskTypeLuminosity = 2,
+    /** 255 - luminosity. */
+    GXMaskTypeInverseLuminosity = 3
+};
 
 /** Set operations on two geometries or regions, the first operand being a and the second b. */
 enum {
@@ -189,6 +222,7 @@ enum {
 
 /** What a lock is for. Other values act as read. */
 enum {
+    /** The pixels are only read. */
     GXLockRead = 1,
     /** Unlocking tells everything derived from the bitmap that its pixels changed. */
     GXLockWrite = 2
@@ -198,8 +232,11 @@ enum {
 enum {
     /** Weight 700 instead of 400. */
     GXFontBold = 1,
+    /** The slanted form. */
     GXFontItalic = 2
 };
+
+/* Handles */
 
 /** A rectangle of pixels in memory. */
 typedef struct GXBitmapRec_* GXBitmap;
@@ -225,123 +262,164 @@ typedef void* GXNativeDC;
 /** HBITMAP of Windows. */
 typedef void* GXNativeBitmap;
 
+/* Records and callbacks */
+
 /** A point in user units (or whatever space the function names). */
 typedef struct {
+    /** x to the right, y downwards. */
     float x, y;
 } GXPoint;
 /** A rectangle in user units. Where it becomes a shape, reversed corners are kept as given. */
 typedef struct {
+    /** A side: x of left and right, y of top and bottom. */
     float left, top, right, bottom;
 } GXRect;
 /** A point in whole pixels. */
 typedef struct {
+    /** x to the right, y downwards. */
     int32_t x, y;
 } GXIntPoint;
-/** A rectangle in whole pixels; right and bottom are exclusive. */
+/** A rectangle in whole pixels. */
 typedef struct {
+    /** A side; right and bottom are exclusive. */
     int32_t left, top, right, bottom;
 } GXIntRect;
-/** A size in pixels. */
+/** A size. */
 typedef struct {
+    /** In pixels. */
     uint32_t width, height;
 } GXSize;
-/** A colour, not premultiplied; each channel from 0 to 1. */
+/** A colour, not premultiplied. */
 typedef struct {
+    /** From 0 to 1. */
     float red, green, blue, alpha;
 } GXColor;
 /** An affine map: x' = m00 x + m10 y + m20, y' = m01 x + m11 y + m21. Identity is {1, 0, 0, 1, 0, 0}. */
 typedef struct {
+    /** The first digit says what it multiplies (x, y, 1), the second what it adds to (x', y'). */
     float m00, m01, m10, m11, m20, m21;
 } GXMatrix;
-/** What GXCreateBitmap makes: size in pixels (a value with the sign bit set counts as the magnitude of the negative
- * number), format, horizontal and vertical resolution. */
+/** What GXCreateBitmap makes. */
 typedef struct {
+    /** In pixels; a value with the sign bit set counts as the magnitude of the negative number. */
     uint32_t width, height;
+    /** 1 to 10. */
     GXPixelFormat format;
+    /** Horizontal and vertical resolution in dots per inch, kept with the bitmap and in its file. */
     float dpiX, dpiY;
 } GXBitmapDesc;
-/** Rows of pixels: `data` is the first byte of the first row, `rowLength` the bytes used in a row, `stride` the
- * bytes from one row to the next. */
+/** Rows of pixels. */
 typedef struct {
+    /** The first byte of the first row. */
     void* data;
+    /** Bytes used in a row. */
     uint32_t rowLength;
+    /** Bytes from one row to the next. */
     uint32_t stride;
 } GXBitmapData;
-/** How a stroke looks. `miterLimit` is the ratio of miter length to line width; `reserved` is not read. `dashes`
- * holds `dashCount` lengths in user units, dash and gap in turn, starting with a dash; after an odd count the next
- * round starts with a gap. Counts above 15 act as 15, 0 is a solid line. `dashPhase` is the distance into the pattern
- * at which every figure starts, negative or beyond the pattern too; it is read only with dashes. Each dash has both
- * caps; a dash of length 0 is a dot. Raised when stroking: "Dash pattern has a negative element", "Dash pattern has
- * zero length". */
+/** How a stroke looks. Raised when stroking: "Dash pattern has a negative element", "Dash pattern has zero length". */
 typedef struct {
+    /** Of the outer side of corners. */
     GXLineJoin join;
+    /** Of both ends of open figures and of each dash. */
     GXLineCap cap;
+    /** The ratio of miter length to line width from which on a miter join is a bevel. */
     float miterLimit;
+    /** Not read. */
     uint32_t reserved;
+    /** The distance into the pattern at which every figure starts, negative or beyond the pattern too; it is read only
+     * with dashes. */
     float dashPhase;
+    /** Lengths in user units, dash and gap in turn, starting with a dash; after an odd count the next round starts with
+     * a gap. A dash of length 0 is a dot. */
     float dashes[15];
+    /** How many of them there are. Counts above 15 act as 15, 0 is a solid line. */
     uint64_t dashCount;
 } GXStrokeStyle;
-/** A transparency group. `bounds` is in user units and limits the group to its device bounding box rounded outwards;
- * with left >= right or top >= bottom the clip alone bounds it. `opacity` is clamped to [0, 1]. An isolated group
- * starts transparent instead of on the backdrop; in a knockout group each object replaces the earlier ones under it. */
+/** A transparency group. */
 typedef struct {
+    /** In user units; limits the group to its device bounding box rounded outwards. With left >= right or
+     * top >= bottom the clip alone bounds it. */
     GXRect bounds;
+    /** Of the group as a whole; clamped to [0, 1]. */
     float opacity;
+    /** Not 0: the group starts transparent instead of on the backdrop. */
     uint8_t isolated;
+    /** Not 0: each object replaces the earlier ones under it. */
     uint8_t knockout;
 } GXLayerDesc;
-/** One colour of a gradient: `offset` 0 is the start and 1 the end; `color` is packed. Stops are sorted by offset;
- * equal offsets keep their order and make a hard edge. */
+/** One colour of a gradient. Stops are sorted by offset; equal offsets keep their order and make a hard edge. */
 typedef struct {
+    /** 0 is the start and 1 the end. */
     float offset;
+    /** Packed. */
     uint32_t color;
 } GXGradientStop;
-/** A gradient along the line from `start` to `end`, in gradient space. `stops` holds `stopCount` entries, read only
- * during the call. The extend flags carry the end colours on beyond the ends; elsewhere `background` (packed, 0:
- * nothing) shows. */
+/** A gradient along a line, in gradient space. */
 typedef struct {
+    /** Read only during the call. */
     const GXGradientStop* stops;
+    /** Entries of `stops`; may be 0. */
     uint64_t stopCount;
+    /** Where the offsets 0 and 1 are. */
     GXPoint start, end;
+    /** Not 0: the end's colour goes on beyond it. */
     uint8_t extendStart, extendEnd;
+    /** Packed; what shows where the gradient does not reach. 0: nothing. */
     uint32_t background;
 } GXLinearGradientDesc;
-/** A gradient from the start circle to the end circle, in gradient space; the other fields as in
- * GXLinearGradientDesc. */
+/** A gradient from a start circle to an end circle, in gradient space. */
 typedef struct {
+    /** Read only during the call. */
     const GXGradientStop* stops;
+    /** Entries of `stops`; may be 0. */
     uint64_t stopCount;
+    /** The centre of the circle whose offset is 0. */
     GXPoint startCenter;
+    /** Its radius. */
     float startRadius;
+    /** The centre of the circle whose offset is 1. */
     GXPoint endCenter;
+    /** Its radius. */
     float endRadius;
+    /** Not 0: the circle's colour goes on beyond it. */
     uint8_t extendStart, extendEnd;
+    /** Packed; what shows where the gradient does not reach. 0: nothing. */
     uint32_t background;
 } GXRadialGradientDesc;
-/** A corner of a mesh triangle in gradient space, with its packed colour. */
+/** A corner of a mesh triangle. */
 typedef struct {
+    /** In gradient space. */
     float x, y;
+    /** Packed. */
     uint32_t color;
 } GXTriMeshVertex;
-/** Sampling of a bitmap brush: `interpolation` is GXInterpolationNearest, Linear or Average; `extendX` and `extendY`
- * are GXExtendClamp, Repeat or Mirror. */
+/** Sampling of a bitmap brush. */
 typedef struct {
+    /** `interpolation` is GXInterpolationNearest, Linear or Average; `extendX` and `extendY` are GXExtendClamp, Repeat
+     * or Mirror. */
     uint32_t interpolation, extendX, extendY;
 } GXBitmapBrushOptions;
-/** A buffer of the host's: width and height in pixels, stride in bytes (all three whole numbers), resolutions. */
+/** A buffer of the host's. */
 typedef struct {
+    /** Width and height in pixels and stride in bytes, all three whole numbers; resolutions in dots per inch. */
     float width, height, stride, dpiX, dpiY;
 } GXExtBufLayout;
-/** Receives a geometry call by call. Points are valid only during the callback. Every callback is set; `context` may
- * be null and is passed on. */
+/** Receives a geometry call by call. Points are valid only during the callback. Every callback is set. */
 typedef struct {
+    /** The first argument of every callback; may be null. */
     void* context;
+    /** Once, before all figures. */
     void (*SetFillRule)(void*, uint32_t);
+    /** A figure starts here. */
     void (*BeginFigure)(void*, const GXPoint*);
+    /** The figure stays open. */
     void (*EndFigure)(void*);
+    /** The figure is closed with a line to its start. */
     void (*EndFigureClose)(void*);
+    /** A line from the current point. */
     void (*LineTo)(void*, const GXPoint*);
+    /** A cubic curve from the current point: two control points and the end. */
     void (*CubicTo)(void*, const GXPoint*, const GXPoint*, const GXPoint*);
 } GXGeometrySinkCallbacks;
 /** Receives one rectangle of a region; `rect` is valid only during the call. */
