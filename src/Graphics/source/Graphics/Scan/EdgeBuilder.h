@@ -4,9 +4,9 @@
 #pragma once
 
 #include <bit>
-#include <emmintrin.h>
 
 #include "../ProcessHeap.h"
+#include "../Simd/BaseVectors.h"
 #include "../Types.h"
 
 namespace Graphics {
@@ -35,11 +35,11 @@ inline constexpr float kFineLimit = 1073741760.0F;
 
 /// Truncated toward zero; NaN gives 0.
 [[nodiscard]] inline Vertex ToVertex(const Point& p) noexcept {
-    __m128 v = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&p)));
-    v = _mm_and_ps(v, _mm_cmpord_ps(v, v));
-    v = _mm_mul_ps(v, _mm_set1_ps(128.0F));
-    v = _mm_min_ps(_mm_max_ps(v, _mm_set1_ps(-kFineLimit)), _mm_set1_ps(kFineLimit));
-    return std::bit_cast<Vertex>(_mm_cvtsi128_si64(_mm_cvttps_epi32(v)));
+    using namespace GX_SIMD_NAMESPACE;
+    auto v = (F32)U64{std::bit_cast<uint64_t>(p), 0};
+    v = (F32)((I32)v & (v == v)) * 128.0F;
+    v = Lower(Higher(v, Splat(-kFineLimit)), Splat(kFineLimit));
+    return std::bit_cast<Vertex>(((U64)Truncate(v))[0]);
 }
 
 /// Where an upright edge stands: the sub column, from fine units, that its set-up rounds to.
