@@ -3,6 +3,7 @@
 // in 1/8 pixel (sub units, fine >> 4), one step a sub-scanline.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 
 #include "../ProcessHeap.h"
@@ -45,6 +46,17 @@ inline constexpr float kFineLimit = 1073741760.0F;
 /// Where an upright edge stands: the sub column, from fine units, that its set-up rounds to.
 [[nodiscard]] inline constexpr int32_t UprightColumn(int32_t fine) noexcept {
     return (fine + ((fine & 7) != 0 ? 7 : 0)) >> 4;
+}
+
+/// How many ranges overlap at most: each adds 1 to the change where it begins and takes 1 behind its end.
+template <class Changes> [[nodiscard]] size_t MostOverlapping(const Changes& changes) noexcept {
+    int64_t sum = 0;
+    int64_t most = 0;
+    for (const int64_t change : changes) {
+        sum += change;
+        most = std::max(most, sum);
+    }
+    return static_cast<size_t>(most);
 }
 
 /// What the vertices say about a fill before any edge is made.
@@ -145,7 +157,6 @@ private:
     void AddChain(int32_t top, int32_t bottom);
     void StartSums(size_t rows);
     void SumChains(int32_t first, int32_t last, int shift);
-    [[nodiscard]] uint32_t MostChains() const noexcept;
     [[nodiscard]] uint32_t WindingBound(int32_t first, int32_t last);
 
     HeapArray<Vertex> m_vertices;
