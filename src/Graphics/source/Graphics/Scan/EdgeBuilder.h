@@ -50,9 +50,9 @@ inline constexpr float kFineLimit = 1073741760.0F;
 
 /// How many ranges overlap at most: each adds 1 to the change where it begins and takes 1 behind its end.
 template <class Changes> [[nodiscard]] size_t MostOverlapping(const Changes& changes) noexcept {
-    int64_t sum = 0;
-    int64_t most = 0;
-    for (const int64_t change : changes) {
+    int32_t sum = 0;
+    int32_t most = 0;
+    for (const int32_t change : changes) {
         sum += change;
         most = std::max(most, sum);
     }

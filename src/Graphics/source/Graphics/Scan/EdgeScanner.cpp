@@ -59,7 +59,7 @@ size_t MostActive(const HeapArray<Edge>& edges) noexcept {
         last = std::max<int64_t>(last, e.last);
     }
     const int64_t rows = (last - first) / kBands + 1;
-    std::array<int64_t, kBands + 1> changes{};
+    std::array<int32_t, kBands + 1> changes{};
     for (const Edge& e : edges) {
         ++changes[static_cast<size_t>((e.first - first) / rows)];
         --changes[static_cast<size_t>((e.last - 1 - first) / rows) + 1];

@@ -12,21 +12,32 @@ namespace {
 
 using namespace GX_SIMD_NAMESPACE;
 
-/// The number of bits in each byte. Bits that a shift takes into the next byte are masked off.
-GX_INLINE inline U8 CountBits(U8 v) noexcept {
-    v -= (U8)((U16)v >> 1) & 0x55;
-    v = (v & 0x33) + ((U8)((U16)v >> 2) & 0x33);
-    return (v + (U8)((U16)v >> 4)) & 0x0F;
-}
+/// Counts the bits in each byte.
+class BitCounter {
+public:
+    /// Bits that a shift takes into the next byte are masked off.
+    GX_INLINE U8 Of(U8 v) const noexcept {
+        v -= (U8)((U16)v >> 1) & m_twos;
+        v = (v & m_fours) + ((U8)((U16)v >> 2) & m_fours);
+        return (v + (U8)((U16)v >> 4)) & m_low;
+    }
+
+private:
+    U8 m_twos = Kept(U8{} + 0x55);
+    U8 m_fours = Kept(U8{} + 0x33);
+    U8 m_low = Kept(U8{} + 0x0F);
+};
 
 } // namespace
 
 void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexcept {
     // A pixel keeps its first columns, moved, and gets the last ones of the pixel on its left.
-    const auto ownKeep = static_cast<uint8_t>(0xFF >> right);
-    const auto ownShift = static_cast<uint16_t>(right);
-    const auto leftKeep = static_cast<uint8_t>(0xFF << (8 - right));
-    const auto leftShift = static_cast<uint16_t>(8 - right);
+    // The lowest bit is leftmost: to move right is to shift up, which factors do on lanes of 16 bits.
+    const U8 ownKeep = Kept(U8{} + static_cast<uint8_t>(0xFF >> right));
+    const U16 ownFactor = Kept(U16{} + static_cast<uint16_t>(1 << right));
+    const U8 leftKeep = Kept(U8{} + static_cast<uint8_t>(0xFF << (8 - right)));
+    const U16 leftFactor = Kept(U16{} + static_cast<uint16_t>(256 << right)); // of a high product: down by 8 - right
+    const BitCounter counter;
     const size_t stride = CoverageStride(right);
     const int32_t rows = HeightAt(down);
     for (int32_t y = 0; y < rows; ++y) {
@@ -36,9 +47,9 @@ void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexc
             const uint8_t* p = bits + static_cast<size_t>(first) * strideBytes + x;
             U8 sum{};
             for (int32_t row = first; row < last; ++row, p += strideBytes) {
-                const auto own = (U16)(Load<U8>(p) & ownKeep);
-                const auto left = (U16)(Load<U8>(p - 1) & leftKeep);
-                sum += CountBits((U8)(own << ownShift | left >> leftShift));
+                const U16 own = (U16)(Load<U8>(p) & ownKeep) * ownFactor;
+                const U16 left = MultiplyHigh((U16)(Load<U8>(p - 1) & leftKeep), leftFactor);
+                sum += counter.Of((U8)(own | left));
             }
             // 4 n - 1 in a byte, 0 for none: ShapeOfCount.
             Store(out + x, (U8)(sum * 4 + (U8)(sum != 0)));
