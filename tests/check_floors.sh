@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# check_floors.sh SOURCE: fails on an #include below SOURCE that points up the house, from one back end into another, or
-# at the public header from below the roof other than through Types.h. First it proves on a made-up tree that it can fail.
+# check_floors.sh SOURCE: fails on an #include below SOURCE that points up the house, from one back end into another, at the
+# public header from below the roof other than through Types.h, or at intrinsics from outside of Simd/. First it proves on a
+# made-up tree that it can fail.
 set -euo pipefail
 
 # Prints every wrong arrow below the given source folder.
@@ -43,6 +44,7 @@ wrong_arrows() {
                 if (from != "Interface" && path != "Graphics/Types.h") print where "only Types.h includes the public header below Interface"
                 next
             }
+            if (name ~ /intrin\.h$/ && from != "Simd") { print where "only Simd/ names the intrinsics of a processor"; next }
             if (!quoted) next
             own = path; sub(/[^\/]*$/, "", own)
             target = own name
@@ -73,8 +75,9 @@ prove_that_it_bites() {
     echo '#  include "GX/GX.h"' >"$tree/Graphics/Software/Header.cpp"
     echo '#include "Handles.h"' >"$tree/Graphics/Scan/Roof.cpp"
     echo '#include "Nowhere.h"' >"$tree/Graphics/Scan/Lost.cpp"
+    echo '#include <emmintrin.h>' >"$tree/Graphics/Scan/Intrinsics.cpp"
     wrong=$(wrong_arrows "$tree" | cut -d: -f1 | sort | xargs)
-    [[ $wrong == "Graphics/Geometry/Up.cpp Graphics/Scan/Lost.cpp Graphics/Scan/Roof.cpp Graphics/Software/Header.cpp Graphics/Software/Sideways.cpp" ]] ||
+    [[ $wrong == "Graphics/Geometry/Up.cpp Graphics/Scan/Intrinsics.cpp Graphics/Scan/Lost.cpp Graphics/Scan/Roof.cpp Graphics/Software/Header.cpp Graphics/Software/Sideways.cpp" ]] ||
         { echo "The check itself is broken, it found: $wrong"; return 1; }
 }
 

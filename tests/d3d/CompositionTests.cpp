@@ -2,11 +2,16 @@
 // Every composition, blend mode and mask, on random colours, twice: the card alone against the formulas of the shaders
 // in the processor's floats, and the back end, which leaves to the software what the shaders compute differently,
 // against the software.
+#include <algorithm>
 #include <random>
 
+#include "../ShaderModel.h"
+#include "Direct3D11/D3D11Half.h"
 #include "Direct3D11/Shaders/D3D11CardModes.h"
 #include "HardwareTest.h"
 #include "Paint/Gradient.h"
+#include "Pixels/Opacity.h"
+#include "Pixels/PixelMath.h"
 
 using namespace Graphics;
 
@@ -21,31 +26,46 @@ void FillRect(RenderTarget& t, const Rect& r, const Brush& brush) {
     t.Fill(figure, brush);
 }
 
-/// Cells of random colours, each one draw; alpha from `leastAlpha` up.
-void FillCells(RenderTarget& t, uint32_t seed, float leastAlpha) {
+/// Random colours, one for each cell; alpha from `leastAlpha` up.
+[[nodiscard]] std::vector<Color> CellColors(uint32_t seed, float leastAlpha) {
     std::mt19937 random(seed);
     const auto next = [&] { return static_cast<float>(random() % 256) / 255.0F; };
-    for (int32_t y = 0; y < kCells; ++y) {
-        for (int32_t x = 0; x < kCells; ++x) {
-            const Color c{next(), next(), next(), leastAlpha + (1.0F - leastAlpha) * next()};
-            const auto left = static_cast<float>(x * kCell);
-            const auto top = static_cast<float>(y * kCell);
-            FillRect(t, {left, top, left + kCell, top + kCell}, SolidBrush(c));
-        }
+    std::vector<Color> colors;
+    for (int32_t i = 0; i < kCells * kCells; ++i) {
+        const float red = next(), green = next(), blue = next();
+        colors.push_back({red, green, blue, leastAlpha + (1.0F - leastAlpha) * next()});
+    }
+    return colors;
+}
+
+/// Each one draw.
+void FillCells(RenderTarget& t, uint32_t seed, float leastAlpha) {
+    const std::vector<Color> colors = CellColors(seed, leastAlpha);
+    for (int32_t i = 0; i < kCells * kCells; ++i) {
+        const auto left = static_cast<float>(i % kCells * kCell);
+        const auto top = static_cast<float>(i / kCells * kCell);
+        FillRect(t, {left, top, left + kCell, top + kCell}, SolidBrush(colors[static_cast<size_t>(i)]));
     }
 }
 
-/// A bitmap with a random word for each cell, premultiplied.
+/// A random word for each cell, premultiplied.
+[[nodiscard]] std::vector<uint32_t> CellWords(uint32_t seed, bool opaque) {
+    std::mt19937 random(seed);
+    std::vector<uint32_t> words;
+    for (int32_t i = 0; i < kCells * kCells; ++i) {
+        const uint32_t alpha = opaque ? 255 : random() % 256;
+        const auto channel = [&] { return random() % (alpha + 1); };
+        const uint32_t red = channel(), green = channel(), blue = channel();
+        words.push_back(alpha << 24 | red << 16 | green << 8 | blue);
+    }
+    return words;
+}
+
 [[nodiscard]] std::shared_ptr<Bitmap> RandomBitmap(uint32_t seed, bool opaque) {
     auto image = std::make_shared<SysMemBitmap>(kCells, kCells, GXPixelFormatPBGRA32);
-    std::mt19937 random(seed);
-    for (int32_t y = 0; y < kCells; ++y) {
-        auto* row = reinterpret_cast<uint32_t*>(image->Data() + static_cast<size_t>(y) * image->StrideBytes());
-        for (int32_t x = 0; x < kCells; ++x) {
-            const uint32_t alpha = opaque ? 255 : random() % 256;
-            const auto channel = [&] { return random() % (alpha + 1); };
-            row[x] = alpha << 24 | channel() << 16 | channel() << 8 | channel();
-        }
+    const std::vector<uint32_t> words = CellWords(seed, opaque);
+    for (size_t y = 0; y < kCells; ++y) {
+        std::memcpy(image->Data() + y * image->StrideBytes(), words.data() + y * kCells, kCells * sizeof(uint32_t));
     }
     return std::make_shared<Bitmap>(image);
 }
@@ -78,6 +98,97 @@ void ExpectSoftware(const std::vector<uint32_t>& window, const std::vector<uint3
     EXPECT_LE(d.mean, most == 0 ? 0.0 : 1.0) << what;
 }
 
+/// One pixel that shaders draw into, by their formulas: of a surface, or of a group over it.
+class FormulaPixel {
+public:
+    using Float4 = ShaderModel::Float4;
+
+    explicit FormulaPixel(const Float4& surface) : m_surface(surface) {}
+
+    void BeginGroup(bool isolated, bool knockout) {
+        m_isGroup = true;
+        m_isolated = isolated;
+        m_plain = isolated && !knockout;
+        m_knockout = knockout;
+        m_initial = isolated ? Float4{0, 0, 0, D3D11Half::ToFloat(D3D11Half::kAlmostNothing)} : Stored(m_surface, true);
+        m_color = m_initial;
+        m_group = {0, 0, 0, 0};
+    }
+    /// `shape`: the shape mask's value.
+    void Draw(uint32_t mode, const Float4& source, float shape) {
+        Float4& color = m_isGroup ? m_color : m_surface;
+        const ShaderModel::Inputs in{source, shape, color, m_initial, m_group};
+        if (!m_isGroup || m_plain) {
+            color = mode == GXBlendModeNormal
+                        ? Over(ShaderModel::Compose(D3D11Fragment::BasicFastComposition, mode, in).color, color)
+                        : ShaderModel::Compose(D3D11Fragment::BasicComposition, mode, in).color;
+        } else {
+            const auto composition = m_knockout ? m_isolated ? D3D11Fragment::IsolatedKnockoutLayerComposition
+                                                             : D3D11Fragment::KnockoutLayerComposition
+                                                : D3D11Fragment::LayerComposition;
+            const ShaderModel::Outputs out = ShaderModel::Compose(composition, mode, in);
+            m_color = out.color;
+            m_group = Stored(out.shape, true);
+        }
+        color = Stored(color, m_isGroup);
+    }
+    void EndGroup(float opacity) {
+        Float4 result = m_color;
+        if (!m_plain) {
+            const auto composition =
+                m_isolated ? D3D11Fragment::IsolatedLayerResultComposition : D3D11Fragment::LayerResultComposition;
+            result = Stored(ShaderModel::Compose(composition, 0, {{}, 1, m_color, m_initial, m_group}).color, true);
+        }
+        const float factor = static_cast<float>(OpacityFactor(opacity)) / 256.0F;
+        m_isGroup = false;
+        Draw(GXBlendModeNormal, ShaderModel::Scaled(result, factor), m_plain ? 1.0F : m_group.r);
+    }
+    [[nodiscard]] uint32_t Word() const {
+        const auto level = [](float v) { return uint32_t{D3D11Half::FloatToLevel(v)}; };
+        return 0xFF000000U | level(m_surface.r) << 16 | level(m_surface.g) << 8 | level(m_surface.b);
+    }
+
+private:
+    [[nodiscard]] static Float4 Over(const Float4& s, const Float4& d) {
+        const float rest = 1.0F - s.a;
+        return {s.r + d.r * rest, s.g + d.g * rest, s.b + d.b * rest, s.a + d.a * rest};
+    }
+    /// As the texture keeps it: half floats for groups, levels for surfaces.
+    [[nodiscard]] static Float4 Stored(const Float4& c, bool half) {
+        const auto kept = [half](float v) {
+            return half ? D3D11Half::ToFloat(D3D11Half::FromFloat(v))
+                        : static_cast<float>(D3D11Half::FloatToLevel(v)) / 255.0F;
+        };
+        return {kept(c.r), kept(c.g), kept(c.b), kept(c.a)};
+    }
+
+    Float4 m_surface, m_color{}, m_initial{}, m_group{};
+    bool m_isGroup = false, m_isolated = true, m_knockout = false, m_plain = false;
+};
+
+/// A picture of cells, each of which `draw(pixel, cell)` draws over the opaque colours of `seed`.
+template <class Draw> [[nodiscard]] std::vector<uint32_t> ByFormulas(uint32_t seed, Draw&& draw) {
+    std::vector<uint32_t> picture(static_cast<size_t>(kSide) * kSide);
+    const std::vector<Color> below = CellColors(seed, 1.0F);
+    for (size_t cell = 0; cell < below.size(); ++cell) {
+        FormulaPixel pixel(ShaderModel::Unit(PackColor(below[cell])));
+        draw(pixel, cell);
+        for (size_t y = 0; y < kCell; ++y) {
+            std::fill_n(picture.begin() + static_cast<ptrdiff_t>((cell / kCells * kCell + y) * kSide) +
+                            static_cast<ptrdiff_t>(cell % kCells * kCell),
+                        kCell, pixel.Word());
+        }
+    }
+    return picture;
+}
+
+/// The cell lies in the rectangle, whose sides are multiples of a cell's.
+[[nodiscard]] bool IsIn(size_t cell, const Rect& r) {
+    const auto x = static_cast<float>(cell % kCells * kCell);
+    const auto y = static_cast<float>(cell / kCells * kCell);
+    return x >= r.left && x < r.right && y >= r.top && y < r.bottom;
+}
+
 } // namespace
 
 TEST_F(HardwareTest, EveryModeOnASurface) {
@@ -93,7 +204,13 @@ TEST_F(HardwareTest, EveryModeOnASurface) {
                 }
             };
             const std::string what = "mode " + std::to_string(mode) + (bitmap ? " bitmap" : " colours");
-            ExpectFormulas(OnCardAlone(kSide, kSide, draw), ByFormulas(kSide, kSide, draw), what);
+            const std::vector<Color> colors = CellColors(2, 0.0F);
+            const std::vector<uint32_t> words = CellWords(2, false);
+            const auto formulas = ByFormulas(1, [&](FormulaPixel& pixel, size_t cell) {
+                const uint32_t word = bitmap ? words[cell] : PremultiplyPixel(PackColor(colors[cell]));
+                pixel.Draw(mode, ShaderModel::Unit(word), 1.0F);
+            });
+            ExpectFormulas(OnCardAlone(kSide, kSide, draw), formulas, what);
             ExpectSoftware(OnHardware(kSide, kSide, draw), InSoftware(kSide, kSide, draw),
                            CardBlendsAsSoftware(mode) ? kOneDraw : 0, what);
         }
@@ -134,6 +251,9 @@ TEST_F(HardwareTest, EveryMaskOfEveryKind) {
 }
 
 TEST_F(HardwareTest, EveryGroupAndMode) {
+    constexpr Rect kBelow{8, 8, kSide - 8, kSide - 8};
+    constexpr Rect kAbove{12, 12, kSide - 20, kSide - 12};
+    const std::vector<uint32_t> below = CellWords(7, true), above = CellWords(8, false), values = CellWords(9, false);
     for (uint32_t kind = 0; kind < 4; ++kind) {
         for (uint32_t mode = 0; mode < 16; ++mode) {
             for (const bool opaqueBelow : {true, false}) {
@@ -147,7 +267,7 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
                     layer.isolated = kind & 1U;
                     layer.knockout = kind >> 1U;
                     t.BeginLayer(layer);
-                    FillRect(t, {8, 8, kSide - 8, kSide - 8}, *CellBrush(7, opaqueBelow));
+                    FillRect(t, kBelow, *CellBrush(7, opaqueBelow));
                     t.SetBlendMode(mode);
                     const BasicFigure clip(BasicFigure::Kind::Ellipse, {2, 4, kSide - 2, kSide - 4});
                     if (mask == 1) {
@@ -157,7 +277,7 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
                     } else if (mask == 3) {
                         t.Clip(clip);
                     }
-                    FillRect(t, {12, 12, kSide - 20, kSide - 12}, *CellBrush(8, false));
+                    FillRect(t, kAbove, *CellBrush(8, false));
                     t.EndLayer();
                 };
                 const std::string what = "group " + std::to_string(kind) + " mode " + std::to_string(mode) + " as " +
@@ -165,7 +285,18 @@ TEST_F(HardwareTest, EveryGroupAndMode) {
                 ExpectSoftware(OnHardware(kSide, kSide, draw), InSoftware(kSide, kSide, draw), kDrawIntoGroup, what);
                 if (opaqueBelow) {
                     mask = mode == 0 ? 1 : 0;
-                    ExpectFormulas(OnCardAlone(kSide, kSide, draw), ByFormulas(kSide, kSide, draw), what);
+                    const auto formulas = ByFormulas(6, [&](FormulaPixel& pixel, size_t cell) {
+                        pixel.BeginGroup((kind & 1U) != 0, kind >> 1U != 0);
+                        if (IsIn(cell, kBelow)) {
+                            pixel.Draw(GXBlendModeNormal, ShaderModel::Unit(below[cell]), 1.0F);
+                        }
+                        if (IsIn(cell, kAbove)) {
+                            const float shape = mask == 1 ? ShaderModel::Unit(values[cell]).a : 1.0F;
+                            pixel.Draw(mode, ShaderModel::Unit(above[cell]), shape);
+                        }
+                        pixel.EndGroup(0.8F);
+                    });
+                    ExpectFormulas(OnCardAlone(kSide, kSide, draw), formulas, what);
                 }
             }
         }

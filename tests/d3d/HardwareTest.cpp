@@ -59,7 +59,6 @@ Difference Compare(const std::vector<uint32_t>& a, const std::vector<uint32_t>& 
 }
 
 std::shared_ptr<D3D11Context> HardwareTest::s_context;
-std::shared_ptr<D3D11Context> HardwareTest::s_refusing;
 
 void HardwareTest::SetUp() {
     static std::string s_problem;
@@ -82,15 +81,6 @@ void HardwareTest::TearDown() {
     }
 }
 
-std::shared_ptr<D3D11Context> HardwareTest::RefusingContext() {
-    if (s_refusing == nullptr) {
-        s_refusing = std::make_shared<D3D11Context>();
-        s_refusing->Compiler().RefuseForTest([](const std::string&) { return true; });
-        s_refusing->DrawAllForTest(true);
-    }
-    return s_refusing;
-}
-
 std::vector<uint32_t> HardwareTest::OnHardware(int32_t width, int32_t height, const Drawing& draw) {
     return On(s_context, width, height, draw);
 }
@@ -100,10 +90,6 @@ std::vector<uint32_t> HardwareTest::OnCardAlone(int32_t width, int32_t height, c
     const std::vector<uint32_t> pixels = On(s_context, width, height, draw);
     s_context->DrawAllForTest(false);
     return pixels;
-}
-
-std::vector<uint32_t> HardwareTest::ByFormulas(int32_t width, int32_t height, const Drawing& draw) {
-    return On(RefusingContext(), width, height, draw);
 }
 
 std::vector<uint32_t> HardwareTest::On(const std::shared_ptr<D3D11Context>& context, int32_t width, int32_t height,

@@ -59,19 +59,13 @@ protected:
     [[nodiscard]] static std::vector<uint32_t> OnHardware(int32_t width, int32_t height, const Drawing& draw);
     /// The same with every draw on the card, those as well that look different from the software's.
     [[nodiscard]] static std::vector<uint32_t> OnCardAlone(int32_t width, int32_t height, const Drawing& draw);
-    /// As OnCardAlone by a context whose compiler refuses every shader but the one of solid colours over a surface: the
-    /// formulas in the processor's floats.
-    [[nodiscard]] static std::vector<uint32_t> ByFormulas(int32_t width, int32_t height, const Drawing& draw);
-    [[nodiscard]] static std::shared_ptr<D3D11Context> RefusingContext();
     [[nodiscard]] static std::vector<uint32_t> InSoftware(int32_t width, int32_t height, const Drawing& draw);
     [[nodiscard]] static Difference Both(int32_t width, int32_t height, const Drawing& draw);
-
-private:
     [[nodiscard]] static std::vector<uint32_t> On(const std::shared_ptr<D3D11Context>& context, int32_t width,
                                                   int32_t height, const Drawing& draw);
 
+private:
     static std::shared_ptr<D3D11Context> s_context;
-    static std::shared_ptr<D3D11Context> s_refusing;
 };
 
 } // namespace Graphics

@@ -7,19 +7,14 @@
 #include <cstdlib>
 #include <random>
 
+#include "../ShaderModel.h"
 #include "Direct3D11/Shaders/D3D11CardModes.h"
-#include "Direct3D11/Shaders/D3D11ShaderModel.h"
 #include "Kernels/RowKernels.h"
 #include "Pixels/PixelMath.h"
 
 using namespace Graphics;
 
 namespace {
-
-[[nodiscard]] D3D11ShaderModel::Float4 Unit(uint32_t word) {
-    const auto channel = [word](int shift) { return static_cast<float>(word >> shift & 255U) / 255.0F; };
-    return {channel(16), channel(8), channel(0), channel(24)};
-}
 
 /// The distance of red, green and blue on one random opaque pixel.
 [[nodiscard]] int Distance(std::mt19937& random, uint32_t mode, bool opaque, bool covered) {
@@ -30,11 +25,11 @@ namespace {
     const RowKernels& kernels = ActiveKernels();
     (mode == 0 ? kernels.normalVarying : kernels.blend[mode])(&software, &source, &coverage, 1);
 
-    D3D11ShaderModel::Inputs in{};
-    in.source = Unit(source);
+    ShaderModel::Inputs in{};
+    in.source = ShaderModel::Unit(source);
     in.shape = static_cast<float>(coverage) / 255.0F;
-    in.backdrop = Unit(backdrop);
-    const D3D11ShaderModel::Float4 card = D3D11ShaderModel::Compose(D3D11Fragment::BasicComposition, mode, in).color;
+    in.backdrop = ShaderModel::Unit(backdrop);
+    const ShaderModel::Float4 card = ShaderModel::Compose(D3D11Fragment::BasicComposition, mode, in).color;
     const auto distance = [software](float v, int shift) {
         const int level = static_cast<int>(std::clamp(v, 0.0F, 1.0F) * 255.0F + 0.5F);
         return std::abs(level - static_cast<int>(software >> shift & 255U));

@@ -2,7 +2,6 @@
 // Draws recorded pages: to a PNG, for a checksum, or for the time that drawing takes.
 #include "BandedPlayer.h"
 #include "PageChecksum.h"
-#include "PictureFile.h"
 #include "Recording.h"
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 namespace Gxr {
 namespace {
@@ -181,7 +181,8 @@ void Replay(const Options& options) {
         std::printf("%016llx\n", static_cast<unsigned long long>(sum));
         GXBitmapUnlock(bitmap.Get());
     }
-    if (!options.picture.empty() && !WritePicture(bitmap.Get(), options.picture))
+    const std::wstring picture = std::filesystem::path(options.picture).wstring();
+    if (!picture.empty() && GXBitmapSaveToFile(bitmap.Get(), picture.c_str()) != GXResultSuccess)
         throw Error("cannot write '" + options.picture + "'");
 }
 

@@ -23,5 +23,7 @@ public:
 
 } // namespace Graphics
 
-/// `function` is the raiser's qualified name, e.g. "Graphics::ProcessHeap::Alloc".
+/// `function` is the raiser's qualified name, e.g. "Graphics::ProcessHeap::Alloc". Those who read logs look for it, so it is
+/// part of the interface: SwSoftMaskOp, SwNativeBitmapWrapper, CreateBitmapSampler and the Load and Save functions of
+/// Bitmap are names of the log alone.
 #define GX_RAISE(function, message) ::Graphics::Raise(function, __FILE__, __LINE__, message)

@@ -32,6 +32,14 @@ inline constexpr Matrix kIdentity{1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
             a.m20 * b.m00 + a.m21 * b.m10 + b.m20, a.m20 * b.m01 + a.m21 * b.m11 + b.m21};
 }
 
+/// An inverse before it is rounded to floats.
+struct InverseMap {
+    double a, b, c, d, e, f; ///< x' = a x + c y + e, y' = b x + d y + f
+
+    /// False when there is no finite inverse; the map is then left as it was.
+    [[nodiscard]] bool Set(const Matrix& m) noexcept;
+};
+
 /// False when the matrix has no finite inverse; `out` is then left as it was. Computed in double, rounded once. Not
 /// inline: where GCC 12 vectorised it into its caller, the caller went on with elements that were not rounded.
 [[nodiscard]] bool Invert(const Matrix& m, Matrix& out) noexcept;

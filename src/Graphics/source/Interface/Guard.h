@@ -28,11 +28,6 @@ template <class Rec, class Make> [[nodiscard]] GXResult Create(Rec** out, Make&&
     return Guard([&] { *out = std::make_unique<Rec>(std::forward<Make>(make)()).release(); });
 }
 
-/// The answer of a call that this build does not have: 5, with the diagnostic line.
-[[nodiscard]] inline GXResult Unavailable(const char* function, const char* message) noexcept {
-    return Guard([&] { GX_RAISE(function, message); });
-}
-
 template <class... Pointers> [[nodiscard]] bool AnyNull(const Pointers*... pointers) noexcept {
     return ((pointers == nullptr) || ...);
 }

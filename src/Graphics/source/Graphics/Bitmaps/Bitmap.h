@@ -48,14 +48,10 @@ public:
         return m_painters.load(std::memory_order_relaxed) == 0 ? &Derived() : nullptr;
     }
 
-    void SetOffscreenPainting(bool on) noexcept { m_offscreenPainting = on; }
-    [[nodiscard]] bool OffscreenPainting() const noexcept { return m_offscreenPainting; }
-
 private:
     const std::shared_ptr<SysMemBitmap> m_image;
     std::atomic<uint32_t> m_lockMode{0}; // several threads may lock one bitmap for reading
     std::atomic<uint32_t> m_painters{0};
-    bool m_offscreenPainting = false;
 };
 
 } // namespace Graphics

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "PairwiseWinder.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+
+#include "../Simd/BaseVectors.h"
 
 namespace Graphics {
 namespace {
 
 constexpr double kWeightOfB = 1 << 26;
-constexpr size_t kLanes = 2;
+constexpr size_t kAtOnce = GX_SIMD_NAMESPACE::kLongLanes;
 
 // A sweep takes about 0.4 us for a crossing; here a pair takes 5 ns, both ways, and a crossing 0.1 us. So it is worth
 // while if more than one pair in fifty crosses; twice that stays clear of the noise.
@@ -55,7 +55,7 @@ bool PairwiseWinder::Worthwhile() {
     if (count < kFewEdges || !SampledPairsCross()) {
         return false;
     }
-    Load();
+    LoadColumns();
     const size_t samples = std::min(kMostSamples, count / kEdgesPerSample + 2);
     size_t points = 0;
     RandomPlaces places(count);
@@ -91,15 +91,15 @@ bool PairwiseWinder::SampledPairsCross() const noexcept {
     return crossings * kPairsPerCrossing >= pairs;
 }
 
-void PairwiseWinder::Load() {
-    const size_t count = m_edges.size(), padded = (count + kLanes - 1) / kLanes * kLanes;
+void PairwiseWinder::LoadColumns() {
+    const size_t count = m_edges.size(), padded = (count + kAtOnce - 1) / kAtOnce * kAtOnce;
     Columns& c = m_columns;
     for (HeapArray<double>* column :
          {&c.loX, &c.loY, &c.hiX, &c.hiY, &c.dx, &c.dy, &c.offset, &c.weight, &m_sideOfLo, &m_sideOfHi}) {
         column->resize(padded);
         std::fill(column->begin(), column->end(), 0.0);
     }
-    m_crossed.resize(padded + kLanes);
+    m_crossed.resize(padded + kAtOnce);
     for (size_t i = 0; i < count; ++i) {
         const GridEdge& e = m_edges[i];
         c.loX[i] = e.lo.x;
@@ -115,7 +115,7 @@ void PairwiseWinder::Load() {
 
 bool PairwiseWinder::Run(HeapArray<GridEdge>& border) {
     if (m_crossed.empty()) {
-        Load();
+        LoadColumns();
     }
     const size_t count = m_edges.size();
     size_t points = 0;
@@ -148,44 +148,41 @@ void PairwiseWinder::Wind(uint32_t edge) {
 void PairwiseWinder::Meet(uint32_t edge) {
     const Columns& c = m_columns;
     const GridEdge& e = m_edges[edge];
-    const __m128d zero = _mm_setzero_pd(), half = _mm_set1_pd(0.5);
-    const __m128d x0 = _mm_set1_pd(e.lo.x), y0 = _mm_set1_pd(e.lo.y);
-    const __m128d x1 = _mm_set1_pd(e.hi.x), y1 = _mm_set1_pd(e.hi.y);
-    const __m128d dx = _mm_set1_pd(c.dx[edge]), dy = _mm_set1_pd(c.dy[edge]), offset = _mm_set1_pd(c.offset[edge]);
-    const auto side = [](__m128d x, __m128d y, __m128d alongX, __m128d alongY, __m128d less) {
-        return _mm_sub_pd(_mm_sub_pd(_mm_mul_pd(x, alongY), _mm_mul_pd(y, alongX)), less);
-    };
-    __m128d winding = zero;
+    using namespace GX_SIMD_NAMESPACE;
+    const auto splat = [](double v) { return v - F64{}; };
+    const F64 x0 = splat(e.lo.x), y0 = splat(e.lo.y), x1 = splat(e.hi.x), y1 = splat(e.hi.y);
+    const F64 dx = splat(c.dx[edge]), dy = splat(c.dy[edge]), offset = splat(c.offset[edge]);
+    const auto side = [](F64 x, F64 y, F64 alongX, F64 alongY, F64 less)
+                          GX_INLINE { return x * alongY - y * alongX - less; };
+    const auto at = [](const auto& column, size_t i)
+                        GX_INLINE { return Load<F64>(__builtin_assume_aligned(column.data() + i, sizeof(F64))); };
+    F64 winding{};
     size_t crossed = 0;
     m_a = m_b = 0;
-    for (size_t i = 0; i < c.loX.size(); i += kLanes) {
-        const __m128d loY = _mm_load_pd(&c.loY[i]), hiY = _mm_load_pd(&c.hiY[i]);
-        const __m128d otherLo = side(_mm_load_pd(&c.loX[i]), loY, dx, dy, offset);
-        const __m128d otherHi = side(_mm_load_pd(&c.hiX[i]), hiY, dx, dy, offset);
-        const __m128d alongX = _mm_load_pd(&c.dx[i]), alongY = _mm_load_pd(&c.dy[i]), less = _mm_load_pd(&c.offset[i]);
-        const __m128d lo = side(x0, y0, alongX, alongY, less), hi = side(x1, y1, alongX, alongY, less);
-        _mm_store_pd(&m_sideOfLo[i], lo);
-        _mm_store_pd(&m_sideOfHi[i], hi);
+    for (size_t i = 0; i < c.loX.size(); i += kAtOnce) {
+        const F64 loY = at(c.loY, i), hiY = at(c.hiY, i);
+        const F64 otherLo = side(at(c.loX, i), loY, dx, dy, offset);
+        const F64 otherHi = side(at(c.hiX, i), hiY, dx, dy, offset);
+        const F64 alongX = at(c.dx, i), alongY = at(c.dy, i), less = at(c.offset, i);
+        const F64 lo = side(x0, y0, alongX, alongY, less), hi = side(x1, y1, alongX, alongY, less);
+        Store(&m_sideOfLo[i], lo);
+        Store(&m_sideOfHi[i], hi);
         // The half makes what lies on the edge lie right of it.
-        const __m128d parted = _mm_mul_pd(_mm_add_pd(otherLo, half), _mm_add_pd(otherHi, half));
-        const auto crosses =
-            static_cast<uint32_t>(_mm_movemask_pd(_mm_cmplt_pd(_mm_max_pd(parted, _mm_mul_pd(lo, hi)), zero)));
+        const F64 parted = (otherLo + 0.5) * (otherHi + 0.5);
+        const uint32_t crosses = MaskBits((I64)(Higher(parted, lo * hi) < 0.0));
         m_crossed[crossed] = static_cast<uint32_t>(i);
         crossed += crosses & 1U;
         m_crossed[crossed] = static_cast<uint32_t>(i + 1);
         crossed += crosses >> 1;
-        const __m128d right =
-            _mm_or_pd(_mm_cmpgt_pd(lo, zero), _mm_and_pd(_mm_cmpeq_pd(lo, zero), _mm_cmpgt_pd(hi, zero)));
-        const __m128d inRows = _mm_and_pd(_mm_cmple_pd(loY, y0), _mm_cmplt_pd(y0, hiY));
-        winding = _mm_add_pd(winding, _mm_and_pd(_mm_and_pd(right, inRows), _mm_load_pd(&c.weight[i])));
-        const __m128d inLine = _mm_and_pd(_mm_cmpeq_pd(otherLo, zero), _mm_cmpeq_pd(otherHi, zero));
-        if (_mm_movemask_pd(inLine) != 0) {
-            for (size_t k = i; k < std::min<size_t>(i + kLanes, edge); ++k) {
+        const F64 inRows = Masked(loY <= y0, Masked(y0 < hiY, at(c.weight, i)));
+        winding += Masked(lo > 0.0, inRows) + Masked(lo == 0.0, Masked(hi > 0.0, inRows));
+        if ((MaskBits((I64)(otherLo == 0.0)) & MaskBits((I64)(otherHi == 0.0))) != 0) {
+            for (size_t k = i; k < std::min<size_t>(i + kAtOnce, edge); ++k) {
                 Overlap(e, m_edges[k]);
             }
         }
     }
-    const double both = _mm_cvtsd_f64(winding) + _mm_cvtsd_f64(_mm_unpackhi_pd(winding, winding));
+    const double both = winding[0] + winding[1];
     const double ofB = std::floor(both / kWeightOfB + 0.5);
     m_a += static_cast<int32_t>(both - ofB * kWeightOfB);
     m_b += static_cast<int32_t>(ofB);

@@ -53,7 +53,7 @@ private:
 
     [[nodiscard]] bool SampledPairsCross() const noexcept;
     [[nodiscard]] size_t LonelyPassages() const noexcept;
-    void Load();
+    void LoadColumns();
     void Wind(uint32_t edge);
     void Meet(uint32_t edge);
     void Overlap(const GridEdge& e, const GridEdge& f);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Scanner.h"
 
-#include <xmmintrin.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -87,7 +85,7 @@ void Scanner::Sweep() {
         // Memory's time is most of the time: what starts next was written long ago.
         for (const uint32_t edge : m_queue.Upcoming()) {
             if (edge != kNone) {
-                _mm_prefetch(reinterpret_cast<const char*>(&m_edges[edge]), _MM_HINT_T0);
+                __builtin_prefetch(&m_edges[edge]);
             }
         }
         m_points += 1;

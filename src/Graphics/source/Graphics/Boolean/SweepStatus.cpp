@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "SweepStatus.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <bit>
 #include <cstring>
+
+#include "../Simd/BaseVectors.h"
 
 namespace Graphics {
 
@@ -44,12 +44,10 @@ SweepStatus::Place SweepStatus::Find(uint32_t edge) const noexcept {
     const uint32_t block = m_edges[edge].block;
     const Block& b = m_blocks[block];
     // Four at a time; what lies behind the last one is not the edge, or is the same edge's former place behind it.
-    const __m128i wanted = _mm_set1_epi32(static_cast<int>(edge));
+    using namespace GX_SIMD_NAMESPACE;
     for (uint32_t i = 0; i < kCapacity; i += 4) {
-        const __m128i four = _mm_load_si128(reinterpret_cast<const __m128i*>(b.edges + i));
-        const int found = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted)));
-        if (found != 0) {
-            return {block, i + static_cast<uint32_t>(std::countr_zero(static_cast<unsigned>(found)))};
+        if (const uint32_t found = MaskBits(Load(b.edges + i) == edge); found != 0) {
+            return {block, i + static_cast<uint32_t>(std::countr_zero(found))};
         }
     }
     return {block, b.count};

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "D3D11SoftwareDraw.h"
-
 namespace Graphics {
 namespace {
 
@@ -73,14 +71,9 @@ void D3D11Batch::Flush() {
         return;
     }
     ++m_device.Counters().batches;
-    D3D11ShaderCache::Shaders shaders{};
-    const bool compiled = m_shaders.TryGet(m_state.key, shaders);
+    const D3D11ShaderCache::Shaders shaders = m_shaders.Get(m_state.key);
     Prepare();
     CopyTouched();
-    if (!compiled) {
-        DrawRefused();
-        return;
-    }
     const uint32_t offset = FillVertexBuffer();
     m_device.SetRenderTarget(*m_state.color, m_state.shape.get());
     m_samplers.Forget();
@@ -101,15 +94,6 @@ void D3D11Batch::Flush() {
         context.DrawIndexed(n * 6, 0, static_cast<INT>(done * D3D11Mesh::kQuadVertices));
         ++m_device.Counters().drawCalls;
     }
-}
-
-/// By the processor. Raises "Failed to compile shader" where a texture cannot be read.
-void D3D11Batch::DrawRefused() {
-    if (!D3D11SoftwareDraw::Can(m_state)) {
-        D3D11ShaderCompiler::RaiseRefused();
-    }
-    ++m_device.Counters().softwareDraws;
-    D3D11SoftwareDraw(m_device, m_state, m_mesh).Run();
 }
 
 /// The buffers and the state that all draws share.

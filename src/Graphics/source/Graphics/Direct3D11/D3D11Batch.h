@@ -44,7 +44,8 @@ public:
     D3D11Batch(D3D11Device& device, D3D11ShaderCache& shaders, D3D11SamplerState& samplers) noexcept
         : m_device(device), m_shaders(shaders), m_samplers(samplers) {}
 
-    /// Where the draw's quadrilaterals go, all inside `box` (device pixels) or cut to it by the scissor.
+    /// Where the quadrilaterals of a draw go whose shader there is, all inside `box` (device pixels) or cut to it by
+    /// the scissor.
     [[nodiscard]] D3D11Mesh& Begin(D3D11DrawState&& state, const IntRect& box);
     /// Sends what has been collected.
     void Flush();
@@ -53,7 +54,6 @@ public:
 
 private:
     [[nodiscard]] bool Joins(const D3D11DrawState& state, const IntRect& box) const noexcept;
-    void DrawRefused();
     void Prepare();
     void CopyTouched();
     void SetConstants();

@@ -20,10 +20,12 @@ namespace {
 D3D11Context::Resources::Resources(const D3D11ShaderCompiler& compiler)
     : samplers(device), shaders(device, compiler), bitmaps(device), gradients(device), pool(device), readback(device),
       batch(device, shaders, samplers) {
-    // The shader of solid colours; a compiler that refuses it is found out here.
+    // One colour and one texture: what clears, inversions and copies between planes are made of. A compiler that
+    // refuses them is found out here; whatever else it refuses the software draws.
     D3D11ShaderKey key;
     static_cast<void>(key.Add(D3D11Fragment::T2D));
-    key.SetComposition(D3D11Fragment::BasicFastComposition, 0);
+    static_cast<void>(shaders.Get(key));
+    static_cast<void>(key.Add(D3D11Fragment::BCP));
     static_cast<void>(shaders.Get(key));
 }
 

@@ -13,7 +13,6 @@ struct D3D11Counters {
     uint64_t drawCalls = 0;
     uint64_t vertexMaps = 0;
     uint64_t compilations = 0;  ///< tried, of vertex and pixel shaders
-    uint64_t softwareDraws = 0; ///< batches whose shader the compiler refuses
     uint64_t fallbackDraws = 0; ///< drawing calls that went through the software's pipeline
     uint64_t readbacks = 0;     ///< times that the processor waited for the card to get pixels of a target
     uint64_t readbackPixels = 0;

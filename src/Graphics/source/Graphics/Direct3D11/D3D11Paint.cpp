@@ -8,7 +8,6 @@
 #include "../Sources/PixelReader.h"
 #include "../Sources/ReducedImage.h"
 #include "../Sources/SwBitmapColorSource.h"
-#include "../Sources/SwGradientColorSource.h"
 
 namespace Graphics {
 namespace {

@@ -102,11 +102,11 @@ void D3D11Painter::AddClip(const Call& call, D3D11DrawState& state) {
     AddCoverage(state, m_clipImages.back().image);
 }
 
-D3D11Mesh& D3D11Painter::Begin(const Call& call, const D3D11Paint& paint, D3D11DrawState&& state,
-                               const IntRect& box) const {
+D3D11Mesh& D3D11Painter::Begin(const Call& call, const float (&color)[4], D3D11DrawState&& state, const IntRect& box) {
+    call.target.BeginOnCard(call.context, box);
     state.scissor = call.limit;
     D3D11Mesh& mesh = call.context.Batch().Begin(std::move(state), box);
-    mesh.SetColor(paint.color);
+    mesh.SetColor(color);
     return mesh;
 }
 
@@ -128,21 +128,37 @@ bool D3D11Painter::IsSmallClip(const Call& call) noexcept {
     return quads <= kMostQuads;
 }
 
-D3D11Mesh& D3D11Painter::BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
-                                   bool withClip) {
-    D3D11DrawState state;
-    call.target.Describe(call.context, call.state.blendMode, call.visible, state);
+bool D3D11Painter::PrepareCard(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
+                               CardRoute& route) {
+    D3D11DrawState& state = route.state;
+    call.target.Describe(call.context, call.state.blendMode, state);
     AddPaint(call, paint, extra, state);
-    if (withClip) {
+    std::copy_n(paint.color, 4, route.color);
+    route.gathers = call.target.CoverageIsShape() || IsSmallClip(call);
+    if (!route.gathers) {
         AddClip(call, state);
+    } else if (call.target.CoverageIsShape()) {
+        D3D11ShaderKey covered = state.key; // whether there will be coverage to be told is not known yet
+        static_cast<void>(covered.Add(D3D11Fragment::BSAlpha));
+        if (!call.context.Shaders().Has(covered)) {
+            return false;
+        }
     }
-    return Begin(call, paint, std::move(state), call.visible);
+    return call.context.Shaders().Has(state.key);
 }
 
-void D3D11Painter::SendCovered(const Call& call, const ClipRef& covered, D3D11Mesh& mesh) {
+void D3D11Painter::SendGathered(const Call& call, const ClipRef& covered, CardRoute& route) {
     const IntRect& box = covered->Box();
-    D3D11MeshSink sink(mesh, call.visible);
-    if (IsEmpty(box) || !covered->HasMask()) {
+    if (IsEmpty(box)) {
+        return;
+    }
+    const bool asTexture = call.target.CoverageIsShape();
+    if (asTexture && covered->HasMask()) {
+        AddCoverage(route.state, m_maker.Textures().Coverage(call.context, *covered.get()));
+    }
+    const IntRect& area = asTexture ? box : call.visible;
+    D3D11MeshSink sink(Begin(call, route.color, std::move(route.state), area), area);
+    if (asTexture || !covered->HasMask()) {
         sink.Rectangle(box.left, box.top, box.right, box.bottom);
         return;
     }
@@ -158,21 +174,6 @@ void D3D11Painter::SendCovered(const Call& call, const ClipRef& covered, D3D11Me
     }
 }
 
-void D3D11Painter::DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
-                               const ClipRef& covered) {
-    const IntRect box = covered->Box();
-    if (IsEmpty(box)) {
-        return;
-    }
-    D3D11DrawState state;
-    call.target.Describe(call.context, call.state.blendMode, box, state);
-    AddPaint(call, paint, extra, state);
-    if (covered->HasMask()) {
-        AddCoverage(state, m_maker.Textures().Coverage(call.context, *covered.get()));
-    }
-    D3D11MeshSink(Begin(call, paint, std::move(state), box), box).Rectangle(box.left, box.top, box.right, box.bottom);
-}
-
 void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Texture>& plane, D3D11Blend blend,
                               const D3D11Paint& paint) {
     D3D11DrawState state;
@@ -184,7 +185,7 @@ void D3D11Painter::ClearPlane(const Call& call, const std::shared_ptr<D3D11Textu
     }
     AddClip(call, state);
     const IntRect& r = call.visible;
-    D3D11MeshSink(Begin(call, paint, std::move(state), r), r).Rectangle(r.left, r.top, r.right, r.bottom);
+    D3D11MeshSink(Begin(call, paint.color, std::move(state), r), r).Rectangle(r.left, r.top, r.right, r.bottom);
 }
 
 D3D11Painter::Route D3D11Painter::RouteOf(const Call& call, const Colors& colors) {
@@ -197,21 +198,24 @@ D3D11Painter::Route D3D11Painter::RouteOf(const Call& call, const Colors& colors
         uint32_t word = 0;
         inSoftware = !IsOpaque(*source) && (way == Way::CardIfOpaque || !source->IsSolid(word));
     }
-    const bool hasMask = colors.mask != nullptr;
-    if (inSoftware) {
-        SoftwareRoute route{source, {}, hasMask};
-        if (source == nullptr) {
-            route.source = &m_maker.Source(colors.ink, colors.transform, call.visible);
+    if (!inSoftware) {
+        const D3D11Paint paint = m_maker.From(call.context, colors.ink, colors.transform, call.visible);
+        D3D11ShapeMask mask;
+        if (colors.mask != nullptr) {
+            mask.paint = m_maker.FromImage(call.context, colors.mask->Place(colors.transform, true), call.visible);
         }
-        if (hasMask) {
-            route.mask.source = CreateBitmapSource(m_arena, colors.mask->Place(colors.transform, true));
-            route.mask.type = GXMaskTypeAlpha;
+        Route route{std::in_place_type<CardRoute>};
+        if (PrepareCard(call, paint, colors.mask != nullptr ? &mask : nullptr, std::get<CardRoute>(route))) {
+            return route;
         }
-        return route;
     }
-    CardRoute route{m_maker.From(call.context, colors.ink, colors.transform, call.visible), {}, hasMask};
-    if (hasMask) {
-        route.mask.paint = m_maker.FromImage(call.context, colors.mask->Place(colors.transform, true), call.visible);
+    SoftwareRoute route{source, {}, colors.mask != nullptr};
+    if (source == nullptr) {
+        route.source = &m_maker.Source(colors.ink, colors.transform, call.visible);
+    }
+    if (route.hasMask) {
+        route.mask.source = CreateBitmapSource(m_arena, colors.mask->Place(colors.transform, true));
+        route.mask.type = GXMaskTypeAlpha;
     }
     return route;
 }
@@ -228,15 +232,14 @@ void D3D11Painter::DrawAll(const Call& call, const Colors& colors) {
 }
 
 void D3D11Painter::DrawGroup(const Call& call, D3D11SubTarget& group) {
-    const uint32_t mode = call.state.blendMode;
-    if (call.target.WayOf(call.context, mode, call.visible) == D3D11SubTarget::Way::Card) {
-        DrawGroupOnCard(call, group);
-    } else {
+    const bool onCard =
+        call.target.WayOf(call.context, call.state.blendMode, call.visible) == D3D11SubTarget::Way::Card;
+    if (!onCard || !DrawGroupOnCard(call, group)) {
         DrawGroupInSoftware(call, group);
     }
 }
 
-void D3D11Painter::DrawGroupOnCard(const Call& call, D3D11SubTarget& group) {
+bool D3D11Painter::DrawGroupOnCard(const Call& call, D3D11SubTarget& group) {
     group.SendToCard(call.context);
     D3D11Paint paint;
     const float opacity = static_cast<float>(OpacityFactor(std::clamp(group.Opacity(), 0.0F, 1.0F))) * (1.0F / 256.0F);
@@ -244,6 +247,9 @@ void D3D11Painter::DrawGroupOnCard(const Call& call, D3D11SubTarget& group) {
     D3D11ShapeMask shape;
     if (group.IsShaped()) {
         paint.texture = group.MakeResult(call.context);
+        if (paint.texture == nullptr) {
+            return false;
+        }
         shape.paint.texture = group.Shape();
         shape.paint.map = group.PlaneMap(*group.Shape());
         // Red, green and blue are the shape, and their luminosity is it again.
@@ -252,7 +258,12 @@ void D3D11Painter::DrawGroupOnCard(const Call& call, D3D11SubTarget& group) {
         paint.texture = group.Color();
     }
     paint.map = group.PlaneMap(*paint.texture);
-    DrawOnCard(call, paint, group.IsShaped() ? &shape : nullptr, Whole(call.visible));
+    CardRoute route{};
+    if (!PrepareCard(call, paint, group.IsShaped() ? &shape : nullptr, route)) {
+        return false;
+    }
+    DrawOnCard(call, route, Whole(call.visible));
+    return true;
 }
 
 void D3D11Painter::DrawGroupInSoftware(const Call& call, D3D11SubTarget& group) {
@@ -266,16 +277,17 @@ void D3D11Painter::DrawGroupInSoftware(const Call& call, D3D11SubTarget& group) 
 }
 
 D3D11Mesh& D3D11Painter::BeginInversion(const Call& call) {
-    call.target.BeginOnCard(call.context, call.visible);
+    call.target.MakePlanes(call.context);
     D3D11DrawState state;
     call.target.DescribePlane(call.target.Color(), D3D11Blend::Invert, state);
-    return Begin(call, D3D11Paint(), std::move(state), call.visible);
+    return Begin(call, D3D11Paint().color, std::move(state), call.visible);
 }
 
 void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     D3D11SubTarget& target = call.target;
     const ClipRegion* clip = call.Clip().get();
-    if (target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
+    if (target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software ||
+        !HasShadersOfClear(call)) {
         ClearPlanes(ActiveKernels(), target.BeginInSoftware(call.context, call.visible), call.visible, clip,
                     premultiplied);
     } else {
@@ -286,9 +298,25 @@ void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     target.NoteOpaque(call.visible, premultiplied >> 24 == 255 && !IsMasked(clip));
 }
 
+/// Without a clip there are one colour and one texture alone, which every context can draw.
+bool D3D11Painter::HasShadersOfClear(const Call& call) {
+    if (!IsMasked(call.Clip().get())) {
+        return true;
+    }
+    const auto has = [&](std::initializer_list<D3D11Fragment> fragments) {
+        D3D11ShaderKey key;
+        for (const D3D11Fragment f : fragments) {
+            static_cast<void>(key.Add(f));
+        }
+        return call.context.Shaders().Has(key);
+    };
+    return has({D3D11Fragment::T2D, D3D11Fragment::BSAlpha}) &&
+           (!call.target.IsLayer() || has({D3D11Fragment::T2D, D3D11Fragment::BCP, D3D11Fragment::BSAlpha}));
+}
+
 void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
     D3D11SubTarget& target = call.target;
-    target.BeginOnCard(call.context, call.visible);
+    target.MakePlanes(call.context);
     D3D11Paint paint;
     const ClipRef& clip = call.Clip();
     const bool masked = IsMasked(clip.get());

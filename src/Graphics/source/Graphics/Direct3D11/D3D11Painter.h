@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Assembles one draw. For the card: paint, masks, clip and coverage become fragments, constants and textures in the
 // order that the shaders have, and the geometry becomes quadrilaterals of the batch. Where the card's formulas look
-// different from the software's, the software's pipeline draws, into the planes of the target's fallback surface.
+// different from the software's, or the compiler refuses the shader, the software's pipeline draws, into the planes of
+// the target's fallback surface.
 #pragma once
 
 #include <variant>
@@ -46,12 +47,11 @@ public:
 
     /// `cover(sink)` sends the coverage inside `call.visible`.
     template <class Cover> void Draw(const Call& call, const Colors& colors, Cover&& cover) {
-        const Route route = RouteOf(call, colors);
+        Route route = RouteOf(call, colors);
         if (const auto* software = std::get_if<SoftwareRoute>(&route)) {
             DrawInSoftware(call, *software->source, software->hasMask ? &software->mask : nullptr, cover);
         } else {
-            const auto& card = std::get<CardRoute>(route);
-            DrawOnCard(call, card.paint, card.hasMask ? &card.mask : nullptr, cover);
+            DrawOnCard(call, std::get<CardRoute>(route), cover);
         }
     }
     /// The whole of `call.visible`.
@@ -89,12 +89,15 @@ private:
         bool hasMask;
     };
     struct CardRoute {
-        D3D11Paint paint; ///< what the card samples, or colours that the software computed into a texture
-        D3D11ShapeMask mask;
-        bool hasMask;
+        D3D11DrawState state; ///< all of the draw but its coverage, with a shader that there is
+        float color[4];       ///< of the quadrilaterals
+        bool gathers;         ///< its coverage is gathered under the clip before it is sent
     };
     using Route = std::variant<SoftwareRoute, CardRoute>;
     [[nodiscard]] Route RouteOf(const Call& call, const Colors& colors);
+    /// False where the compiler refuses the shader. `extra` may be null.
+    [[nodiscard]] bool PrepareCard(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
+                                   CardRoute& route);
 
     template <class Cover>
     void DrawInSoftware(const Call& call, SwColorSource& source, const SwMaskInput* mask, Cover&& cover) {
@@ -102,42 +105,34 @@ private:
         RunPipeLine(m_buffers, m_arena, {call.state, call.Clip().get(), planes, call.visible, source, mask}, cover);
     }
 
-    /// `extra` may be null.
-    template <class Cover>
-    void DrawOnCard(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, Cover&& cover) {
-        if (!call.target.CoverageIsShape() && !IsSmallClip(call)) {
-            D3D11MeshSink sink(BeginMesh(call, paint, extra, true), call.visible);
+    template <class Cover> void DrawOnCard(const Call& call, CardRoute& route, Cover&& cover) {
+        if (!route.gathers) {
+            D3D11MeshSink sink(Begin(call, route.color, std::move(route.state), call.visible), call.visible);
             cover(sink);
             return;
         }
         ClipBuilder builder(call.clips, call.Clip().get(), call.visible);
         cover(builder);
-        const ClipRef covered = builder.Finish();
-        if (call.target.CoverageIsShape()) {
-            DrawCovered(call, paint, extra, covered);
-        } else {
-            SendCovered(call, covered, BeginMesh(call, paint, extra, false));
-        }
+        SendGathered(call, builder.Finish(), route);
     }
 
     /// The clip is worth a few quadrilaterals, with which draws under different clips are one, rather than a texture.
     [[nodiscard]] static bool IsSmallClip(const Call& call) noexcept;
-    [[nodiscard]] D3D11Mesh& BeginMesh(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
-                                       bool withClip);
-    /// What a draw covers under its clip, row by row.
-    void SendCovered(const Call& call, const ClipRef& covered, D3D11Mesh& mesh);
+    /// What a draw covers under its clip: as a texture where coverage is shape, else row by row.
+    void SendGathered(const Call& call, const ClipRef& covered, CardRoute& route);
 
-    void DrawGroupOnCard(const Call& call, D3D11SubTarget& group);
+    /// False where the compiler refuses one of the shaders.
+    [[nodiscard]] bool DrawGroupOnCard(const Call& call, D3D11SubTarget& group);
     void DrawGroupInSoftware(const Call& call, D3D11SubTarget& group);
+    [[nodiscard]] static bool HasShadersOfClear(const Call& call);
     void ClearOnCard(const Call& call, const float (&color)[4]);
     [[nodiscard]] D3D11Mesh& BeginInversion(const Call& call);
     void AddPaint(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, D3D11DrawState& state);
     void AddMask(D3D11DrawState& state, const D3D11Paint& paint, uint32_t type, bool ofShape) const;
     void AddClip(const Call& call, D3D11DrawState& state);
     void AddCoverage(D3D11DrawState& state, const D3D11SoftwareTextures::Image& image) const;
-    [[nodiscard]] D3D11Mesh& Begin(const Call& call, const D3D11Paint& paint, D3D11DrawState&& state,
-                                   const IntRect& box) const;
-    void DrawCovered(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra, const ClipRef& covered);
+    [[nodiscard]] static D3D11Mesh& Begin(const Call& call, const float (&color)[4], D3D11DrawState&& state,
+                                          const IntRect& box);
     void ClearPlane(const Call& call, const std::shared_ptr<D3D11Texture>& plane, D3D11Blend blend,
                     const D3D11Paint& paint);
 

@@ -22,24 +22,28 @@ Shader* D3D11ShaderCache::Find(Kept<Shader>& kept, uint64_t code, D3D11ShaderCom
     return kept.emplace(code, std::move(shader)).first->second.get();
 }
 
-bool D3D11ShaderCache::TryGet(const D3D11ShaderKey& key, Shaders& shaders) {
+D3D11ShaderCache::Shaders D3D11ShaderCache::Find(const D3D11ShaderKey& key) {
     D3D11ShaderKey plain = key;
     plain.SetComposition(key.Composition(), 0);
-    shaders.vertex =
-        Find(m_vertex, plain.Code(), D3D11ShaderCompiler::Stage::Vertex, key, [&](const std::vector<uint8_t>& bytes) {
-            if (!m_layout) {
-                m_layout = m_device.CreateInputLayout(bytes);
-            }
-            return m_device.CreateVertexShader(bytes);
-        });
-    shaders.pixel = Find(m_pixel, key.Code(), D3D11ShaderCompiler::Stage::Pixel, key,
-                         [&](const std::vector<uint8_t>& bytes) { return m_device.CreatePixelShader(bytes); });
+    return {Find(m_vertex, plain.Code(), D3D11ShaderCompiler::Stage::Vertex, key,
+                 [&](const std::vector<uint8_t>& bytes) {
+                     if (!m_layout) {
+                         m_layout = m_device.CreateInputLayout(bytes);
+                     }
+                     return m_device.CreateVertexShader(bytes);
+                 }),
+            Find(m_pixel, key.Code(), D3D11ShaderCompiler::Stage::Pixel, key,
+                 [&](const std::vector<uint8_t>& bytes) { return m_device.CreatePixelShader(bytes); })};
+}
+
+bool D3D11ShaderCache::Has(const D3D11ShaderKey& key) {
+    const Shaders shaders = Find(key);
     return shaders.vertex != nullptr && shaders.pixel != nullptr;
 }
 
 D3D11ShaderCache::Shaders D3D11ShaderCache::Get(const D3D11ShaderKey& key) {
-    Shaders shaders{};
-    if (!TryGet(key, shaders)) {
+    const Shaders shaders = Find(key);
+    if (shaders.vertex == nullptr || shaders.pixel == nullptr) {
         D3D11ShaderCompiler::RaiseRefused();
     }
     return shaders;

@@ -21,9 +21,9 @@ public:
     D3D11ShaderCache(D3D11Device& device, const D3D11ShaderCompiler& compiler) noexcept
         : m_device(device), m_compiler(compiler) {}
 
-    /// Compiles at the first call for a key. False when the compiler refuses one of the two.
-    [[nodiscard]] bool TryGet(const D3D11ShaderKey& key, Shaders& shaders);
-    /// The same; raises "Failed to compile shader".
+    /// Compiles at the first question about a key. False when the compiler refuses one of the two.
+    [[nodiscard]] bool Has(const D3D11ShaderKey& key);
+    /// Raises "Failed to compile shader" where Has is false.
     [[nodiscard]] Shaders Get(const D3D11ShaderKey& key);
     /// Different shaders asked for, of both stages.
     [[nodiscard]] size_t Count() const noexcept { return m_vertex.size() + m_pixel.size(); }
@@ -33,6 +33,8 @@ public:
 private:
     template <class Shader> using Kept = std::unordered_map<uint64_t, D3D11Ref<Shader>>;
 
+    /// Null members: refused.
+    [[nodiscard]] Shaders Find(const D3D11ShaderKey& key);
     template <class Shader, class Make>
     [[nodiscard]] Shader* Find(Kept<Shader>& kept, uint64_t code, D3D11ShaderCompiler::Stage stage,
                                const D3D11ShaderKey& key, Make&& make);

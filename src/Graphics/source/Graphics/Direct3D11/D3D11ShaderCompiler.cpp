@@ -68,14 +68,6 @@ bool D3D11ShaderCompiler::TryCompile(const std::string& text, Stage stage, uint3
                        [&](const char* target) { return TryCompile(text, "PS", target, code, nullptr); });
 }
 
-std::vector<uint8_t> D3D11ShaderCompiler::Compile(const std::string& text, Stage stage, uint32_t featureLevel) const {
-    std::vector<uint8_t> code;
-    if (!TryCompile(text, stage, featureLevel, code)) {
-        RaiseRefused();
-    }
-    return code;
-}
-
 void D3D11ShaderCompiler::RaiseRefused() {
     GX_RAISE("Graphics::D3D11ShaderCompiler::Compile", "Failed to compile shader");
 }

@@ -26,9 +26,8 @@ public:
     enum class Stage { Vertex, Pixel };
 
     /// Byte code. A pixel shader that is too long for the smallest target is compiled again for the larger ones that
-    /// the feature level takes. Raises "Failed to compile shader".
-    [[nodiscard]] std::vector<uint8_t> Compile(const std::string& text, Stage stage, uint32_t featureLevel) const;
-    /// The same, but false when no target takes the text. Raises where the compiler fails for another reason.
+    /// the feature level takes; false when no target takes the text. Raises "Failed to compile shader" where the
+    /// compiler fails for another reason.
     [[nodiscard]] bool TryCompile(const std::string& text, Stage stage, uint32_t featureLevel,
                                   std::vector<uint8_t>& code) const;
 

@@ -248,8 +248,8 @@ void D3D11SubTarget::DescribePlane(const std::shared_ptr<D3D11Texture>& plane, D
         {map.m00 * 2.0F, 0.0F, 0.0F, map.m11 * -2.0F, map.m20 * 2.0F - 1.0F, 1.0F - map.m21 * 2.0F});
 }
 
-void D3D11SubTarget::Describe(D3D11Context& context, uint32_t blendMode, const IntRect& box, D3D11DrawState& state) {
-    BeginOnCard(context, box);
+void D3D11SubTarget::Describe(D3D11Context& context, uint32_t blendMode, D3D11DrawState& state) {
+    MakePlanes(context);
     D3D11Fragment composition = D3D11Fragment::BasicFastComposition;
     D3D11Blend blend = D3D11Blend::Over;
     if (m_shaped || blendMode != GXBlendModeNormal) {
@@ -300,6 +300,9 @@ std::shared_ptr<D3D11Texture> D3D11SubTarget::MakeResult(D3D11Context& context) 
     state.AddInput(m_color, {});
     state.AddInput(m_shape, {});
     DescribePlane(result, D3D11Blend::Replace, state);
+    if (!context.Shaders().Has(state.key)) {
+        return nullptr;
+    }
     state.scissor = m_bounds;
     AddRectangle(context.Batch().Begin(std::move(state), m_touched), m_touched);
     return result;

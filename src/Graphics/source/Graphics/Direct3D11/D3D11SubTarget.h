@@ -53,9 +53,12 @@ public:
     /// For a draw inside `box`.
     [[nodiscard]] Way WayOf(const D3D11Context& context, uint32_t blendMode, const IntRect& box) const;
 
-    /// Sets target, composition and what the composition reads, for a draw of the card inside `box`.
-    void Describe(D3D11Context& context, uint32_t blendMode, const IntRect& box, D3D11DrawState& state);
-    /// Target and position alone, for draws that replace or scale what is there; after BeginOnCard.
+    /// Makes the planes of a group, which the card is to draw into, where they are not there yet. Raises what the
+    /// device raises.
+    void MakePlanes(D3D11Context& context);
+    /// Makes them; sets target, composition and what the composition reads.
+    void Describe(D3D11Context& context, uint32_t blendMode, D3D11DrawState& state);
+    /// Target and position alone, for draws that replace or scale what is there; after MakePlanes.
     void DescribePlane(const std::shared_ptr<D3D11Texture>& plane, D3D11Blend blend, D3D11DrawState& state) const;
     /// The card is about to draw inside `box`.
     void BeginOnCard(D3D11Context& context, const IntRect& box);
@@ -66,14 +69,15 @@ public:
 
     /// Everything that was drawn is on the card.
     void SendToCard(D3D11Context& context);
-    // After BeginOnCard or SendToCard:
+    // After MakePlanes or SendToCard:
     [[nodiscard]] const std::shared_ptr<D3D11Texture>& Color() const noexcept { return m_color; }
     /// Null for surfaces and plain groups.
     [[nodiscard]] const std::shared_ptr<D3D11Texture>& Shape() const noexcept { return m_shape; }
     /// What a non-isolated group began with; null else.
     [[nodiscard]] const std::shared_ptr<D3D11Texture>& Initial() const noexcept { return m_initial; }
 
-    /// The group's result with colour and alpha divided by the shape, in the touched box; after SendToCard.
+    /// The group's result with colour and alpha divided by the shape, in the touched box; after SendToCard. Null where
+    /// the compiler refuses the shader.
     [[nodiscard]] std::shared_ptr<D3D11Texture> MakeResult(D3D11Context& context);
     /// The same in memory, inside `box`; nothing else may be done with the group afterwards.
     [[nodiscard]] SwTargetPlanes MakeResultInSoftware(D3D11Context& context, const IntRect& box);
@@ -85,9 +89,7 @@ private:
     void Touch(const IntRect& box) noexcept;
     void ClosePlanes() noexcept;
     void OpenFallback() noexcept;
-    /// Raises what the device raises; nothing where the planes are there.
-    void MakePlanes(D3D11Context& context);
-    /// The same, where what lies below has its planes.
+    /// MakePlanes where what lies below has its planes.
     void MakeOwnPlanes(D3D11Context& context);
     [[nodiscard]] bool LacksPlanes() const noexcept;
     void SendUnsent(D3D11Context& context);

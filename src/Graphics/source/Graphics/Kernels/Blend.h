@@ -13,11 +13,6 @@
 
 namespace Graphics::Blend {
 
-/// Each channel becomes (channel * k) >> 8; k is 1 to 256. Two channels share one multiplication.
-[[nodiscard]] inline uint32_t Scale(uint32_t x, uint32_t k) noexcept {
-    return (((x & 0x00FF00FFU) * k >> 8) & 0x00FF00FFU) | ((((x >> 8) & 0x00FF00FFU) * k) & 0xFF00FF00U);
-}
-
 [[nodiscard]] inline uint32_t Alpha(uint32_t x) noexcept { return x >> 24; }
 [[nodiscard]] inline uint32_t Channel(uint32_t x, unsigned shift) noexcept { return (x >> shift) & 255U; }
 [[nodiscard]] inline uint32_t Lower(uint32_t a, uint32_t b) noexcept { return a < b ? a : b; }
@@ -25,16 +20,6 @@ namespace Graphics::Blend {
 
 /// a + b - ab on bytes: what two independent coverages cover together.
 [[nodiscard]] inline uint32_t Union(uint32_t a, uint32_t b) noexcept { return a + b - ((a * (b + 1U)) >> 8); }
-
-/// Straight colours of a premultiplied pixel; alpha 0 leaves it.
-[[nodiscard]] inline uint32_t Unpremultiply(uint32_t x) noexcept {
-    const uint32_t a = Alpha(x);
-    if (a == 0 || a == 255) {
-        return x;
-    }
-    const auto straight = [a](uint32_t c) { return Lower(c, a) * 255U / a; };
-    return (x & 0xFF000000U) | straight(Channel(x, 16)) << 16 | straight(Channel(x, 8)) << 8 | straight(Channel(x, 0));
-}
 
 struct Normal {
     static uint32_t Of(uint32_t /*cb*/, uint32_t cs) noexcept { return cs; }

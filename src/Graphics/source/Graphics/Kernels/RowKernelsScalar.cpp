@@ -2,6 +2,7 @@
 // The row kernels in plain C++: always built, and the measure of every other set.
 #include <cstring>
 
+#include "../Pixels/PixelMath.h"
 #include "Blend.h"
 #include "RowTable.h"
 
@@ -39,7 +40,7 @@ void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) noexcept {
 }
 
 /// c is already scaled by the shape. Sums are 32-bit words, so what leaves a channel enters the next.
-uint32_t Over(uint32_t d, uint32_t c) noexcept { return Alpha(d) == 0 ? c : Scale(d, 256U - Alpha(c)) + c; }
+uint32_t Over(uint32_t d, uint32_t c) noexcept { return Alpha(d) == 0 ? c : ScalePixel(d, 256U - Alpha(c)) + c; }
 
 void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
     if (Alpha(color) == 0) {
@@ -48,7 +49,7 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
         if (s != 0) {
-            dst[i] = Over(dst[i], Scale(color, s + 1U));
+            dst[i] = Over(dst[i], ScalePixel(color, s + 1U));
         }
     }
 }
@@ -92,7 +93,7 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
         if (s != 0 && Alpha(src[i]) != 0) {
-            dst[i] = Over(dst[i], Scale(src[i], s + 1U));
+            dst[i] = Over(dst[i], ScalePixel(src[i], s + 1U));
         }
     }
 }
@@ -105,9 +106,9 @@ template <class Mode> uint32_t BlendPixel(uint32_t d, uint32_t c) noexcept {
     if (ab == 0) {
         return c;
     }
-    const uint32_t mixed = Mode::Pixel(Unpremultiply(d), Unpremultiply(c));
+    const uint32_t mixed = Mode::Pixel(UnpremultiplyPixel(d), UnpremultiplyPixel(c));
     const uint32_t t = (as * (ab + 1U)) >> 8;
-    const uint32_t sum = Scale(d, 256U - as) + Scale(c, 256U - ab) + Scale(mixed, t + 1U);
+    const uint32_t sum = ScalePixel(d, 256U - as) + ScalePixel(c, 256U - ab) + ScalePixel(mixed, t + 1U);
     return (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
 }
 
@@ -115,7 +116,7 @@ template <class Mode> void BlendRow(uint32_t* dst, const uint32_t* src, const ui
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
         if (s != 0 && Alpha(src[i]) != 0) {
-            dst[i] = BlendPixel<Mode>(dst[i], Scale(src[i], s + 1U));
+            dst[i] = BlendPixel<Mode>(dst[i], ScalePixel(src[i], s + 1U));
         }
     }
 }
@@ -128,15 +129,15 @@ template <class Mode> void BlendSolidRow(uint32_t* dst, uint32_t color, const ui
 
 /// Normal inside a group: source over what lies under it.
 struct LayerOver {
-    static uint32_t Pixel(uint32_t under, uint32_t c) noexcept { return Scale(under, 256U - Alpha(c)) + c; }
+    static uint32_t Pixel(uint32_t under, uint32_t c) noexcept { return ScalePixel(under, 256U - Alpha(c)) + c; }
 };
 
 /// The other modes inside a group: M = c (1 - au) + B au, then under (1 - as) + M as.
 template <class Mode> struct LayerBlended {
     static uint32_t Pixel(uint32_t under, uint32_t c) noexcept {
-        const uint32_t mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c));
-        const uint32_t m = Scale(c, 256U - Alpha(under)) + Scale(mixed, Alpha(under) + 1U);
-        return Scale(under, 256U - Alpha(c)) + Scale(m, Alpha(c) + 1U);
+        const uint32_t mixed = Mode::Pixel(UnpremultiplyPixel(under), UnpremultiplyPixel(c));
+        const uint32_t m = ScalePixel(c, 256U - Alpha(under)) + ScalePixel(mixed, Alpha(under) + 1U);
+        return ScalePixel(under, 256U - Alpha(c)) + ScalePixel(m, Alpha(c) + 1U);
     }
 };
 
@@ -155,7 +156,7 @@ void LayerRow(const LayerRowPlanes& row, const uint32_t* src, const uint8_t* sha
         const uint32_t alpha =
             ((Union(row.knockout ? 0U : oldAlpha, as) * (fs + 1U)) >> 8) + ((oldAlpha * (256U - fs)) >> 8);
         const uint32_t composed = Compose::Pixel(row.knockout ? backdrop : old, c);
-        const uint32_t color = Scale(old, 256U - fs) + Scale(composed, fs + 1U);
+        const uint32_t color = ScalePixel(old, 256U - fs) + ScalePixel(composed, fs + 1U);
         row.color[i] = (color & 0x00FFFFFFU) | Union(alpha, Alpha(backdrop)) << 24;
         row.alpha[i] = static_cast<uint8_t>(alpha);
         row.shape[i] = static_cast<uint8_t>(Union(row.shape[i], fs));
@@ -194,7 +195,7 @@ void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, co
                 color[i] = x | 0xFF000000U;
                 continue;
             }
-            x = SubtractClamped(x, Scale(backdrop[i], 256U - ag));
+            x = SubtractClamped(x, ScalePixel(backdrop[i], 256U - ag));
         }
         x = (x & 0x00FFFFFFU) | ag << 24;
         color[i] = fg < 255U ? DivideBy(x, fg) : x;
@@ -220,26 +221,26 @@ void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
 
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        color[i] = Scale(color[i], mask[i] + 1U);
+        color[i] = ScalePixel(color[i], mask[i] + 1U);
     }
 }
 
 void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        color[i] = Scale(color[i], factor);
+        color[i] = ScalePixel(color[i], factor);
     }
 }
 
 void PremultiplyRow(uint32_t* color, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        color[i] = (Scale(color[i], Alpha(color[i]) + 1U) & 0x00FFFFFFU) | (color[i] & 0xFF000000U);
+        color[i] = PremultiplyPixel(color[i]);
     }
 }
 
 void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);
-        dst[i] = Scale(dst[i], 256U - s) + Scale(color, s + 1U);
+        dst[i] = ScalePixel(dst[i], 256U - s) + ScalePixel(color, s + 1U);
     }
 }
 

@@ -6,7 +6,8 @@
 
 namespace Graphics {
 
-PixelBuffer::Block PixelBuffer::Make(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed) {
+PixelBuffer::PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed)
+    : m_bitsPerPixel(bitsPerPixel) {
     // 64 bits throughout: the magnitude of the smallest 32-bit number has no 32-bit form.
     const int64_t w = width < 0 ? -static_cast<int64_t>(width) : width;
     const int64_t h = height < 0 ? -static_cast<int64_t>(height) : height;
@@ -20,19 +21,12 @@ PixelBuffer::Block PixelBuffer::Make(int32_t width, int32_t height, uint32_t bit
     }
     const auto bytes = static_cast<size_t>(stride * h);
     void* data = zeroed ? ProcessHeap::AllocZeroed(bytes) : ProcessHeap::AllocAligned(bytes);
-    return {static_cast<uint8_t*>(data), static_cast<int32_t>(w), static_cast<int32_t>(h),
-            static_cast<uint32_t>(stride)};
+    m_data = static_cast<uint8_t*>(data);
+    m_width = static_cast<int32_t>(w);
+    m_height = static_cast<int32_t>(h);
+    m_strideBytes = static_cast<uint32_t>(stride);
 }
 
-PixelBuffer::PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed)
-    : m_bitsPerPixel(bitsPerPixel), m_block(Make(width, height, bitsPerPixel, zeroed)) {}
-
-PixelBuffer::~PixelBuffer() { ProcessHeap::FreeAligned(m_block.data, ByteCount()); }
-
-void PixelBuffer::Remake(int32_t width, int32_t height) {
-    const Block block = Make(width, height, m_bitsPerPixel, false);
-    ProcessHeap::FreeAligned(m_block.data, ByteCount());
-    m_block = block;
-}
+PixelBuffer::~PixelBuffer() { ProcessHeap::FreeAligned(m_data, ByteCount()); }
 
 } // namespace Graphics

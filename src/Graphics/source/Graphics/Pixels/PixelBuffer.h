@@ -17,29 +17,21 @@ public:
     PixelBuffer& operator=(const PixelBuffer&) = delete;
     ~PixelBuffer();
 
-    /// A new size in the same format, contents undefined; on failure the buffer stays as it was.
-    void Remake(int32_t width, int32_t height);
-
-    [[nodiscard]] uint8_t* Data() const noexcept { return m_block.data; }
-    [[nodiscard]] int32_t Width() const noexcept { return m_block.width; }
-    [[nodiscard]] int32_t Height() const noexcept { return m_block.height; }
+    [[nodiscard]] uint8_t* Data() const noexcept { return m_data; }
+    [[nodiscard]] int32_t Width() const noexcept { return m_width; }
+    [[nodiscard]] int32_t Height() const noexcept { return m_height; }
     [[nodiscard]] uint32_t BitsPerPixel() const noexcept { return m_bitsPerPixel; }
-    [[nodiscard]] uint32_t StrideBytes() const noexcept { return m_block.strideBytes; }
+    [[nodiscard]] uint32_t StrideBytes() const noexcept { return m_strideBytes; }
     [[nodiscard]] size_t ByteCount() const noexcept {
-        return static_cast<size_t>(m_block.strideBytes) * static_cast<size_t>(m_block.height);
+        return static_cast<size_t>(m_strideBytes) * static_cast<size_t>(m_height);
     }
 
 private:
-    struct Block {
-        uint8_t* data;
-        int32_t width;
-        int32_t height;
-        uint32_t strideBytes;
-    };
-    [[nodiscard]] static Block Make(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed);
-
-    const uint32_t m_bitsPerPixel;
-    Block m_block;
+    uint8_t* m_data = nullptr;
+    int32_t m_width = 0;
+    int32_t m_height = 0;
+    uint32_t m_strideBytes = 0;
+    uint32_t m_bitsPerPixel;
 };
 
 } // namespace Graphics

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "../Exception.h"
+#include "PixelMath.h"
 #include "PixelRows.h"
 
 namespace Graphics {
@@ -22,19 +23,6 @@ void Store32(uint8_t* p, uint32_t v) noexcept { std::memcpy(p, &v, 4); }
 /// Luminance of the 32-bit formats, (30 R + 59 G + 11 B) / 100 on the stored bytes. BGR24 weighs differently, below.
 [[nodiscard]] uint32_t Grey(uint32_t p) noexcept {
     return (30 * (p >> 16 & 255U) + 59 * (p >> 8 & 255U) + 11 * (p & 255U)) / 100;
-}
-
-/// Straight colour of a premultiplied pixel: min(c, a) * 255 / a, truncated; a pixel of alpha 0 stays as it is.
-[[nodiscard]] uint32_t Straight(uint32_t p) noexcept {
-    const uint32_t a = p >> 24;
-    if (a == 0 || a == 255) {
-        return p;
-    }
-    const auto channel = [a, p](int shift) {
-        const uint32_t c = p >> shift & 255U;
-        return (c < a ? c : a) * 255 / a << shift;
-    };
-    return a << 24 | channel(16) | channel(8) | channel(0);
 }
 
 /// Writes the bits that `bit(i)` gives, eight at a time, leaving the neighbours in the first and last byte alone.
@@ -121,7 +109,7 @@ void AddAlpha24(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t cou
 
 void UnpremultiplyDropAlpha(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        const uint32_t p = Straight(Load32(src + i * 4));
+        const uint32_t p = UnpremultiplyPixel(Load32(src + i * 4));
         dst[i * 3] = static_cast<uint8_t>(p);
         dst[i * 3 + 1] = static_cast<uint8_t>(p >> 8);
         dst[i * 3 + 2] = static_cast<uint8_t>(p >> 16);
@@ -130,24 +118,19 @@ void UnpremultiplyDropAlpha(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t
 
 void Unpremultiply(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        Store32(dst + i * 4, Straight(Load32(src + i * 4)));
+        Store32(dst + i * 4, UnpremultiplyPixel(Load32(src + i * 4)));
     }
 }
 
 void UnpremultiplyOpaque(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        Store32(dst + i * 4, Straight(Load32(src + i * 4)) | 0xFF000000U);
+        Store32(dst + i * 4, UnpremultiplyPixel(Load32(src + i * 4)) | 0xFF000000U);
     }
 }
 
-// c * (a + 1) >> 8, which keeps c at a = 255. Red and blue share a word: their products stay below 2^16.
 void Premultiply(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        const uint32_t p = Load32(src + i * 4);
-        const uint32_t scale = (p >> 24) + 1;
-        const uint32_t redBlue = (p & 0x00FF00FFU) * scale >> 8 & 0x00FF00FFU;
-        const uint32_t green = (p >> 8 & 255U) * scale & 0xFF00U;
-        Store32(dst + i * 4, (p & 0xFF000000U) | redBlue | green);
+        Store32(dst + i * 4, PremultiplyPixel(Load32(src + i * 4)));
     }
 }
 

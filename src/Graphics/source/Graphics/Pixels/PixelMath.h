@@ -19,4 +19,17 @@ namespace Graphics {
     return (c & 0xFF000000U) | (ScalePixel(c, (c >> 24) + 1) & 0x00FFFFFFU);
 }
 
+/// Straight colours of a premultiplied pixel: min(c, a) * 255 / a, truncated; a pixel of alpha 0 stays as it is.
+[[nodiscard]] static inline uint32_t UnpremultiplyPixel(uint32_t x) noexcept {
+    const uint32_t a = x >> 24;
+    if (a == 0 || a == 255) {
+        return x;
+    }
+    const auto straight = [=](int shift) {
+        const uint32_t c = x >> shift & 255U;
+        return (c < a ? c : a) * 255U / a << shift;
+    };
+    return (x & 0xFF000000U) | straight(16) | straight(8) | straight(0);
+}
+
 } // namespace Graphics

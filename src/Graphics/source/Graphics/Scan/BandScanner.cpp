@@ -62,7 +62,7 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
             int32_t error = rest - dy;
             const int32_t c = x & 7;
             error -= c != 0 ? (8 - c) * dy : 0;
-            x = (x + (c != 0 ? 7 : 0)) >> 4;
+            x = UprightColumn(x);
             error >>= 4;
             if (first > top) {
                 const int64_t moved = error + static_cast<int64_t>(first - top) * dx;

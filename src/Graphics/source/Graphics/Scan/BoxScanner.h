@@ -42,7 +42,6 @@ private:
         int32_t to;
     };
 
-    void Order(Span Box::*along);
     void CountColumns(const Span* spans, size_t count);
     void SendRows(RasterizationSink& sink, int32_t from, int32_t to, int32_t subRows);
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceFigures.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -73,20 +71,18 @@ bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Verte
     }
     // Both corners at once, as Map and ToVertex do each of them.
     const Rect& r = figure.Box();
-    const auto pair = [](float x, float y) { return _mm_setr_ps(x, y, x, y); };
-    __m128 v = _mm_mul_ps(pair(m.m00, m.m01), _mm_setr_ps(r.left, r.left, r.right, r.right));
-    v = _mm_add_ps(v, _mm_mul_ps(pair(m.m10, m.m11), _mm_setr_ps(r.top, r.top, r.bottom, r.bottom)));
-    v = _mm_add_ps(v, pair(m.m20, m.m21));
+    using namespace GX_SIMD_NAMESPACE;
+    const F32 v = F32{m.m00, m.m01, m.m00, m.m01} * F32{r.left, r.left, r.right, r.right} +
+                  F32{m.m10, m.m11, m.m10, m.m11} * F32{r.top, r.top, r.bottom, r.bottom} +
+                  F32{m.m20, m.m21, m.m20, m.m21};
     // NaN compares false.
-    const __m128 band = _mm_set1_ps(kDeviceBand);
-    const __m128 inBand = _mm_and_ps(_mm_cmplt_ps(v, band), _mm_cmpgt_ps(v, _mm_sub_ps(_mm_setzero_ps(), band)));
-    if (_mm_movemask_ps(inBand) != 15) {
+    if (MaskBits((v < kDeviceBand) & (v > -kDeviceBand)) != 15) {
         return false;
     }
     static_assert(kDeviceBand * 128.0F < kFineLimit);
-    const __m128i fine = _mm_cvttps_epi32(_mm_mul_ps(v, _mm_set1_ps(128.0F)));
-    a = std::bit_cast<Vertex>(_mm_cvtsi128_si64(fine));
-    b = std::bit_cast<Vertex>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(fine, fine)));
+    const auto fine = (U64)Truncate(v * 128.0F);
+    a = std::bit_cast<Vertex>(fine[0]);
+    b = std::bit_cast<Vertex>(fine[1]);
     return true;
 }
 

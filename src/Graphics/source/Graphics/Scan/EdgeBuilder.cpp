@@ -141,28 +141,18 @@ void EdgeBuilder::SumChains(int32_t first, int32_t last, int shift) {
     }
 }
 
-uint32_t EdgeBuilder::MostChains() const noexcept {
-    int32_t sum = 0;
-    int32_t most = 0;
-    for (const int32_t change : m_rowSums) {
-        sum += change;
-        most = std::max(most, sum);
-    }
-    return static_cast<uint32_t>(most);
-}
-
 /// The most chains that meet in one row. Sub-scanlines are worth the time where pixel rows would ask for the widest
 /// cells.
 uint32_t EdgeBuilder::WindingBound(int32_t first, int32_t last) {
     if (m_hasSums) {
         SumChains(m_clipFirst, m_clipLast, 0);
-        return MostChains();
+        return static_cast<uint32_t>(MostOverlapping(m_rowSums));
     }
     uint32_t bound = m_chainCount;
     for (int shift = 3; shift >= 0 && bound > (shift == 0 ? 15U : 3U); shift -= 3) {
         StartSums(static_cast<size_t>(((last - 1) >> shift) - (first >> shift)) + 1);
         SumChains(first, last, shift);
-        bound = std::min(bound, MostChains());
+        bound = std::min(bound, static_cast<uint32_t>(MostOverlapping(m_rowSums)));
     }
     return bound;
 }

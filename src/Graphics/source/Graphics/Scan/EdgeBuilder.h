@@ -3,10 +3,11 @@
 // in 1/8 pixel (sub units, fine >> 4), one step a sub-scanline.
 #pragma once
 
+#include <algorithm>
 #include <bit>
-#include <emmintrin.h>
 
 #include "../ProcessHeap.h"
+#include "../Simd/BaseVectors.h"
 #include "../Types.h"
 
 namespace Graphics {
@@ -35,16 +36,27 @@ inline constexpr float kFineLimit = 1073741760.0F;
 
 /// Truncated toward zero; NaN gives 0.
 [[nodiscard]] inline Vertex ToVertex(const Point& p) noexcept {
-    __m128 v = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&p)));
-    v = _mm_and_ps(v, _mm_cmpord_ps(v, v));
-    v = _mm_mul_ps(v, _mm_set1_ps(128.0F));
-    v = _mm_min_ps(_mm_max_ps(v, _mm_set1_ps(-kFineLimit)), _mm_set1_ps(kFineLimit));
-    return std::bit_cast<Vertex>(_mm_cvtsi128_si64(_mm_cvttps_epi32(v)));
+    using namespace GX_SIMD_NAMESPACE;
+    auto v = (F32)U64{std::bit_cast<uint64_t>(p), 0};
+    v = (F32)((I32)v & (v == v)) * 128.0F;
+    v = Lower(Higher(v, Splat(-kFineLimit)), Splat(kFineLimit));
+    return std::bit_cast<Vertex>(((U64)Truncate(v))[0]);
 }
 
 /// Where an upright edge stands: the sub column, from fine units, that its set-up rounds to.
 [[nodiscard]] inline constexpr int32_t UprightColumn(int32_t fine) noexcept {
     return (fine + ((fine & 7) != 0 ? 7 : 0)) >> 4;
+}
+
+/// How many ranges overlap at most: each adds 1 to the change where it begins and takes 1 behind its end.
+template <class Changes> [[nodiscard]] size_t MostOverlapping(const Changes& changes) noexcept {
+    int32_t sum = 0;
+    int32_t most = 0;
+    for (const int32_t change : changes) {
+        sum += change;
+        most = std::max(most, sum);
+    }
+    return static_cast<size_t>(most);
 }
 
 /// What the vertices say about a fill before any edge is made.
@@ -145,7 +157,6 @@ private:
     void AddChain(int32_t top, int32_t bottom);
     void StartSums(size_t rows);
     void SumChains(int32_t first, int32_t last, int shift);
-    [[nodiscard]] uint32_t MostChains() const noexcept;
     [[nodiscard]] uint32_t WindingBound(int32_t first, int32_t last);
 
     HeapArray<Vertex> m_vertices;

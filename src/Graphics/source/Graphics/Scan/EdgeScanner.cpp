@@ -59,18 +59,12 @@ size_t MostActive(const HeapArray<Edge>& edges) noexcept {
         last = std::max<int64_t>(last, e.last);
     }
     const int64_t rows = (last - first) / kBands + 1;
-    std::array<int64_t, kBands + 1> changes{};
+    std::array<int32_t, kBands + 1> changes{};
     for (const Edge& e : edges) {
         ++changes[static_cast<size_t>((e.first - first) / rows)];
         --changes[static_cast<size_t>((e.last - 1 - first) / rows) + 1];
     }
-    int64_t most = 0;
-    int64_t sum = 0;
-    for (const int64_t change : changes) {
-        sum += change;
-        most = std::max(most, sum);
-    }
-    return static_cast<size_t>(most);
+    return MostOverlapping(changes);
 }
 
 float HalfRamp(const Edge& e) noexcept {

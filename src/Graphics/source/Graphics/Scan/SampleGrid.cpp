@@ -2,31 +2,42 @@
 // Setting samples and counting them, sixteen pixels at a time.
 #include "SampleGrid.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include "../Simd/BaseVectors.h"
 
 namespace Graphics {
 namespace {
 
-/// The number of bits in each byte.
-__m128i CountBits(__m128i v) noexcept {
-    const __m128i twos = _mm_set1_epi8(0x55);
-    const __m128i fours = _mm_set1_epi8(0x33);
-    v = _mm_sub_epi8(v, _mm_and_si128(_mm_srli_epi16(v, 1), twos));
-    v = _mm_add_epi8(_mm_and_si128(v, fours), _mm_and_si128(_mm_srli_epi16(v, 2), fours));
-    return _mm_and_si128(_mm_add_epi8(v, _mm_srli_epi16(v, 4)), _mm_set1_epi8(0x0F));
-}
+using namespace GX_SIMD_NAMESPACE;
+
+/// Counts the bits in each byte.
+class BitCounter {
+public:
+    /// Bits that a shift takes into the next byte are masked off.
+    GX_INLINE U8 Of(U8 v) const noexcept {
+        v -= (U8)((U16)v >> 1) & m_twos;
+        v = (v & m_fours) + ((U8)((U16)v >> 2) & m_fours);
+        return (v + (U8)((U16)v >> 4)) & m_low;
+    }
+
+private:
+    U8 m_twos = Kept(U8{} + 0x55);
+    U8 m_fours = Kept(U8{} + 0x33);
+    U8 m_low = Kept(U8{} + 0x0F);
+};
 
 } // namespace
 
 void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexcept {
     // A pixel keeps its first columns, moved, and gets the last ones of the pixel on its left.
-    const __m128i ownKeep = _mm_set1_epi8(static_cast<char>(0xFF >> right));
-    const __m128i ownCount = _mm_cvtsi32_si128(right);
-    const __m128i leftKeep = _mm_set1_epi8(static_cast<char>(0xFF << (8 - right)));
-    const __m128i leftCount = _mm_cvtsi32_si128(8 - right);
+    // The lowest bit is leftmost: to move right is to shift up, which factors do on lanes of 16 bits.
+    const U8 ownKeep = Kept(U8{} + static_cast<uint8_t>(0xFF >> right));
+    const U16 ownFactor = Kept(U16{} + static_cast<uint16_t>(1 << right));
+    const U8 leftKeep = Kept(U8{} + static_cast<uint8_t>(0xFF << (8 - right)));
+    const U16 leftFactor = Kept(U16{} + static_cast<uint16_t>(256 << right)); // of a high product: down by 8 - right
+    const BitCounter counter;
     const size_t stride = CoverageStride(right);
     const int32_t rows = HeightAt(down);
     for (int32_t y = 0; y < rows; ++y) {
@@ -34,18 +45,14 @@ void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexc
         const int32_t last = std::min(y * 8 - down + 8, height * 8);
         for (size_t x = 0; x < stride; x += 16) {
             const uint8_t* p = bits + static_cast<size_t>(first) * strideBytes + x;
-            __m128i sum = _mm_setzero_si128();
+            U8 sum{};
             for (int32_t row = first; row < last; ++row, p += strideBytes) {
-                const __m128i own = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-                const __m128i left = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p - 1));
-                const __m128i moved = _mm_or_si128(_mm_sll_epi16(_mm_and_si128(own, ownKeep), ownCount),
-                                                   _mm_srl_epi16(_mm_and_si128(left, leftKeep), leftCount));
-                sum = _mm_add_epi8(sum, CountBits(moved));
+                const U16 own = (U16)(Load<U8>(p) & ownKeep) * ownFactor;
+                const U16 left = MultiplyHigh((U16)(Load<U8>(p - 1) & leftKeep), leftFactor);
+                sum += counter.Of((U8)(own | left));
             }
             // 4 n - 1 in a byte, 0 for none: ShapeOfCount.
-            const __m128i twice = _mm_add_epi8(sum, sum);
-            const __m128i shape = _mm_sub_epi8(_mm_add_epi8(twice, twice), _mm_min_epu8(sum, _mm_set1_epi8(1)));
-            _mm_store_si128(reinterpret_cast<__m128i*>(out + x), shape);
+            Store(out + x, (U8)(sum * 4 + (U8)(sum != 0)));
         }
         out += stride;
     }

@@ -31,6 +31,7 @@ using U32 = uint32_t __attribute__((vector_size(GX_SIMD_BYTES)));
 using I32 = int32_t __attribute__((vector_size(GX_SIMD_BYTES)));
 using F32 = float __attribute__((vector_size(GX_SIMD_BYTES)));
 using U64 = uint64_t __attribute__((vector_size(GX_SIMD_BYTES)));
+using F64 = double __attribute__((vector_size(GX_SIMD_BYTES)));
 using I64 = int64_t __attribute__((vector_size(GX_SIMD_BYTES)));
 
 inline constexpr size_t kLanes = GX_SIMD_BYTES / 4;     ///< of 32 bits, each a pixel

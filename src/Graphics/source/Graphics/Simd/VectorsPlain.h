@@ -94,6 +94,10 @@ template <class V> GX_INLINE inline V Kept(V v) noexcept { return v; }
 GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
 /// Every bit that at least two of them have.
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
+/// One bit for each lane of a mask; v where the mask is set, else 0; the higher of two, b where one is not a number.
+GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return static_cast<uint32_t>((mask[0] & 1) | (mask[1] & 2)); }
+GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)(mask & (I64)v); }
+GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return a > b ? a : b; }
 /// The number of bits of each lane.
 GX_INLINE inline U64 BitCount(U64 v) noexcept {
     return U64{static_cast<uint64_t>(__builtin_popcountll(v[0])), static_cast<uint64_t>(__builtin_popcountll(v[1]))};

@@ -152,6 +152,9 @@ template <class V> GX_INLINE inline V Kept(V v) noexcept {
 
 GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
+GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return static_cast<uint32_t>(_mm_movemask_pd((__m128d)mask)); }
+GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)_mm_and_pd((__m128d)mask, (__m128d)v); }
+GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (F64)_mm_max_pd((__m128d)a, (__m128d)b); }
 GX_INLINE inline U64 BitCount(U64 bits) noexcept {
     const __m128i m1 = _mm_set1_epi8(0x55);
     const __m128i m2 = _mm_set1_epi8(0x33);

@@ -39,12 +39,4 @@ protected:
     bool m_opaque;
 };
 
-/// The inverse of a matrix before rounding to floats.
-struct InverseMap {
-    double a, b, c, d, e, f; ///< x' = a x + c y + e, y' = b x + d y + f
-
-    /// False when there is no finite inverse.
-    [[nodiscard]] bool Set(const Matrix& m) noexcept;
-};
-
 } // namespace Graphics

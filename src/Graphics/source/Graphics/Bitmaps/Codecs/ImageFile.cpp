@@ -5,6 +5,7 @@
 #include <string>
 
 #include "../../Exception.h"
+#include "../../Utf8.h"
 #include "ImageCodec.h"
 
 namespace Graphics {
@@ -24,27 +25,12 @@ namespace {
 /// The file system's own form of a path, whatever the locale is. Throws ImageError for what is no text.
 [[nodiscard]] std::filesystem::path ToPath(const wchar_t* path) {
     std::u8string text;
-    for (; *path != 0; ++path) {
-        // The check takes wchar_t for a small character. NOLINTNEXTLINE(bugprone-signed-char-misuse)
-        auto c = static_cast<uint32_t>(*path);
-        if constexpr (sizeof(wchar_t) == 2) { // pairs of surrogates
-            c &= 0xFFFF;
-            const uint32_t low = static_cast<uint32_t>(path[1]) & 0xFFFF;
-            if (c >> 10 == 0x36 && low >> 10 == 0x37) {
-                c = 0x10000 + ((c & 0x3FF) << 10 | (low & 0x3FF));
-                ++path;
-            }
-        }
-        if (c > 0x10FFFF || c >> 11 == 0x1B) {
+    while (*path != 0) {
+        const uint32_t c = NextCodePoint(path);
+        if (c > 0x10FFFF || IsSurrogate(c)) {
             throw ImageError();
         }
-        // The first byte's upper bits say how many follow with six bits each.
-        const int following = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-        constexpr uint32_t kLead[4] = {0, 0xC0, 0xE0, 0xF0};
-        text += static_cast<char8_t>(kLead[following] | c >> 6 * following);
-        for (int k = following - 1; k >= 0; --k) {
-            text += static_cast<char8_t>(0x80 | (c >> 6 * k & 0x3F));
-        }
+        AppendUtf8(text, c);
     }
     return text;
 }

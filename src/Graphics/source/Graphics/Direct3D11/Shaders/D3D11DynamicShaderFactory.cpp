@@ -4,7 +4,7 @@
 // may hold a fragment more than once.
 #include "D3D11DynamicShaderFactory.h"
 
-namespace Graphics {
+namespace Graphics::D3D11DynamicShaderFactory {
 namespace {
 
 /// One user of constants, coordinates and textures: a fragment in its place, or the composition.
@@ -121,7 +121,7 @@ template <class Call> void AddCalls(const std::vector<Place>& places, Call&& cal
 
 } // namespace
 
-std::string D3D11DynamicShaderFactory::VertexText(const D3D11ShaderKey& key) {
+std::string VertexText(const D3D11ShaderKey& key) {
     const std::vector<Place> places = Places(key);
     std::string text;
     AddConstants(text, places, true);
@@ -152,7 +152,7 @@ std::string D3D11DynamicShaderFactory::VertexText(const D3D11ShaderKey& key) {
     return text;
 }
 
-std::string D3D11DynamicShaderFactory::PixelText(const D3D11ShaderKey& key) {
+std::string PixelText(const D3D11ShaderKey& key) {
     const std::vector<Place> places = Places(key);
     std::string text = "\nstruct PSOutput {\n  float4 color : SV_TARGET0;";
     if (places.front().fragment->writesShape) {
@@ -205,14 +205,4 @@ std::string D3D11DynamicShaderFactory::PixelText(const D3D11ShaderKey& key) {
     return text;
 }
 
-uint32_t D3D11DynamicShaderFactory::TextureCount(const D3D11ShaderKey& key) { return TextureTotal(Places(key)); }
-
-const D3D11ShaderTexts& D3D11DynamicShaderFactory::Texts(const D3D11ShaderKey& key) {
-    std::unique_ptr<const D3D11ShaderTexts>& texts = m_texts[key.Code()];
-    if (texts == nullptr) {
-        texts = std::make_unique<const D3D11ShaderTexts>(D3D11ShaderTexts{VertexText(key), PixelText(key)});
-    }
-    return *texts;
-}
-
-} // namespace Graphics
+} // namespace Graphics::D3D11DynamicShaderFactory

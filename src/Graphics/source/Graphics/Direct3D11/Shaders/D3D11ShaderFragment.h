@@ -46,10 +46,6 @@ enum class D3D11Fragment : uint8_t {
 };
 inline constexpr size_t kD3D11FragmentCount = 26;
 
-[[nodiscard]] constexpr bool IsComposition(D3D11Fragment f) noexcept {
-    return f >= D3D11Fragment::BasicFastComposition;
-}
-
 struct D3D11ShaderFragment {
     /// One parameter of a function text: its type as written, without "inout", and its name.
     struct Parameter {

@@ -10,6 +10,7 @@
 #include <exception>
 
 #include "../../Exception.h"
+#include "../../Utf8.h"
 
 namespace Graphics {
 namespace {
@@ -19,23 +20,9 @@ constexpr int32_t kDefaultHeight = -16;
 /// UTF-8 of null-terminated UTF-16; a lone surrogate becomes U+FFFD.
 std::string ToUtf8(const uint16_t* text) {
     std::string out;
-    const auto add = [&](uint32_t byte) { out.push_back(static_cast<char>(byte)); };
     while (*text != 0) {
-        uint32_t c = *text++;
-        if (c >= 0xD800 && c < 0xDC00 && *text >= 0xDC00 && *text < 0xE000) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (*text++ - 0xDC00U);
-        } else if (c >= 0xD800 && c < 0xE000) {
-            c = 0xFFFD;
-        }
-        if (c < 0x80) {
-            add(c);
-            continue;
-        }
-        const int more = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-        add((0xF00U >> more & 0xFFU) | c >> (6 * more));
-        for (int i = more - 1; i >= 0; --i) {
-            add(0x80 | (c >> (6 * i) & 0x3F));
-        }
+        const uint32_t c = NextCodePoint(text);
+        AppendUtf8(out, IsSurrogate(c) ? 0xFFFD : c);
     }
     return out;
 }

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The formulas of the shader texts, operation by operation. Minima and maxima have the constant first, which makes them
 // return it for a NaN, as the card does.
-#include "D3D11ShaderModel.h"
+#include "ShaderModel.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "../../Types.h"
+#include "Types.h"
 
-namespace Graphics::D3D11ShaderModel {
+namespace Graphics::ShaderModel {
 namespace {
 
 template <class F> [[nodiscard]] Float4 Each(const Float4& a, const Float4& b, F&& f) noexcept {
@@ -16,8 +16,9 @@ template <class F> [[nodiscard]] Float4 Each(const Float4& a, const Float4& b, F
 }
 
 [[nodiscard]] Float4 Divided(const Float4& c, float by) noexcept { return {c.r / by, c.g / by, c.b / by, c.a}; }
-[[nodiscard]] Float4 Scaled(const Float4& c, float by) noexcept { return {c.r * by, c.g * by, c.b * by, c.a * by}; }
 
+/// The weighted sum of red, green and blue.
+[[nodiscard]] float Luminosity(const Float4& c) noexcept { return c.r * 0.3F + c.g * 0.59F + c.b * 0.11F; }
 [[nodiscard]] float Smallest(const Float4& c) noexcept { return std::min({c.r, c.g, c.b}); }
 [[nodiscard]] float Largest(const Float4& c) noexcept { return std::max({c.r, c.g, c.b}); }
 
@@ -83,6 +84,45 @@ template <class F> [[nodiscard]] Float4 Each(const Float4& a, const Float4& b, F
 
 [[nodiscard]] float Dodge(float cb, float cs) noexcept {
     return cb <= 0.0F ? 0.0F : cs >= 1.0F ? 1.0F : std::min(1.0F, cb / (1.0F - cs));
+}
+
+/// Colours from 0 to 1, not premultiplied; alphas are ignored.
+[[nodiscard]] Float4 Blend(uint32_t mode, const Float4& cb, const Float4& cs) noexcept {
+    const auto each = [&](auto&& f) { return Each(cb, cs, f); };
+    switch (mode) {
+    case GXBlendModeMultiply:
+        return each([](float b, float s) { return b * s; });
+    case GXBlendModeScreen:
+        return each([](float b, float s) { return b + s - b * s; });
+    case GXBlendModeOverlay:
+        return each([](float b, float s) { return HardLight(s, b); });
+    case GXBlendModeDarken:
+        return each([](float b, float s) { return std::min(b, s); });
+    case GXBlendModeLighten:
+        return each([](float b, float s) { return std::max(b, s); });
+    case GXBlendModeColorBurn:
+        return each(Burn);
+    case GXBlendModeColorDodge:
+        return each(Dodge);
+    case GXBlendModeHardLight:
+        return each(HardLight);
+    case GXBlendModeSoftLight:
+        return each(SoftLight);
+    case GXBlendModeDifference:
+        return each([](float b, float s) { return std::fabs(b - s); });
+    case GXBlendModeExclusion:
+        return each([](float b, float s) { return b + s - 2.0F * b * s; });
+    case GXBlendModeHue:
+        return SetLum(SetSat(cs, Largest(cb) - Smallest(cb)), Luminosity(cb));
+    case GXBlendModeSaturation:
+        return SetLum(SetSat(cb, Largest(cs) - Smallest(cs)), Luminosity(cb));
+    case GXBlendModeColor:
+        return SetLum(cs, Luminosity(cb));
+    case GXBlendModeLuminosity:
+        return SetLum(cb, Luminosity(cs));
+    default:
+        return cs;
+    }
 }
 
 /// (1 - s) g + (1 - b) c + b s Blend, where s and b are the alphas of source and backdrop.
@@ -155,45 +195,12 @@ template <class F> [[nodiscard]] Float4 Each(const Float4& a, const Float4& b, F
 
 } // namespace
 
-float Luminosity(const Float4& c) noexcept { return c.r * 0.3F + c.g * 0.59F + c.b * 0.11F; }
-
-Float4 Blend(uint32_t mode, const Float4& cb, const Float4& cs) noexcept {
-    const auto each = [&](auto&& f) { return Each(cb, cs, f); };
-    switch (mode) {
-    case GXBlendModeMultiply:
-        return each([](float b, float s) { return b * s; });
-    case GXBlendModeScreen:
-        return each([](float b, float s) { return b + s - b * s; });
-    case GXBlendModeOverlay:
-        return each([](float b, float s) { return HardLight(s, b); });
-    case GXBlendModeDarken:
-        return each([](float b, float s) { return std::min(b, s); });
-    case GXBlendModeLighten:
-        return each([](float b, float s) { return std::max(b, s); });
-    case GXBlendModeColorBurn:
-        return each(Burn);
-    case GXBlendModeColorDodge:
-        return each(Dodge);
-    case GXBlendModeHardLight:
-        return each(HardLight);
-    case GXBlendModeSoftLight:
-        return each(SoftLight);
-    case GXBlendModeDifference:
-        return each([](float b, float s) { return std::fabs(b - s); });
-    case GXBlendModeExclusion:
-        return each([](float b, float s) { return b + s - 2.0F * b * s; });
-    case GXBlendModeHue:
-        return SetLum(SetSat(cs, Largest(cb) - Smallest(cb)), Luminosity(cb));
-    case GXBlendModeSaturation:
-        return SetLum(SetSat(cb, Largest(cs) - Smallest(cs)), Luminosity(cb));
-    case GXBlendModeColor:
-        return SetLum(cs, Luminosity(cb));
-    case GXBlendModeLuminosity:
-        return SetLum(cb, Luminosity(cs));
-    default:
-        return cs;
-    }
+Float4 Unit(uint32_t word) noexcept {
+    const auto channel = [word](int shift) { return static_cast<float>(word >> shift & 255U) / 255.0F; };
+    return {channel(16), channel(8), channel(0), channel(24)};
 }
+
+Float4 Scaled(const Float4& c, float by) noexcept { return {c.r * by, c.g * by, c.b * by, c.a * by}; }
 
 Outputs Compose(D3D11Fragment composition, uint32_t mode, const Inputs& in) noexcept {
     switch (composition) {
@@ -212,4 +219,4 @@ Outputs Compose(D3D11Fragment composition, uint32_t mode, const Inputs& in) noex
     }
 }
 
-} // namespace Graphics::D3D11ShaderModel
+} // namespace Graphics::ShaderModel

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the generated pixel shaders compute, in the processor's floats: for draws whose shader the platform's compiler
-// refuses.
+// What the generated pixel shaders compute, in the processor's floats: the card is held to it, and it to the software.
 #pragma once
 
-#include "D3D11ShaderFragment.h"
+#include "Direct3D11/Shaders/D3D11ShaderFragment.h"
 
-namespace Graphics::D3D11ShaderModel {
+namespace Graphics::ShaderModel {
 
 struct Float4 {
     float r, g, b, a;
@@ -25,10 +24,9 @@ struct Outputs {
     Float4 shape; ///< of compositions that write it
 };
 
-/// The weighted sum of red, green and blue.
-[[nodiscard]] float Luminosity(const Float4& c) noexcept;
-/// Colours from 0 to 1, not premultiplied; alphas are ignored.
-[[nodiscard]] Float4 Blend(uint32_t mode, const Float4& backdrop, const Float4& source) noexcept;
+/// An ARGB word, each byte divided by 255.
+[[nodiscard]] Float4 Unit(uint32_t word) noexcept;
+[[nodiscard]] Float4 Scaled(const Float4& c, float by) noexcept;
 [[nodiscard]] Outputs Compose(D3D11Fragment composition, uint32_t mode, const Inputs& in) noexcept;
 
-} // namespace Graphics::D3D11ShaderModel
+} // namespace Graphics::ShaderModel

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// Vectors for code that is compiled once: of the set that every processor of the platform has, sixteen bytes each.
+#pragma once
+
+#ifndef GX_SIMD
+#if defined(__SSE2__)
+#define GX_SIMD SSE2
+#else
+#define GX_SIMD Plain
+#endif
+#endif
+#include "Vectors.h"
