@@ -50,8 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     Input input(data, size);
     const bool any = (input.Byte() & 1) != 0;
-    Shape shapes[2];
-    for (Shape& s : shapes) {
+    Geometry shapes[2];
+    for (Geometry& s : shapes) {
         s.SetFillRule(input.Byte() & 1);
     }
     const auto point = [&] {
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     int curves = 0;
     while (input.Left() > 0) {
         const uint8_t what = input.Byte();
-        Shape& s = shapes[what & 1];
+        Geometry& s = shapes[what & 1];
         const Point p = point();
         if (what % 16 < 3) {
             s.BeginFigure(p);
@@ -73,11 +73,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             s.LineTo(p);
         }
     }
-    for (Shape& s : shapes) {
+    for (Geometry& s : shapes) {
         s.EndFigureClose();
     }
     for (uint32_t mode = 0; mode < 4; ++mode) {
-        Shape out, again;
+        Geometry out, again;
         CellCombiner::Counts work;
         Boolean::Combine(shapes[0], shapes[1], mode, 0.25F, out, &work);
         const bool cheap = work.sweep.sweeps <= 8 && work.pieces <= kMostPieces && work.sweep.points <= kMostPoints;

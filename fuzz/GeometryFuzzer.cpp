@@ -20,18 +20,18 @@ constexpr float kHeight = 48;
 constexpr size_t kMostPoints = 400000;
 
 /// Takes an outline in the pixels of the target.
-class Counter final : public Graphics::GeometrySink {
+class Counter {
 public:
-    void SetFillRule(uint32_t) override {}
-    void BeginFigure(const GXPoint& p) override { LineTo(p); }
-    void EndFigure() override {}
-    void EndFigureClose() override {}
-    void LineTo(const GXPoint& p) override {
+    void SetFillRule(uint32_t) {}
+    void BeginFigure(const GXPoint& p) { LineTo(p); }
+    void EndFigure() {}
+    void EndFigureClose() {}
+    void LineTo(const GXPoint& p) {
         ++points;
         inBand = inBand && p.x >= -Graphics::kDeviceBand && p.x <= Graphics::kDeviceBand &&
                  p.y >= -Graphics::kDeviceBand && p.y <= Graphics::kDeviceBand;
     }
-    void CubicTo(const GXPoint&, const GXPoint&, const GXPoint& p) override { LineTo(p); }
+    void CubicTo(const GXPoint&, const GXPoint&, const GXPoint& p) { LineTo(p); }
 
     size_t points = 0;
     bool inBand = true;
@@ -122,8 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const auto width = bytes.Take<float>();
     const auto matrix = bytes.Take<GXMatrix>();
-    CountStroke(shapes[0]->object->GetShape(), flags < 128 ? Graphics::kIdentity : matrix, style, width,
-                flags % 2U != 0);
+    CountStroke(*shapes[0]->object, flags < 128 ? Graphics::kIdentity : matrix, style, width, flags % 2U != 0);
     const GXExtBufLayout layout{static_cast<uint32_t>(kWidth), static_cast<uint32_t>(kHeight), 64, 96, 96};
     GXRenderTarget target = nullptr;
     GXBrush brush = nullptr;

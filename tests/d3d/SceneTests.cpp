@@ -32,19 +32,19 @@ void ExpectClose(const Difference& d, const std::string& what) {
     EXPECT_LE(d.above16, 0.01) << what << " largest " << d.largest << " at " << d.x << " " << d.y;
 }
 
-[[nodiscard]] std::shared_ptr<const Shape> Star(float scale, uint32_t rule) {
-    auto shape = std::make_shared<Shape>();
-    shape->SetFillRule(rule);
+[[nodiscard]] Shape Star(float scale, uint32_t rule) {
+    Geometry shape;
+    shape.SetFillRule(rule);
     for (int i = 0; i < 5; ++i) {
         const float angle = static_cast<float>(i) * 2.0F * 6.2831853F / 5.0F;
         const Point p{(0.5F + 0.48F * std::sin(angle)) * scale, (0.5F - 0.48F * std::cos(angle)) * scale};
         if (i == 0) {
-            shape->BeginFigure(p);
+            shape.BeginFigure(p);
         } else {
-            shape->LineTo(p);
+            shape.LineTo(p);
         }
     }
-    shape->EndFigureClose();
+    shape.EndFigureClose();
     return shape;
 }
 
@@ -99,7 +99,7 @@ TEST_F(HardwareTest, PathsStrokesAndClips) {
             ExpectClose(Both(320, 320,
                              [&](RenderTarget& t) {
                                  t.Clear(0xFFFFFFFFU);
-                                 const std::shared_ptr<const Shape> star = Star(scale, rule);
+                                 const Shape star = Star(scale, rule);
                                  t.SetTransform({0.98F, 0.1F, -0.1F, 0.98F, 30.0F, 5.0F});
                                  t.Fill(star, Solid(0.1F, 0.2F, 0.6F, 0.8F));
                                  StrokeStyle style;
@@ -118,16 +118,15 @@ TEST_F(HardwareTest, PathsStrokesAndClips) {
 TEST_F(HardwareTest, SlopesOfBandsHaveTheSoftwaresCoverage) {
     for (int i = 0; i <= 12; ++i) {
         const float slope = std::tan(static_cast<float>(i) * 0.12F);
-        auto shape = std::make_shared<Shape>();
-        shape->BeginFigure({40.0F, 10.3F});
-        shape->LineTo({140.0F, 10.3F});
-        shape->LineTo({140.0F + slope * 100.0F, 110.7F});
-        shape->LineTo({40.0F + slope * 100.0F, 110.7F});
-        shape->EndFigureClose();
-        const std::shared_ptr<const Shape> path = shape;
+        Geometry shape;
+        shape.BeginFigure({40.0F, 10.3F});
+        shape.LineTo({140.0F, 10.3F});
+        shape.LineTo({140.0F + slope * 100.0F, 110.7F});
+        shape.LineTo({40.0F + slope * 100.0F, 110.7F});
+        shape.EndFigureClose();
         const Difference d = Both(400, 128, [&](RenderTarget& t) {
             t.SetStrokeAdjustment(false);
-            t.Fill(path, Solid(1, 1, 1));
+            t.Fill(shape, Solid(1, 1, 1));
         });
         // The software's edges lie on eighths of a pixel, which is half of this.
         EXPECT_LE(d.largest, 20) << "slope " << slope << " at " << d.x << " " << d.y;

@@ -167,6 +167,51 @@ TEST_F(GeometryInterface, CopiesAreEqualOtherStartsAreNot) {
     }
 }
 
+// A sink may go on with the geometry that it is being sent: what is sent is the path as it was at the call.
+TEST_F(GeometryInterface, ASinkMayChangeAndReleaseTheGeometry) {
+    struct Host {
+        GXGeometry geometry;
+        std::string text;
+        bool releases;
+    };
+    const auto take = [](void* c, const char* what, const GXPoint* p) {
+        auto& host = *static_cast<Host*>(c);
+        Add(&host.text, what, p);
+        if (host.geometry == nullptr) {
+            return;
+        }
+        const GXRect more{50, 50, 60, 60};
+        EXPECT_EQ(GXGeometryRectangle(host.geometry, &more), GXResultSuccess);
+        EXPECT_EQ(GXGeometrySetFillRule(host.geometry, 1), GXResultSuccess);
+        if (host.releases) {
+            GXObjectRelease(host.geometry);
+            host.geometry = nullptr;
+        }
+    };
+    static const auto s_take = take;
+    GXGeometrySinkCallbacks table{};
+    table.BeginFigure = [](void* c, const GXPoint* p) { s_take(c, " b", p); };
+    table.LineTo = [](void* c, const GXPoint* p) { s_take(c, " l", p); };
+    table.EndFigure = [](void* c) { static_cast<Host*>(c)->text += " e"; };
+    for (const bool releases : {false, true}) {
+        Host host{nullptr, "", releases};
+        ASSERT_EQ(GXCreateGeometry(&host.geometry), GXResultSuccess);
+        for (const float x : {0.0F, 3.0F, 6.0F}) {
+            const GXPoint from{x, 1}, to{x, 2};
+            ASSERT_EQ(GXGeometryBeginFigure(host.geometry, &from), GXResultSuccess);
+            ASSERT_EQ(GXGeometryLineTo(host.geometry, &to), GXResultSuccess);
+            ASSERT_EQ(GXGeometryEndFigure(host.geometry), GXResultSuccess);
+        }
+        table.context = &host;
+        EXPECT_EQ(GXGeometrySendToSink(host.geometry, &table), GXResultSuccess);
+        EXPECT_EQ(host.text, " b0:1 l0:2 e b3:1 l3:2 e b6:1 l6:2 e");
+        if (!releases) {
+            EXPECT_EQ(Record(host.geometry).substr(0, 12), "r1 b0:1 l0:2");
+            GXObjectRelease(host.geometry);
+        }
+    }
+}
+
 TEST_F(GeometryInterface, WidenMakesOutlinesAndReportsBadDashes) {
     Begin(0, 0);
     Line(10, 0);

@@ -38,7 +38,6 @@ public:
         m_geometry->LineTo({150, 40});
         m_geometry->CubicTo({180, 90}, {40, 200}, {30, 70});
         m_geometry->EndFigureClose();
-        m_shape = m_geometry->SharedShape();
         m_glyph = m_geometry->Transform({0.2F, 0.0F, 0.0F, 0.2F, 50.0F, 60.0F});
         auto linear = std::make_shared<LinearGradient>();
         const GXGradientStop stops[2] = {{0.0F, 0xFFFF0000}, {1.0F, 0x4000FF00}};
@@ -55,7 +54,7 @@ public:
     void Draw() {
         RenderTarget& t = *m_target;
         const SolidBrush solid({1.0F, 0.0F, 0.0F, 0.5F});
-        const Path shape(m_shape);
+        const Path shape(*m_geometry);
         const BasicFigure ellipse(BasicFigure::Kind::Ellipse, {20, 20, 120, 90});
         const Path figure(ellipse);
         StrokeStyle round;
@@ -64,9 +63,9 @@ public:
         for (const uint32_t mode : {0U, 1U, 12U}) {
             t.SetBlendMode(mode);
             t.Fill(shape, solid);
-            t.Fill(Path::Outline(m_shape), *m_gradient);
-            t.Fill(Path::Outline(m_glyph->SharedShape()), solid);
-            t.Fill(Path::Outline(m_glyph->SharedShape()), *m_gradient);
+            t.Fill(Path::Outline(*m_geometry), *m_gradient);
+            t.Fill(Path::Outline(*m_glyph), solid);
+            t.Fill(Path::Outline(*m_glyph), *m_gradient);
             t.Fill(figure, *m_bitmapBrush);
             t.Stroke(shape, solid, 5.0F, round);
             t.Stroke(figure, solid, 0.0F, StrokeStyle());
@@ -89,7 +88,7 @@ public:
 private:
     /// Groups of every kind inside each other, composited under masks and clips, with drawing under masks in each.
     void DrawGroups(RenderTarget& t, uint32_t depth) {
-        const Path shape(m_shape);
+        const Path shape(*m_geometry);
         t.PushState();
         t.Clip(shape);
         t.SetShapeMask(GXMaskTypeLuminosity, m_bitmapBrush);
@@ -98,7 +97,7 @@ private:
         t.BeginLayer({{0, 0, 0, 0}, 0.75F, static_cast<uint8_t>(depth & 1), static_cast<uint8_t>(depth >> 1)});
         t.Fill(shape, *m_bitmapBrush);
         t.SetOpacityMask(GXMaskTypeAlpha, m_gradient);
-        t.Fill(Path::Outline(m_glyph->SharedShape()), *m_gradient);
+        t.Fill(Path::Outline(*m_glyph), *m_gradient);
         t.Clear(0x40302010);
         if (depth < 3) {
             DrawGroups(t, depth + 1);
@@ -110,7 +109,6 @@ private:
     std::shared_ptr<Bitmap> m_image, m_mask, m_canvas;
     std::shared_ptr<RenderTarget> m_target;
     std::shared_ptr<Geometry> m_geometry, m_glyph;
-    std::shared_ptr<const Shape> m_shape;
     std::shared_ptr<GradientBrush> m_gradient;
     std::shared_ptr<BitmapBrush> m_bitmapBrush;
 };
@@ -190,23 +188,23 @@ TEST(Allocation, EveryRefusedBufferLeavesAWorkingTarget) { RefuseEach(RefuseBuff
 TEST(Allocation, EveryRefusedObjectLeavesAWorkingTarget) { RefuseEach(RefuseObject); }
 
 TEST(Allocation, ARefusedStepLeavesAGeometryAsItWas) {
-    const std::function<void(Shape&)> steps[] = {
-        [](Shape& s) {
+    const std::function<void(Geometry&)> steps[] = {
+        [](Geometry& s) {
             s.BeginFigure({50, 60});
         },
-        [](Shape& s) { s.EndFigure(); },
-        [](Shape& s) { s.EndFigureClose(); },
-        [](Shape& s) { s.AddClosed([](auto& sink) {
-                           AddRectangle(sink, {-5, -5, 70, 80});
-                       }); },
-        [](Shape& s) { s.AddClosed([](auto& sink) {
-                           AddRoundRectangle(sink, {-5, -5, 70, 80}, 3, 3);
-                       }); },
+        [](Geometry& s) { s.EndFigure(); },
+        [](Geometry& s) { s.EndFigureClose(); },
+        [](Geometry& s) { s.AddClosed([](auto& sink) {
+                              AddRectangle(sink, {-5, -5, 70, 80});
+                          }); },
+        [](Geometry& s) { s.AddClosed([](auto& sink) {
+                              AddRoundRectangle(sink, {-5, -5, 70, 80}, 3, 3);
+                          }); },
     };
     // Points of the figure under construction: none, a lone start, one that fills its block to a few bytes.
     for (const int points : {0, 1, 13}) {
         for (const int finished : {0, 1, 4}) {
-            const auto build = [&](Shape& s) {
+            const auto build = [&](Geometry& s) {
                 for (int i = 0; i < finished; ++i) {
                     AddRectangle(s, {0, 0, 10, 10});
                 }
@@ -216,12 +214,12 @@ TEST(Allocation, ARefusedStepLeavesAGeometryAsItWas) {
                 }
             };
             for (const auto& step : steps) {
-                Shape done;
+                Geometry done;
                 build(done);
                 step(done);
                 for (int64_t (*refuse)(int64_t) : {RefuseBuffer, RefuseObject}) {
                     for (int64_t n = 0, refused = 1; refused != 0; ++n) {
-                        Shape shape, before;
+                        Geometry shape, before;
                         build(shape);
                         build(before);
                         refuse(n);
@@ -233,7 +231,7 @@ TEST(Allocation, ARefusedStepLeavesAGeometryAsItWas) {
                         }
                         refuse(-1);
                         if (refused != 0) {
-                            const auto same = [&](const Shape& o) {
+                            const auto same = [&](const Geometry& o) {
                                 Point a{}, b{};
                                 return shape.CurrentPoint(a) == o.CurrentPoint(b) && a.x == b.x && a.y == b.y &&
                                        shape.ControlBox().right == o.ControlBox().right &&

@@ -47,7 +47,7 @@ bool Meets(const Segment& s, const Rect& box) {
 float Ulp(float v) { return std::nextafter(std::fabs(v), INFINITY) - std::fabs(v); }
 
 /// Judges the four combinations at points: where no edge is within the tolerance or a few floats, inside is inside.
-void CheckAt(const Shape& a, const Shape& b, const Shape (&results)[4], const std::vector<Point>& points,
+void CheckAt(const Shape& a, const Shape& b, const Geometry (&results)[4], const std::vector<Point>& points,
              float tolerance) {
     const std::vector<Segment> edgesA = SegmentsOf(a), edgesB = SegmentsOf(b);
     std::vector<Segment> edges[4];
@@ -78,7 +78,7 @@ void CheckAt(const Shape& a, const Shape& b, const Shape (&results)[4], const st
 }
 
 TEST(BooleanFar, NearDetailKeepsItsPlace) {
-    Shape far, page, disc, speck, strip, nothing;
+    Geometry far, page, disc, speck, strip, nothing;
     AddRing(far, BoxRing(-1e9F, -1e9F, 1e9F, 1e9F));
     AddRing(page, BoxRing(10.5F, 20.25F, 600.125F, 800.5F));
     AddEllipse(disc, {10, 10, 14, 14});
@@ -86,20 +86,20 @@ TEST(BooleanFar, NearDetailKeepsItsPlace) {
     AddRing(strip, BoxRing(-1e30F, 10.5F, 1e9F, 800.5F));
 
     // The hole is the page, exactly.
-    Shape hole;
+    Geometry hole;
     Boolean::Combine(far, page, GXCombineDifference, 0.25F, hole);
     ASSERT_EQ(hole.Figures().size(), 2U);
-    const auto holePoints = hole.Figures()[hole.Figures()[0].Points()[0].x == -1e9F ? 1 : 0].Points();
+    const auto holePoints = FigureAt(hole, hole.Figures().front().Points()[0].x == -1e9F ? 1 : 0).Points();
     ASSERT_EQ(holePoints.size(), 4U);
     for (const Point& p : holePoints) {
         EXPECT_TRUE(p.x == 10.5F || p.x == 600.125F) << p.x;
         EXPECT_TRUE(p.y == 20.25F || p.y == 800.5F) << p.y;
     }
     // The disc is as without the speck.
-    Shape alone;
+    Geometry alone;
     Boolean::Combine(disc, nothing, GXCombineUnion, 0.25F, alone);
     for (const uint32_t mode : {GXCombineUnion, GXCombineExclusiveOr, GXCombineDifference}) {
-        Shape out, near, clip;
+        Geometry out, near, clip;
         Boolean::Combine(disc, speck, mode, 0.25F, out);
         EXPECT_EQ(out.Figures().size(), mode == GXCombineDifference ? 1U : 2U);
         AddRing(clip, BoxRing(0, 0, 20, 20));
@@ -107,7 +107,7 @@ TEST(BooleanFar, NearDetailKeepsItsPlace) {
         EXPECT_NEAR(AreaOf(near), AreaOf(alone), 1e-5) << mode;
     }
     // A strip from far left to far right has its sides where they were.
-    Shape joined;
+    Geometry joined;
     Boolean::Combine(strip, disc, GXCombineUnion, 0.25F, joined);
     ASSERT_EQ(Faults(joined), "");
     for (const Figure& f : joined.Figures()) {
@@ -117,7 +117,7 @@ TEST(BooleanFar, NearDetailKeepsItsPlace) {
     }
     // A line from far to far passes the page where its two ends say, however far they are.
     for (const float size : {1e7F, 1e9F, 1e15F, 1e30F, 3e38F}) {
-        Shape half, out;
+        Geometry half, out;
         AddRing(half, {{-size, -size}, {size, size}, {size, -size}});
         Boolean::Combine(half, page, GXCombineUnion, 0.01F, out);
         ASSERT_EQ(Faults(out), "") << size;
@@ -162,7 +162,7 @@ public:
             return 33554432.0F + 4 * static_cast<float>(Whole(12)) - (Whole(8) == 0 ? 33554432.0F : 0);
         }
     }
-    void Make(Shape& to, uint32_t kind) {
+    void Make(Geometry& to, uint32_t kind) {
         m_kind = kind;
         to.SetFillRule(Whole(2));
         for (uint32_t figures = 1 + Whole(3); figures > 0; --figures) {
@@ -199,7 +199,7 @@ TEST(BooleanFar, HostileFloatsGiveSimpleAreasWithinTheBudget) {
     const uint32_t count = wanted != nullptr ? static_cast<uint32_t>(std::atoi(wanted)) : kHostilePairs;
     for (uint32_t seed = first; seed < first + count; ++seed) {
         HostileMaker maker(seed);
-        Shape a, b, results[4];
+        Geometry a, b, results[4];
         maker.Make(a, seed % 5);
         maker.Make(b, maker.Whole(3) == 0 ? maker.Whole(5) : seed % 5);
         constexpr float kTolerances[] = {0.25F, 0.25F, 0.01F, 1e-6F};

@@ -19,7 +19,7 @@ namespace Graphics {
 
 using Ring = std::vector<Point>;
 
-inline void AddRing(Shape& shape, const Ring& ring) {
+inline void AddRing(Geometry& shape, const Ring& ring) {
     shape.BeginFigure(ring[0]);
     for (size_t i = 1; i < ring.size(); ++i) {
         shape.LineTo(ring[i]);

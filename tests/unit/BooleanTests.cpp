@@ -24,7 +24,7 @@ constexpr uint32_t kModes[] = {GXCombineIntersection, GXCombineUnion, GXCombineE
 
 /// A random operand: as it is combined, and as lines for the oracles.
 struct Operand {
-    Shape shape, lines;
+    Geometry shape, lines;
 
     void SetFillRule(uint32_t rule) {
         shape.SetFillRule(rule);
@@ -180,7 +180,7 @@ double ClipperArea(const Shape& a, const Shape& b, uint32_t mode, double scale) 
 /// Everything that must hold of the four combinations of a pair.
 void CheckPair(const Operand& a, const Operand& b, Maker& maker, double slack) {
     constexpr float kTolerance = 0.01F;
-    Shape results[4];
+    Geometry results[4];
     double areas[4];
     for (const uint32_t mode : kModes) {
         Boolean::Combine(a.shape, b.shape, mode, kTolerance, results[mode]);
@@ -209,8 +209,8 @@ void CheckPair(const Operand& a, const Operand& b, Maker& maker, double slack) {
     const double both = areas[GXCombineIntersection];
     EXPECT_NEAR(areas[GXCombineUnion] - both, areas[GXCombineExclusiveOr], margin);
     if (maker.Whole(4) == 0) {
-        const Shape nothing;
-        Shape cleanA, cleanB;
+        const Geometry nothing;
+        Geometry cleanA, cleanB;
         Boolean::Combine(a.shape, nothing, GXCombineUnion, kTolerance, cleanA);
         Boolean::Combine(nothing, b.shape, GXCombineUnion, kTolerance, cleanB);
         EXPECT_NEAR(areas[GXCombineUnion], AreaOf(cleanA) + AreaOf(cleanB) - both, margin);
@@ -304,13 +304,13 @@ TEST(Boolean, BordersFromPairsAreWhatWindingNumbersSay) {
 
 TEST(Boolean, CombsMakeEverySquareOfAGrid) {
     constexpr int kTeeth = 60;
-    Shape across, down;
+    Geometry across, down;
     for (int i = 0; i < kTeeth; ++i) {
         const auto at = static_cast<float>(3 * i + 1);
         AddRing(across, Box(0, at, 3 * kTeeth, at + 1));
         AddRing(down, Box(at, 0, at + 1, 3 * kTeeth));
     }
-    Shape squares, holes, both;
+    Geometry squares, holes, both;
     Boolean::Combine(across, down, GXCombineIntersection, 0, squares);
     EXPECT_EQ(squares.Figures().size(), static_cast<size_t>(kTeeth * kTeeth));
     EXPECT_EQ(AreaOf(squares), kTeeth * kTeeth);
@@ -319,7 +319,7 @@ TEST(Boolean, CombsMakeEverySquareOfAGrid) {
     // Corners touch everywhere, and still every figure is simple.
     Boolean::Combine(across, down, GXCombineExclusiveOr, 0, both);
     EXPECT_EQ(AreaOf(both), AreaOf(holes) - AreaOf(squares));
-    Shape small, some;
+    Geometry small, some;
     AddRing(small, Box(0, 0, 20, 20));
     Boolean::Combine(both, small, GXCombineIntersection, 0, some);
     EXPECT_EQ(Faults(some), "");
@@ -331,7 +331,7 @@ TEST(Boolean, CoincidentAndEmptyOperands) {
     maker.Make(5, star);
     maker.Make(3, star);
     const Shape& s = star.shape;
-    Shape box, same, inner, nothing, result[8];
+    Geometry box, same, inner, nothing, result[8];
     AddRing(box, Box(10, 10, 20, 30));
     AddRing(same, Box(20, 30, 10, 10)); // from the other corner
     AddRing(inner, Box(10, 10, 20, 20));
@@ -341,17 +341,17 @@ TEST(Boolean, CoincidentAndEmptyOperands) {
     EXPECT_TRUE(result[1].Empty());
     Boolean::Combine(box, same, GXCombineUnion, 0, result[2]);
     ASSERT_EQ(result[2].Figures().size(), 1U);
-    EXPECT_EQ(result[2].Figures()[0].Points().size(), 4U);
+    EXPECT_EQ(result[2].Figures().front().Points().size(), 4U);
     EXPECT_EQ(AreaOf(result[2]), 200);
     Boolean::Combine(box, inner, GXCombineDifference, 0, result[3]);
     EXPECT_EQ(AreaOf(result[3]), 100);
-    EXPECT_EQ(result[3].Figures()[0].Points().size(), 4U);
+    EXPECT_EQ(result[3].Figures().front().Points().size(), 4U);
     Boolean::Combine(nothing, box, GXCombineDifference, 0, result[4]);
     Boolean::Combine(nothing, box, GXCombineIntersection, 0, result[5]);
     EXPECT_TRUE(result[4].Empty() && result[5].Empty());
     Boolean::Combine(nothing, box, GXCombineUnion, 0, result[6]);
     EXPECT_EQ(AreaOf(result[6]), 200);
-    Shape flat;
+    Geometry flat;
     AddRing(flat, {{0, 0}, {50, 50}, {100, 100}, {20, 20}});
     Boolean::Combine(flat, box, GXCombineUnion, 0, result[7]);
     EXPECT_EQ(AreaOf(result[7]), 200);
@@ -360,13 +360,13 @@ TEST(Boolean, CoincidentAndEmptyOperands) {
 
 TEST(Boolean, ExtremeCoordinates) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity(), kMost = std::numeric_limits<float>::max();
-    Shape broken, fine, vast, tiny;
+    Geometry broken, fine, vast, tiny;
     AddRing(broken, {{0, 0}, {kInfinity, 5}, {10, 10}});
     AddRing(broken, {{0, 0}, {std::nanf(""), 5}, {10, 10}});
     AddRing(broken, Box(0, 0, 10, 10));
     AddRing(fine, Box(0.125F, 0.25F, 3.000001F, 4));
     AddRing(vast, Box(-kMost, -kMost, kMost, kMost));
-    Shape result[5];
+    Geometry result[5];
     Boolean::Combine(broken, fine, GXCombineIntersection, 0, result[0]);
     // What is far away neither coarsens an intersection nor a difference from something near.
     Boolean::Combine(vast, fine, GXCombineIntersection, 0, result[1]);
@@ -384,22 +384,22 @@ TEST(Boolean, ExtremeCoordinates) {
     Boolean::Combine(tiny, tiny, GXCombineUnion, 0, result[4]);
     EXPECT_TRUE(result[4].Figures().size() == 1 && result[4].ControlBox().right == 3 * unit);
 
-    Shape curves; // a curve to the ends of the float range and back: little work, and no more than its box
+    Geometry curves; // a curve to the ends of the float range and back: little work, and no more than its box
     curves.BeginFigure({0, 0});
     curves.CubicTo({kMost, kMost}, {-kMost, kMost}, {10, 0});
     curves.EndFigureClose();
     for (const uint32_t mode : kModes) {
-        Shape out;
+        Geometry out;
         Boolean::Combine(curves, fine, mode, 1e-20F, out);
         EXPECT_EQ(Faults(out), "") << mode;
     }
 }
 
 TEST(Boolean, CurvesKeepToTheTolerance) {
-    Shape disc, nothing;
+    Geometry disc, nothing;
     AddEllipse(disc, {-100, -100, 100, 100});
     for (const float tolerance : {0.001F, 0.01F, 0.25F, 2.0F, -1.0F, std::nanf("")}) {
-        Shape out;
+        Geometry out;
         Boolean::Combine(disc, nothing, GXCombineUnion, tolerance, out);
         ASSERT_EQ(out.Figures().size(), 1U);
         const double allowed = tolerance > 0 ? tolerance : 0.25;
@@ -416,11 +416,11 @@ TEST(Boolean, EveryRefusedAllocationIsAnError) {
         Maker maker(7);
         maker.Make(kind, a);
         maker.Make(4, b);
-        Shape expected;
+        Geometry expected;
         Boolean::Combine(a.shape, b.shape, GXCombineUnion, 0.01F, expected);
         bool passed = false;
         for (int64_t n = 0; !passed && n < 5000; ++n) {
-            Shape out;
+            Geometry out;
             ProcessHeap::FailAfter(n);
             try {
                 Boolean::Combine(a.shape, b.shape, GXCombineUnion, 0.01F, out);

@@ -33,11 +33,11 @@ Scanner::Counts WorkOf(const std::vector<Ring>& rings, double most) {
     const PointGrid grid(most);
     Scanner scanner(WindingTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleNonZero));
     EdgeCollector collector(scanner, grid, {-most, -most, most, most}, 0.25F, false);
-    Shape shape;
+    Geometry shape;
     for (const Ring& ring : rings) {
         AddRing(shape, ring);
     }
-    shape.Replay(collector);
+    shape.ReplayFigures(collector);
     scanner.Run();
     return scanner.Work();
 }
@@ -112,7 +112,7 @@ TEST(BooleanWork, BendsThatPassNothingNeedNoSecondSweep) {
 }
 
 /// Buildings at random places and angles in a square, of which each operand has its own.
-void AddBuildings(Shape& shape, int count, uint32_t seed, float corner, float side) {
+void AddBuildings(Geometry& shape, int count, uint32_t seed, float corner, float side) {
     Random random(seed);
     for (int i = 0; i < count; ++i) {
         const float x = corner + random.Real(0, side), y = corner + random.Real(0, side);
@@ -128,7 +128,7 @@ TEST(BooleanWork, BuildingsFarFromTheOriginTakeAsManyStopsAsNearIt) {
     // other's way. Stops of all sweeps together, and sweeps.
     uint64_t points[2] = {0, 0};
     for (const float corner : {0.0F, 5e5F}) {
-        Shape a, b, out;
+        Geometry a, b, out;
         AddBuildings(a, 3000, 1, corner, 1000);
         AddBuildings(b, 3000, 2, corner, 1000);
         CellCombiner::Counts work;
@@ -144,8 +144,8 @@ TEST(BooleanWork, EdgesOfAUnitsLengthEndAfterAFewSweeps) {
     // On the finest grid, where each rounding is as large as the shapes.
     for (uint32_t seed = 1; seed <= 40; ++seed) {
         Random random(seed);
-        Shape a, b, out;
-        for (Shape* s : {&a, &b}) {
+        Geometry a, b, out;
+        for (Geometry* s : {&a, &b}) {
             for (int i = 0; i < 20; ++i) {
                 Ring ring;
                 for (int k = 0; k < 5; ++k) {
@@ -166,7 +166,7 @@ TEST(BooleanWork, SliversAcrossOneLongEdgeFindTheirPieces) {
     // Each sliver inside the one before: the long edge is cut from its far end to the near one, and events of all cuts
     // wait. The events know their pieces, so stops and comparisons are all there is.
     constexpr int kSlivers = 20000;
-    Shape edge, slivers, out;
+    Geometry edge, slivers, out;
     AddRing(edge, {{0, -10}, {10, 5 * kSlivers}, {-6e6F, 5 * kSlivers}});
     for (int i = 0; i < kSlivers; ++i) {
         const auto d = static_cast<float>(i), reach = static_cast<float>(kSlivers - i);
@@ -204,7 +204,7 @@ TEST(BooleanWork, OrderOfFiguresDoesNotDecideTheRoad) {
 TEST(BooleanWork, HugeCurvesTakeFewEdges) {
     constexpr float kSizes[] = {1e20F, 3e38F};
     for (const float size : kSizes) {
-        Shape curves, page;
+        Geometry curves, page;
         for (int i = 0; i < 4; ++i) {
             const auto y = static_cast<float>(4 * i);
             curves.BeginFigure({0, y});
@@ -214,7 +214,7 @@ TEST(BooleanWork, HugeCurvesTakeFewEdges) {
         AddRing(page, Box(0, 0, 612, 792));
         for (const uint32_t mode : kModes) {
             CellCombiner::Counts work;
-            Shape out;
+            Geometry out;
             Boolean::Combine(page, curves, mode, 0.25F, out, &work);
             EXPECT_LE(work.pieces, mode == GXCombineIntersection || mode == GXCombineDifference ? 20000U : 3000000U)
                 << size << ' ' << mode;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Geometry/DeviceFeed.h"
+#include "Geometry/Geometry.h"
 #include "GridSink.h"
 #include "Scan/Rasterizer.h"
 
@@ -16,15 +17,15 @@ using namespace Graphics;
 namespace {
 
 /// A rasterizer that takes outlines only.
-class OutlinesOnly final : public GeometrySink {
+class OutlinesOnly {
 public:
     explicit OutlinesOnly(Rasterizer& rasterizer) : m_rasterizer(rasterizer) {}
-    void SetFillRule(uint32_t rule) override { m_rasterizer.SetFillRule(rule); }
-    void BeginFigure(const Point& start) override { m_rasterizer.BeginFigure(start); }
-    void EndFigure() override { m_rasterizer.EndFigure(); }
-    void EndFigureClose() override { m_rasterizer.EndFigureClose(); }
-    void LineTo(const Point& p) override { m_rasterizer.LineTo(p); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override { m_rasterizer.CubicTo(c1, c2, end); }
+    void SetFillRule(uint32_t rule) { m_rasterizer.SetFillRule(rule); }
+    void BeginFigure(const Point& start) { m_rasterizer.BeginFigure(start); }
+    void EndFigure() { m_rasterizer.EndFigure(); }
+    void EndFigureClose() { m_rasterizer.EndFigureClose(); }
+    void LineTo(const Point& p) { m_rasterizer.LineTo(p); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) { m_rasterizer.CubicTo(c1, c2, end); }
 
 private:
     Rasterizer& m_rasterizer;
@@ -103,7 +104,7 @@ TEST(DashBoxes, HaveTheCoverageOfThePensOutlines) {
         } else if (pick(20) == 0) {
             m.m10 = 0.01F;
         }
-        Shape shape;
+        Geometry shape;
         const int figures = pick(4) == 0 ? 2 : 1;
         for (int f = 0; f < figures; ++f) {
             const float far = pick(5) == 0 ? 5000.0F : 130.0F;

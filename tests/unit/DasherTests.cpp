@@ -5,7 +5,8 @@
 
 #include "Exception.h"
 #include "Geometry/Dasher.h"
-#include "Geometry/Shape.h"
+#include "Geometry/Geometry.h"
+#include "Winding.h"
 
 using namespace Graphics;
 
@@ -22,9 +23,9 @@ StrokeStyle Dashes(std::initializer_list<float> lengths, float phase = 0) {
 
 /// The dashes of a horizontal line from 0, as start and end; of a line 2 wide, where something is out of sight.
 std::vector<float> Cut(const StrokeStyle& style, float length, const Rect* visible = nullptr) {
-    Shape out;
+    Geometry out;
     const DashSequence sequence(style);
-    Dasher<Shape> dasher(out, sequence, 0.25F);
+    Dasher<Geometry> dasher(out, sequence, 0.25F);
     StrokeStyle squares = style; // so that dashes without length are seen
     squares.cap = GXLineCapSquare;
     const Rect target = visible != nullptr ? *visible : Rect{0, 0, 1, 1};
@@ -86,8 +87,8 @@ TEST(Dasher, RefusesBadPatterns) {
 TEST(Dasher, ZeroDashesAreFiguresWithoutLength) { EXPECT_EQ(Cut(Dashes({0, 3}), 7), (Ends{0, 0, 3, 3, 6, 6})); }
 
 TEST(Dasher, RestartsPerFigureAndRunsOnAroundCorners) {
-    Shape out;
-    Dasher<Shape> dasher(out, DashSequence(Dashes({3, 2})), 0.25F);
+    Geometry out;
+    Dasher<Geometry> dasher(out, DashSequence(Dashes({3, 2})), 0.25F);
     for (int i = 0; i < 2; ++i) {
         dasher.BeginFigure({0, 0});
         dasher.LineTo({2, 0});
@@ -97,11 +98,11 @@ TEST(Dasher, RestartsPerFigureAndRunsOnAroundCorners) {
     }
     ASSERT_EQ(out.Figures().size(), 4U);
     for (size_t i = 0; i < 4; i += 2) {
-        EXPECT_EQ(out.Figures()[i].Points().size(), 3U);
-        EXPECT_EQ(out.Figures()[i].Points()[2].y, 1);
-        EXPECT_EQ(out.Figures()[i + 1].Points().front().x, 1);
-        EXPECT_EQ(out.Figures()[i + 1].Points().back().y, 0);
-        EXPECT_FALSE(out.Figures()[i].Closed());
+        EXPECT_EQ(FigureAt(out, i).Points().size(), 3U);
+        EXPECT_EQ(FigureAt(out, i).Points()[2].y, 1);
+        EXPECT_EQ(FigureAt(out, i + 1).Points().front().x, 1);
+        EXPECT_EQ(FigureAt(out, i + 1).Points().back().y, 0);
+        EXPECT_FALSE(FigureAt(out, i).Closed());
     }
 }
 

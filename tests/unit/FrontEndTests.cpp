@@ -78,9 +78,9 @@ public:
     void LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const override {
         std::copy(text.begin(), text.end(), glyphs);
     }
-    void Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const override {
+    void Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const override {
         if (glyph != ' ') {
-            AddRectangle(sink, {0, 0, 5, 5});
+            AddRectangle(out, {0, 0, 5, 5});
         }
         metrics.advanceX = 7.0F;
     }
@@ -109,11 +109,10 @@ protected:
 
 TEST_F(FrontEnd, EveryDrawIsOneCall) {
     const auto bitmap = Bitmap::Create({8, 6, GXPixelFormatBGRX32, 96, 96});
-    const auto shape = std::make_shared<Shape>();
-    const std::shared_ptr<const Shape> stored = shape;
+    Geometry stored;
     m_target.BeginPaint();
     m_target.Fill(stored, m_brush); // nothing in it yet
-    AddRectangle(*shape, {0, 0, 4, 4});
+    AddRectangle(stored, {0, 0, 4, 4});
     m_target.Fill(stored, m_brush);
     m_target.Fill(Path::Outline(stored), m_brush);
     m_target.Fill(m_square, BitmapBrush(bitmap));
@@ -143,8 +142,8 @@ TEST_F(FrontEnd, GlyphsWithAnOutlineFollowTheirAdvances) {
     const uint16_t text[] = {'a', ' ', 'b', 0};
     std::vector<float> places;
     const GlyphRun run{&font, text};
-    run.ForEach({2, 0, 0, 2, 100, 0}, [&](const Path::SharedShape& outline, const Matrix& m) {
-        EXPECT_FALSE(outline->Empty());
+    run.ForEach({2, 0, 0, 2, 100, 0}, [&](const Shape& outline, const Matrix& m) {
+        EXPECT_FALSE(outline.Empty());
         places.push_back(m.m20);
     });
     EXPECT_EQ(places, (std::vector<float>{100, 128}));
@@ -203,7 +202,7 @@ TEST_F(FrontEnd, LayersThatAreRefusedStayOpenUntilPaintingEnds) {
 }
 
 TEST_F(FrontEnd, BadMasksAreRefusedWhereSomethingIsDrawn) {
-    const std::shared_ptr<const Shape> empty = std::make_shared<Shape>();
+    const Shape empty;
     m_target.BeginPaint();
     m_target.SetOpacityMask(4, std::make_shared<SolidBrush>(m_brush));
     m_target.Fill(empty, m_brush);

@@ -2,7 +2,13 @@
 // Stored paths, curves as lines, and the chain that brings a shape to the device.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <list>
+#include <map>
+#include <optional>
 #include <random>
+#include <sstream>
+#include <thread>
 
 #include "Exception.h"
 #include "Geometry/DeviceFeed.h"
@@ -22,6 +28,26 @@ std::vector<Point> PointsOf(const Shape& shape) {
     return all;
 }
 
+/// All that a shape says, read in full.
+std::string Text(const Shape& shape) {
+    std::ostringstream text;
+    const Rect box = shape.ControlBox();
+    text << shape.FillRule() << " [" << box.left << ' ' << box.right << "] " << shape.Figures().size();
+    for (const Figure& f : shape.Figures()) {
+        text << (f.Closed() ? " closed" : " open");
+        for (const Point& p : f.Points()) {
+            text << ' ' << p.x << ',' << p.y;
+        }
+    }
+    return text.str();
+}
+
+/// The nth figure of a path that many hold.
+void Grow(Geometry& geometry, int n) {
+    const auto at = static_cast<float>(n);
+    geometry.AddClosed([&](auto& sink) { AddRectangle(sink, {at, at, at + 2, at + 1}); });
+}
+
 std::vector<Point> Flatten(float tolerance, const Point (&c)[4]) {
     CurveFlattener flattener(tolerance, c[0], c[1], c[2], c[3]);
     std::vector<Point> out;
@@ -35,7 +61,7 @@ std::vector<Point> Flatten(float tolerance, const Point (&c)[4]) {
 
 TEST(Shape, KeepsPointsAndKindsWhileTheStoreGrows) {
     std::mt19937 random(5);
-    Shape shape;
+    Geometry shape;
     std::vector<Point> points;
     std::vector<uint8_t> kinds;
     const auto next = [&] {
@@ -53,7 +79,7 @@ TEST(Shape, KeepsPointsAndKindsWhileTheStoreGrows) {
         }
     }
     shape.EndFigure();
-    const Figure& figure = shape.Figures()[0];
+    const Figure& figure = shape.Figures().front();
     ASSERT_EQ(figure.Points().size(), points.size());
     for (size_t i = 0; i < points.size(); ++i) {
         ASSERT_EQ(figure.Points()[i].x, points[i].x) << i;
@@ -62,13 +88,131 @@ TEST(Shape, KeepsPointsAndKindsWhileTheStoreGrows) {
     for (uint32_t i = 0; i < kinds.size(); ++i) {
         ASSERT_EQ(figure.Kind(i), kinds[i]) << i;
     }
-    Shape copy;
+    Geometry copy;
     shape.Replay(copy);
     EXPECT_TRUE(copy.Equals(shape));
 }
 
+TEST(Shape, CopiesStayAsTheyWereWhateverBecomesOfTheGeometry) {
+    struct Copy {
+        Shape shape;
+        std::string text;
+        uint64_t identity;
+    };
+    std::mt19937 random(17);
+    std::list<Copy> copies;
+    std::map<uint64_t, std::string> known; // what each identity has ever stood for
+    for (int round = 0; round < 10; ++round) {
+        std::optional<Geometry> geometry(std::in_place);
+        for (int step = 0; step < 200; ++step) {
+            const Point p{static_cast<float>(random() % 100), static_cast<float>(random() % 100)};
+            switch (random() % 12) {
+            case 0:
+                geometry->SetFillRule(random() % 2);
+                break;
+            case 1:
+                geometry->EndFigure();
+                break;
+            case 2:
+                geometry->EndFigureClose();
+                break;
+            case 3:
+            case 4:
+                geometry->BeginFigure(p);
+                break;
+            case 5:
+            case 6:
+                geometry->LineTo(p);
+                break;
+            case 7:
+                geometry->CubicTo(p, {1, 2}, {3, 4});
+                break;
+            case 8:
+            case 9:
+                Grow(*geometry, step);
+                break;
+            case 10:
+                if (random() % 20 == 0) {
+                    geometry->Clear();
+                }
+                break;
+            default:
+                copies.push_back({*geometry, Text(*geometry), geometry->Identity()});
+                ASSERT_EQ(known.try_emplace(copies.back().identity, copies.back().text).first->second,
+                          copies.back().text);
+            }
+            if (!copies.empty() && random() % 25 == 0) {
+                copies.erase(std::next(copies.begin(), static_cast<int>(random() % copies.size())));
+            }
+        }
+        geometry.reset();
+        for (const Copy& copy : copies) {
+            ASSERT_EQ(Text(copy.shape), copy.text) << round;
+            ASSERT_EQ(copy.shape.Identity(), copy.identity) << round;
+        }
+    }
+}
+
+/// As when a host draws or clips with a path after each figure, and what it draws is kept for later.
+TEST(Shape, APathGrowsAtTheSameCostWhileCopiesAreHeld) {
+    const auto allocations = [](bool holds) {
+        constexpr int kFigures = 3000;
+        std::list<Shape> held;
+        Geometry geometry;
+        const int64_t before = ProcessHeap::FailAfter(-1);
+        for (int i = 0; i < kFigures; ++i) {
+            Grow(geometry, i);
+            if (holds) {
+                held.emplace_back(geometry);
+            }
+        }
+        const int64_t taken = ProcessHeap::FailAfter(-1) - before;
+        EXPECT_LE(taken, kFigures + 20) << "a block for each figure, and few for the list";
+        EXPECT_EQ(held.empty() ? size_t{kFigures} : held.back().Figures().size(), size_t{kFigures});
+        return taken;
+    };
+    EXPECT_EQ(allocations(true), allocations(false));
+}
+
+TEST(Shape, ThreadsReadCopiesWhileTheGeometryGrows) {
+    constexpr int kSteps = 400;
+    Geometry geometry;
+    std::atomic<int> next{0};
+    std::vector<std::optional<Shape>> copies(kSteps);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+        threads.emplace_back([&, t] {
+            for (int step = t; step < kSteps; step += 3) {
+                while (next.load(std::memory_order_acquire) <= step) {
+                    std::this_thread::yield();
+                }
+                std::optional<Shape>& copy = copies[static_cast<size_t>(step)];
+                EXPECT_EQ(copy->Figures().size(), static_cast<size_t>(step) + 1);
+                EXPECT_EQ(copy->ControlBox().right, static_cast<float>(step) + 2);
+                float sum = 0;
+                for (const Point& p : PointsOf(*copy)) {
+                    sum += p.x;
+                }
+                EXPECT_EQ(sum, static_cast<float>(2 * (step + 1) * (step + 2)));
+                copy.reset();
+            }
+        });
+    }
+    for (int step = 0; step < kSteps; ++step) {
+        Grow(geometry, step);
+        copies[static_cast<size_t>(step)].emplace(geometry);
+        next.store(step + 1, std::memory_order_release);
+    }
+    geometry.Clear(); // a copy may be given back meanwhile, and the blocks be taken again
+    Grow(geometry, 7);
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(PointsOf(geometry).size(), 4U);
+}
+
 TEST(Shape, AFailedAllocationKeepsWhatWasThere) {
-    Shape shape;
+    Geometry shape;
     shape.BeginFigure({0, 0});
     ProcessHeap::FailAfter(0);
     int added = 0;
@@ -80,11 +224,11 @@ TEST(Shape, AFailedAllocationKeepsWhatWasThere) {
     ProcessHeap::FailAfter(-1);
     shape.EndFigure();
     ASSERT_EQ(shape.Figures().size(), 1U);
-    EXPECT_EQ(shape.Figures()[0].SegmentCount(), static_cast<uint32_t>(added));
+    EXPECT_EQ(shape.Figures().front().SegmentCount(), static_cast<uint32_t>(added));
 }
 
 TEST(Shape, ClearedShapesTakeNoMemory) {
-    Shape shape;
+    Geometry shape;
     AddEllipse(shape, {0, 0, 10, 10});
     shape.Clear();
     EXPECT_TRUE(shape.Empty());
@@ -92,6 +236,11 @@ TEST(Shape, ClearedShapesTakeNoMemory) {
     AddEllipse(shape, {0, 0, 10, 10});
     EXPECT_EQ(ProcessHeap::FailAfter(-1), before);
     EXPECT_EQ(shape.ControlBox().right, 10);
+    const Shape held = shape;
+    shape.Clear();
+    AddEllipse(shape, {0, 0, 20, 20});
+    EXPECT_EQ(held.ControlBox().right, 10);
+    EXPECT_EQ(held.Figures().front().Points()[0].y, 10) << "the memory of a held figure was taken";
 }
 
 TEST(CurveFlattener, StraightAndPointCurvesHaveOnlyTheirEnd) {
@@ -141,13 +290,13 @@ TEST(CurveFlattener, StepsAreBoundedByWhatFloatsResolve) {
 }
 
 TEST(FeedFill, DropsOnlyFiguresThatAreNotFinite) {
-    Shape shape;
+    Geometry shape;
     shape.SetFillRule(1);
     AddRectangle(shape, {0, 0, 5, 5});
     AddRectangle(shape, {std::numeric_limits<float>::quiet_NaN(), 0, 5, 5});
     AddRectangle(shape, {10, 0, 1e38F, 5});
     AddRectangle(shape, {20, 0, 25, 5});
-    Shape out;
+    Geometry out;
     FeedFill(shape, {10, 0, 0, 10, 0, 0}, out);
     EXPECT_EQ(out.FillRule(), 1U);
     ASSERT_EQ(out.Figures().size(), 2U);
@@ -155,25 +304,25 @@ TEST(FeedFill, DropsOnlyFiguresThatAreNotFinite) {
 }
 
 TEST(FeedFill, PassesShapesInsideTheBandUnchanged) {
-    Shape shape;
+    Geometry shape;
     AddEllipse(shape, {0, 0, 50, 30});
-    Shape out;
+    Geometry out;
     FeedFill(shape, kIdentity, out);
     EXPECT_TRUE(out.Equals(shape));
 }
 
 TEST(FeedFill, BoundsTheWorkOfHugeCurves) {
     for (const float size : {1e6F, 1e9F, 1e15F, 1e30F}) {
-        Shape shape;
+        Geometry shape;
         shape.BeginFigure({0, 0});
         shape.CubicTo({size, -size}, {-size, -size * 0.7F}, {100, 50});
         shape.CubicTo({size, 30}, {-size, 20}, {0, 10});
         shape.EndFigureClose();
-        Shape out;
+        Geometry out;
         FeedFill(shape, kIdentity, out);
         EXPECT_LT(PointsOf(out).size(), 5000U) << size;
         // Turned over and stretched as no target is wide.
-        Shape disc, wide;
+        Geometry disc, wide;
         AddEllipse(disc, {0, 0, 50, 30});
         FeedFill(disc, {-size, 0, 0, 1, 0, 0}, wide);
         EXPECT_LT(PointsOf(wide).size(), 50000U) << size;

@@ -63,7 +63,7 @@ TEST(SampleGrid, CountsWhatTheRasterizerCoversAtEveryPhase) {
         const int32_t width = random.Whole(1, 40);
         const int32_t height = random.Whole(1, 40);
         const auto outline = RandomOutline(random, static_cast<float>(random.Whole(2, 30)));
-        const Shape& shape = outline->GetShape();
+        const Shape& shape = *outline;
         const Matrix place{1.0F, 0.0F, 0.0F, 1.0F, random.Real(0.0F, 12.0F), random.Real(0.0F, 30.0F)};
         const Rect clip{-60.0F, -60.0F, 100.0F, 100.0F};
         rasterizer.Begin(clip, {0, 0, width, height}, false);
@@ -111,7 +111,7 @@ public:
     [[nodiscard]] RenderTarget& Target() { return *m_target; }
     void Fill(const Geometry& glyph, const Matrix& m, const Brush& brush, bool text = true) {
         Target().SetTransform(m);
-        Target().Fill(text ? Path::Outline(glyph.SharedShape()) : Path(glyph.SharedShape()), brush);
+        Target().Fill(text ? Path::Outline(glyph) : Path(glyph), brush);
     }
     /// What a cold start finds.
     void Forget() {
@@ -163,7 +163,7 @@ TEST(GlyphCache, WarmAndColdDrawTheSameBytes) {
             RenderTarget& t = page->Target();
             t.SetTransform({1, 0, 0, 1, 10, 110});
             if (form == 1) {
-                t.Clip(clip->SharedShape());
+                t.Clip(*clip);
             } else if (form == 2) {
                 t.SetBlendMode(GXBlendModeMultiply);
             } else if (form == 3) {
@@ -295,7 +295,7 @@ TEST(GlyphCache, MemoryIsBoundedAndEvictedGlyphsComeBackTheSame) {
     std::vector<std::vector<uint8_t>> first;
     const auto bytes = [&](const Geometry& glyph, int phase) {
         GlyphCoverage found;
-        EXPECT_TRUE(cache.Find(glyph.GetShape(), kIdentity, {phase & 7, phase >> 3}, rasterizer, found));
+        EXPECT_TRUE(cache.Find(glyph, kIdentity, {phase & 7, phase >> 3}, rasterizer, found));
         std::vector<uint8_t> out;
         for (int32_t y = 0; y < found.height; ++y) {
             const uint8_t* row = found.coverage + static_cast<size_t>(y) * found.strideBytes;
@@ -325,11 +325,11 @@ TEST(GlyphCache, MemoryIsBoundedAndEvictedGlyphsComeBackTheSame) {
     // What is asked for all the time stays, whatever else comes and goes.
     const auto steady = RandomOutline(random, 30.0F);
     GlyphCoverage found;
-    EXPECT_TRUE(cache.Find(steady->GetShape(), kIdentity, {3, 4}, rasterizer, found));
+    EXPECT_TRUE(cache.Find(*steady, kIdentity, {3, 4}, rasterizer, found));
     const int64_t before = ProcessHeap::FailAfter(-1);
     for (int i = 0; i < 1000; ++i) {
         static_cast<void>(bytes(*glyphs[static_cast<size_t>(i) % glyphs.size()], i % 64));
-        EXPECT_TRUE(cache.Find(steady->GetShape(), kIdentity, {3, 4}, rasterizer, found));
+        EXPECT_TRUE(cache.Find(*steady, kIdentity, {3, 4}, rasterizer, found));
     }
     EXPECT_EQ(ProcessHeap::FailAfter(-1), before) << "a full cache asks for no more memory";
 }
@@ -353,7 +353,8 @@ TEST(GlyphCache, ThreadsShareGlyphsWithoutSeeingEachOther) {
     std::vector<uint32_t> expected;
     draw(expected);
     for (const auto& glyph : glyphs) {
-        glyph->SetFillRule(glyph->GetShape().FillRule()); // new identities, asked for by all threads at once
+        glyph->SetFillRule(glyph->FillRule() ^ 1U);
+        glyph->SetFillRule(glyph->FillRule() ^ 1U); // new identities, asked for by all threads at once
     }
     std::vector<std::vector<uint32_t>> results(4);
     std::vector<std::thread> threads;
@@ -378,16 +379,16 @@ TEST(GlyphCache, WithoutMemoryForEntriesItStillDraws) {
     // Warm scratch memory, so that only the cache's own allocations are left to refuse.
     GlyphCache cache;
     for (int phase = 0; phase < 8; ++phase) {
-        ASSERT_TRUE(cache.Find(glyph->GetShape(), kIdentity, {phase, 0}, rasterizer, found));
+        ASSERT_TRUE(cache.Find(*glyph, kIdentity, {phase, 0}, rasterizer, found));
         cache.Clear();
     }
     for (int64_t n = 0; n < 6; ++n) {
         for (int phase = 0; phase < 8; ++phase) {
             GlyphCoverage expected;
-            ASSERT_TRUE(reference.Find(glyph->GetShape(), kIdentity, {phase, 0}, rasterizer, expected));
+            ASSERT_TRUE(reference.Find(*glyph, kIdentity, {phase, 0}, rasterizer, expected));
             ProcessHeap::FailAfter(n);
             try {
-                ASSERT_TRUE(cache.Find(glyph->GetShape(), kIdentity, {phase, 0}, rasterizer, found));
+                ASSERT_TRUE(cache.Find(*glyph, kIdentity, {phase, 0}, rasterizer, found));
                 drawn = true;
                 for (int32_t y = 0; y < expected.height; ++y) {
                     for (int32_t x = 0; x < expected.width; ++x) {

@@ -13,14 +13,13 @@ using namespace Graphics;
 
 namespace {
 
-class Script final : public GeometrySink {
+class Script {
 public:
-    void SetFillRule(uint32_t) override { m_text << "rule "; }
-    void BeginFigure(const Point& p) override { Put("M", p); }
-    void EndFigure() override { m_text << "E "; }
-    void EndFigureClose() override { m_text << "Z "; }
-    void LineTo(const Point& p) override { Put("L", p); }
-    void CubicTo(const Point& a, const Point& b, const Point& c) override {
+    void BeginFigure(const Point& p) { Put("M", p); }
+    void EndFigure() { m_text << "E "; }
+    void EndFigureClose() { m_text << "Z "; }
+    void LineTo(const Point& p) { Put("L", p); }
+    void CubicTo(const Point& a, const Point& b, const Point& c) {
         Put("C", a);
         Put("", b);
         Put("", c);
@@ -54,8 +53,10 @@ public:
         return *this;
     }
     [[nodiscard]] std::string Sent() const {
+        Geometry outline;
+        AddGlyphRecords(bytes, outline);
         Script script;
-        SendGlyphRecords(bytes, script);
+        outline.ReplayFigures(script);
         return script.Text();
     }
 

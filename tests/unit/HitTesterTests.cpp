@@ -11,6 +11,7 @@
 #include "Boolean/HitTester.h"
 #include "Boolean/Orientation.h"
 #include "Geometry/Figures.h"
+#include "Geometry/Geometry.h"
 #include "Geometry/Transformer.h"
 
 namespace Graphics {
@@ -21,18 +22,18 @@ constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// The winding number around a point, and how far outline and undrawn closing lines are.
-class Oracle final : public GeometrySink {
+class Oracle {
 public:
     Oracle(const Point& p, int chords) : m_x(p.x), m_y(p.y), m_chords(chords) {}
-    void SetFillRule(uint32_t r) override { rule = r; }
-    void BeginFigure(const Point& p) override { m_start = m_at = p; }
-    void EndFigure() override { Chord(m_at.x, m_at.y, m_start.x, m_start.y, closing); }
-    void EndFigureClose() override { LineTo(m_start); }
-    void LineTo(const Point& p) override {
+    void SetFillRule(uint32_t r) { rule = r; }
+    void BeginFigure(const Point& p) { m_start = m_at = p; }
+    void EndFigure() { Chord(m_at.x, m_at.y, m_start.x, m_start.y, closing); }
+    void EndFigureClose() { LineTo(m_start); }
+    void LineTo(const Point& p) {
         Chord(m_at.x, m_at.y, p.x, p.y, outline);
         m_at = p;
     }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) {
         Real x = m_at.x, y = m_at.y;
         for (int i = 1; i <= m_chords; ++i) {
             const Real t = static_cast<Real>(i) / m_chords, s = 1 - t;
@@ -79,7 +80,7 @@ public:
         return Int(0, 1) == 0 ? Point{static_cast<float>(Int(0, 10)) * 10, static_cast<float>(Int(0, 10)) * 10}
                               : Point{Real(0, 100), Real(0, 100)};
     }
-    void Fill(Shape& shape) {
+    void Fill(Geometry& shape) {
         shape.SetFillRule(static_cast<uint32_t>(Int(0, 1)));
         for (int figure = Int(1, 3); figure > 0; --figure) {
             const int kind = Int(0, 7);
@@ -111,14 +112,15 @@ private:
 
 template <class Sink> void Send(const Shape& shape, const Matrix& m, Sink& sink) {
     Transformer<Sink> transformer(sink, m);
-    shape.Replay(transformer);
+    sink.SetFillRule(shape.FillRule());
+    shape.ReplayFigures(transformer);
 }
 
 TEST(HitTester, AgreesWithThePlainAnswerOnRandomShapes) {
     Random random(23);
     int hits = 0, asked = 0, rim = 0;
     for (int round = 0; round < 500; ++round) {
-        Shape shape;
+        Geometry shape;
         random.Fill(shape);
         Matrix m = kIdentity;
         if (random.Int(0, 1) == 0) {
@@ -174,7 +176,7 @@ TEST(HitTester, LinesAreJudgedWithoutRounding) {
         // Scales far apart: where differences round, too.
         const auto scaled = [](const Point& q) { return Point{q.x * 0x1p90F, q.y * 0x1p-100F}; };
         ASSERT_EQ(OrientationSign(scaled(a), scaled(b), scaled(p)), sign);
-        Shape shape;
+        Geometry shape;
         shape.BeginFigure(a);
         shape.LineTo(b);
         shape.EndFigure();
@@ -200,7 +202,7 @@ TEST(HitTester, LinesAreJudgedWithoutRounding) {
 
 TEST(HitTester, BordersOutlinesAndOpenFigures) {
     const auto hit = [](const Shape& s, float x, float y, float t) { return HitTester::Test(s, {x, y}, kIdentity, t); };
-    Shape open; // a bowl without a lid
+    Geometry open; // a bowl without a lid
     open.BeginFigure({0, 0});
     open.LineTo({0, 10});
     open.LineTo({10, 10});
@@ -219,14 +221,14 @@ TEST(HitTester, BordersOutlinesAndOpenFigures) {
     EXPECT_FALSE(hit(open, -1, 3, kNaN));
     EXPECT_TRUE(hit(open, -1e30F, 3, kInfinity));
 
-    Shape dot;
+    Geometry dot;
     dot.BeginFigure({3, 4});
     dot.EndFigureClose();
     EXPECT_TRUE(hit(dot, 3, 4, 0));
     EXPECT_TRUE(hit(dot, 0, 0, 5));
     EXPECT_FALSE(hit(dot, 0, 0, 4.999F));
 
-    Shape ring;
+    Geometry ring;
     ring.SetFillRule(GXFillRuleEvenOdd);
     AddEllipse(ring, {-50, -50, 50, 50});
     AddEllipse(ring, {-30, -30, 30, 30});
@@ -241,7 +243,7 @@ TEST(HitTester, BordersOutlinesAndOpenFigures) {
     EXPECT_FALSE(HitTester::Test(ring, {20, 1}, flat, 0.5F));
     EXPECT_TRUE(HitTester::Test(ring, {20, 1}, flat, 1));
 
-    Shape unfinished;
+    Geometry unfinished;
     EXPECT_FALSE(hit(unfinished, 0, 0, kInfinity));
     unfinished.BeginFigure({0, 0});
     unfinished.LineTo({5, 5});
@@ -250,7 +252,7 @@ TEST(HitTester, BordersOutlinesAndOpenFigures) {
 
 TEST(HitTester, CoordinatesWithoutSenseAndWithoutMeasure) {
     const float huge = 3e38F;
-    Shape shape;
+    Geometry shape;
     shape.BeginFigure({kNaN, 0});
     shape.LineTo({5, 5});
     shape.LineTo({0, 50});
@@ -271,20 +273,20 @@ TEST(HitTester, CoordinatesWithoutSenseAndWithoutMeasure) {
     }
 
     // A figure that is finite until it is mapped; its neighbour stays.
-    Shape far;
+    Geometry far;
     AddRectangle(far, {0, 0, 1, 1});
     AddRectangle(far, {1e38F, -1, 2e38F, 1});
     EXPECT_TRUE(HitTester::Test(far, {5, 5}, {10, 0, 0, 10, 0, 0}, 0));
     EXPECT_FALSE(HitTester::Test(far, {huge, 5}, {10, 0, 0, 10, 0, 0}, 0));
 
-    Shape wide;
+    Geometry wide;
     AddEllipse(wide, {-huge / 2, -huge / 2, huge / 2, huge / 2});
     AddEllipse(wide, {5e8F, -1, 5e8F + 1000, 1});
     EXPECT_TRUE(HitTester::Test(wide, {0, 0}, kIdentity, 0));
     EXPECT_FALSE(HitTester::Test(wide, {huge / 2, huge / 2}, kIdentity, 0));
     EXPECT_TRUE(HitTester::Test(wide, {huge, huge}, kIdentity, huge));
     // A curve of a billion units passes a point that is a few units away.
-    Shape bow;
+    Geometry bow;
     bow.BeginFigure({0, 0});
     bow.CubicTo({3e8F, 100}, {6e8F, 100}, {9e8F, 0});
     bow.EndFigure();
@@ -293,7 +295,7 @@ TEST(HitTester, CoordinatesWithoutSenseAndWithoutMeasure) {
     EXPECT_TRUE(HitTester::Test(bow, {4.5e8F, 74}, kIdentity, 0));
 
     // A curve that keeps its distance all along is decided with bounded work.
-    Shape arc;
+    Geometry arc;
     arc.BeginFigure({100, 0});
     arc.CubicTo({100, 0}, {100, 0}, {100, 0});
     for (int i = 0; i < 50; ++i) {

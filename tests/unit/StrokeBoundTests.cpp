@@ -22,20 +22,20 @@ namespace {
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// Counts what arrives and checks that a rasterizer can hold it.
-class Counter final : public GeometrySink {
+class Counter {
 public:
-    void SetFillRule(uint32_t) override {}
-    void BeginFigure(const Point& p) override {
+    void SetFillRule(uint32_t) {}
+    void BeginFigure(const Point& p) {
         ++figures;
         LineTo(p);
     }
-    void EndFigure() override {}
-    void EndFigureClose() override {}
-    void LineTo(const Point& p) override {
+    void EndFigure() {}
+    void EndFigureClose() {}
+    void LineTo(const Point& p) {
         ++points;
         inBand = inBand && std::fabs(p.x) <= kDeviceBand && std::fabs(p.y) <= kDeviceBand;
     }
-    void CubicTo(const Point&, const Point&, const Point&) override { FAIL() << "a pen sends lines"; }
+    void CubicTo(const Point&, const Point&, const Point&) { FAIL() << "a pen sends lines"; }
 
     size_t figures = 0;
     size_t points = 0;
@@ -53,14 +53,14 @@ StrokeStyle Style(uint32_t join, uint32_t cap, float limit, std::initializer_lis
     return style;
 }
 
-void Line(Shape& shape, const Point& a, const Point& b) {
+void Line(Geometry& shape, const Point& a, const Point& b) {
     shape.BeginFigure(a);
     shape.LineTo(b);
     shape.EndFigure();
 }
 
 /// Segments of this length to and fro along x, or y, over the target.
-void Zigzag(Shape& shape, int count, float length, float size, bool upright = false) {
+void Zigzag(Geometry& shape, int count, float length, float size, bool upright = false) {
     for (int i = 0; i <= count; ++i) {
         const float along = (i % 2 == 0 ? -0.5F : 0.5F) * length;
         const float across = size * static_cast<float>(i) / static_cast<float>(count);
@@ -124,12 +124,12 @@ TEST(StrokeBounds, WidthsBeyondTheFloatsCoverTheTarget) {
         float scale, width;
     };
     for (const Case& c : {Case{3, 3.4e38F}, Case{1e30F, 1e9F}, Case{1e38F, 10}, Case{1e-3F, 3.4e38F}}) {
-        Shape line;
+        Geometry line;
         Line(line, {0, 0}, {1, 1});
         const Matrix m{c.scale, 0, 0, c.scale, 0, 0};
         EXPECT_NEAR(Area(line, m, Style(GXLineJoinRound, GXLineCapRound, 10), c.width, 40), 1600, 1) << c.scale;
         EXPECT_TRUE(Count(line, m, Style(GXLineJoinMiter, GXLineCapFlat, kInfinity), c.width, 40).inBand);
-        Shape tip;
+        Geometry tip;
         tip.BeginFigure({-3e38F, -45});
         tip.LineTo({80, 46});
         tip.LineTo({79, 46.5F});
@@ -142,7 +142,7 @@ TEST(StrokeBounds, WidthsBeyondTheFloatsCoverTheTarget) {
 }
 
 TEST(StrokeBounds, NoMiterLimitChangesDashes) {
-    Shape line;
+    Geometry line;
     Line(line, {10, 20}, {390, 20});
     for (const float limit : {1.0F, 10.0F, 1e5F, 1e6F, 1e9F, std::numeric_limits<float>::max(), kInfinity}) {
         EXPECT_EQ(Count(line, kIdentity, Style(GXLineJoinMiter, GXLineCapFlat, limit, {4, 4}), 2, 400).figures, 48U)
@@ -159,14 +159,14 @@ TEST(StrokeBounds, UnequalScalesCostWhatIsSeen) {
         for (const float scale : {1e3F, 1e4F, 1e5F, 1e6F}) {
             for (const Matrix& m : {Matrix{scale, 0, 0, 1, 0, 0}, Matrix{1, 0, 0, scale, 0, 0},
                                     Matrix{0, scale, 1, 0, 0, 0}, Matrix{1 / scale, 0, 0, 1, 0, 0}}) {
-                Shape shape;
+                Geometry shape;
                 Zigzag(shape, 100, 2e6F, 64, upright);
                 const StrokeStyle style = Style(GXLineJoinMiter, GXLineCapFlat, 10, {1, 1});
                 EXPECT_LT(Count(shape, m, style, 1, 64).points, 400000U) << m.m00 << " " << m.m11;
             }
         }
     }
-    Shape curve;
+    Geometry curve;
     curve.BeginFigure({0, 0});
     curve.CubicTo({20, 3}, {-5, 30}, {60, 60});
     curve.EndFigure();
@@ -175,11 +175,11 @@ TEST(StrokeBounds, UnequalScalesCostWhatIsSeen) {
         EXPECT_LT(Count(curve, {1.78F, 0, 1.03e7F, 0.449F, 48, 0}, style, 1, 64).points, 200000U);
     }
     // The pen reaches along x alone: one pixel of the line's dashes after the other.
-    Shape line;
+    Geometry line;
     Line(line, {20e-6F, -1e8F}, {20e-6F, 1e8F});
     EXPECT_NEAR(Area(line, {1e6F, 0, 0, 1, 0, 0}, Style(GXLineJoinMiter, GXLineCapFlat, 10, {1, 1}), 1e-5F, 64), 320,
                 1);
-    Shape far;
+    Geometry far;
     Line(far, {0, 0}, {1e16F, 1e8F});
     EXPECT_LT(Count(far, {4.3e-15F, 0, 0, 4.2e-7F, 0, 0}, Style(0, GXLineCapRound, 10, {1, 3}), 1e7F, 64).points,
               20000U);
@@ -194,7 +194,7 @@ TEST(StrokeBounds, PatternsFinerThanSamplesHaveTheirMeanCoverage) {
         const StrokeStyle style = Style(GXLineJoinMiter, GXLineCapFlat, 10, {c.dash, c.gap});
         const double share = static_cast<double>(c.dash) / (static_cast<double>(c.dash) + c.gap);
         for (int direction = 0; direction < 3; ++direction) {
-            Shape line;
+            Geometry line;
             const Point end = direction == 0 ? Point{64, 8} : direction == 1 ? Point{8, 64} : Point{56, 56};
             Line(line, direction == 0 ? Point{0, 8} : direction == 1 ? Point{8, 0} : Point{8, 8}, end);
             const double length = direction == 2 ? 48 * std::sqrt(2.0) : 64;
@@ -206,7 +206,7 @@ TEST(StrokeBounds, PatternsFinerThanSamplesHaveTheirMeanCoverage) {
 
 TEST(StrokeBounds, DotsThatTouchAreOneStroke) {
     const StrokeStyle plain = Style(GXLineJoinRound, GXLineCapRound, 10);
-    Shape shape;
+    Geometry shape;
     Zigzag(shape, 100, 800, 1000);
     const size_t undashed = Count(shape, kIdentity, plain, 100, 1000).points;
     StrokeStyle zeros = plain;
@@ -219,19 +219,19 @@ TEST(StrokeBounds, DotsThatTouchAreOneStroke) {
         EXPECT_NEAR(Area(shape, kIdentity, style, 100, 1000), Area(shape, kIdentity, plain, 100, 1000), 600);
     }
     // Around a curve, too.
-    Shape circle;
+    Geometry circle;
     AddEllipse(circle, {200, 200, 800, 800});
     EXPECT_LT(Count(circle, kIdentity, Style(GXLineJoinRound, GXLineCapRound, 10, {0, 0.2F}), 100, 1000).points,
               4 * Count(circle, kIdentity, plain, 100, 1000).points + 2000);
     // Dots that do not touch stay dots.
-    Shape line;
+    Geometry line;
     Line(line, {100, 500}, {900, 500});
     EXPECT_EQ(Count(line, kIdentity, Style(GXLineJoinRound, GXLineCapRound, 10, {0, 110}), 100, 1000).figures, 8U);
 }
 
 TEST(StrokeBounds, DotsCostWhatIsSeenOfThem) {
     // However wide the pen is, a dot that its neighbours hide but for a rim is a few points.
-    Shape shape;
+    Geometry shape;
     Zigzag(shape, 10, 800, 1000);
     for (const uint32_t cap : {GXLineCapRound, GXLineCapSquare}) {
         for (const float width : {60.0F, 200.0F, 600.0F}) {
@@ -276,7 +276,7 @@ TEST(StrokeBounds, ChainsLookAsTheirDashesOneByOne) {
         }
         const auto chains = Coverage(kSide, [&](Rasterizer& rasterizer) {
             PenStorage storage;
-            FeedStroke(path.GetShape(), kIdentity, style, width, false, storage, {0, 0, kSide, kSide}, rasterizer);
+            FeedStroke(path, kIdentity, style, width, false, storage, {0, 0, kSide, kSide}, rasterizer);
         });
         // The truth: every dash by itself, eight times as large.
         StrokeStyle large = style;
@@ -285,7 +285,7 @@ TEST(StrokeBounds, ChainsLookAsTheirDashesOneByOne) {
         }
         const auto widened = path.Transform({8, 0, 0, 8, 0, 0})->Widen(8 * width, large);
         const auto fine =
-            Coverage(8 * kSide, [&](Rasterizer& rasterizer) { FeedFill(widened->GetShape(), kIdentity, rasterizer); });
+            Coverage(8 * kSide, [&](Rasterizer& rasterizer) { FeedFill(*widened, kIdentity, rasterizer); });
         double sum = 0, worst = 0;
         for (int i = 0; i < kSide * kSide; ++i) {
             double truth = 0;
@@ -303,7 +303,7 @@ TEST(StrokeBounds, ChainsLookAsTheirDashesOneByOne) {
 }
 
 TEST(StrokeBounds, WideRoundPensSendWhatIsNear) {
-    Shape shape;
+    Geometry shape;
     Zigzag(shape, 1000, 800, 1000);
     for (const float width : {1e4F, 1e6F}) {
         EXPECT_LT(Count(shape, kIdentity, Style(GXLineJoinRound, GXLineCapRound, 10), width, 1000).points, 500000U);
@@ -317,7 +317,7 @@ TEST(StrokeBounds, WidenGivesAllDashesOrNone) {
         line.BeginFigure({0, 0});
         line.LineTo({length, 0});
         line.EndFigure();
-        return line.Widen(0.5F, Style(0, 0, 10, {dash, dash}))->GetShape().Figures().size();
+        return line.Widen(0.5F, Style(0, 0, 10, {dash, dash}))->Figures().size();
     };
     EXPECT_EQ(widen(1000, 0.25F), 2000U);
     // Just over 2^20 periods of the doubled pattern, where floats still tell the dashes apart.
@@ -331,7 +331,7 @@ TEST(StrokeDots, TurnWithTheMatrix) {
     const StrokeStyle square = Style(GXLineJoinMiter, GXLineCapSquare, 10);
     for (const float distortion : {1.0F, 1.0001F}) {
         for (const float width : {6.0F, 0.0F}) {
-            Shape dot, out;
+            Geometry dot, out;
             Line(dot, {0, 0}, {0, 0});
             PenStorage storage;
             const float k = 0.70710677F;
@@ -348,11 +348,11 @@ TEST(StrokeDots, TurnWithTheMatrix) {
 
 TEST(StrokeAdjustment, MovesEveryLevelAndUprightSegment) {
     PenStorage storage;
-    const auto outline = [&](const Shape& shape, Shape& out) {
+    const auto outline = [&](const Shape& shape, Geometry& out) {
         FeedStroke(shape, kIdentity, Style(GXLineJoinMiter, GXLineCapFlat, 10), 1.4F, true, storage, {0, 0, 200, 200},
                    out);
     };
-    Shape plain, rounded, plainOut, roundedOut;
+    Geometry plain, rounded, plainOut, roundedOut;
     AddRectangle(plain, {10.3F, 20.4F, 90.7F, 70.6F});
     AddRoundRectangle(rounded, {10.3F, 20.4F, 90.7F, 70.6F}, 12, 9);
     outline(plain, plainOut);
@@ -365,7 +365,7 @@ TEST(StrokeAdjustment, MovesEveryLevelAndUprightSegment) {
     EXPECT_EQ(a.left, std::floor(a.left));
 
     // A joint with a slanted segment stays closed: the outline is one figure, and its upright edges are whole.
-    Shape bent, bentOut, slanted, plainSlanted;
+    Geometry bent, bentOut, slanted, plainSlanted;
     bent.BeginFigure({30.3F, 10});
     bent.LineTo({30.3F, 60.2F});
     bent.LineTo({80, 90});
@@ -379,7 +379,7 @@ TEST(StrokeAdjustment, MovesEveryLevelAndUprightSegment) {
     slanted.CubicTo({60, 70}, {70, 30}, {80, 90});
     slanted.EndFigure();
     outline(slanted, plainSlanted);
-    Shape untouched;
+    Geometry untouched;
     FeedStroke(slanted, kIdentity, Style(GXLineJoinMiter, GXLineCapFlat, 10), 1.4F, false, storage, {0, 0, 200, 200},
                untouched);
     EXPECT_TRUE(plainSlanted.Equals(untouched));
@@ -414,7 +414,7 @@ TEST(StrokeBounds, HostileStrokesStayWithinTheirBudget) {
     PenStorage storage;
     size_t drawn = 0;
     for (int round = 0; round < kRounds; ++round) {
-        Shape shape;
+        Geometry shape;
         size_t segments = 0;
         for (uint32_t figure = 0; figure <= pick(2); ++figure) {
             shape.BeginFigure(point());

@@ -7,7 +7,6 @@
 #include "Bitmaps/Bitmap.h"
 #include "Coverage/SpareBlock.h"
 #include "Geometry/Geometry.h"
-#include "Geometry/Shape.h"
 #include "Paint/Brush.h"
 #include "ProcessHeap.h"
 #include "Target/RenderTarget.h"
@@ -32,7 +31,7 @@ struct Canvas {
 };
 
 /// Zigzags of short sides around one another: as many figures cover a sub-scanline as `turns` says.
-std::shared_ptr<const Shape> Zigzags(size_t sides, size_t turns) {
+Shape Zigzags(size_t sides, size_t turns) {
     Geometry geometry;
     geometry.SetFillRule(GXFillRuleNonZero);
     const size_t each = sides / turns;
@@ -48,7 +47,7 @@ std::shared_ptr<const Shape> Zigzags(size_t sides, size_t turns) {
         }
         geometry.EndFigureClose();
     }
-    return geometry.SharedShape();
+    return geometry;
 }
 
 TEST(TargetMemory, EdgesOfALargePathGoWithTheBracket) {

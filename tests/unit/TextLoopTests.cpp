@@ -20,14 +20,14 @@ public:
     void LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const override {
         std::copy(text.begin(), text.end(), glyphs);
     }
-    void Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const override {
+    void Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const override {
         metrics.advanceX = glyph;
         metrics.advanceY = 2.0F * static_cast<float>(glyph);
-        sink.BeginFigure({0, 0});
-        sink.LineTo({1, 0});
-        sink.LineTo({1, 1});
-        sink.LineTo({0, 1});
-        sink.EndFigureClose();
+        out.BeginFigure({0, 0});
+        out.LineTo({1, 0});
+        out.LineTo({1, 1});
+        out.LineTo({0, 1});
+        out.EndFigureClose();
     }
 };
 

@@ -6,9 +6,17 @@
 #include <cmath>
 #include <vector>
 
-#include "Geometry/Shape.h"
+#include "Geometry/Geometry.h"
 
 namespace Graphics {
+
+inline const Figure& FigureAt(const Shape& shape, size_t index) {
+    auto at = shape.Figures().begin();
+    while (index-- != 0) {
+        ++at;
+    }
+    return *at;
+}
 
 inline int Winding(const Shape& shape, double x, double y) {
     int winding = 0;

@@ -73,7 +73,7 @@ private:
 void CompareWithFile(const FontBase& font, const std::string& file, unsigned pixels) {
     Reference reference(file, pixels);
     for (uint16_t unit = 33; unit < 0x17F; unit = static_cast<uint16_t>(unit + 7)) {
-        Shape shape;
+        Geometry shape;
         GlyphMetrics metrics;
         font.Outline(IndexOf(font, unit), shape, metrics);
         const FT_GlyphSlot slot = reference.Load(unit);
@@ -128,7 +128,7 @@ TEST(Font, HeightFollowsTheSize) {
     EXPECT_EQ(FontBase::PixelHeight(NAN), 0);
     EXPECT_EQ(FontBase::PixelHeight(INFINITY), INT32_MIN);
     const auto top = [](float size) {
-        Shape shape;
+        Geometry shape;
         GlyphMetrics metrics;
         const auto font = Make("Liberation Sans", 0, size);
         font->Outline(IndexOf(*font, 'H'), shape, metrics);
@@ -162,17 +162,17 @@ TEST(Font, SlantAndWeightAreMadeWhereTheFileHasNone) {
     heavy.embolden = true;
     const auto bold = FromFile(file, 72.0F, heavy);
     const uint16_t index = IndexOf(*plain, 'I');
-    Shape upright;
-    Shape slant;
-    Shape fat;
+    Geometry upright;
+    Geometry slant;
+    Geometry fat;
     GlyphMetrics metrics;
     GlyphMetrics boldMetrics;
     plain->Outline(index, upright, metrics);
     slanted->Outline(index, slant, boldMetrics);
     EXPECT_EQ(boldMetrics.advanceX, metrics.advanceX);
     bold->Outline(index, fat, boldMetrics);
-    const auto points = upright.Figures()[0].Points();
-    const auto moved = slant.Figures()[0].Points();
+    const auto points = upright.Figures().front().Points();
+    const auto moved = slant.Figures().front().Points();
     ASSERT_EQ(points.size(), moved.size());
     for (size_t i = 0; i < points.size(); ++i) {
         EXPECT_NEAR(moved[i].x, points[i].x - 0.2F * points[i].y, 1e-4);
@@ -183,15 +183,14 @@ TEST(Font, SlantAndWeightAreMadeWhereTheFileHasNone) {
     EXPECT_NEAR(boldMetrics.advanceX - metrics.advanceX, 96.0F / 24, 1);
 }
 
-/// Which calls a sink gets, with the end points' distance from the curve's last control point.
-class CallList final : public GeometrySink {
+/// Which calls an outline is, with the end points' distance from the curve's last control point.
+class CallList {
 public:
-    void SetFillRule(uint32_t) override { ADD_FAILURE() << "an outline has no rule"; }
-    void BeginFigure(const Point& p) override { Add('M', p); }
-    void EndFigure() override { calls += 'e'; }
-    void EndFigureClose() override { calls += 'Z'; }
-    void LineTo(const Point& p) override { Add('L', p); }
-    void CubicTo(const Point&, const Point& c2, const Point& end) override {
+    void BeginFigure(const Point& p) { Add('M', p); }
+    void EndFigure() { calls += 'e'; }
+    void EndFigureClose() { calls += 'Z'; }
+    void LineTo(const Point& p) { Add('L', p); }
+    void CubicTo(const Point&, const Point& c2, const Point& end) {
         Add(c2.x == end.x && c2.y == end.y ? 'q' : 'C', end);
     }
     std::string calls;
@@ -206,9 +205,11 @@ private:
 
 TEST(Font, QuadraticPiecesAreCubicsWithTheEndTwice) {
     const auto font = FromFile(kFolder + "LiberationSans-Regular.ttf", 24.0F);
-    CallList o;
+    Geometry outline;
     GlyphMetrics metrics;
-    font->Outline(IndexOf(*font, 'o'), o, metrics);
+    font->Outline(IndexOf(*font, 'o'), outline, metrics);
+    CallList o;
+    outline.ReplayFigures(o);
     ASSERT_FALSE(o.calls.empty());
     EXPECT_EQ(std::count(o.calls.begin(), o.calls.end(), 'Z'), 2); // two contours
     EXPECT_EQ(std::count(o.calls.begin(), o.calls.end(), 'C'), 0);
@@ -236,8 +237,8 @@ TEST(Font, EveryCodeUnitHasAGlyphAndSharesIt) {
     for (const uint16_t surrogate : {0xD800, 0xDBFF, 0xDC00, 0xDFFF}) {
         EXPECT_EQ(&font.Glyph(surrogate), &missing);
     }
-    EXPECT_FALSE(missing.shape->Empty()); // a box
-    EXPECT_TRUE(font.Glyph(' ').shape->Empty());
+    EXPECT_FALSE(missing.shape.Empty()); // a box
+    EXPECT_TRUE(font.Glyph(' ').shape.Empty());
     EXPECT_GT(font.Glyph(' ').metrics.advanceX, 0.0F);
     EXPECT_EQ(&font.Glyph('A'), &font.Glyph('A'));
     EXPECT_NE(&font.Glyph('A'), &font.Glyph('B'));
@@ -318,7 +319,7 @@ TEST(Font, RefusedMemoryIsAnErrorAndLeavesNothingBehind) {
     const auto text = Utf16("Refused & given");
     const auto measure = [&] {
         const Font font(Make("Liberation Sans", 0, 12.0F));
-        return font.TextWidth(text.data()) + static_cast<float>(font.Glyph('&').shape->Figures().size());
+        return font.TextWidth(text.data()) + static_cast<float>(font.Glyph('&').shape.Figures().size());
     };
     const float expected = measure();
     RefuseEach([&] { EXPECT_EQ(measure(), expected); });

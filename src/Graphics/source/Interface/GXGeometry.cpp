@@ -30,7 +30,7 @@ GXResult GXGeometryGetFillRule(GXGeometry geometry, GXFillRule* out) GX_NOEXCEPT
     if (AnyNull(geometry, out)) {
         return GXResultInvalidArgument;
     }
-    *out = geometry->object->GetShape().FillRule();
+    *out = geometry->object->FillRule();
     return GXResultSuccess;
 }
 
@@ -38,7 +38,7 @@ GXResult GXGeometryEmpty(GXGeometry geometry, uint8_t* out) GX_NOEXCEPT {
     if (AnyNull(geometry, out)) {
         return GXResultInvalidArgument;
     }
-    *out = geometry->object->GetShape().Empty() ? 1 : 0;
+    *out = geometry->object->Empty() ? 1 : 0;
     return GXResultSuccess;
 }
 
@@ -46,7 +46,7 @@ GXResult GXGeometryPointsEqual(GXGeometry geometry, GXGeometry other, uint8_t* o
     if (AnyNull(geometry, other) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    *out = geometry->object->GetShape().Equals(other->object->GetShape()) ? 1 : 0;
+    *out = geometry->object->Equals(*other->object) ? 1 : 0;
     return GXResultSuccess;
 }
 
@@ -54,14 +54,14 @@ GXResult GXGeometryGetCurrentPoint(GXGeometry geometry, GXPoint* out) GX_NOEXCEP
     if (AnyNull(geometry) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    return geometry->object->GetShape().CurrentPoint(*out) ? GXResultSuccess : GXResultFalse;
+    return geometry->object->CurrentPoint(*out) ? GXResultSuccess : GXResultFalse;
 }
 
 GXResult GXGeometryGetBound(GXGeometry geometry, const GXMatrix* matrix, GXRect* out) GX_NOEXCEPT {
     if (AnyNull(geometry) || AnyNull(out)) {
         return GXResultInvalidArgument;
     }
-    *out = geometry->object->GetShape().Bounds().Box(matrix != nullptr ? *matrix : kIdentity);
+    *out = geometry->object->Bounds().Box(matrix != nullptr ? *matrix : kIdentity);
     return GXResultSuccess;
 }
 
@@ -112,23 +112,22 @@ GXResult GXGeometryRectangle(GXGeometry geometry, const GXRect* rect) GX_NOEXCEP
     if (AnyNull(geometry) || AnyNull(rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { geometry->object->GetShape().AddClosed([&](auto& sink) { AddRectangle(sink, *rect); }); });
+    return Guard([&] { geometry->object->AddClosed([&](auto& sink) { AddRectangle(sink, *rect); }); });
 }
 
 GXResult GXGeometryEllipse(GXGeometry geometry, const GXRect* rect) GX_NOEXCEPT {
     if (AnyNull(geometry) || AnyNull(rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { geometry->object->GetShape().AddClosed([&](auto& sink) { AddEllipse(sink, *rect); }); });
+    return Guard([&] { geometry->object->AddClosed([&](auto& sink) { AddEllipse(sink, *rect); }); });
 }
 
 GXResult GXGeometryRoundRectangle(GXGeometry geometry, const GXRect* rect, float radiusX, float radiusY) GX_NOEXCEPT {
     if (AnyNull(geometry) || AnyNull(rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] {
-        geometry->object->GetShape().AddClosed([&](auto& sink) { AddRoundRectangle(sink, *rect, radiusX, radiusY); });
-    });
+    return Guard(
+        [&] { geometry->object->AddClosed([&](auto& sink) { AddRoundRectangle(sink, *rect, radiusX, radiusY); }); });
 }
 
 GXResult GXGeometryCopy(GXGeometry geometry, GXGeometry* out) GX_NOEXCEPT {
@@ -143,10 +142,9 @@ GXResult GXGeometrySendToSink(GXGeometry geometry, const GXGeometrySinkCallbacks
         return GXResultInvalidArgument;
     }
     return Guard([&] {
-        // The callbacks may release the handle.
-        const std::shared_ptr<const Shape> shape = geometry->object->SharedShape();
+        const Shape shape = *geometry->object; // the callbacks may add to the geometry, or release it
         GeometrySinkAdapter adapter(*callbacks);
-        shape->Replay(adapter);
+        shape.Replay(adapter);
     });
 }
 
@@ -170,7 +168,7 @@ GXResult GXGeometryCombine(GXGeometry a, GXGeometry b, uint32_t mode, float tole
     }
     return Create(out, [&] {
         auto result = std::make_shared<Geometry>();
-        Boolean::Combine(a->object->GetShape(), b->object->GetShape(), mode, tolerance, result->GetShape());
+        Boolean::Combine(*a->object, *b->object, mode, tolerance, *result);
         return result;
     });
 }
@@ -181,8 +179,8 @@ GXResult GXGeometryHitTest(GXGeometry geometry, const GXPoint* point, const GXMa
         return GXResultInvalidArgument;
     }
     return Guard([&] {
-        const Shape& shape = geometry->object->GetShape();
-        *out = HitTester::Test(shape, *point, matrix != nullptr ? *matrix : kIdentity, tolerance) ? 1 : 0;
+        const Matrix& m = matrix != nullptr ? *matrix : kIdentity;
+        *out = HitTester::Test(*geometry->object, *point, m, tolerance) ? 1 : 0;
     });
 }
 

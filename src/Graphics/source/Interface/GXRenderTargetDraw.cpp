@@ -70,14 +70,13 @@ GXResult GXRenderTargetClear(GXRenderTarget renderTarget, uint32_t argb) noexcep
 
 GXResult GXRenderTargetFillGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
     return Draw(
-        renderTarget, [&](RenderTarget& t) { t.Fill(geometry->object->SharedShape(), *brush->object); }, geometry,
-        brush);
+        renderTarget, [&](RenderTarget& t) { t.Fill(*geometry->object, *brush->object); }, geometry, brush);
 }
 
 GXResult GXRenderTargetFillTextGeometry(GXRenderTarget renderTarget, GXGeometry geometry, GXBrush brush) noexcept {
     return Draw(
-        renderTarget, [&](RenderTarget& t) { t.Fill(Path::Outline(geometry->object->SharedShape()), *brush->object); },
-        geometry, brush);
+        renderTarget, [&](RenderTarget& t) { t.Fill(Path::Outline(*geometry->object), *brush->object); }, geometry,
+        brush);
 }
 
 GXResult GXRenderTargetFillRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush) noexcept {
@@ -93,7 +92,7 @@ GXResult GXRenderTargetStrokeGeometry(GXRenderTarget renderTarget, GXGeometry ge
     if (AnyNull(renderTarget, geometry)) {
         return GXResultInvalidArgument;
     }
-    return StrokePath(renderTarget, geometry->object->SharedShape(), brush, width, style);
+    return StrokePath(renderTarget, *geometry->object, brush, width, style);
 }
 
 GXResult GXRenderTargetStrokeLine(GXRenderTarget renderTarget, const GXPoint* point, const GXPoint* point2,
@@ -122,7 +121,7 @@ GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* 
 
 GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) noexcept {
     return Draw(
-        renderTarget, [&](RenderTarget& t) { t.Clip(geometry->object->SharedShape()); }, geometry);
+        renderTarget, [&](RenderTarget& t) { t.Clip(*geometry->object); }, geometry);
 }
 
 GXResult GXRenderTargetClipRect(GXRenderTarget renderTarget, const GXRect* rect) noexcept {

@@ -74,7 +74,7 @@ void Measure(const Shape& shape, double limit, double& near, double& most) noexc
     }
 }
 
-CellCombiner::Counts CombineCells(const Shape& a, const Shape& b, uint32_t mode, double tolerance, Shape& out) {
+CellCombiner::Counts CombineCells(const Shape& a, const Shape& b, uint32_t mode, double tolerance, Geometry& out) {
     const double step = FloatBands::StepFor(tolerance);
     double near = 0, most = 0;
     Measure(a, step * kGridLimit, near, most);
@@ -94,7 +94,7 @@ CellCombiner::Counts CombineCells(const Shape& a, const Shape& b, uint32_t mode,
 
 } // namespace
 
-void Boolean::Combine(const Shape& a, const Shape& b, uint32_t mode, float tolerance, Shape& out,
+void Boolean::Combine(const Shape& a, const Shape& b, uint32_t mode, float tolerance, Geometry& out,
                       CellCombiner::Counts* work) {
     Box box = ResultBox(BoxOf(a), BoxOf(b), mode);
     if (!(box.left < box.right && box.top < box.bottom)) {

@@ -13,7 +13,7 @@
 // that is not finite count as absent.
 #pragma once
 
-#include "../Geometry/Shape.h"
+#include "../Geometry/Geometry.h"
 #include "CellCombiner.h"
 
 namespace Graphics {
@@ -24,7 +24,7 @@ public:
     /// not cross or overlap, outlines as a rectangle runs, holes the other way, so that both fill rules give the same.
     /// `mode` is a GXCombine value. Curves are flattened to within `tolerance`, 0.25 where it is not above 0.
     /// `work` gets what it took.
-    static void Combine(const Shape& a, const Shape& b, uint32_t mode, float tolerance, Shape& out,
+    static void Combine(const Shape& a, const Shape& b, uint32_t mode, float tolerance, Geometry& out,
                         CellCombiner::Counts* work = nullptr);
 };
 

@@ -51,7 +51,7 @@ void BorderPuzzle::JoinSeams(PlaneAxis axis, HeapArray<SeamStep>& steps) {
     }
 }
 
-void BorderPuzzle::Write(Shape& out) {
+void BorderPuzzle::Write(Geometry& out) {
     JoinSeams(PlaneAxis::X, m_level);
     JoinSeams(PlaneAxis::Y, m_upright);
     Link();
@@ -117,7 +117,7 @@ void BorderPuzzle::LinkJunction(const Point& at, const uint32_t* ins, const uint
 }
 
 /// Walks one closed border. Where it comes back to a junction, what lies between is a figure of its own.
-void BorderPuzzle::Follow(uint32_t first, Shape& out) {
+void BorderPuzzle::Follow(uint32_t first, Geometry& out) {
     m_path.clear();
     uint32_t edge = first;
     do {
@@ -134,7 +134,7 @@ void BorderPuzzle::Follow(uint32_t first, Shape& out) {
     CloseLoop(0, out);
 }
 
-void BorderPuzzle::CloseLoop(size_t from, Shape& out) {
+void BorderPuzzle::CloseLoop(size_t from, Geometry& out) {
     m_loop.clear();
     for (size_t i = from; i < m_path.size(); ++i) {
         Edge& edge = m_edges[m_path[i]];

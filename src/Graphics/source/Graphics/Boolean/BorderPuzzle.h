@@ -6,7 +6,7 @@
 // what one alone tells is border. Edges have the inside at the hand at which a rectangle has it.
 #pragma once
 
-#include "../Geometry/Shape.h"
+#include "../Geometry/Geometry.h"
 #include "AxisCut.h"
 
 namespace Graphics {
@@ -27,7 +27,7 @@ public:
         }
     }
     /// All edges together are closed borders that do not cross.
-    void Write(Shape& out);
+    void Write(Geometry& out);
 
 private:
     static constexpr uint32_t kNone = 0xFFFFFFFFU;
@@ -52,8 +52,8 @@ private:
     void JoinSeams(PlaneAxis axis, HeapArray<SeamStep>& steps);
     void Link();
     void LinkJunction(const Point& at, const uint32_t* ins, const uint32_t* outs, size_t count);
-    void Follow(uint32_t first, Shape& out);
-    void CloseLoop(size_t from, Shape& out);
+    void Follow(uint32_t first, Geometry& out);
+    void CloseLoop(size_t from, Geometry& out);
 
     HeapArray<Edge> m_edges;
     HeapArray<SeamStep> m_level, m_upright;

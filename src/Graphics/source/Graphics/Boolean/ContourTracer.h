@@ -3,7 +3,7 @@
 // middle of a straight run, outlines the way a rectangle runs and holes the other way.
 #pragma once
 
-#include "../Geometry/Shape.h"
+#include "../Geometry/Geometry.h"
 #include "PointGrid.h"
 #include "Scanner.h"
 
@@ -11,7 +11,7 @@ namespace Graphics {
 
 class ContourTracer {
 public:
-    ContourTracer(const PointGrid& grid, Shape& out) noexcept : m_grid(grid), m_out(out) {}
+    ContourTracer(const PointGrid& grid, Geometry& out) noexcept : m_grid(grid), m_out(out) {}
 
     /// Uses up the links.
     void Trace(Scanner& scanner);
@@ -25,7 +25,7 @@ private:
     static constexpr uint32_t kNone = GridEdge::kNone;
 
     const PointGrid& m_grid;
-    Shape& m_out;
+    Geometry& m_out;
     bool m_transposed = false;
     HeapArray<uint32_t> m_path;    // edges since the start, less the loops that were closed
     HeapArray<uint32_t> m_visited; // for each junction where the path has it

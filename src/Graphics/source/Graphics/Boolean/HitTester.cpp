@@ -186,8 +186,8 @@ bool HitTester::Test(const Shape& shape, const Point& point, const Matrix& m, fl
             return false;
         }
     }
+    tester.SetFillRule(shape.FillRule());
     const auto run = [&](auto& sink) {
-        sink.SetFillRule(shape.FillRule());
         shape.ReplayFigures(sink, [&](const Figure& f) { return !tester.Near() && (finite || AllFinite(f, m)); });
     };
     if (IsIdentity(m)) {

@@ -7,14 +7,13 @@
 #pragma once
 
 #include "../Geometry/CurveFlattener.h"
-#include "../Geometry/GeometrySink.h"
 #include "../Geometry/Shape.h"
 #include "../Matrix.h"
 
 namespace Graphics {
 
 /// Takes a path with finite coordinates and knows the answer at its end.
-class HitTester final : public GeometrySink {
+class HitTester {
 public:
     /// `point` is finite. A tolerance that is negative or NaN counts as 0.
     HitTester(const Point& point, float tolerance) noexcept;
@@ -23,12 +22,12 @@ public:
     /// a point that is not finite hits nothing.
     [[nodiscard]] static bool Test(const Shape& shape, const Point& point, const Matrix& m, float tolerance);
 
-    void SetFillRule(uint32_t rule) override { m_evenOdd = rule != GXFillRuleNonZero; }
-    void BeginFigure(const Point& start) override { m_start = m_current = start; }
-    void EndFigure() override;
-    void EndFigureClose() override { LineTo(m_start); }
-    void LineTo(const Point& p) override;
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
+    void SetFillRule(uint32_t rule) { m_evenOdd = rule != GXFillRuleNonZero; }
+    void BeginFigure(const Point& start) { m_start = m_current = start; }
+    void EndFigure();
+    void EndFigureClose() { LineTo(m_start); }
+    void LineTo(const Point& p);
+    void CubicTo(const Point& c1, const Point& c2, const Point& end);
 
     /// Near the outline so far: what follows can't change it.
     [[nodiscard]] bool Near() const noexcept { return m_near; }

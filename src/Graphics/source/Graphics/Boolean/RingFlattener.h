@@ -2,26 +2,25 @@
 // Sends the figures of a shape on as closed rings of lines.
 #pragma once
 
-#include "../Geometry/GeometrySink.h"
 #include "../ProcessHeap.h"
 #include "RingClipper.h"
 
 namespace Graphics {
 
-class RingFlattener : public GeometrySink {
+class RingFlattener {
 public:
     /// Curves are flattened to within `tolerance`, and not at all outside of `limits`.
     RingFlattener(const RingClipper::Box& limits, float tolerance) noexcept
         : m_limits(limits), m_tolerance(tolerance) {}
 
-    void SetFillRule(uint32_t) override {}
-    void BeginFigure(const Point& start) override;
-    void EndFigure() override { TakeRing(m_ring); }
-    void EndFigureClose() override { TakeRing(m_ring); }
-    void LineTo(const Point& p) override { m_ring.push_back(p); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
+    void BeginFigure(const Point& start);
+    void EndFigure() { TakeRing(m_ring); }
+    void EndFigureClose() { TakeRing(m_ring); }
+    void LineTo(const Point& p) { m_ring.push_back(p); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end);
 
 protected:
+    ~RingFlattener() = default;
     virtual void TakeRing(const HeapArray<Point>& ring) = 0;
 
 private:

@@ -13,11 +13,9 @@ namespace Graphics {
 ClipRef ClipMaker::Make(Rasterizer& rasterizer, const Path& path, const Shape& shape, const Matrix& m,
                         const IntRect& area, const IntRect& visible, const ClipRef& parent, bool snap) {
     const IntRect inside = shape.Empty() || IsEmpty(visible) ? IntRect{0, 0, 0, 0} : visible;
-    const auto figureCount = shape.Figures().size();
-    const uint32_t rule = shape.FillRule();
+    const uint64_t identity = path.Stored() != nullptr ? shape.Identity() : 0; // no shape has 0
     const auto same = [&](const Key& key) {
-        return path.Stored() != nullptr && key.shape == *path.Stored() && key.parent.get() == parent.get() &&
-               key.figureCount == figureCount && key.fillRule == rule && key.snap == snap && key.visible == inside &&
+        return key.shape == identity && key.parent.get() == parent.get() && key.snap == snap && key.visible == inside &&
                SameMatrix(key.transform, m);
     };
     if (const auto found = std::find_if(m_recent.begin(), m_recent.end(), same); found != m_recent.end()) {
@@ -30,9 +28,9 @@ ClipRef ClipMaker::Make(Rasterizer& rasterizer, const Path& path, const Shape& s
         rasterizer.Finish(builder);
     }
     ClipRef clip = builder.Finish();
-    if (path.Stored() != nullptr) {
+    if (identity != 0) {
         // The oldest go: a few are kept, and no more coverage than a little unless the newest has it.
-        m_recent.push_back({parent, clip, *path.Stored(), figureCount, rule, m, inside, snap});
+        m_recent.push_back({parent, clip, identity, m, inside, snap});
         size_t first = m_recent.size() - std::min(m_recent.size(), kRecent);
         while (first + 1 < m_recent.size() && KeptBytes(first) > kRecentBytes) {
             ++first;

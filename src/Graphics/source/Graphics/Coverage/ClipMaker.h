@@ -26,9 +26,7 @@ private:
     struct Key {
         ClipRef parent;
         ClipRef clip;
-        std::shared_ptr<const Shape> shape;
-        size_t figureCount;
-        uint32_t fillRule;
+        uint64_t shape; ///< its identity
         Matrix transform;
         IntRect visible;
         bool snap;

@@ -155,12 +155,12 @@ void D3D11RenderTarget::Paint(const GraphicsState& state, const Path& path, cons
             PaintShape(state, colors, m_shape.Of(path), state.strokeAdjustment);
             break;
         case Path::Kind::Outline:
-            PaintOutline(state, colors, **path.Stored());
+            PaintOutline(state, colors, *path.Stored());
             break;
         case Path::Kind::Glyphs:
-            path.Glyphs().ForEach(state.transform, [&](const Path::SharedShape& outline, const Matrix& m) {
+            path.Glyphs().ForEach(state.transform, [&](const Shape& outline, const Matrix& m) {
                 const ArenaScope scope(m_arena); // a text may be long
-                PaintOutline(state, {ink, m, mask}, *outline);
+                PaintOutline(state, {ink, m, mask}, outline);
             });
             break;
         case Path::Kind::Plane:

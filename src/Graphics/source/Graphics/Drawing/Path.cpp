@@ -5,7 +5,7 @@ namespace Graphics {
 
 bool GlyphRun::IsBlank() const {
     for (const uint16_t* unit = text; *unit != 0; ++unit) {
-        if (!font->Glyph(*unit).shape->Empty()) {
+        if (!font->Glyph(*unit).shape.Empty()) {
             return false;
         }
     }

@@ -2,10 +2,8 @@
 // What a draw covers, in user space and by reference: nothing is copied on the way to a back end.
 #pragma once
 
-#include <memory>
-
 #include "../Geometry/BasicFigures.h"
-#include "../Geometry/Shape.h"
+#include "../Geometry/Geometry.h"
 #include "../Text/Font.h"
 
 namespace Graphics {
@@ -19,7 +17,7 @@ struct GlyphRun {
     template <class Use> void ForEach(Matrix m, Use&& use) const {
         for (const uint16_t* unit = text; *unit != 0; ++unit) {
             const FontGlyph& glyph = font->Glyph(*unit);
-            if (!glyph.shape->Empty()) {
+            if (!glyph.shape.Empty()) {
                 use(glyph.shape, static_cast<const Matrix&>(m));
             }
             m = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, m);
@@ -38,13 +36,12 @@ public:
         Glyphs,  ///< each an outline
         Plane,   ///< everything that can be drawn on
     };
-    using SharedShape = std::shared_ptr<const Graphics::Shape>;
 
     // Not explicit: whatever can be drawn is a path.
     Path(const BasicFigure& figure) noexcept : m_object(&figure), m_kind(Kind::Figure) {}
-    Path(const SharedShape& shape) noexcept : m_object(&shape), m_kind(Kind::Shape) {}
+    Path(const Graphics::Shape& shape) noexcept : m_object(&shape), m_kind(Kind::Shape) {}
     Path(const GlyphRun& run) noexcept : m_object(&run), m_kind(Kind::Glyphs) {}
-    [[nodiscard]] static Path Outline(const SharedShape& shape) noexcept { return {&shape, Kind::Outline}; }
+    [[nodiscard]] static Path Outline(const Graphics::Shape& shape) noexcept { return {&shape, Kind::Outline}; }
     [[nodiscard]] static Path Plane() noexcept { return {nullptr, Kind::Plane}; }
 
     [[nodiscard]] Kind GetKind() const noexcept { return m_kind; }
@@ -52,8 +49,9 @@ public:
     /// Of a figure.
     [[nodiscard]] const BasicFigure& Figure() const noexcept { return *static_cast<const BasicFigure*>(m_object); }
     /// Of a stored shape: null for everything else.
-    [[nodiscard]] const SharedShape* Stored() const noexcept {
-        return m_kind == Kind::Shape || m_kind == Kind::Outline ? static_cast<const SharedShape*>(m_object) : nullptr;
+    [[nodiscard]] const Graphics::Shape* Stored() const noexcept {
+        return m_kind == Kind::Shape || m_kind == Kind::Outline ? static_cast<const Graphics::Shape*>(m_object)
+                                                                : nullptr;
     }
     /// Of glyphs.
     [[nodiscard]] const GlyphRun& Glyphs() const noexcept { return *static_cast<const GlyphRun*>(m_object); }
@@ -68,7 +66,7 @@ public:
         case Kind::Plane:
             return false;
         default:
-            return (*Stored())->Empty();
+            return Stored()->Empty();
         }
     }
 
@@ -84,8 +82,8 @@ class PathShape {
 public:
     /// The stored shape, or the figure put into a shape that is void after the next call.
     [[nodiscard]] const Shape& Of(const Path& path) {
-        if (const Path::SharedShape* stored = path.Stored()) {
-            return **stored;
+        if (const Shape* stored = path.Stored()) {
+            return *stored;
         }
         m_figure.Clear();
         path.Figure().Replay(m_figure);
@@ -93,7 +91,7 @@ public:
     }
 
 private:
-    Shape m_figure;
+    Geometry m_figure;
 };
 
 } // namespace Graphics

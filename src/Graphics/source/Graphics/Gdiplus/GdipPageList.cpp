@@ -6,7 +6,6 @@
 
 #include "../Bitmaps/Bitmap.h"
 #include "../Exception.h"
-#include "../Geometry/Shape.h"
 #include "../Pixels/PixelFormat.h"
 
 namespace Graphics {
@@ -32,33 +31,20 @@ constexpr IntRect kEverywhere{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
 } // namespace
 
 GdipKeptPath::GdipKeptPath(const Path& path)
-    : m_kind(path.GetKind()),
-      m_figure(path.IsFigure() ? path.Figure() : BasicFigure(BasicFigure::Kind::Rectangle, {})) {
-    if (const Path::SharedShape* stored = path.Stored()) {
-        m_shape = *stored;
-        m_figureCount = m_shape->Figures().size();
-        m_fillRule = m_shape->FillRule();
-    }
-}
+    : m_kind(path.GetKind()), m_shape(path.Stored() != nullptr ? *path.Stored() : Shape()),
+      m_figure(path.IsFigure() ? path.Figure() : BasicFigure(BasicFigure::Kind::Rectangle, {})) {}
 
 Path GdipKeptPath::Get() const {
-    if (m_kind == Path::Kind::Plane) {
+    switch (m_kind) {
+    case Path::Kind::Plane:
         return Path::Plane();
-    }
-    if (m_shape == nullptr) {
+    case Path::Kind::Figure:
         return m_figure;
+    case Path::Kind::Outline:
+        return Path::Outline(m_shape);
+    default:
+        return m_shape;
     }
-    // Shapes grow at their end; figures that are finished stay.
-    if (m_shape->Figures().size() != m_figureCount || m_shape->FillRule() != m_fillRule) {
-        auto copy = std::make_shared<Shape>();
-        copy->SetFillRule(m_fillRule);
-        for (const Figure& figure : m_shape->Figures().first(m_figureCount)) {
-            figure.Replay(*copy);
-        }
-        m_shape = std::move(copy);
-        m_figureCount = m_shape->Figures().size();
-    }
-    return m_kind == Path::Kind::Outline ? Path::Outline(m_shape) : Path(m_shape);
 }
 
 void GdipPageList::AddScope(const GraphicsState& state, Call call) {

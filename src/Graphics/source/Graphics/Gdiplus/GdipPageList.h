@@ -14,8 +14,7 @@ namespace Graphics {
 
 class SysMemBitmap;
 
-/// A path that outlives the call it came with, as it was at that time: a host may go on with its geometry. Glyphs are
-/// kept one by one, as outlines.
+/// A path that outlives the call it came with. Glyphs are kept one by one, as outlines.
 class GdipKeptPath {
 public:
     explicit GdipKeptPath(const Path& path);
@@ -25,9 +24,7 @@ public:
 
 private:
     Path::Kind m_kind;
-    mutable std::shared_ptr<const Shape> m_shape; // a copy once the geometry has changed
-    mutable size_t m_figureCount = 0;
-    uint32_t m_fillRule = 0;
+    Shape m_shape;
     BasicFigure m_figure;
 };
 

@@ -89,7 +89,7 @@ void GdipRenderTarget::Paint(const GraphicsState& state, const Path& path, const
         return;
     }
     GraphicsState placed = state;
-    path.Glyphs().ForEach(state.transform, [&](const Path::SharedShape& outline, const Matrix& m) {
+    path.Glyphs().ForEach(state.transform, [&](const Shape& outline, const Matrix& m) {
         placed.transform = m;
         PaintOne(placed, Path::Outline(outline), ink, mask);
     });

@@ -3,14 +3,6 @@
 
 namespace Graphics {
 
-// A fill rule has no extent.
-void BoundCalculator::SetFillRule(uint32_t) {}
-
-void BoundCalculator::Reset() noexcept {
-    m_box = {kInfinity, kInfinity, -kInfinity, -kInfinity};
-    m_check = 0;
-}
-
 Rect BoundCalculator::Box() const noexcept {
     Rect box = m_box;
     if (!(box.left <= box.right)) {

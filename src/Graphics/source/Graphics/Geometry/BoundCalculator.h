@@ -1,25 +1,20 @@
 // SPDX-License-Identifier: MIT
-// The min/max box of every point that passes, control points included, kept up while a path is built.
+// The min/max box of all points, control points included, kept up while a path is built.
 #pragma once
 
 #include "../Matrix.h"
-#include "GeometrySink.h"
 
 namespace Graphics {
 
-class BoundCalculator final : public GeometrySink {
+class BoundCalculator {
 public:
-    void SetFillRule(uint32_t rule) override;
-    void BeginFigure(const Point& start) override { Add(start); }
-    void EndFigure() override {}
-    void EndFigureClose() override {}
-    void LineTo(const Point& p) override { Add(p); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
-        Add(c1);
-        Add(c2);
-        Add(end);
+    void Add(const Point& p) noexcept {
+        m_box.left = p.x < m_box.left ? p.x : m_box.left;
+        m_box.right = p.x > m_box.right ? p.x : m_box.right;
+        m_box.top = p.y < m_box.top ? p.y : m_box.top;
+        m_box.bottom = p.y > m_box.bottom ? p.y : m_box.bottom;
+        m_check += (p.x - p.x) + (p.y - p.y);
     }
-    void Reset() noexcept;
 
     /// (0, 0, 0, 0) before the first point. NaN coordinates are left out of the box.
     [[nodiscard]] Rect Box() const noexcept;
@@ -30,14 +25,6 @@ public:
 
 private:
     static constexpr float kInfinity = std::numeric_limits<float>::infinity();
-
-    void Add(const Point& p) noexcept {
-        m_box.left = p.x < m_box.left ? p.x : m_box.left;
-        m_box.right = p.x > m_box.right ? p.x : m_box.right;
-        m_box.top = p.y < m_box.top ? p.y : m_box.top;
-        m_box.bottom = p.y > m_box.bottom ? p.y : m_box.bottom;
-        m_check += (p.x - p.x) + (p.y - p.y);
-    }
 
     Rect m_box{kInfinity, kInfinity, -kInfinity, -kInfinity};
     float m_check = 0; // x - x is 0 for a finite x, else NaN, and NaN stays

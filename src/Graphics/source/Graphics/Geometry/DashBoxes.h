@@ -8,7 +8,6 @@
 
 #include "../Matrix.h"
 #include "Figure.h"
-#include "GeometrySink.h"
 #include "StrokeAdjuster.h"
 #include "StrokePlan.h"
 #include "StrokeStyle.h"
@@ -24,18 +23,17 @@ concept TakesBoxes = requires(Sink& sink, const Point& p) {
 
 /// Takes the dashes of one line along an axis, in user space, where StrokePlan's matrices keep axes apart. Every corner
 /// is computed with the pen's operations in the pen's order, and the rectangles wind as the pen's outlines.
-template <class Sink> class BoxPen final : public GeometrySink {
+template <TakesBoxes Sink> class BoxPen {
 public:
     BoxPen(Sink& sink, const StrokePlan& plan, uint32_t cap, bool snaps) noexcept
         : m_sink(sink), m_plan(plan), m_half(plan.half), m_reach(cap == GXLineCapSquare ? m_half : 0.0),
           m_turns(plan.toDevice.m00 == 0), m_snaps(snaps) {}
 
-    void SetFillRule(uint32_t) override {}
-    void BeginFigure(const Point& start) override { m_start = m_end = Map(m_plan.toPen, start); }
-    void LineTo(const Point& p) override { m_end = Map(m_plan.toPen, p); }
-    void CubicTo(const Point&, const Point&, const Point& end) override { LineTo(end); }
-    void EndFigureClose() override { EndFigure(); }
-    void EndFigure() override {
+    void BeginFigure(const Point& start) { m_start = m_end = Map(m_plan.toPen, start); }
+    void LineTo(const Point& p) { m_end = Map(m_plan.toPen, p); }
+    void CubicTo(const Point&, const Point&, const Point& end) { LineTo(end); }
+    void EndFigureClose() { EndFigure(); }
+    void EndFigure() {
         const double dx = static_cast<double>(m_end.x) - m_start.x;
         const double dy = static_cast<double>(m_end.y) - m_start.y;
         if (dx == 0 && dy == 0 && m_reach == 0) {

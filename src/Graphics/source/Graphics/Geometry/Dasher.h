@@ -17,7 +17,7 @@
 
 namespace Graphics {
 
-template <class Sink> class Dasher final : public GeometrySink {
+template <FigureSink Sink> class Dasher {
 public:
     Dasher(Sink& sink, const DashSequence& sequence, float tolerance) noexcept
         : m_sink(sink), m_pattern(sequence), m_tolerance(tolerance) {}
@@ -28,9 +28,7 @@ public:
     /// Flattens curves for a pen of this half width (StrokeCurveTolerance).
     void RefineCurves(float half) noexcept { m_refineHalf = half; }
 
-    void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
-
-    void BeginFigure(const Point& start) override {
+    void BeginFigure(const Point& start) {
         EndChain();
         m_index = m_pattern.Index();
         m_remaining = m_pattern.Remaining();
@@ -41,7 +39,7 @@ public:
         }
     }
 
-    void LineTo(const Point& p) override {
+    void LineTo(const Point& p) {
         Segment s;
         s.dx = static_cast<double>(p.x) - m_current.x;
         s.dy = static_cast<double>(p.y) - m_current.y;
@@ -79,7 +77,7 @@ public:
         }
     }
 
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) {
         const WideCurve curve(m_current, c1, c2, end);
         const float tolerance = ResolvableTolerance(
             curve, m_refineHalf > 0 ? StrokeCurveTolerance(curve, m_tolerance, m_refineHalf) : m_tolerance);
@@ -106,7 +104,7 @@ public:
         m_inCurve = false;
     }
 
-    void EndFigure() override {
+    void EndFigure() {
         EndChain();
         if (m_open) {
             m_sink.EndFigure();
@@ -114,7 +112,7 @@ public:
         m_open = false;
     }
 
-    void EndFigureClose() override {
+    void EndFigureClose() {
         LineTo(m_start);
         EndFigure();
     }

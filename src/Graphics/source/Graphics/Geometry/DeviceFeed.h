@@ -28,7 +28,7 @@ template <class Sink> constexpr float BandOf() noexcept {
 }
 
 /// Calls `feed` with a sink that limits figures to the band, first in y and then in x.
-template <class Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed) {
+template <FigureSink Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed) {
     constexpr float band = BandOf<Sink>();
     StripClipper<Sink> x(sink, ClipAxis::X, -band, band, kFillTolerance);
     StripClipper<StripClipper<Sink>> y(x, ClipAxis::Y, -band, band, kFillTolerance);
@@ -36,18 +36,17 @@ template <class Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed)
 }
 
 /// Sends the fill rule and the mapped shape. Figures with a coordinate that is not finite are left out.
-template <class Sink> void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
+template <GeometrySink Sink> void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
     sink.SetFillRule(shape.FillRule());
     const Rect box = MapBox(m, shape.ControlBox());
     constexpr float inner = BandOf<Sink>() - 1;
     // Inside the band the clippers change nothing. NaN compares false.
     if (shape.AllFinite() && box.left > -inner && box.top > -inner && box.right < inner && box.bottom < inner) {
-        const auto all = [](const Figure&) { return true; };
         if (IsIdentity(m)) {
-            shape.ReplayFigures(sink, all);
+            shape.ReplayFigures(sink);
         } else {
             Transformer<Sink> transformer(sink, m);
-            shape.ReplayFigures(transformer, all);
+            shape.ReplayFigures(transformer);
         }
         return;
     }
@@ -58,18 +57,15 @@ template <class Sink> void FeedFill(const Shape& shape, const Matrix& m, Sink& s
 }
 
 /// Moves coordinates that miss a whole pixel by a rounding error onto it.
-template <class Sink> class WholePixelSnapper final : public GeometrySink {
+template <FigureSink Sink> class WholePixelSnapper {
 public:
     explicit WholePixelSnapper(Sink& sink) noexcept : m_sink(sink) {}
 
-    void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
-    void BeginFigure(const Point& start) override { m_sink.BeginFigure(SnapToPixel(start)); }
-    void EndFigure() override { m_sink.EndFigure(); }
-    void EndFigureClose() override { m_sink.EndFigureClose(); }
-    void LineTo(const Point& p) override { m_sink.LineTo(SnapToPixel(p)); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
-        m_sink.CubicTo(c1, c2, SnapToPixel(end));
-    }
+    void BeginFigure(const Point& start) { m_sink.BeginFigure(SnapToPixel(start)); }
+    void EndFigure() { m_sink.EndFigure(); }
+    void EndFigureClose() { m_sink.EndFigureClose(); }
+    void LineTo(const Point& p) { m_sink.LineTo(SnapToPixel(p)); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) { m_sink.CubicTo(c1, c2, SnapToPixel(end)); }
 
 private:
     Sink& m_sink;
@@ -205,7 +201,7 @@ void StrokeAdjusted(Sink& sink, const Figure& figure, StrokeAdjuster::Result res
 /// the edges of level and upright segments are moved onto whole pixels. What cannot touch the visible part of the
 /// target may be left out. Raises for a bad dash pattern before anything is sent. True when figures may have been left
 /// out that the target would show.
-template <class Sink>
+template <GeometrySink Sink>
 bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
                 PenStorage& storage, const Rect& target, const Rect& visible, Sink& sink) {
     std::optional<DashSequence> dashes;
@@ -261,7 +257,7 @@ bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, f
 }
 
 /// All of the target is visible.
-template <class Sink>
+template <GeometrySink Sink>
 bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
                 PenStorage& storage, const Rect& target, Sink& sink) {
     return FeedStroke(shape, m, style, width, adjust, storage, target, target, sink);

@@ -41,17 +41,16 @@ public:
         return {reinterpret_cast<const Point*>(m_block), m_pointCount};
     }
     [[nodiscard]] uint8_t Kind(uint32_t segment) const noexcept { return m_block[m_size - 1 - segment]; }
-    /// Whether replay sends it: it has a point, and a segment or the closed flag.
+    /// Whether it is worth keeping: it has a point, and a segment or the closed flag.
     [[nodiscard]] bool Drawn() const noexcept { return m_pointCount != 0 && (m_segmentCount != 0 || m_closed); }
 
     /// Same closed flag, points and kinds, without tolerance.
     [[nodiscard]] bool Equals(const Figure& o) const noexcept;
 
-    /// Sends the figure to a sink. Everything needed is read up front: a sink may add figures to the same shape.
+    /// Sends the figure to a sink.
     template <class Sink> void Replay(Sink& sink) const {
         const Point* p = reinterpret_cast<const Point*>(m_block);
         const uint8_t* kind = m_block + m_size;
-        const bool closed = m_closed;
         const uint32_t count = m_segmentCount;
         sink.BeginFigure(*p++);
         for (uint32_t i = 0; i < count; ++i) {
@@ -63,7 +62,7 @@ public:
                 p += 3;
             }
         }
-        if (closed) {
+        if (m_closed) {
             sink.EndFigureClose();
         } else {
             sink.EndFigure();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The object behind a geometry handle: a shared shape, the operations that build it, and those that make new ones.
+// A path under construction, and the operations that make a new one of it. It is a shape that grows: whoever reads it
+// as a Shape sees the figures that are finished by then, and a copy of that part stays as it was.
 #pragma once
 
 #include <memory>
@@ -9,22 +10,59 @@
 
 namespace Graphics {
 
-class Geometry final : public GeometrySink {
+class Geometry final : public Shape {
 public:
-    Geometry();
+    Geometry() noexcept = default;
+    Geometry(const Geometry&) = delete;
 
-    void SetFillRule(uint32_t rule) override { m_shape->SetFillRule(rule); }
-    void BeginFigure(const Point& start) override { m_shape->BeginFigure(start); }
-    void EndFigure() override { m_shape->EndFigure(); }
-    void EndFigureClose() override { m_shape->EndFigureClose(); }
-    void LineTo(const Point& p) override { m_shape->LineTo(p); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override { m_shape->CubicTo(c1, c2, end); }
-    /// A cubic whose first control point is the current point, or c2 where there is none.
+    // A refused allocation changes nothing, in every operation.
+
+    /// Kept as it is; every value but 0 acts as even-odd.
+    void SetFillRule(uint32_t rule) noexcept {
+        if (rule != m_fillRule) {
+            m_fillRule = rule;
+            Changed();
+        }
+    }
+    /// Ends a figure that is still open.
+    void BeginFigure(const Point& start);
+    /// Stores the figure unless it is a lone start point, which stays open.
+    void EndFigure();
+    void EndFigureClose();
+    /// Ignored while no figure is open; so are the curves.
+    void LineTo(const Point& p) {
+        if (m_open) {
+            m_current.AddLine(p);
+            m_bounds.Add(p);
+            Changed();
+        }
+    }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) {
+        if (m_open) {
+            m_current.AddCubic(c1, c2, end);
+            m_bounds.Add(c1);
+            m_bounds.Add(c2);
+            m_bounds.Add(end);
+            Changed();
+        }
+    }
+    /// A cubic whose first control point is the current point.
     void ConicTo(const Point& c2, const Point& end);
 
-    [[nodiscard]] const Shape& GetShape() const noexcept { return *m_shape; }
-    [[nodiscard]] Shape& GetShape() noexcept { return *m_shape; }
-    [[nodiscard]] const std::shared_ptr<const Shape>& SharedShape() const noexcept { return m_shared; }
+    /// Adds the closed figure that `add` sends to a sink, if any: as if it were sent here, but all of it or nothing.
+    template <class Add> void AddClosed(const Add& add) {
+        ClosedFigure sink;
+        add(sink);
+        if (sink.figure.Drawn()) {
+            Append(std::move(sink.figure));
+        }
+    }
+
+    /// Back to a new path, keeping one figure's memory: for paths that live for one draw call.
+    void Clear() noexcept;
+
+    /// The last point, or a closed figure's first one. False where there is no figure.
+    [[nodiscard]] bool CurrentPoint(Point& out) const noexcept;
 
     /// A new geometry with the finished figures, mapped.
     [[nodiscard]] std::shared_ptr<Geometry> Transform(const Matrix& m) const;
@@ -33,8 +71,18 @@ public:
     [[nodiscard]] std::shared_ptr<Geometry> Widen(float width, const StrokeStyle& style) const;
 
 private:
-    std::shared_ptr<const Shape> m_shared;
-    Shape* m_shape; // the same, for the operations that build it
+    /// Takes one closed figure aside.
+    struct ClosedFigure {
+        void BeginFigure(const Point& start) { figure.Start(start); }
+        void LineTo(const Point& p) { figure.AddLine(p); }
+        void CubicTo(const Point& c1, const Point& c2, const Point& end) { figure.AddCubic(c1, c2, end); }
+        void EndFigureClose() noexcept { figure.SetClosed(); }
+        Figure figure;
+    };
+    void Append(Figure&& closed);
+
+    Figure m_current;
+    bool m_open = false;
 };
 
 } // namespace Graphics

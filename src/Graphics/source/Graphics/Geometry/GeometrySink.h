@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: MIT
-// The protocol by which a path is built and by which every consumer reads it.
+// The calls by which a path is built and by which every consumer reads it. Sinks are template arguments: a chain of
+// them is direct calls. The host's table of functions is one more sink (GeometrySinkAdapter).
 #pragma once
 
 #include "../Types.h"
 
 namespace Graphics {
 
-class GeometrySink {
-public:
-    virtual ~GeometrySink() = default;
-    virtual void SetFillRule(uint32_t rule) = 0;
-    virtual void BeginFigure(const Point& start) = 0;
-    virtual void EndFigure() = 0;
-    virtual void EndFigureClose() = 0;
-    virtual void LineTo(const Point& p) = 0;
-    virtual void CubicTo(const Point& c1, const Point& c2, const Point& end) = 0;
+/// Takes figures, one after the other.
+template <class Sink>
+concept FigureSink = requires(Sink& sink, const Point& p) {
+    sink.BeginFigure(p);
+    sink.LineTo(p);
+    sink.CubicTo(p, p, p);
+    sink.EndFigure();
+    sink.EndFigureClose();
+};
+
+/// Takes a path: the rule by which it is filled, then its figures.
+template <class Sink>
+concept GeometrySink = FigureSink<Sink> && requires(Sink& sink, uint32_t rule) {
+    sink.SetFillRule(rule);
 };
 
 } // namespace Graphics

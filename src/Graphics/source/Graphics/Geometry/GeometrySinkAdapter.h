@@ -2,43 +2,43 @@
 // A sink that passes the calls on to a caller's table of functions. Each point is handed over as a copy.
 #pragma once
 
-#include "GeometrySink.h"
+#include "../Types.h"
 
 namespace Graphics {
 
-class GeometrySinkAdapter final : public GeometrySink {
+class GeometrySinkAdapter {
 public:
     /// Entries that are null are left out.
     explicit GeometrySinkAdapter(const GXGeometrySinkCallbacks& table) noexcept : m_table(table) {}
 
-    void SetFillRule(uint32_t rule) override {
+    void SetFillRule(uint32_t rule) {
         if (m_table.SetFillRule != nullptr) {
             m_table.SetFillRule(m_table.context, rule);
         }
     }
-    void BeginFigure(const Point& start) override {
+    void BeginFigure(const Point& start) {
         if (m_table.BeginFigure != nullptr) {
             const Point p = start;
             m_table.BeginFigure(m_table.context, &p);
         }
     }
-    void EndFigure() override {
+    void EndFigure() {
         if (m_table.EndFigure != nullptr) {
             m_table.EndFigure(m_table.context);
         }
     }
-    void EndFigureClose() override {
+    void EndFigureClose() {
         if (m_table.EndFigureClose != nullptr) {
             m_table.EndFigureClose(m_table.context);
         }
     }
-    void LineTo(const Point& point) override {
+    void LineTo(const Point& point) {
         if (m_table.LineTo != nullptr) {
             const Point p = point;
             m_table.LineTo(m_table.context, &p);
         }
     }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) {
         if (m_table.CubicTo != nullptr) {
             const Point p[3] = {c1, c2, end};
             m_table.CubicTo(m_table.context, &p[0], &p[1], &p[2]);

@@ -7,7 +7,7 @@
 
 namespace Graphics {
 
-template <class Sink> class Pen final : public GeometrySink {
+template <FigureSink Sink> class Pen {
 public:
     /// `half` is half the line's width. Two pens may share a storage only one after the other.
     Pen(Sink& sink, PenStorage& storage, const StrokeStyle& style, float half, float tolerance) noexcept
@@ -15,12 +15,10 @@ public:
 
     [[nodiscard]] PenOutline& Outline() noexcept { return m_outline; }
 
-    /// Whatever the figures' rule, outlines need non-zero.
-    void SetFillRule(uint32_t) override { m_sink.SetFillRule(GXFillRuleNonZero); }
-    void BeginFigure(const Point& start) override { m_outline.Begin(start); }
-    void LineTo(const Point& p) override { m_outline.LineTo(p); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override { m_outline.CubicTo(c1, c2, end); }
-    void EndFigure() override {
+    void BeginFigure(const Point& start) { m_outline.Begin(start); }
+    void LineTo(const Point& p) { m_outline.LineTo(p); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) { m_outline.CubicTo(c1, c2, end); }
+    void EndFigure() {
         m_outline.EndOpen();
         SendFirst();
     }
@@ -34,7 +32,7 @@ public:
             static_cast<void>(m_outline.Gap(p));
         }
     }
-    void EndFigureClose() override {
+    void EndFigureClose() {
         m_outline.EndClosed();
         SendFirst();
         const std::span<const Point> points = m_outline.Second();

@@ -15,7 +15,7 @@ namespace Graphics {
 
 enum class ClipAxis { X, Y };
 
-template <class Sink> class StripClipper final : public GeometrySink {
+template <FigureSink Sink> class StripClipper {
 public:
     /// Bounds in the wrong order are swapped.
     StripClipper(Sink& sink, ClipAxis axis, float lower, float upper, float tolerance) noexcept
@@ -25,15 +25,13 @@ public:
         }
     }
 
-    void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
-
-    void BeginFigure(const Point& start) override {
+    void BeginFigure(const Point& start) {
         m_started = false;
         m_start = m_previous = start;
         m_zone = ZoneOf(start);
     }
 
-    void LineTo(const Point& p) override {
+    void LineTo(const Point& p) {
         if (p.x == m_previous.x && p.y == m_previous.y) {
             return;
         }
@@ -62,7 +60,7 @@ public:
     }
 
     /// Curves inside the band stay curves: whoever flattens them next does it with the same tolerance.
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) {
         const WideCurve curve(m_previous, c1, c2, end);
         if (Place(curve) == CurvePlace::Mixed) {
             FlattenBounded(
@@ -71,7 +69,7 @@ public:
         }
     }
 
-    void EndFigure() override {
+    void EndFigure() {
         LineTo(m_start);
         if (m_started) {
             m_sink.EndFigure();
@@ -79,7 +77,7 @@ public:
         m_started = false;
     }
 
-    void EndFigureClose() override {
+    void EndFigureClose() {
         LineTo(m_start);
         if (m_started) {
             m_sink.EndFigureClose();

@@ -8,16 +8,15 @@
 
 namespace Graphics {
 
-template <class Sink> class Transformer final : public GeometrySink {
+template <FigureSink Sink> class Transformer {
 public:
     Transformer(Sink& sink, const Matrix& m) noexcept : m_matrix(m), m_sink(sink) {}
 
-    void SetFillRule(uint32_t rule) override { m_sink.SetFillRule(rule); }
-    void BeginFigure(const Point& start) override { m_sink.BeginFigure(Map(m_matrix, start)); }
-    void EndFigure() override { m_sink.EndFigure(); }
-    void EndFigureClose() override { m_sink.EndFigureClose(); }
-    void LineTo(const Point& p) override { m_sink.LineTo(Map(m_matrix, p)); }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override {
+    void BeginFigure(const Point& start) { m_sink.BeginFigure(Map(m_matrix, start)); }
+    void EndFigure() { m_sink.EndFigure(); }
+    void EndFigureClose() { m_sink.EndFigureClose(); }
+    void LineTo(const Point& p) { m_sink.LineTo(Map(m_matrix, p)); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end) {
         m_sink.CubicTo(Map(m_matrix, c1), Map(m_matrix, c2), Map(m_matrix, end));
     }
     /// For pens: the next dash of a chain starts at `p`.

@@ -3,7 +3,6 @@
 // serves many fills, one after another, and keeps its memory.
 #pragma once
 
-#include "../Geometry/GeometrySink.h"
 #include "BandScanner.h"
 #include "BoxScanner.h"
 #include "EdgeBuilder.h"
@@ -11,7 +10,7 @@
 
 namespace Graphics {
 
-class Rasterizer final : public GeometrySink {
+class Rasterizer {
 public:
     /// Curves deviate from their lines by about this many pixels.
     explicit Rasterizer(float tolerance = 0.25F) noexcept
@@ -21,23 +20,23 @@ public:
     /// `visible` only. `snap` lets an upright rectangle become whole pixels.
     void Begin(const Rect& clipPixels, const IntRect& visible, bool snap);
 
-    void SetFillRule(uint32_t rule) override { m_evenOdd = rule != 0; }
-    void BeginFigure(const Point& start) override {
+    void SetFillRule(uint32_t rule) { m_evenOdd = rule != 0; }
+    void BeginFigure(const Point& start) {
         m_builder.CloseFigure();
         m_onlyBoxes = false;
         m_current = start;
         m_builder.Add(ToVertex(start));
     }
-    void LineTo(const Point& p) override {
+    void LineTo(const Point& p) {
         if (p.x == m_current.x && p.y == m_current.y) {
             return;
         }
         m_current = p;
         m_builder.Add(ToVertex(p));
     }
-    void CubicTo(const Point& c1, const Point& c2, const Point& end) override;
-    void EndFigure() override { m_builder.CloseFigure(); }
-    void EndFigureClose() override { m_builder.CloseFigure(); }
+    void CubicTo(const Point& c1, const Point& c2, const Point& end);
+    void EndFigure() { m_builder.CloseFigure(); }
+    void EndFigureClose() { m_builder.CloseFigure(); }
 
     /// A closed figure: the upright rectangle between two opposite corners, from the first along x. A fill of nothing
     /// else, non-zero, in a row or a column, needs no edges; all have to wind the same way.

@@ -208,14 +208,14 @@ void SwRenderTarget::Paint(const GraphicsState& state, const Path& path, const I
         PaintFigure(draw, path.Figure());
         break;
     case Path::Kind::Shape:
-        PaintShape(draw, **path.Stored(), state.strokeAdjustment);
+        PaintShape(draw, *path.Stored(), state.strokeAdjustment);
         break;
     case Path::Kind::Outline:
-        PaintOutline(draw, **path.Stored());
+        PaintOutline(draw, *path.Stored());
         break;
     case Path::Kind::Glyphs:
-        path.Glyphs().ForEach(state.transform, [&](const Path::SharedShape& outline, const Matrix& m) {
-            PaintOutline({state, m, ink, mask}, *outline);
+        path.Glyphs().ForEach(state.transform, [&](const Shape& outline, const Matrix& m) {
+            PaintOutline({state, m, ink, mask}, outline);
         });
         break;
     case Path::Kind::Plane: {

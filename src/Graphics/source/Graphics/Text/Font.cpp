@@ -31,10 +31,10 @@ const FontGlyph& Font::Read(uint16_t codeUnit) const {
     m_base->LookUp({&codeUnit, 1}, &index);
     const FontGlyph* glyph = m_byIndex.Get(index);
     if (glyph == nullptr) {
-        auto shape = std::make_shared<Shape>();
-        auto fresh = std::make_unique<FontGlyph>();
-        m_base->Outline(index, *shape, fresh->metrics);
-        fresh->shape = std::move(shape);
+        Geometry outline;
+        GlyphMetrics metrics;
+        m_base->Outline(index, outline, metrics);
+        std::unique_ptr<const FontGlyph> fresh(new FontGlyph{outline, metrics});
         glyph = m_byIndex.Put(index, fresh.get());
         if (glyph == fresh.get()) {
             static_cast<void>(fresh.release());

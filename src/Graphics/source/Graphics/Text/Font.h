@@ -8,13 +8,12 @@
 #include <atomic>
 #include <memory>
 
-#include "../Geometry/Shape.h"
 #include "FontBase.h"
 
 namespace Graphics {
 
 struct FontGlyph {
-    std::shared_ptr<const Shape> shape; ///< never null; empty for a blank
+    Shape shape; ///< empty for a blank
     GlyphMetrics metrics;
 };
 

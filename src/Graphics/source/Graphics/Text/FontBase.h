@@ -9,7 +9,7 @@
 #include <memory>
 #include <span>
 
-#include "../Geometry/GeometrySink.h"
+#include "../Geometry/Geometry.h"
 
 namespace Graphics {
 
@@ -37,9 +37,9 @@ public:
 
     /// One glyph for each code unit, surrogates not joined; 0, the glyph for what is missing, where the font has none.
     virtual void LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const = 0;
-    /// Sends the outline, without a fill rule, and writes the metrics. A glyph whose outline cannot be read sends
-    /// nothing and still has its advance.
-    virtual void Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const = 0;
+    /// Adds the outline and writes the metrics. A glyph whose outline cannot be read adds nothing and still has its
+    /// advance.
+    virtual void Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const = 0;
 
     /// The height that a size asks the platform for: size * 96 / -72, truncated. Negative is the height of the em in
     /// pixels, positive that of a line (ascent and descent), 0 leaves the choice to the platform.

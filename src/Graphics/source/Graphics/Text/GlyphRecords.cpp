@@ -32,7 +32,7 @@ struct Points {
     [[nodiscard]] Point operator[](size_t i) const noexcept { return ReadPoint(data + i * kPointBytes); }
 };
 
-void SendQuadratics(const Points& points, GeometrySink& sink) {
+void AddQuadratics(const Points& points, Geometry& out) {
     // Controls, and at last a point on the curve; half-way between two controls lies another one.
     for (size_t i = 0; i + 1 < points.count; ++i) {
         const Point control = points[i];
@@ -40,19 +40,19 @@ void SendQuadratics(const Points& points, GeometrySink& sink) {
         if (i + 2 < points.count) {
             end = {(control.x + end.x) * 0.5F, (control.y + end.y) * 0.5F};
         }
-        sink.CubicTo(control, end, end); // not the exact cubic of the quadratic: the same curve on every platform
+        out.CubicTo(control, end, end); // not the exact cubic of the quadratic: the same curve on every platform
     }
 }
 
-void SendCubics(const Points& points, GeometrySink& sink) {
+void AddCubics(const Points& points, Geometry& out) {
     // The last three points of a record are not sent; the bytes of pages depend on it.
     for (size_t i = 0; i + 3 < points.count; i += 3) {
-        sink.CubicTo(points[i], points[i + 1], points[i + 2]);
+        out.CubicTo(points[i], points[i + 1], points[i + 2]);
     }
 }
 
 /// The curves of one polygon.
-void SendCurves(std::span<const uint8_t> records, GeometrySink& sink) {
+void AddCurves(std::span<const uint8_t> records, Geometry& out) {
     while (records.size() >= kCurveHeader) {
         const Points points{records.data() + kCurveHeader, Read16(records.data() + 2)};
         const size_t length = kCurveHeader + points.count * kPointBytes;
@@ -62,14 +62,14 @@ void SendCurves(std::span<const uint8_t> records, GeometrySink& sink) {
         switch (Read16(records.data())) {
         case kLines:
             for (size_t i = 0; i < points.count; ++i) {
-                sink.LineTo(points[i]);
+                out.LineTo(points[i]);
             }
             break;
         case kQuadratics:
-            SendQuadratics(points, sink);
+            AddQuadratics(points, out);
             break;
         case kCubics:
-            SendCubics(points, sink);
+            AddCubics(points, out);
             break;
         default:
             break;
@@ -80,16 +80,16 @@ void SendCurves(std::span<const uint8_t> records, GeometrySink& sink) {
 
 } // namespace
 
-void SendGlyphRecords(std::span<const uint8_t> records, GeometrySink& sink) {
+void AddGlyphRecords(std::span<const uint8_t> records, Geometry& out) {
     while (records.size() >= kPolygonHeader) {
         const size_t length = Read32(records.data());
         if (length < kPolygonHeader || length > records.size()) {
             return;
         }
         if (Read32(records.data() + 4) == kPolygonType) {
-            sink.BeginFigure(ReadPoint(records.data() + kPolygonStart));
-            SendCurves(records.subspan(kPolygonHeader, length - kPolygonHeader), sink);
-            sink.EndFigureClose();
+            out.BeginFigure(ReadPoint(records.data() + kPolygonStart));
+            AddCurves(records.subspan(kPolygonHeader, length - kPolygonHeader), out);
+            out.EndFigureClose();
         }
         records = records.subspan(length);
     }

@@ -5,12 +5,12 @@
 
 #include <span>
 
-#include "../Geometry/GeometrySink.h"
+#include "../Geometry/Geometry.h"
 
 namespace Graphics {
 
-/// Sends each polygon as a closed figure. Of records that are cut off or lie about their length, what comes before is
-/// sent, and nothing outside the span is read.
-void SendGlyphRecords(std::span<const uint8_t> records, GeometrySink& sink);
+/// Adds each polygon as a closed figure. Of records that are cut off or lie about their length, what comes before is
+/// added, and nothing outside the span is read.
+void AddGlyphRecords(std::span<const uint8_t> records, Geometry& out);
 
 } // namespace Graphics

@@ -731,9 +731,9 @@ GX_API GXResult GXGeometryRoundRectangle(GXGeometry geometry, const GXRect* rect
  * GXResultUnexpectedError when memory runs out. */
 GX_API GXResult GXGeometryCopy(GXGeometry geometry, GXGeometry* outGeometry) GX_NOEXCEPT;
 
-/** Replays the finished figures into `callbacks`: the fill rule first, then figure by figure. The callbacks may not
- * change the geometry. GXResultInvalidArgument when `geometry` or `callbacks` is null; GXResultEngineError and
- * GXResultUnexpectedError as stated at the top. */
+/** Sends the finished figures to `callbacks`, the fill rule first. What the callbacks do to the geometry (they may also
+ * release it) changes nothing of what is sent. GXResultInvalidArgument when `geometry` or `callbacks` is null;
+ * GXResultEngineError and GXResultUnexpectedError as stated at the top. */
 GX_API GXResult GXGeometrySendToSink(GXGeometry geometry, const GXGeometrySinkCallbacks* callbacks) GX_NOEXCEPT;
 
 /** Makes a new geometry from the finished figures with every point mapped by `matrix` (null: identity).

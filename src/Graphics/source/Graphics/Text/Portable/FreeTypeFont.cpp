@@ -42,11 +42,11 @@ double UnitsOf(FT_Face face, int32_t height) noexcept {
 /// How much synthetic bold adds to stems and advances, in font units.
 FT_Pos BoldStrength(FT_Face face) noexcept { return face->units_per_EM / 24; }
 
-/// Sends an outline in font units, its coordinates doubled.
+/// Adds an outline in font units, its coordinates doubled.
 class OutlineWalk {
 public:
-    OutlineWalk(GeometrySink& sink, const double (&matrix)[4], double scale) noexcept
-        : m_sink(sink), m_xx(matrix[0] * scale), m_xy(matrix[1] * scale), m_yx(matrix[2] * scale),
+    OutlineWalk(Geometry& out, const double (&matrix)[4], double scale) noexcept
+        : m_out(out), m_xx(matrix[0] * scale), m_xy(matrix[1] * scale), m_yx(matrix[2] * scale),
           m_yy(matrix[3] * scale) {}
 
     void Run(FT_Outline& outline) {
@@ -54,13 +54,13 @@ public:
         constexpr int kDoubled = 1;
         const FT_Outline_Funcs calls{
             [](const FT_Vector* to, void* self) { return Call(self, [=](auto& w) { w.Move(w.At(to)); }); },
-            [](const FT_Vector* to, void* self) { return Call(self, [=](auto& w) { w.m_sink.LineTo(w.At(to)); }); },
+            [](const FT_Vector* to, void* self) { return Call(self, [=](auto& w) { w.m_out.LineTo(w.At(to)); }); },
             [](const FT_Vector* control, const FT_Vector* to, void* self) {
                 // Not the exact cubic of the quadratic: the same curve on every platform.
-                return Call(self, [=](auto& w) { w.m_sink.CubicTo(w.At(control), w.At(to), w.At(to)); });
+                return Call(self, [=](auto& w) { w.m_out.CubicTo(w.At(control), w.At(to), w.At(to)); });
             },
             [](const FT_Vector* c1, const FT_Vector* c2, const FT_Vector* to, void* self) {
-                return Call(self, [=](auto& w) { w.m_sink.CubicTo(w.At(c1), w.At(c2), w.At(to)); });
+                return Call(self, [=](auto& w) { w.m_out.CubicTo(w.At(c1), w.At(c2), w.At(to)); });
             },
             kDoubled,
             0,
@@ -72,7 +72,7 @@ public:
         End();
     }
 
-    /// Bounds of the points sent.
+    /// Bounds of the points added.
     [[nodiscard]] const Rect& Box() const noexcept { return m_box; }
 
 private:
@@ -97,17 +97,17 @@ private:
     }
     void Move(const Point& to) {
         End();
-        m_sink.BeginFigure(to);
+        m_out.BeginFigure(to);
         m_open = true;
     }
     void End() {
         if (m_open) {
-            m_sink.EndFigureClose();
+            m_out.EndFigureClose();
         }
         m_open = false;
     }
 
-    GeometrySink& m_sink;
+    Geometry& m_out;
     double m_xx, m_xy, m_yx, m_yy;
     Rect m_box{INFINITY, INFINITY, -INFINITY, -INFINITY};
     bool m_open = false;
@@ -162,7 +162,7 @@ void FreeTypeFont::LookUp(std::span<const uint16_t> text, uint16_t* glyphs) cons
     }
 }
 
-void FreeTypeFont::Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const {
+void FreeTypeFont::Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const {
     metrics = {};
     const std::lock_guard lock(FontLibrary::Lock());
     const FT_Pos bold = m_match.embolden ? BoldStrength(m_face) : 0;
@@ -186,7 +186,7 @@ void FreeTypeFont::Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& met
     if (bold != 0) {
         FT_Outline_Embolden(&outline, bold);
     }
-    OutlineWalk walk(sink, m_match.matrix, m_scale);
+    OutlineWalk walk(out, m_match.matrix, m_scale);
     walk.Run(outline);
     const Rect& box = walk.Box();
     if (box.left <= box.right) {

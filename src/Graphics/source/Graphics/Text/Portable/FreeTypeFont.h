@@ -15,7 +15,7 @@ public:
     ~FreeTypeFont() override;
 
     void LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const override;
-    void Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const override;
+    void Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const override;
 
 private:
     std::shared_ptr<FontLibrary> m_library;

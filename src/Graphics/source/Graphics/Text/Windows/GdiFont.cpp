@@ -38,7 +38,7 @@ void GdiFont::LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const {
     }
 }
 
-void GdiFont::Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics) const {
+void GdiFont::Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const {
     metrics = {};
     constexpr UINT kFormat = GGO_NATIVE | GGO_GLYPH_INDEX;
     constexpr MAT2 kDownwards = {{0, 1}, {0, 0}, {0, 0}, {0, -1}};
@@ -66,7 +66,7 @@ void GdiFont::Outline(uint16_t glyph, GeometrySink& sink, GlyphMetrics& metrics)
     const DWORD read =
         g_system.getGlyphOutline(context.Get(), glyph, kFormat, &known, size, records.data(), &kDownwards);
     if (read != GDI_ERROR) {
-        SendGlyphRecords({records.data(), std::min(read, size)}, sink);
+        AddGlyphRecords({records.data(), std::min(read, size)}, out);
     }
 }
 
