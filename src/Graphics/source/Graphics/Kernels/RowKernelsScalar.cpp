@@ -61,7 +61,7 @@ void SolidRuns(const RowKernels&, uint32_t* first, uint32_t color, const Coverag
             const uint32_t s = run.shape == nullptr ? run.value : run.shape[x - run.x0];
             if (s != 0) {
                 uint32_t& d = first[x - runs[0].x0];
-                d = Over(d, Scale(color, s + 1U));
+                d = Over(d, ScalePixel(color, s + 1U));
             }
         }
     }
