@@ -4,8 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-
-#include "PngWriter.h"
+#include <filesystem>
 
 namespace Gallery {
 
@@ -132,12 +131,7 @@ Picture Canvas::Finish() {
 
 bool Canvas::Save(const std::string& path) {
     const Picture bitmap = Finish();
-    GXBitmapData data;
-    GALLERY_CHECK(GXBitmapLock(bitmap.Get(), nullptr, GXLockRead, &data));
-    const bool written =
-        PdfPage::WritePng(path, static_cast<const uint8_t*>(data.data), m_width, m_height, data.stride, 96.0f, 9);
-    GALLERY_CHECK(GXBitmapUnlock(bitmap.Get()));
-    return written;
+    return GXBitmapSaveToFile(bitmap.Get(), std::filesystem::path(path).wstring().c_str()) == GXResultSuccess;
 }
 
 void DrawLandscape(Canvas& canvas, const GXRect& area) {

@@ -14,7 +14,7 @@
 
 namespace Gallery {
 
-using PdfPage::Handle;
+using Gxr::Handle;
 
 void Check(GXResult result, const char* call);
 #define GALLERY_CHECK(call) ::Gallery::Check(call, #call)
@@ -57,6 +57,7 @@ public:
 
     /// Ends the painting; what was drawn as a bitmap.
     Picture Finish();
+    /// As a PNG. False where the file cannot be written.
     bool Save(const std::string& path);
 
 private:
