@@ -26,7 +26,7 @@ void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t coun
     }
 }
 
-void Expect(const uint32_t*, size_t) noexcept {}
+void Prefetch(const uint32_t*, size_t) noexcept {}
 
 void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) noexcept {
     for (size_t i = 0; i < count; ++i) {

@@ -49,7 +49,7 @@ class SampleGrid {
 public:
     /// Starts a grid with no sample set.
     void Begin(int32_t width, int32_t height);
-    /// Samples [x0, x1) of a row of samples; what lies outside of the grid is left out.
+    /// Sets the samples [x0, x1) of a row of samples; those outside the grid are ignored.
     void Add(int32_t row, int32_t x0, int32_t x1) noexcept;
     [[nodiscard]] const SampleView& View() const noexcept { return m_view; }
 

@@ -57,7 +57,7 @@ void SetRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, cons
     for (int32_t y = r.top; y < r.bottom; ++y) {
         uint32_t* dst = PixelAt(planes, r.left, y);
         if (width >= kExpectedFrom && y + 1 < r.bottom) {
-            kernels.expect(PixelAt(planes, r.left, y + 1), width);
+            kernels.prefetch(PixelAt(planes, r.left, y + 1), width);
         }
         kernels.setOpaque(dst, shape, width);
         shape += shape == nullptr ? 0 : shapeStride;
@@ -105,14 +105,14 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
                 ++i;
             }
             if (i - first > 1) {
-                m_kernels.expect(Pixels(runs[first].x0, y), static_cast<size_t>(runs[i - 1].x1 - runs[first].x0));
+                m_kernels.prefetch(Pixels(runs[first].x0, y), static_cast<size_t>(runs[i - 1].x1 - runs[first].x0));
                 m_joined = m_buffers.color.data();
                 m_source->FillRuns(runs.subspan(first, i - first), y, m_joined);
             }
         }
         for (size_t k = first; k < i; ++k) {
             if (m_isFar && runs[k].shape != nullptr && y + kAhead < m_bounds.bottom) {
-                m_kernels.expect(Pixels(runs[k].x0, y + kAhead), static_cast<size_t>(runs[k].x1 - runs[k].x0));
+                m_kernels.prefetch(Pixels(runs[k].x0, y + kAhead), static_cast<size_t>(runs[k].x1 - runs[k].x0));
             }
             Stretch(y, runs[k].x0, runs[k].x1, runs[k].shape, runs[k].value);
             m_joined += m_joined == nullptr ? 0 : runs[k].x1 - runs[k].x0;
@@ -126,10 +126,10 @@ void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
         const auto n = static_cast<size_t>(run.x1 - run.x0);
         if (run.shape != nullptr) {
             if (m_isFar && y + kAhead < m_bounds.bottom) {
-                m_kernels.expect(Pixels(run.x0, y + kAhead), n);
+                m_kernels.prefetch(Pixels(run.x0, y + kAhead), n);
             }
         } else if (n >= kExpectedRun && y + 1 < m_bounds.bottom) {
-            m_kernels.expect(Pixels(run.x0, y + 1), n);
+            m_kernels.prefetch(Pixels(run.x0, y + 1), n);
         }
     }
     m_kernels.solidRuns(m_kernels, Pixels(runs.front().x0, y), m_solid, runs.data(), runs.size());
@@ -143,7 +143,7 @@ template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint)
     for (int32_t y = r.top; y < r.bottom; ++y) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + stride);
         if (expects && y + 1 < r.bottom) {
-            m_kernels.expect(next, width);
+            m_kernels.prefetch(next, width);
         }
         paint(y, dst, width);
         dst = next;
@@ -352,7 +352,7 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
         if (direct != nullptr) {
             return direct;
         }
-        m_kernels.expect(Pixels(x0, y), count); // its pixels arrive while the colours are found
+        m_kernels.prefetch(Pixels(x0, y), count); // its pixels arrive while the colours are found
         m_source->Fill(x0, x1, y, buffer);
     }
     if (m_opacityMask != nullptr) {
