@@ -82,7 +82,7 @@ void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) {
     });
 }
 
-/// Stores are aligned: an unaligned vector would cross a cache line at every second store or more.
+/// Aligned stores: unaligned ones cross cache lines, vectors of 64 bytes at every store.
 void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
     const auto step = [=](size_t i) { Store(dst + i, Load(src + i * 4) | 0xFF000000U); };
     if (count < kLanes) {

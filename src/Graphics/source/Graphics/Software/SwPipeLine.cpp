@@ -114,7 +114,7 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
             if (m_isFar && runs[k].shape != nullptr && y + kAhead < m_bounds.bottom) {
                 m_kernels.prefetch(Pixels(runs[k].x0, y + kAhead), static_cast<size_t>(runs[k].x1 - runs[k].x0));
             }
-            Stretch(y, runs[k].x0, runs[k].x1, runs[k].shape, runs[k].value);
+            PaintSpan(y, runs[k].x0, runs[k].x1, runs[k].shape, runs[k].value);
             m_joined += m_joined == nullptr ? 0 : runs[k].x1 - runs[k].x0;
         }
         m_joined = nullptr;
@@ -175,7 +175,7 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
         return;
     }
     if (!IsPlain() || !PlainBlock(r)) {
-        ForRows(r, [&](int32_t y, uint32_t*, size_t) { Stretch(y, r.left, r.right, nullptr, 255); });
+        ForRows(r, [&](int32_t y, uint32_t*, size_t) { PaintSpan(y, r.left, r.right, nullptr, 255); });
     }
 }
 
@@ -287,7 +287,7 @@ bool SwPipeLine::Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs)
     return true;
 }
 
-void SwPipeLine::Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value) {
+void SwPipeLine::PaintSpan(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value) {
     if (m_clip == nullptr) {
         Masked(y, x0, x1, shape, value, nullptr);
         return;
