@@ -7,9 +7,9 @@
 // coverage of all further phases is counted. Both routes give the same bytes, because moving by whole samples changes
 // none.
 //
-//     key: shape identity, m00, m01, m10, m11, phase
-//     value: box relative to the whole-pixel position, rows of coverage; phase 64: the samples; 65: how many phases were
-//     rasterized
+//     key:   shape identity, m00, m01, m10, m11, phase
+//     value: box relative to the whole-pixel position, rows of coverage; phase 64: the samples; phase 65: how many
+//            phases were rasterized
 //
 // Invariant: output never depends on the cache's content; a miss computes the bytes that a hit would have found.
 //
