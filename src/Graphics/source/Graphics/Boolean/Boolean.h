@@ -4,13 +4,11 @@
 //   shapes -> EdgeCollector (lines on the grid) -> Scanner (cut, wound, linked) -> ContourTracer (figures)
 //
 // 1. The grid has 2^24 steps from 0 to the largest coordinate that can affect the result. It is the finest grid on
-// which
-//    every point is a float, so the figures written are exactly those that were proved not to cross.
+//    which every point is a float, so the figures written are exactly those that were proved not to cross.
 // 2. The result lies within the box of the operands: of both for an intersection, of the first for a difference. Parts
 //    outside are cut off first, so they cost no time and do not coarsen the grid.
 // 3. If that grid is too coarse for the tolerance, because near and far parts are both in the result, the plane is cut
-// into
-//    cells, each with a grid as fine as the floats in it (CellCombiner).
+//    into cells, each with a grid as fine as the floats in it (CellCombiner).
 // 4. Figures with a non-finite coordinate are ignored.
 #pragma once
 

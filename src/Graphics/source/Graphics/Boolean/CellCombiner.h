@@ -2,21 +2,19 @@
 // Combination for inputs whose far coordinates would make a single grid too coarse for near detail.
 //
 // 1. Bands of x and bands of y (FloatBands) cut the plane into cells. In a cell the grid is even along x and along y,
-// and
-//    no finer than the floats. So everything proved of a Scanner on one grid holds in the cell, and its output are floats.
+//    and no finer than the floats. So everything proved of a Scanner on one grid holds in the cell, and its output are
+//    floats.
 // 2. A line that leaves a cell is cut at the border, at the point of the border's grid nearest to the crossing of the
 //    input line. Both cells get the same point, and deviations of several cells do not add up.
 // 3. For a cell, everything outside is moved to the nearest point of its border. This map is continuous and leaves the
-//    cell unchanged: rings stay closed, and winding numbers inside stay the same. Moved edges are summed into one weight
-//    for each part of the border. The weight changes only where a line meets the border, so there are no more sums than
-//    crossings, however much lies behind the border.
+//    cell unchanged: rings stay closed, and winding numbers inside stay the same. Moved edges are summed into one
+//    weight for each part of the border. The weight changes only where a line meets the border, so there are no more
+//    sums than crossings, however much lies behind the border.
 // 4. Result edges of a cell lie within the closed cell, since every cut point lies in the box of the cut line. So
-// results
-//    of two cells meet only at common borders, where both record what is inside (BorderPuzzle). Nothing crosses, whatever
-//    was rounded in either cell.
+//    results of two cells meet only at common borders, where both record what is inside (BorderPuzzle). Nothing
+//    crosses, whatever was rounded in either cell.
 // 5. A point of the result is off by at most one and a half grid steps along x and along y: that many floats where
-// floats
-//    are coarse, less than the tolerance elsewhere. An input point beyond the even grid keeps its coordinates.
+//    floats are coarse, less than the tolerance elsewhere. An input point beyond the even grid keeps its coordinates.
 //
 // The plane is halved recursively with its content until a single cell is left, or a few edges that meet only at common
 // ends and need no cut. An edge meets at most one border per band. So the time is that of a sweep over all pieces, and

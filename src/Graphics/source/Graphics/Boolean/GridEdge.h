@@ -2,8 +2,8 @@
 // An edge of the plane subdivision during a sweep: 64 bytes, one cache line.
 //
 //   hi   o              The sweep goes from lo to hi, by rows and inside a row from left to right, so `left` of an edge
-//         \             means smaller x. A horizontal edge runs from left to right, with smaller y at its right and larger
-//   left   \   right    y at its left.
+//         \             means smaller x. A horizontal edge runs from left to right, with smaller y at its right and
+//   left   \   right    larger y at its left.
 //           \           Crossing the edge from left to right adds `a` and `b` to the winding numbers of the operands.
 //   lo       o
 #pragma once

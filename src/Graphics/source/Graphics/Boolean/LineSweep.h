@@ -18,9 +18,9 @@ public:
     class Listener {
     public:
         virtual ~Listener() = default;
-        /// Lines meet or end at a point, `at` being the nearest grid point: `through` are those that come to it, from
-        /// left to right, `onward` those that go on or begin there, from left to right. `left` is the line at the left,
-        /// kNone without any. `isEnd`: a line ends or begins there, so `at` is the point itself.
+        /// Lines meet or end at a point; `at` is the nearest grid point. `through` are the lines that reach it and
+        /// `onward` those that continue or begin there, both from left to right. `left` is the line to the left, or
+        /// kNone. `isEnd`: a line ends or begins there, so `at` is the exact point.
         virtual void Meet(const GridPoint& at, bool isEnd, uint32_t left, std::span<const uint32_t> through,
                           std::span<const uint32_t> onward) = 0;
         /// A line touches the segment of a query.

@@ -3,11 +3,11 @@
 // crosses many others: a sweep would stop at every crossing and keep all pieces, most of which are no border.
 //
 // 1. Along an edge, the winding number at its left changes only by the weight of crossed edges. So each edge is
-// processed
-//    separately: its crossings, rounded to the grid and sorted along it, and the winding number where it begins.
+//    processed separately: its crossings, rounded to the grid and sorted along it, and the winding number where it
+//    begins.
 // 2. Rounding preserves the order of points along a line. So distinct points are in their true order, and the winding
-//    numbers between them are exact: the border closes and is off by at most half a grid unit. Where rounded edges cross
-//    or touch, the following sweep cuts them.
+//    numbers between them are exact: the border closes and is off by at most half a grid unit. Where rounded edges
+//    cross or touch, the following sweep cuts them.
 // 3. Of edges that coincide, the one with the smaller index counts as the left one. Their borders then add up to the
 //    border between the areas left and right of all of them, for any order.
 #pragma once

@@ -3,11 +3,11 @@
 // elements of a hundred thousand costs those few and a path of nodes, not a copy of all.
 //
 //            inner          A balanced tree (sibling heights differ by at most 1) whose leaves hold the elements in
-//           /     \         runs of up to kLeaf. Nodes never change; a new sequence takes new leaves where it differs,
-//       inner     leaf      new inner nodes on the way there, and counts one more owner of everything else. Leaves are
-//      /     \   e e e e    cut and refilled whole, which keeps them from crumbling.
+//           /     \         runs of up to kLeaf. Nodes never change; a new sequence has new leaves where it differs and
+//       inner     leaf      inner nodes on the path to them, and shares all other nodes by reference count. Changed
+//      /     \   e e e e    leaves are split and refilled as a whole, which keeps them from becoming too small.
 //   leaf    leaf
-//   e e e   e e e e         T is copyable without throwing and has Left() and Right(), whose extremes every node knows.
+//   e e e   e e e e         T is copyable without throwing; every node stores the extremes of its Left() and Right().
 #pragma once
 
 #include <algorithm>
