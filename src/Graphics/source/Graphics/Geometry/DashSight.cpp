@@ -150,7 +150,8 @@ DashLook DashSight::LookClosely(const Point& a, double dx, double dy, double len
         look.join = turned ? 0.0 : JoinedGap(acrossLength) * length / penLength;
         look.chain = turned || m_round ? kLongestChainGap * m_plan.half * length / penLength : 0.0;
     }
-    // Without culling, every dash may be visible.
+    // Even if the pen reaches everything from everywhere, so that no corner can be culled, only some dashes are
+    // visible.
     if (m_plan.cullDashes && m_certain) {
         Narrow(stripes, m_plan.visiblePixels, from, to);
     }
