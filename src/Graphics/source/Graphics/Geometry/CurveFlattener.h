@@ -45,7 +45,7 @@ public:
         }
     }
 
-    /// The next point before the curve's end; false when only the end point, which the caller knows exactly, is left.
+    /// The next point before the curve's end; false when only the end point, the exact last control point, is left.
     [[nodiscard]] bool Next(Point& out) noexcept {
         if (m_count < 2) {
             return false;

@@ -5,7 +5,7 @@
 
 #include <cmath>
 #include <csetjmp>
-#include <cstdio> // jpeglib.h wants FILE
+#include <cstdio> // jpeglib.h needs FILE
 #include <cstring>
 
 #include <jpeglib.h>
