@@ -93,8 +93,8 @@ void BoxScanner::CountColumns(const Span* spans, size_t count) {
     m_scratch.resize(width);
     m_shapeRows = 0;
     std::memset(m_counts.data(), 0, width);
-    m_stretches.clear();
-    m_stretches.reserve(count);
+    m_columns.clear();
+    m_columns.reserve(count);
     m_runs.reserve(count);
     for (const Span* span = spans; span != spans + count; ++span) {
         const int32_t from = span->from >> 3;
@@ -110,10 +110,10 @@ void BoxScanner::CountColumns(const Span* spans, size_t count) {
             std::memset(counts + 1, 8, pixels - 2);
             add(pixels - 1, ((span->to - 1) & 7) + 1);
         }
-        if (!m_stretches.empty() && from - m_stretches.back().to <= kShortGap) {
-            m_stretches.back().to = to;
+        if (!m_columns.empty() && from - m_columns.back().to <= kShortGap) {
+            m_columns.back().to = to;
         } else {
-            m_stretches.push_back({from, to});
+            m_columns.push_back({from, to});
         }
     }
 }
@@ -129,7 +129,7 @@ void BoxScanner::SendRows(RasterizationSink& sink, int32_t from, int32_t to, int
     }
     const auto setRuns = [&](uint8_t* shape) {
         m_runs.clear();
-        for (const Stretch& s : m_stretches) {
+        for (const Columns& s : m_columns) {
             m_runs.push_back({s.from, s.to, shape + (s.from - m_left), 0});
         }
     };

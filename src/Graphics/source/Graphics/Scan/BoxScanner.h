@@ -23,7 +23,7 @@ public:
     void Trim() noexcept {
         m_boxes.Trim();
         m_spans.Trim();
-        m_stretches.Trim();
+        m_columns.Trim();
     }
 
 private:
@@ -37,7 +37,7 @@ private:
         Span y;
     };
     /// In pixels.
-    struct Stretch {
+    struct Columns {
         int32_t from;
         int32_t to;
     };
@@ -46,11 +46,11 @@ private:
     void SendRows(RasterizationSink& sink, int32_t from, int32_t to, int32_t subRows);
 
     HeapArray<Box> m_boxes;
-    HeapArray<Span> m_spans;        // along the row or column, ascending and disjoint
-    HeapArray<Stretch> m_stretches; // columns with coverage, including short gaps
-    HeapArray<uint8_t> m_counts;    // covered sub columns of each pixel from m_left on
-    HeapArray<uint8_t> m_shape;     // bytes of a row with m_shapeRows sub rows
-    HeapArray<uint8_t> m_scratch;   // the copy given to a sink, which may change it
+    HeapArray<Span> m_spans;      // along the row or column, ascending and disjoint
+    HeapArray<Columns> m_columns; // columns with coverage, including short gaps
+    HeapArray<uint8_t> m_counts;  // covered sub columns of each pixel from m_left on
+    HeapArray<uint8_t> m_shape;   // bytes of a row with m_shapeRows sub rows
+    HeapArray<uint8_t> m_scratch; // the copy given to a sink, which may change it
     HeapArray<CoverageRun> m_runs;
     Span m_clipX{};
     Span m_clipY{};

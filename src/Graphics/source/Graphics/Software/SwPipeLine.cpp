@@ -13,9 +13,9 @@ namespace {
 constexpr int32_t kMaskChunk = 1024;
 
 /// Shorter rows follow each other so closely that prefetching the next one only costs time.
-constexpr size_t kExpectedFrom = 64;
+constexpr size_t kPrefetchFrom = 64;
 /// The limit for runs between a shape's edges, which may lie elsewhere in the next row.
-constexpr size_t kExpectedRun = 256;
+constexpr size_t kPrefetchRun = 256;
 
 /// On targets from this size on, pixels at a shape's edges are prefetched some rows ahead, near where the edges will
 /// be. On cached targets this would cost small shapes a few hundredths of their time.
@@ -56,7 +56,7 @@ void SetRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, cons
     const auto width = static_cast<size_t>(r.right - r.left);
     for (int32_t y = r.top; y < r.bottom; ++y) {
         uint32_t* dst = PixelAt(planes, r.left, y);
-        if (width >= kExpectedFrom && y + 1 < r.bottom) {
+        if (width >= kPrefetchFrom && y + 1 < r.bottom) {
             kernels.prefetch(PixelAt(planes, r.left, y + 1), width);
         }
         kernels.setOpaque(dst, shape, width);
@@ -128,7 +128,7 @@ void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
             if (m_isFar && y + kAhead < m_bounds.bottom) {
                 m_kernels.prefetch(Pixels(run.x0, y + kAhead), n);
             }
-        } else if (n >= kExpectedRun && y + 1 < m_bounds.bottom) {
+        } else if (n >= kPrefetchRun && y + 1 < m_bounds.bottom) {
             m_kernels.prefetch(Pixels(run.x0, y + 1), n);
         }
     }
@@ -138,11 +138,11 @@ void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
 template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint) const {
     const auto width = static_cast<size_t>(r.right - r.left);
     const ptrdiff_t stride = m_target.colorStride;
-    const bool expects = width >= kExpectedFrom;
+    const bool prefetches = width >= kPrefetchFrom;
     uint32_t* dst = Pixels(r.left, r.top);
     for (int32_t y = r.top; y < r.bottom; ++y) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + stride);
-        if (expects && y + 1 < r.bottom) {
+        if (prefetches && y + 1 < r.bottom) {
             m_kernels.prefetch(next, width);
         }
         paint(y, dst, width);
