@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Memory of one draw call: objects are made one after another and end together at Reset, which keeps the blocks. Once
-// warm, drawing takes nothing from the heap.
+// Memory of one draw call: objects are allocated one after another and end together at Reset, which keeps the blocks.
+// So after the first draws, drawing allocates nothing from the heap.
 #pragma once
 
 #include <new>
@@ -18,7 +18,7 @@ public:
     Arena& operator=(const Arena&) = delete;
     ~Arena();
 
-    /// Uninitialised, aligned to 64 bytes; lives until Reset.
+    /// Uninitialised and aligned to 64 bytes; valid until Reset.
     [[nodiscard]] void* Alloc(size_t bytes);
 
     template <class T> [[nodiscard]] T* AllocArray(size_t count) {
@@ -26,7 +26,7 @@ public:
         return static_cast<T*>(Alloc(count > SIZE_MAX / 2 / sizeof(T) ? SIZE_MAX / 2 : count * sizeof(T)));
     }
 
-    /// Makes an object; its destructor runs at Reset, in reverse order.
+    /// Creates an object; destructors run at Reset, in reverse order.
     template <class T, class... Args> [[nodiscard]] T* Make(Args&&... args) {
         if constexpr (std::is_trivially_destructible_v<T>) {
             return new (Alloc(sizeof(T))) T(std::forward<Args>(args)...);
@@ -39,7 +39,7 @@ public:
         }
     }
 
-    /// Ends every object. Blocks are kept up to a total of `keepBytes`.
+    /// Ends every object. Keeps blocks up to a total of `keepBytes`.
     void Reset(size_t keepBytes = 1U << 20) noexcept;
 
 private:
@@ -50,18 +50,18 @@ private:
     };
     struct Block {
         Block* next;
-        size_t size; // bytes behind the header
+        size_t size; // bytes after the header
     };
     static constexpr size_t kHeader = 64;
     static constexpr size_t kBlock = 64U << 10;
 
     Node* m_objects = nullptr;
-    Block* m_used = nullptr;  // the first one is the current block
+    Block* m_used = nullptr;  // the current block is the first
     Block* m_spare = nullptr; // kept from earlier draws
     size_t m_offset = 0;      // in the current block
 };
 
-/// Ends the objects of a draw call, also when it fails.
+/// Ends the objects of a draw call, even if it fails.
 class ArenaScope {
 public:
     explicit ArenaScope(Arena& arena) noexcept : m_arena(arena) {}

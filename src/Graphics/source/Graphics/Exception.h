@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The engine's one exception type, and the one way to raise it.
+// The engine's exception type and the function that raises it.
 #pragma once
 
 #include <stdexcept>
@@ -12,7 +12,7 @@ public:
     virtual ~GraphicsBase() = default;
 };
 
-/// Carries the plain message. Thrown by Raise only, after the diagnostic line went to the log sinks.
+/// Carries the message. Thrown only by Raise, after it has sent the diagnostic line to the log sinks.
 class Exception : public std::runtime_error, public GraphicsBase {
 public:
     explicit Exception(const std::string& message) : std::runtime_error(message) {}
@@ -23,7 +23,7 @@ public:
 
 } // namespace Graphics
 
-/// `function` is the raiser's qualified name, e.g. "Graphics::ProcessHeap::Alloc". Those who read logs look for it, so it is
-/// part of the interface: SwSoftMaskOp, SwNativeBitmapWrapper, CreateBitmapSampler and the Load and Save functions of
-/// Bitmap are names of the log alone.
+/// `function` is the raiser's qualified name, e.g. "Graphics::ProcessHeap::Alloc". Log readers search for it, so it is
+/// part of the interface; SwSoftMaskOp, SwNativeBitmapWrapper, CreateBitmapSampler and Bitmap's Load and Save functions
+/// exist only as log names.
 #define GX_RAISE(function, message) ::Graphics::Raise(function, __FILE__, __LINE__, message)

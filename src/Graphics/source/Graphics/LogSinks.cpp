@@ -4,8 +4,8 @@
 namespace Graphics {
 namespace {
 
-// Made when the library is loaded and not as late as on first use: it has to outlive the static objects of a program
-// that is linked against the library.
+// Created when the library is loaded, not on first use: it must outlive the static objects of a program that is linked
+// against the library.
 [[maybe_unused]] const LogSinks& g_made = LogSinks::Instance();
 
 } // namespace

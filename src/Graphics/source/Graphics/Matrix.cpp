@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What of the matrices must be computed out of line.
+// Matrix functions that must be computed out of line.
 #include "Matrix.h"
 
 namespace Graphics {

@@ -25,23 +25,23 @@ inline constexpr Matrix kIdentity{1.0F, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F};
     return {m.m00 * p.x + m.m10 * p.y + m.m20, m.m01 * p.x + m.m11 * p.y + m.m21};
 }
 
-/// a first, then b.
+/// Applies a first, then b.
 [[nodiscard]] inline Matrix Concat(const Matrix& a, const Matrix& b) noexcept {
     return {a.m00 * b.m00 + a.m01 * b.m10,         a.m00 * b.m01 + a.m01 * b.m11,
             a.m10 * b.m00 + a.m11 * b.m10,         a.m10 * b.m01 + a.m11 * b.m11,
             a.m20 * b.m00 + a.m21 * b.m10 + b.m20, a.m20 * b.m01 + a.m21 * b.m11 + b.m21};
 }
 
-/// An inverse before it is rounded to floats.
+/// An inverse before rounding to floats.
 struct InverseMap {
     double a, b, c, d, e, f; ///< x' = a x + c y + e, y' = b x + d y + f
 
-    /// False when there is no finite inverse; the map is then left as it was.
+    /// False if there is no finite inverse; the map is then unchanged.
     [[nodiscard]] bool Set(const Matrix& m) noexcept;
 };
 
-/// False when the matrix has no finite inverse; `out` is then left as it was. Computed in double, rounded once. Not
-/// inline: where GCC 12 vectorised it into its caller, the caller went on with elements that were not rounded.
+/// False if there is no finite inverse; `out` is then unchanged. Computed in double and rounded once. Not inline: GCC
+/// 12 vectorised it into a caller, which then used elements that were not rounded.
 [[nodiscard]] bool Invert(const Matrix& m, Matrix& out) noexcept;
 
 /// The min/max box of the four mapped corners.

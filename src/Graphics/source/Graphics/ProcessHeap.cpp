@@ -31,7 +31,7 @@ void Count(size_t bytes, int64_t sign) noexcept {
     }
 }
 
-// Sizes from here on are those of blocks (SpareBlocks::Rounded).
+// From here on sizes are those of blocks (SpareBlocks::Rounded).
 
 [[nodiscard]] void* New(size_t size) noexcept {
     return IsOfSystem(size) ? SystemPages::Alloc(size)
@@ -74,7 +74,7 @@ void Give(void* block, size_t bytes) noexcept {
     }
 }
 
-/// False where the block is not the system's, or will not be.
+/// False if the block is not the system's, or the resized block would not be.
 [[nodiscard]] bool Resizes(const void* block, size_t bytes, size_t newBytes) noexcept {
     return block != nullptr && newBytes <= SIZE_MAX / 2 && IsOfSystem(SpareBlocks::Rounded(bytes)) &&
            IsOfSystem(SpareBlocks::Rounded(newBytes));

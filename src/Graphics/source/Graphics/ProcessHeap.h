@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The allocator of large working buffers: pixels, paths, scan-line storage. Every failure is the engine error
-// "Not enough memory". Aligned blocks are freed by their size; from kSystemBytes on they come straight from the system,
-// and the large ones go straight back, so that a heap never keeps the gaps that pixels leave; a few of middle size wait
-// for the next call (SpareBlocks). A test may make the nth allocation fail, and read what aligned blocks are held.
+// The allocator of large working buffers: pixels, paths, scan-line storage. Every failure is the engine error "Not
+// enough memory". (1) Aligned blocks are freed with their size. (2) From kSystemBytes on they are allocated directly
+// from the system, and large ones are returned to it at once, so that pixel buffers do not fragment the heap; a few of
+// middle size wait for reuse (SpareBlocks). (3) Tests can make the nth allocation fail and count the aligned blocks
+// held.
 #pragma once
 
 #include <algorithm>
@@ -15,40 +16,40 @@ namespace Graphics {
 
 class ProcessHeap {
 public:
-    /// Smaller aligned blocks come from the C++ allocator. A page fault for every 4 KB is a small share of what it
-    /// takes to fill a megabyte, and a large one of what it takes to fill less.
+    /// Smaller aligned blocks come from the C++ allocator. A page fault per 4 KB is cheap compared with filling a
+    /// megabyte, but not with filling less.
     static constexpr size_t kSystemBytes = size_t{1} << 20;
 
-    /// What an array that a target fills again and again keeps after painting: enough for nearly all that is drawn.
+    /// The size that a target's reused arrays keep after painting; it suffices for nearly all drawing.
     static constexpr size_t kWorkingBytes = size_t{128} << 10;
 
     [[nodiscard]] static void* Alloc(size_t bytes);
     /// Aligned to 64 bytes (a cache line, and the widest vector).
     [[nodiscard]] static void* AllocAligned(size_t bytes);
-    /// The same, every byte 0: for a large block without touching it.
+    /// AllocAligned with every byte 0; a large block is zeroed without being touched.
     [[nodiscard]] static void* AllocZeroed(size_t bytes);
-    /// Another size for an aligned block (null: none yet, of 0 bytes). The first `keptBytes` are kept; on failure the
-    /// block is as it was.
+    /// Resizes an aligned block (null: none yet, 0 bytes). Keeps the first `keptBytes`; on failure the block is
+    /// unchanged.
     [[nodiscard]] static void* ReallocAligned(void* block, size_t bytes, size_t newBytes, size_t keptBytes);
     [[nodiscard]] static void* Realloc(void* block, size_t bytes);
     static void Free(void* block) noexcept;
-    /// `bytes` as they were asked for; null is nothing.
+    /// `bytes` is the size requested; null is ignored.
     static void FreeAligned(void* block, size_t bytes) noexcept;
 
-    /// Bytes of the aligned blocks that are held, and how many of them came straight from the system.
+    /// Bytes of the aligned blocks held, and how many of the blocks came directly from the system.
     struct Held {
         int64_t bytes;
         int64_t systemBytes;
     };
     [[nodiscard]] static Held AlignedHeld() noexcept;
 
-    /// Grows a block that is filled from the front and, downwards, from the back: the last `tailBytes` move to the new
-    /// end. `size` is updated. Grows by the largest of the shortfall rounded up to 8, the current size, and 8.
+    /// Grows a block that is filled from both ends: the last `tailBytes` move to the new end. Grows by the largest of
+    /// the shortfall rounded up to 8, the current size, and 8, and updates `size`.
     [[nodiscard]] static void* GrowTwoEnded(void* block, size_t& size, size_t tailBytes, size_t freeBytes,
                                             size_t neededBytes);
 
-    /// For tests: fail the allocation after `count` further ones; negative switches off. Returns the allocations so
-    /// far.
+    /// For tests: fails the allocation after the next `count`; a negative count switches this off. Returns the number
+    /// of allocations so far.
     static int64_t FailAfter(int64_t count) noexcept;
 };
 
@@ -100,20 +101,20 @@ public:
             Grow(n);
         }
     }
-    /// New values are not initialised.
+    /// New values are uninitialised.
     void resize(size_t n) {
         reserve(n);
         m_size = n;
     }
-    /// Gives the memory back.
+    /// Frees the memory.
     void Release() noexcept { HeapArray().Swap(*this); }
-    /// The same, where it is more than what is worth keeping for later pages.
+    /// Frees the memory if it is larger than kWorkingBytes.
     void Trim() noexcept {
         if (m_capacity * sizeof(T) > ProcessHeap::kWorkingBytes) {
             Release();
         }
     }
-    /// As resize, with nothing kept and no more memory than asked for where a block of the system's would be larger.
+    /// As resize, but keeps no content, and blocks large enough for the system allocator get no spare capacity.
     void Remake(size_t n) {
         const bool large = std::max(n, m_capacity) * sizeof(T) >= ProcessHeap::kSystemBytes;
         if (n > m_capacity || (large && n < m_capacity)) {
@@ -128,7 +129,7 @@ private:
         capacity = capacity < 16 ? 16 : capacity;
         capacity = capacity < n ? n : capacity;
         if (capacity > (SIZE_MAX / 2) / sizeof(T)) {
-            capacity = SIZE_MAX / sizeof(T); // refused below
+            capacity = SIZE_MAX / sizeof(T); // the allocation below refuses it
         }
         SetCapacity(capacity, m_size);
     }

@@ -14,7 +14,7 @@ struct Spare {
 };
 
 std::mutex g_mutex;
-Spare g_spares[SpareBlocks::kKeptBytes / SpareBlocks::kLeastBytes]; // the oldest first
+Spare g_spares[SpareBlocks::kKeptBytes / SpareBlocks::kLeastBytes]; // oldest first
 size_t g_count = 0;
 size_t g_bytes = 0;
 bool g_closed = false;
@@ -34,7 +34,8 @@ void DropAll() noexcept {
     }
 }
 
-/// The library may be unloaded before the process ends. What is freed still later waits for nothing.
+/// Frees the blocks when the library is unloaded, which may be before the process ends. Blocks freed later are not
+/// kept.
 struct Sweeper {
     ~Sweeper() {
         const std::scoped_lock lock(g_mutex);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Working memory that was given back a moment ago and is about to be asked for again.
+// Recently freed working memory, kept for reuse.
 //
-// Arrays of edges, events and rows grow to some hundred KB within a call and are freed at its end. A heap gives such
-// memory back to the system at once when it lies at its end, and takes it again, page by page, in the next call: up to
-// a third of the time of a combination. So the last blocks that were freed wait here, for the whole process.
+// Arrays of edges, events and rows grow to some hundred KB within a call and are freed at its end. A heap returns such
+// memory to the system if it lies at the heap's end, and faults it in again in the next call: up to a third of the time
+// of a combination. So the process keeps the last blocks freed.
 //
-// Blocks are of classes, eight to an octave, so that arrays of about the same length find each other's.
+// Sizes are rounded to classes, eight per octave, so that arrays of similar length reuse each other's blocks.
 #pragma once
 
 #include <cstddef>
@@ -14,13 +14,13 @@ namespace Graphics {
 
 class SpareBlocks {
 public:
-    /// Below, blocks cost a heap little; above, they are pixels, or what fills them costs much more than the pages.
+    /// Smaller blocks cost a heap little; larger ones are pixels, or take much longer to fill than to page in.
     static constexpr size_t kLeastBytes = size_t{1} << 16;
     static constexpr size_t kMostBytes = size_t{1} << 22;
-    /// All that wait together.
+    /// Total size of the waiting blocks.
     static constexpr size_t kKeptBytes = size_t{1} << 23;
 
-    /// The bytes to ask a heap for: those of the class.
+    /// The size of the class, to request from a heap.
     [[nodiscard]] static size_t Rounded(size_t bytes) noexcept {
         if (bytes < kLeastBytes || bytes > kMostBytes) {
             return bytes;
@@ -32,14 +32,13 @@ public:
         return (bytes + step - 1) / step * step;
     }
 
-    /// A block of `bytes`, rounded; null where none waits.
+    /// A waiting block of `bytes`, rounded; null if there is none.
     [[nodiscard]] static void* Take(size_t bytes) noexcept;
-    /// Keeps a block of `bytes`, rounded, and calls free(block, bytes) for those that waited longest and for which
-    /// there is no room any more.
+    /// Keeps a block of `bytes`, rounded; calls free(block, bytes) for the oldest blocks that no longer fit.
     static void Keep(void* block, size_t bytes, void (*free)(void*, size_t) noexcept) noexcept;
 
     static void Drop() noexcept;
-    /// Bytes that wait.
+    /// Total bytes of the waiting blocks.
     [[nodiscard]] static size_t Waiting() noexcept;
 
     [[nodiscard]] static bool Keeps(size_t bytes) noexcept { return bytes >= kLeastBytes && bytes <= kMostBytes; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Memory straight from the system, page by page, for blocks so large that a heap would be torn apart by them. Every
-// page is zero when it is first read, costs nothing before, and is the system's again as soon as it is freed.
+// Memory directly from the system, in pages, for blocks so large that they would fragment a heap. A page is zero, costs
+// nothing until it is first accessed, and returns to the system as soon as it is freed.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +9,12 @@ namespace Graphics {
 
 class SystemPages {
 public:
-    /// Null when there is no memory. `bytes` is not 0.
+    /// Null if there is no memory. `bytes` must not be 0.
     [[nodiscard]] static void* Alloc(size_t bytes) noexcept;
-    /// `bytes` as they were asked for.
+    /// `bytes` is the size requested.
     static void Free(void* block, size_t bytes) noexcept;
-    /// Another size, at another place if need be: the contents up to the smaller size are kept without being copied
-    /// where the system can do that. Null, with the block as it was, when there is no memory.
+    /// Resizes a block, moving it if necessary. Keeps the contents up to the smaller size, without copying if the
+    /// system supports that. Returns null, with the block unchanged, if there is no memory.
     [[nodiscard]] static void* Resize(void* block, size_t bytes, size_t newBytes) noexcept;
 };
 

@@ -8,12 +8,12 @@ namespace {
 
 constexpr double kPi = 0x1.921fb54442d18p+1;
 
-// Pi / 2 in three parts. The first two have 33 bits, so that their products with a count below 2^20 are exact.
+// Pi / 2 in three parts. The first two have 33 bits, so that their products with an integer below 2^20 are exact.
 constexpr double kHalfPi1 = 0x1.921fb544p+0;
 constexpr double kHalfPi2 = 0x1.0b4611a6p-34;
 constexpr double kHalfPi3 = 0x1.3198a2e037073p-69;
 
-/// Taylor's series, highest power first, by Horner's rule in z.
+/// Taylor series, highest power first, by Horner's rule in z.
 template <int Count> [[nodiscard]] double Series(const double (&terms)[Count], double z) noexcept {
     double sum = terms[0];
     for (int i = 1; i < Count; ++i) {
@@ -22,16 +22,16 @@ template <int Count> [[nodiscard]] double Series(const double (&terms)[Count], d
     return sum;
 }
 
-// On [-pi / 4, pi / 4] the first term left out is below 2^-58 of the sum.
+// On [-pi / 4, pi / 4] the first omitted term is below 2^-58 of the sum.
 constexpr double kSine[] = {0x1.952c77030ad4ap-49,  -0x1.ae7f3e733b81fp-41, 0x1.6124613a86d09p-33,
                             -0x1.ae64567f544e4p-26, 0x1.71de3a556c734p-19,  -0x1.a01a01a01a01ap-13,
                             0x1.1111111111111p-7,   -0x1.5555555555555p-3};
 constexpr double kCosine[] = {0x1.ae7f3e733b81fp-45,  -0x1.93974a8c07c9dp-37, 0x1.1eed8eff8d898p-29,
                               -0x1.27e4fb7789f5cp-22, 0x1.a01a01a01a01ap-16,  -0x1.6c16c16c16c17p-10,
                               0x1.5555555555555p-5};
-// On [-1 / 16, 1 / 16].
+// Valid on [-1 / 16, 1 / 16].
 constexpr double kArc[] = {1.0 / 13, -1.0 / 11, 1.0 / 9, -1.0 / 7, 1.0 / 5, -1.0 / 3};
-// Angles whose tangent is a multiple of 1 / 8.
+// Angles whose tangents are the multiples of 1 / 8.
 constexpr double kEighths[] = {0.0,
                                0x1.fd5ba9aac2f6ep-4,
                                0x1.f5b75f92c80ddp-3,
@@ -79,7 +79,7 @@ double Angle(double y, double x) noexcept {
     // atan(less / more) = atan(k / 8) + atan((less - k / 8 more) / (more + k / 8 less))
     const double eighths = std::floor(less / more * 8.0 + 0.5);
     if (!(eighths >= 0.0 && eighths <= 8.0)) {
-        return std::nan(""); // of NaN, and of two infinities
+        return std::nan(""); // NaN arguments, or two infinities
     }
     const double share = eighths * 0.125;
     const double t = (less - share * more) / (more + share * less);

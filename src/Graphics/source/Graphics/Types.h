@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The plain records that the engine shares with the C interface, and the one place that converts floats to integers.
+// Plain records shared by the engine and the C interface, and the only conversion from floats to integers.
 #pragma once
 
 #include <cmath>
@@ -28,7 +28,7 @@ using Color = GXColor;
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
 
-/// Truncates toward zero; NaN gives 0, values outside the range give the nearer end.
+/// Truncates toward zero; NaN gives 0, and values out of range give the nearer limit.
 [[nodiscard]] inline int32_t SaturatingTruncate(float v) noexcept {
     if (!(v > -2147483648.0F)) {
         return std::isnan(v) ? 0 : std::numeric_limits<int32_t>::min();

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Text between UTF-16, or 32-bit code points, and UTF-8.
+// Conversion between UTF-16 or 32-bit code points and UTF-8.
 #pragma once
 
 #include <cstdint>
 
 namespace Graphics {
 
-/// True for halves of surrogate pairs, which are no characters.
+/// True for surrogates, which are not characters.
 [[nodiscard]] inline bool IsSurrogate(uint32_t c) noexcept { return c >> 11 == 0x1B; }
 
-/// Steps over one code point of null-terminated text in units of 16 or 32 bits; a lone surrogate is given as it is.
+/// Reads one code point of null-terminated text in units of 16 or 32 bits; a lone surrogate is returned unchanged.
 template <class Unit> [[nodiscard]] uint32_t NextCodePoint(const Unit*& text) noexcept {
     auto c = static_cast<uint32_t>(*text++);
     if constexpr (sizeof(Unit) == 2) {
@@ -23,10 +23,10 @@ template <class Unit> [[nodiscard]] uint32_t NextCodePoint(const Unit*& text) no
     return c;
 }
 
-/// `c` is at most 0x10FFFF.
+/// `c` must be at most 0x10FFFF.
 template <class String> void AppendUtf8(String& text, uint32_t c) {
     const auto add = [&](uint32_t byte) { text.push_back(static_cast<typename String::value_type>(byte)); };
-    // The first byte's upper bits say how many follow with six bits each.
+    // The first byte's upper bits give the number of following bytes, which hold six bits each.
     constexpr uint32_t kLead[4] = {0, 0xC0, 0xE0, 0xF0};
     const uint32_t following = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
     add(kLead[following] | c >> 6 * following);

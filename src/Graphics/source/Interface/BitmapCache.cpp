@@ -6,7 +6,7 @@
 namespace Graphics {
 namespace {
 
-// Made when the library is loaded at the latest, so that it outlives a program's static objects.
+// Created when the library is loaded, so that it outlives a program's static objects.
 [[maybe_unused]] const BitmapCache& g_made = BitmapCache::Shared();
 
 } // namespace
@@ -45,7 +45,7 @@ uint32_t BitmapCache::Put(GXBitmap bitmap, const Size& size, GXPixelFormat forma
     const auto entry = fresh.begin();
     const std::lock_guard lock(m_mutex);
     uint32_t ticket = m_lastTicket + 1;
-    while (!m_byTicket.emplace(ticket, entry).second) { // the counter has wrapped, and this one is still in use
+    while (!m_byTicket.emplace(ticket, entry).second) { // the counter has wrapped, and this ticket is in use
         ++ticket;
     }
     m_lastTicket = entry->ticket = ticket;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The process-wide table from tickets to bitmap handles under a budget of bytes. It keeps bare handles: it neither
-// acquires nor releases them, and never looks into one after the put.
+// The process-wide table from tickets to bitmap handles, limited by a byte budget. It stores bare handles: it neither
+// acquires nor releases them, and does not access their bitmaps after Put.
 #pragma once
 
 #include <atomic>
@@ -13,7 +13,7 @@
 
 namespace Graphics {
 
-/// Any thread may call.
+/// Callable from any thread.
 class BitmapCache {
 public:
     static constexpr uint64_t kDefaultQuota = 40ULL << 20;
@@ -24,20 +24,20 @@ public:
 
     [[nodiscard]] static BitmapCache& Shared() noexcept;
 
-    /// Drops the oldest entries until the rest fit.
+    /// Drops the oldest entries until the others fit.
     void SetQuota(uint64_t bytes);
     [[nodiscard]] uint64_t Quota() const noexcept { return m_quota.load(std::memory_order_relaxed); }
     [[nodiscard]] uint64_t InUse() const noexcept { return m_inUse.load(std::memory_order_relaxed); }
 
-    /// The new entry's ticket, 1 for the first. Oldest entries are dropped while the new one does not fit; one larger
-    /// than the quota stays alone. Nothing is changed when memory runs out.
+    /// Returns the new entry's ticket, 1 for the first. Drops the oldest entries until the new one fits; one larger
+    /// than the quota is kept alone. If memory runs out, nothing changes.
     [[nodiscard]] uint32_t Put(GXBitmap bitmap, const Size& size, GXPixelFormat format);
-    /// Null when the ticket is unknown. The entry does not become younger.
+    /// Null if the ticket is unknown. The entry's age does not change.
     [[nodiscard]] GXBitmap Get(uint32_t ticket) const;
-    /// An unknown ticket changes nothing.
+    /// An unknown ticket has no effect.
     void Remove(uint32_t ticket);
 
-    /// Bytes that an entry counts for: the rows without padding.
+    /// The size that an entry counts for: its rows without padding.
     [[nodiscard]] static uint64_t EntryBytes(const Size& size, GXPixelFormat format) noexcept;
 
 private:
@@ -49,10 +49,10 @@ private:
     using Entries = std::list<Entry>;
 
     void Drop(Entries::iterator entry) noexcept;
-    /// Drops the oldest until `more` bytes fit or nothing is left.
+    /// Drops the oldest entries until `more` bytes fit or none is left.
     void MakeRoom(uint64_t more) noexcept;
 
-    mutable std::mutex m_mutex; // guards the rest; the two numbers are written under it and read without
+    mutable std::mutex m_mutex; // guards the other members; the two numbers are written under it and read without it
     std::atomic<uint64_t> m_quota{kDefaultQuota};
     std::atomic<uint64_t> m_inUse{0};
     uint32_t m_lastTicket = 0;

@@ -108,7 +108,7 @@ GXResult GXBitmapNotifyChanged(GXBitmap bitmap) noexcept {
     return Guard([&] { bitmap->object->NotifyChanged(); });
 }
 
-// No back end makes anything of the mark.
+// No back end uses the mark.
 GXResult GXBitmapSetOffscreenPainting(GXBitmap bitmap, uint8_t) noexcept {
     return bitmap == nullptr ? GXResultInvalidArgument : GXResultSuccess;
 }

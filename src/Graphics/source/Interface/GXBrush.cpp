@@ -9,7 +9,7 @@ using namespace Graphics;
 
 namespace {
 
-/// Into [0, 1]; NaN gives 0.
+/// Clamps to [0, 1]; NaN gives 0.
 float ClampUnit(float v) noexcept {
     const float low = v > 0.0F ? v : 0.0F;
     return low < 1.0F ? low : 1.0F;

@@ -142,7 +142,7 @@ GXResult GXGeometrySendToSink(GXGeometry geometry, const GXGeometrySinkCallbacks
         return GXResultInvalidArgument;
     }
     return Guard([&] {
-        const Shape shape = *geometry->object; // the callbacks may add to the geometry, or release it
+        const Shape shape = *geometry->object; // a copy, since the callbacks may extend or release the geometry
         GeometrySinkAdapter adapter(*callbacks);
         shape.Replay(adapter);
     });

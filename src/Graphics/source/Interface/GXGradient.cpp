@@ -10,7 +10,7 @@ using namespace Graphics;
 
 namespace {
 
-/// What the two descriptions have in common.
+/// Sets the fields common to both descriptions.
 template <class Desc> void SetCommon(TwoPointGradientBase& gradient, const Desc& desc) {
     gradient.stops.Add(desc.stops, desc.stopCount);
     gradient.extendStart = desc.extendStart != 0;

@@ -28,6 +28,6 @@ GXResult GXEnableHWAccelerationForThread() noexcept {
 }
 
 GXResult GXLogSetSink(int32_t key, GXLogProc proc, void* context) noexcept {
-    (void)Guard([&] { LogSinks::Instance().Set(key, proc, context); }); // the log never fails a host
+    (void)Guard([&] { LogSinks::Instance().Set(key, proc, context); }); // the log never fails a host's call
     return GXResultSuccess;
 }

@@ -19,7 +19,7 @@ GXResult Combined(const Region& a, const Region& b, uint32_t mode, GXRegion* out
     return Create(out, [&] { return Region::Combine(a, b, static_cast<RegionOp>(mode)); });
 }
 
-/// The answer of a question that needs memory.
+/// Writes the answer of a query that needs memory.
 template <class Question> GXResult Answer(uint8_t* out, const Question& question) noexcept {
     return Guard([&] { *out = question() ? 1 : 0; });
 }
@@ -120,7 +120,7 @@ GXResult GXRegionEnumRects(GXRegion region, GXRegionRectProc proc, void* context
         return GXResultInvalidArgument;
     }
     return Guard([&] {
-        const Region held = region->region; // the callback may release the handle
+        const Region held = region->region; // a copy, since the callback may release the handle
         held.EnumRects([&](const GXIntRect& rect) { proc(context, &rect); });
     });
 }

@@ -9,7 +9,7 @@ using namespace Graphics;
 
 namespace {
 
-/// Runs work(target) for a handle, under the guard.
+/// Runs work(target) under the guard.
 template <class Work> [[nodiscard]] GXResult With(GXRenderTarget handle, Work&& work) noexcept {
     if (handle == nullptr) {
         return GXResultInvalidArgument;

@@ -32,7 +32,7 @@ template <class Work, class... Pointers>
         handle, [&](RenderTarget& t) { t.Fill(BasicFigure(kind, *rect), *brush->object); }, rect, brush);
 }
 
-/// Negative and NaN widths are refused.
+/// Refuses negative and NaN widths.
 [[nodiscard]] GXResult StrokePath(GXRenderTarget handle, const Path& path, GXBrush brush, float width,
                                   const GXStrokeStyle* style) noexcept {
     if (AnyNull(handle, brush) || !(width >= 0.0F)) {
@@ -153,7 +153,7 @@ GXResult GXRenderTargetStretchBitmap(GXRenderTarget renderTarget, GXBitmap bitma
             const Bitmap& b = *bitmap->object;
             GXIntRect from = source == nullptr ? WholeOf(b) : *source;
             GXRect to = *destination;
-            // A reversed source is the same part onto a reversed destination.
+            // A reversed source is replaced by the same part with a reversed destination.
             if (from.left > from.right) {
                 std::swap(from.left, from.right);
                 std::swap(to.left, to.right);

@@ -10,7 +10,7 @@
 
 namespace Graphics {
 
-/// Runs `work`; an engine error gives 5, anything else thrown 9.
+/// Runs `work`; an engine error gives result 5, any other exception 9.
 template <class Work> [[nodiscard]] GXResult Guard(Work&& work) noexcept {
     try {
         std::forward<Work>(work)();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The handle records behind the opaque pointers of the C interface. A record is one owner among others of its object.
+// The handle records behind the opaque pointers of the C interface. A record is one of several owners of its object.
 #pragma once
 
 #include <atomic>
@@ -46,7 +46,8 @@ public:
     const std::shared_ptr<T> object;
 };
 
-// The base sits at the record's own address: a handle is converted to GXObjBase* without knowing its kind.
+// Inheritance is single, so the base has the record's address: a handle converts to GXObjBase* without knowing its
+// kind.
 struct GXBitmapRec_ final : ImplementationHolder<Graphics::Bitmap> {
     using ImplementationHolder::ImplementationHolder;
 };
@@ -65,7 +66,7 @@ struct GXGradientRec_ final : ImplementationHolder<const Graphics::Gradient> {
 struct GXPaletteRec_ final : ImplementationHolder<const Graphics::Palette> {
     using ImplementationHolder::ImplementationHolder;
 };
-/// A region is held by value: nobody else keeps it, and it shares what is large in it by itself.
+/// A region is held by value: the record is its only owner, and copies share their large parts.
 struct GXRegionRec_ final : GXObjBase {
     explicit GXRegionRec_(Graphics::Region held) noexcept : region(std::move(held)) {}
     Graphics::Region region;

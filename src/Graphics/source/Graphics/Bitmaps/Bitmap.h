@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The object behind a bitmap handle: an image in memory, and what the host has said about it.
+// The object behind a bitmap handle: an image in memory with its attributes.
 #pragma once
 
 #include <atomic>
@@ -13,7 +13,8 @@ public:
     /// `image` is not null.
     explicit Bitmap(std::shared_ptr<SysMemBitmap> image) noexcept;
 
-    /// Pixels not cleared. Raises what SysMemBitmap raises. Sizes are taken as signed numbers, by their magnitude.
+    /// The pixels are not cleared. Raises what SysMemBitmap raises. Sizes are read as signed numbers and count by
+    /// magnitude.
     [[nodiscard]] static std::shared_ptr<Bitmap> Create(const GXBitmapDesc& desc);
 
     [[nodiscard]] GXPixelFormat Format() const noexcept override { return m_image->Format(); }
@@ -30,20 +31,19 @@ public:
     /// Null removes the palette.
     void SetPalette(std::shared_ptr<const Palette> palette);
 
-    /// Remembers `mode`; a later lock before the unlock takes its place. All nulls when nothing of the rectangle is
-    /// left.
+    /// Remembers `mode` until Unlock or a later Lock. Returns nulls if the clipped rectangle is empty.
     [[nodiscard]] GXBitmapData Lock(const IntRect* rect, uint32_t mode) noexcept;
-    /// Notifies of a change when the last lock was for writing.
+    /// Notifies of a change if the last lock was for writing.
     void Unlock();
 
     void CopyFromMemory(const IntRect* rect, const GXBitmapData& source);
     void CopyFromBitmap(const IntPoint* origin, const Bitmap& source, const IntRect* sourceRect);
     void ColorFill(const IntRect* rect, const Color& color);
 
-    /// Between these two somebody changes pixels without saying so each time; several may at once.
+    /// Between these two calls a target may change pixels without notification; several targets may at once.
     void StartPainting() noexcept { m_painters.fetch_add(1, std::memory_order_relaxed); }
     void EndPainting();
-    /// Where objects derived from the pixels are kept; null while somebody paints, when they would soon be stale.
+    /// The cache for objects derived from the pixels; null while a target paints, since they would soon be stale.
     [[nodiscard]] CacheHolder* DerivedToKeep() const noexcept {
         return m_painters.load(std::memory_order_relaxed) == 0 ? &Derived() : nullptr;
     }

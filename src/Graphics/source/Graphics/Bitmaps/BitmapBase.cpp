@@ -60,7 +60,7 @@ void BitmapBase::CopyFromBitmap(const IntPoint& origin, const BitmapBase& source
     const PixelView to = View();
     const PixelView from = source.View();
     const IntRect rect = sourceRect != nullptr ? *sourceRect : IntRect{0, 0, from.width, from.height};
-    // In source coordinates the destination reaches from rect.left - origin.x over its own width.
+    // In source coordinates, the destination starts at rect.left - origin.x and has its own width.
     const auto clip = [](int64_t low, int64_t high, int64_t shift, int64_t sourceSize, int64_t destSize) {
         return std::pair{std::max({low, int64_t{0}, -shift}), std::min({high, sourceSize, destSize - shift})};
     };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An image whose pixels lie in memory and can be written.
+// An image with writable pixels in memory.
 #pragma once
 
 #include "BitmapSource.h"
@@ -15,7 +15,7 @@ struct LockedPixels {
 
 class BitmapBase : public BitmapSource {
 public:
-    /// The pixels with the present palette; good until the palette is set anew or the image ends.
+    /// The pixels with the present palette; valid until the palette is replaced or the image ends.
     [[nodiscard]] virtual PixelView View() const noexcept = 0;
 
     virtual void SetPalette(std::shared_ptr<const Palette> palette) = 0;
@@ -23,14 +23,14 @@ public:
     [[nodiscard]] Size GetSize() const noexcept final;
     void CopyToMemory(const IntRect* rect, const GXBitmapData& destination) const final;
 
-    /// The rectangle (all where null) clipped to the image; nulls when nothing is left. Locks do not count or exclude.
+    /// The rectangle (null: all) clipped to the image; nulls if it is empty. Locks are neither counted nor exclusive.
     [[nodiscard]] LockedPixels Lock(const IntRect* rect) const noexcept;
 
-    /// The counterpart of CopyToMemory.
+    /// The inverse of CopyToMemory.
     void CopyFromMemory(const IntRect* rect, const GXBitmapData& source);
 
-    /// Copies `sourceRect` (all where null) to `origin`, converting; what lies outside either image is left out. Both
-    /// may be the same image. Raises "Bad format conversion".
+    /// Copies `sourceRect` (null: all) to `origin` with conversion, clipped to both images, which may be the same.
+    /// Raises "Bad format conversion".
     void CopyFromBitmap(const IntPoint& origin, const BitmapBase& source, const IntRect* sourceRect);
 
     void ColorFill(const IntRect* rect, const Color& color);

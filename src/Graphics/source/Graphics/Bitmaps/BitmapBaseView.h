@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A rectangle of another image, presented as an image without copying.
+// A rectangle of another image as an image, without copying.
 #pragma once
 
 #include "BitmapBase.h"
@@ -8,7 +8,7 @@ namespace Graphics {
 
 class BitmapBaseView final : public BitmapBase {
 public:
-    /// The rectangle is clipped to `base`. Raises "Invalid bitmap dimensions" when nothing is left.
+    /// The rectangle is clipped to `base`. Raises "Invalid bitmap dimensions" if it is then empty.
     BitmapBaseView(std::shared_ptr<BitmapBase> base, const IntRect& rect);
 
     [[nodiscard]] GXPixelFormat Format() const noexcept override { return m_base->Format(); }

@@ -13,7 +13,7 @@ std::shared_ptr<void> CacheHolder::Get(uint32_t key) const {
 
 void CacheHolder::Put(uint32_t key, std::shared_ptr<void> object) {
     const std::lock_guard lock(m_mutex);
-    m_objects[key].swap(object); // parameters end after the lock: the replaced object goes unguarded
+    m_objects[key].swap(object); // the parameter ends after the lock, so the replaced object is released outside it
 }
 
 void CacheHolder::Clear() {

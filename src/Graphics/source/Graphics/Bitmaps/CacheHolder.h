@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What others have made out of an image, kept with the image until its pixels change: converted copies, textures.
+// Objects derived from an image (converted copies, textures), kept with it until its pixels change.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace Graphics {
 
-/// Any thread may call. Derived objects are released outside the mutex, so that their destructors may come back here.
+/// Callable from any thread. Objects are released outside the mutex, so their destructors may call this class.
 class CacheHolder {
 public:
     CacheHolder() = default;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The seam between bitmaps and the platform's own bitmap objects (HBITMAP on Windows; nowhere else).
+// The platform interface for native bitmap objects (HBITMAP on Windows; other platforms have none).
 #pragma once
 
 #include <memory>

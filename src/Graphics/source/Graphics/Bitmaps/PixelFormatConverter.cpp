@@ -33,7 +33,7 @@ void PixelFormatConverter::CopyToMemory(const IntRect* rect, const GXBitmapData&
     const int32_t rows = from.height;
     from.height = 1;
 
-    // A row goes through a buffer, because the destination may end within it.
+    // Rows pass through a buffer, because the destination may hold only part of one.
     HeapArray<uint8_t> row;
     row.resize(RowBytes(m_format, from.width));
     row.data()[row.size() - 1] = 0; // the unused bits of a one-bit row's last byte

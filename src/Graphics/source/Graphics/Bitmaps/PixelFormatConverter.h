@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Another image in another format, converted row by row when it is read.
+// An image in another format, converted row by row when it is read.
 #pragma once
 
 #include "BitmapBase.h"
@@ -8,14 +8,15 @@ namespace Graphics {
 
 class PixelFormatConverter final : public BitmapSource {
 public:
-    /// Raises "Unsupported pixel format." for a number that is no format. Whether the formats convert shows on reading.
+    /// Raises "Unsupported pixel format." for an invalid number. A pair that cannot be converted raises only on
+    /// reading.
     PixelFormatConverter(std::shared_ptr<const BitmapBase> base, GXPixelFormat format);
 
     [[nodiscard]] GXPixelFormat Format() const noexcept override { return m_format; }
     [[nodiscard]] Size GetSize() const noexcept override { return m_base->GetSize(); }
     [[nodiscard]] float DpiX() const noexcept override { return m_base->DpiX(); }
     [[nodiscard]] float DpiY() const noexcept override { return m_base->DpiY(); }
-    /// The base's palette where the format is the base's; converted pixels have none.
+    /// The base's palette if the format is unchanged; converted pixels have none.
     [[nodiscard]] std::shared_ptr<const Palette> GetPalette() const override;
     /// One-bit rows start at the first bit. Raises "Bad format conversion".
     void CopyToMemory(const IntRect* rect, const GXBitmapData& destination) const override;

@@ -9,7 +9,7 @@
 namespace Graphics {
 namespace {
 
-/// Pixels converted at a time where two steps are needed; a multiple of 8, so that bit offsets stay.
+/// Pixels per chunk in conversions of two steps; a multiple of 8, which preserves bit offsets.
 constexpr size_t kChunk = 256;
 
 [[nodiscard]] bool SamePixels(const PixelView& a, const PixelView& b) noexcept {
@@ -23,8 +23,8 @@ constexpr size_t kChunk = 256;
            std::equal(a.palette, a.palette + a.paletteCount, b.palette);
 }
 
-/// The bits of a row between rows that may be the same: pieces are read whole before they are written, and taken from
-/// the end when the destination lies behind the source, as memmove does.
+/// Copies the bits of a row, also within the same row: chunks are read as a whole before they are written, and
+/// processed from the end if the destination lies behind the source, as memmove does.
 void MoveBits(uint8_t* dst, uint32_t dstBit, const uint8_t* src, uint32_t srcBit, size_t count, bool fromEnd) noexcept {
     uint8_t piece[kChunk / 8 + 1];
     const size_t pieces = (count + kChunk - 1) / kChunk;
@@ -61,7 +61,7 @@ public:
           m_premultiply(PixelConversion::Find(GXPixelFormatBGRA32, GXPixelFormatPBGRA32)),
           m_write(PixelConversion::Find(m_direct ? GXPixelFormatBGRA32 : GXPixelFormatPBGRA32, format)) {}
 
-    /// At most kChunk pixels; `colors` may be left premultiplied.
+    /// At most kChunk pixels; `colors` may be overwritten with premultiplied colours.
     void operator()(uint8_t* dst, uint32_t dstBit, uint32_t* colors, size_t count) const {
         auto* bytes = reinterpret_cast<uint8_t*>(colors);
         if (!m_direct) {
@@ -113,7 +113,7 @@ PixelView PixelTransfer::Part(const PixelView& view, const IntRect& rect) noexce
     part.bitOffset = static_cast<uint32_t>(bit & 7);
     part.width = rect.right - rect.left;
     part.height = rect.bottom - rect.top;
-    part.ownsGaps = false; // they are pixels of the whole
+    part.ownsGaps = false; // they belong to the whole view
     return part;
 }
 
@@ -140,7 +140,7 @@ void PixelTransfer::Fill(const PixelView& dst, uint32_t argb) {
     if (dst.width <= 0 || dst.height <= 0) {
         return;
     }
-    // One row's first chunk is converted, and everything else is copied from it.
+    // Converts the first chunk of one row and copies everything else from it.
     const StraightWriter write(dst.format);
     uint32_t colors[kChunk];
     std::fill(colors, colors + kChunk, argb);

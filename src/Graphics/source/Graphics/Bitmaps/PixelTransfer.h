@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Moves a block of pixels between two places in memory, converting between formats on the way. No allocation.
+// Copies a block of pixels between two places in memory, converting the format. Allocates nothing.
 #pragma once
 
 #include "../Pixels/PixelView.h"
@@ -8,16 +8,16 @@ namespace Graphics {
 
 class PixelTransfer {
 public:
-    /// Copies the part that both have, from their top left corners. Equal formats (and, where indexed, palettes) are
-    /// copied as they are, also between overlapping places of one image; indexed sources are looked up in their
-    /// palette. Raises "Bad format conversion" before anything is written.
+    /// Copies the common part of both, from their top left corners. Equal formats (and, if indexed, equal palettes) are
+    /// copied unchanged, also between overlapping parts of one image; otherwise indexed pixels are converted through
+    /// their palette. Raises "Bad format conversion" before writing anything.
     static void Copy(const PixelView& dst, const PixelView& src);
 
-    /// Sets every pixel to a straight colour. Formats that straight colours do not convert to take it premultiplied, so
-    /// that an indexed pixel becomes the colour's grey level.
+    /// Sets every pixel to a straight colour. A format to which straight colours cannot be converted takes the
+    /// premultiplied colour; so an indexed pixel becomes the colour's grey level.
     static void Fill(const PixelView& dst, uint32_t argb);
 
-    /// The rectangle, which lies within `view`, as a view of its own.
+    /// The rectangle, which lies within `view`, as a view.
     [[nodiscard]] static PixelView Part(const PixelView& view, const IntRect& rect) noexcept;
 
     /// Colours of `count` indexed pixels, the first at bit `srcBit`. Without a palette an 8-bit index is a grey level,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An image in memory of its own.
+// An image that owns its memory.
 #pragma once
 
 #include "../Pixels/PixelBuffer.h"
@@ -9,8 +9,8 @@ namespace Graphics {
 
 class SysMemBitmap final : public BitmapBase {
 public:
-    /// Takes the magnitudes of width and height; the pixels are cleared only where `zeroed` says so. Raises
-    /// "Unsupported pixel format." and what PixelBuffer raises.
+    /// Width and height count by their magnitudes; the pixels are cleared only if `zeroed`. Raises "Unsupported pixel
+    /// format." and what PixelBuffer raises.
     SysMemBitmap(int32_t width, int32_t height, GXPixelFormat format, float dpiX = 96.0F, float dpiY = 96.0F,
                  bool zeroed = false);
 
@@ -24,7 +24,7 @@ public:
     [[nodiscard]] uint8_t* Data() const noexcept { return m_pixels.Data(); }
     [[nodiscard]] uint32_t StrideBytes() const noexcept { return m_pixels.StrideBytes(); }
 
-    /// Every byte 0, the ends of the rows too.
+    /// Sets every byte to 0, including the padding of the rows.
     void Zero() noexcept;
 
 private:

@@ -7,8 +7,8 @@
 namespace Graphics {
 namespace {
 
-// A float is a multiple of 2^-149 below 2^128: 277 bits, a sum of two products 556, and 64 more are divided out. What a
-// double has below is left out.
+// A float is a multiple of 2^-149 below 2^128: 277 bits. A sum of two products has 556 bits, and the division adds 64
+// more. Lower bits of a double are omitted.
 using Whole = boost::multiprecision::number<boost::multiprecision::cpp_int_backend<
     640, 640, boost::multiprecision::signed_magnitude, boost::multiprecision::unchecked, void>>;
 
@@ -33,7 +33,7 @@ using Whole = boost::multiprecision::number<boost::multiprecision::cpp_int_backe
     }
     const bool negative = part < 0;
     part = negative ? Whole(-part) : part;
-    // A quotient of 60 bits or so.
+    // Gives a quotient of about 60 bits.
     const int shift = 60 + static_cast<int>(msb(whole)) - static_cast<int>(msb(part));
     const Whole quotient = shift >= 0 ? Whole((part << static_cast<unsigned>(shift)) / whole)
                                       : Whole(part / (whole << static_cast<unsigned>(-shift)));
@@ -48,7 +48,7 @@ double CutAcross(const Point& from, const Point& to, PlaneAxis axis, double at, 
     const double first = Across(axis, from) * ((end - at) / (end - begin));
     const double second = Across(axis, to) * ((at - begin) / (end - begin));
     const double sum = first + second;
-    // Each summand is off by at most five roundings of itself, and so is the sum.
+    // Each summand has a relative error of at most five roundings, and so has the sum.
     const double error = (std::fabs(first) + std::fabs(second)) * 1e-15;
     return error <= std::fmax(step / 1024, std::fabs(sum) / (1 << 30)) ? sum : CutExactly(from, to, axis, at);
 }

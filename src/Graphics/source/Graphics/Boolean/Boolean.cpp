@@ -15,7 +15,7 @@ using Box = RingClipper::Box;
 
 [[nodiscard]] bool Counts(const Figure& figure) noexcept { return AllFinite(figure, kIdentity); }
 
-/// The box of the points of finite figures; without any, left is above right.
+/// The box of the points of finite figures; left is above right if there are none.
 [[nodiscard]] Box BoxOf(const Shape& shape) noexcept {
     constexpr double kFar = std::numeric_limits<double>::infinity();
     Box box{kFar, kFar, -kFar, -kFar};
@@ -33,7 +33,7 @@ using Box = RingClipper::Box;
     return box;
 }
 
-/// The box outside of which the result is empty.
+/// The box that contains the result.
 [[nodiscard]] Box ResultBox(const Box& a, const Box& b, uint32_t mode) noexcept {
     switch (mode) {
     case GXCombineIntersection:
@@ -59,7 +59,7 @@ private:
     const bool m_ofB;
 };
 
-/// Puts the largest absolute coordinate of finite figures into `most`, and the largest up to `limit` into `near`.
+/// Writes the largest absolute coordinate of finite figures to `most`, and the largest up to `limit` to `near`.
 void Measure(const Shape& shape, double limit, double& near, double& most) noexcept {
     for (const Figure& figure : shape.Figures()) {
         if (!Counts(figure)) {
@@ -110,7 +110,7 @@ void Boolean::Combine(const Shape& a, const Shape& b, uint32_t mode, float toler
         }
         return;
     }
-    // The margin keeps the ways along the border, which belong to one operand only, away from the result.
+    // The margin keeps the paths along the border, which belong to only one operand, away from the result.
     const double margin = 4 * grid.Unit();
     box = {box.left - margin, box.top - margin, box.right + margin, box.bottom + margin};
     const auto flatness = static_cast<float>(wanted);

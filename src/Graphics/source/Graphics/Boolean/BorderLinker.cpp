@@ -28,8 +28,7 @@ void BorderLinker::Wind(uint32_t left, const uint32_t* start, const uint32_t* en
     }
 }
 
-/// Seen in a circle, the areas between the borders are in and out by turns; the two borders of an inner area belong
-/// together.
+/// Around the point, inside and outside alternate between the borders; the two borders of an inner sector are joined.
 void BorderLinker::Link(const GridPoint& point, uint32_t left, const HeapArray<uint32_t>& ends,
                         const HeapArray<uint32_t>& starts) {
     m_around.clear();
@@ -66,7 +65,7 @@ void BorderLinker::Link(const GridPoint& point, uint32_t left, const HeapArray<u
     }
 }
 
-/// Of two borders of one inner area, one leads to the point and the other away from it.
+/// Joins two borders of one inner sector: one leads to the point, the other away from it.
 void BorderLinker::Join(const GridPoint& point, uint32_t first, uint32_t second) noexcept {
     const GridEdge& e = m_edges[first];
     const bool leadsHere = (e.BorderWeight() > 0) == (e.hi == point);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Follows the winding numbers through a sweep, point by point: which edges are borders of the area, and which border
-// continues which.
+// Follows the winding numbers through a sweep, point by point: decides which edges are borders of the area, and which
+// border continues which.
 #pragma once
 
 #include "EdgePieces.h"
@@ -15,21 +15,21 @@ public:
     void SetTest(const WindingTest& test) noexcept { m_test = test; }
     void BeginSweep() noexcept { m_junctions = 0; }
 
-    /// Winding numbers at both sides of the edges that start at a point, and whether they border the area. `left` is
-    /// the edge left of the point, or kNone.
+    /// Sets the winding numbers at both sides of the edges that start at a point, and whether they are borders. `left`
+    /// is the edge left of the point, or kNone.
     void Wind(uint32_t left, const HeapArray<uint32_t>& starts) noexcept { Wind(left, starts.begin(), starts.end()); }
     void Wind(uint32_t left, uint32_t start) noexcept { Wind(left, &start, &start + 1); }
-    /// Links the borders that end and start at a point, given from left to right.
+    /// Links the borders that end and start at a point; both lists are sorted from left to right.
     void Link(const GridPoint& point, uint32_t left, const HeapArray<uint32_t>& ends,
               const HeapArray<uint32_t>& starts);
-    /// The same for one edge that ends and one that starts.
+    /// Link for one edge that ends and one that starts.
     void LinkPair(const GridPoint& point, uint32_t end, uint32_t start) noexcept {
         if (m_edges[end].Borders() && m_edges[start].Borders()) {
             Join(point, end, start);
         }
     }
 
-    /// How many points there are at which several borders meet.
+    /// The number of points at which several borders meet.
     [[nodiscard]] uint32_t Junctions() const noexcept { return m_junctions; }
 
 private:

@@ -23,8 +23,8 @@ void BorderPuzzle::AddSeam(const Point& from, const Point& to) {
     steps.push_back({across, end, -1});
 }
 
-/// Along a line the weight is that of all seams that began: where it is not 0, it is 1 or -1, a border. It is cut at
-/// every place that anything is known of.
+/// Along a line the weight is the sum over all seams begun so far; where it is not 0 it is 1 or -1, a border. The
+/// border is cut at every recorded place.
 void BorderPuzzle::JoinSeams(PlaneAxis axis, HeapArray<SeamStep>& steps) {
     std::sort(steps.begin(), steps.end(), [](const SeamStep& a, const SeamStep& b) {
         return a.across != b.across ? a.across < b.across : a.along < b.along;
@@ -89,8 +89,8 @@ void BorderPuzzle::Link() {
     }
 }
 
-/// Around the point, the areas between edges are in and out by turns: an edge that leaves has the inside behind it, up
-/// to one that comes.
+/// Around the point, inside and outside alternate between the edges: after an edge that leaves comes the inside, up to
+/// an edge that arrives.
 void BorderPuzzle::LinkJunction(const Point& at, const uint32_t* ins, const uint32_t* outs, size_t count) {
     m_spokes.clear();
     for (size_t i = 0; i < count; ++i) {
@@ -116,7 +116,7 @@ void BorderPuzzle::LinkJunction(const Point& at, const uint32_t* ins, const uint
     }
 }
 
-/// Walks one closed border. Where it comes back to a junction, what lies between is a figure of its own.
+/// Follows one closed border. When it returns to a junction, the part since then becomes a separate figure.
 void BorderPuzzle::Follow(uint32_t first, Geometry& out) {
     m_path.clear();
     uint32_t edge = first;

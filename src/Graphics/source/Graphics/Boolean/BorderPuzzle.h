@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Puts the borders of an area together that was computed cell by cell, and writes them as figures: simple ones, without
-// points in the middle of a straight run, outlines the way a rectangle runs and holes the other way.
+// Assembles the borders of an area that was computed cell by cell and writes them as figures: simple ones, without
+// points in the middle of a straight run, outlines winding as a rectangle and holes the other way.
 //
-// Where two cells meet, each side tells where its area reaches the seam. What both tell cancels out, the area goes on;
-// what one alone tells is border. Edges have the inside at the hand at which a rectangle has it.
+// On a seam between two cells, each cell adds the parts that its area touches. Where both add the same part, the area
+// continues across the seam and the parts cancel; a part added once is a border. Edges have the inside on the same side
+// as a rectangle has it.
 #pragma once
 
 #include "../Geometry/Geometry.h"
@@ -13,12 +14,13 @@ namespace Graphics {
 
 class BorderPuzzle {
 public:
-    /// An edge inside of a cell.
+    /// Adds an edge inside a cell.
     void AddEdge(const Point& from, const Point& to) { m_edges.push_back({from, to, kNone, kNone, false}); }
-    /// An edge along the border of a cell, parallel to an axis.
+    /// Adds an edge along the border of a cell, parallel to an axis.
     void AddSeam(const Point& from, const Point& to);
-    /// That edges inside of a cell end at a point of a seam upright or level. A border along the seam is cut there:
-    /// edges of both sides may touch it at one point, and only with it are in and out by turns around the point.
+    /// Adds a point of a vertical or horizontal seam at which edges inside a cell end. A border along the seam is cut
+    /// there, because edges of both cells may touch it at the point, and inside and outside alternate around the point
+    /// only if the seam's border is counted too.
     void AddTouch(const Point& at, bool upright) {
         if (upright) {
             m_upright.push_back({at.x, at.y, 0});
@@ -26,7 +28,7 @@ public:
             m_level.push_back({at.y, at.x, 0});
         }
     }
-    /// All edges together are closed borders that do not cross.
+    /// Writes the figures. All edges together must form closed borders that do not cross.
     void Write(Geometry& out);
 
 private:
@@ -35,10 +37,10 @@ private:
     struct Edge {
         Point from, to;
         uint32_t next;
-        uint32_t junction; // number of the point where the edge begins, if several edges do
+        uint32_t junction; // number of the point where the edge begins, if several edges begin there
         bool written;
     };
-    /// That the weight of a seam, of edges the way its coordinate grows, changes by `change` at a place.
+    /// At this place the weight of a seam, for edges in the direction of growing coordinate, changes by `change`.
     struct SeamStep {
         float across, along;
         int32_t change;

@@ -44,7 +44,7 @@ CellCombiner::Box CellCombiner::BoxOf(const Region& region) const noexcept {
     return box;
 }
 
-/// Uses up the edges.
+/// Consumes the edges.
 void CellCombiner::Divide(const Region& region, HeapArray<Edge>& edges) {
     const Box box = BoxOf(region);
     m_work.pieces += edges.size();
@@ -107,7 +107,7 @@ void CellCombiner::Halve(PlaneAxis axis, float at, const HeapArray<Edge>& edges,
     MoveToBorder(axis, at, low, lows, high);
 }
 
-/// Edges mostly follow each other around a ring, whose steps inside of a run then add up to nothing.
+/// Consecutive edges of a ring usually continue each other, so their steps at common ends cancel.
 void CellCombiner::AddStep(const WeightStep& step) {
     if (m_steps.empty() || m_steps.back().at != step.at) {
         m_steps.push_back(step);
@@ -121,8 +121,8 @@ void CellCombiner::AddStep(const WeightStep& step) {
     }
 }
 
-/// Adds up what edges at one side of a border are when moved to it, and gives it to the other side. What lies on the
-/// border itself the other side has already.
+/// Sums up the edges on one side of a border, moved to it, and adds the sums to the other side. Edges on the border
+/// itself are already in the other side.
 void CellCombiner::MoveToBorder(PlaneAxis axis, float at, const HeapArray<Edge>& from, size_t count,
                                 HeapArray<Edge>& to) {
     m_steps.clear();
@@ -172,7 +172,7 @@ void CellCombiner::PutEdge(const Box& box, const Point& from, const Point& to) {
     }
 }
 
-/// Whether the edges inside of the region are few and meet at common ends only.
+/// Whether the edges inside the region are few and meet only at common ends.
 bool CellCombiner::Simple(const HeapArray<Edge>& edges) const noexcept {
     const auto apart = [](const Edge& e, const Edge& f) {
         if (std::max(e.from.x, e.to.x) < std::min(f.from.x, f.to.x) ||
@@ -207,7 +207,7 @@ void CellCombiner::PutSimple(const Box& box, const HeapArray<Edge>& edges) {
     PutBorders(box, edges);
 }
 
-/// The winding number beside an edge's begin is the sum of what lies at the side of small x, or below a level edge.
+/// The winding number beside an edge's start is the sum over edges on the side of small x, or below a horizontal edge.
 void CellCombiner::PutSimpleEdge(const Box& box, const HeapArray<Edge>& edges, Edge e) {
     const PlaneAxis axis = e.from.y == e.to.y ? PlaneAxis::X : PlaneAxis::Y;
     const auto turnedUp = [axis](Edge f) {
@@ -219,7 +219,7 @@ void CellCombiner::PutSimpleEdge(const Box& box, const HeapArray<Edge>& edges, E
         return f;
     };
     e = turnedUp(e);
-    const int sideOfLess = axis == PlaneAxis::X ? -1 : 1; // smaller y is at the right of an edge along x
+    const int sideOfLess = axis == PlaneAxis::X ? -1 : 1; // smaller y lies right of an edge along x
     int32_t a = 0, b = 0;
     for (const Edge& other : edges) {
         const Edge f = turnedUp(other);
@@ -233,7 +233,7 @@ void CellCombiner::PutSimpleEdge(const Box& box, const HeapArray<Edge>& edges, E
             b += f.b;
         }
     }
-    // What is passed from the side of small y to that of large y is passed from right to left.
+    // Crossing from small y to large y is crossing from right to left.
     if (axis == PlaneAxis::X) {
         a = -a - e.a;
         b = -b - e.b;
@@ -244,7 +244,8 @@ void CellCombiner::PutSimpleEdge(const Box& box, const HeapArray<Edge>& edges, E
     }
 }
 
-/// Outside of the region's border all winding numbers are 0: what lies on a stretch of it says what is behind.
+/// All winding numbers outside the region's border are 0, so the weight of a part of the border gives the winding
+/// inside.
 void CellCombiner::PutBorders(const Box& box, const HeapArray<Edge>& edges) {
     for (int side = 0; side < 4; ++side) {
         const PlaneAxis axis = side < 2 ? PlaneAxis::X : PlaneAxis::Y;
@@ -257,7 +258,8 @@ void CellCombiner::PutBorders(const Box& box, const HeapArray<Edge>& edges) {
             }
         }
         std::sort(m_steps.begin(), m_steps.end(), [](const WeightStep& s, const WeightStep& t) { return s.at < t.at; });
-        // The left and the upper border have the region where their edges have the side that a winding grows towards.
+        // On the left and the upper border the region lies on that side of the edges towards which a winding number
+        // grows.
         const int sign = side == 0 || side == 3 ? 1 : -1;
         int32_t a = 0, b = 0;
         for (size_t i = 0; i + 1 < m_steps.size(); ++i) {
@@ -266,7 +268,7 @@ void CellCombiner::PutBorders(const Box& box, const HeapArray<Edge>& edges) {
             const float from = m_steps[i].at, to = m_steps[i + 1].at;
             if (from != to && m_test.Inside(a, b)) {
                 const auto pointOf = [&](float v) { return axis == PlaneAxis::X ? Point{at, v} : Point{v, at}; };
-                // Inside at the left: up the right border and along the lower one.
+                // With the inside at the left: up the right border and along the lower one.
                 const bool forward = side == 1 || side == 2;
                 m_result.AddSeam(pointOf(forward ? from : to), pointOf(forward ? to : from));
             }
@@ -274,7 +276,7 @@ void CellCombiner::PutBorders(const Box& box, const HeapArray<Edge>& edges) {
     }
 }
 
-/// A single cell, on its own grid.
+/// Combines a single cell on its own grid.
 void CellCombiner::Sweep(const Region& region, const Box& box, const HeapArray<Edge>& edges) {
     m_work.cells += 1;
     const double stepX = m_bands.Step(region.first[0]), stepY = m_bands.Step(region.first[1]);

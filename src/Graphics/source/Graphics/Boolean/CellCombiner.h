@@ -1,29 +1,24 @@
 // SPDX-License-Identifier: MIT
-// Combination where no single grid will do: far coordinates would make it too coarse for near detail.
+// Combination for inputs whose far coordinates would make a single grid too coarse for near detail.
 //
 // 1. Bands of x and bands of y (FloatBands) cut the plane into cells. In a cell the grid is even along x and along y,
-// and
-//    no finer than the floats, so all that was proved of a Scanner on one grid holds in it, and what it gives are
+//    and no finer than the floats. So everything proved of a Scanner on one grid holds in the cell, and its output are
 //    floats.
-// 2. A line that leaves a cell is cut at the border, at the point of the border's grid nearest to where the line as it
-// was
-//    put in meets it. Both cells get the same point, and bends of several cells do not add up.
-// 3. For a cell, all that lies outside of it is moved to the nearest point of its border. That is a continuous map
-// which
-//    leaves the cell as it is: rings stay closed, and winding numbers inside stay what they were. On a border the moved
-//    edges are added up to one weight for each stretch; it changes only where a line meets the border, so the sums are
-//    no more than what crosses the border, however much lies behind it.
-// 4. Edges of the result that lie in a cell are within the closed cell, since every cut point lies in the box of what
-// it
-//    cuts. So results of two cells meet at common borders only, where both say what is inside (BorderPuzzle). Nothing
-//    crosses, whatever was rounded in either.
-// 5. Every point of the result is off by one and a half grid steps along x and along y at most: as many floats where
-// floats
-//    are coarse, and less than the tolerance elsewhere. A point that was put in beyond the even grid stays as it is.
+// 2. A line that leaves a cell is cut at the border, at the point of the border's grid nearest to the crossing of the
+//    input line. Both cells get the same point, and deviations of several cells do not add up.
+// 3. For a cell, everything outside is moved to the nearest point of its border. This map is continuous and leaves the
+//    cell unchanged: rings stay closed, and winding numbers inside stay the same. Moved edges are summed into one
+//    weight for each part of the border. The weight changes only where a line meets the border, so there are no more
+//    sums than crossings, however much lies behind the border.
+// 4. Result edges of a cell lie within the closed cell, since every cut point lies in the box of the cut line. So
+//    results of two cells meet only at common borders, where both record what is inside (BorderPuzzle). Nothing
+//    crosses, whatever was rounded in either cell.
+// 5. A point of the result is off by at most one and a half grid steps along x and along y: that many floats where
+//    floats are coarse, less than the tolerance elsewhere. An input point beyond the even grid keeps its coordinates.
 //
-// The plane is halved again and again, with what it holds, until a single cell is left, or a few edges that meet at
-// common ends only: those need no cut. An edge meets at most one border for each band: time is that of a sweep over all
-// pieces, of which there are at most two for each bound that a line passes.
+// The plane is halved recursively with its content until a single cell is left, or a few edges that meet only at common
+// ends and need no cut. An edge meets at most one border per band. So the time is that of a sweep over all pieces, and
+// there are at most two pieces for each bound that a line crosses.
 #pragma once
 
 #include "BorderPuzzle.h"
@@ -35,11 +30,11 @@ namespace Graphics {
 
 class CellCombiner {
 public:
-    /// What the work was, for those who measure it.
+    /// Operation counts, for tests and benchmarks.
     struct Counts {
         uint64_t pieces = 0; // of edges in all cells
-        uint64_t cells = 0;  // that were swept
-        SweepCounts sweep;   // of all together; but the most sweeps of one
+        uint64_t cells = 0;  // number swept
+        SweepCounts sweep;   // sum over all cells; `sweeps` is the largest of one cell
     };
 
     CellCombiner(const WindingTest& test, const FloatBands& bands, BorderPuzzle& result) noexcept
@@ -47,7 +42,7 @@ public:
     CellCombiner(const CellCombiner&) = delete;
     CellCombiner& operator=(const CellCombiner&) = delete;
 
-    /// A closed ring of operand A or B.
+    /// Adds a closed ring of operand A or B.
     void AddRing(const HeapArray<Point>& ring, bool ofB);
     void Run();
     [[nodiscard]] Counts Work() const noexcept { return m_work; }
@@ -61,10 +56,10 @@ private:
     };
     struct Edge {
         Point from, to;
-        uint32_t line; // that it is a piece of; kNone for sums on borders
+        uint32_t line; // the line of which this is a piece; kNone for sums on borders
         int32_t a, b;
     };
-    /// Bands first ... last - 1 along x and along y.
+    /// The bands from `first` to `last` - 1, along x and along y.
     struct Region {
         size_t first[2], last[2];
     };
@@ -98,7 +93,7 @@ private:
     HeapArray<Line> m_lines;
     HeapArray<Edge> m_edges;
     HeapArray<WeightStep> m_steps;
-    uint32_t m_inner[kFewEdges]{}; // edges of the region in hand that are not on its border
+    uint32_t m_inner[kFewEdges]{}; // edges of the current region that are not on its border
     size_t m_inners = 0;
     Counts m_work;
 };

@@ -24,7 +24,7 @@ void ContourTracer::Trace(Scanner& scanner) {
     }
 }
 
-/// Walks one closed border. Where it comes back to a junction, what lies between is a figure of its own.
+/// Follows one closed border. When it returns to a junction, the part since then becomes a separate figure.
 void ContourTracer::Follow(HeapArray<GridEdge>& edges, uint32_t first) {
     m_path.clear();
     uint32_t edge = first;
@@ -42,7 +42,7 @@ void ContourTracer::Follow(HeapArray<GridEdge>& edges, uint32_t first) {
     CloseLoop(0, edges);
 }
 
-/// Takes the end of the path off, from an index on, and writes it as a figure.
+/// Removes the end of the path, from an index on, and writes it as a figure.
 void ContourTracer::CloseLoop(size_t from, HeapArray<GridEdge>& edges) {
     m_loop.clear();
     for (size_t i = from; i < m_path.size(); ++i) {
@@ -63,7 +63,7 @@ void ContourTracer::CloseLoop(size_t from, HeapArray<GridEdge>& edges) {
 }
 
 void ContourTracer::Write() {
-    // What is straight across the first point: at both ends, as each may become straight by the other's going.
+    // Removes straight points across the first point, at both ends, since removing one may make the other straight.
     size_t begin = 0, end = m_loop.size();
     while (end - begin > 3 && Cross(m_loop[end - 2], m_loop[end - 1], m_loop[begin]) == 0) {
         --end;
@@ -71,7 +71,7 @@ void ContourTracer::Write() {
     while (end - begin > 3 && Cross(m_loop[end - 1], m_loop[begin], m_loop[begin + 1]) == 0) {
         ++begin;
     }
-    // Exchanging x and y has turned the loop around.
+    // Exchanging x and y has reversed the loop.
     if (m_transposed) {
         std::reverse(m_loop.begin() + begin, m_loop.begin() + end);
     }

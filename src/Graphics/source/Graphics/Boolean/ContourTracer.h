@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Follows the borders that the scanner has linked and writes them as closed figures: simple ones, without points in the
-// middle of a straight run, outlines the way a rectangle runs and holes the other way.
+// Follows the borders linked by the scanner and writes them as closed figures: simple ones, without points in the
+// middle of a straight run, outlines winding as a rectangle and holes the other way.
 #pragma once
 
 #include "../Geometry/Geometry.h"
@@ -13,7 +13,7 @@ class ContourTracer {
 public:
     ContourTracer(const PointGrid& grid, Geometry& out) noexcept : m_grid(grid), m_out(out) {}
 
-    /// Uses up the links.
+    /// Writes all figures; clears the links.
     void Trace(Scanner& scanner);
 
 private:
@@ -27,8 +27,8 @@ private:
     const PointGrid& m_grid;
     Geometry& m_out;
     bool m_transposed = false;
-    HeapArray<uint32_t> m_path;    // edges since the start, less the loops that were closed
-    HeapArray<uint32_t> m_visited; // for each junction where the path has it
+    HeapArray<uint32_t> m_path;    // edges since the start, without the loops already closed
+    HeapArray<uint32_t> m_visited; // for each junction its index in the path
     HeapArray<GridPoint> m_loop;
 };
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The exact point at which two lines between grid points cross, and the exact questions that a sweep asks of it.
+// The exact crossing of two lines between grid points, and the exact predicates that a sweep needs.
 //
-// Both coordinates are fractions with the denominator `whole`, the cross product of the directions. Doubles, off by
-// less than 2^-24, answer nearly every question; what they leave open is computed from the lines in 128 bits:
-// differences of coordinates have up to 27 bits, the denominator 55 and the numerators 82.
+// Both coordinates are fractions with the denominator `whole`, the cross product of the directions. Doubles, with an
+// error below 2^-24, decide nearly every predicate; the others are evaluated in 128 bits: differences of coordinates
+// have up to 27 bits, the denominator 55 and the numerators 82.
 #pragma once
 
 #include "GridEdge.h"
@@ -13,10 +13,10 @@ namespace Graphics {
 class CrossPoint {
 public:
     CrossPoint() noexcept = default;
-    /// The lines are not parallel.
+    /// The lines must not be parallel.
     CrossPoint(const GridEdge& e, const GridEdge& f) noexcept;
 
-    /// The sign of the sweep's order: negative where this point comes before.
+    /// Comparison in the sweep's order: negative if this point comes first.
     [[nodiscard]] int Compare(const CrossPoint& other) const noexcept {
         const double dy = m_y - other.m_y;
         return dy < -kClose || dy > kClose ? (dy < 0 ? -1 : 1) : CompareExactly(other);
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] bool LiesOn(const GridEdge& e) const noexcept {
         const double dx = e.hi.x - e.lo.x, dy = e.hi.y - e.lo.y;
         const double side = (m_x - e.lo.x) * dy - (m_y - e.lo.y) * dx;
-        // Each product is off by 2^-24 * 2^27 and its own rounding, 2^1.
+        // Each product is off by 2^-24 * 2^27 plus its own rounding, 2^1.
         return side < kCloseSide && side > -kCloseSide && LiesExactlyOn(e);
     }
     /// The nearest grid point, halves up.

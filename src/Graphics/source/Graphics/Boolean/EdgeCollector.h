@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The sink between a shape and the scanner: curves become lines, what lies far outside of the result is cut off, points
-// go to the grid, figures are closed.
+// The sink between a shape and the scanner: flattens curves, cuts off what lies far outside the result, rounds points
+// to the grid and closes figures.
 #pragma once
 
 #include "PointGrid.h"
@@ -11,7 +11,7 @@ namespace Graphics {
 
 class EdgeCollector final : public RingFlattener {
 public:
-    /// `limits` encloses with a margin where the result can be. Curves are flattened to within `tolerance`.
+    /// `limits` contains the largest possible result with a margin. Curves are flattened to within `tolerance`.
     EdgeCollector(Scanner& scanner, const PointGrid& grid, const RingClipper::Box& limits, float tolerance,
                   bool ofB) noexcept
         : RingFlattener(limits, tolerance), m_scanner(scanner), m_grid(grid), m_clipper(limits, grid.Unit()),

@@ -6,7 +6,7 @@
 
 namespace Graphics {
 
-/// The lower one of their upper ends tells: it must lie on its own side.
+/// Tests the lower of the two upper ends, which must lie on its own side of the other edge.
 void EdgeCutter::CutNeighbours(uint32_t left, uint32_t right) {
     if (left == kNone || right == kNone || m_edges[left].hi == m_edges[right].hi) {
         return;
@@ -14,7 +14,7 @@ void EdgeCutter::CutNeighbours(uint32_t left, uint32_t right) {
     const GridEdge& e = m_edges[left];
     const GridEdge& f = m_edges[right];
     const bool leftEndsFirst = Before(e.hi, f.hi);
-    const int64_t end = leftEndsFirst ? SideOf(right, e.hi) : -SideOf(left, f.hi); // negative: own side
+    const int64_t end = leftEndsFirst ? SideOf(right, e.hi) : -SideOf(left, f.hi); // negative: on its own side
     if (end < 0) {
         return;
     }
@@ -22,7 +22,7 @@ void EdgeCutter::CutNeighbours(uint32_t left, uint32_t right) {
         CutBoth(left, right, leftEndsFirst ? e.hi : f.hi);
         return;
     }
-    // They change sides ahead, unless they stand in a wrong order already: then the next sweep will know.
+    // They change sides ahead, unless they are already in the wrong order; the next sweep repairs that.
     const int64_t begin = Before(e.lo, f.lo) ? -SideOf(left, f.lo) : SideOf(right, e.lo);
     if (begin < 0) {
         CutCrossing(left, right);
@@ -31,9 +31,9 @@ void EdgeCutter::CutNeighbours(uint32_t left, uint32_t right) {
     }
 }
 
-/// Turning the edge around its begin does no harm if no point has been passed that lies in the triangle between the
-/// edge and where it will be. All three corners are as near to the line as the edge's ends stray, so what lies between
-/// them is as near, and in the edge's box: the sweep has noted whether it has passed such points.
+/// Claim: turning the edge around its start is harmless if no passed point lies in the triangle between the edge's old
+/// and new position. Check: the triangle's three corners are as near to the line as the edge's ends, so every point in
+/// it is as near and in the edge's box; the sweep has recorded whether it has passed such points.
 void EdgeCutter::Bend(GridEdge& e, const GridPoint& at) noexcept {
     if (e.SideOf(at) != 0) {
         m_state.hot = true;
@@ -42,9 +42,9 @@ void EdgeCutter::Bend(GridEdge& e, const GridPoint& at) noexcept {
     }
 }
 
-/// Cuts two edges that change sides ahead at the cell in which their lines cross. If that is behind the sweep, bends
-/// have made them cross, and they are cut where they do: the sweep has to go on with the edges exchanged, as one wrong
-/// pair would hide the crossings of all that meet it.
+/// Cuts two edges that change sides ahead in the cell in which their lines cross. If that cell is behind the sweep,
+/// bends have made them cross; they are then cut where they do cross now. The sweep must continue with the edges
+/// exchanged, since a pair in the wrong order would hide the crossings of all edges that meet it.
 void EdgeCutter::CutCrossing(uint32_t left, uint32_t right) {
     GridEdge& e = m_edges[left];
     GridEdge& f = m_edges[right];
@@ -73,7 +73,7 @@ void EdgeCutter::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
         }
         const uint32_t piece = m_edges.Cut(edges[i], at);
         if (Before(end, at)) {
-            m_state.unfinished = true; // a level piece: the borders will tell whether they stand in order
+            m_state.unfinished = true; // a horizontal piece: whether the order is right shows in the borders
             ++m_state.exceptions;
             m_queue.Add(end, kNone, kNone, piece, kNone);
             m_queue.Add(at, m_edges[piece].token, kNone, kNone, kNone);
@@ -84,12 +84,12 @@ void EdgeCutter::CutBoth(uint32_t left, uint32_t right, GridPoint at) {
     m_queue.Add(at, m_edges[left].token, m_edges[right].token, starts[0], starts[1]);
 }
 
-/// A point can cut both edges if it lies ahead of the sweep and in the boxes of both.
+/// Whether a point can cut both edges: it lies ahead of the sweep and in the boxes of both.
 bool EdgeCutter::Usable(const GridEdge& e, const GridEdge& f, const GridPoint& at) const noexcept {
     return Before(m_state.point, at) && e.InBox(at) && f.InBox(at);
 }
 
-/// The grid point nearest to the crossing of two edges, or the next row's where the nearest lies behind.
+/// The grid point nearest to the crossing of two edges, or the one in the next row if the nearest is behind the sweep.
 bool EdgeCutter::CrossingPoint(const GridEdge& e, const GridEdge& f, GridPoint& at) const noexcept {
     const auto crossing = LineCrossing::Of(e.lo, e.hi, f.lo, f.hi);
     if (!crossing) {

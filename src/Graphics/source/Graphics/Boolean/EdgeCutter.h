@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Cuts edges for a sweep where they meet: neighbours that touch or cross ahead.
+// Cuts the edges of a sweep where they meet: neighbours that touch or cross ahead of the sweep.
 #pragma once
 
 #include "EdgePieces.h"
@@ -13,16 +13,16 @@ public:
     EdgeCutter(EdgePieces& edges, EventQueue& queue, SweepState& state) noexcept
         : m_edges(edges), m_queue(queue), m_state(state) {}
 
-    /// Looks whether two neighbours in the status, kNone among them, meet ahead, and cuts them there.
+    /// If two neighbours in the status meet ahead, cuts them there. Either may be kNone.
     void CutNeighbours(uint32_t left, uint32_t right);
-    /// Takes note that an edge is about to end at a point of its box.
+    /// Records that the edge will be bent to end at `at`, a point of its box.
     void Bend(GridEdge& e, const GridPoint& at) noexcept;
 
     [[nodiscard]] int64_t SideOf(uint32_t edge, const GridPoint& p) noexcept {
         ++m_comparisons;
         return m_edges[edge].SideOf(p);
     }
-    /// Of a point with an edge, so far.
+    /// Comparisons of a point with an edge so far.
     [[nodiscard]] uint64_t& Comparisons() noexcept { return m_comparisons; }
 
 private:

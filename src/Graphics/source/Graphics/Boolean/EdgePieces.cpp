@@ -10,7 +10,7 @@ namespace {
 
 void Flip(GridPoint& p) noexcept { std::swap(p.x, p.y); }
 
-/// Spreads a number over all bits (Steele, Lea and Flood 2014).
+/// Mixes a number's bits (Steele, Lea and Flood 2014).
 [[nodiscard]] uint64_t Scrambled(uint64_t v) noexcept {
     v = (v ^ v >> 30) * 0xBF58476D1CE4E5B9U;
     v = (v ^ v >> 27) * 0x94D049BB133111EBU;
@@ -90,8 +90,8 @@ void EdgePieces::Transpose() noexcept {
     m_edges.resize(count);
 }
 
-/// The sum over all ends of a scrambled number of the point, less for begins, is 0. A sum of 64 bits that is 0 by
-/// chance does not happen.
+/// Sums a hash of each border's end point and subtracts that of its start point: 0 if the borders close. A 64-bit sum
+/// that is 0 by chance is practically impossible.
 bool EdgePieces::BordersClose() const noexcept {
     uint64_t sum = 0;
     for (const GridEdge& edge : m_edges) {
@@ -126,9 +126,9 @@ uint32_t EdgePieces::Cut(uint32_t edge, GridPoint at) {
         piece.b = -piece.b;
     }
     if (m_edges.size() == m_edges.capacity()) {
-        m_edges.reserve(4 * m_edges.size()); // crossings may be many: few moves
+        m_edges.reserve(4 * m_edges.size()); // large steps, since there may be many crossings
     }
-    m_pieceOf.push_back(edge); // a new token, of the piece's number
+    m_pieceOf.push_back(edge); // a new token with the number of the piece
     m_pieceOf[piece.token] = upper;
     m_edges.push_back(piece);
     m_edges[edge].hi = at;

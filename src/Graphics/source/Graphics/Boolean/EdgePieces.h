@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The edges of a combination: first the lines that were put in, then the pieces that sweeps make of them. Each piece
-// knows its line, so that cut points are computed from lines and bends do not add up.
+// The edges of a combination: first the input lines, then the pieces into which sweeps cut them. Each piece refers to
+// its line, and cut points are computed from lines, so bends do not add up.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -23,9 +23,9 @@ public:
     EdgePieces(const EdgePieces&) = delete;
     EdgePieces& operator=(const EdgePieces&) = delete;
 
-    /// An edge of a closed ring of operand A or B.
+    /// Adds an edge of a closed ring of operand A or B.
     void Add(const GridPoint& from, const GridPoint& to, bool ofB) {
-        // Up or down is as good as random: no branches.
+        // No branches: whether an edge goes up or down is not predictable.
         const uint64_t begin = SweepKey(from), end = SweepKey(to);
         const int32_t weight = begin < end ? 1 : -1;
         GridEdge edge;
@@ -38,7 +38,7 @@ public:
             m_edges.push_back(edge);
         }
     }
-    /// An edge that lies upon others and stands for all of them.
+    /// Adds an edge that stands for several coincident ones.
     void Add(const GridPoint& from, const GridPoint& to, int32_t a, int32_t b) {
         const bool forward = Before(from, to);
         GridEdge edge;
@@ -49,9 +49,9 @@ public:
         edge.line = static_cast<uint32_t>(m_edges.size());
         m_edges.push_back(edge);
     }
-    /// Says how many edges will be added next.
+    /// Reserves memory for `edges` more edges.
     void Expect(size_t edges) { m_edges.reserve(m_edges.size() + edges); }
-    /// All edges are there: they are the lines from now on.
+    /// Makes the edges added so far the input lines. Call after the last Add.
     void NoteLines();
 
     [[nodiscard]] HeapArray<GridEdge>& All() noexcept { return m_edges; }
@@ -59,33 +59,33 @@ public:
     [[nodiscard]] GridEdge& operator[](uint32_t edge) noexcept { return m_edges[edge]; }
     [[nodiscard]] const GridEdge& operator[](uint32_t edge) const noexcept { return m_edges[edge]; }
     [[nodiscard]] const Line& LineOf(const GridEdge& e) const noexcept { return m_lines[e.line]; }
-    /// Whether x and y are exchanged, and with them left and right.
+    /// Whether x and y, and therefore left and right, are exchanged.
     [[nodiscard]] bool Transposed() const noexcept { return m_transposed; }
     [[nodiscard]] uint64_t Cuts() const noexcept { return m_cuts; }
 
-    /// Other pieces of the lines in the place of all there are.
+    /// Replaces all pieces by other pieces of the lines.
     void Exchange(HeapArray<GridEdge>&& edges) noexcept { m_edges = std::move(edges); }
-    /// Back to the lines.
+    /// Replaces the pieces by the input lines.
     void Restore();
-    /// x and y of the lines as they were put in; the pieces are about to be replaced.
+    /// Restores the lines' original x and y; the caller then replaces the pieces.
     void TurnBack() noexcept;
-    /// Leaves nothing but what the last sweep found to be the border, in operand A, 1 for the area at the left.
+    /// Keeps only the border that the last sweep found, as operand A, weight 1 for the area at the left.
     void KeepBorders() noexcept;
-    /// Exchanges x and y, leaves out what has no weight and forgets what the last sweep has found.
+    /// Exchanges x and y, drops edges without weight and clears the results of the last sweep.
     void Transpose() noexcept;
-    /// Whether as many borders begin as end at every point.
+    /// Whether at every point as many borders begin as end.
     [[nodiscard]] bool BordersClose() const noexcept;
 
     void BeginSweep();
-    /// Ends an edge at a point and gives the piece behind it. Where the point lies behind the edge's end (to the right
-    /// in the end's row), the piece leads back: its ends and weight are exchanged.
+    /// Ends an edge at a point and returns the piece behind it. If the point lies behind the edge's end (to the right
+    /// in the end's row), the piece leads back: its ends are exchanged and its weight negated.
     [[nodiscard]] uint32_t Cut(uint32_t edge, GridPoint at);
-    /// The piece that an event's token stands for, if it ends at p and the status holds it. However often an edge is
-    /// cut, the token stays with the piece that ends where the edge did, and the piece in front of it gets a new one:
-    /// no event has to look for its piece.
+    /// The piece of an event's token, if it ends at p and is in the status. When an edge is cut, its token stays with
+    /// the piece that ends where the edge did, and the piece before the cut gets a new token. So events find their
+    /// piece without a search.
     [[nodiscard]] uint32_t PieceEndingAt(uint32_t token, const GridPoint& p) const noexcept;
-    /// How far the edge's line passes from p, along x and y: through its cell, the square of side 1 around it, borders
-    /// included; within a few units; or farther.
+    /// How far from p the edge's line passes, along x and y: through the cell of p, the closed square of side 1 around
+    /// it; within a few units; or farther.
     [[nodiscard]] Stray Distance(const GridEdge& e, const GridPoint& p) const noexcept {
         const Line& line = m_lines[e.line];
         const int64_t side = std::abs(Side(line.from, line.to, p)), unit = Reach(line.from, line.to);
@@ -95,7 +95,7 @@ public:
 private:
     HeapArray<GridEdge> m_edges;
     HeapArray<Line> m_lines;
-    HeapArray<uint32_t> m_pieceOf; // for each token
+    HeapArray<uint32_t> m_pieceOf; // piece of each token
     uint64_t m_cuts = 0;
     bool m_transposed = false;
 };

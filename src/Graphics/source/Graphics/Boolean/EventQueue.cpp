@@ -8,9 +8,9 @@
 namespace Graphics {
 namespace {
 
-constexpr size_t kFewEnds = 256; // below, comparing is faster than counting digits
+constexpr size_t kFewEnds = 256; // below this number comparison sorting is faster than counting digits
 
-/// std::push_heap makes a heap with the largest on top; the sweep wants the first.
+/// Reverses the order, since std::push_heap puts the largest element on top and the sweep needs the first.
 struct Later {
     [[nodiscard]] bool operator()(const EventQueue::Meeting& a, const EventQueue::Meeting& b) const noexcept {
         return a.key > b.key;
@@ -19,7 +19,7 @@ struct Later {
 
 } // namespace
 
-/// Edges that follow each other in a ring mostly follow each other in the list: their common point is noted once.
+/// Consecutive edges of a ring are usually consecutive in the list; their common point is stored once.
 void EventQueue::Reset(const HeapArray<GridEdge>& edges) {
     m_position = 0;
     m_meetings.clear();
@@ -56,7 +56,7 @@ void EventQueue::Sort() {
     }
 }
 
-/// Stable counting sort by digits of 11 bits, from the lowest; digits that are the same everywhere are skipped.
+/// Stable counting sort by digits of 11 bits, lowest first; digits equal in all keys are skipped.
 void EventQueue::SortByDigits() {
     constexpr int kBits = 11, kDigits = 5;
     constexpr size_t kValues = size_t{1} << kBits;

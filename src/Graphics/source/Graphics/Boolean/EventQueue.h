@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The points at which the sweep stops, in its order: the ends of all edges, sorted beforehand, and the points found on
-// the way, in a heap.
+// The points at which the sweep stops, in its order: the ends of all edges, sorted beforehand, and points found during
+// the sweep, in a heap.
 #pragma once
 
 #include <array>
@@ -13,21 +13,21 @@ namespace Graphics {
 
 class EventQueue {
 public:
-    /// A point found on the way: which edges end there and which start. kNone where there is none.
+    /// A point found during the sweep, with the edges that end and start there; unused places are kNone.
     struct Meeting {
         uint64_t key;
         uint32_t ends[2];
         uint32_t starts[2];
     };
 
-    /// Forgets everything and takes both ends of every edge, of which there are less than 2^31 - 1.
+    /// Clears the queue and adds both ends of every edge; there must be fewer than 2^31 - 1 edges.
     void Reset(const HeapArray<GridEdge>& edges);
     void Add(const GridPoint& at, uint32_t end0, uint32_t end1, uint32_t start0, uint32_t start1);
 
-    /// Moves on to the next point: false when there is none. The lists get the edges that end and start there.
+    /// Advances to the next point and lists the edges that end and start there; false if there is none.
     [[nodiscard]] bool Next(GridPoint& point, HeapArray<uint32_t>& ends, HeapArray<uint32_t>& starts);
 
-    /// Edges that will probably be asked for soon, kNone among them.
+    /// Edges that will probably be needed soon, for prefetching; may contain kNone.
     [[nodiscard]] std::array<uint32_t, 4> Upcoming() const noexcept {
         constexpr size_t kAhead = 8;
         std::array<uint32_t, 4> edges{GridEdge::kNone, GridEdge::kNone, GridEdge::kNone, GridEdge::kNone};
@@ -44,8 +44,8 @@ public:
 private:
     static constexpr uint32_t kStart = 0x80000000U;
 
-    /// A point at which one edge or two that follow each other begin or end: numbers with kStart where they begin. The
-    /// second may be missing, kNone.
+    /// A point where one edge, or two consecutive ones, begin or end: edge numbers, with kStart if they begin. The
+    /// second may be kNone.
     struct End {
         uint64_t key;
         uint32_t edges[2];

@@ -10,7 +10,8 @@
 namespace Graphics {
 
 double FloatBands::StepFor(double tolerance) noexcept {
-    // An area is off by up to one and a half steps: a vertex goes to the grid, a crossing too, and once more its pixel.
+    // An area is off by up to one and a half steps: half for rounding a vertex, half for a crossing and half for its
+    // pixel.
     int exponent = 0;
     static_cast<void>(std::frexp(tolerance / 2, &exponent)); // 2^(exponent - 1) <= tolerance / 2
     return std::ldexp(1.0, std::clamp(exponent - 1, -149, 104));
@@ -30,7 +31,8 @@ FloatBands::FloatBands(double step, double near, double most) {
     }
     while (bounds.back() < most) {
         const double bound = 2 * bounds.back();
-        bounds.push_back(std::min<double>(bound, std::numeric_limits<float>::max())); // the last float is on its grid
+        bounds.push_back(std::min<double>(bound, std::numeric_limits<float>::max())); // the largest float is on its
+                                                                                      // band's grid
         steps.push_back(bound / kGridLimit);
     }
     for (size_t i = bounds.size(); i-- > 0;) {
@@ -45,7 +47,7 @@ FloatBands::FloatBands(double step, double near, double most) {
 }
 
 float FloatBands::Round(double v) const noexcept {
-    for (int i = 0; i < 2; ++i) { // what is rounded up to a bound is on the next grid, but a wrong guess costs nothing
+    for (int i = 0; i < 2; ++i) { // a value rounded up to a bound is on the next band's grid
         const auto* above = std::upper_bound(m_bounds.begin() + 1, m_bounds.end() - 1, v);
         const double step = m_steps[static_cast<size_t>(above - m_bounds.begin()) - 1];
         v = std::nearbyint(v / step) * step;

@@ -9,8 +9,8 @@ namespace {
 
 using Wide = boost::multiprecision::int128_t;
 
-// part and whole have at most 53 bits, so they are exact as doubles; quotient and product are rounded once each, which
-// moves a value below 2^26 by less than 2^-25. Fractions farther than this from a border are certain.
+// part and whole have at most 53 bits, so they are exact in doubles. Quotient and product are each rounded once, which
+// changes a value below 2^26 by less than 2^-25. So fractions that differ more than this from a limit are certain.
 constexpr double kUncertain = 1.0 / (1 << 20);
 
 /// The largest integer not above n / d, d > 0.

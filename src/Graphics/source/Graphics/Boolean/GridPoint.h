@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Points of the integer grid on which areas are combined, the order in which a sweep meets them, and the exact
-// questions asked of them. Coordinates stay within +-2^24: a float holds them exactly, differences have 26 bits, and
-// the cross product of two differences fits 64 bits with room to spare.
+// Points of the integer grid on which areas are combined, the order in which a sweep visits them, and their exact
+// predicates. Coordinates stay within +-2^24: a float holds them exactly, differences have 26 bits, and the cross
+// product of two differences fits in 64 bits.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ struct GridPoint {
 
 inline constexpr int32_t kGridLimit = 1 << 24;
 
-// Room for twice the limit and a bit, as corners of cells are half a step off.
+// Room for twice the limit and one more bit, since corners of cells are off by half a step.
 inline constexpr int kKeyBits = 27;
 inline constexpr int32_t kKeyBias = 1 << (kKeyBits - 1);
 
@@ -43,24 +43,24 @@ inline constexpr int32_t kKeyBias = 1 << (kKeyBits - 1);
     return static_cast<int64_t>(a.x - o.x) * (b.y - o.y) - static_cast<int64_t>(a.y - o.y) * (b.x - o.x);
 }
 
-/// Where p lies as seen from the line lo -> hi, lo before hi: positive right (larger x), negative left, 0 on the line.
+/// The side of p on the line lo -> hi, lo before hi: positive right (larger x), negative left, 0 on the line.
 [[nodiscard]] constexpr int64_t Side(const GridPoint& lo, const GridPoint& hi, const GridPoint& p) noexcept {
     return Cross(lo, p, hi);
 }
 
-/// The distance along x and y together.
+/// The sum of the distances along x and y.
 [[nodiscard]] inline int64_t Reach(const GridPoint& p, const GridPoint& q) noexcept {
     return static_cast<int64_t>(std::abs(q.x - p.x)) + std::abs(q.y - p.y);
 }
 
-/// Where two lines, each given by two points, meet: along x and y the integer nearest to the exact value (halves up)
-/// and the smallest integer not below it.
+/// The crossing of two lines, each given by two points: along x and y the integer nearest to the exact value (halves
+/// up), and the smallest integer not below it.
 class LineCrossing {
 public:
-    /// No value for parallel lines and for crossings outside of the first line's points.
+    /// Empty for parallel lines and for crossings beyond the first line's points.
     [[nodiscard]] static std::optional<LineCrossing> Of(const GridPoint& a0, const GridPoint& a1, const GridPoint& b0,
                                                         const GridPoint& b1) noexcept;
-    /// The point at `part` of `whole` of the way between two points, both of 53 bits, 0 <= part / whole <= 1.
+    /// The point at the fraction `part` / `whole`, from 0 to 1, between two points; both numbers have up to 53 bits.
     [[nodiscard]] static LineCrossing Along(const GridPoint& from, const GridPoint& to, int64_t part,
                                             int64_t whole) noexcept {
         const int64_t sign = whole < 0 ? -1 : 1;
@@ -80,8 +80,8 @@ private:
         : m_from(from), m_dx(dx), m_dy(dy), m_part(part), m_whole(whole) {}
 
     [[nodiscard]] int32_t Nearest(int32_t delta, double share) const noexcept {
-        // Quotient and product are rounded once each, which moves a value below 2^26 by less than 2^-25: fractions
-        // farther than this from a half are certain.
+        // Quotient and product are each rounded once, which changes a value below 2^26 by less than 2^-25, so fractions
+        // that differ more than this from a half are certain.
         constexpr double kUncertain = 1.0 / (1 << 20);
         const double v = delta * share + 0.5;
         int32_t floor = static_cast<int32_t>(v);

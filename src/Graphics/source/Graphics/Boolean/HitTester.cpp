@@ -7,18 +7,18 @@
 namespace Graphics {
 namespace {
 
-// No two points with float coordinates are as far apart.
+// An upper bound of the distance of two points with float coordinates.
 constexpr double kFarthest = 1e39;
 
-// A curve is cut no further where its parts stray from their chords by less than this share of its size. Cutting it in
-// doubles is off by less.
+// A curve is not halved further if its parts deviate from their chords by less than this fraction of its size. Halving
+// in doubles has a smaller error.
 constexpr double kFinest = 1.0 / (1ULL << 45);
 
-// Chords come four times closer with every cut, and 45 bits are 23 cuts.
+// Halving reduces the deviation to a quarter, so 45 bits are 23 halvings.
 constexpr int kDepth = 28;
 
-// Parts of a curve that runs along the rim of the tolerance for a long way stay undecided. Up to this many are cut at
-// each depth: so none is given up before its chord is within 4^-10 of the stray of the whole.
+// Parts of a curve that follows the rim of the tolerance for long stay undecided. Up to this many are halved at each
+// depth, so none is given up before its chord is within 4^-10 of the whole curve's deviation.
 constexpr int kCutsPerDepth = 1024;
 
 /// The square of the distance from (x, y) to the line from (ax, ay) to (bx, by).
@@ -35,8 +35,8 @@ constexpr int kCutsPerDepth = 1024;
     return across * across / length;
 }
 
-/// How far a cubic strays from its chord, both run through at the same speed: at most an eighth of the largest second
-/// derivative, 6 (p0 - 2 p1 + p2) or 6 (p1 - 2 p2 + p3).
+/// The deviation of a cubic from its chord at equal parameters: at most an eighth of the largest second derivative, 6
+/// (p0 - 2 p1 + p2) or 6 (p1 - 2 p2 + p3).
 [[nodiscard]] double Stray(const WideCurve& c) noexcept {
     const auto squared = [&c](int i) {
         const double x = c.x[i] - 2 * c.x[i + 1] + c.x[i + 2], y = c.y[i] - 2 * c.y[i + 1] + c.y[i + 2];
@@ -68,7 +68,7 @@ HitTester::HitTester(const Point& point, float tolerance) noexcept
 }
 
 template <class... More> HitTester::Place HitTester::PlaceOf(const Point& a, const More&... more) const noexcept {
-    // Heights first: most segments are above or below.
+    // Heights are compared first, because most segments lie above or below.
     float least = a.y, most = a.y;
     ((least = std::min(least, more.y), most = std::max(most, more.y)), ...);
     if (most < m_square.top || least > m_square.bottom) {
@@ -82,13 +82,13 @@ template <class... More> HitTester::Place HitTester::PlaceOf(const Point& a, con
     return least > m_square.right ? Place::Right : Place::Around;
 }
 
-/// A line that is not near. The ray is crossed where the ends lie on both sides of it, in the half-open sense of Cross,
-/// and the point is to the left.
+/// Counts the crossing of a line that is not near. The ray is crossed if the ends lie on both sides of it, in the
+/// half-open sense of Cross, and the point is to the left.
 void HitTester::CrossLine(const Point& a, const Point& b) noexcept {
     const int crossing = (b.y > m_point.y) - (a.y > m_point.y);
     if (crossing != 0) {
         const int side = OrientationSign(a, b, m_point) * crossing;
-        m_near |= side == 0; // exactly on it
+        m_near |= side == 0; // exactly on the line
         m_winding += side > 0 ? crossing : 0;
     }
 }
@@ -135,8 +135,8 @@ void HitTester::CubicTo(const Point& c1, const Point& c2, const Point& end) {
     }
 }
 
-/// A part whose chord keeps away from the point by more than the part strays from the chord can be pulled straight
-/// without passing over the point, so it crosses the ray as often as its chord. Others are near, or are halved.
+/// If a part's chord is farther from the point than the part deviates from the chord, straightening it does not pass
+/// over the point, so it crosses the ray as often as its chord. Other parts are near, or are halved.
 void HitTester::TestCurve(const WideCurve& curve) noexcept {
     const double x = m_point.x, y = m_point.y, finest = Extent(curve) * kFinest;
     uint16_t cuts[kDepth] = {};
@@ -172,7 +172,7 @@ bool HitTester::Test(const Shape& shape, const Point& point, const Matrix& m, fl
     if (!std::isfinite(point.x) || !std::isfinite(point.y)) {
         return false;
     }
-    // Mapping keeps the order of rounded numbers, so what it makes of the box holds what it makes of the points.
+    // Rounding is monotonic, so the mapped box contains the mapped points.
     HitTester tester(point, tolerance);
     bool finite = shape.AllFinite();
     if (finite) {

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Whether a point lies in a shape's filled area or near its outline.
+// Tests whether a point lies in a shape's filled area or near its outline.
 //
-// The winding number counts the outline's crossings of the ray from the point towards growing x; every figure counts as
-// closed. Near are points within the tolerance of what a stroke would follow: the closing line of an open figure is a
-// border of the area, but no part of the outline. Borders belong to the area. Units are those of the mapped shape.
+// The winding number counts the outline's crossings of the ray from the point towards growing x, with every figure
+// closed. A point is near if it lies within the tolerance of the path that a stroke would follow; the closing line of
+// an open figure bounds the area, but is not part of the outline. Borders belong to the area. Units are those of the
+// mapped shape.
 #pragma once
 
 #include "../Geometry/CurveFlattener.h"
@@ -12,14 +13,14 @@
 
 namespace Graphics {
 
-/// Takes a path with finite coordinates and knows the answer at its end.
+/// Receives a path with finite coordinates; the answer is valid at its end.
 class HitTester {
 public:
-    /// `point` is finite. A tolerance that is negative or NaN counts as 0.
+    /// `point` must be finite. A negative or NaN tolerance counts as 0.
     HitTester(const Point& point, float tolerance) noexcept;
 
-    /// The answer for the shape, mapped by `m`. Figures with a coordinate that is not finite once mapped are left out;
-    /// a point that is not finite hits nothing.
+    /// Tests the shape mapped by `m`. Figures with a mapped coordinate that is not finite are ignored; a point that is
+    /// not finite hits nothing.
     [[nodiscard]] static bool Test(const Shape& shape, const Point& point, const Matrix& m, float tolerance);
 
     void SetFillRule(uint32_t rule) { m_evenOdd = rule != GXFillRuleNonZero; }
@@ -29,12 +30,12 @@ public:
     void LineTo(const Point& p);
     void CubicTo(const Point& c1, const Point& c2, const Point& end);
 
-    /// Near the outline so far: what follows can't change it.
+    /// Near the outline received so far; later segments cannot change that.
     [[nodiscard]] bool Near() const noexcept { return m_near; }
     [[nodiscard]] bool Hit() const noexcept { return m_near || (m_evenOdd ? (m_winding & 1) : m_winding) != 0; }
 
 private:
-    /// Where a box lies, seen from the square of the tolerance around the point.
+    /// Position of a box relative to the square of the tolerance around the point.
     enum class Place { Away, Right, Around };
 
     template <class... More> [[nodiscard]] Place PlaceOf(const Point& a, const More&... more) const noexcept;

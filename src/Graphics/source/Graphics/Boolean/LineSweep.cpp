@@ -51,7 +51,7 @@ bool LineSweep::Touches(uint32_t line, const CrossPoint* cross, const GridPoint&
     return cross != nullptr ? cross->LiesOn(m_lines[line]) : m_lines[line].SideOf(point) == 0;
 }
 
-/// Takes all notes of crossings at the point off the heap.
+/// Removes all crossings at the point from the heap.
 void LineSweep::TakeCrossings(const CrossPoint* cross, const GridPoint& point) {
     const auto later = [](const Crossing& a, const Crossing& b) { return a.at.Compare(b.at) > 0; };
     while (!m_crossings.empty() &&
@@ -61,8 +61,8 @@ void LineSweep::TakeCrossings(const CrossPoint* cross, const GridPoint& point) {
     }
 }
 
-/// One stop: at the first crossing in the heap, or where a line ends or begins. The lines through the point stand side
-/// by side in the order; behind it, those that go on stand the other way around.
+/// One stop: at the first crossing in the heap, or where a line ends or begins. The lines through the point are
+/// adjacent in the order; behind the point, those that continue are in reverse order.
 void LineSweep::Stop(Listener& listener, const GridPoint& point, bool isEnd) {
     m_through.clear();
     m_onward.clear();
@@ -121,8 +121,8 @@ void LineSweep::Stop(Listener& listener, const GridPoint& point, bool isEnd) {
     }
 }
 
-/// Notes where two neighbours cross: they do if the one that ends first is on the other's side by then. An end upon the
-/// other line is an event already.
+/// Adds the crossing of two neighbours. They cross if the one that ends first is on the other's side by then. An end on
+/// the other line is already an event.
 void LineSweep::LookAhead(uint32_t left, uint32_t right) {
     if (left == kNone || right == kNone) {
         return;

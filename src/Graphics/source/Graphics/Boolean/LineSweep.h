@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// A sweep over straight lines that are never bent (Bentley and Ottmann 1979): its order is that of the exact lines, so
-// it is never wrong, and one sweep finds every crossing. What it finds it tells a listener; it changes nothing but
-// GridEdge::block of its lines.
+// A sweep over straight lines that are never bent (Bentley and Ottmann 1979). Its order is that of the exact lines, so
+// it is always correct, and one sweep finds every crossing. It reports to a listener and changes only GridEdge::block.
 //
-// Time: an event for each end and each pair of lines that become neighbours and cross, n + k log n with k crossings,
-// and for each question (see Ask) a search and what is found.
+// Time: O(n + k log n) for k crossings, with one event for each end and for each pair of neighbours that cross; for
+// each query (see Ask) one search, plus what it finds.
 #pragma once
 
 #include <span>
@@ -19,22 +18,22 @@ public:
     class Listener {
     public:
         virtual ~Listener() = default;
-        /// Lines meet or end at a point, `at` being the nearest grid point: `through` are those that come to it, from
-        /// left to right, `onward` those that go on or begin there, from left to right. `left` is the line at the left,
-        /// kNone without any. `isEnd`: a line ends or begins there, so `at` is the point itself.
+        /// Lines meet or end at a point; `at` is the nearest grid point. `through` are the lines that reach it and
+        /// `onward` those that continue or begin there, both from left to right. `left` is the line to the left, or
+        /// kNone. `isEnd`: a line ends or begins there, so `at` is the exact point.
         virtual void Meet(const GridPoint& at, bool isEnd, uint32_t left, std::span<const uint32_t> through,
                           std::span<const uint32_t> onward) = 0;
-        /// A line touches what a question asks about.
+        /// A line touches the segment of a query.
         virtual void Answer(uint32_t question, uint32_t line) = 0;
     };
 
-    /// `lines` are edges whose lo comes before hi.
+    /// `lines` are edges with lo before hi.
     explicit LineSweep(HeapArray<GridEdge>& lines) noexcept : m_lines(lines), m_status(lines) {}
     LineSweep(const LineSweep&) = delete;
     LineSweep& operator=(const LineSweep&) = delete;
 
-    /// Asks for the lines that touch the level segment of length 2 to the right of a point, of which no line is level
-    /// and no line ends in the row. Questions are numbered as they come.
+    /// Adds a query: which lines touch the horizontal segment of length 2 to the right of a point? No line may be
+    /// horizontal or end in that row. Queries are numbered in the order of calls.
     void Ask(const GridPoint& from) {
         m_questions.push_back({SweepKey(from), static_cast<uint32_t>(m_questions.size())});
     }
@@ -63,7 +62,7 @@ private:
     HeapArray<GridEdge>& m_lines;
     SweepStatus m_status;
     HeapArray<Event> m_begins, m_ends, m_questions;
-    HeapArray<Crossing> m_crossings; // a heap, the first on top
+    HeapArray<Crossing> m_crossings; // a heap, the first crossing on top
     HeapArray<uint32_t> m_through, m_onward;
     size_t m_begun = 0, m_ended = 0;
     uint64_t m_comparisons = 0;

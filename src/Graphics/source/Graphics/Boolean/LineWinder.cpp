@@ -47,7 +47,7 @@ void LineWinder::Put(const GridEdge& e, const GridPoint& from, const GridPoint& 
     if (!e.Borders() || from == to) {
         return;
     }
-    const bool forward = Before(from, to); // a line that falls may have a level piece
+    const bool forward = Before(from, to); // a falling line may have a horizontal piece
     GridEdge piece;
     piece.lo = forward ? from : to;
     piece.hi = forward ? to : from;

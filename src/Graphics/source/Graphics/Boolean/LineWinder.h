@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The border of a combination from one sweep over its exact lines: winding numbers follow from the order, and only the
-// points at which the border turns are rounded to the grid. So it closes, and is off by half a unit at most; where the
-// rounded edges cross or touch each other, PixelSnapper sees to it.
+// Finds the border of a combination in one sweep over its exact lines. Winding numbers follow from the order, and only
+// the points at which the border turns are rounded to the grid. So the border closes and is off by at most half a unit;
+// where rounded edges cross or touch, PixelSnapper cuts them.
 #pragma once
 
 #include "LineSweep.h"
@@ -11,8 +11,8 @@ namespace Graphics {
 
 class LineWinder final : private LineSweep::Listener {
 public:
-    /// `border` gets the pieces of lines that are the border, weight 1 for the area at their left, -1 at the right, in
-    /// operand A.
+    /// `border` receives the pieces of lines that are borders, as operand A, weight 1 if the area is at their left, -1
+    /// if at the right.
     LineWinder(HeapArray<GridEdge>& lines, const WindingTest& test, HeapArray<GridEdge>& border) noexcept
         : m_lines(lines), m_test(test), m_border(border) {}
 
@@ -27,7 +27,7 @@ private:
     HeapArray<GridEdge>& m_lines;
     const WindingTest m_test;
     HeapArray<GridEdge>& m_border;
-    HeapArray<GridPoint> m_from; // for each line where the border began to be as it is
+    HeapArray<GridPoint> m_from; // for each line where its present border piece begins
 };
 
 } // namespace Graphics

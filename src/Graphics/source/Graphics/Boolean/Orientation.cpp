@@ -4,9 +4,9 @@
 namespace Graphics {
 namespace {
 
-/// (a - p) x (b - p) multiplied out: p.x p.y cancels, and each of the six products of two floats fits in a double
-/// (2 x 24 bits, exponents within range). They are added up without loss as an expansion, a sum of doubles that do not
-/// overlap (Shewchuk, Adaptive Precision Floating-Point Arithmetic, 1997, GROW-EXPANSION): its largest part has the
+/// (a - p) x (b - p) multiplied out: p.x p.y cancels, and each of the six products of two floats is exact in a double
+/// (2 x 24 bits, exponents in range). They are summed exactly as an expansion, a sum of doubles that do not overlap
+/// (Shewchuk, Adaptive Precision Floating-Point Arithmetic, 1997, GROW-EXPANSION), whose largest component has the
 /// sign.
 [[nodiscard]] int ExactSign(const Point& a, const Point& b, const Point& p) noexcept {
     const double ax = a.x, ay = a.y, bx = b.x, by = b.y, px = p.x, py = p.y;

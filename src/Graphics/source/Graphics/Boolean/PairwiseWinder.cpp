@@ -13,14 +13,14 @@ namespace {
 constexpr double kWeightOfB = 1 << 26;
 constexpr size_t kAtOnce = GX_SIMD_NAMESPACE::kLongLanes;
 
-// A sweep takes about 0.4 us for a crossing; here a pair takes 5 ns, both ways, and a crossing 0.1 us. So it is worth
-// while if more than one pair in fifty crosses; twice that stays clear of the noise.
+// A sweep takes about 0.4 us per crossing; here a pair takes 5 ns, in both directions, and a crossing 0.1 us. So this
+// is faster if more than one pair in fifty crosses; twice that rate is required, to stay clear of noise.
 constexpr size_t kPairsPerCrossing = 25;
 constexpr size_t kFewEdges = 32, kMostPairs = 256, kMostSamples = 32, kEdgesPerSample = 64;
-// Edges that may be done without a find: comparing as many with all others takes what a sweep takes at least.
+// Edges compared before the first check: comparing so many with all others costs no more than a sweep.
 constexpr size_t kFreeEdges = 64;
 
-/// Places in a list, spread as at random, so that no order of the list can meet or miss what is rare in it.
+/// Pseudo-random places in a list, so that no order of the list can bias the samples.
 class RandomPlaces {
 public:
     explicit RandomPlaces(size_t count) noexcept : m_count(count) {}
@@ -34,7 +34,7 @@ private:
     uint64_t m_state = 0x9E3779B97F4A7C15U;
 };
 
-/// Whether the edges cross inside both.
+/// Whether the edges cross strictly inside both.
 [[nodiscard]] bool Crosses(const GridEdge& e, const GridEdge& f) noexcept {
     const auto parts = [](const GridEdge& g, const GridPoint& p, const GridPoint& q) {
         const int64_t a = g.SideOf(p), b = g.SideOf(q);
@@ -43,7 +43,7 @@ private:
     return e.lo.y <= f.hi.y && f.lo.y <= e.hi.y && parts(e, f.lo, f.hi) && parts(f, e.lo, e.hi);
 }
 
-/// Increases from e's begin to its end, and tells points of the grid apart that lie along it.
+/// Increases from e's start to its end and differs for distinct grid points along it.
 [[nodiscard]] uint32_t Distance(const GridEdge& e, const GridPoint& p) noexcept {
     return static_cast<uint32_t>(std::abs(p.x - e.lo.x) + std::abs(p.y - e.lo.y));
 }
@@ -66,7 +66,7 @@ bool PairwiseWinder::Worthwhile() {
     return points * kPairsPerCrossing >= samples * count;
 }
 
-/// How many passages are at a point of their own. Where several edges meet at one point, a sweep stops once for all.
+/// The number of passages at distinct points. Where several edges meet at one point, a sweep stops only once.
 size_t PairwiseWinder::LonelyPassages() const noexcept {
     size_t lonely = 0;
     for (size_t i = 0; i < m_order.size(); ++i) {
@@ -79,7 +79,7 @@ size_t PairwiseWinder::LonelyPassages() const noexcept {
     return lonely;
 }
 
-/// A glance at few pairs: most input is sparse, and shall not pay for being asked.
+/// A first test on few pairs, because most input is sparse and must not pay for a larger one.
 bool PairwiseWinder::SampledPairsCross() const noexcept {
     const size_t count = m_edges.size(), pairs = std::min(kMostPairs, count / 4);
     size_t crossings = 0;
@@ -141,10 +141,10 @@ void PairwiseWinder::Wind(uint32_t edge) {
     }
 }
 
-/// Compares the edge with all others. The way along it, seen as running at its left by next to nothing, crosses an edge
-/// that has one end strictly left and one on the edge or right, if the edge's own ends lie strictly on both sides. What
-/// meets the begin is crossed before: it belongs to the winding number there, which counts what the ray to the left
-/// meets, its rows half open.
+/// Compares the edge with all others. The path follows the edge, shifted to its left by an infinitesimal amount. It
+/// crosses another edge that has one end strictly left and one on the edge or right of it, if the edge's own ends lie
+/// strictly on both sides of the other. What meets the start counts as crossed before: it is part of the winding number
+/// there, which counts what the ray to the left meets, with half-open rows.
 void PairwiseWinder::Meet(uint32_t edge) {
     const Columns& c = m_columns;
     const GridEdge& e = m_edges[edge];
@@ -167,7 +167,7 @@ void PairwiseWinder::Meet(uint32_t edge) {
         const F64 lo = side(x0, y0, alongX, alongY, less), hi = side(x1, y1, alongX, alongY, less);
         Store(&m_sideOfLo[i], lo);
         Store(&m_sideOfHi[i], hi);
-        // The half makes what lies on the edge lie right of it.
+        // Adding a half makes points on the edge count as right of it.
         const F64 parted = (otherLo + 0.5) * (otherHi + 0.5);
         const uint32_t crosses = MaskBits((I64)(Higher(parted, lo * hi) < 0.0));
         m_crossed[crossed] = static_cast<uint32_t>(i);
@@ -196,7 +196,7 @@ void PairwiseWinder::Meet(uint32_t edge) {
     }
 }
 
-/// An edge with a smaller index that perhaps lies upon e: where it does, it is at e's left.
+/// Handles an edge with a smaller index that may coincide with e: where it does, it counts as left of e.
 void PairwiseWinder::Overlap(const GridEdge& e, const GridEdge& f) {
     if (e.SideOf(f.lo) != 0 || e.SideOf(f.hi) != 0 || !Before(f.lo, e.hi) || !Before(e.lo, f.hi)) {
         return;
@@ -217,7 +217,7 @@ void PairwiseWinder::Pass(const GridEdge& e, const GridPoint& at, int32_t a, int
     m_passages.push_back({at, a, b});
 }
 
-/// Follows the winding number along the edge. Points at which the border goes straight on are left out.
+/// Follows the winding number along the edge. Points at which the border continues straight are omitted.
 void PairwiseWinder::Walk(const GridEdge& e, HeapArray<GridEdge>& border) const {
     int32_t a = m_a, b = m_b;
     const auto weight = [&] {
@@ -227,7 +227,7 @@ void PairwiseWinder::Walk(const GridEdge& e, HeapArray<GridEdge>& border) const 
     GridPoint from = e.lo;
     const auto put = [&](const GridPoint& to) {
         if (current != 0 && !(from == to)) {
-            const bool forward = Before(from, to); // a line that falls may have a level piece
+            const bool forward = Before(from, to); // a falling line may have a horizontal piece
             GridEdge piece;
             piece.lo = forward ? from : to;
             piece.hi = forward ? to : from;

@@ -13,16 +13,17 @@ constexpr int kWayBits = 27;
 
 [[nodiscard]] bool IsFlat(const GridEdge& e) noexcept { return e.hi.y - e.lo.y < std::abs(e.hi.x - e.lo.x); }
 
-/// In the plane of doubled coordinates, where corners of pixels are whole: an edge that rises, and the pixel around a
-/// centre, whose left and lower borders belong to it.
+/// Whether an edge that rises passes through the pixel around a centre, which includes its left and lower borders.
+/// Computed in doubled coordinates, in which corners of pixels are integers.
 [[nodiscard]] bool Passes(const GridEdge& e, const GridPoint& centre) noexcept {
     const int64_t left = centre.x - 1, right = centre.x + 1, dx = e.hi.x - e.lo.x, dy = e.hi.y - e.lo.y;
     const int64_t low = std::max(e.lo.y, centre.y - 1), high = std::min(e.hi.y, centre.y + 1);
     if (low > high || low > centre.y) {
         return false;
     }
-    const bool ends = e.hi.y <= centre.y; // else the row's upper border, which is not part of it, is reached
-    // x at the heights low and high, less e.lo.x and times dy, against the sides in the same terms.
+    const bool ends = e.hi.y <= centre.y; // otherwise the edge reaches the row's upper border, which is not part of the
+                                          // row
+    // x at the heights low and high, minus e.lo.x and times dy, compared with the sides in the same units.
     const int64_t xLow = dx * (low - e.lo.y), xHigh = dx * (high - e.lo.y);
     const int64_t l = (left - e.lo.x) * dy, r = (right - e.lo.x) * dy;
     if (dx >= 0) {
@@ -53,7 +54,7 @@ private:
     HeapArray<uint64_t>& m_pixels;
 };
 
-/// Asks at the lower and the upper side of every pixel: questions 2i and 2i + 1 belong to pixel i.
+/// Queries the lower and the upper side of every pixel: queries 2i and 2i + 1 belong to pixel i.
 class PixelSnapper::PassageCollector final : public LineSweep::Listener {
 public:
     PassageCollector(PixelSnapper& snapper, const HeapArray<GridEdge>& lines, bool flat) noexcept
@@ -93,7 +94,7 @@ uint32_t PixelSnapper::Snap(HeapArray<GridEdge>& out) {
     FindPassages(false);
     FindPassages(true);
     Link(out);
-    return 2; // of all edges, and of the two kinds
+    return 2; // over all edges, and over the two kinds
 }
 
 void PixelSnapper::FindHotPixels() {
@@ -151,7 +152,7 @@ void PixelSnapper::Link(HeapArray<GridEdge>& out) const {
             from = to;
         };
         for (; next < passages.size() && passages[next].order >> kWayBits == i; ++next) {
-            put(PointOf(passages[next].pixel)); // twice the same counts once
+            put(PointOf(passages[next].pixel)); // duplicates are ignored
         }
         put(e.hi);
     }

@@ -1,22 +1,21 @@
 // SPDX-License-Identifier: MIT
-// Makes edges between grid points meet at common grid points only, by a number of sweeps that is known beforehand.
+// Makes edges between grid points meet only at common grid points, in a fixed number of sweeps.
 //
-// 1. A pixel is the square of side 1 around a grid point, left and lower borders included. It is hot if an edge ends in
-//    it or two edges cross in it.
+// 1. A pixel is the square of side 1 around a grid point, including its left and lower borders. It is hot if an edge
+//    ends in it or two edges cross in it.
 // 2. Each edge becomes the chain of the centres of the hot pixels that it passes through, in their order along it.
-// 3. Such chains do not cross: they have nothing in common but centres and whole links (Guibas and Marimont 1998,
-//    Rounding Arrangements Dynamically). Think of all hot pixels shrinking to their centres at once, first along x and
-//    then along y. The pieces of edges inside of them shrink along, those between them follow with their ends. At no
-//    time does such a piece come into a hot pixel that it was not in: on its way it moves no faster than the pixels'
-//    borders do. So no edge ever passes over a point that is an end or a crossing, and the order stays what it was.
-// 4. A chain stays within half a unit of its edge along x and y, and whatever windings the edges had, their chains
-// have.
-// 5. One sweep finds all crossings (LineSweep), hence all hot pixels. An edge that rises more than it runs can't pass
-//    through a pixel without touching its lower or upper side: a second sweep, over these edges alone, asks at both
-//    sides of every hot pixel which edges touch them. A third does so for the others with x and y exchanged. Three
-//    sweeps, whatever the input.
+// 3. Such chains do not cross: they share only centres and whole links (Guibas and Marimont 1998, Rounding Arrangements
+//    Dynamically). Proof: let all hot pixels shrink to their centres at once, first along x and then along y. Pieces of
+//    edges inside them shrink too, and the pieces between follow with their ends. A piece never enters a hot pixel that
+//    it was not in, because it moves no faster than the pixels' borders. So no edge passes over a point that is an end
+//    or a crossing, and the order does not change.
+// 4. A chain stays within half a unit of its edge along x and y, and has the windings of its edge.
+// 5. One sweep finds all crossings (LineSweep), hence all hot pixels. An edge that rises more than it runs cannot pass
+//    through a pixel without touching its lower or upper side; a second sweep over these edges alone finds the edges
+//    that touch these sides of each hot pixel. A third sweep does so for the others with x and y exchanged. So there
+//    are three sweeps for any input.
 //
-// Time is (n + k) log n, where k counts the crossings and the passages of edges through hot pixels.
+// Time: O((n + k) log n), where k counts the crossings and the passages of edges through hot pixels.
 #pragma once
 
 #include "LineSweep.h"
@@ -29,16 +28,16 @@ public:
     PixelSnapper(const PixelSnapper&) = delete;
     PixelSnapper& operator=(const PixelSnapper&) = delete;
 
-    /// Replaces `out` by the links of all chains, with the weights of their edges, and says how many sweeps it took.
+    /// Replaces `out` by the links of all chains, with the weights of their edges. Returns the number of sweeps.
     uint32_t Snap(HeapArray<GridEdge>& out);
 
 private:
     class CrossingCollector;
     class PassageCollector;
 
-    /// That an edge passes through a hot pixel, not that of an end.
+    /// An edge passes through a hot pixel other than that of its ends.
     struct Passage {
-        uint64_t order; // edge << 27 | way along x and y from its begin
+        uint64_t order; // edge << 27 | distance along x and y from its start
         uint64_t pixel;
     };
 
@@ -47,7 +46,7 @@ private:
     void Link(HeapArray<GridEdge>& out) const;
 
     HeapArray<GridEdge>& m_edges;
-    HeapArray<uint64_t> m_pixels; // SweepKeys of their centres
+    HeapArray<uint64_t> m_pixels; // SweepKeys of the hot pixels' centres
     HeapArray<Passage> m_passages;
 };
 

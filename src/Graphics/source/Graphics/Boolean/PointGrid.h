@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The map between user space and the integer grid: a power of two, so that going back is exact, and as fine as the
-// floats allow near the largest coordinate.
+// The map between user space and the integer grid: a power of two, so that mapping back is exact, and as fine as the
+// floats near the largest coordinate allow.
 #pragma once
 
 #include "../Types.h"
@@ -10,9 +10,9 @@ namespace Graphics {
 
 class PointGrid {
 public:
-    /// `most` is the largest absolute coordinate, finite.
+    /// `most` is the largest absolute coordinate; it is finite.
     explicit PointGrid(double most) noexcept {
-        // most * scale < 2^24 - 8, which leaves room for a margin; and no unit below the smallest float.
+        // most * scale < 2^24 - 8, which leaves room for a margin; and the unit is no smaller than the smallest float.
         int exponent = 0;
         static_cast<void>(std::frexp(most, &exponent)); // most < 2^exponent
         int shift = 24 - exponent;
@@ -26,7 +26,7 @@ public:
 
     /// The size of a grid cell in user units.
     [[nodiscard]] double Unit() const noexcept { return m_unit; }
-    /// The nearest grid point; p lies within the grid.
+    /// The nearest grid point; (x, y) lies within the grid.
     [[nodiscard]] GridPoint ToGrid(double x, double y) const noexcept { return {Round(x), Round(y)}; }
     /// Exact.
     [[nodiscard]] Point ToUser(const GridPoint& p) const noexcept {
@@ -35,7 +35,7 @@ public:
 
 private:
     [[nodiscard]] int32_t Round(double v) const noexcept {
-        constexpr double kMagic = 6755399441055744.0; // 1.5 * 2^52: a sum with it has no fraction
+        constexpr double kMagic = 6755399441055744.0; // 1.5 * 2^52: adding it removes the fraction
         return static_cast<int32_t>(v * m_scale + kMagic - kMagic);
     }
 

@@ -19,7 +19,7 @@ const HeapArray<RingClipper::WidePoint>& RingClipper::Clip(const HeapArray<Point
     return m_ring;
 }
 
-/// Keeps what has sign * coordinate >= sign * border.
+/// Keeps the part with sign * coordinate >= sign * border.
 template <double RingClipper::WidePoint::*Axis>
 void RingClipper::ClipSide(const HeapArray<Point>& ring, double border, double sign) {
     constexpr bool kX = Axis == &WidePoint::x;
@@ -35,7 +35,7 @@ void RingClipper::ClipSide(const HeapArray<Point>& ring, double border, double s
         if ((begin >= 0) != (end >= 0)) {
             WidePoint p{};
             p.*Axis = border;
-            p.*kOther = from.*kOther; // right for a way along another border
+            p.*kOther = from.*kOther; // exact for a path along another border
             if (from.edge != kNone) {
                 const Point &a = ring[from.edge], &b = ring[from.edge + 1 == ring.size() ? 0 : from.edge + 1];
                 p.*kOther = CutAcross(a, b, kX ? PlaneAxis::X : PlaneAxis::Y, border, m_step);

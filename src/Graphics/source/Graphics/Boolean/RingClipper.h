@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Limits a closed ring of lines to a box without changing how it winds around the points inside: what lies outside is
-// replaced by a way along the border (Sutherland and Hodgman 1974). An edge is cut where it meets the border exactly,
-// however far its ends are.
+// Clips a closed ring of lines to a box without changing its winding around points inside: parts outside are replaced
+// by a path along the border (Sutherland and Hodgman 1974). An edge is cut exactly where it meets the border, however
+// far away its ends are.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -14,14 +14,14 @@ public:
     struct Box {
         double left, top, right, bottom;
     };
-    /// A point and what leads from it to the next: an edge of the ring, by its number, or, kNone, a way along the
-    /// border.
+    /// A point, and what connects it to the next point: the number of an edge of the ring, or kNone for a path along
+    /// the border.
     struct WidePoint {
         double x, y;
         uint32_t edge;
     };
 
-    /// Errors of a thousandth of `step` do not matter.
+    /// Crossings are accurate to a thousandth of `step`.
     RingClipper(const Box& box, double step) noexcept : m_box(box), m_step(step) {}
 
     [[nodiscard]] const Box& Limits() const noexcept { return m_box; }

@@ -7,9 +7,9 @@ namespace Graphics {
 
 namespace {
 
-/// Whether the curve stays beside its chord, within the tolerance: both control points do, and it strays from the chord
-/// by three quarters of what they do at most. Steps of equal length in the parameter do not see that: towards a point
-/// where control points meet they halve a line until it is as short as the tolerance.
+/// Whether the curve stays within the tolerance of its chord: both control points do, and the curve deviates by at most
+/// three quarters of their distance. Uniform parameter steps do not detect this: towards a point where control points
+/// coincide they would halve a line until it is as short as the tolerance.
 [[nodiscard]] bool IsChord(const WideCurve& c, double tolerance) noexcept {
     const double dx = c.x[3] - c.x[0], dy = c.y[3] - c.y[0];
     const double square = dx * dx + dy * dy;
@@ -31,8 +31,8 @@ void RingFlattener::BeginFigure(const Point& start) {
 }
 
 void RingFlattener::CubicTo(const Point& c1, const Point& c2, const Point& end) {
-    // Few steps at a time keep the flattener's sums of floats accurate. From the largest floats to the smallest
-    // tolerances it takes fewer halvings than there are here.
+    // Few steps at a time keep the flattener's float sums accurate. Even from the largest floats to the smallest
+    // tolerances, the number of halvings stays below the limit here.
     constexpr uint32_t kSteps = 16;
     constexpr int kDepth = 96;
     const auto place = [&](const WideCurve& c) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sends the figures of a shape on as closed rings of lines.
+// Sends the figures of a shape as closed rings of lines.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -9,7 +9,7 @@ namespace Graphics {
 
 class RingFlattener {
 public:
-    /// Curves are flattened to within `tolerance`, and not at all outside of `limits`.
+    /// Curves are flattened to within `tolerance`; outside `limits` they become their chords.
     RingFlattener(const RingClipper::Box& limits, float tolerance) noexcept
         : m_limits(limits), m_tolerance(tolerance) {}
 

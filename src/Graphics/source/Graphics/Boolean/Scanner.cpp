@@ -12,7 +12,7 @@
 namespace Graphics {
 namespace {
 
-/// Of edges that are the border: 1 is inside.
+/// For edges that are a border: winding number 1 is inside.
 constexpr WindingTest kBorderTest(GXCombineUnion, GXFillRuleNonZero, GXFillRuleNonZero);
 
 } // namespace
@@ -33,7 +33,7 @@ void Scanner::Run() {
     m_exceptionsAllowed = m_edges.All().size() / kEdgesPerException;
     for (Sweep(); m_state.unfinished; Sweep()) {
         if (m_snapped) {
-            GX_RAISE("Graphics::Scanner::Run", "Snapped edges cross"); // a proof says that they do not
+            GX_RAISE("Graphics::Scanner::Run", "Snapped edges cross"); // impossible by proof
         }
         if (m_state.sweeps < kMostSweeps && !Doubtful() && m_edges.BordersClose()) {
             KeepBorder();
@@ -43,20 +43,21 @@ void Scanner::Run() {
     }
 }
 
-/// Whether bends in each other's way are more than exceptions, or have led to a wrong order.
+/// Whether conflicts of bends are more than exceptions, or have led to a wrong order.
 bool Scanner::Doubtful() const noexcept { return !m_state.ordered || m_state.exceptions > m_exceptionsAllowed; }
 
-/// Once a sweep has kept its order, what it takes for the border is closed and wrong by bends at most, that is, about a
-/// unit: the next sweep needs the border alone. Edges inside of the area, often the bulk, are dropped. And x and y are
-/// exchanged: edges along the sweep line, which end before the points are seen that they pass closely, lie across it
-/// the next time.
+/// If a sweep has kept its order, the border that it found is closed, and wrong only by bends, about a unit. So the
+/// next sweep needs only the border; edges inside the area, often most of them, are dropped. x and y are exchanged,
+/// because edges along the sweep line end before the points that they pass closely are reached; exchanged, they lie
+/// across it.
 void Scanner::KeepBorder() {
     m_edges.KeepBorders();
     m_linker.SetTest(kBorderTest);
     m_edges.Transpose();
 }
 
-/// Begins anew with the lines, without bends: the border between exact crossings, then snapped to the grid at once.
+/// Restarts from the lines, without bends: finds the border between exact crossings, then snaps it to the grid in one
+/// step.
 void Scanner::SnapBorder() {
     HeapArray<GridEdge> border;
     if (!m_fromPairs) {
@@ -82,7 +83,7 @@ void Scanner::Sweep() {
     m_queue.Reset(m_edges.All());
     m_edges.BeginSweep();
     while (!Doubtful() && m_queue.Next(m_state.point, m_endHints, m_starts)) {
-        // Memory's time is most of the time: what starts next was written long ago.
+        // Prefetches the edges of the next stops: memory latency is most of the time.
         for (const uint32_t edge : m_queue.Upcoming()) {
             if (edge != kNone) {
                 __builtin_prefetch(&m_edges[edge]);
@@ -98,7 +99,7 @@ void Scanner::Sweep() {
     }
 }
 
-/// The most frequent point by far: one edge ends, one starts, nothing else is near. False if that is not so.
+/// Fast path of most points: one edge ends, one starts, and nothing else is near. False if this is not such a point.
 bool Scanner::PassPoint() {
     if (m_endHints.size() != 1 || m_starts.size() != 1) {
         return false;
@@ -142,8 +143,8 @@ void Scanner::ProcessPoint() {
     }
 }
 
-/// Collects the edges that end at the point, from left to right, and cuts those that pass through it. They keep their
-/// slots in the status, `m_taken` of them right of the place that is given, but count as taken out.
+/// Collects the edges that end at the point, from left to right, and cuts those that pass through it. They count as
+/// removed, but keep their slots in the status, `m_taken` of them right of the returned place.
 Scanner::Place Scanner::TakeOutEnds() {
     m_ends.clear();
     uint32_t known = kNone;
@@ -155,14 +156,14 @@ Scanner::Place Scanner::TakeOutEnds() {
         place = m_status.StepLeft(place);
     }
     Place behind = place;
-    uint32_t border = kNone; // the last one
+    uint32_t border = kNone; // the last border so far
     for (uint32_t e = m_status.RightOf(behind); e != kNone && Touches(e, -1); e = m_status.RightOf(behind)) {
         if (!(m_edges[e].hi == m_state.point)) {
             m_cutter.Bend(m_edges[e], m_state.point);
             const uint32_t upper = m_edges.Cut(e, m_state.point);
             m_starts.push_back(upper);
         }
-        // Bends may make edges of one start coincide. If two of them are borders, the next sweep has to make them one.
+        // Bends may make edges with one start coincide. If two of them are borders, the next sweep must merge them.
         if (m_edges[e].Borders()) {
             m_state.unfinished |= border != kNone && m_edges[border].lo == m_edges[e].lo;
             border = e;
@@ -175,9 +176,10 @@ Scanner::Place Scanner::TakeOutEnds() {
     return place;
 }
 
-/// Whether an edge ends at the point or is to be cut there: if it passes through it, and, once anything is bent, if its
-/// line passes through the point's cell. Else bent edges might step over points again and again, by ever smaller steps.
-/// If not, the edge has to have the point at the side with the sign of `hand`, and notes if it is near.
+/// Whether an edge ends at the point or must be cut there. It is cut if it passes through the point and, once anything
+/// is bent, if its line passes through the point's cell; otherwise bent edges might step over points again and again,
+/// by ever smaller steps. If false, the edge must have the point on the side with the sign of `hand`, and records if it
+/// is near.
 bool Scanner::Touches(uint32_t edge, int hand) noexcept {
     GridEdge& e = m_edges[edge];
     if (e.hi == m_state.point) {
@@ -187,8 +189,8 @@ bool Scanner::Touches(uint32_t edge, int hand) noexcept {
     if (side == 0) {
         return true;
     }
-    // Ends stray from the line by kFewUnits along x and y at most, as do the points in question: where both are, the
-    // line's strip is 4 * kFewUnits wide along x and y together. What is farther from the edge need not be compared.
+    // Ends lie within kFewUnits of the line along x and y, as do the points concerned. If both do, the line's strip is
+    // 4 * kFewUnits wide along x and y together, so points farther from the edge need no comparison.
     if (std::abs(side) <= 4 * EdgePieces::kFewUnits * Reach(e.lo, e.hi) && e.InBox(m_state.point)) {
         const Stray distance = m_edges.Distance(e, m_state.point);
         if (distance == Stray::None && m_state.hot) {
@@ -203,7 +205,7 @@ bool Scanner::Touches(uint32_t edge, int hand) noexcept {
     return false;
 }
 
-/// Once bent, edges that end at the point may stand elsewhere in the order.
+/// Removes the remaining edges that end at the point: after bends they may stand elsewhere in the order.
 void Scanner::TakeOutStragglers(Place& place) {
     if (!m_state.hot) {
         return;
@@ -225,7 +227,7 @@ void Scanner::TakeOutStragglers(Place& place) {
                                                             : m_status.Search(m_state.point, m_cutter.Comparisons());
 }
 
-/// From left to right; of the same direction, from short to long.
+/// Sorts from left to right; in the same direction from short to long.
 void Scanner::SortStarts() {
     if (m_starts.size() < 2) {
         return;
@@ -242,7 +244,7 @@ void Scanner::SortStarts() {
     }
 }
 
-/// Edges h1, h2 ... of one direction become pieces that follow each other:
+/// Edges h1, h2 ... of one direction become consecutive pieces:
 ///
 ///   o-----h1            o-----h1                        weight of all
 ///   o-----------h2  ->        h1----h2                  weight of all but the first

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Sorts numbers that are spread evenly, as coordinates mostly are, in a time that grows with their count: each goes to
-// the slot that its size suggests, one slot a number, and the little that is then out of order is moved.
+// Sorts numbers that are spread evenly, as coordinates mostly are, in linear time: each number goes to the slot that
+// its value suggests, one slot per number, and the few that are then out of order are moved.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,7 @@ namespace Graphics {
 
 template <class T> class SlotSort {
 public:
-    /// False, and nothing done, where numbers crowd. `numberOf` gives an item's number, in the order of which ties are
-    /// left as they were.
+    /// False, with nothing done, if the numbers crowd together. `numberOf` gives an item's number; the sort is stable.
     template <class NumberOf> [[nodiscard]] bool Sort(HeapArray<T>& items, const NumberOf& numberOf) {
         const size_t count = items.size();
         if (count < 2) {
@@ -60,7 +59,7 @@ public:
     }
 
 private:
-    static constexpr uint64_t kPairsPerItem = 16; // what is out of order moves by a quarter of it on average
+    static constexpr uint64_t kPairsPerItem = 16; // an item out of order moves by a quarter of this on average
 
     HeapArray<uint32_t> m_slots;
     HeapArray<T> m_scratch;

@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: MIT
-// Where a sweep is and what it has come upon: shared by those who do its parts.
+// The state and the findings of a sweep, shared by the classes that carry it out.
 #pragma once
 
 #include "GridPoint.h"
 
 namespace Graphics {
 
-/// What the work was, for those who measure it.
+/// Operation counts, for tests and benchmarks.
 struct SweepCounts {
-    uint32_t sweeps = 0;      // of every kind
+    uint32_t sweeps = 0;      // of all kinds
     uint64_t points = 0;      // stops of the sweeps
     uint64_t comparisons = 0; // of a point with an edge
     uint64_t cuts = 0;
-    uint64_t pairs = 0; // of edges compared with each other
+    uint64_t pairs = 0; // comparisons of two edges
 };
 
 struct SweepState {
-    GridPoint point{};       // where it stops
-    uint32_t sweeps = 0;     // begun so far
-    size_t exceptions = 0;   // cuts elsewhere than where the lines cross, as bends were in the way
-    bool hot = false;        // something was bent, in any sweep so far: what comes near a point goes through it
-    bool unfinished = false; // in this sweep something was bent that may have passed over a point: sweep again
-    bool ordered = true;     // no sign in this sweep that bent edges stood in a wrong order
+    GridPoint point{};       // current stop
+    uint32_t sweeps = 0;     // number begun
+    size_t exceptions = 0;   // cuts away from the lines' crossing, because bends were in the way
+    bool hot = false;        // something was bent in this or an earlier sweep: edges near a point are cut there
+    bool unfinished = false; // a bend in this sweep may have passed over a point: another sweep is needed
+    bool ordered = true;     // no bent edges were found in a wrong order in this sweep
 
     void BeginSweep() noexcept {
         sweeps += 1;

@@ -17,7 +17,7 @@ void SweepStatus::Clear() {
 }
 
 uint32_t SweepStatus::NewBlock(uint32_t order) {
-    // Room for every return to the spare list is made here, so that taking edges out never allocates.
+    // Reserves room for every return to the spare list, so that removing edges never allocates.
     m_spare.reserve(m_blocks.size() + 1);
     uint32_t block = 0;
     if (m_spare.empty()) {
@@ -43,7 +43,7 @@ void SweepStatus::Renumber(size_t from) noexcept {
 SweepStatus::Place SweepStatus::Find(uint32_t edge) const noexcept {
     const uint32_t block = m_edges[edge].block;
     const Block& b = m_blocks[block];
-    // Four at a time; what lies behind the last one is not the edge, or is the same edge's former place behind it.
+    // Compares four at a time. Slots behind the last edge cannot match first: they hold other edges, or older copies.
     using namespace GX_SIMD_NAMESPACE;
     for (uint32_t i = 0; i < kCapacity; i += 4) {
         if (const uint32_t found = MaskBits(Load(b.edges + i) == edge); found != 0) {
@@ -58,7 +58,7 @@ SweepStatus::Place SweepStatus::Search(const GridPoint& p, uint64_t& steps) cons
         ++steps;
         return m_edges[edge].SideOf(p) > 0;
     };
-    // The last block whose first edge is left of p, or the very first block.
+    // The last block whose first edge lies left of p, or the first block.
     const auto* last = std::partition_point(m_directory.begin() + 1, m_directory.end(),
                                             [&](uint32_t block) { return leftOfPoint(m_blocks[block].edges[0]); });
     const uint32_t block = *(last - 1);

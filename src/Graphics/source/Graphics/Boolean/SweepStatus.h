@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The edges that the sweep line crosses, from left to right, in blocks of up to 64: an edge knows its block, a block
-// its neighbours, and a sorted directory of blocks makes searching logarithmic. Neighbours lie side by side in memory,
-// and replacing an edge by the one that continues it, the most frequent step by far, moves nothing.
+// The edges that the sweep line crosses, from left to right, in blocks of up to 64. An edge refers to its block, a
+// block to its neighbours, and a sorted directory of blocks makes searching logarithmic. Neighbours are adjacent in
+// memory, and replacing an edge by its continuation, the most frequent step by far, moves nothing.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -11,7 +11,7 @@ namespace Graphics {
 
 class SweepStatus {
 public:
-    /// A place between edges: before the edge `index` of a block, or behind the block's last one.
+    /// A place between edges: before the edge `index` of a block, or behind the block's last edge.
     struct Place {
         uint32_t block, index;
     };
@@ -22,30 +22,30 @@ public:
     void Clear();
     [[nodiscard]] bool Empty() const noexcept { return m_directory.size() == 1 && m_blocks[m_directory[0]].count == 0; }
 
-    /// The place before an edge that the status holds.
+    /// The place before an edge that is in the status.
     [[nodiscard]] Place Find(uint32_t edge) const noexcept;
-    /// The place before the first edge that p is not right of. `steps` grows by the comparisons made.
+    /// The place before the first edge that p does not lie right of. Adds the comparisons made to `steps`.
     [[nodiscard]] Place Search(const GridPoint& p, uint64_t& steps) const noexcept;
-    /// The edges at both sides of a place; kNone at the ends.
+    /// The edges at both sides of a place; kNone at the ends of the status.
     [[nodiscard]] uint32_t LeftOf(const Place& place) const noexcept;
     [[nodiscard]] uint32_t RightOf(const Place& place) const noexcept;
-    /// The place one edge further left or right; there must be one.
+    /// The place one edge further left or right, which must exist.
     [[nodiscard]] Place StepLeft(const Place& place) const noexcept;
     [[nodiscard]] Place StepRight(const Place& place) const noexcept;
 
-    /// Puts an edge in and gives the place behind it.
+    /// Inserts an edge and returns the place behind it.
     Place Insert(const Place& place, uint32_t edge);
-    /// Takes out the edge right of a place and gives the place that is left.
+    /// Removes the edge right of a place and returns the place that remains.
     Place Erase(const Place& place) noexcept;
-    /// Puts another edge in the place of the one right of it.
+    /// Replaces the edge right of a place.
     void Replace(const Place& place, uint32_t edge) noexcept {
         uint32_t& slot = m_blocks[place.block].edges[place.index];
         m_edges[slot].block = kNone;
         m_edges[edge].block = place.block;
         slot = edge;
     }
-    /// Puts new edges in the place of the `count` ones right of it, which count as taken out already (block kNone), and
-    /// gives the place behind them.
+    /// Replaces the `count` edges right of a place, which are already marked as removed (block kNone), and returns the
+    /// place behind the new ones.
     Place Exchange(const Place& place, uint32_t count, const HeapArray<uint32_t>& edges);
 
 private:
@@ -64,7 +64,7 @@ private:
 
     HeapArray<GridEdge>& m_edges;
     HeapArray<Block> m_blocks;
-    HeapArray<uint32_t> m_directory; // blocks from left to right; none is empty but the last one left
+    HeapArray<uint32_t> m_directory; // blocks from left to right; a block is empty only if it is the only one
     HeapArray<uint32_t> m_spare;
 };
 

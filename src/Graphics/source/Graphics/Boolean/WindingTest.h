@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which winding numbers of two operands lie inside of their combination.
+// Which winding numbers of two operands lie inside their combination.
 #pragma once
 
 #include "../Types.h"
@@ -19,7 +19,7 @@ public:
     }
 
 private:
-    /// Bit 0: in neither, 1: in A alone, 2: in B alone, 3: in both.
+    /// Bit 0: in neither operand, 1: in A alone, 2: in B alone, 3: in both.
     [[nodiscard]] static constexpr unsigned Table(uint32_t mode) noexcept {
         switch (mode) {
         case GXCombineIntersection:
@@ -33,7 +33,7 @@ private:
         }
     }
 
-    int32_t m_maskA, m_maskB; // all bits for non-zero, the lowest for even-odd
+    int32_t m_maskA, m_maskB; // all bits for non-zero, the lowest bit for even-odd
     unsigned m_inside;
 };
 

@@ -11,8 +11,8 @@ namespace Graphics {
 BlockPool::Block BlockPool::Take(size_t bytes) {
     Block block;
     if (bytes > m_keepBytes) {
-        // A large block becomes one of this size: there are never more of them than were in use at one time. The
-        // nearest size has the most pages that need neither to go nor to come.
+        // A large block is resized to this size, so there are never more of them than were in use at one time. The
+        // nearest size has the most pages that need not be allocated or freed.
         const auto distance = [bytes](const Block& large) {
             const size_t capacity = large.capacity();
             return capacity == 0 ? SIZE_MAX : capacity < bytes ? bytes - capacity : capacity - bytes;
@@ -39,7 +39,7 @@ BlockPool::Block BlockPool::Take(size_t bytes) {
             m_small[best] = std::move(m_small[m_count]);
         }
     } else {
-        DropLarge(); // many small ones may follow
+        DropLarge(); // many small blocks may follow
     }
     block.Remake(bytes);
     m_wasted += block.capacity() - bytes;

@@ -9,8 +9,8 @@
 namespace Graphics {
 namespace {
 
-/// The extents of a row, and in it the longest stretch of 255, the first of equals. Where it ends, stretches of pixels
-/// are cut, and sources that step along a stretch start anew: it is part of what a page looks like.
+/// The extents of a row, with its longest sequence of 255, the first of equal length. Spans are split at its ends, and
+/// incremental sources restart there, so the choice affects output; keep the first-longest rule.
 struct LongestFull {
     LongestFull(int32_t rowBegin, int32_t rowEnd) noexcept
         : extents{rowBegin, rowEnd, rowBegin, rowBegin, 0}, begin(rowBegin), end(rowBegin) {}
@@ -50,7 +50,7 @@ struct LongestFull {
     }
 
     ClipRow extents;
-    int32_t begin; ///< of the stretch that may go on
+    int32_t begin; ///< start of the present sequence, which may continue
     int32_t end;
 };
 
@@ -80,7 +80,7 @@ void ClipBuilder::Row(int32_t y, std::span<CoverageRun> runs) {
     uint8_t* const row = m_pool.m_row.data();
     int32_t end = begin;
     LongestFull full(begin, runs.back().x1);
-    const bool combined = IsMasked(m_parent); // the longest stretch is found after that
+    const bool combined = IsMasked(m_parent); // the longest sequence is then found after combining
     for (const CoverageRun& run : runs) {
         std::memset(row + (end - begin), 0, static_cast<size_t>(run.x0 - end));
         uint8_t* out = row + (run.x0 - begin);

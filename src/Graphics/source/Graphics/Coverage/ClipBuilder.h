@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Turns the coverage of one path into a clip inside another clip and a box.
+// Turns the coverage of one path into a clip, limited by another clip and a box.
 #pragma once
 
 #include "../Scan/RasterizationSink.h"
@@ -9,7 +9,7 @@ namespace Graphics {
 
 class ClipBuilder final : public RasterizationSink {
 public:
-    /// `parent` may be null. One builder of a pool at a time.
+    /// `parent` may be null. A pool serves one builder at a time.
     ClipBuilder(ClipPool& pool, const ClipRegion* parent, const IntRect& visible);
 
     void Row(int32_t y, std::span<CoverageRun> runs) override;
@@ -20,7 +20,7 @@ public:
 
 private:
     void StartMask();
-    /// Multiplies the parent's coverage into the row at hand, whose first column is the extents' first one.
+    /// Multiplies the current row by the parent's coverage; the row starts at the first column of `extents`.
     [[nodiscard]] ClipRow Combine(int32_t y, const ClipRow& extents, uint8_t* row) const noexcept;
 
     ClipPool& m_pool;

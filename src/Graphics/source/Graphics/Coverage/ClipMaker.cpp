@@ -13,7 +13,7 @@ namespace Graphics {
 ClipRef ClipMaker::Make(Rasterizer& rasterizer, const Path& path, const Shape& shape, const Matrix& m,
                         const IntRect& area, const IntRect& visible, const ClipRef& parent, bool snap) {
     const IntRect inside = shape.Empty() || IsEmpty(visible) ? IntRect{0, 0, 0, 0} : visible;
-    const uint64_t identity = path.Stored() != nullptr ? shape.Identity() : 0; // no shape has 0
+    const uint64_t identity = path.Stored() != nullptr ? shape.Identity() : 0; // 0 is no shape's identity
     const auto same = [&](const Key& key) {
         return key.shape == identity && key.parent.get() == parent.get() && key.snap == snap && key.visible == inside &&
                SameMatrix(key.transform, m);
@@ -29,7 +29,7 @@ ClipRef ClipMaker::Make(Rasterizer& rasterizer, const Path& path, const Shape& s
     }
     ClipRef clip = builder.Finish();
     if (identity != 0) {
-        // The oldest go: a few are kept, and no more coverage than a little unless the newest has it.
+        // Drops the oldest keys: only a few are kept, and little coverage unless the newest has more.
         m_recent.push_back({parent, clip, identity, m, inside, snap});
         size_t first = m_recent.size() - std::min(m_recent.size(), kRecent);
         while (first + 1 < m_recent.size() && KeptBytes(first) > kRecentBytes) {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Clips. A clip is a box in device pixels and, where it is more than a rectangle, 8-bit coverage, of which each row
-// stores only the pixels that are partly covered:
+// Clips. A clip is a box in device pixels and, unless it is a rectangle, 8-bit coverage of which each row stores only
+// the partly covered pixels:
 //
 //     box.left   begin        fullBegin          fullEnd      end      box.right
 //        |    all 0    | stored  |   all 255       | stored  |    all 0    |
 //
-// Clips are immutable once built, shared by the states that use them and recycled by their pool. A rectangle inside a
-// clip shares the clip's coverage.
+// Clips are immutable, shared by the states that use them and recycled by their pool. A rectangle inside a clip shares
+// the clip's coverage.
 #pragma once
 
 #include <algorithm>
@@ -21,12 +21,12 @@ namespace Graphics {
 class ClipPool;
 
 struct ClipRow {
-    int32_t begin, end;         ///< columns outside are 0
-    int32_t fullBegin, fullEnd; ///< columns inside are 255; may be empty
-    size_t offset;              ///< of the bytes of [begin, fullBegin), behind which are those of [fullEnd, end)
+    int32_t begin, end;         ///< columns outside have coverage 0
+    int32_t fullBegin, fullEnd; ///< columns inside have coverage 255; may be empty
+    size_t offset;              ///< of the bytes of [begin, fullBegin), followed by those of [fullEnd, end)
 };
 
-/// The rows of a clip and behind them the bytes of all, in one block.
+/// The rows of a clip, followed by their bytes, in one block.
 class ClipCoverage {
 private:
     friend class ClipRegion;
@@ -38,25 +38,25 @@ private:
 
     BlockPool::Block m_block;
     const uint8_t* m_bytes = nullptr;
-    int32_t m_top = 0;         // of the first row
-    uint32_t m_references = 0; // by clips
+    int32_t m_top = 0;         // y of the first row
+    uint32_t m_references = 0; // number of clips that share this
 };
 
 class ClipRegion {
 public:
     [[nodiscard]] const IntRect& Box() const noexcept { return m_box; }
     [[nodiscard]] bool HasMask() const noexcept { return m_coverage != nullptr; }
-    /// Of a masked clip. The extents may go beyond the columns of the box.
+    /// Requires HasMask. The extents may exceed the columns of the box.
     [[nodiscard]] const ClipRow& Row(int32_t y) const noexcept {
         return m_coverage->Rows()[static_cast<size_t>(y - m_coverage->m_top)];
     }
-    /// The coverage of column x of a row, from begin to fullBegin or from fullEnd to end, and of those behind it there.
+    /// The stored coverage from column x on; x lies in [begin, fullBegin) or [fullEnd, end).
     [[nodiscard]] const uint8_t* Partial(const ClipRow& row, int32_t x) const noexcept {
         const int32_t skipped = x < row.fullBegin ? row.begin : row.fullEnd - row.fullBegin + row.begin;
         return m_coverage->m_bytes + row.offset + static_cast<size_t>(x - skipped);
     }
-    /// Calls use(from, to, coverage) for each part of the columns [x0, x1), which lie in the box, that is covered at
-    /// all; null stands for 255.
+    /// Calls use(from, to, coverage) for each covered part of the columns [x0, x1), which lie in the box; a null
+    /// coverage means 255.
     template <class Use> void ForParts(int32_t y, int32_t x0, int32_t x1, Use&& use) const {
         const ClipRow& row = Row(y);
         const int32_t begin = std::max(x0, row.begin);
@@ -73,7 +73,7 @@ public:
             use(fullEnd, end, Partial(row, fullEnd));
         }
     }
-    /// The coverage of the columns [x0, x1), which lie in the box.
+    /// Copies the coverage of the columns [x0, x1), which lie in the box.
     void CopyRow(int32_t y, int32_t x0, int32_t x1, uint8_t* out) const noexcept;
 
 private:
@@ -88,10 +88,10 @@ private:
     ClipPool* m_pool = nullptr;
 };
 
-/// Whether there is a clip that is more than a rectangle.
+/// Whether there is a clip, and it is not a rectangle.
 [[nodiscard]] inline bool IsMasked(const ClipRegion* clip) noexcept { return clip != nullptr && clip->HasMask(); }
 
-/// A counted reference; one thread only. Null stands for "no clip".
+/// A counted reference for use on one thread. Null means "no clip".
 class ClipRef {
 public:
     ClipRef() noexcept = default;
@@ -119,7 +119,7 @@ private:
     ClipRegion* m_clip = nullptr;
 };
 
-/// Makes clips and takes them back, with their memory. Outlives every reference to its clips.
+/// Creates clips and recycles their memory. Must outlive every reference to its clips.
 class ClipPool {
 public:
     ClipPool() noexcept = default;
@@ -129,9 +129,9 @@ public:
 
     [[nodiscard]] ClipRegion* Take();
     void Give(ClipRegion* clip) noexcept;
-    /// Gives a clip without coverage one of so many rows and bytes, undefined but for `top`.
+    /// Gives a clip without coverage a new one of this size, undefined except for `top`.
     void MakeCoverage(ClipRegion& clip, int32_t top, size_t rows, size_t bytes);
-    /// Drops what is as large as a page: painting has ended.
+    /// Call after painting: frees page-sized memory.
     void Trim() noexcept;
 
 private:
@@ -144,7 +144,7 @@ private:
     std::vector<ClipRegion*> m_spareClips;       // without coverage
     std::vector<ClipCoverage*> m_spareCoverages; // without a block
 
-    // What a builder works with: the row at hand, and the rows and bytes of the clip up to it.
+    // Working memory of a builder: the current row, and the clip's rows and bytes so far.
     HeapArray<uint8_t> m_row;
     HeapArray<ClipRow> m_rows;
     HeapArray<uint8_t> m_bytes;

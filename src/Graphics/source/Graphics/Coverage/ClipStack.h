@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The clips that belong to the graphics states of one layer, the current one last.
+// The clips of the graphics states of one layer; the current clip is the last.
 #pragma once
 
 #include <vector>
@@ -18,12 +18,12 @@ public:
     }
 
     void Push() { m_pushed.push_back(m_current); }
-    /// There is one for every Push.
+    /// Requires a matching Push.
     void Pop() noexcept {
         m_current = std::move(m_pushed.back());
         m_pushed.pop_back();
     }
-    /// As in a new layer: no clip.
+    /// Resets to the state of a new layer: no clip.
     void Clear() noexcept {
         m_pushed.clear();
         m_current = ClipRef();

@@ -17,11 +17,11 @@ constexpr size_t kHalfBytes = GlyphCache::kMaxBytes / 2;
 constexpr size_t kFirstBytes = size_t{64} << 10;
 constexpr size_t kFirstTable = 256;
 
-/// Caches that wait. No constructor and no destructor: a target may still give its cache back while the process ends.
+/// The waiting caches. Constant initialisation, no destructor: a target may return its cache while the process ends.
 constexpr size_t kSlots = 4;
 constinit std::atomic<GlyphCache*> g_waiting[kSlots]{};
 
-/// Ends the caches when the library goes.
+/// Deletes the caches when the library is unloaded.
 struct Sweeper {
     ~Sweeper() { GlyphCache::DropWaiting(); }
 } g_sweeper;
@@ -100,7 +100,7 @@ GlyphCache::Key GlyphCache::MakeKey(const Shape& shape, const Matrix& m, uint32_
     key.linear = {std::bit_cast<uint32_t>(m.m00), std::bit_cast<uint32_t>(m.m01), std::bit_cast<uint32_t>(m.m10),
                   std::bit_cast<uint32_t>(m.m11)};
     key.phase = phase;
-    if (key.linear != m_lastLinear) { // a text has one
+    if (key.linear != m_lastLinear) { // constant within a text
         m_lastLinear = key.linear;
         m_lastLinearHash = Mix((uint64_t{key.linear[0]} << 32 | key.linear[1]) +
                                0xC2B2AE3D27D4EB4FU * (uint64_t{key.linear[2]} << 32 | key.linear[3]));
@@ -135,7 +135,7 @@ GlyphCache::Entry* GlyphCache::Lookup(const Key& key) noexcept {
     if (entry == nullptr) {
         return nullptr;
     }
-    // Still in use: over to the younger half, unless that had to be started for it and the entry is gone.
+    // Moves the used entry to the younger half, unless a new half had to be started for it and the entry is gone.
     Half& young = m_halves[m_young];
     if (young.used + kEntryBytes + entry->dataBytes > kHalfBytes) {
         return entry;
@@ -150,7 +150,7 @@ void GlyphCache::Empty(Half& half) noexcept {
     std::fill(half.table.begin(), half.table.end(), 0U);
 }
 
-/// Room for one more entry; raises "Not enough memory" and leaves the half as it was.
+/// Reserves room for one more entry; raises "Not enough memory" and leaves the half unchanged.
 void GlyphCache::Reserve(Half& half, size_t bytes) {
     const size_t needed = half.used + bytes;
     if (needed > half.bytes.size()) {
@@ -161,7 +161,7 @@ void GlyphCache::Reserve(Half& half, size_t bytes) {
         }
         half.bytes = std::move(grown);
     }
-    // At most half full: short searches.
+    // At most half full, so that searches are short.
     if ((half.count + 1) * 2 > half.table.size()) {
         HeapArray<uint32_t> grown;
         grown.resize(std::max(kFirstTable, half.table.size() * 2));
@@ -221,7 +221,7 @@ bool GlyphCache::Measure(const Shape& shape, const Matrix& m, Entry& entry) noex
     if (!shape.AllFinite() || !(box.left > -kFar && box.top > -kFar && box.right < kFar && box.bottom < kFar)) {
         return false;
     }
-    // A side's samples lie up to 1.5 of them right of it and half a one left of it.
+    // Samples of a side lie at most 1.5 samples right and 0.5 samples left of it.
     entry.left = static_cast<int32_t>(std::floor(box.left - 0.125F));
     entry.top = static_cast<int32_t>(std::floor(box.top));
     entry.width = static_cast<int32_t>(std::ceil(box.right + 0.25F)) - entry.left;
@@ -250,7 +250,7 @@ SampleView GlyphCache::MakeSamples(const Shape& shape, const Matrix& m, const En
 }
 
 bool GlyphCache::Place(const Shape& shape, const Matrix& m, Rasterizer& rasterizer, GlyphCoverage& out) {
-    // Beyond, and for NaN, a float does not tell eighths apart.
+    // Larger floats do not resolve eighths; NaN compares false.
     constexpr float kFar = 1048576.0F;
     if (shape.Empty() || !(std::fabs(m.m20) < kFar && std::fabs(m.m21) < kFar)) {
         return false;
@@ -293,7 +293,7 @@ bool GlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Raste
             first.key = counterKey;
             counter = Insert(first, nullptr);
         }
-        // The counter's place for a number is its width.
+        // The counter entry stores its number as its width.
         if (counter != nullptr && static_cast<uint32_t>(counter->width++) >= kDirectPhases) {
             samples = MakeSamples(shape, m, box, rasterizer);
         }
@@ -301,7 +301,7 @@ bool GlyphCache::Find(const Shape& shape, const Matrix& m, IntPoint phase, Raste
     if (samples.bits != nullptr) {
         samples.Coverage(phase.x, phase.y, m_coverage.data());
     } else {
-        std::fill_n(m_coverage.data(), entry.dataBytes, uint8_t{0}); // none for a box without pixels
+        std::fill_n(m_coverage.data(), entry.dataBytes, uint8_t{0}); // stays zero for a box without pixels
         Feed(shape, m, box, entry.width, entry.height, rasterizer);
         rasterizer.Move(phase.x, phase.y);
         CoverageRows rows(m_coverage.data(), entry.strideBytes);

@@ -11,7 +11,7 @@
 namespace Graphics {
 namespace {
 
-constexpr uint8_t kHalf = 127; // the byte of 32 samples of 64
+constexpr uint8_t kHalf = 127; // the coverage byte of 32 of 64 samples
 
 } // namespace
 
@@ -70,7 +70,8 @@ IntRect PixelInverter::LineBox(const Point& from, const Point& to) noexcept {
     if (!std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) || !std::isfinite(to.y)) {
         return {0, 0, 0, 0};
     }
-    // A pixel on every side: the other coordinate is taken at the centre of a step, which may lie beyond an end.
+    // One more pixel on every side: the other coordinate is evaluated at the centre of a step, which may lie beyond an
+    // end.
     return RoundOut({std::min(from.x, to.x) - 1.0F, std::min(from.y, to.y) - 1.0F, std::max(from.x, to.x) + 1.0F,
                      std::max(from.y, to.y) + 1.0F});
 }
@@ -82,7 +83,7 @@ void PixelInverter::Line(const Point& from, const Point& to) {
     const double dx = static_cast<double>(to.x) - from.x;
     const double dy = static_cast<double>(to.y) - from.y;
     const bool steep = std::fabs(dy) > std::fabs(dx);
-    // Along the longer direction u; v is the other one.
+    // u is the coordinate along the longer direction, v the other one.
     const double u0 = steep ? from.y : from.x;
     const double u1 = steep ? to.y : to.x;
     const double v0 = steep ? from.x : from.y;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Inverts whole pixels: those that a path covers by at least a half and that the clip leaves by at least a half. Each
-// pixel of a call is inverted once, so that the same call restores it.
+// Inverts whole pixels: those that both the path and the clip cover by at least a half. Each pixel is inverted once per
+// call, so the same call again restores it.
 #pragma once
 
 #include "../Drawing/Path.h"
@@ -17,13 +17,13 @@ public:
 
     void Row(int32_t y, std::span<CoverageRun> runs) final;
     void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) final;
-    /// One device pixel for each step along the longer direction.
+    /// Inverts one device pixel for each step along the longer direction.
     void Line(const Point& from, const Point& to);
-    /// A rectangle that holds these pixels; empty where a coordinate is not finite.
+    /// A rectangle that contains these pixels; empty if a coordinate is not finite.
     [[nodiscard]] static IntRect LineBox(const Point& from, const Point& to) noexcept;
 
 protected:
-    /// The columns [x0, x1) of row y, inside bounds and clip.
+    /// Inverts the columns [x0, x1) of row y, inside bounds and clip.
     virtual void Invert(int32_t y, int32_t x0, int32_t x1) = 0;
 
 private:
@@ -33,21 +33,21 @@ private:
     const ClipRegion* m_clip;
 };
 
-/// The pixels that a rectangle or a line inverts.
+/// Inversion of a rectangle or a line.
 class Inversion {
 public:
-    /// `shapes` keeps the figure as a shape and is not asked for another one meanwhile.
+    /// `shapes` stores the figure as a shape and must not be used for another one meanwhile.
     Inversion(const Matrix& transform, const BasicFigure& figure, PathShape& shapes);
 
     [[nodiscard]] IntRect Box() const noexcept;
-    /// Inverts what lies in `visible`, a part of the target's `area`.
+    /// Inverts the part in `visible`, which lies in the target's `area`.
     void Send(PixelInverter& inverter, Rasterizer& rasterizer, const IntRect& area, const IntRect& visible) const;
 
 private:
     const Matrix m_transform;
     const Shape& m_shape;
     const bool m_isLine;
-    Point m_from, m_to; // of a line, on the device
+    Point m_from, m_to; // ends of a line, on the device
 };
 
 } // namespace Graphics

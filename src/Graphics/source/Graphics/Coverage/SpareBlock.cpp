@@ -11,7 +11,7 @@ namespace {
 
 constinit std::atomic<SpareBlock::Block*> g_waiting{nullptr};
 
-/// The library may be unloaded before the process ends.
+/// Frees the block when the library is unloaded, which may be before the process ends.
 struct Sweeper {
     ~Sweeper() { SpareBlock::Drop(); }
 } g_sweeper;
@@ -28,7 +28,7 @@ void SpareBlock::Give(Block block) noexcept {
     if (bytes < ProcessHeap::kSystemBytes || bytes > kMostBytes) {
         return;
     }
-    // Without memory for its place the block goes.
+    // If there is no memory for the record, the block is freed.
     if (auto* const waiting = new (std::nothrow) Block(std::move(block)); waiting != nullptr) {
         delete g_waiting.exchange(waiting);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// One large block of memory that waits between paint brackets, for the whole process: a page whose groups are as large
-// as it is paints again without the system handing out and zeroing the same pages anew. However many targets there are,
-// no more than kMostBytes wait.
+// One large block of memory, shared by the process, that waits between paint brackets. A page with page-sized groups
+// paints again without the system allocating and zeroing the same pages anew. At most kMostBytes wait, however many
+// targets there are.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -12,12 +12,12 @@ class SpareBlock {
 public:
     using Block = HeapArray<uint8_t>;
 
-    /// The planes of a group of 1672 x 1672 pixels: a page at 150 dots an inch.
+    /// The planes of a group of 1672 x 1672 pixels: a page at 150 dots per inch.
     static constexpr size_t kMostBytes = size_t{16} << 20;
 
-    /// What waits, or a block of no bytes. Safe from any thread, as are the others.
+    /// The waiting block, or an empty one. All functions may be called from any thread.
     [[nodiscard]] static Block Take() noexcept;
-    /// A block that is the system's own and within the bound takes the place of what waits; others are freed.
+    /// A block allocated from the system and within the limit replaces the waiting one; other blocks are freed.
     static void Give(Block block) noexcept;
     static void Drop() noexcept;
 };

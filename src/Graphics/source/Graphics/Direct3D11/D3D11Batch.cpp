@@ -6,7 +6,7 @@
 namespace Graphics {
 namespace {
 
-// What 16-bit indices reach without 0xFFFF, which some drivers take for the end of a strip.
+// The limit of 16-bit indices without 0xFFFF, which some drivers take for the end of a strip.
 constexpr uint32_t kIndexedQuads = 16383;
 constexpr size_t kFirstCapacity = size_t{4096} * D3D11Mesh::kQuadVertices * sizeof(D3D11Vertex);
 constexpr size_t kMaxBoxes = 16;
@@ -96,12 +96,12 @@ void D3D11Batch::Flush() {
     }
 }
 
-/// The buffers and the state that all draws share.
+/// Creates the buffers and sets the state shared by all draws.
 void D3D11Batch::Prepare() {
     if (m_indices) {
         return;
     }
-    // All of them or none: what is there says that the rest is there.
+    // All or none: m_indices is assigned last and tells that the others exist.
     D3D11Ref<ID3D11Buffer> indices = m_device.CreateIndexBuffer(kIndexedQuads);
     D3D11Ref<ID3D11Buffer> vertexConstants = m_device.CreateConstantBuffer(D3D11VertexShaderConstantTable::kMaxBytes);
     D3D11Ref<ID3D11Buffer> pixelConstants = m_device.CreateConstantBuffer(D3D11PixelShaderConstantTable::kMaxBytes);
@@ -137,14 +137,14 @@ void D3D11Batch::SetConstants() {
     update(m_pixelConstants.get(), m_state.pixelConstants);
 }
 
-/// Copies the mesh behind what the card may still be reading; returns where it lies.
+/// Copies the mesh behind vertices that the GPU may still be reading; returns its offset.
 uint32_t D3D11Batch::FillVertexBuffer() {
     const size_t bytes = m_mesh.ByteSize();
     const bool fits = bytes <= m_capacity;
     const size_t capacity = fits ? m_capacity : std::max({kFirstCapacity, m_capacity * 2, bytes});
     const size_t offset = fits && m_used + bytes <= m_capacity ? m_used : 0;
-    // Bytes that the card may still be reading are let go by discarding the buffer, never written over: until the map
-    // has succeeded, the bytes in use are those of the last one.
+    // Vertices that the GPU may still be reading are never overwritten; the buffer is discarded instead. Until the map
+    // has succeeded, the members describe the previous contents.
     const D3D11Ref<ID3D11Buffer> buffer =
         fits ? m_vertices : m_device.CreateVertexBuffer(static_cast<uint32_t>(capacity));
     const D3D11_MAPPED_SUBRESOURCE mapped =

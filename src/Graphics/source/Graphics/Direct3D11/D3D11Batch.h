@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Collects the quadrilaterals of draws that need the same state and sends them together: one map of the vertex buffer
-// and, as a rule, one draw call. Draws that read what lies below them join as long as they do not touch each other; the
-// pixels below are copied, only where they are touched, just before.
+// Collects the quadrilaterals of draws with the same state and sends them together: one map of the vertex buffer and
+// usually one draw call. Draws that read the pixels below are joined as long as they do not touch each other; the
+// pixels below are copied just before, only where they are touched.
 #pragma once
 
 #include "D3D11SamplerState.h"
@@ -11,7 +11,7 @@
 
 namespace Graphics {
 
-/// Everything that two draws must have in common to be one.
+/// The state that two draws must share to be joined.
 struct D3D11DrawState {
     static constexpr size_t kMaxTextures = 12;
 
@@ -44,12 +44,12 @@ public:
     D3D11Batch(D3D11Device& device, D3D11ShaderCache& shaders, D3D11SamplerState& samplers) noexcept
         : m_device(device), m_shaders(shaders), m_samplers(samplers) {}
 
-    /// Where the quadrilaterals of a draw go whose shader there is, all inside `box` (device pixels) or cut to it by
-    /// the scissor.
+    /// Starts a draw, whose shader must exist, and returns the mesh for its quadrilaterals. They lie inside `box`
+    /// (device pixels), or the scissor cuts them to it.
     [[nodiscard]] D3D11Mesh& Begin(D3D11DrawState&& state, const IntRect& box);
-    /// Sends what has been collected.
+    /// Sends the collected quadrilaterals.
     void Flush();
-    /// Forgets it.
+    /// Discards the collected quadrilaterals.
     void Drop() noexcept;
 
 private:
@@ -66,7 +66,7 @@ private:
     D3D11Mesh m_mesh;
     D3D11DrawState m_state;
     bool m_open = false;
-    HeapArray<IntRect> m_boxes; // of the draws, where pixels below are read
+    HeapArray<IntRect> m_boxes; // boxes of the draws, if pixels below are read
 
     D3D11Ref<ID3D11Buffer> m_vertices;
     D3D11Ref<ID3D11Buffer> m_indices;

@@ -11,9 +11,9 @@
 namespace Graphics {
 namespace {
 
-/// Caches are numbered, so that those of two threads keep apart what they hang on one bitmap.
+/// Caches are numbered, so that those of two threads use different keys with one bitmap.
 constexpr uint32_t kTextureKey = 0x80000000U;
-constexpr uint32_t kVariantBits = 17; // halvings of either direction, and one for masks
+constexpr uint32_t kVariantBits = 17; // halvings of both directions, and a bit for masks
 
 [[nodiscard]] uint32_t NextId() noexcept {
     static std::atomic<uint32_t> s_next{0};
@@ -54,7 +54,7 @@ std::shared_ptr<D3D11Texture> D3D11BitmapCache::GetTexture(const PixelView& view
         m_entries.splice(m_entries.end(), m_entries, known);
         return entry->texture;
     }
-    // Nothing kept, or by a cache of the same number that is gone.
+    // Nothing cached, or only by a former cache of the same number.
     const uint64_t bytes = static_cast<uint64_t>(view.width) * static_cast<uint64_t>(view.height) * (asMask ? 1U : 4U);
     Evict(bytes);
     entry = std::make_shared<D3D11VidMemTexCacheEntry>();
@@ -72,7 +72,7 @@ void D3D11BitmapCache::SetQuota(uint64_t bytes) {
 }
 
 void D3D11BitmapCache::Evict(uint64_t room) {
-    // What the bitmaps have dropped themselves first.
+    // First removes entries that the bitmaps themselves have dropped.
     m_entries.remove_if([this](const Known& k) {
         const bool gone = k.entry.expired();
         m_used -= gone ? k.bytes : 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Bitmaps as textures. A texture hangs on the bitmap's derived objects, so that a change of the pixels drops it; the
-// cache knows all of them and gives the least recently used ones back when they exceed the quota of video memory.
+// Bitmaps as textures. A texture is stored among the bitmap's derived objects, so a change of the pixels drops it. The
+// cache lists all textures and evicts the least recently used ones when they exceed the quota of video memory.
 #pragma once
 
 #include <list>
@@ -12,7 +12,7 @@
 
 namespace Graphics {
 
-/// What hangs on a bitmap.
+/// The object stored with a bitmap.
 struct D3D11VidMemTexCacheEntry {
     std::shared_ptr<D3D11Texture> texture; ///< null after an eviction
     uint64_t bytes = 0;
@@ -30,8 +30,9 @@ public:
         return width <= m_device.MaxTextureSize() && height <= m_device.MaxTextureSize();
     }
 
-    /// The whole of `view` as premultiplied words, or as mask values in an alpha texture. `derived` keeps it, null
-    /// when the view is not the whole bitmap; `variant` tells images of one bitmap apart. Raises "Texture is too big".
+    /// The whole of `view` as premultiplied words, or as mask values in an alpha texture. `derived` stores it; it is
+    /// null if the view is not the whole bitmap. `variant` distinguishes images of one bitmap. Raises "Texture is too
+    /// big".
     [[nodiscard]] std::shared_ptr<D3D11Texture> GetTexture(const PixelView& view, CacheHolder* derived,
                                                            uint32_t variant, bool asMask);
 
@@ -49,7 +50,7 @@ private:
     void Evict(uint64_t room);
 
     D3D11Device& m_device;
-    const uint32_t m_id; // among the derived objects of a bitmap
+    const uint32_t m_id; // key among the derived objects of a bitmap
     uint64_t m_quota;
     uint64_t m_used = 0;
     std::list<Known> m_entries; // least recently used first

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The calls by which the back end comes to its first objects, as one table: a test replaces an entry to see what
-// happens when the system refuses, or to look at every object that follows from it.
+// The system calls that create the back end's first objects, as a table: a test replaces an entry to simulate a
+// refusal, or to intercept every object created later.
 #pragma once
 
 #include <d3d11.h>
@@ -11,11 +11,11 @@ namespace Graphics {
 struct D3D11Calls {
     decltype(&::D3D11CreateDevice) createDevice = &::D3D11CreateDevice;
     decltype(&::CreateDXGIFactory1) createFactory = &::CreateDXGIFactory1;
-    decltype(&::LoadLibraryW) loadLibrary = &::LoadLibraryW; // of the shader compiler
+    decltype(&::LoadLibraryW) loadLibrary = &::LoadLibraryW; // loads the shader compiler
     decltype(&::GetProcAddress) getProcAddress = &::GetProcAddress;
 };
 
-/// The table in force. Only tests write to it, while nothing draws.
+/// The active table. Only tests change it, while nothing draws.
 inline D3D11Calls g_d3d11;
 
 } // namespace Graphics

@@ -20,8 +20,8 @@ namespace {
 D3D11Context::Resources::Resources(const D3D11ShaderCompiler& compiler)
     : samplers(device), shaders(device, compiler), bitmaps(device), gradients(device), pool(device), readback(device),
       batch(device, shaders, samplers) {
-    // One colour and one texture: what clears, inversions and copies between planes are made of. A compiler that
-    // refuses them is found out here; whatever else it refuses the software draws.
+    // One colour and one texture are the minimum, needed for clears, inversions and copies between planes. A compiler
+    // that refuses their shaders fails here; draws with any other refused shader are done in software.
     D3D11ShaderKey key;
     static_cast<void>(key.Add(D3D11Fragment::T2D));
     static_cast<void>(shaders.Get(key));
@@ -35,7 +35,7 @@ D3D11Context::~D3D11Context() = default;
 
 void D3D11Context::Make() {
     try {
-        // A factory does not see adapters that came after it.
+        // A factory does not list adapters added after its creation.
         D3D11Ref<IDXGIFactory1> factory = MakeFactory();
         m_resources = std::make_unique<Resources>(m_compiler);
         m_factory = std::move(factory);
@@ -51,7 +51,7 @@ void D3D11Context::Recover() {
     }
     if (m_resources != nullptr) {
         m_kept = m_resources->device.Counters();
-        m_resources.reset(); // its memory, before the next one takes as much
+        m_resources.reset(); // frees the memory before the next device needs as much
     }
     Make();
     m_resources->device.Counters() = m_kept;

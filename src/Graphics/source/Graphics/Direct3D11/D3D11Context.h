@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the targets of one thread share: the device and everything that was made with it. After a loss of the device a
-// new one takes its place, and the generation tells targets that their textures are gone.
+// The state shared by the targets of one thread: the device and everything created with it. A lost device is replaced
+// by a new one; the generation number tells targets that their textures are lost.
 #pragma once
 
 #include <memory>
@@ -21,9 +21,9 @@ public:
     D3D11Context& operator=(const D3D11Context&) = delete;
     ~D3D11Context();
 
-    /// False while the last device is lost and no other one could be made; nothing below may be asked for then.
+    /// False while the last device is lost and no other could be created; the members below must not be used then.
     [[nodiscard]] bool HasDevice() const noexcept { return m_resources != nullptr && !m_resources->device.IsLost(); }
-    /// The last attempt to make a device has failed.
+    /// True if the last attempt to create a device failed.
     [[nodiscard]] bool IsWithoutDevice() const noexcept { return m_resources == nullptr; }
 
     [[nodiscard]] IDXGIFactory1& Factory() const noexcept { return *m_factory.get(); }
@@ -37,16 +37,15 @@ public:
     [[nodiscard]] D3D11Batch& Batch() noexcept { return m_resources->batch; }
     [[nodiscard]] D3D11ShaderCompiler& Compiler() noexcept { return m_compiler; }
 
-    /// The card draws also what looks different from the software's, for tests of the shaders.
+    /// For tests of the shaders: the GPU also draws what looks different from the software's output.
     [[nodiscard]] bool DrawsAll() const noexcept { return m_drawsAll; }
     void DrawAllForTest(bool on) noexcept { m_drawsAll = on; }
 
-    /// Grows with every new device.
+    /// Increases with every new device.
     [[nodiscard]] uint32_t Generation() const noexcept { return m_generation; }
-    /// A new device when the last one is lost or could not be made. Raises what the constructor raises when there is
-    /// none.
+    /// Creates a new device if the last one is lost or could not be created. Raises what the constructor raises.
     void Recover();
-    /// The same, also when the device was lost since it was last used, and without an error: false when there is none.
+    /// As Recover, but also checks for a loss since the last use, and returns false instead of raising.
     [[nodiscard]] bool TryRecover();
 
 private:
@@ -63,13 +62,13 @@ private:
         D3D11Batch batch;
     };
 
-    /// All of a device or nothing.
+    /// Creates all resources of a device or none.
     void Make();
 
     D3D11ShaderCompiler m_compiler;
     D3D11Ref<IDXGIFactory1> m_factory;
     std::unique_ptr<Resources> m_resources;
-    D3D11Counters m_kept; // of devices that are gone
+    D3D11Counters m_kept; // sums of former devices
     uint32_t m_generation = 0;
     bool m_drawsAll = false;
     D3D11LiveCount<D3D11Context> m_live;

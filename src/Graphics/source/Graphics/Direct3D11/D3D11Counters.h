@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the back end has done and what it still holds, for tests and benchmarks.
+// Counts of operations done and objects held, for tests and benchmarks.
 #pragma once
 
 #include <atomic>
@@ -7,24 +7,24 @@
 
 namespace Graphics {
 
-/// Of one context.
+/// Counters of one context.
 struct D3D11Counters {
-    uint64_t batches = 0; ///< that had anything to draw
+    uint64_t batches = 0; ///< not counting empty ones
     uint64_t drawCalls = 0;
     uint64_t vertexMaps = 0;
-    uint64_t compilations = 0;  ///< tried, of vertex and pixel shaders
-    uint64_t fallbackDraws = 0; ///< drawing calls that went through the software's pipeline
-    uint64_t readbacks = 0;     ///< times that the processor waited for the card to get pixels of a target
+    uint64_t compilations = 0;  ///< attempts, for vertex and pixel shaders
+    uint64_t fallbackDraws = 0; ///< drawing calls through the software pipeline
+    uint64_t readbacks = 0;     ///< waits of the CPU for the GPU to copy pixels of a target
     uint64_t readbackPixels = 0;
-    uint64_t sends = 0; ///< rectangles that the software drew, brought to the card
+    uint64_t sends = 0; ///< rectangles drawn in software and uploaded
     uint64_t backdropCopies = 0;
     uint64_t uploads = 0;         ///< of bitmaps
-    uint64_t softwareSources = 0; ///< uploads of colours that the software computed
-    uint64_t coverages = 0;       ///< uploads of clips and of what is drawn in knockout groups
+    uint64_t softwareSources = 0; ///< uploads of colours computed in software
+    uint64_t coverages = 0;       ///< uploads of clips and of coverage in knockout groups
     uint64_t recoveries = 0;
 };
 
-/// Counts the objects of a class that are alive, in the whole process; 0 when everything was given back.
+/// Counts the living objects of a class in the whole process; 0 when all were released.
 template <class Owner> class D3D11LiveCount {
 public:
     D3D11LiveCount() noexcept { s_count.fetch_add(1, std::memory_order_relaxed); }

@@ -79,7 +79,7 @@ void D3D11Device::CreateDevice() {
                    g_d3d11.createDevice(nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, kPreventAlteringLayers, kLevels,
                                         static_cast<UINT>(std::size(kLevels)), D3D11_SDK_VERSION, m_device.Out(),
                                         &m_level, m_context.Out()));
-    // Groups draw into two targets at once; what is below level 9.3 cannot.
+    // Groups draw into two targets at once, which needs at least level 9.3.
     HRESULT able = m_level >= D3D_FEATURE_LEVEL_9_3 ? S_OK : E_NOTIMPL;
     const auto needs = [&](DXGI_FORMAT format, UINT uses) {
         UINT has = 0;
@@ -261,7 +261,7 @@ void D3D11Device::SetDefaultDeviceState(ID3D11InputLayout* layout, ID3D11Buffer*
 }
 
 void D3D11Device::Present(IDXGISwapChain& chain) {
-    // DXGI_STATUS_OCCLUDED is a success: nothing of the window is seen.
+    // DXGI_STATUS_OCCLUDED is a success: no part of the window is visible.
     GX_D3D11_CHECK(*this, "D3D11Device::Present", chain.Present(0, 0));
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The device and its immediate context: every resource the back end needs and every piece of state it sets. A call that
-// fails raises "D3D11 error" under the name of its operation, unless the device hangs, was reset or its driver has a
-// fault: then D3D11DeviceLost tells the render target to start again with a new one. A device that was removed is
-// marked as lost either way, and the next paint makes another one.
+// The device and its immediate context: creates every resource and sets every state of the back end. A failed call
+// raises "D3D11 error" with the name of its operation. If the device hangs, was reset or its driver failed,
+// D3D11DeviceLost is thrown instead, and the render target starts again with a new device. A removed device is marked
+// as lost in either case, and the next paint creates another one.
 #pragma once
 
 #include <d3d11.h>
@@ -23,31 +23,31 @@ struct D3D11DeviceLost {};
 
 class D3D11Device {
 public:
-    /// Creates the device. Raises "D3D11 error" when there is none, or none that draws into the formats needed.
+    /// Creates the device. Raises "D3D11 error" if there is none that can draw into the needed formats.
     D3D11Device();
     D3D11Device(const D3D11Device&) = delete;
     D3D11Device& operator=(const D3D11Device&) = delete;
     ~D3D11Device();
 
     [[nodiscard]] uint32_t FeatureLevel() const noexcept { return static_cast<uint32_t>(m_level); }
-    /// Of either side of a texture.
+    /// Limit of a texture's width and height.
     [[nodiscard]] int32_t MaxTextureSize() const noexcept;
-    /// Repeated and mirrored textures of any size.
+    /// Whether textures of any size can be repeated and mirrored.
     [[nodiscard]] bool TilesAnySize() const noexcept { return m_level >= D3D_FEATURE_LEVEL_10_0; }
-    /// Nothing works on it any more.
+    /// True once no call on the device can succeed.
     [[nodiscard]] bool IsLost() const noexcept { return m_lost; }
-    /// Finds out about a loss before anything is drawn.
+    /// Detects a loss before anything is drawn.
     void Probe() noexcept;
-    /// The next call that is checked finds the device removed, as after a fault of the driver.
+    /// Makes the next checked call find the device removed, as after a driver failure.
     void LoseForTest() noexcept { m_loseNext = true; }
     [[nodiscard]] ID3D11Device* Get() const noexcept { return m_device.get(); }
     [[nodiscard]] D3D11Counters& Counters() noexcept { return m_counters; }
 
     [[nodiscard]] D3D11Ref<IDXGISwapChain> CreateSwapChainForWindow(IDXGIFactory1& factory, HWND window,
                                                                     const DXGI_MODE_DESC& mode);
-    /// Readable by the processor.
+    /// A texture that the CPU can read.
     [[nodiscard]] std::shared_ptr<D3D11Texture> CreateSysMemSurface(int32_t width, int32_t height, DXGI_FORMAT format);
-    /// `pixels` may be null: to be updated later.
+    /// `pixels` may be null if the texture is updated later.
     [[nodiscard]] std::shared_ptr<D3D11Texture> CreateVidMemTexture(int32_t width, int32_t height, DXGI_FORMAT format,
                                                                     const void* pixels, uint32_t strideBytes);
     [[nodiscard]] std::shared_ptr<D3D11Texture> CreateRenderTexture(int32_t width, int32_t height, DXGI_FORMAT format);
@@ -73,22 +73,22 @@ public:
     void Present(IDXGISwapChain& chain);
 
     void Update(const D3D11Texture& texture, const IntRect& part, const void* pixels, uint32_t strideBytes) noexcept;
-    /// Copies `part` to the same place.
+    /// Copies `part` to the same position.
     void Copy(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
         CopyPart(to, {part.left, part.top}, from, part);
     }
-    /// Copies `part` so that its upper left corner comes to `at`.
+    /// Copies `part` so that its top left corner comes to `at`.
     void CopyPart(const D3D11Texture& to, const IntPoint& at, const D3D11Texture& from, const IntRect& part) noexcept;
-    /// Copies `part` to the upper left corner.
+    /// Copies `part` to the top left corner.
     void CopyToCorner(const D3D11Texture& to, const D3D11Texture& from, const IntRect& part) noexcept {
         CopyPart(to, {0, 0}, from, part);
     }
-    /// The render texture over a back buffer of the chain.
+    /// The back buffer of the chain as a render texture.
     [[nodiscard]] D3D11Ref<ID3D11Texture2D> BackBuffer(IDXGISwapChain& chain);
     void CopyWhole(ID3D11Texture2D& to, const D3D11Texture& from) noexcept;
     [[nodiscard]] ID3D11DeviceContext& Context() const noexcept { return *m_context.get(); }
 
-    /// Raises or throws as the head of this file says; nothing on success.
+    /// Raises or throws as described at the head of this file; does nothing on success.
     void Check(HRESULT result, const char* function, const char* file, int line);
 
 private:
@@ -106,7 +106,7 @@ private:
     D3D11LiveCount<D3D11Device> m_live;
 };
 
-/// Checks a result under the name of an operation of the device.
+/// Checks a result under the name of a device operation.
 #define GX_D3D11_CHECK(device, operation, result) (device).Check((result), "Graphics::" operation, __FILE__, __LINE__)
 
 } // namespace Graphics

@@ -37,7 +37,7 @@ void D3D11FixedStates::Create(D3D11Device& device) {
     }
     D3D11_RASTERIZER_DESC raster{};
     raster.FillMode = D3D11_FILL_SOLID;
-    raster.CullMode = D3D11_CULL_NONE; // mirrored quadrilaterals count as well
+    raster.CullMode = D3D11_CULL_NONE; // mirrored quadrilaterals are drawn too
     raster.DepthClipEnable = TRUE;
     raster.ScissorEnable = TRUE;
     GX_D3D11_CHECK(device, "D3D11Device::SetDefaultDeviceState",

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The pipeline state that draws choose from and never change: how they meet their target, and what all of them share.
+// The pipeline states created once: the blend states to choose from, and the states that all draws share.
 #pragma once
 
 #include <d3d11.h>
@@ -13,7 +13,7 @@ namespace Graphics {
 
 class D3D11Device;
 
-/// How a draw meets the pixels of its target.
+/// How a draw is combined with the pixels of its target.
 enum class D3D11Blend : uint8_t {
     Replace,
     Over,   ///< s + d (1 - s.a)
@@ -30,7 +30,7 @@ public:
     void SetBlend(ID3D11DeviceContext& context, D3D11Blend blend) const noexcept {
         context.OMSetBlendState(m_blends[static_cast<size_t>(blend)].get(), nullptr, 0xFFFFFFFFU);
     }
-    /// Everything that is the same for all draws.
+    /// Sets all states that every draw shares.
     void SetShared(ID3D11DeviceContext& context) const noexcept {
         context.IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
         context.RSSetState(m_rasterizer.get());

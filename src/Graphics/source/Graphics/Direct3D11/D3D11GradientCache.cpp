@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The software's own source fills the row: the axis is laid along it, so that both back ends have one idea of colours,
+// The software's colour source fills the row, with the axis laid along it, so that both back ends agree on colours,
 // stops and opacities.
 #include "D3D11GradientCache.h"
 

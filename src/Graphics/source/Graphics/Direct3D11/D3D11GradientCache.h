@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The colours along linear gradients as textures of one row. Gradients do not change, so a row serves as long as its
-// gradient lives; a few are kept.
+// The colours along linear gradients as textures of one row. Gradients are immutable, so a row is valid as long as its
+// gradient lives; a few rows are kept.
 #pragma once
 
 #include <vector>
@@ -12,13 +12,14 @@ namespace Graphics {
 
 class D3D11GradientCache {
 public:
-    /// Texels of a row: the first and the last one have the colours before and after the axis, those between the
-    /// colours at (i - 0.5) / (kTexels - 2).
+    /// Texels of a row: the first and the last have the colours before and after the axis, the others the colours at (i
+    /// - 0.5) / (kTexels - 2).
     static constexpr int32_t kTexels = 2048;
 
     explicit D3D11GradientCache(D3D11Device& device) noexcept : m_device(device) {}
 
-    /// The brush's gradient is linear and its ends differ. Colours are premultiplied and have the brush's opacity.
+    /// The brush's gradient must be linear with distinct ends. Colours are premultiplied and include the brush's
+    /// opacity.
     [[nodiscard]] std::shared_ptr<D3D11Texture> Row(const GradientBrush& brush);
 
 private:

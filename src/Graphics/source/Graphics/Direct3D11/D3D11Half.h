@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Half floats, and the levels of 255 that they stand for.
+// Half floats and their conversion to 8-bit levels.
 #pragma once
 
 #include <array>
@@ -9,8 +9,8 @@
 
 namespace Graphics::D3D11Half {
 
-/// 1 / 16384, the smallest normal one. Planes of groups begin with it as their alpha, so that a division by that stays
-/// a number: opaque black divided by it is still black, and it never reaches eight bits.
+/// 1 / 16384, the smallest normal half. Planes of groups start with this alpha, so that dividing by alpha gives no NaN:
+/// opaque black divided by it is still black, and it is 0 as an 8-bit level.
 inline constexpr uint16_t kAlmostNothing = 0x0400;
 
 [[nodiscard]] inline float ToFloat(uint16_t half) noexcept {
@@ -26,7 +26,7 @@ inline constexpr uint16_t kAlmostNothing = 0x0400;
     return (half & 0x8000U) != 0 ? -value : value;
 }
 
-/// Towards zero, as Direct3D does.
+/// Truncates, as Direct3D does.
 [[nodiscard]] inline uint16_t FromFloat(float value) noexcept {
     uint32_t bits;
     std::memcpy(&bits, &value, sizeof(bits));
@@ -45,7 +45,7 @@ inline constexpr uint16_t kAlmostNothing = 0x0400;
     return v > 0.0F ? static_cast<uint8_t>((v < 1.0F ? v : 1.0F) * 255.0F + 0.5F) : uint8_t{0}; // NaN is 0
 }
 
-/// The nearest level of every half float; NaN is 0.
+/// The nearest level of every half float; 0 for NaN.
 [[nodiscard]] inline const std::array<uint8_t, 65536>& Levels() {
     static const auto kLevels = [] {
         std::array<uint8_t, 65536> levels{};
@@ -57,12 +57,12 @@ inline constexpr uint16_t kAlmostNothing = 0x0400;
     return kLevels;
 }
 
-/// The half float of every level, which gives the level again.
+/// A half float for every level; converting it back gives the same level.
 [[nodiscard]] inline const std::array<uint16_t, 256>& OfLevels() {
     static const auto kHalves = [] {
         std::array<uint16_t, 256> halves{};
         for (uint32_t i = 0; i < halves.size(); ++i) {
-            // The middle of a step added, so that the nearest one is taken.
+            // Half a step is added so that truncation rounds to the nearest.
             const float value = static_cast<float>(i) * (1.0F / 255.0F);
             halves[i] = i == 255 ? uint16_t{0x3C00} : FromFloat(value * (1.0F + 1.0F / 4096.0F));
         }

@@ -12,7 +12,7 @@
 namespace Graphics {
 namespace {
 
-/// Nearest samples that fall between two texels go to the second one, as with the software; far below what is seen.
+/// Nearest samples exactly between two texels use the second one, as in software; the shift is invisibly small.
 constexpr float kNearestShift = 1.0F / 256.0F;
 
 /// Matrix from device pixels to coordinates in [0, 1] of an image.
@@ -84,10 +84,10 @@ bool D3D11PaintMaker::FromLinear(D3D11Context& context, const GradientBrush& bru
     }
     const double dtdx = (map.a * axisX + map.b * axisY) / square;
     const double dtdy = (map.c * axisX + map.d * axisY) / square;
-    // The parameter belongs to the pixel's corner, and the card asks at its centre.
+    // The parameter is defined at the pixel's corner, but the GPU samples at its centre.
     const double t0 =
         ((map.e - gradient.start.x) * axisX + (map.f - gradient.start.y) * axisY) / square - 0.5 * (dtdx + dtdy);
-    // Both ends of the axis are a little inside the texels of its colours.
+    // Both ends of the axis lie slightly inside the texels of their colours.
     constexpr double kInside = 1.0 / 64.0;
     constexpr double kScale = (D3D11GradientCache::kTexels - 2 - 2 * kInside) / D3D11GradientCache::kTexels;
     paint.map = {static_cast<float>(dtdx * kScale),
@@ -118,7 +118,8 @@ D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const PlacedImage& 
     if (!clamps && !context.Device().TilesAnySize()) {
         return inSoftware();
     }
-    // Left of and above the image the mirror lies in the middle of the first pixel; the card's lies on its border.
+    // For coordinates left of or above the image, the engine mirrors about the centre of the first pixel, the GPU about
+    // its border.
     const Rect asked = MapBox(inverse, {static_cast<float>(box.left), static_cast<float>(box.top),
                                         static_cast<float>(box.right), static_cast<float>(box.bottom)});
     if ((paint.sampling.extendX == GXExtendMirror && !(asked.left >= 0.5F)) ||
@@ -138,7 +139,7 @@ D3D11Paint D3D11PaintMaker::FromImage(D3D11Context& context, const PlacedImage& 
             const PixelView small = reduced->View();
             scaleX = static_cast<double>(small.width) / view.width;
             scaleY = static_cast<double>(small.height) / view.height;
-            view = small; // a mask's words are the mask value in every byte, alpha too
+            view = small; // a mask's words have the mask value in every byte, including alpha
         }
     }
     if (!context.Bitmaps().Fits(view.width, view.height)) {

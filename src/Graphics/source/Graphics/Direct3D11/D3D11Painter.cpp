@@ -11,13 +11,13 @@
 namespace Graphics {
 namespace {
 
-/// Fragments of a mask by its type, of opacity and of shape.
+/// Fragments of opacity and of shape masks, by mask type.
 constexpr D3D11Fragment kOpacityMasks[] = {D3D11Fragment::BOAlpha, D3D11Fragment::BOIAlpha, D3D11Fragment::BOLum,
                                            D3D11Fragment::BOILum};
 constexpr D3D11Fragment kShapeMasks[] = {D3D11Fragment::BSAlpha, D3D11Fragment::BSIAlpha, D3D11Fragment::BSLum,
                                          D3D11Fragment::BSILum};
 
-/// The value of a mask of one colour.
+/// The mask value of a constant colour.
 [[nodiscard]] float MaskValue(const float (&c)[4], uint32_t type) noexcept {
     const bool luminosity = type == GXMaskTypeLuminosity || type == GXMaskTypeInverseLuminosity;
     const bool inverse = type == GXMaskTypeInverseAlpha || type == GXMaskTypeInverseLuminosity;
@@ -65,7 +65,7 @@ void D3D11Painter::AddPaint(const Call& call, const D3D11Paint& paint, const D3D
         const Ink ink = InkOf(*mask.brush);
         D3D11Paint values = m_maker.From(call.context, ink, mask.transform, call.visible);
         if (values.texture != nullptr && !IsWhite(values.color)) {
-            // An opacity of the mask's brush comes before the rule that makes values of colours.
+            // The opacity of the mask's brush applies before colours are turned into mask values.
             values = m_maker.FromSource(call.context, m_maker.Source(ink, mask.transform, call.visible), call.visible);
         }
         AddMask(state, values, mask.type, ofShape);
@@ -138,7 +138,7 @@ bool D3D11Painter::PrepareCard(const Call& call, const D3D11Paint& paint, const 
     if (!route.gathers) {
         AddClip(call, state);
     } else if (call.target.CoverageIsShape()) {
-        D3D11ShaderKey covered = state.key; // whether there will be coverage to be told is not known yet
+        D3D11ShaderKey covered = state.key; // it is not yet known whether coverage will be sent
         static_cast<void>(covered.Add(D3D11Fragment::BSAlpha));
         if (!call.context.Shaders().Has(covered)) {
             return false;
@@ -162,7 +162,8 @@ void D3D11Painter::SendGathered(const Call& call, const ClipRef& covered, CardRo
         sink.Rectangle(box.left, box.top, box.right, box.bottom);
         return;
     }
-    auto* bytes = m_arena.AllocArray<uint8_t>(static_cast<size_t>(box.right - box.left)); // a sink may change them
+    auto* bytes = m_arena.AllocArray<uint8_t>(static_cast<size_t>(box.right - box.left)); // copied, since a sink may
+                                                                                          // change them
     for (int32_t y = box.top; y < box.bottom; ++y) {
         const int32_t begin = std::max(covered->Row(y).begin, box.left);
         const int32_t end = std::min(covered->Row(y).end, box.right);
@@ -223,7 +224,7 @@ D3D11Painter::Route D3D11Painter::RouteOf(const Call& call, const Colors& colors
 void D3D11Painter::DrawAll(const Call& call, const Colors& colors) {
     const IntRect& r = call.visible;
     Draw(call, colors, Whole(r));
-    // Gradients are seldom opaque and costly to ask.
+    // Gradients are rarely opaque, and testing them is expensive.
     if (call.target.IsLayer() && colors.mask == nullptr && !std::holds_alternative<GradientInk>(colors.ink) &&
         !call.state.HasMasks() && !IsMasked(call.Clip().get()) &&
         IsOpaque(m_maker.Source(colors.ink, colors.transform, r))) {
@@ -252,7 +253,7 @@ bool D3D11Painter::DrawGroupOnCard(const Call& call, D3D11SubTarget& group) {
         }
         shape.paint.texture = group.Shape();
         shape.paint.map = group.PlaneMap(*group.Shape());
-        // Red, green and blue are the shape, and their luminosity is it again.
+        // Red, green and blue all hold the shape, so their luminosity equals it.
         shape.type = GXMaskTypeLuminosity;
     } else {
         paint.texture = group.Color();
@@ -298,7 +299,7 @@ void D3D11Painter::Clear(const Call& call, uint32_t premultiplied) {
     target.NoteOpaque(call.visible, premultiplied >> 24 == 255 && !IsMasked(clip));
 }
 
-/// Without a clip there are one colour and one texture alone, which every context can draw.
+/// Without a clip only a colour and a texture are needed, whose shaders every context has.
 bool D3D11Painter::HasShadersOfClear(const Call& call) {
     if (!IsMasked(call.Clip().get())) {
         return true;
@@ -320,7 +321,7 @@ void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
     D3D11Paint paint;
     const ClipRef& clip = call.Clip();
     const bool masked = IsMasked(clip.get());
-    // Replaced whole; or scaled by what the clip covers, then added with as much.
+    // Replaced entirely; or scaled by the complement of the clip's coverage, then added in proportion to it.
     const auto replace = [&](const std::shared_ptr<D3D11Texture>& plane, const float(&value)[4]) {
         std::fill_n(paint.color, 4, 1.0F);
         if (masked) {
@@ -330,7 +331,7 @@ void D3D11Painter::ClearOnCard(const Call& call, const float (&color)[4]) {
         ClearPlane(call, plane, masked ? D3D11Blend::Add : D3D11Blend::Replace, paint);
     };
     replace(target.Color(), color);
-    if (target.Initial() != nullptr && color[3] < 1.0F) { // the group's colour lies over its backdrop
+    if (target.Initial() != nullptr && color[3] < 1.0F) { // the group's colour is composited over its backdrop
         std::fill_n(paint.color, 4, 1.0F - color[3]);
         paint.texture = target.Initial();
         paint.map = target.PlaneMap(*target.Initial());

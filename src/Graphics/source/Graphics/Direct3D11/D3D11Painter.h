@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Assembles one draw. For the card: paint, masks, clip and coverage become fragments, constants and textures in the
-// order that the shaders have, and the geometry becomes quadrilaterals of the batch. Where the card's formulas look
-// different from the software's, or the compiler refuses the shader, the software's pipeline draws, into the planes of
-// the target's fallback surface.
+// Assembles one draw. On the GPU, paint, masks, clip and coverage become fragments, constants and textures in the
+// shader's order, and the geometry becomes quadrilaterals of the batch. If the GPU's formulas look different from the
+// software's, or the compiler refuses the shader, the software pipeline draws into the planes of the target's fallback
+// surface.
 #pragma once
 
 #include <variant>
@@ -17,7 +17,7 @@
 
 namespace Graphics {
 
-/// A mask over a draw's shape: a paint and the rule by which its pixels become values.
+/// A mask over a draw's shape: a paint and the rule that turns its pixels into values.
 struct D3D11ShapeMask {
     D3D11Paint paint;
     uint32_t type = GXMaskTypeAlpha;
@@ -27,25 +27,25 @@ class D3D11Painter {
 public:
     explicit D3D11Painter(Arena& arena) noexcept : m_arena(arena), m_maker(arena) {}
 
-    /// Where a draw goes, and under what.
+    /// The destination and the state of a draw.
     struct Call {
         D3D11Context& context;
         D3D11SubTarget& target;
         const GraphicsState& state;
         ClipPool& clips;
         IntRect visible; ///< device pixels that the draw may change; not empty
-        IntRect limit;   ///< the scissor: what the geometry has to be cut to
+        IntRect limit;   ///< the scissor: the geometry must be cut to it
 
         [[nodiscard]] const ClipRef& Clip() const noexcept { return target.Clips().Current(); }
     };
-    /// What it draws with.
+    /// The paint of a draw.
     struct Colors {
         const Ink& ink;
         const Matrix& transform; ///< of ink and mask: user space to the device
-        const ImageInk* mask;    ///< the draw's own; null: none
+        const ImageInk* mask;    ///< the draw's own mask; null: none
     };
 
-    /// `cover(sink)` sends the coverage inside `call.visible`.
+    /// `cover(sink)` must send the coverage inside `call.visible`.
     template <class Cover> void Draw(const Call& call, const Colors& colors, Cover&& cover) {
         Route route = RouteOf(call, colors);
         if (const auto* software = std::get_if<SoftwareRoute>(&route)) {
@@ -54,14 +54,14 @@ public:
             DrawOnCard(call, std::get<CardRoute>(route), cover);
         }
     }
-    /// The whole of `call.visible`.
+    /// Paints the whole of `call.visible`.
     void DrawAll(const Call& call, const Colors& colors);
-    /// A group that was drawn, into what it was opened in.
+    /// Composites a group that has content into its parent.
     void DrawGroup(const Call& call, D3D11SubTarget& group);
 
-    /// Replaces the plane's pixels in `visible` by the premultiplied colour, as far as the clip leaves them.
+    /// Replaces the plane's pixels in `visible`, inside the clip, by the premultiplied colour.
     void Clear(const Call& call, uint32_t premultiplied);
-    /// Inverts what `send(inverter)` covers.
+    /// Inverts the pixels covered by `send(inverter)`.
     template <class Send> void Invert(const Call& call, Send&& send) {
         if (call.target.WayOf(call.context, GXBlendModeNormal, call.visible) == D3D11SubTarget::Way::Software) {
             const SwTargetPlanes planes = call.target.BeginInSoftware(call.context, call.visible);
@@ -73,7 +73,7 @@ public:
         send(inverter);
     }
 
-    /// Textures of clips belong to a device and to the clips of one paint bracket.
+    /// Drops the textures of clips, which belong to one device and one paint bracket.
     void Forget() noexcept { m_clipImages.clear(); }
 
 private:
@@ -82,20 +82,20 @@ private:
         D3D11SoftwareTextures::Image image;
     };
 
-    /// Who draws is settled before the geometry is fed, together with all that he colours it with.
+    /// The route of a draw and its paint are decided before the geometry is fed.
     struct SoftwareRoute {
         SwColorSource* source;
         SwMaskInput mask;
         bool hasMask;
     };
     struct CardRoute {
-        D3D11DrawState state; ///< all of the draw but its coverage, with a shader that there is
+        D3D11DrawState state; ///< everything about the draw but its coverage; the shader exists
         float color[4];       ///< of the quadrilaterals
-        bool gathers;         ///< its coverage is gathered under the clip before it is sent
+        bool gathers;         ///< coverage is gathered under the clip before it is sent
     };
     using Route = std::variant<SoftwareRoute, CardRoute>;
     [[nodiscard]] Route RouteOf(const Call& call, const Colors& colors);
-    /// False where the compiler refuses the shader. `extra` may be null.
+    /// False if the compiler refuses the shader. `extra` may be null.
     [[nodiscard]] bool PrepareCard(const Call& call, const D3D11Paint& paint, const D3D11ShapeMask* extra,
                                    CardRoute& route);
 
@@ -116,12 +116,13 @@ private:
         SendGathered(call, builder.Finish(), route);
     }
 
-    /// The clip is worth a few quadrilaterals, with which draws under different clips are one, rather than a texture.
+    /// Whether the clip is better sent as a few quadrilaterals than as a texture: draws under different clips can then
+    /// be joined.
     [[nodiscard]] static bool IsSmallClip(const Call& call) noexcept;
-    /// What a draw covers under its clip: as a texture where coverage is shape, else row by row.
+    /// Sends a draw's coverage under its clip: as a texture if coverage is shape, otherwise row by row.
     void SendGathered(const Call& call, const ClipRef& covered, CardRoute& route);
 
-    /// False where the compiler refuses one of the shaders.
+    /// False if the compiler refuses one of the shaders.
     [[nodiscard]] bool DrawGroupOnCard(const Call& call, D3D11SubTarget& group);
     void DrawGroupInSoftware(const Call& call, D3D11SubTarget& group);
     [[nodiscard]] static bool HasShadersOfClear(const Call& call);

@@ -6,7 +6,7 @@
 namespace Graphics {
 namespace {
 
-/// Somewhat larger than asked for, so that the next rectangle fits as well.
+/// Rounded up, so that the next rectangle probably fits too.
 [[nodiscard]] int32_t RoundUp(int32_t size, int32_t most) noexcept {
     constexpr int32_t kStep = 128;
     return std::max(size, std::min((size + kStep - 1) / kStep * kStep, most));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Brings pixels of the card's textures into the processor's memory. The textures of one call are waited for once.
+// Copies pixels of GPU textures to CPU memory, with one wait for all textures of a call.
 #pragma once
 
 #include <span>
@@ -15,8 +15,8 @@ public:
 
     explicit D3D11Readback(D3D11Device& device) noexcept : m_device(device) {}
 
-    /// Waits for the card, then calls use(i, rect, bytes, strideBytes) for every rectangle of `region` (in pixels of
-    /// the textures) and every one of the textures.
+    /// Waits for the GPU, then calls use(i, rect, bytes, strideBytes) for every rectangle of `region` (in pixels of the
+    /// textures) and every texture.
     template <class Use> void Read(std::span<const D3D11Texture* const> textures, const Region& region, Use&& use) {
         for (size_t i = 0; i < textures.size(); ++i) {
             Ask(i, *textures[i], region);
@@ -35,8 +35,8 @@ public:
         }
     }
 
-    /// Waiting costs more than drawing does: there were so many waits in this paint bracket that its rest had better be
-    /// drawn by the software.
+    /// True after so many waits in this paint bracket that its rest is faster drawn in software: waiting costs more
+    /// than drawing.
     [[nodiscard]] bool IsExhausted() const noexcept { return m_waits >= kMostWaits; }
     void StartPainting() noexcept { m_waits = 0; }
 
@@ -59,7 +59,7 @@ private:
         D3D11_MAPPED_SUBRESOURCE m_mapped;
     };
 
-    /// Lets the card copy to where the processor reads.
+    /// Starts the GPU's copy to memory that the CPU reads.
     void Ask(size_t slot, const D3D11Texture& texture, const Region& region);
 
     D3D11Device& m_device;

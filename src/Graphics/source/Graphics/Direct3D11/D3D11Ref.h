@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A counted reference to an object of the platform.
+// A counted reference to a COM object.
 #pragma once
 
 #include <utility>
@@ -9,7 +9,7 @@ namespace Graphics {
 template <class T> class D3D11Ref {
 public:
     D3D11Ref() noexcept = default;
-    /// Takes over the reference that `object` comes with.
+    /// Takes over the caller's reference to `object`.
     explicit D3D11Ref(T* object) noexcept : m_object(object) {}
     D3D11Ref(const D3D11Ref& o) noexcept : m_object(o.m_object) {
         if (m_object != nullptr) {
@@ -33,7 +33,7 @@ public:
     T* operator->() const noexcept { return m_object; }
     explicit operator bool() const noexcept { return m_object != nullptr; }
 
-    /// For calls that return an object through their last argument; drops the one held before.
+    /// For calls that return an object through a pointer; releases the present object.
     [[nodiscard]] T** Out() noexcept {
         Reset();
         return &m_object;

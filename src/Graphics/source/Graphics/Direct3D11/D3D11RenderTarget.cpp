@@ -11,7 +11,7 @@
 namespace Graphics {
 namespace {
 
-/// Of draws that obey the clip alone.
+/// For draws that use only the clip.
 const GraphicsState kPlainState;
 
 } // namespace
@@ -23,12 +23,12 @@ D3D11RenderTarget::~D3D11RenderTarget() {
     if (!m_painting || !m_context->HasDevice()) {
         return;
     }
-    // The batch is the thread's: draws of this target would go to the card with the next one's first paint. Those of
-    // other targets may be in it as well, so it is sent, not dropped.
+    // The batch belongs to the thread: this target's draws would be sent with another target's next paint. It may also
+    // contain draws of other targets, so it is sent, not dropped.
     try {
         m_context->Batch().Flush();
     } catch (...) {
-        // Nobody is left who could be told.
+        // A destructor cannot report errors.
     }
 }
 
@@ -63,10 +63,10 @@ void D3D11RenderTarget::FollowDevice() {
     }
     m_painter.Forget();
     m_incomplete = true;
-    m_broken = true; // until there is all that drawing needs
+    m_broken = true; // until everything needed for drawing exists
     m_context->Recover();
     std::shared_ptr<D3D11Texture> color = m_surface->BeginPaint(*m_context);
-    // A window that was resized meanwhile keeps this paint's size until the next one.
+    // If the window is resized meanwhile, the paint keeps its size.
     if (color != nullptr) {
         m_area = Intersect(m_area, {0, 0, color->Width(), color->Height()});
     }
@@ -87,7 +87,7 @@ void D3D11RenderTarget::BeginPaint() {
         m_area = area;
         m_context->Readback().StartPainting();
     });
-    // Pixels of earlier paints lived on the device that drew them.
+    // Pixels of earlier paints exist only on the device that drew them.
     m_incomplete = m_generation != 0 && m_generation != m_context->Generation();
     m_generation = m_context->Generation();
     m_painting = true;
@@ -131,7 +131,7 @@ D3D11Painter::Call D3D11RenderTarget::CallFor(const GraphicsState& state, const 
     D3D11Painter::Call call = CallFor(Current(), state, visible);
     const IntRect inside = Intersect(box, call.limit);
     if (visible.left > inside.left || visible.right < inside.right) {
-        call.limit = Visible(m_area); // bands between edges are not cut to columns
+        call.limit = Visible(m_area); // bands between edges are not clipped to columns
     }
     return call;
 }
@@ -159,7 +159,7 @@ void D3D11RenderTarget::Paint(const GraphicsState& state, const Path& path, cons
             break;
         case Path::Kind::Glyphs:
             path.Glyphs().ForEach(state.transform, [&](const Shape& outline, const Matrix& m) {
-                const ArenaScope scope(m_arena); // a text may be long
+                const ArenaScope scope(m_arena); // a text may have many glyphs
                 PaintOutline(state, {ink, m, mask}, outline);
             });
             break;

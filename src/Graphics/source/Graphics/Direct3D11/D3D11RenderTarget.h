@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The hardware back end: keeps clips and layers as the software one does, and turns every drawing call into
-// quadrilaterals of a batch. A device that is lost meanwhile is replaced; what had been drawn is gone, drawing goes on,
-// and the paint counts as incomplete. Where no other device can be made, the rest of the paint raises "D3D11 error".
+// The hardware back end: owns clips and layers and turns every drawing call into quadrilaterals of a batch. A lost
+// device is replaced: what had been drawn is lost, drawing continues, and the paint counts as incomplete. If no device
+// can be created, the rest of the paint raises "D3D11 error".
 #pragma once
 
 #include "../Coverage/GlyphCache.h"
@@ -16,12 +16,12 @@ namespace Graphics {
 class D3D11RenderTarget final : public RenderTargetBase {
 public:
     D3D11RenderTarget(std::shared_ptr<D3D11Context> context, std::unique_ptr<D3D11Surface> surface);
-    /// In the middle of a paint, too: what was collected goes with the target.
+    /// Also allowed during a paint: collected draws are then sent.
     ~D3D11RenderTarget() override;
 
-    /// Some pixels of the last paint, or of those before it, went with a lost device.
+    /// True if pixels of this or an earlier paint were lost with a device.
     [[nodiscard]] bool IsIncomplete() const noexcept { return m_incomplete; }
-    /// Between paints: gives back everything of the device.
+    /// Between paints: releases everything that belongs to the device.
     void Forget() noexcept { m_surface->Forget(); }
 
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return GXPixelFormatBGRX32; }
@@ -45,10 +45,10 @@ public:
 private:
     [[nodiscard]] D3D11SubTarget& Current() noexcept { return m_layers.empty() ? m_basic : *m_layers.back(); }
 
-    /// Runs the work of a drawing call. When the device is lost meanwhile, a new one is made and, with `again`, the
-    /// work is done once more.
+    /// Runs the work of a drawing call. If the device is lost meanwhile, a new one is created and, with `again`, the
+    /// work is repeated.
     template <class Work> void Run(bool again, Work&& work);
-    /// Brings surface and open layers to the context's device, which is made anew where it is lost.
+    /// Moves surface and open layers to the context's device, which is created anew if it is lost.
     void FollowDevice();
 
     [[nodiscard]] IntRect Visible(D3D11SubTarget& target, const IntRect& region) const noexcept;
@@ -56,14 +56,14 @@ private:
     /// A draw that sends nothing outside `visible`.
     [[nodiscard]] D3D11Painter::Call CallFor(D3D11SubTarget& target, const GraphicsState& state,
                                              const IntRect& visible) noexcept;
-    /// A draw that may send anything inside `box`, of which the clip leaves `visible`.
+    /// A draw that may send anything inside `box`, of which `visible` lies inside the clip.
     [[nodiscard]] D3D11Painter::Call CallFor(const GraphicsState& state, const IntRect& visible,
                                              const IntRect& box) noexcept;
     using Colors = D3D11Painter::Colors;
     void PaintShape(const GraphicsState& state, const Colors& colors, const Shape& shape, bool snap);
-    /// By the coverage that the software keeps, if the outline is small enough for that.
+    /// Paints from cached coverage if the outline is small enough to be cached.
     void PaintOutline(const GraphicsState& state, const Colors& colors, const Shape& outline);
-    /// Draws the innermost group, in which something is, into what lies around it.
+    /// Composites the innermost group, which has content, into what contains it.
     void DrawLayer(const GraphicsState& around);
 
     std::shared_ptr<D3D11Context> m_context;
@@ -72,9 +72,9 @@ private:
     bool m_painting = false;
     bool m_incomplete = false;
     bool m_broken = false;     // there is no device for the rest of this paint
-    uint32_t m_generation = 0; // of the device that was last painted on; 0: none
+    uint32_t m_generation = 0; // of the device used by the last paint; 0: none
 
-    ClipMaker m_clips; // before everything that may hold clips
+    ClipMaker m_clips; // declared before all members that may hold clips
     Arena m_arena;
     D3D11Painter m_painter;
     D3D11SubTarget m_basic;
@@ -82,7 +82,7 @@ private:
     PathShape m_shape;
     Rasterizer m_rasterizer;
     PenStorage m_pen;
-    GlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
+    GlyphCache::Ref m_glyphs; // from the first text of a paint bracket until its end
 };
 
 } // namespace Graphics

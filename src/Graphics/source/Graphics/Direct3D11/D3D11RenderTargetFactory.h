@@ -9,7 +9,7 @@ namespace Graphics {
 
 class D3D11RenderTargetFactory final : public HwRenderTargetFactory {
 public:
-    /// Raises an engine error where there is no device that serves, or no shader compiler.
+    /// Raises an engine error if there is no usable device or no shader compiler.
     D3D11RenderTargetFactory();
 
     [[nodiscard]] std::unique_ptr<RenderTargetBase> CreateWindowTarget(void* window) override;

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The pixel shader's texture and sampler slots, and what is bound there.
+// The pixel shader's texture and sampler slots, and what is bound to them.
 #pragma once
 
 #include "D3D11Device.h"
 
 namespace Graphics {
 
-/// How a texture is read: nearest or bilinear, and the extend mode of either direction.
+/// How a texture is sampled: nearest or bilinear, and the extend mode of each direction.
 struct D3D11Sampling {
     bool linear = false;
     uint8_t extendX = GXExtendClamp;
@@ -26,7 +26,7 @@ public:
 
     /// Raises "Sampler index is out of range".
     void SetTexture(uint32_t slot, const D3D11Texture& texture, const D3D11Sampling& sampling);
-    /// To be called when a target is bound: the platform takes its texture out of the slots.
+    /// Call when a target is bound: Direct3D then unbinds its texture from the slots.
     void Forget() noexcept;
 
 private:

@@ -13,7 +13,7 @@ Shader* D3D11ShaderCache::Find(Kept<Shader>& kept, uint64_t code, D3D11ShaderCom
     }
     ++m_device.Counters().compilations;
     std::vector<uint8_t> bytes;
-    D3D11Ref<Shader> shader; // null is kept as well: no text is compiled twice
+    D3D11Ref<Shader> shader; // null is stored too, so that no text is compiled twice
     const std::string text = stage == D3D11ShaderCompiler::Stage::Vertex ? D3D11DynamicShaderFactory::VertexText(key)
                                                                          : D3D11DynamicShaderFactory::PixelText(key);
     if (m_compiler.TryCompile(text, stage, m_device.FeatureLevel(), bytes)) {

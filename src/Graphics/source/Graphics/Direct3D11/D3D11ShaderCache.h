@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Compiled shaders by key. Vertex shaders do not depend on the blend mode and are shared by keys that differ in it
-// only.
+// Compiled shaders by key. Vertex shaders do not depend on the blend mode, so keys that differ only in it share them.
 #pragma once
 
 #include <unordered_map>
@@ -21,19 +20,19 @@ public:
     D3D11ShaderCache(D3D11Device& device, const D3D11ShaderCompiler& compiler) noexcept
         : m_device(device), m_compiler(compiler) {}
 
-    /// Compiles at the first question about a key. False when the compiler refuses one of the two.
+    /// Compiles the key's shaders at the first call. False if the compiler refuses one of the two.
     [[nodiscard]] bool Has(const D3D11ShaderKey& key);
-    /// Raises "Failed to compile shader" where Has is false.
+    /// Raises "Failed to compile shader" if Has is false.
     [[nodiscard]] Shaders Get(const D3D11ShaderKey& key);
-    /// Different shaders asked for, of both stages.
+    /// Number of different shaders requested, of both stages.
     [[nodiscard]] size_t Count() const noexcept { return m_vertex.size() + m_pixel.size(); }
-    /// The one layout of every vertex shader; after the first Get.
+    /// The common input layout of every vertex shader; valid after the first Get.
     [[nodiscard]] ID3D11InputLayout* Layout() const noexcept { return m_layout.get(); }
 
 private:
     template <class Shader> using Kept = std::unordered_map<uint64_t, D3D11Ref<Shader>>;
 
-    /// Null members: refused.
+    /// Null members: the compiler refused.
     [[nodiscard]] Shaders Find(const D3D11ShaderKey& key);
     template <class Shader, class Make>
     [[nodiscard]] Shader* Find(Kept<Shader>& kept, uint64_t code, D3D11ShaderCompiler::Stage stage,

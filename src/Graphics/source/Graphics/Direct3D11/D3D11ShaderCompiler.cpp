@@ -11,8 +11,8 @@
 namespace Graphics {
 namespace {
 
-/// What a compiler answers to texts, and to targets, that it does not take. Anything else, such as a lack of memory,
-/// may be gone at the next try.
+/// True for the errors by which a compiler rejects a text or a target. Other errors, such as a lack of memory, may not
+/// occur again.
 [[nodiscard]] bool IsAboutText(HRESULT result) noexcept {
     constexpr auto kUnknownTarget = static_cast<HRESULT>(0x8876086CU); // D3DERR_INVALIDCALL
     return result == E_FAIL || result == E_NOTIMPL || result == E_INVALIDARG || result == kUnknownTarget;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The platform's HLSL compiler, loaded when it is needed.
+// The system's HLSL compiler, loaded on demand.
 #pragma once
 
 #include <windows.h>
@@ -25,20 +25,20 @@ public:
 
     enum class Stage { Vertex, Pixel };
 
-    /// Byte code. A pixel shader that is too long for the smallest target is compiled again for the larger ones that
-    /// the feature level takes; false when no target takes the text. Raises "Failed to compile shader" where the
-    /// compiler fails for another reason.
+    /// Gives byte code. A pixel shader too long for the smallest target is compiled again for the larger targets of the
+    /// feature level; false if no target accepts the text. Raises "Failed to compile shader" if the compiler fails for
+    /// another reason.
     [[nodiscard]] bool TryCompile(const std::string& text, Stage stage, uint32_t featureLevel,
                                   std::vector<uint8_t>& code) const;
 
-    /// False when it does not compile; `message` then has what the compiler says. Raises as above.
+    /// False if the text does not compile; `message` then has the compiler's message. Raises as above.
     [[nodiscard]] bool TryCompile(const std::string& text, const char* entry, const char* target,
                                   std::vector<uint8_t>& code, std::string* message) const;
 
     /// Raises "Failed to compile shader".
     [[noreturn]] static void RaiseRefused();
 
-    /// From here on the texts for which `refuses` is true fail at every target, as if the compiler had refused them.
+    /// From now on, texts for which `refuses` is true fail at every target, as if the compiler had refused them.
     void RefuseForTest(bool (*refuses)(const std::string& text)) noexcept { m_refuses = refuses; }
 
 private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the software computes for draws of the card: the colours of radial and mesh gradients and of unusual bitmaps,
-// and planes of coverage. The result becomes a texture that lies pixel on pixel over its place.
+// Textures computed in software for draws of the GPU: colours of radial and mesh gradients and of unusual bitmaps, and
+// planes of coverage. Their texels lie exactly on the device pixels.
 #pragma once
 
 #include "../Coverage/ClipRegion.h"

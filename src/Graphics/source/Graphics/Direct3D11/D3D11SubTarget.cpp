@@ -45,7 +45,7 @@ void D3D11SubTarget::OpenLayer(const D3D11Context& context, D3D11SubTarget& pare
     m_isolated = desc.isolated != 0;
     m_knockout = desc.knockout != 0;
     m_exact = m_knockout || parent.m_exact;
-    // Nothing is drawn into the parent meanwhile.
+    // Valid for the group's lifetime, since nothing is drawn into the parent meanwhile.
     m_inSoftware = parent.m_inSoftware || parent.WayOf(context, blendMode, bounds) != Way::Card;
     m_shaped = m_exact || !m_isolated || m_inSoftware;
     m_opacity = desc.opacity;
@@ -84,7 +84,7 @@ void D3D11SubTarget::MakePlanes(D3D11Context& context) {
     if (!LacksPlanes()) {
         return;
     }
-    // Down to the first group whose backdrop is on the card, and up again.
+    // Walks down to the first group whose backdrop is on the GPU, then up again.
     m_above = nullptr;
     D3D11SubTarget* lowest = this;
     while (lowest->m_below != nullptr && lowest->m_below->LacksPlanes()) {
@@ -129,7 +129,7 @@ void D3D11SubTarget::MakeOwnPlanes(D3D11Context& context) {
             context.Device().Copy(*color, *initial, {0, 0, width, height});
         }
     }
-    // All planes or none: what fails before is done again.
+    // All planes or none: after a failure everything is created again.
     m_color = std::move(color);
     m_shape = std::move(shape);
     m_initial = std::move(initial);
@@ -173,13 +173,14 @@ D3D11SubTarget::Way D3D11SubTarget::WayOf(const D3D11Context& context, uint32_t 
     if (m_inSoftware || context.Readback().IsExhausted() || !CardBlendsAsSoftware(blendMode) || m_fallback.Holds(box)) {
         return Way::Software;
     }
-    // What knocks out is what has alpha: bytes in software, floats on the card, where less than a level counts as well.
+    // Pixels with alpha knock out. Software has byte alpha; the GPU has floats, so alpha below one level knocks out
+    // too.
     const Way mixed = m_knockout ? Way::CardIfKnown : Way::Card;
     if (!m_isLayer || IsInside(box, OpaqueBelow())) {
         return mixed;
     }
-    // Over what is not opaque the software multiplies by the source's alpha twice, and the card's formula for knockout
-    // groups takes a backdrop for opaque.
+    // Over pixels that are not opaque the software multiplies by the source's alpha twice, and the GPU's formula for
+    // knockout groups assumes an opaque backdrop.
     if (m_knockout && !m_isolated) {
         return Way::Software;
     }
@@ -207,8 +208,8 @@ void D3D11SubTarget::SendUnsent(D3D11Context& context) {
 }
 
 SwTargetPlanes D3D11SubTarget::ReadInSoftware(D3D11Context& context, const IntRect& box) {
-    // Down to the first group that has the pixels in memory, and up again. Of what lies below a group only the colour
-    // is read, so that one with values needs nothing from below itself.
+    // Walks down to the first group with these pixels in memory, then up again. Only the colour of a group is read from
+    // above, so a group with valid pixels needs nothing from below.
     m_above = nullptr;
     D3D11SubTarget* lowest = this;
     while (lowest->m_below != nullptr && (lowest == this || !lowest->m_fallback.HasValues(box))) {
@@ -243,7 +244,7 @@ void D3D11SubTarget::DescribePlane(const std::shared_ptr<D3D11Texture>& plane, D
     state.origin = {m_bounds.left, m_bounds.top};
     static_cast<void>(state.key.Add(D3D11Fragment::T2D));
     const Matrix map = PlaneMap(*plane);
-    // From [0, 1] downwards to [-1, 1] upwards.
+    // From [0, 1], y down, to [-1, 1], y up.
     state.vertexConstants.AddTransform(
         {map.m00 * 2.0F, 0.0F, 0.0F, map.m11 * -2.0F, map.m20 * 2.0F - 1.0F, 1.0F - map.m21 * 2.0F});
 }
@@ -277,7 +278,7 @@ void D3D11SubTarget::Describe(D3D11Context& context, uint32_t blendMode, D3D11Dr
         state.vertexConstants.AddTransform(PlaneMap(*state.colorCopy));
         state.AddInput(state.colorCopy, {});
         if (m_shaped) {
-            // Read at the colour's coordinates: both copies have one size.
+            // Sampled at the colour's coordinates, since both copies have the same size.
             state.AddInput(state.shapeCopy, {});
             state.shape = m_shape;
         }

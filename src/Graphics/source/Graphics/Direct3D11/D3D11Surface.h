@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a hardware target paints into.
+// The destination of a hardware target.
 #pragma once
 
 #include "D3D11Context.h"
@@ -10,12 +10,12 @@ class D3D11Surface {
 public:
     virtual ~D3D11Surface() = default;
     [[nodiscard]] virtual Size GetSize() const = 0;
-    /// The opaque texture to draw into, of the surface's current size; its pixels stay from paint to paint. Null when
+    /// The opaque texture to draw into, of the surface's current size; it keeps its pixels from paint to paint. Null if
     /// the surface has no pixels.
     [[nodiscard]] virtual std::shared_ptr<D3D11Texture> BeginPaint(D3D11Context& context) = 0;
-    /// Brings the pixels to their place.
+    /// Presents the pixels.
     virtual void EndPaint(D3D11Context& context) = 0;
-    /// Gives back everything of the device, and the pixels with it.
+    /// Releases everything that belongs to the device, including the pixels.
     virtual void Forget() noexcept {}
 };
 

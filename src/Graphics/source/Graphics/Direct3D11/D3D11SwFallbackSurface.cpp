@@ -87,7 +87,7 @@ SwTargetPlanes D3D11SwFallbackSurface::Read(D3D11Context& context, const D3D11Te
         planes.planeStride = width;
         planes.knockout = m_knockout;
         if (below.color != nullptr) {
-            // The bounds of a group lie inside those of what it lies in.
+            // The bounds of a group lie inside those of what contains it.
             planes.backdrop = below.color + (m_bounds.top - below.origin.y) * below.colorStride +
                               (m_bounds.left - below.origin.x) * static_cast<ptrdiff_t>(sizeof(uint32_t));
             planes.backdropStride = below.colorStride;
@@ -133,7 +133,7 @@ void D3D11SwFallbackSurface::Receive(D3D11Context& context, const D3D11Texture& 
                             });
 }
 
-/// What a group has where nothing was drawn.
+/// Sets the values of a group's pixels before the first draw.
 void D3D11SwFallbackSurface::Start(const SwTargetPlanes& below, const IntRect& r) {
     const auto count = static_cast<size_t>(r.right - r.left);
     for (int32_t y = r.top; y < r.bottom; ++y) {
@@ -147,7 +147,7 @@ void D3D11SwFallbackSurface::Start(const SwTargetPlanes& below, const IntRect& r
         }
         if (m_kind != Kind::Surface) {
             std::memset(m_alpha.data() + offset, 0, count);
-            // A plain group's colours are divided by nothing at its end.
+            // A plain group's result is not divided by shape, so its shape is 255.
             std::memset(m_shape.data() + offset, m_kind == Kind::Plain ? 255 : 0, count);
         }
     }
@@ -157,7 +157,7 @@ void D3D11SwFallbackSurface::Drawn(const IntRect& box) { m_unsent = Both(m_unsen
 
 void D3D11SwFallbackSurface::Send(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape) {
     if (m_valid.Contains(Region(m_unsent.Bound()))) {
-        m_unsent = Region(m_unsent.Bound()); // one rectangle is sooner sent than many
+        m_unsent = Region(m_unsent.Bound()); // one rectangle is sent faster than many
     }
     m_unsent.EnumRects([&](const IntRect& r) {
         ++context.Device().Counters().sends;

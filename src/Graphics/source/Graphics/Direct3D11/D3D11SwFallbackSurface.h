@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Lets the software's pipeline draw into what the card draws into: planes in the processor's memory that stand for the
-// textures of a surface or a group, in the software's own form. Pixels come from the card when a draw first touches
-// them, and go back when the card needs them:
+// Lets the software pipeline draw into a surface or group of the GPU: CPU planes, in the software renderer's form, that
+// mirror the GPU's textures. Pixels are read from the GPU when a draw first touches them, and sent when the GPU needs
+// them:
 //
-//     valid  in memory as they should be; what is not valid is on the card, or was never drawn
-//     unsent drawn by the software and not yet on the card; a part of valid
+//     valid   correct in CPU memory; other pixels are on the GPU, or were never drawn
+//     unsent  drawn in software and not yet on the GPU; a part of valid
 //
-// So draws that follow each other share what was read. After some waits for the card in one paint bracket everything is
-// read, and the rest of the bracket is drawn by the software.
+// So consecutive software draws share one readback. After some waits for the GPU in one paint bracket all pixels are
+// read, and the rest of the bracket is drawn in software.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -27,23 +27,22 @@ public:
     void Open(Kind kind, const IntRect& bounds, bool knockout) noexcept;
     void Close() noexcept;
 
-    /// What is drawn there by the card has to be sent first and read again by the next draw of the software: better
-    /// drawn here.
+    /// True if drawing in `box` on the GPU would force a send and a later readback, so that software is better.
     [[nodiscard]] bool Holds(const IntRect& box) const;
-    /// All of `box` is in memory as it should be.
+    /// True if all of `box` is valid.
     [[nodiscard]] bool HasValues(const IntRect& box) const { return m_valid.Contains(Region(box)); }
-    /// The card lacks something in `box`.
+    /// True if pixels in `box` are unsent.
     [[nodiscard]] bool HasUnsent(const IntRect& box) const;
 
-    /// The planes, with values inside `box`. The textures are null as long as the card has drawn nothing; `below` is
-    /// what a group began with, its colour null where that is transparent.
+    /// The planes, valid inside `box`. The textures are null as long as the GPU has drawn nothing; `below` is a group's
+    /// initial backdrop, with a null colour if it is transparent.
     [[nodiscard]] SwTargetPlanes Read(D3D11Context& context, const D3D11Texture* color, const D3D11Texture* shape,
                                       const SwTargetPlanes& below, const IntRect& box);
-    /// The software has drawn inside `box`, which has values.
+    /// Records a software draw inside `box`, which is valid.
     void Drawn(const IntRect& box);
-    /// Brings to the card what it lacks.
+    /// Uploads the unsent pixels.
     void Send(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape);
-    /// The card draws inside `box`; nothing is unsent there.
+    /// Records a GPU draw inside `box`, where nothing is unsent.
     void DrawnByCard(const IntRect& box);
 
 private:
@@ -54,13 +53,13 @@ private:
     }
     void Receive(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape, const Region& region);
     void Start(const SwTargetPlanes& below, const IntRect& r);
-    /// Two textures of half floats, or one.
+    /// Uploads to one or two textures of half floats.
     void SendHalves(D3D11Context& context, const D3D11Texture& color, const D3D11Texture* shape, const IntRect& r);
 
     Kind m_kind = Kind::Surface;
     bool m_knockout = false;
     IntRect m_bounds{};
-    IntRect m_onCard{}; ///< beyond it the textures are as they were made
+    IntRect m_onCard{}; ///< outside of it the textures have their initial values
     Region m_valid;
     Region m_unsent;
     HeapArray<uint32_t> m_color;

@@ -21,9 +21,9 @@ public:
     [[nodiscard]] int32_t Height() const noexcept { return m_height; }
     [[nodiscard]] DXGI_FORMAT Format() const noexcept { return m_format; }
     [[nodiscard]] ID3D11Texture2D* Resource() const noexcept { return m_resource.get(); }
-    /// Null where shaders do not read it.
+    /// Null if shaders do not read it.
     [[nodiscard]] ID3D11ShaderResourceView* View() const noexcept { return m_view.get(); }
-    /// Null where nothing is drawn into it.
+    /// Null if nothing is drawn into it.
     [[nodiscard]] ID3D11RenderTargetView* Target() const noexcept { return m_target.get(); }
     [[nodiscard]] uint32_t PixelBytes() const noexcept {
         return m_format == DXGI_FORMAT_A8_UNORM ? 1 : m_format == DXGI_FORMAT_R16G16B16A16_FLOAT ? 8 : 4;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Textures for the time of a draw or a layer: taken again when nobody else holds them any more.
+// Textures used for one draw or layer: a texture is reused when nobody else holds it.
 #pragma once
 
 #include <vector>
@@ -12,7 +12,7 @@ class D3D11TexturePool {
 public:
     explicit D3D11TexturePool(D3D11Device& device) noexcept : m_device(device) {}
 
-    /// At least as large as asked for, and of one size for all that ask for the same; contents undefined.
+    /// At least as large as requested; equal requests give equal sizes. Contents are undefined.
     [[nodiscard]] std::shared_ptr<D3D11Texture> Take(int32_t width, int32_t height, DXGI_FORMAT format, bool drawnInto);
 
 private:

@@ -62,14 +62,14 @@ void D3D11WindowSurface::Forget() noexcept {
 }
 
 void D3D11WindowSurface::Make(D3D11Context& context) {
-    Forget(); // a window takes one chain at a time
+    Forget(); // a window can have only one chain
     DXGI_MODE_DESC mode = DisplayMode(context);
     const Size size = GetSize();
     mode.Format = kFormat;
     mode.Width = std::max(1U, size.width);
     mode.Height = std::max(1U, size.height);
     m_chain = context.Device().CreateSwapChainForWindow(context.Factory(), m_window, mode);
-    // The window's keys and size are the host's business.
+    // DXGI must not react to the window's keys and size; the host does.
     context.Factory().MakeWindowAssociation(m_window, DXGI_MWA_NO_WINDOW_CHANGES | DXGI_MWA_NO_ALT_ENTER);
     m_chainSize = size;
     m_generation = context.Generation();
@@ -85,12 +85,12 @@ std::shared_ptr<D3D11Texture> D3D11WindowSurface::BeginPaint(D3D11Context& conte
     const Size size = GetSize();
     m_shown = false;
     if (size.width == 0 || size.height == 0) {
-        return nullptr; // minimised: the pixels wait for the window to come back
+        return nullptr; // minimised: the pixels are kept until the window is restored
     }
     const auto width = static_cast<int32_t>(size.width);
     const auto height = static_cast<int32_t>(size.height);
     if (m_chainSize.width != size.width || m_chainSize.height != size.height) {
-        m_chainSize = {}; // where this fails, nobody knows what the buffers are
+        m_chainSize = {}; // if the next call fails, the size of the buffers is unknown
         GX_D3D11_CHECK(context.Device(), "D3D11Device::CreateSwapChainForWindow",
                        m_chain->ResizeBuffers(1, static_cast<UINT>(width), static_cast<UINT>(height), kFormat, 0));
         m_chainSize = size;
@@ -98,7 +98,7 @@ std::shared_ptr<D3D11Texture> D3D11WindowSurface::BeginPaint(D3D11Context& conte
     if (m_pixels == nullptr || m_pixels->Width() != width || m_pixels->Height() != height) {
         auto fresh = context.Device().CreateRenderTexture(width, height, kFormat);
         context.Device().ColorFill(*fresh, {0.0F, 0.0F, 0.0F, 1.0F});
-        if (m_pixels != nullptr) { // what both sizes have stays
+        if (m_pixels != nullptr) { // the common part of both sizes is kept
             context.Device().Copy(*fresh, *m_pixels,
                                   {0, 0, std::min(width, m_pixels->Width()), std::min(height, m_pixels->Height())});
         }

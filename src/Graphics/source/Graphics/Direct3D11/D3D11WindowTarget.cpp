@@ -11,7 +11,7 @@ namespace {
 [[nodiscard]] std::unique_ptr<D3D11Surface> MakeSurface(D3D11Context& context, HWND window) {
     auto surface = std::make_unique<D3D11WindowSurface>(window);
     if (!context.TryRecover()) {
-        return surface; // made by the first paint that has a device
+        return surface; // created by the first paint that has a device
     }
     try {
         surface->Make(context);
@@ -29,7 +29,7 @@ namespace {
 D3D11WindowTarget::D3D11WindowTarget(std::shared_ptr<D3D11Context> context, HWND window)
     : m_context(std::move(context)), m_window(window), m_card(m_context, MakeSurface(*m_context, window)) {}
 
-/// False when there is no device.
+/// False if there is no device.
 bool D3D11WindowTarget::BeginOnCard() {
     if (!m_context->TryRecover()) {
         return false;
@@ -37,7 +37,7 @@ bool D3D11WindowTarget::BeginOnCard() {
     try {
         m_card.BeginPaint();
     } catch (const Exception&) {
-        if (m_context->IsWithoutDevice()) { // lost just now, and not to be replaced
+        if (m_context->IsWithoutDevice()) { // lost just now and could not be replaced
             return false;
         }
         throw;
@@ -48,7 +48,7 @@ bool D3D11WindowTarget::BeginOnCard() {
 }
 
 void D3D11WindowTarget::BeginInSoftware() {
-    m_card.Forget(); // its swap chain would lie over what is drawn now
+    m_card.Forget(); // its swap chain would cover the software's output
     std::unique_ptr<SwRenderTarget> fresh;
     if (m_software == nullptr) {
         fresh = std::make_unique<SwRenderTarget>(std::make_unique<SwWindowSurface>(m_window));

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A window, drawn by the graphics card as long as there is a device. The start of a paint replaces a device that is
-// lost; while none can be made, windows are drawn in software, and every start of a paint looks for a device again.
-// Pixels do not move from one to the other: a paint that begins without those of the last one asks the window for
-// another paint.
+// A window, drawn by the GPU as long as there is a device. Each start of a paint replaces a lost device; while none can
+// be created, the window is drawn in software. Pixels are not transferred between the two: a paint that starts without
+// the pixels of the last one requests another paint from the window.
 #pragma once
 
 #include "../Software/SwRenderTarget.h"
@@ -12,10 +11,10 @@ namespace Graphics {
 
 class D3D11WindowTarget final : public RenderTargetBase {
 public:
-    /// Raises "The window does not exist" and, where there is a device, what keeps it from the window.
+    /// Raises "The window does not exist" and, if there is a device, the error that prevents its use for the window.
     D3D11WindowTarget(std::shared_ptr<D3D11Context> context, HWND window);
 
-    /// The last paint was, or the current one is, the card's.
+    /// True if the last or current paint uses the GPU.
     [[nodiscard]] bool IsOnCard() const noexcept { return m_software == nullptr; }
 
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return Active().GetPixelFormat(); }
@@ -55,9 +54,9 @@ private:
     HWND m_window;
     D3D11RenderTarget m_card;
     std::unique_ptr<SwRenderTarget> m_software; // while there is no device
-    bool m_incomplete = false;                  // this paint began without the pixels of the last one
+    bool m_incomplete = false;                  // this paint started without the pixels of the last one
     bool m_asked =
-        false; // for another paint; once, so that a device that is lost by every paint makes no endless round
+        false; // another paint was requested; once only, so that a device lost in every paint causes no endless loop
 };
 
 } // namespace Graphics

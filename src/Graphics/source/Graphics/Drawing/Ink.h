@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What colours the pixels of a draw, before it is known who draws it. Inks lie in user space; the matrix of a draw is
-// applied by the back end. They refer to bitmaps and brushes, which outlive the draw.
+// The paint of a draw, independent of the back end. Inks lie in user space; the back end applies the draw's matrix.
+// They refer to bitmaps and brushes, which must outlive the draw.
 #pragma once
 
 #include <variant>
@@ -14,10 +14,10 @@ namespace Graphics {
 class Bitmap;
 class CacheHolder;
 
-/// The pixels of an image and where they lie on the device. As a mask an image's opacity does not count.
+/// The pixels of an image and their place on the device. In a mask the image's opacity is ignored.
 struct PlacedImage {
     PixelView pixels;
-    CacheHolder* derived = nullptr;   ///< keeps what is derived from all of the image; null where nothing is to be kept
+    CacheHolder* derived = nullptr;   ///< caches objects derived from the whole image; null: do not cache
     uint32_t interpolation = 0;       ///< unknown values count as nearest
     uint32_t extendX = GXExtendClamp; ///< unknown values count as clamp
     uint32_t extendY = GXExtendClamp;
@@ -26,19 +26,19 @@ struct PlacedImage {
     bool asMask = false;
 };
 
-/// A bitmap, or a part of one.
+/// A bitmap, or a part of one, and how its edges meet the path.
 struct ImageInk {
     enum class Edges : uint8_t {
-        Extended, ///< by the modes of a brush
+        Extended, ///< extended by the modes of a brush
         Hidden,   ///< the path is the image's own rectangle
-        Shown,    ///< the path is a rectangle around the image: its edge pixels go on
+        Shown,    ///< the path is a rectangle around the image: its edge pixels are extended
     };
 
     explicit ImageInk(const BitmapBrush& brush) noexcept;
-    /// `source` (pixels of the bitmap) lies exactly on `destination`; a reversed rectangle mirrors. Where it is larger
-    /// than the bitmap, edge pixels go on.
+    /// Maps `source` (pixels of the bitmap) onto `destination`; a reversed rectangle mirrors. Where `source` exceeds
+    /// the bitmap, edge pixels are repeated.
     ImageInk(const Bitmap& b, const IntRect& source, const Rect& destination, float alpha, uint32_t mode) noexcept;
-    /// All of the bitmap lies on `destination`.
+    /// Maps the whole bitmap onto `destination`.
     ImageInk(const Bitmap& b, const Rect& destination, float alpha, uint32_t mode) noexcept;
 
     [[nodiscard]] PixelView Pixels() const noexcept;
@@ -51,7 +51,7 @@ struct ImageInk {
     uint32_t extendX = GXExtendClamp;
     uint32_t extendY = GXExtendClamp;
     float opacity;
-    bool isWhole = true; ///< the part is all of the bitmap
+    bool isWhole = true; ///< the part is the whole bitmap
     Edges edges = Edges::Extended;
 };
 
@@ -69,11 +69,11 @@ using Ink = std::variant<SolidInk, ImageInk, GradientInk>;
 /// Raises "Not implemented" for an unknown kind of brush.
 [[nodiscard]] Ink PatternOf(const Brush& brush);
 [[nodiscard]] inline Ink InkOf(const Brush& brush) {
-    // Most draws have one colour.
+    // Fast path: most draws have one colour.
     return brush.Kind() == kBrushSolid ? Ink(SolidInk{static_cast<const SolidBrush&>(brush).argb}) : PatternOf(brush);
 }
 
-/// Maps a paint's own space to the device: `paint` and then `userToDevice`.
+/// The map from a paint's own space to the device: `paint`, then `userToDevice`.
 [[nodiscard]] inline Matrix PaintToDevice(const Matrix& paint, const Matrix& userToDevice) noexcept {
     return IsIdentity(userToDevice) ? paint : Concat(paint, userToDevice);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a draw covers, in user space and by reference: nothing is copied on the way to a back end.
+// The area of a draw, in user space and by reference: nothing is copied before a back end draws it.
 #pragma once
 
 #include "../Geometry/BasicFigures.h"
@@ -8,12 +8,12 @@
 
 namespace Graphics {
 
-/// Null-terminated text, one glyph after the other from the origin on.
+/// Null-terminated text; glyphs follow each other from the origin on.
 struct GlyphRun {
     const Font* font;
     const uint16_t* text;
 
-    /// Calls use(outline, matrix) for each glyph that has an outline; `m` places the first one.
+    /// Calls use(outline, matrix) for each glyph that has an outline; `m` places the first glyph.
     template <class Use> void ForEach(Matrix m, Use&& use) const {
         for (const uint16_t* unit = text; *unit != 0; ++unit) {
             const FontGlyph& glyph = font->Glyph(*unit);
@@ -23,7 +23,7 @@ struct GlyphRun {
             m = Concat({1.0F, 0.0F, 0.0F, 1.0F, glyph.metrics.advanceX, glyph.metrics.advanceY}, m);
         }
     }
-    /// No glyph has an outline.
+    /// True if no glyph has an outline.
     [[nodiscard]] bool IsBlank() const;
 };
 
@@ -32,12 +32,12 @@ public:
     enum class Kind : uint8_t {
         Figure,
         Shape,
-        Outline, ///< a shape that is text: it is never moved to whole pixels, and its coverage is worth keeping
-        Glyphs,  ///< each an outline
-        Plane,   ///< everything that can be drawn on
+        Outline, ///< a shape that is text: never snapped to whole pixels, and its coverage is cached
+        Glyphs,  ///< a GlyphRun; each glyph is an outline
+        Plane,   ///< the whole target
     };
 
-    // Not explicit: whatever can be drawn is a path.
+    // Implicit conversions: draws accept any of these as a path.
     Path(const BasicFigure& figure) noexcept : m_object(&figure), m_kind(Kind::Figure) {}
     Path(const Graphics::Shape& shape) noexcept : m_object(&shape), m_kind(Kind::Shape) {}
     Path(const GlyphRun& run) noexcept : m_object(&run), m_kind(Kind::Glyphs) {}
@@ -46,17 +46,17 @@ public:
 
     [[nodiscard]] Kind GetKind() const noexcept { return m_kind; }
     [[nodiscard]] bool IsFigure() const noexcept { return m_kind == Kind::Figure; }
-    /// Of a figure.
+    /// Requires Kind::Figure.
     [[nodiscard]] const BasicFigure& Figure() const noexcept { return *static_cast<const BasicFigure*>(m_object); }
-    /// Of a stored shape: null for everything else.
+    /// The stored shape; null for any other kind.
     [[nodiscard]] const Graphics::Shape* Stored() const noexcept {
         return m_kind == Kind::Shape || m_kind == Kind::Outline ? static_cast<const Graphics::Shape*>(m_object)
                                                                 : nullptr;
     }
-    /// Of glyphs.
+    /// Requires Kind::Glyphs.
     [[nodiscard]] const GlyphRun& Glyphs() const noexcept { return *static_cast<const GlyphRun*>(m_object); }
 
-    /// Whether there is nothing to draw anywhere.
+    /// True if the path covers nothing anywhere.
     [[nodiscard]] bool IsEmpty() const {
         switch (m_kind) {
         case Kind::Figure:
@@ -77,10 +77,10 @@ private:
     Kind m_kind;
 };
 
-/// Gives figures and stored shapes as shapes.
+/// Converts figures and stored shapes to shapes.
 class PathShape {
 public:
-    /// The stored shape, or the figure put into a shape that is void after the next call.
+    /// The stored shape, or a shape made from the figure, which is valid until the next call.
     [[nodiscard]] const Shape& Of(const Path& path) {
         if (const Shape* stored = path.Stored()) {
             return *stored;

@@ -8,7 +8,8 @@ namespace Graphics {
 GdipBitmapColorSource::GdipBitmapColorSource(const ImageInk& image, const Matrix& transform) {
     const GdipBitmap bitmap(image.Pixels(), image.bitmap->DpiX(), image.bitmap->DpiY());
     if (CreateTexture(bitmap, image.opacity)) {
-        // Where nothing beyond the edges shows the image is mirrored there: a clamped texture fades out at them.
+        // If pixels beyond the edges are hidden, the image is mirrored there, because a clamped texture fades out at
+        // its edges.
         const bool hidden = image.edges == ImageInk::Edges::Hidden;
         PlaceTexture(transform, hidden ? Gdiplus::WrapModeTileFlipXY : WrapModeOf(image.extendX, image.extendY));
     }

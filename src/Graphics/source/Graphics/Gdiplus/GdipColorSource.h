@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What fills a path in GDI+: a brush of its own, made from one of the engine's for one draw.
+// The paint of a draw in GDI+: a GDI+ brush made from an ink for one draw.
 #pragma once
 
 #include <memory>
@@ -11,14 +11,14 @@ namespace Graphics {
 
 class Bitmap;
 
-/// A back end that draws into a bitmap: whatever GDI+ has no counterpart for is drawn by it.
+/// Makes a back end that draws into a bitmap; it draws what GDI+ cannot.
 using BitmapTargetMaker = std::unique_ptr<RenderTargetBase> (*)(std::shared_ptr<Bitmap>);
 
-/// Where a draw takes place.
+/// The placement of a draw.
 struct GdipPlace {
     Matrix transform; ///< user space to device pixels
     Matrix toPage;    ///< device pixels to page units
-    IntRect visible;  ///< the pixels that may be reached; not empty
+    IntRect visible;  ///< the pixels that the draw may reach; not empty
     BitmapTargetMaker makeTarget;
 };
 
@@ -29,19 +29,19 @@ public:
     GdipColorSource& operator=(const GdipColorSource&) = delete;
     virtual ~GdipColorSource();
 
-    /// Raises when a call of GDI+ failed.
+    /// Raises if a GDI+ call fails.
     [[nodiscard]] static std::unique_ptr<GdipColorSource> Create(const Ink& ink, const GdipPlace& place);
 
     /// The brush, owned by this object.
     [[nodiscard]] Gdiplus::GpBrush* Get() const noexcept { return m_brush; }
-    /// Raises what went wrong while the brush was made.
+    /// Raises the error that occurred while the brush was made, if any.
     void Check() { m_status.Check("Graphics::GdipColorSource::Create"); }
 
 protected:
     void CreateSolid(uint32_t argb);
-    /// False when there is no texture.
+    /// False if there is no texture.
     bool TakeTexture(Gdiplus::GpStatus status, Gdiplus::GpTexture* texture);
-    /// Image pixels to page units.
+    /// Sets the map from image pixels to page units.
     void PlaceTexture(const Matrix& transform, Gdiplus::GpWrapMode mode);
 
     GdipStatus m_status;

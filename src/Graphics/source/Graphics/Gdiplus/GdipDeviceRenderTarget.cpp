@@ -7,7 +7,7 @@
 namespace Graphics {
 namespace {
 
-/// GDI draws into the context of a graphics object of GDI+ while this lives.
+/// While this object lives, GDI may draw into the context of a GDI+ graphics object.
 class BorrowedContext {
 public:
     explicit BorrowedContext(GdipGraphics& graphics) : m_graphics(graphics), m_dc(graphics.AcquireContext()) {}
@@ -18,7 +18,7 @@ public:
             try {
                 m_graphics.ReleaseContext(m_dc);
             } catch (const Exception&) {
-                // Another failure is on its way.
+                // Another exception is already being thrown.
             }
         }
     }
@@ -50,7 +50,7 @@ GdipDevice GdipDeviceRenderTarget::DeviceOf(HDC dc) {
 }
 
 std::unique_ptr<GdipGraphics> GdipDeviceRenderTarget::Open() {
-    SetDevice(DeviceOf(m_dc)); // a host may turn the paper between two pages
+    SetDevice(DeviceOf(m_dc)); // a host may change the paper orientation between two pages
     if (!m_devicePixels.emplace(m_dc)) {
         GX_RAISE("Graphics::GdipDeviceRenderTarget::Open", "The DC does not exist");
     }
@@ -63,13 +63,13 @@ void GdipDeviceRenderTarget::Place(GdipGraphics& graphics, const PixelView& pixe
     for (const IntRect& rect : rects) {
         const int width = rect.right - rect.left;
         const int height = rect.bottom - rect.top;
-        // An image of just these rows: drivers do not agree on where a part of one is counted from.
+        // A bitmap of just these rows, because drivers disagree on the origin of a part.
         SwBitmapInfo info(static_cast<int32_t>(pixels.strideBytes / 4), height, 32);
         const uint8_t* rows = pixels.data + (rect.top - origin.y) * pixels.strideBytes;
         const int done = g_system.stretchDIBits(context.Get(), rect.left, rect.top, width, height, rect.left - origin.x,
                                                 0, width, height, rows, info.Get(), DIB_RGB_COLORS, SRCCOPY);
         const RECT to{rect.left, rect.top, rect.right, rect.bottom};
-        // Where the host's clip leaves nothing, nothing is copied.
+        // Copying nothing is no failure if the host's clip excludes the rectangle.
         if (static_cast<DWORD>(done) == GDI_ERROR || (done == 0 && RectVisible(context.Get(), &to) != FALSE)) {
             GX_RAISE("Graphics::GdipDeviceRenderTarget::Place", "StretchDIBits is failed.");
         }

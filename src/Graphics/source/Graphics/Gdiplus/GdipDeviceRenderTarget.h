@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The target on the device context of a printer, or of anything else that GDI+ draws on.
+// The target on a device context that GDI+ draws on, such as a printer's.
 #pragma once
 
 #include <optional>
@@ -11,7 +11,7 @@ namespace Graphics {
 
 class GdipDeviceRenderTarget final : public GdipRenderTarget {
 public:
-    /// The context outlives this object. Raises "Failed to gdi+ startup", "The DC does not exist".
+    /// The context must outlive this object. Raises "Failed to gdi+ startup", "The DC does not exist".
     GdipDeviceRenderTarget(HDC dc, BitmapTargetMaker makeTarget);
 
 protected:

@@ -6,10 +6,10 @@
 namespace Graphics {
 namespace {
 
-/// The software renderer draws no further than this from a picture's corner.
+/// The software renderer's limit for coordinates of a picture.
 constexpr int32_t kFarthest = 32000;
 
-/// Beyond so many rectangles their common box is brought to the device in one piece. It shows the same.
+/// Above this number of rectangles their bounding box is copied in one piece, with the same result.
 constexpr size_t kMostRects = 256;
 
 [[nodiscard]] IntRect Join(const IntRect& a, const IntRect& b) noexcept {
@@ -33,7 +33,7 @@ void GdipFlattener::RunColumns(const std::vector<IntRect>& all, const IntRect& b
                                int64_t bandPixels) const {
     const int64_t rows = std::clamp<int64_t>(bandPixels / (bound.right - bound.left), 1, kFarthest);
     std::vector<IntRect> rects;
-    size_t first = 0; // ends below the band's top
+    size_t first = 0; // rectangles before it end above the band
     for (int32_t top = bound.top; top < bound.bottom;) {
         const auto bottom = static_cast<int32_t>(std::min<int64_t>(bound.bottom, top + rows));
         rects.clear();

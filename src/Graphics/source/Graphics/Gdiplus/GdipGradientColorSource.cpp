@@ -38,7 +38,7 @@ void GdipGradientColorSource::CreateTexture(const GradientBrush& brush, const Ma
     Gdiplus::GpTexture* texture = nullptr;
     const Gdiplus::GpStatus status = g_gdip.createTexture(bitmap.Get(), Gdiplus::WrapModeTile, &texture);
     if (TakeTexture(status, texture)) {
-        // Mirrored beyond its edges, so that filters find there what is inside.
+        // Mirrored beyond its edges, so that filters sample colours from inside.
         PlaceTexture(Concat(textureToDevice, place.toPage), Gdiplus::WrapModeTileFlipXY);
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Gradients as textures: the software renderer draws the colours, so that they are the screen's.
+// Gradients as textures: the software renderer computes the colours, so that print and screen agree.
 #pragma once
 
 #include "../Paint/Brush.h"
@@ -14,7 +14,7 @@ public:
     [[nodiscard]] static std::unique_ptr<GdipColorSource> Factory(const GradientBrush& brush, const GdipPlace& place);
 
 protected:
-    /// A texture of width x height pixels with the brush's colours under `transform`, user space to texture pixels.
+    /// A width x height texture with the brush's colours under `transform`, which maps user space to texture pixels.
     void CreateTexture(const GradientBrush& brush, const Matrix& transform, int32_t width, int32_t height,
                        const GdipPlace& place, const Matrix& textureToDevice);
 };

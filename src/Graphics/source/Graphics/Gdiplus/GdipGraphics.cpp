@@ -6,7 +6,7 @@
 namespace Graphics {
 namespace {
 
-/// Linear is bicubic here: a printer has pixels enough to show the difference.
+/// Linear is rendered as bicubic, since the resolution of a printer shows the difference.
 [[nodiscard]] Gdiplus::InterpolationMode InterpolationModeOf(uint32_t interpolation) noexcept {
     switch (interpolation) {
     case GXInterpolationLinear:
@@ -20,7 +20,7 @@ namespace {
 
 } // namespace
 
-/// The state in which one call draws.
+/// The GDI+ state for one call.
 class GdipGraphics::DrawState {
 public:
     DrawState(GdipGraphics& owner, uint32_t interpolation) : m_owner(owner) {
@@ -52,7 +52,7 @@ private:
 GdipGraphics::GdipGraphics(HDC dc) {
     if (m_status.Note(g_gdip.createFromHDC(dc, &m_graphics)) &&
         m_status.Note(g_gdip.saveGraphics(m_graphics, &m_first)) &&
-        m_status.Note(g_gdip.setPageUnit(m_graphics, Gdiplus::UnitPoint))) { // for clips
+        m_status.Note(g_gdip.setPageUnit(m_graphics, Gdiplus::UnitPoint))) { // the unit of clips
         return;
     }
     if (m_graphics != nullptr) {
@@ -67,7 +67,7 @@ GdipGraphics::~GdipGraphics() {
 }
 
 void GdipGraphics::Clear(uint32_t argb) {
-    // The bounds of the clip are rounded in page units: in pixels nothing is.
+    // In pixels, because GDI+ rounds the clip's bounds in page units.
     m_status.Note(g_gdip.setPageUnit(m_graphics, Gdiplus::UnitPixel));
     m_status.Note(g_gdip.graphicsClear(m_graphics, argb));
     m_status.Note(g_gdip.setPageUnit(m_graphics, Gdiplus::UnitPoint));

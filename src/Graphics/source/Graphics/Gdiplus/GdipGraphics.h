@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A graphics object of GDI+ on a device context. Its unit is the point, 1/72 inch, from the device's top left corner.
+// A GDI+ graphics object on a device context. Its unit is the point, 1/72 inch, from the device's top left corner.
 #pragma once
 
 #include "GdipPath.h"
@@ -10,25 +10,25 @@ class GdipColorSource;
 
 class GdipGraphics {
 public:
-    /// Raises when GDI+ refuses the context, which outlives this object.
+    /// Raises if GDI+ refuses the context, which must outlive this object.
     explicit GdipGraphics(HDC dc);
     GdipGraphics(const GdipGraphics&) = delete;
     GdipGraphics& operator=(const GdipGraphics&) = delete;
     ~GdipGraphics();
 
-    // All raise "Gdiplus call failed - status: {n}" when one of their calls failed; the others were made nevertheless.
+    // Each function makes all its GDI+ calls, and raises "Gdiplus call failed - status: {n}" at its end if one failed.
 
     void Clear(uint32_t argb);
-    /// `interpolation` says how the source's image is sampled.
+    /// `interpolation` is the sampling mode for the source's image.
     void Fill(const GdipPath& path, const GdipColorSource& source, uint32_t interpolation);
     void IntersectClip(const GdipPath& path);
 
     using SavedState = Gdiplus::GraphicsState;
     [[nodiscard]] SavedState Save();
-    /// Back to a saved state; states saved after it are gone.
+    /// Restores a saved state and drops states saved after it.
     void Restore(SavedState state);
 
-    /// Between these GDI draws into the context itself; what GDI+ has drawn is there.
+    /// Between these two calls GDI may draw into the context; earlier output of GDI+ is flushed to it.
     [[nodiscard]] HDC AcquireContext();
     void ReleaseContext(HDC dc);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// On the device the parameter is t = t0 + g . p. With u = g / |g| and s = u . p it depends on s alone, and one step of
-// s is one device pixel along u. The strip holds s from the least to the largest value of the pixels to be painted, so
-// that whatever lies before the start and behind the end of the axis is in it, too.
+// On the device the parameter is t = t0 + g . p. With u = g / |g| and s = u . p it depends only on s, and one step of s
+// is one device pixel along u. The strip covers s from its least to its largest value over the pixels to be painted, so
+// it also contains the colours before the start and behind the end of the axis.
 #include "GdipLinearGradientColorSource.h"
 
 #include <cmath>
@@ -18,12 +18,12 @@ GdipLinearGradientColorSource::GdipLinearGradientColorSource(const GradientBrush
     const double square = axisX * axisX + axisY * axisY;
     const double det =
         static_cast<double>(toDevice.m00) * toDevice.m11 - static_cast<double>(toDevice.m01) * toDevice.m10;
-    // The gradient of t: the inverse of the linear part, applied to the axis.
+    // The gradient of t: the inverse of the linear part applied to the axis.
     const double gx = (toDevice.m11 * axisX - toDevice.m01 * axisY) / (det * square);
     const double gy = (toDevice.m00 * axisY - toDevice.m10 * axisX) / (det * square);
     const double slope = std::hypot(gx, gy);
     if (!(slope > 0.0) || !std::isfinite(slope) || !std::isfinite(1.0 / slope)) {
-        // No direction: one colour, that of every pixel.
+        // Without a direction every pixel has the same colour.
         CreateTexture(brush, place.transform, 1, 1, place, kIdentity);
         return;
     }
@@ -31,11 +31,11 @@ GdipLinearGradientColorSource::GdipLinearGradientColorSource(const GradientBrush
     const IntRect& v = place.visible;
     const auto least = [](double a, double b) { return std::floor(std::min(a, b)); };
     const auto most = [](double a, double b) { return std::ceil(std::max(a, b)); };
-    constexpr double kMargin = 2.0; // what a filter reaches
+    constexpr double kMargin = 2.0; // reach of a filter
     const double low = least(ux * v.left, ux * v.right) + least(uy * v.top, uy * v.bottom) - kMargin;
     const double high = most(ux * v.left, ux * v.right) + most(uy * v.top, uy * v.bottom) + kMargin;
 
-    // Device pixels to the strip: s becomes x, what is across it y.
+    // Device pixels to the strip: x is s, y the coordinate across.
     const Matrix toStrip{static_cast<float>(ux), static_cast<float>(-uy),  static_cast<float>(uy),
                          static_cast<float>(ux), static_cast<float>(-low), 0.0F};
     const Matrix fromStrip{static_cast<float>(ux), static_cast<float>(uy),       static_cast<float>(-uy),

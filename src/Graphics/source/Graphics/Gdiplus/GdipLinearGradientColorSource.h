@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Colours that change in one direction: a strip of one row.
+// Colours that change in one direction, as a strip of one row.
 #pragma once
 
 #include "GdipGradientColorSource.h"
@@ -8,7 +8,7 @@ namespace Graphics {
 
 class GdipLinearGradientColorSource final : public GdipGradientColorSource {
 public:
-    /// `brush` has a LinearGradient.
+    /// `brush` must have a LinearGradient.
     GdipLinearGradientColorSource(const GradientBrush& brush, const GdipPlace& place);
 };
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The drawing calls of a page in their order, for parts of the page that have to be drawn once more by another back
-// end. Whatever a call was given is kept as it was at that time.
+// The display list of a page: its drawing calls in order, so that another back end can draw parts of the page again.
+// The arguments of a call are kept as they were at the time of the call.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ namespace Graphics {
 
 class SysMemBitmap;
 
-/// A path that outlives the call it came with. Glyphs are kept one by one, as outlines.
+/// A path that outlives its call. Glyphs are kept as outlines, one by one.
 class GdipKeptPath {
 public:
     explicit GdipKeptPath(const Path& path);
@@ -28,7 +28,7 @@ private:
     BasicFigure m_figure;
 };
 
-/// An ink with what it refers to.
+/// An ink and ownership of what it refers to.
 struct GdipKeptInk {
     Ink ink;
     std::shared_ptr<const void> owner; ///< of the bitmap or the gradient; null for a colour
@@ -36,26 +36,26 @@ struct GdipKeptInk {
 
 class GdipPageList {
 public:
-    /// Gets the state that the call was made under, moved to where the target shows the page.
+    /// Receives the target and the state of the recorded call, translated to the target's part of the page.
     using Call = std::function<void(RenderTargetBase&, const GraphicsState&)>;
 
-    /// `call` is made under `state` and reaches no pixel outside `box`.
+    /// Adds a drawing call made under `state` that reaches no pixel outside `box`.
     void Add(const GraphicsState& state, const IntRect& box, Call call) {
         m_entries.push_back({state, box, std::move(call)});
         ++m_drawings;
     }
-    /// Calls of Add so far.
+    /// Number of Add calls so far.
     [[nodiscard]] size_t Drawings() const noexcept { return m_drawings; }
-    /// A call that concerns all that follow: of clips and groups.
+    /// Adds a call that affects all later ones: of clips and groups.
     void AddScope(const GraphicsState& state, Call call);
-    /// The next AddScope of a call that needs no memory cannot fail.
+    /// Reserves memory so that the next AddScope cannot fail if its call needs none.
     void MakeRoom();
 
-    /// Makes all calls that concern `part` of the page. The target's (0, 0) is the part's top left pixel.
+    /// Replays the calls that affect `part` of the page. The target's (0, 0) is the part's top left pixel.
     void Replay(RenderTargetBase& target, const IntRect& part) const;
     void Clear() noexcept;
 
-    /// What the bitmap shows now. As long as it shows the same, it is the same copy.
+    /// A copy of the bitmap's present content; the same copy as long as the content is the same.
     [[nodiscard]] std::shared_ptr<Bitmap> Keep(const Bitmap& bitmap);
     [[nodiscard]] std::shared_ptr<const Brush> Keep(const Brush& brush);
     [[nodiscard]] GdipKeptInk Keep(const Ink& ink);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A path of GDI+, filled through the sink that every geometry can be sent to. Takes device pixels, holds page units.
+// A GDI+ path that is filled as a geometry sink. Receives device pixels and stores page units.
 #pragma once
 
 #include "../Matrix.h"
@@ -9,10 +9,10 @@ namespace Graphics {
 
 class GdipPath {
 public:
-    /// Device pixels that a page may have from its corner: paper on a roll is long.
+    /// Limit of a page in device pixels; roll paper is long.
     static constexpr float kBand = 1048576.0F;
 
-    /// `toPage` maps device pixels to page units. Raises when GDI+ makes no path.
+    /// `toPage` maps device pixels to page units. Raises if GDI+ cannot create a path.
     explicit GdipPath(const Matrix& toPage);
     GdipPath(const GdipPath&) = delete;
     GdipPath& operator=(const GdipPath&) = delete;
@@ -25,7 +25,7 @@ public:
     void LineTo(const Point& p);
     void CubicTo(const Point& c1, const Point& c2, const Point& end);
 
-    /// The finished path. Raises when one of its parts was refused.
+    /// The finished path. Raises if GDI+ refused a part of it.
     [[nodiscard]] Gdiplus::GpPath* Get() const;
 
 private:

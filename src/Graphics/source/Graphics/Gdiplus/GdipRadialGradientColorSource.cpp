@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// At the device's resolution up to four million pixels, that is an area of about 3 x 3 inches at 600 dots per inch;
-// beyond that a pixel of the image covers several of the device. A whole page then has about 200 an inch, twice what a
-// screen has.
+// The image has the device's resolution up to four million pixels, about 3 x 3 inches at 600 dots per inch; beyond that
+// its pixels cover several device pixels. A whole page then has about 200 dots per inch, twice a screen's resolution.
 #include "GdipRadialGradientColorSource.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Colours between circles: an image of the pixels to be painted.
+// Colours between circles, as an image of the pixels to be painted.
 #pragma once
 
 #include "GdipGradientColorSource.h"
@@ -8,7 +8,7 @@ namespace Graphics {
 
 class GdipRadialGradientColorSource final : public GdipGradientColorSource {
 public:
-    /// `brush` has a RadialGradient.
+    /// `brush` must have a RadialGradient.
     GdipRadialGradientColorSource(const GradientBrush& brush, const GdipPlace& place);
 };
 

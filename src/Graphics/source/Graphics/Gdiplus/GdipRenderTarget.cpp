@@ -115,7 +115,7 @@ void GdipRenderTarget::DropLayer() noexcept {
     try {
         m_page.AddScope({}, [](RenderTargetBase& t, const GraphicsState&) { t.DropLayer(); });
     } catch (const std::bad_alloc&) {
-        // The page ends, and with it the groups of the target that draws from the list.
+        // Nothing to do: the page ends, and with it all groups.
     }
 }
 

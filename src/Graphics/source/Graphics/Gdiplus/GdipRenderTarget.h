@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The GDI+ back end. What GDI+ can draw as it is meant is drawn at once: paths in opaque colours, images and gradients;
-// with alpha where the device composites. Everything else (groups with an effect, soft masks, blend modes, inversion,
-// meshes, stencils) is only noted: the pixels that it reaches are drawn by the software renderer from the list of all
-// calls when painting ends, and cover what GDI+ has drawn there. So a pixel is either GDI+'s alone or the screen's
-// alone.
+// The GDI+ back end. (1) GDI+ draws at once what it draws correctly: paths in opaque colours, images and gradients,
+// also with alpha if the device composites. (2) Everything else (groups with an effect, soft masks, blend modes,
+// inversion, meshes, stencils) is only recorded: when painting ends, the software renderer draws the affected pixels
+// from the display list of all calls, over what GDI+ has drawn there. (3) So every pixel comes either from GDI+ alone
+// or from the software renderer alone.
 #pragma once
 
 #include "../Geometry/Pen.h"
@@ -16,7 +16,7 @@
 
 namespace Graphics {
 
-/// What is drawn on.
+/// The properties of the device.
 struct GdipDevice {
     IntRect area{}; ///< device pixels, from (0, 0) on
     float dpiX = 0, dpiY = 0;
@@ -32,10 +32,10 @@ public:
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return m_device.format; }
     [[nodiscard]] Size GetSize() const override;
 
-    /// As it is now: pages are drawn once more from the list of calls.
+    /// A copy of the brush's present content, because pages are drawn again from the display list.
     [[nodiscard]] std::shared_ptr<const Brush> KeepMask(std::shared_ptr<const Brush> brush) override;
 
-    /// Raises "Unsuported pixel format" when GDI+ has no counterpart of the target's format, and what Open raises.
+    /// Raises "Unsuported pixel format" if GDI+ has no counterpart of the target's format, and what Open raises.
     void BeginPaint() override;
     void EndPaint() override;
     void PushState() override;
@@ -52,28 +52,28 @@ public:
     void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 protected:
-    /// The graphics of a page that begins. Sees to it that the device is the present one: pages of a job may differ.
+    /// The graphics of a new page. Calls SetDevice with the present device, since pages of a job may differ.
     [[nodiscard]] virtual std::unique_ptr<GdipGraphics> Open() = 0;
     void SetDevice(const GdipDevice& device) noexcept;
-    /// Brings opaque pixels, the first one at `origin`, to these rectangles of the device.
+    /// Copies opaque pixels, the first one at `origin`, to these rectangles of the device.
     virtual void Place(GdipGraphics& graphics, const PixelView& pixels, const IntPoint& origin,
                        const std::vector<IntRect>& rects) = 0;
-    /// The page ends, whether it succeeded or not; the graphics is gone.
+    /// Ends the page, successful or not; the graphics object no longer exists.
     virtual void Close() noexcept = 0;
 
 private:
     void Finish() noexcept;
 
     [[nodiscard]] GdipClip& CurrentClip() noexcept { return m_targets.back().Clip(); }
-    /// The part of `pixels` that the clip leaves.
+    /// The part of `pixels` inside the clip.
     [[nodiscard]] IntRect Visible(const IntRect& pixels) noexcept { return Intersect(pixels, CurrentClip().box); }
-    /// Whether GDI+ may draw under the state.
+    /// Whether GDI+ may draw under this state.
     [[nodiscard]] bool DrawsItself(const GraphicsState& state) const noexcept;
     [[nodiscard]] GdipShows Judge(const GraphicsState& state, const IntRect& visible) const noexcept;
-    /// Fills what feed(path) adds with the ink and notes `call`, or nothing but the note where that is not for GDI+.
+    /// Fills the path that feed(path) adds with the ink and records `call`; if GDI+ cannot, only records it.
     template <class Feed>
     void Draw(const GraphicsState& state, const Ink& ink, const IntRect& visible, Feed&& feed, GdipPageList::Call call);
-    /// These pixels are the software renderer's.
+    /// Leaves these pixels to the software renderer and records the call.
     void Leave(const GraphicsState& state, const IntRect& visible, GdipPageList::Call call);
     void PaintOne(const GraphicsState& state, const Path& path, const Ink& ink, const ImageInk* mask);
     void FeedPath(const Shape& shape, const Matrix& transform, bool snap, GdipPath& sink);
@@ -82,7 +82,7 @@ private:
     Matrix m_toPage{};
     const BitmapTargetMaker m_makeTarget;
 
-    // While painting.
+    // Valid while painting.
     std::unique_ptr<GdipGraphics> m_graphics;
     std::vector<GdipSubTarget> m_targets; // the page, then the open groups
     GdipPageList m_page;

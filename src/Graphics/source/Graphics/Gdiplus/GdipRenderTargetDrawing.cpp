@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The drawing calls of the target: each is drawn at once and noted, or only noted.
+// The drawing calls of the target: each is drawn at once and recorded, or only recorded.
 #include "../Geometry/DeviceFeed.h"
 #include "../Scan/DeviceFigures.h"
 #include "GdipRenderTarget.h"
@@ -8,13 +8,13 @@
 namespace Graphics {
 namespace {
 
-/// How GDI+ samples the texture that stands for the ink.
+/// The sampling mode of GDI+ for the ink's texture.
 [[nodiscard]] uint32_t InterpolationOf(const Ink& ink) noexcept {
     const auto* image = std::get_if<ImageInk>(&ink);
     return image != nullptr ? image->interpolation : static_cast<uint32_t>(GXInterpolationLinear);
 }
 
-/// The opposite corners of a shape that is one upright rectangle on the device.
+/// True, with two opposite corners, if the shape is one upright rectangle on the device.
 [[nodiscard]] bool IsUpright(const Shape& shape, const Matrix& m, Point& a, Point& b) noexcept {
     if (shape.Figures().size() != 1) {
         return false;
@@ -73,7 +73,7 @@ void GdipRenderTarget::Draw(const GraphicsState& state, const Ink& ink, const In
 void GdipRenderTarget::FeedPath(const Shape& shape, const Matrix& transform, bool snap, GdipPath& sink) {
     IntRect pixels;
     Point a, b;
-    // Thin rules are at least one pixel, as on the screen.
+    // Thin rules are at least one pixel wide, as on the screen.
     if (snap && IsUpright(shape, transform, a, b) &&
         Rasterizer::SnapRectangle(m_device.area, ToVertex(a), ToVertex(b), pixels)) {
         sink.SetFillRule(GXFillRuleNonZero);
@@ -166,9 +166,9 @@ void GdipRenderTarget::Clear(uint32_t argb) {
         return;
     }
     m_page.Add({}, visible, std::move(call));
-    m_graphics->Clear(argb | 0xFF000000U); // paper stays opaque
+    m_graphics->Clear(argb | 0xFF000000U); // the page stays opaque
     if (!CurrentClip().isCut) {
-        m_left = Region(); // nothing is seen of what lies below
+        m_left = Region(); // everything below is covered
     }
 }
 

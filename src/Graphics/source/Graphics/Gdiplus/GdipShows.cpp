@@ -51,8 +51,8 @@ bool GdipShows::Shows(const Ink& ink) const {
 }
 
 bool GdipShows::Shows(const ImageInk& image) const {
-    // Opacities from 0.99 on are none to the colour source. Beyond an image its edge goes on, which no texture does
-    // that is good at the edge itself.
+    // The colour source takes opacities from 0.99 on as 1. An image extended beyond its edge is not supported: no GDI+
+    // texture does that with a correct edge.
     if (!(image.opacity >= 0.0F && image.opacity <= 1.0F) || image.edges == ImageInk::Edges::Shown ||
         (!blends && (image.opacity < 0.99F || !Graphics::IsOpaque(image.Pixels())))) {
         return false;
@@ -62,7 +62,7 @@ bool GdipShows::Shows(const ImageInk& image) const {
     if (!Invert(toDevice, inverse)) {
         return false;
     }
-    // The filters of GDI+ skip pixels of images that are made much smaller.
+    // The filters of GDI+ skip pixels of strongly reduced images.
     constexpr float kLeastScale = 0.5F;
     const bool isLarge =
         std::hypot(toDevice.m00, toDevice.m01) >= kLeastScale && std::hypot(toDevice.m10, toDevice.m11) >= kLeastScale;
@@ -70,9 +70,9 @@ bool GdipShows::Shows(const ImageInk& image) const {
            (image.edges == ImageInk::Edges::Hidden || Covers(image, toDevice));
 }
 
-/// A clamped texture of GDI+ is transparent beyond the image and fades at its edges, and one that is clamped in a
-/// single direction is tiled without mirroring: it has to lie around all that is painted. A mirrored one repeats its
-/// first pixel before it starts, which the engine's does not: nothing may be painted there.
+/// A clamped GDI+ texture is transparent beyond the image and fades at its edges, and one clamped in a single direction
+/// is tiled without mirroring; so the image must cover everything painted. A mirrored texture repeats its first pixel
+/// before its start, unlike the engine's; nothing may be painted there.
 bool GdipShows::Covers(const ImageInk& image, const Matrix& toDevice) const noexcept {
     const auto tiles = [](uint32_t extend) { return extend == GXExtendRepeat || extend == GXExtendMirror; };
     const bool both = tiles(image.extendX) && tiles(image.extendY);
@@ -111,7 +111,7 @@ bool GdipShows::IsOpaque(const GradientBrush& brush) const noexcept {
     if (gradient.Kind() == kGradientLinear) {
         return distance > 0.0F;
     }
-    // The plane is covered when one circle lies inside the other.
+    // The plane is covered if one circle lies inside the other.
     const auto& radial = static_cast<const RadialGradient&>(gradient);
     return distance < std::fabs(radial.endRadius - radial.startRadius);
 }

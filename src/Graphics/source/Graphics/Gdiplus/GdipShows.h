@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whether GDI+ shows a paint as the software renderer does.
+// Whether GDI+ renders a paint as the software renderer does.
 #pragma once
 
 #include "../Drawing/Ink.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One colour.
+// The color source of one colour.
 #pragma once
 
 #include "GdipColorSource.h"

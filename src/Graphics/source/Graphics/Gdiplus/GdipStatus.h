@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A sequence of calls goes on after one that failed; what failed first is remembered and raised at its end.
+// The status of a sequence of GDI+ calls, which continues after a failure: stores the first failure and raises it at
+// the end.
 #pragma once
 
 #include <string>
@@ -12,7 +13,7 @@ namespace Graphics {
 
 class GdipStatus {
 public:
-    /// Remembers the first failure. True for success.
+    /// Stores the first failure. Returns true for success.
     bool Note(Gdiplus::GpStatus status) noexcept {
         if (m_status == Gdiplus::Ok) {
             m_status = status;
@@ -21,7 +22,7 @@ public:
     }
     [[nodiscard]] Gdiplus::GpStatus Get() const noexcept { return m_status; }
 
-    /// Raises "Gdiplus call failed - status: {n}" for what was remembered, and forgets it.
+    /// Raises "Gdiplus call failed - status: {n}" for the stored failure, if any, and clears it.
     void Check(const char* raiser) {
         if (const Gdiplus::GpStatus status = std::exchange(m_status, Gdiplus::Ok); status != Gdiplus::Ok) {
             GX_RAISE(raiser, "Gdiplus call failed - status: {" + std::to_string(static_cast<int>(status)) + "}");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where drawing goes: the page or an open group, each with the clips of the states that were pushed in it.
+// A destination of drawing: the page or an open group, with the clips of the states pushed in it.
 #pragma once
 
 #include <vector>
@@ -8,17 +8,17 @@
 
 namespace Graphics {
 
-/// What GDI+ clips to, as far as the back end has to know.
+/// The present clip of GDI+, as far as the back end needs it.
 struct GdipClip {
-    IntRect box{};                        ///< no pixel outside is reached
-    bool isCut = false;                   ///< by something else than the page's sides
-    GdipGraphics::SavedState restore = 0; ///< what GDI+ goes back to when the state of this clip ends
+    IntRect box{};                        ///< no pixel outside can change
+    bool isCut = false;                   ///< by something other than the page's sides
+    GdipGraphics::SavedState restore = 0; ///< the GDI+ state to restore when this clip ends
 };
 
 class GdipSubTarget {
 public:
-    /// `transparent`: the group changes nothing of what is drawn in it, so GDI+ may draw it as if there were no group.
-    /// `drawingsBefore`: calls noted when it opened.
+    /// `transparent`: the group has no effect on its content, so GDI+ may draw that as if there were no group.
+    /// `drawingsBefore`: number of calls recorded when it opened.
     GdipSubTarget(const GdipClip& first, bool transparent, size_t drawingsBefore)
         : m_clips{first}, m_transparent(transparent), m_drawingsBefore(drawingsBefore) {}
 
@@ -32,7 +32,7 @@ public:
         clip.restore = restore;
         m_clips.push_back(clip);
     }
-    /// What GDI+ has to go back to. There is a PushClip for it.
+    /// Returns the GDI+ state to restore. Requires a matching PushClip.
     GdipGraphics::SavedState PopClip() noexcept {
         const GdipGraphics::SavedState restore = m_clips.back().restore;
         m_clips.pop_back();

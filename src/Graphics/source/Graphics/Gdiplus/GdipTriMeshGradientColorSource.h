@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// GDI+ has nothing like a mesh of triangles: this source is transparent. The render target has meshes drawn by the
-// software renderer instead.
+// GDI+ has no triangle meshes: this source is transparent, and the render target leaves meshes to the software
+// renderer.
 #pragma once
 
 #include "GdipGradientColorSource.h"

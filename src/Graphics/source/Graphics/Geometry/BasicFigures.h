@@ -16,7 +16,7 @@ public:
     [[nodiscard]] Kind GetKind() const noexcept { return m_kind; }
     [[nodiscard]] const Rect& Box() const noexcept { return m_rect; }
 
-    /// Replay sends no figure.
+    /// True if Replay sends no figure.
     [[nodiscard]] bool IsEmpty() const noexcept {
         return m_kind == Kind::Ellipse && (m_rect.left == m_rect.right || m_rect.top == m_rect.bottom);
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The min/max box of all points, control points included, kept up while a path is built.
+// The min/max box of all points of a path, control points included, updated as the path is built.
 #pragma once
 
 #include "../Matrix.h"
@@ -16,9 +16,9 @@ public:
         m_check += (p.x - p.x) + (p.y - p.y);
     }
 
-    /// (0, 0, 0, 0) before the first point. NaN coordinates are left out of the box.
+    /// (0, 0, 0, 0) before the first point. NaN coordinates do not enter the box.
     [[nodiscard]] Rect Box() const noexcept;
-    /// The box of the mapped corners; under the identity the box itself.
+    /// The box of the four mapped corners; the box itself under the identity.
     [[nodiscard]] Rect Box(const Matrix& m) const noexcept;
     /// False once a coordinate was NaN or infinite.
     [[nodiscard]] bool AllFinite() const noexcept { return m_check == 0.0F; }
@@ -27,7 +27,7 @@ private:
     static constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
     Rect m_box{kInfinity, kInfinity, -kInfinity, -kInfinity};
-    float m_check = 0; // x - x is 0 for a finite x, else NaN, and NaN stays
+    float m_check = 0; // 0 while all coordinates are finite: x - x is 0 for a finite x, else NaN, and NaN stays
 };
 
 } // namespace Graphics

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Turns a cubic into points by forward differencing with an adaptive step, and bounds that work for huge curves.
+// Turns a cubic into points by forward differencing with an adaptive step, in bounded work however large the curve is.
 //
 // With the parameter step dt, D = P(t + dt) - P(t), and A and B are the second derivatives at both ends of the step
-// times dt^2. A chord strays from its arc by about |A| / 8. The step is halved above 6 tolerances and doubled up
-// to 1.5: a factor of four apart, as halving divides A by four, so that no step is halved and doubled in turns.
+// times dt^2. A chord deviates from its arc by about |A| / 8. The step is halved above 6 tolerances and doubled below
+// 1.5. The two limits are a factor of four apart because halving the step divides A by four, so no step is halved and
+// doubled alternately.
 //
-// The floats bound the work. A coordinate v is off by up to |v| 2^-24, and a second difference of the control points by
-// a few times that, however straight the curve is: a tolerance below it would take its steps out of rounding noise. So
-// no tolerance counts as less than 2^-24 of the largest coordinate, here and wherever curves are halved beforehand.
+// Float precision bounds the work. A coordinate v is off by up to |v| 2^-24, and a second difference of the control
+// points by a few times that, even on a straight curve; a smaller tolerance would choose steps from rounding noise. So
+// the tolerance is at least 2^-24 of the largest coordinate, here and wherever curves are halved beforehand.
 #pragma once
 
 #include <algorithm>
@@ -22,10 +23,10 @@ class CurveFlattener {
 public:
     static constexpr float kEpsilon = std::numeric_limits<float>::epsilon();
 
-    /// Half the distance of two floats, as a share of them.
+    /// Half the distance between neighbouring floats, relative to their value.
     static constexpr float kResolution = kEpsilon / 2;
 
-    /// A tolerance under the float epsilon, or finer than the floats are where the curve is, is replaced by that.
+    /// The tolerance is raised to the float epsilon and to the resolution of floats at the curve's coordinates.
     CurveFlattener(float tolerance, const Point& p0, const Point& p1, const Point& p2, const Point& p3) noexcept
         : m_a{6.0F * (p0.x - 2.0F * p1.x + p2.x), 6.0F * (p0.y - 2.0F * p1.y + p2.y)},
           m_b{6.0F * (p1.x - 2.0F * p2.x + p3.x), 6.0F * (p1.y - 2.0F * p2.y + p3.y)}, m_d{p3.x - p0.x, p3.y - p0.y},
@@ -44,7 +45,7 @@ public:
         }
     }
 
-    /// The next point before the curve's end; false when only the end is left, which the caller has exactly.
+    /// The next point before the curve's end; false when only the end point, the exact last control point, is left.
     [[nodiscard]] bool Next(Point& out) noexcept {
         if (m_count < 2) {
             return false;
@@ -99,7 +100,7 @@ private:
     Point m_p;
 };
 
-/// A cubic in double, so that halves of halves stay exact enough however large the curve is.
+/// A cubic in double precision, so that repeated halving stays accurate for curves of any size.
 struct WideCurve {
     double x[4];
     double y[4];
@@ -110,10 +111,10 @@ struct WideCurve {
 
     [[nodiscard]] Point At(int i) const noexcept { return {static_cast<float>(x[i]), static_cast<float>(y[i])}; }
 
-    /// Steps per curve, as a power of two, that the flattener starts with: 2^k where 4^k >= second difference / 6t. The
-    /// tolerance is at least what floats resolve where the box of the control points comes nearest to the origin. A
-    /// curve that reaches so far that its ends are floats much coarser than that needs halving too, however straight it
-    /// is.
+    /// Whether the flattener would start with more than `steps` steps. It starts with 2^k, the least power of two with
+    /// 4^k >= second difference / (6 tolerance). The tolerance is at least the float resolution at the point of the
+    /// control box nearest to the origin. A straight curve also needs more steps if its far end has a much coarser
+    /// float resolution than that.
     [[nodiscard]] bool NeedsMoreSteps(uint32_t steps, float tolerance) const noexcept {
         constexpr double kMuch = 4;
         double most = 0, nearest = 0, farthest = 0;
@@ -129,7 +130,8 @@ struct WideCurve {
                farthest * kResolution > kMuch * std::max(limit, 4 * nearest * kResolution);
     }
 
-    /// Whether the flattener's sums of up to 24 coordinates might leave the floats, which costs it all its steps.
+    /// Whether the flattener's sums of up to 24 coordinates might overflow a float; it would then take every possible
+    /// step.
     [[nodiscard]] bool Overflows() const noexcept {
         constexpr double kMost = 1e37;
         for (const double* v : {x, y}) {
@@ -158,8 +160,8 @@ private:
 
 enum class CurvePlace { Mixed, Handled };
 
-/// Flattens a curve; where that would take more than `maxSteps` steps, halves are looked at one by one. `place` gets
-/// each such piece and may deal with it as a whole (pieces out of sight). The work is bounded by what stays mixed.
+/// Flattens a curve. A curve of more than `maxSteps` steps is halved, and each such piece is first offered to `place`,
+/// which may handle it as a whole (pieces out of sight). The work is bounded by the pieces that stay mixed.
 template <class Place, class Line>
 void FlattenBounded(const WideCurve& curve, float tolerance, uint32_t maxSteps, const Place& place, const Line& line,
                     int depth = 40) {

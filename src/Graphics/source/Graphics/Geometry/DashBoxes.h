@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Dashes of a level or upright line are upright rectangles: two opposite corners each say what the pen would send. Ruled
-// paper, charts and forms are full of them. gxbench's dash_rules_w1 and dash_rules_w2 take 5 to 6 times as long when
-// BoxScanner leaves such boxes to the other scanners, and 7 times as long when they also go through the pen.
+// Dashes of a horizontal or vertical line are axis-aligned boxes, passed as two corners instead of through the pen.
+// Ruled paper, charts and forms are full of them: gxbench's dash_rules_w1 and dash_rules_w2 take 5 to 6 times as long
+// when BoxScanner leaves such boxes to the other scanners, and 7 times as long when they also go through the pen.
 #pragma once
 
 #include <cmath>
@@ -14,15 +14,15 @@
 
 namespace Graphics {
 
-/// Sinks that take an upright rectangle by two opposite corners, as a closed figure that runs from the first one along
-/// x.
+/// Sinks that take an axis-aligned rectangle by two opposite corners: a closed figure that starts at the first corner
+/// and first runs along x.
 template <class Sink>
 concept TakesBoxes = requires(Sink& sink, const Point& p) {
     sink.Box(p, p);
 };
 
-/// Takes the dashes of one line along an axis, in user space, where StrokePlan's matrices keep axes apart. Every corner
-/// is computed with the pen's operations in the pen's order, and the rectangles wind as the pen's outlines.
+/// Strokes the dashes of one axis-aligned line, given in user space; StrokePlan's matrices map axes to axes. Every
+/// corner is computed with the pen's operations in the pen's order, and the boxes wind as the pen's outlines do.
 template <TakesBoxes Sink> class BoxPen {
 public:
     BoxPen(Sink& sink, const StrokePlan& plan, uint32_t cap, bool snaps) noexcept
@@ -39,7 +39,7 @@ public:
         if (dx == 0 && dy == 0 && m_reach == 0) {
             return;
         }
-        // Half the width across the line, the cap's reach along it; a dash without length is a square around it.
+        // Half the width across the line, the cap's reach along it. A dash of length 0 is a square around its point.
         const bool upright = dx == 0;
         const bool back = dx < 0 || dy < 0;
         const Point& low = back ? m_end : m_start;
@@ -65,13 +65,13 @@ private:
     const StrokePlan& m_plan;
     const double m_half;
     const double m_reach;
-    const bool m_turns; // x and y change places, and with them the way around the rectangle
+    const bool m_turns; // x and y are exchanged, which reverses the rectangle's direction
     const bool m_snaps;
     Point m_start{};
     Point m_end{};
 };
 
-/// Whether the dashes of the line from a to b are upright rectangles on the device, all of the same breadth.
+/// Whether the dashes of the line from a to b are axis-aligned rectangles of one width on the device.
 [[nodiscard]] inline bool DashesAreBoxes(const Point& a, const Point& b, const StrokePlan& plan,
                                          const StrokeStyle& style) noexcept {
     const auto keepsAxes = [](const Matrix& m) { return (m.m01 == 0 && m.m10 == 0) || (m.m00 == 0 && m.m11 == 0); };

@@ -12,8 +12,8 @@ namespace {
 
 constexpr float kPhaseTolerance = 1e-5F;
 
-/// The phase inside [0, period). What is not finite comes out as NaN, which starts the pattern: phases, and those
-/// before the start of a pattern whose length is beyond the floats.
+/// The phase inside [0, period). NaN, which starts the pattern from its beginning, for a phase that is not finite, and
+/// for a negative phase of a pattern whose length exceeds the floats.
 [[nodiscard]] float Wrap(float phase, float period) noexcept {
     if (phase >= period) {
         phase = std::fmod(phase, period);
@@ -53,7 +53,7 @@ DashSequence::DashSequence(const StrokeStyle& style)
     while (x - kPhaseTolerance >= length(m_index)) {
         consume();
     }
-    // A dot right at the start stays; an element that is all but over does not.
+    // A dot right at the start is kept; an element that the phase has consumed but for rounding is skipped.
     if (length(m_index) != 0 && x + kPhaseTolerance > length(m_index)) {
         consume();
     }

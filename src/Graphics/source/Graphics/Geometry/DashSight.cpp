@@ -9,17 +9,18 @@
 namespace Graphics {
 namespace {
 
-// Samples are an eighth of a pixel apart; they cannot tell a period of less than two of them from any other.
+// Samples are an eighth of a pixel apart; they cannot distinguish periods shorter than two samples.
 constexpr double kFinestPeriod = 0.25 * (1 + 1e-6);
-// What is drawn for such patterns: periods of 3.618 samples. By the golden section the edges of successive dashes fall
-// between samples as evenly as can be, so that the mean coverage is that of the pattern.
+// Such patterns are drawn with periods of 3.618 samples. By the golden section the edges of successive dashes then fall
+// between samples as evenly as possible, so the mean coverage is that of the pattern.
 constexpr double kDrawnPeriod = 3.6180339887498949 / 8;
-// Periods that caps add to what lies in sight; finer than that against the pen's width nothing shows.
+// Limit of the periods that caps add to the visible ones; patterns finer than that against the pen's width do not show.
 constexpr double kMostUnderCaps = 1024;
-// Pixels of uncertainty that are allowed for. Where rounding moves points further there is no picture to speak of; what
-// is sent of it then follows from the target alone, and no clip changes it either.
+// Limit, in pixels, of the position error that is allowed for. Where rounding moves points further the output is
+// meaningless anyway; it is then derived from the target alone, so that no clip changes it either.
 constexpr double kMostMargin = 16;
-// Gaps in a chain, as a share of half the width: beyond, so little of a dash is hidden that it is sent by itself.
+// Longest gap in a chain, as a fraction of half the width; beyond it a dash is hidden so little that it is sent
+// separately.
 constexpr double kLongestChainGap = 1;
 constexpr double kDiagonal = 1.4142135623730951;
 // Periods are counted in doubles.
@@ -39,13 +40,13 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
     for (uint32_t i = 0; i < sequence.Count(); i += 2) {
         m_hasDots = m_hasDots || sequence.ElementLength(i) == 0;
     }
-    // The finest and the deepest that any direction makes of them.
+    // The shortest period and the longest reach over all directions.
     const double wide = plan.targetPixels.right - plan.targetPixels.left;
     const double high = plan.targetPixels.bottom - plan.targetPixels.top;
     const double cap = m_cap * device.most;
     const double finest = m_period * pen.least * device.least;
     const bool joins = m_cap > 0 && m_period * pen.least <= 2 * plan.half;
-    // More periods than that lie in sight of a segment only where rounding decides what does.
+    // A segment shows more periods than that only where rounding decides which.
     const double span = wide + high + 4 * kMostMargin;
     m_mostPeriods = 2 * kMostUnderCaps + span / kFinestPeriod;
     m_longest = m_period * std::min(m_mostPeriods, kCountable);
@@ -55,8 +56,8 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
         return;
     }
 
-    // Dashes are placed by floats of user space, and mapped by floats. In sight those are the coordinates of the
-    // target.
+    // Dashes are placed in floats of user space and mapped in floats. If visible, their coordinates are within the
+    // target's.
     const WideMatrix map = m_toPen.Then(m_toDevice);
     m_target = PenView(map, plan.InReachOf(plan.targetPixels));
     const double determinant = std::fabs(map.m00 * map.m11 - map.m01 * map.m10);
@@ -72,12 +73,13 @@ DashSight::DashSight(const StrokePlan& plan, const StrokeStyle& style, const Das
         m_certain = uncertain <= kMostMargin;
         m_margin += m_certain ? uncertain : kMostMargin;
     }
-    // A dash of a chain is sent as it is only with both neighbours.
+    // A dash of a chain gets its exact outline only together with both neighbours.
     m_margin += joins ? kLongestChainGap * m_halfPixels : 0.0;
 }
 
-/// In the pen's space. A gap g between round caps of radius h leaves a notch h - sqrt(h^2 - g^2 / 4) deep, about
-/// g^2 / 8h. Square caps cover a gap of 2h altogether, but gaps wider than a pixel are few enough to be drawn.
+/// The longest gap, in the pen's space, that the caps close. A gap g between round caps of radius h leaves a notch h -
+/// sqrt(h^2 - g^2 / 4) deep, about g^2 / 8h. Square caps would cover a gap of 2h, but gaps wider than a pixel are so
+/// few that they are drawn.
 double DashSight::JoinedGap(double acrossLength) const noexcept {
     const double half = m_plan.half;
     const double pixel = half / acrossLength;
@@ -88,8 +90,8 @@ double DashSight::JoinedGap(double acrossLength) const noexcept {
     return notch < half ? 2 * std::sqrt((2 * half - notch) * notch) : 2 * half;
 }
 
-/// The square of a dash without length stands as the pen holds it: only where that is upright with the segment do
-/// squares cover what is between them.
+/// Whether dots' squares are turned against the segment: a dot's square has the pen's orientation, and only squares
+/// aligned with the segment cover the space between them.
 bool DashSight::SquaresTurn(const Vector& pen) const noexcept {
     const double x = pen.x * m_toPen.m00 + pen.y * m_toPen.m01, y = pen.x * m_toPen.m01 - pen.y * m_toPen.m00;
     return std::min(std::fabs(x), std::fabs(y)) > 1e-9 * (std::fabs(x) + std::fabs(y));
@@ -143,12 +145,13 @@ DashLook DashSight::LookClosely(const Point& a, double dx, double dy, double len
     look.scale = std::max({look.scale, 2 * stripes.cap * pixels / (period * kMostUnderCaps),
                            length / (m_period * kCountable), (to - from) * length / (m_period * m_mostPeriods)});
     look.periods = (to - from) * length / (m_period * look.scale);
-    // Periods longer than the pen is wide are few, and not worth another outline.
+    // If a period is longer than the pen is wide there are few dashes, and joining them does not pay.
     if (m_cap > 0 && m_period * penLength <= 2 * m_plan.half * length) {
         look.join = turned ? 0.0 : JoinedGap(acrossLength) * length / penLength;
         look.chain = turned || m_round ? kLongestChainGap * m_plan.half * length / penLength : 0.0;
     }
-    // A pen that reaches everything from everywhere leaves nothing to cull, and still shows its dashes in a part alone.
+    // Even if the pen reaches everything from everywhere, so that no corner can be culled, only some dashes are
+    // visible.
     if (m_plan.cullDashes && m_certain) {
         Narrow(stripes, m_plan.visiblePixels, from, to);
     }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Cuts figures into the dashes of a pattern, each an open figure. The pattern starts at its phase in every figure.
+// Cuts figures into the dashes of a pattern, each an open figure. The pattern restarts at its phase in every figure.
 //
-// Where the k-th period's elements end on a segment is computed from k alone, never by adding up, and so is the state
-// in which the segment leaves the pattern. So dashes out of sight can be skipped, and those in sight are the same
-// floats. Dashes whose gaps the caps close are sent as one, a run, also around corners that are nearly straight.
+// Where the k-th period's elements end on a segment is computed from k alone, never by adding up; so is the pattern's
+// state at the segment's end. So invisible dashes can be skipped without changing a bit of the visible ones. A run is a
+// sequence of dashes whose gaps the caps close; it is sent as one dash, also around nearly straight corners.
 #pragma once
 
 #include <cmath>
@@ -22,8 +22,8 @@ public:
     Dasher(Sink& sink, const DashSequence& sequence, float tolerance) noexcept
         : m_sink(sink), m_pattern(sequence), m_tolerance(tolerance) {}
 
-    /// Leaves out what the sight says cannot be seen or told apart. Without it every dash is sent, or none and "Not
-    /// enough memory" raised.
+    /// Omits dashes that are invisible or too small to be told apart. Without a sight every dash is sent; if there are
+    /// too many, "Not enough memory" is raised and none is sent.
     void SetSight(const DashSight* sight) noexcept { m_sight = sight; }
     /// Flattens curves for a pen of this half width (StrokeCurveTolerance).
     void RefineCurves(float half) noexcept { m_refineHalf = half; }
@@ -81,7 +81,7 @@ public:
         const WideCurve curve(m_current, c1, c2, end);
         const float tolerance = ResolvableTolerance(
             curve, m_refineHalf > 0 ? StrokeCurveTolerance(curve, m_tolerance, m_refineHalf) : m_tolerance);
-        // Beside the target a coarse cut does: only the length counts there.
+        // Outside the target only the length counts, so a coarse flattening is enough.
         const auto place = [this](const WideCurve& piece) {
             uint32_t outside = m_sight != nullptr ? 15U : 0U;
             for (int i = 0; i < 4 && outside != 0; ++i) {
@@ -120,10 +120,10 @@ public:
 private:
     static constexpr uint32_t kPlainSteps = 1024;
     static constexpr int kCoarseSteps = 64;
-    // A cubic has up to five parts between its extremes in x and y, none of which crosses the target twice. Where its
-    // steps show more periods than that they come from rounding, and the rest is drawn with a coarser pattern.
+    // A cubic has up to five parts between its extremes in x and y, none of which crosses the target twice. If its
+    // steps show more periods than that, these come from rounding, and the rest is drawn with a coarser pattern.
     static constexpr double kCurveBudget = 8;
-    // Beyond this many dashes of a call nobody has the memory for their outlines.
+    // The outlines of more dashes in one call would not fit in memory.
     static constexpr double kMostDashes = 0x1p24;
     static constexpr double kCountable = 0x1p48;
 
@@ -131,14 +131,14 @@ private:
         double dx, dy, length;
         double run; // the length in the pattern's units
         Point end;
-        DashLook look; // what is in sight in the pattern's units, too
+        DashLook look; // also in the pattern's units
     };
-    /// Successive dashes that the caps join.
+    /// Successive dashes joined by their caps.
     struct Run {
         double from = 0;
         double to = 0;
         bool exists = false;
-        bool earlier = false; // it ended on an earlier segment, and the sink has got its end
+        bool earlier = false; // it ended on an earlier segment, and its end has been sent
     };
 
     [[nodiscard]] bool InGap() const noexcept { return (m_index & 1U) != 0; }
@@ -149,7 +149,7 @@ private:
                       : Point{static_cast<float>(m_current.x + t * s.dx), static_cast<float>(m_current.y + t * s.dy)};
     }
 
-    /// Sends the dashes of a segment that is longer than what is left of the current element.
+    /// Sends the dashes of a segment that is longer than the rest of the current element.
     void Cut(const Segment& s) {
         if (m_sight == nullptr) {
             CountDashes((s.run - m_remaining) / m_pattern.Period());
@@ -174,9 +174,9 @@ private:
         });
     }
 
-    /// Calls dash(from, to) for the dashes that start after the current element and before the segment's end: for those
-    /// of the first two periods, of the last two, and of those that reach into [seenFrom, seenTo]. Leaves the state at
-    /// the segment's end.
+    /// Calls dash(from, to) for dashes that start after the current element and before the segment's end: those of the
+    /// first two periods, of the last two, and those that reach into [seenFrom, seenTo]. Leaves the state at the
+    /// segment's end.
     template <class Dash> void ForEachDash(const Segment& s, double seenFrom, double seenTo, const Dash& dash) {
         const double period = m_pattern.Period();
         const double base = m_remaining; // where the elements after the current one start
@@ -184,7 +184,7 @@ private:
         const uint32_t first = m_index + 1 == count ? 0 : m_index + 1;
         const double shift = m_pattern.Start(first);
         if (s.run - base > period * kCountable) {
-            return; // doubles do not tell such periods apart
+            return; // such periods are below the resolution of doubles
         }
         bool done = false;
         const auto send = [&](double k) {
@@ -238,7 +238,7 @@ private:
         }
     }
 
-    /// Whether the dash goes on with a chain. If not the chain has ended, and perhaps another one starts here.
+    /// Whether the dash continues the open chain. If not, the chain has ended, and this dash may start another one.
     bool StartInChain(const Segment& s, const Point& start, double from, double to) {
         if constexpr (requires { m_sink.Gap(start); }) {
             if (!m_chain && !(s.look.chain > 0)) {
@@ -275,7 +275,7 @@ private:
         m_chain = false;
     }
 
-    /// The same where caps close gaps.
+    /// As Cut, where caps close gaps.
     void CutJoined(const Segment& s) {
         Run run;
         run.exists = m_open;
@@ -301,17 +301,17 @@ private:
         return true;
     }
 
-    /// Whether the dash that starts at `from` goes on with the run.
+    /// Whether the dash that starts at `from` continues the run.
     bool Continues(const Segment& s, Run& run, double from, bool joinsAll) {
         if (!run.earlier) {
             return joinsAll || from - run.to <= s.look.join;
         }
-        // The gap went around a corner. It is left out where the way over it is as good as straight.
+        // The gap went around a corner. The corner is omitted where the path over it is nearly straight.
         const Point p = PointAt(s, from);
         const double x = static_cast<double>(p.x) - m_gapStart.x, y = static_cast<double>(p.y) - m_gapStart.y;
         const double shorter = std::max(m_gapLength - std::sqrt(x * x + y * y), 0.0);
         const double cosine = (m_gapX * s.dx + m_gapY * s.dy) / s.length;
-        // Two legs of g / 2 that stand d off their chord are 2 d^2 / g longer than it.
+        // Two legs of g / 2 that stand d off their chord are together 2 d^2 / g longer than the chord.
         if (!m_sight->Straight(cosine) || !m_sight->Near(std::sqrt(shorter * m_gapLength * 0.5))) {
             return false;
         }
@@ -335,7 +335,7 @@ private:
         }
     }
 
-    /// The segment ends in a dash, whose end is not sent here, or in a gap.
+    /// Ends the segment inside a dash, whose end is not sent here, or inside a gap.
     void LeaveSegment(const Segment& s, Run& run) {
         const bool inGap = InGap();
         const double gap = inGap ? m_pattern.ElementLength(m_index) : 0;
@@ -370,22 +370,23 @@ private:
     Sink& m_sink;
     const DashSequence m_pattern;
     uint32_t m_index = 0;   // the current element
-    double m_remaining = 0; // what is left of it
+    double m_remaining = 0; // the length left of it
     const float m_tolerance;
     const DashSight* m_sight = nullptr;
     float m_refineHalf = 0;
-    double m_dashes = 0; // twice as many as were sent, where nothing is out of sight
+    double m_dashes = 0; // without a sight: twice the number of dashes sent
     Point m_start{};
     Point m_current{};
     bool m_inCurve = false;
-    double m_budget = 0;     // of periods, for the rest of the curve
-    bool m_hidden = false;   // the segment belongs to a piece of a curve beside the target
-    bool m_open = false;     // the sink has a figure: in a dash, and in a gap that caps may close
-    bool m_chain = false;    // or a chain, in which another dash may follow
-    bool m_chainDot = false; // whose last dash has no length
-    bool m_corner = false;   // and ended before the last corner, over which dots alone go on
-    double m_chainEnd = 0;   // along the path, from the segment's start
-    Point m_gapStart{};      // of such a gap, with the direction in which the dash before it ended
+    double m_budget = 0;     // periods, for the rest of the curve
+    bool m_hidden = false;   // the segment belongs to a piece of a curve outside the target
+    bool m_open = false;     // the sink has an open figure: inside a dash, or inside a gap that caps may close
+    bool m_chain = false;    // the sink has an open chain, which another dash may continue
+    bool m_chainDot = false; // the chain's last dash has length 0
+    bool m_corner = false;   // the chain ended before the last corner, beyond which only dots continue it
+    double m_chainEnd = 0;   // the chain's end along the path, from the segment's start
+    Point m_gapStart{};      // start of a gap that caps may close; below, the direction in which the dash before it
+                             // ended
     double m_gapLength = 0;
     double m_gapX = 0, m_gapY = 0;
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The two chains that bring a shape to a sink in device pixels: as it is filled, and as it is stroked.
+// The two path pipelines that bring a shape to a sink in device pixels: FeedFill and FeedStroke.
 #pragma once
 
 #include <optional>
@@ -18,7 +18,7 @@ namespace Graphics {
 inline constexpr float kDeviceBand = 32535.0F;
 inline constexpr float kFillTolerance = 0.25F;
 
-/// The device pixels that a sink takes: from the negative of this to it, in both directions.
+/// The range of device pixels that a sink accepts: [-BandOf, BandOf] in both directions.
 template <class Sink> constexpr float BandOf() noexcept {
     if constexpr (requires { Sink::kBand; }) {
         return Sink::kBand;
@@ -27,7 +27,7 @@ template <class Sink> constexpr float BandOf() noexcept {
     }
 }
 
-/// Calls `feed` with a sink that limits figures to the band, first in y and then in x.
+/// Calls `feed` with a sink that clips figures to the accepted range, first in y and then in x.
 template <FigureSink Sink, class Feed> void ThroughBand(Sink& sink, const Feed& feed) {
     constexpr float band = BandOf<Sink>();
     StripClipper<Sink> x(sink, ClipAxis::X, -band, band, kFillTolerance);
@@ -35,12 +35,12 @@ template <FigureSink Sink, class Feed> void ThroughBand(Sink& sink, const Feed& 
     feed(y);
 }
 
-/// Sends the fill rule and the mapped shape. Figures with a coordinate that is not finite are left out.
+/// Sends the fill rule and the mapped shape, without figures that have a non-finite coordinate.
 template <GeometrySink Sink> void FeedFill(const Shape& shape, const Matrix& m, Sink& sink) {
     sink.SetFillRule(shape.FillRule());
     const Rect box = MapBox(m, shape.ControlBox());
     constexpr float inner = BandOf<Sink>() - 1;
-    // Inside the band the clippers change nothing. NaN compares false.
+    // Inside the range the clippers change nothing. NaN compares false.
     if (shape.AllFinite() && box.left > -inner && box.top > -inner && box.right < inner && box.bottom < inner) {
         if (IsIdentity(m)) {
             shape.ReplayFigures(sink);
@@ -56,7 +56,7 @@ template <GeometrySink Sink> void FeedFill(const Shape& shape, const Matrix& m, 
     });
 }
 
-/// Moves coordinates that miss a whole pixel by a rounding error onto it.
+/// Moves coordinates that miss a whole pixel by a rounding error onto that pixel.
 template <FigureSink Sink> class WholePixelSnapper {
 public:
     explicit WholePixelSnapper(Sink& sink) noexcept : m_sink(sink) {}
@@ -73,7 +73,7 @@ private:
 
 namespace Detail {
 
-/// The dashes of the line from a to b, of which DashesAreBoxes is true.
+/// Sends the dashes of the line from a to b. Requires DashesAreBoxes.
 template <TakesBoxes Sink>
 void SendDashBoxes(Sink& sink, const Point& a, const Point& b, const StrokePlan& plan, const StrokeStyle& style,
                    const DashSequence& dashes, bool snaps) {
@@ -116,7 +116,7 @@ void StrokeInto(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, co
     replay(dasher);
 }
 
-/// The same from the pen's space on.
+/// StrokeInto for a sink in device space: puts toDevice between pen and sink.
 template <class Sink, class Replay>
 void StrokeMapped(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, const DashSequence* dashes,
                   PenStorage& storage, const Replay& replay) {
@@ -128,12 +128,12 @@ void StrokeMapped(Sink& sink, const StrokePlan& plan, const StrokeStyle& style, 
     }
 }
 
-/// Strokes one figure that the adjuster moved and left in storage.path.
+/// Strokes one figure; storage.path holds its adjusted points.
 template <class Sink>
 void StrokeAdjusted(Sink& sink, const Figure& figure, StrokeAdjuster::Result result, StrokePlan plan,
                     const StrokeAdjuster& adjuster, const StrokeStyle& style, const DashSequence* dashes,
                     PenStorage& storage) {
-    // The half width is 1 here; the longer of both axes sets the tolerance.
+    // Half the width is 1 in the adjuster's pen space; the axis with the larger scale sets the tolerance.
     const Matrix& device = adjuster.ToDevice();
     plan.SetPen(adjuster.ToPen(), device, 1.0F, kFillTolerance / std::max(device.m00, device.m11));
     const HeapArray<Point>& path = storage.path;
@@ -170,7 +170,7 @@ void StrokeAdjusted(Sink& sink, const Figure& figure, StrokeAdjuster::Result res
     });
 }
 
-/// The box of the figures whose points are all finite once mapped; false where there is none. `all`: every figure is.
+/// The box of the figures whose mapped points are all finite; false if there is none. `all`: every figure is finite.
 [[nodiscard]] inline bool FiniteBox(const Shape& shape, const Matrix& m, Rect& box, bool& all) noexcept {
     const auto finite = [](const Rect& r) {
         return std::isfinite(r.left) && std::isfinite(r.top) && std::isfinite(r.right) && std::isfinite(r.bottom);
@@ -197,10 +197,10 @@ void StrokeAdjusted(Sink& sink, const Figure& figure, StrokeAdjuster::Result res
 
 } // namespace Detail
 
-/// Sends the outline of the stroked shape, mapped, under the non-zero rule. Width 0 is one device pixel. With `adjust`
-/// the edges of level and upright segments are moved onto whole pixels. What cannot touch the visible part of the
-/// target may be left out. Raises for a bad dash pattern before anything is sent. True when figures may have been left
-/// out that the target would show.
+/// Sends the mapped outline of the stroked shape under the non-zero rule. Width 0 is one device pixel. `adjust` moves
+/// the stroke edges of horizontal and vertical segments onto whole pixels. What cannot touch `visible` may be omitted.
+/// Returns true if figures that `target` would show may have been omitted. Raises for a bad dash pattern before sending
+/// anything.
 template <GeometrySink Sink>
 bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
                 PenStorage& storage, const Rect& target, const Rect& visible, Sink& sink) {
@@ -256,7 +256,7 @@ bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, f
     return plan.partial;
 }
 
-/// All of the target is visible.
+/// The same with the whole target visible.
 template <GeometrySink Sink>
 bool FeedStroke(const Shape& shape, const Matrix& m, const StrokeStyle& style, float width, bool adjust,
                 PenStorage& storage, const Rect& target, Sink& sink) {

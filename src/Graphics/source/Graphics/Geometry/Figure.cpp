@@ -9,7 +9,7 @@
 namespace Graphics {
 namespace {
 
-// Room for a start point and four cubics (8 + 4 * 25 bytes): most figures take one allocation.
+// Room for a start point and four cubics (8 + 4 * 25 bytes), so that most figures need one allocation.
 constexpr size_t kFirstBlock = 112;
 
 } // namespace

@@ -28,7 +28,7 @@ public:
     }
     ~Figure() { ProcessHeap::Free(m_block); }
 
-    /// Forgets the content and keeps the memory.
+    /// Empties the figure and keeps its memory.
     void Reset() noexcept;
     void Start(const Point& p);
     void AddLine(const Point& p);
@@ -41,10 +41,10 @@ public:
         return {reinterpret_cast<const Point*>(m_block), m_pointCount};
     }
     [[nodiscard]] uint8_t Kind(uint32_t segment) const noexcept { return m_block[m_size - 1 - segment]; }
-    /// Whether it is worth keeping: it has a point, and a segment or the closed flag.
+    /// Whether the figure is kept: it has a point, and a segment or the closed flag.
     [[nodiscard]] bool Drawn() const noexcept { return m_pointCount != 0 && (m_segmentCount != 0 || m_closed); }
 
-    /// Same closed flag, points and kinds, without tolerance.
+    /// Same closed flag, points and kinds, compared exactly.
     [[nodiscard]] bool Equals(const Figure& o) const noexcept;
 
     /// Sends the figure to a sink.

@@ -11,7 +11,7 @@ void FigureList::MakeRoom() {
     if (m_last != nullptr && (m_last->places - m_used >= 2 || m_last->next != nullptr)) {
         return;
     }
-    // Doubling, so that there are few blocks; but the figures of most paths are one or two.
+    // Doubles the size to keep the number of blocks small; most paths have only one or two figures.
     const size_t places = std::max<size_t>(m_count, 2);
     auto* block = new (ProcessHeap::Alloc(sizeof(Block) + places * sizeof(Figure))) Block(places);
     std::uninitialized_value_construct_n(block->Figures(), places);
@@ -32,7 +32,7 @@ void FigureList::Add(Figure&& figure) noexcept {
 
 Figure FigureList::Clear() noexcept {
     Figure first;
-    // Acquire: who held the blocks last, on whatever thread, has read them.
+    // Acquire: orders this after the reads of the thread that released its copy last.
     if (m_first != nullptr && m_first->holders.load(std::memory_order_acquire) == 1) {
         Free(std::exchange(m_first->next, nullptr));
         first = std::move(*m_first->Figures());

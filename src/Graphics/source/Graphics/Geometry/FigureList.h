@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The finished figures of a path, in the order in which they came, in blocks that lists share:
+// The finished figures of a path, in the order in which they were added, in blocks shared by copies of the list:
 //
 //   the list, 5 figures ────────┐
 //   a copy, made when it had 2 ─┤
 //                               v
 //                             | F0 F1 | -> | F2 F3 | -> | F4 __ __ __ |
 //
-// (1) A copy costs a count and never changes, whatever the list does later, also on another thread.
-// (2) Adding costs the same whether there are copies or not.
-// (3) Both hold because figures are only added behind the last one, and blocks stay where they are: a list reads as
-//     many figures as it had, and a link only to get to one of them. What is written lies behind that for every copy.
+// (1) A copy costs one count and never changes, whatever the list does later, also on another thread.
+// (2) Adding costs the same whether or not there are copies.
+// (3) Why: figures are only added behind the last one, and blocks never move. A list reads the figures up to its own
+//     count, and follows a link only to reach one of them; everything written later lies behind that.
 #pragma once
 
 #include <atomic>
@@ -22,7 +22,7 @@ namespace Graphics {
 
 class FigureList {
     struct Block {
-        std::atomic<uint32_t> holders{1}; // lists; of the first block
+        std::atomic<uint32_t> holders{1}; // lists that share the blocks; counted in the first block
         const size_t places;
         Block* next = nullptr;
 
@@ -34,7 +34,7 @@ class FigureList {
 
 public:
     FigureList() noexcept = default;
-    /// A copy is for reading: it does not grow.
+    /// A copy is read-only: Add must not be called on it.
     FigureList(const FigureList& o) noexcept : m_first(o.m_first), m_count(o.m_count) {
         if (m_first != nullptr) {
             m_first->holders.fetch_add(1, std::memory_order_relaxed);
@@ -77,15 +77,15 @@ public:
     [[nodiscard]] bool empty() const noexcept { return m_count == 0; }
     [[nodiscard]] Iterator begin() const noexcept { return {m_first, m_count}; }
     [[nodiscard]] std::default_sentinel_t end() const noexcept { return {}; }
-    /// There is one.
+    /// Requires a non-empty list.
     [[nodiscard]] const Figure& front() const noexcept { return *m_first->Figures(); }
     [[nodiscard]] const Figure& back() const noexcept { return m_last->Figures()[m_used - 1]; }
 
-    /// After it, two calls of Add need no memory.
+    /// Reserves memory for two calls of Add.
     void MakeRoom();
     void Add(Figure&& figure) noexcept;
-    /// Removes all and returns the first figure, whose memory another one may take. What a copy holds is left to it,
-    /// with the blocks, and an empty figure returned.
+    /// Removes all figures and returns the first one, whose memory can be reused. If copies hold the blocks, they keep
+    /// them, and an empty figure is returned.
     Figure Clear() noexcept;
 
 private:
@@ -94,7 +94,7 @@ private:
 
     Block* m_first = nullptr;
     size_t m_count = 0;
-    // Where the list grows; not in a copy.
+    // The end at which the list grows; not set in a copy.
     Block* m_last = nullptr;
     size_t m_used = 0; // places of the last block
 };

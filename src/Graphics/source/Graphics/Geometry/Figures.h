@@ -20,7 +20,7 @@ template <class Sink> void AddRectangle(Sink& sink, const Rect& r) {
     sink.EndFigureClose();
 }
 
-/// Four cubics from the bottom over left, top and right. Nothing for a rectangle without width or height.
+/// Four cubics from the bottom over left, top and right. Sends nothing for a rectangle without width or height.
 template <class Sink> void AddEllipse(Sink& sink, const Rect& r) {
     if (r.left == r.right || r.top == r.bottom) {
         return;
@@ -36,7 +36,8 @@ template <class Sink> void AddEllipse(Sink& sink, const Rect& r) {
     sink.EndFigureClose();
 }
 
-/// Radii are cut to half the width and height; without a radius it is a rectangle. Nothing for one without area.
+/// Radii are limited to half the width and height; with a zero radius the figure is a rectangle. Sends nothing for a
+/// rectangle without area.
 template <class Sink> void AddRoundRectangle(Sink& sink, const Rect& r, float radiusX, float radiusY) {
     if (r.left == r.right || r.top == r.bottom) {
         return;

@@ -17,7 +17,7 @@ void Geometry::BeginFigure(const Point& start) {
         EndFigure();
         m_current = std::move(next);
     } else {
-        m_current.Reset(); // a lone start point; its memory takes the new one
+        m_current.Reset(); // a lone start point; its memory is reused
         m_current.Start(p);
     }
     m_open = true;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A path under construction, and the operations that make a new one of it. It is a shape that grows: whoever reads it
-// as a Shape sees the figures that are finished by then, and a copy of that part stays as it was.
+// A path under construction, and operations that derive a new path from it. Read as a Shape, it consists of the figures
+// finished so far; a copy of that part never changes.
 #pragma once
 
 #include <memory>
@@ -15,21 +15,21 @@ public:
     Geometry() noexcept = default;
     Geometry(const Geometry&) = delete;
 
-    // A refused allocation changes nothing, in every operation.
+    // An operation that fails to allocate changes nothing.
 
-    /// Kept as it is; every value but 0 acts as even-odd.
+    /// Stored unchanged; every value but 0 acts as even-odd.
     void SetFillRule(uint32_t rule) noexcept {
         if (rule != m_fillRule) {
             m_fillRule = rule;
             Changed();
         }
     }
-    /// Ends a figure that is still open.
+    /// Ends a figure that is still open, then starts another.
     void BeginFigure(const Point& start);
     /// Stores the figure unless it is a lone start point, which stays open.
     void EndFigure();
     void EndFigureClose();
-    /// Ignored while no figure is open; so are the curves.
+    /// Lines and curves are ignored while no figure is open.
     void LineTo(const Point& p) {
         if (m_open) {
             m_current.AddLine(p);
@@ -49,7 +49,7 @@ public:
     /// A cubic whose first control point is the current point.
     void ConicTo(const Point& c2, const Point& end);
 
-    /// Adds the closed figure that `add` sends to a sink, if any: as if it were sent here, but all of it or nothing.
+    /// Adds the closed figure, if any, that `add` sends to a sink. Adds all of it or nothing.
     template <class Add> void AddClosed(const Add& add) {
         ClosedFigure sink;
         add(sink);
@@ -58,20 +58,20 @@ public:
         }
     }
 
-    /// Back to a new path, keeping one figure's memory: for paths that live for one draw call.
+    /// Empties the path, keeping one figure's memory: for paths that live for one draw call.
     void Clear() noexcept;
 
-    /// The last point, or a closed figure's first one. False where there is no figure.
+    /// The last point; the first point if the figure is closed. False if there is no figure.
     [[nodiscard]] bool CurrentPoint(Point& out) const noexcept;
 
-    /// A new geometry with the finished figures, mapped.
+    /// A new geometry of the finished figures, mapped by `m`.
     [[nodiscard]] std::shared_ptr<Geometry> Transform(const Matrix& m) const;
     [[nodiscard]] std::shared_ptr<Geometry> Copy() const { return Transform(kIdentity); }
-    /// A new geometry with the outline of the stroke, non-zero rule, flattened at 0.25 unit. `width` is at least 0.
+    /// A new geometry of the stroke's outline, non-zero rule, flattened at 0.25 unit. `width` is at least 0.
     [[nodiscard]] std::shared_ptr<Geometry> Widen(float width, const StrokeStyle& style) const;
 
 private:
-    /// Takes one closed figure aside.
+    /// Collects one closed figure before it is added.
     struct ClosedFigure {
         void BeginFigure(const Point& start) { figure.Start(start); }
         void LineTo(const Point& p) { figure.AddLine(p); }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The calls by which a path is built and by which every consumer reads it. Sinks are template arguments: a chain of
-// them is direct calls. The host's table of functions is one more sink (GeometrySinkAdapter).
+// The calls that build a path and send it to a consumer. Sinks are template arguments, so a chain of them consists of
+// direct calls. The host's function table is one more sink (GeometrySinkAdapter).
 #pragma once
 
 #include "../Types.h"

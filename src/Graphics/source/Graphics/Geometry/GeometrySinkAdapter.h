@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A sink that passes the calls on to a caller's table of functions. Each point is handed over as a copy.
+// A sink that forwards the calls to a host's function table. Each point is passed as a copy.
 #pragma once
 
 #include "../Types.h"
@@ -8,7 +8,7 @@ namespace Graphics {
 
 class GeometrySinkAdapter {
 public:
-    /// Entries that are null are left out.
+    /// Null entries are not called.
     explicit GeometrySinkAdapter(const GXGeometrySinkCallbacks& table) noexcept : m_table(table) {}
 
     void SetFillRule(uint32_t rule) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sends the outline of the stroke of every figure that arrives, as closed figures for the non-zero rule.
+// Sends the stroke outline of every figure it receives, as closed figures for the non-zero rule.
 #pragma once
 
 #include "GeometrySink.h"
@@ -9,7 +9,7 @@ namespace Graphics {
 
 template <FigureSink Sink> class Pen {
 public:
-    /// `half` is half the line's width. Two pens may share a storage only one after the other.
+    /// `half` is half the line's width. A storage serves one pen at a time.
     Pen(Sink& sink, PenStorage& storage, const StrokeStyle& style, float half, float tolerance) noexcept
         : m_outline(storage, style, half, tolerance), m_sink(sink) {}
 
@@ -22,8 +22,8 @@ public:
         m_outline.EndOpen();
         SendFirst();
     }
-    /// The dash that has been sent so far ends here, and the next one starts at `p`, at most half the pen away: their
-    /// outlines become one, as far as that is simple.
+    /// Ends the current dash here; the next one starts at `p`, at most half the pen's width away. The two outlines are
+    /// joined where that is simple.
     void Gap(const Point& p) {
         if (!m_outline.Gap(p)) {
             const Point end = m_outline.Current();

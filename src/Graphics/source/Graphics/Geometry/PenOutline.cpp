@@ -7,10 +7,10 @@ namespace Graphics {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-// Keeps one arc of an absurdly wide line affordable; enough for a quarter pixel up to radii of a million pixels.
+// Bounds the cost of one arc of an extremely wide line; enough for a quarter pixel up to radii of a million pixels.
 constexpr double kMostArcSteps = 4096; // per full turn
 constexpr uint32_t kPlainSteps = 128;
-// Points of an arc that are left out together. Only arcs with more than kLongArc have blocks, so that none turns by
+// Points of an arc that are culled together. Only arcs with more than kLongArc points have blocks, so no block turns by
 // more than a quarter.
 constexpr double kBlock = 16;
 constexpr double kLongArc = 64;
@@ -39,7 +39,7 @@ PenOutline::PenOutline(PenStorage& storage, const StrokeStyle& style, float half
       m_tolerance(tolerance < CurveFlattener::kEpsilon ? CurveFlattener::kEpsilon : tolerance) {
     const double limit = style.miterLimit;
     m_miterLimit2 = limit > 0 ? limit * limit : 0.0;
-    // A chord over 4 theta strays from the circle by half the tolerance: h (1 - cos 2 theta) with
+    // A chord over 4 theta deviates from the circle by half the tolerance: h (1 - cos 2 theta) with
     // cos theta = h / (t / 8 + h).
     const double cosTheta = m_half / (static_cast<double>(m_tolerance) * 0.125 + m_half);
     const double theta = Angle(std::sqrt((1 - cosTheta) * (1 + cosTheta)), cosTheta);
@@ -170,7 +170,7 @@ void PenOutline::Join(const Point& c, const Segment& s1, const Segment& s2) {
         Push(m_right, c, -s1.n.x, -s1.n.y);
         return;
     }
-    // A line that turns back on itself has its outer side on the left, say.
+    // For a line that turns back on itself, the left side is taken as the outer one.
     const double sign = cross >= 0 ? 1.0 : -1.0;
     HeapArray<Point>& inner = cross >= 0 ? m_right : m_left;
     // Each segment loses h tan(phi / 2), and tan(phi / 2) = sin phi / (1 + cos phi).
@@ -187,8 +187,8 @@ void PenOutline::Join(const Point& c, const Segment& s1, const Segment& s2) {
 
 void PenOutline::JoinOuter(HeapArray<Point>& side, double sign, const Point& c, const Segment& s1, const Segment& s2,
                            double cross, double dot) {
-    // The miter ratio is 1 / cos(phi / 2), its square 2 / (1 + cos phi). The tip lies on both offset lines, so that
-    // their ends need not be sent.
+    // The miter ratio is 1 / cos(phi / 2), its square 2 / (1 + cos phi). The tip lies on both offset lines, so their
+    // ends are not sent.
     if (m_join == GXLineJoinMiter && cross != 0 && m_miterLimit2 * (1 + dot) > 2) {
         const double k = sign / (1 + dot);
         Push(side, c, (s1.n.x + s2.n.x) * k, (s1.n.y + s2.n.y) * k);
@@ -218,7 +218,7 @@ void PenOutline::Arc(HeapArray<Point>& side, const Point& c, Vector v, double an
         }
         return;
     }
-    // Long arcs start anew at every block, so that blocks out of view can be left out.
+    // Long arcs restart at every block, so that invisible blocks can be omitted.
     Vector from = v;
     for (double i = 0; i < count; i += kBlock) {
         const double steps = std::min(kBlock, count - i);
@@ -256,7 +256,7 @@ void PenOutline::EndOpen() {
     if (m_gapTurn > 0) {
         TurnFromNotch(m_fixed, 0, 0);
     }
-    // A square cap moves the end itself, which keeps a stroked line a rectangle of four corners.
+    // A square cap moves the end itself, so that a stroked line stays a rectangle of four corners.
     const double reach = m_cap == GXLineCapSquare ? m_half : 0.0;
     const Vector first{m_first.u.x * reach, m_first.u.y * reach};
     const Vector last{m_last.u.x * reach, m_last.u.y * reach};
@@ -304,7 +304,8 @@ bool PenOutline::Gap(const Point& to) {
     return true;
 }
 
-/// From beside a, or from the notches of the gap that ends there, to those of the gap that starts there.
+/// Continues the outline from a (or from the notches of the gap that ends there) to the notches of the gap that starts
+/// there.
 bool PenOutline::Notch(const Point& a, const Segment& gap) {
     const SineCosine phi = NotchTurn(gap.length);
     const double turn = Angle(phi.sine, phi.cosine);
@@ -330,7 +331,7 @@ bool PenOutline::Notch(const Point& a, const Segment& gap) {
     return true;
 }
 
-/// Of phi.
+/// The sine and cosine of phi.
 SineCosine PenOutline::NotchTurn(double gap) const noexcept {
     const double sine = std::min(0.5 * gap / m_half, 1.0);
     return {sine, std::sqrt((1 - sine) * (1 + sine))};
@@ -341,7 +342,7 @@ void PenOutline::TurnFromNotch(const Point& c, double beyond, double bend) {
     const Vector n{m_last.n.x * phi.cosine, m_last.n.y * phi.cosine};
     const Vector along{m_last.u.x * m_half * phi.sine, m_last.u.y * m_half * phi.sine};
     const double left = m_gapTurn + beyond + bend, right = m_gapTurn + beyond - bend;
-    // One point more than the tolerance asks for: a dot of which only this arc shows keeps its height.
+    // One point more than the tolerance requires: a dot of which only this arc is visible keeps its height.
     Arc(m_left, c, {n.x - along.x, n.y - along.y}, left, ArcPoints(left) + 1);
     Arc(m_right, c, {-n.x - along.x, -n.y - along.y}, -right, ArcPoints(right) + 1);
 }
@@ -357,8 +358,9 @@ PenOutline::Vector PenOutline::SquareCorner(const Vector& signs) const noexcept 
     return {signs.x * u.x - signs.y * u.y, signs.x * u.y + signs.y * u.x};
 }
 
-/// With p and q the way from a to b along both directions of the squares, the corners beside it are those of unequal
-/// signs, (+, -) on the left where p q > 0. The side of a's square that points forward goes on to where b's crosses it.
+/// Let p and q be the components of b - a along the two directions of the squares. The corners beside the connection
+/// have unequal signs: (+, -) on the left if p q > 0. The forward side of a's square continues to its crossing with b's
+/// side.
 void PenOutline::Stairs(const Point& a, const Point& b, const Vector& quadrant) {
     const double dx = static_cast<double>(b.x) - a.x, dy = static_cast<double>(b.y) - a.y;
     const double q = dy * m_dotDirection.x - dx * m_dotDirection.y;
@@ -368,7 +370,7 @@ void PenOutline::Stairs(const Point& a, const Point& b, const Vector& quadrant) 
         const Vector corner =
             SquareCorner(aheadInP ? Vector{quadrant.x, -quadrant.y} : Vector{-quadrant.x, quadrant.y});
         Push(side, a, corner.x, corner.y);
-        // From a's corner against the direction in which it is behind.
+        // From a's corner, against the direction in which it lies behind.
         const double x = aheadInP ? -q * m_dotDirection.y : p * m_dotDirection.x;
         const double y = aheadInP ? q * m_dotDirection.x : p * m_dotDirection.y;
         Push(side, a, corner.x + x, corner.y + y);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Which corners of a path a pen can still be seen at: the pen's box around each is held against the pixels on view.
+// Culling for the pen: tests the pen's box around each corner of a path against the visible pixels.
 //
-// The box is that of the pen's image on the device, in each axis for itself: a circle of radius h has the half extents
-// h sqrt(m00^2 + m10^2) and h sqrt(m01^2 + m11^2), whatever the matrix does to it in other directions.
+// The box bounds the pen's image on the device in each axis separately: a circle of radius h has the half extents h
+// sqrt(m00^2 + m10^2) and h sqrt(m01^2 + m11^2), whatever else the matrix does to it.
 #pragma once
 
 #include <cmath>
@@ -12,7 +12,7 @@
 
 namespace Graphics {
 
-/// A rectangle in double, as sums of floats neither overflow nor round in it.
+/// A rectangle in double precision: sums of floats neither overflow nor round.
 struct WideRect {
     double left = 0, top = 0, right = 0, bottom = 0;
 
@@ -38,7 +38,7 @@ struct WideMatrix {
     [[nodiscard]] double X(double x, double y) const noexcept { return m00 * x + m10 * y; }
     [[nodiscard]] double Y(double x, double y) const noexcept { return m01 * x + m11 * y; }
 
-    /// This one first.
+    /// The product that applies this matrix first, then `b`.
     [[nodiscard]] WideMatrix Then(const WideMatrix& b) const noexcept {
         WideMatrix r;
         r.m00 = m00 * b.m00 + m01 * b.m10, r.m01 = m00 * b.m01 + m01 * b.m11;
@@ -51,10 +51,10 @@ struct WideMatrix {
 class PenView {
 public:
     PenView() noexcept = default;
-    /// `pixels` allow for the pen's reach; `toDevice` maps the points that will be asked about.
+    /// `pixels` already include the pen's reach; `toDevice` maps the points passed to OutsideOf.
     PenView(const WideMatrix& toDevice, const WideRect& pixels) noexcept : m_toDevice(toDevice), m_pixels(pixels) {}
 
-    /// Bit set of the sides of the pixels that the corner and all that the pen does there lie beyond.
+    /// Bit set of the sides of the pixels beyond which the corner lies, with all that the pen draws there.
     [[nodiscard]] uint32_t OutsideOf(double x, double y) const noexcept {
         const double ax = m_toDevice.m00 * x, cx = m_toDevice.m10 * y;
         const double ay = m_toDevice.m01 * x, cy = m_toDevice.m11 * y;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Limits a path to a band of one coordinate before scan conversion, whose fixed-point numbers hold no more than the
-// band.
+// Limits a path to a range of one coordinate, because the fixed-point numbers of scan conversion hold no more.
 //
-// Pieces outside the band collapse onto its bounds: crossings that follow each other on one bound are joined along it,
-// which keeps the winding inside the band. Figures are closed, as filling closes them.
+// Parts outside the range collapse onto its bounds: consecutive crossings of one bound are joined along it, which
+// preserves the winding inside the range. Figures are closed, as filling closes them.
 #pragma once
 
 #include <utility>
@@ -17,7 +16,7 @@ enum class ClipAxis { X, Y };
 
 template <FigureSink Sink> class StripClipper {
 public:
-    /// Bounds in the wrong order are swapped.
+    /// Bounds in reverse order are swapped.
     StripClipper(Sink& sink, ClipAxis axis, float lower, float upper, float tolerance) noexcept
         : m_sink(sink), m_axis(axis), m_lower(lower), m_upper(upper), m_tolerance(tolerance) {
         if (m_lower > m_upper) {
@@ -37,7 +36,7 @@ public:
         }
         const float v = Coordinate(p);
         if (v != v) {
-            return; // an overflow further up: there is no such place
+            return; // NaN from an earlier overflow: no position
         }
         const Zone zone = ZoneOf(p);
         if (zone == Zone::Inside && m_zone == Zone::Inside) {
@@ -59,7 +58,7 @@ public:
         m_zone = zone;
     }
 
-    /// Curves inside the band stay curves: whoever flattens them next does it with the same tolerance.
+    /// Curves inside the range stay curves; the consumer flattens them with the same tolerance.
     void CubicTo(const Point& c1, const Point& c2, const Point& end) {
         const WideCurve curve(m_previous, c1, c2, end);
         if (Place(curve) == CurvePlace::Mixed) {
@@ -96,7 +95,7 @@ private:
     }
     [[nodiscard]] float BoundOf(Zone zone) const noexcept { return zone == Zone::Below ? m_lower : m_upper; }
 
-    /// Deals with a curve whose control points all lie in one zone.
+    /// Handles a curve whose control points all lie in one zone.
     CurvePlace Place(const WideCurve& curve) {
         const double* v = m_axis == ClipAxis::X ? curve.x : curve.y;
         const Zone zone = ZoneOf(v[0]);
@@ -118,7 +117,8 @@ private:
         return CurvePlace::Handled;
     }
 
-    /// Where a - b meets `bound`. In double, and with infinities cut to the largest float, nothing overflows.
+    /// Where a - b crosses `bound`. Computed in double, with infinities limited to the largest float, so nothing
+    /// overflows.
     [[nodiscard]] Point Crossing(const Point& a, const Point& b, float bound) const noexcept {
         const auto cut = [](float v) {
             constexpr double kMost = std::numeric_limits<float>::max();
@@ -147,7 +147,7 @@ private:
     float m_lower;
     float m_upper;
     const float m_tolerance;
-    bool m_started = false; // whether BeginFigure went downstream
+    bool m_started = false; // whether BeginFigure was sent
     Point m_start{};
     Point m_previous{};
     Zone m_zone = Zone::Inside;

@@ -6,9 +6,9 @@
 namespace Graphics {
 namespace {
 
-// Pixels that a segment may stray from its axis.
+// The distance in pixels by which a segment may deviate from its axis.
 constexpr float kAligned = 1.0F / 512;
-// Among other segments, shorter ones have no edge to speak of: they are steps of a curve.
+// In mixed figures shorter segments are steps of a curve and are not adjusted.
 constexpr float kShortest = 1.0F;
 
 /// The whole-pixel position of a line's centre: both edges, half a width away, are whole.
@@ -16,7 +16,7 @@ constexpr float kShortest = 1.0F;
     return std::floor(centre - width * 0.5F + 0.5F) + width * 0.5F;
 }
 
-/// Farther away a coordinate has no fractions of a pixel to speak of. NaN compares false.
+/// Larger coordinates have no significant fractions of a pixel. NaN compares false.
 [[nodiscard]] bool HasFractions(const Point& p) noexcept { return std::fabs(p.x) < 1e6F && std::fabs(p.y) < 1e6F; }
 
 } // namespace
@@ -28,7 +28,7 @@ StrokeAdjuster::StrokeAdjuster(const Matrix& m, float width) noexcept : m_matrix
         const double tiny = 1e-6 * scales.most;
         if ((std::fabs(m.m01) > tiny || std::fabs(m.m10) > tiny) &&
             (std::fabs(m.m00) > tiny || std::fabs(m.m11) > tiny)) {
-            return; // lines along the axes have no one width
+            return; // axis-aligned lines have no single width
         }
         scaleX = static_cast<double>(std::fabs(m.m00)) + std::fabs(m.m10);
         scaleY = static_cast<double>(std::fabs(m.m01)) + std::fabs(m.m11);
@@ -44,7 +44,7 @@ StrokeAdjuster::StrokeAdjuster(const Matrix& m, float width) noexcept : m_matrix
     m_applies = true;
 }
 
-/// Figures of level and upright segments alone lose their repeated points.
+/// Adjusts a figure of horizontal and vertical segments only, without its repeated points.
 bool StrokeAdjuster::AdjustStraight(const Figure& figure, HeapArray<Point>& path) const {
     path.clear();
     for (uint32_t i = 0; i < figure.SegmentCount(); ++i) {
@@ -76,12 +76,12 @@ bool StrokeAdjuster::AdjustStraight(const Figure& figure, HeapArray<Point>& path
             return false;
         }
     }
-    // Directions are read before their points move: a vertical segment moves x, a horizontal one y, so a segment keeps
-    // its length's coordinate until the next one moves it.
+    // Directions are determined before points move. A vertical segment moves x, a horizontal one y, so the coordinate
+    // along a segment changes only when the next segment moves it.
     const auto vertical = [&](const Point& a, const Point& b) { return std::fabs(a.y - b.y) > std::fabs(a.x - b.x); };
     const bool closesVertical = figure.Closed() && vertical(path[count - 1], path[0]);
     const Point first = path[0];
-    Point from = first; // where the segment's start was
+    Point from = first; // original position of the segment's start
     for (size_t i = 0; i + 1 < count; ++i) {
         const Point to = path[i + 1];
         if (vertical(from, to)) {
@@ -105,15 +105,15 @@ bool StrokeAdjuster::AdjustStraight(const Figure& figure, HeapArray<Point>& path
     return true;
 }
 
-/// Each level or upright segment moves both its ends across itself. What else hangs on a moved point follows: the next
-/// segment's end, which is the same point, and the control points beside it, so that curves keep their tangents.
+/// Each horizontal or vertical segment moves both its ends across itself. The next segment's start, which is the same
+/// point, and the control points beside it move too, so that curves keep their tangents.
 bool StrokeAdjuster::AdjustMixed(const Figure& figure, HeapArray<Point>& path) const {
     const std::span<const Point> points = figure.Points();
     const size_t count = points.size();
     path.clear();
     path.resize(2 * count);
     Point* const moved = path.data();
-    Point* const placed = moved + count; // where the points were
+    Point* const placed = moved + count; // original positions
     for (size_t i = 0; i < count; ++i) {
         moved[i] = placed[i] = Map(m_matrix, points[i]);
         if (!HasFractions(placed[i])) {
@@ -144,7 +144,7 @@ bool StrokeAdjuster::AdjustMixed(const Figure& figure, HeapArray<Point>& path) c
         if (!meets) {
             move(at, 0);
         } else {
-            // One point of the figure, stored twice.
+            // First and last are the same point of the figure, stored twice.
             moved[0].x = moved[at].x = moved[0].x != placed[0].x ? moved[0].x : moved[at].x;
             moved[0].y = moved[at].y = moved[0].y != placed[0].y ? moved[0].y : moved[at].y;
         }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stroke adjustment: moves the level and upright segments of a figure so that the edges of their strokes fall on whole
-// pixels, and gives the pen that makes these edges. One pen draws the whole figure, so that joints stay closed.
+// Stroke adjustment: moves the horizontal and vertical segments of a figure so that their stroke edges fall on whole
+// pixels, and gives the pen that makes these edges. One pen draws the whole figure, so that joins stay closed.
 #pragma once
 
 #include <cmath>
@@ -11,7 +11,7 @@
 
 namespace Graphics {
 
-/// Moves a coordinate that misses a whole pixel by a rounding error onto it.
+/// Moves a coordinate that misses a whole pixel by a rounding error onto that pixel.
 [[nodiscard]] inline Point SnapToPixel(const Point& p) noexcept {
     const auto snap = [](float v) {
         const float whole = std::floor(v + 0.5F);
@@ -24,18 +24,18 @@ class StrokeAdjuster {
 public:
     enum class Result {
         Untouched, // no segment to move
-        Path,      // straight segments through the points of the path
-        Moved,     // the figure's own segments through the points of the path
+        Path,      // straight segments through the points of `path`
+        Moved,     // the figure's own segments through the points of `path`
     };
 
     StrokeAdjuster(const Matrix& m, float width) noexcept;
 
-    /// Whether the matrix keeps the widths of axis-aligned lines apart at all.
+    /// Whether the matrix maps axes to axes; otherwise nothing is adjusted.
     [[nodiscard]] bool Applies() const noexcept { return m_applies; }
-    /// The points are in user space again.
+    /// `path` receives the moved points, in user space.
     [[nodiscard]] Result Adjust(const Figure& figure, HeapArray<Point>& path) const;
 
-    /// From user space to one where the line is 2 wide in both directions, and from there to the device.
+    /// From user space to a space where the line is 2 wide in both directions, and from there to the device.
     [[nodiscard]] const Matrix& ToPen() const noexcept { return m_toPen; }
     [[nodiscard]] const Matrix& ToDevice() const noexcept { return m_toDevice; }
 

@@ -9,16 +9,16 @@ namespace Graphics {
 namespace {
 
 constexpr float kDeviceTolerance = 0.25F;
-// Inside this no point of an outline comes near the limits of the band; the band's clippers would change nothing.
+// Inside this range no point of an outline comes near the limits of the sink, so the clippers would change nothing.
 constexpr double kSafeBand = 32000;
-// A pen so many times wider than everything that it draws and that can be seen looks the same when wider still, and its
-// outline keeps coordinates that floats resolve.
+// A pen this many times wider than the path and the visible area looks the same as a wider one, and floats still
+// resolve the coordinates of its outline.
 constexpr double kWidestPen = 16;
 constexpr double kMostHalf = 1e37;
-// Paths from here on may have outlines beyond the floats. Their pens work in smaller units.
+// Outlines of paths beyond this may exceed the floats; their pens work on coordinates divided by kSmaller.
 constexpr double kFarthest = 1e36;
 constexpr float kSmaller = 0x1p20F;
-constexpr double kPlainHalf = 16; // a target's pixel times as many
+constexpr double kPlainHalf = 16; // in target pixels
 
 [[nodiscard]] WideRect Wide(const Rect& r) noexcept { return {r.left, r.top, r.right, r.bottom}; }
 
@@ -38,7 +38,7 @@ constexpr double kPlainHalf = 16; // a target's pixel times as many
     return std::max({std::fabs(r.left), std::fabs(r.top), std::fabs(r.right), std::fabs(r.bottom)});
 }
 
-/// Half the width, as far as it matters beside the path's own extent and that of the target, in the pen's space.
+/// Half the width, limited to what matters beside the extents of the path and the target, in the pen's space.
 [[nodiscard]] float UsefulHalf(double half, const WideRect& path, const WideRect& target) noexcept {
     const double extent = std::max(Farthest(path), Farthest(target));
     return static_cast<float>(std::min({half, extent * kWidestPen, kMostHalf}));
@@ -58,7 +58,7 @@ StrokePlan::StrokePlan(const Rect& box, const Matrix& m, const StrokeStyle& styl
     const bool thinnest = width == 0;
     const double userScale = scales.most > 0 ? scales.most : 1.0;
     if (!thinnest && scales.least == 0) {
-        nothing = true; // all of it on one line
+        nothing = true; // the matrix maps everything to one line
         return;
     }
     if (style.join == GXLineJoinMiter && style.miterLimit > 1.5F) {
@@ -94,7 +94,7 @@ StrokePlan::StrokePlan(const Rect& box, const Matrix& m, const StrokeStyle& styl
     const WideRect inReach = InReachOf(visiblePixels);
     nothing = inReach.Misses(around);
     cull = !inReach.Holds(around);
-    // However wide the pen is: of a path that is much longer than the target, most dashes are beside it.
+    // Whatever the pen's width: if the path is much longer than the target, most dashes lie outside.
     const double across = std::min(m_reachX / m_factor, targetPixels.right - targetPixels.left);
     const double down = std::min(m_reachY / m_factor, targetPixels.bottom - targetPixels.top);
     cullDashes = cull || std::isinf(m_factor) || !visiblePixels.Inflated(across, down).Holds(around);

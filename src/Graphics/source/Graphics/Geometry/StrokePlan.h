@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-// What is settled once per stroke: in which space the pen works, how finely, and what can be seen.
+// Decisions made once per stroke: the space in which the pen works, its tolerance, and what is visible.
 //
-//   figure -> [Dasher, user space] -> toPen -> Pen -> toDevice -> band -> sink
+//   figure -> [Dasher, user space] -> toPen -> Pen -> toDevice -> clippers -> sink
 //
 // Under a matrix without distortion, and for the thinnest line, the pen works in device space and toDevice is the
-// identity; else it works in user space and toPen is. An adjusted figure has a pen of its own (SetPen).
+// identity; otherwise it works in user space and toPen is the identity. An adjusted figure has its own pen (SetPen).
 //
-// What decides a shape (how curves are cut, how fine patterns are simplified, how wide a pen is still worth its width)
-// follows from the whole target alone. The part of it that a clip leaves only says what need not be sent, and what is
-// sent is the same without the clip: so no clip changes a pixel that it shows.
+// Invariant: no clip changes a pixel that it shows. Whatever affects the outline (how curves are cut, how fine patterns
+// are simplified, when a pen counts as thin) depends on the whole target alone. The clip's box only decides what need
+// not be sent, and what is sent is the same without the clip.
 #pragma once
 
 #include "../Matrix.h"
@@ -17,45 +17,45 @@
 
 namespace Graphics {
 
-/// Device pixels: the whole target, and the part of it that the clip leaves.
+/// In device pixels: the whole target, and the part of it inside the clip.
 struct StrokeSight {
     Rect target;
     Rect visible;
 };
 
 struct StrokePlan {
-    bool nothing = false; // a width or matrix that draws nothing, or all of it out of sight
+    bool nothing = false; // the width or matrix draws nothing, or nothing is visible
     bool inBand = false;  // no strip clipper is needed
-    bool partial = false; // the clip may leave out what the target would show
+    bool partial = false; // the clip may have removed what the target would show
     Matrix toPen{kIdentity};
     Matrix toDevice{kIdentity};
     float half = 0;          // half the width in the pen's space
     float tolerance = 0.25F; // in the pen's space
-    float userHalf = 0;      // the same two in user space, for the dasher
+    float userHalf = 0;      // half width and tolerance in user space, for the dasher
     float userTolerance = 0.25F;
 
-    bool cullTarget = false; // something may lie outside of the target
-    bool cull = false;       // or of what the clip leaves
-    bool cullDashes = false; // the same without what miters add, which belongs to corners
+    bool cullTarget = false; // part of the stroke may lie outside the target
+    bool cull = false;       // part of it may lie outside the clip
+    bool cullDashes = false; // the same for dashes, which have no miters
     WideRect targetPixels;
     WideRect visiblePixels;
 
-    /// `box` holds every point of the figures to stroke.
+    /// `box` contains every point of the figures to stroke.
     StrokePlan(const Rect& box, const Matrix& m, const StrokeStyle& style, float width,
                const StrokeSight& sight) noexcept;
 
-    /// Another pen for the same stroke.
+    /// Replaces the pen of the stroke.
     void SetPen(const Matrix& pen, const Matrix& device, float newHalf, float newTolerance) noexcept;
 
-    /// The pixels that a corner in reach of `pixels` may stand on.
+    /// `pixels` enlarged by the pen's reach: a corner outside of them cannot paint inside `pixels`.
     [[nodiscard]] WideRect InReachOf(const WideRect& pixels) const noexcept {
         return pixels.Inflated(m_reachX + kMargin, m_reachY + kMargin);
     }
-    /// For corners in the pen's space.
+    /// For culling corners, in the pen's space.
     [[nodiscard]] PenView ViewOf(const WideRect& pixels) const noexcept {
         return {WideMatrix(toDevice), InReachOf(pixels)};
     }
-    /// For points of the outline.
+    /// For culling points of the outline.
     [[nodiscard]] PenView PointViewOf(const WideRect& pixels) const noexcept {
         return {WideMatrix(toDevice), pixels.Inflated(kMargin, kMargin)};
     }
@@ -63,7 +63,7 @@ struct StrokePlan {
 private:
     static constexpr double kMargin = 2; // for rounding and the tolerance, in pixels
 
-    // Half extents of the pen on the device, with all that joins and caps add.
+    // Half extents of the pen on the device, including joins and caps.
     double m_reachX = 0;
     double m_reachY = 0;
     double m_factor = 1.5; // how far an outline may lie from its path, in half widths

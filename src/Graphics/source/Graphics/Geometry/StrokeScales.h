@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How a matrix stretches lengths, for the pen, the dasher and the adjuster.
+// How much a matrix scales lengths, for the pen, the dasher and the adjuster.
 #pragma once
 
 #include <cmath>
@@ -8,10 +8,10 @@
 
 namespace Graphics {
 
-/// Without std::hypot, whose last bits differ between libraries. The squares of what comes from floats fit.
+/// Avoids std::hypot, whose last bits differ between libraries. Squares of values from floats do not overflow.
 [[nodiscard]] inline double Length(double x, double y) noexcept { return std::sqrt(x * x + y * y); }
 
-/// The singular values.
+/// The singular values of a matrix.
 struct MatrixScales {
     double most;
     double least;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How a stroke looks, taken over from the caller's record.
+// The style of a stroke, copied from the host's record.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ struct StrokeStyle {
     uint32_t dashCount = 0;
 
     StrokeStyle() noexcept = default;
-    /// Null gives the defaults. More than 15 dashes are cut to 15; the phase counts only with dashes.
+    /// Null gives the defaults. Only the first 15 dashes are used; without dashes the phase is 0.
     explicit StrokeStyle(const GXStrokeStyle* style) noexcept {
         if (style == nullptr) {
             return;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Maps every point by an affine matrix. The map of the control points is the map of the curve, so curves stay curves.
+// Maps every point by an affine matrix. Mapping the control points maps the curve, so curves stay curves.
 #pragma once
 
 #include "../Matrix.h"
@@ -28,7 +28,7 @@ private:
     Sink& m_sink;
 };
 
-/// Whether every point of the figure is finite once mapped.
+/// Whether every mapped point of the figure is finite.
 [[nodiscard]] inline bool AllFinite(const Figure& figure, const Matrix& m) noexcept {
     float check = 0; // x - x is 0 for a finite x, else NaN
     for (const Point& point : figure.Points()) {

@@ -8,7 +8,7 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// One interval in vectors: where it lies within [0, 1] and what its colours are made from.
+/// One interval in vectors: its range within [0, 1] and its colour coefficients.
 struct Ramp {
     F32 above, upTo; ///< above < t <= upTo
     F32 upper, length, perLength;
@@ -34,9 +34,9 @@ struct Ramp {
 
     GX_INLINE I32 Holds(F32 t) const noexcept { return (I32)((t > above) & (t <= upTo)); }
 
-    /// The colours; any words where t lies elsewhere. A product with the rounded 255 / length differs from the two
-    /// rounded operations by less than 255 * 2^-22 < 0.0001: where both ends of this doubt truncate alike, the
-    /// division is spared.
+    /// The colours for t inside the interval, undefined elsewhere. A product with the rounded 255 / length differs from
+    /// the two rounded operations by less than 255 * 2^-22 < 0.0001. If both ends of this uncertainty truncate alike,
+    /// the division is not needed.
     GX_INLINE U32 Colors(F32 t) const noexcept {
         const F32 distance = upper - t;
         const F32 near = distance * perLength;
@@ -62,7 +62,7 @@ void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
             StoreSome(out + k, lanes, scaled ? Scale(c, factor) : c);
             return;
         }
-        // Several stretches meet here: each pass takes the one of the first pixel left.
+        // The lanes lie in several intervals: each pass takes the interval of the first lane left.
         U32 colors{};
         for (uint32_t left = (1U << lanes) - 1U; left != 0;) {
             const auto lane = static_cast<uint32_t>(__builtin_ctz(left));
@@ -87,7 +87,7 @@ void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
                 c = ramp.Colors(block);
                 c = scaled ? Scale(c, factor) : c;
             }
-            mask |= (I32)(Ascending() == lane); // whatever rounding the host has set
+            mask |= (I32)(Ascending() == lane); // independent of the host's rounding mode
             colors = Select(mask, c, colors);
             left &= ~MaskBits(mask);
         }
@@ -113,7 +113,7 @@ void Radial(const RadialEquation& q, const float* u, const float* v, const float
             const F32 s = SquareRoot(Select(D > zero, D, zero));
             const F32 t1 = (s - B) * Splat(q.qinv);
             const F32 t2 = (-B - s) * Splat(q.qinv);
-            r = Select((t1 >= zero) & (t1 <= one), t1, t2); // both are -B / (2 A) where D is 0
+            r = Select((t1 >= zero) & (t1 <= one), t1, t2); // both are -B / (2 A) if D is 0
             r = Select(r == r, r, Splat(-1.0F));
             r = Select(D < zero, none, r);
             r = Select(D == D, r, zero);
@@ -122,7 +122,7 @@ void Radial(const RadialEquation& q, const float* u, const float* v, const float
     });
 }
 
-/// A vector holds kLanes / 4 pixels, their channels side by side: narrowed to bytes, it is their words.
+/// A vector holds kLanes / 4 pixels, the channels of each side by side; narrowed to bytes they are the pixels' words.
 void Plane(const float* start, const float* step, size_t count, uint32_t* out) {
     constexpr size_t kPixels = kLanes / 4;
     typedef uint8_t Bytes __attribute__((vector_size(kLanes)));
@@ -131,7 +131,7 @@ void Plane(const float* start, const float* step, size_t count, uint32_t* out) {
     F32 index = __builtin_convertvector((I32)(Ascending() >> 2), F32);
     for (size_t k = 0; k < count; k += kPixels) {
         F32 v = from + per * index;
-        v = Select((I32)(v > F32{}), v, F32{}); // not a number counts as 0
+        v = Select((I32)(v > F32{}), v, F32{}); // NaN counts as 0
         v = Select((I32)(v < Splat(255.0F)), v, Splat(255.0F));
         const auto bytes = __builtin_convertvector(Truncate(v + Splat(0.5F)), Bytes);
         uint32_t words[kPixels];

@@ -10,7 +10,7 @@
 
 namespace Graphics {
 
-/// Colours of gradient parameters. `interval` is the one used last.
+/// State for colours of gradient parameters. `interval` is the one used last.
 struct GradientShade {
     const GradientSampler* sampler;
     GradientInterval interval;
@@ -25,11 +25,11 @@ struct RadialEquation {
     float g2, qa4, qinv;
 };
 
-/// How a pixel lies in memory.
+/// The memory layout of a pixel.
 enum class PixelLayout : uint8_t {
     Premultiplied, ///< words
-    Straight,      ///< words with the alpha not yet multiplied in
-    Opaque,        ///< words whose fourth byte says nothing
+    Straight,      ///< words, not premultiplied
+    Opaque,        ///< words whose fourth byte is undefined
     Triples,       ///< three bytes: blue, green, red
 };
 inline constexpr size_t kPixelLayoutCount = 4;
@@ -41,7 +41,7 @@ struct PixelGrid {
     int32_t width;
     int32_t height;
 
-    /// True when the offset of every pixel's byte fits in 32 bits.
+    /// True if every pixel's byte offset fits in 32 bits.
     [[nodiscard]] bool IsNear() const noexcept {
         constexpr int64_t kMost = 0x40000000;
         const int64_t stride = strideBytes < 0 ? -static_cast<int64_t>(strideBytes) : strideBytes;
@@ -57,38 +57,37 @@ struct SamplePoint {
 };
 
 struct PaintKernels {
-    /// out = v, v + step, (v + step) + step, ... every sum rounded as a float add rounds it. Returns the term that
-    /// follows.
+    /// out = v, v + step, (v + step) + step, ... with every sum rounded to float. Returns the term that follows.
     float (*accumulate)(float v, float step, float* out, size_t count);
-    /// The same for both coordinates of points.
+    /// accumulate for both coordinates of points.
     SamplePoint (*accumulatePoints)(SamplePoint at, SamplePoint step, float* u, float* v, size_t count);
-    /// Premultiplied colours, scaled by the opacity factor.
+    /// out = premultiplied colours of the parameters, scaled by the opacity factor.
     void (*shade)(GradientShade& state, const float* t, size_t count, uint32_t* out);
-    /// Parameters from relative coordinates and the linear coefficient; NaN where no circle passes, -1 where the
-    /// solution itself is not a number.
+    /// Parameters from relative coordinates and the linear coefficient: NaN if no circle passes through the point, -1
+    /// if the solution is NaN.
     void (*radial)(const RadialEquation& equation, const float* u, const float* v, const float* b, size_t count,
                    float* t);
 
-    /// out = the words of start + k step for pixel k: four channels, blue first, limited to 0 to 255 and rounded.
+    /// out = the words of start + k step for pixel k: four channels, blue first, clamped to 0 to 255 and rounded.
     void (*plane)(const float* start, const float* step, size_t count, uint32_t* out);
 
-    /// Pixel index of each coordinate by tiling mode.
+    /// Pixel index of each coordinate, by tiling mode.
     void (*indices[3])(const float* c, size_t count, int32_t size, int32_t* index);
-    /// Both neighbours of each coordinate, and the second one's weight 1 to 256, twice in a word.
+    /// Both neighbours of each coordinate, and the second neighbour's weight, 1 to 256, in both halves of a word.
     void (*taps[3])(const float* c, size_t count, int32_t size, int32_t* first, int32_t* second, uint32_t* weight);
     /// out = a * (257 - w) / 256 + b * w / 256 with the weights of `taps`; out may be a or b.
     void (*mix)(const uint32_t* a, const uint32_t* b, const uint32_t* weight, size_t count, uint32_t* out);
-    /// The same with one weight 1 to 256.
+    /// mix with one weight, 1 to 256, for all pixels.
     void (*mixBy)(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t count, uint32_t* out);
 
-    /// By layout: premultiplied words of the pixels of a row at the given columns; and of an image at points.
+    /// By layout: premultiplied words of the pixels of a row at the given columns, and of an image at points.
     void (*columns[kPixelLayoutCount])(const uint8_t* row, int32_t width, const int32_t* columns, size_t count,
                                        uint32_t* out);
     void (*points[kPixelLayoutCount])(const PixelGrid& grid, const int32_t* rows, const int32_t* columns, size_t count,
                                       uint32_t* out);
-    /// By interpolation, 0 nearest, 1 bilinear: what indices, or taps, points and mix, give for these coordinates, as
-    /// far as every pixel that counts lies inside the image, or to the end where both directions clamp, which images
-    /// of one or two columns may refuse. Returns how many points were done, from the first one on.
+    /// Fused fast path of indices and points, or of taps, points and mix; by interpolation, 0 nearest, 1 bilinear.
+    /// Returns how many leading points were done. It stops at the first point that needs a pixel outside the image,
+    /// unless both directions clamp: then it does all, or refuses images of one or two columns.
     SampleFunction sample[2][kPixelLayoutCount];
 };
 
@@ -96,7 +95,7 @@ GX_DECLARE_KERNEL_TABLES(PaintKernels, kPaintKernels)
 
 [[nodiscard]] inline const PaintKernels& ActivePaintKernels() noexcept { return KernelTable<PaintKernels>::Active(); }
 
-/// Longest stretch that the sources work on at once, in pixels.
+/// The longest span that the sources process at once, in pixels.
 inline constexpr size_t kPaintChunk = 256;
 
 } // namespace Graphics

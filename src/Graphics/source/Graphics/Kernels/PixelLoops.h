@@ -23,7 +23,7 @@ template <PixelLayout kLayout> constexpr int32_t kPixelBytes = kLayout == PixelL
 
 /// A stored word as a premultiplied pixel. The fourth byte of opaque layouts may hold anything until Finish sets it: mixing
 /// treats channels apart, so it reaches no other one.
-template <PixelLayout kLayout> GX_INLINE inline U32 Understand(U32 c) noexcept {
+template <PixelLayout kLayout> GX_INLINE inline U32 ToPremultiplied(U32 c) noexcept {
     return kLayout == PixelLayout::Straight ? Premultiply(c) : c;
 }
 template <PixelLayout kLayout> GX_INLINE inline U32 Finish(U32 c) noexcept {
@@ -65,7 +65,7 @@ void Columns(const uint8_t* row, int32_t width, const int32_t* columns, size_t c
         } else {
             c = Gather(row, at * kPixelBytes<kLayout>);
         }
-        StoreSome(out + k, lanes, Finish<kLayout>(Understand<kLayout>(c)));
+        StoreSome(out + k, lanes, Finish<kLayout>(ToPremultiplied<kLayout>(c)));
     });
 }
 
@@ -82,7 +82,7 @@ void Points(const PixelGrid& grid, const int32_t* rows, const int32_t* columns, 
             return;
         }
         const U32 c = Gather(grid.pixels, LoadSome<I32>(rows + k, lanes) * stride + at * kPixelBytes<kLayout>);
-        StoreSome(out + k, lanes, Finish<kLayout>(Understand<kLayout>(c)));
+        StoreSome(out + k, lanes, Finish<kLayout>(ToPremultiplied<kLayout>(c)));
     });
 }
 
@@ -127,7 +127,7 @@ private:
             c = Gather(m_grid.pixels, offsets + later);
             c = Select(later, c >> 8, c);
         }
-        StoreSome(m_out + k, lanes, Finish<kLayout>(Understand<kLayout>(c)));
+        StoreSome(m_out + k, lanes, Finish<kLayout>(ToPremultiplied<kLayout>(c)));
     }
 
     const PixelGrid& m_grid;
@@ -195,8 +195,8 @@ private:
             a = Select(later, a >> 16 | b << 16, a);
             b = second;
         }
-        a = Understand<kLayout>(a);
-        b = Understand<kLayout>(b);
+        a = ToPremultiplied<kLayout>(a);
+        b = ToPremultiplied<kLayout>(b);
     }
 
     GX_INLINE void Put(const U32* corners, U32 across, U32 down, size_t lanes, size_t k) const noexcept {

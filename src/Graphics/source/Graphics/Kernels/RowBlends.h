@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Row loops of the blend modes on plain targets and in groups, and of the result of a group.
+// Row loops of the blend modes, on plain targets and in groups, and of a group's result.
 #pragma once
 
 #include "RowBlocks.h"
@@ -8,7 +8,7 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// A premultiplied source, and what a blend needs of it alone.
+/// A premultiplied source, and the terms of the blend that depend on it alone.
 struct BlendSource {
     U32 c;
     U32 straight;
@@ -21,7 +21,7 @@ struct BlendSource {
     }
 };
 
-/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the plain form.
+/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the scalar form.
 template <class Mode> GX_INLINE inline U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
     const U32 as = Alpha(source.c);
     const U32 ab = Alpha(d);

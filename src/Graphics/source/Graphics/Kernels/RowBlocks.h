@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How the row loops of the vector sets walk a row: by whole vectors, and what remains at its end.
+// How the row loops of the vector sets split a row: whole vectors, then the rest.
 #pragma once
 
 #include "../Simd/Channels.h"
@@ -13,9 +13,9 @@ GX_INLINE inline void NarrowSome(uint8_t* p, size_t n, U32 v) noexcept {
     n == kLanes ? Narrow(p, v) : NarrowPart(p, n, v);
 }
 
-/// Calls step(i, n) over the whole blocks and leaves what remains to rest(i, n). Spans are short and touch each other:
-/// a masked store here would stall the next span's load, which reaches into the same register's width, for longer than
-/// the narrower set takes to do the pixels with stores of their exact size.
+/// Calls step(i, n) for the whole blocks and rest(i, n) for what remains. The rest goes to a narrower set, because
+/// spans are short and adjacent: a masked store would stall the next span's load, which overlaps the stored vector, for
+/// longer than the narrower set takes with stores of exact size.
 template <class Step, class Rest> GX_INLINE inline void ForWholeBlocks(size_t count, Step step, Rest rest) noexcept {
     size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
@@ -30,7 +30,7 @@ template <class Step, class Rest> GX_INLINE inline void ForWholeBlocks(size_t co
     }
 }
 
-/// The set for the last n pixels, without a stop at one that would hand them on.
+/// The set for the last n pixels: the one that does them, not one that would delegate again.
 GX_INLINE inline const RowKernels& Narrower(size_t n) noexcept {
     return KernelTable<RowKernels>::Made(n < 8 ? kNarrowestSet : kNarrowerSet);
 }
@@ -39,7 +39,7 @@ GX_INLINE inline const uint8_t* At(const uint8_t* shape, size_t i) noexcept {
     return shape != nullptr ? shape + i : nullptr;
 }
 
-/// Rows up to this length go to the narrowest set in the modes whose bodies are long.
+/// In modes with long bodies, rows up to this length go to the narrowest set.
 inline constexpr size_t kShortRow = 4;
 
 } // namespace

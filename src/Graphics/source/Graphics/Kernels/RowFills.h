@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Row loops that store without looking at what lies below.
+// Row loops that store without reading the target.
 #pragma once
 
 #include "RowBlocks.h"
@@ -7,8 +7,9 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// From here the processor's own string store is no slower, and far faster once the row exceeds the caches, since it
-/// does not read the lines first. Measured; non-temporal stores lose below that size and gain nothing above.
+/// From this count on the processor's string store is no slower, and far faster once the row exceeds the caches,
+/// because it does not read the lines first. Measured: non-temporal stores are slower below this size and no faster
+/// above.
 constexpr size_t kStringStoreCount = size_t{1} << 17;
 
 void Fill32(uint32_t* dst, uint32_t value, size_t count) {
@@ -23,7 +24,7 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) {
         return;
     }
 #endif
-    // First and last vector unaligned, overlapping the aligned ones between.
+    // The first and last vector are unaligned and overlap the aligned ones between them.
     uint32_t* const end = dst + count;
     Store(dst, v);
     uint32_t* p = dst + (kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes);
@@ -39,7 +40,7 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) {
     Store(end - kLanes, v);
 }
 
-void Expect(const uint32_t* dst, size_t count) {
+void Prefetch(const uint32_t* dst, size_t count) {
     constexpr size_t kLine = 16;
     for (size_t i = 0; i < count; i += kLine) {
         __builtin_prefetch(dst + i, 1);
@@ -52,7 +53,7 @@ void Expect(const uint32_t* dst, size_t count) {
     for (; rows != 0; --rows) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<char*>(dst) + strideBytes);
         if (ahead && rows > 1) {
-            Expect(next, count);
+            Prefetch(next, count);
         }
         Fill32(dst, value, count);
         dst = next;
@@ -81,7 +82,7 @@ void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) {
     });
 }
 
-/// Aligned stores: a row that starts anywhere else splits two lines at every one of them.
+/// Aligned stores: unaligned ones cross cache lines, vectors of 64 bytes at every store.
 void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
     const auto step = [=](size_t i) { Store(dst + i, Load(src + i * 4) | 0xFF000000U); };
     if (count < kLanes) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The row kernels of the software renderer: one table for each instruction set, the best chosen once.
+// The row kernels of the software renderer: one table for each instruction set; the best one is chosen once.
 //
 // Pixels are 32-bit premultiplied ARGB words; shape and mask values are bytes, 255 full. Scaling by a byte v is
-// (channel * (v + 1)) >> 8, by its complement (channel * (256 - v)) >> 8. Every entry takes any count from 0 and any
-// alignment, touches nothing outside its rows, and gives the same bits in every set. A null `shape` means 255
-// throughout. `dst` never overlaps `src`, `shape` or `mask` unless an entry says so.
+// (channel * (v + 1)) >> 8, by its complement (channel * (256 - v)) >> 8. Every entry accepts any count from 0 and any
+// alignment, accesses nothing outside its rows, and gives the same bits in every set. A null `shape` means 255
+// throughout. `dst` does not overlap `src`, `shape` or `mask` unless the entry allows it.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@
 
 namespace Graphics {
 
-/// Number of blend functions: the sixteen modes, and one more entry that is Normal by the general formula.
+/// Number of blend functions: the sixteen modes, and one entry for Normal by the general formula.
 inline constexpr size_t kBlendCount = 17;
 inline constexpr size_t kMaskTypeCount = 4;
 
@@ -31,46 +31,46 @@ struct LayerRowPlanes {
 struct RowKernels {
     /// dst = value
     void (*fill32)(uint32_t* dst, uint32_t value, size_t count);
-    /// The same in each of `rows` rows, from `dst` on at every `strideBytes`.
+    /// fill32 in each of `rows` rows, `strideBytes` apart.
     void (*fillBlock)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows);
-    /// Asks for the lines of a row that will be painted soon, and changes nothing. The rows of a block lie further
-    /// apart than a processor looks ahead by itself: outside the second cache, a block of 128 pixels square takes half
-    /// the time when each row is asked for while the one before is painted.
-    void (*expect)(const uint32_t* dst, size_t count);
+    /// Prefetches a row that will be painted soon; changes nothing. The rows of a block lie further apart than the
+    /// hardware prefetcher reaches: outside the second cache, a block of 128 x 128 pixels takes half the time if each
+    /// row is prefetched while the row before is painted.
+    void (*prefetch)(const uint32_t* dst, size_t count);
     /// dst |= 0xFF000000 where shape is not 0
     void (*setOpaque)(uint32_t* dst, const uint8_t* shape, size_t count);
-    /// dst = src | 0xFF000000; `src` may have any address.
+    /// dst = src | 0xFF000000; `src` needs no alignment.
     void (*copyOpaque)(uint32_t* dst, const uint8_t* src, size_t count);
 
     /// Normal over a basic target. Skips pixels whose shape or source alpha is 0; scales the source by shape when it
     /// is below 255; a transparent destination takes the source, otherwise d = d * (256 - as) >> 8 + c.
     void (*normalSolid)(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
-    /// normalSolid for each run of a row, at least one; `first` is the first run's first pixel. `all` is the active table,
-    /// which takes long runs.
+    /// normalSolid for each run of a row, at least one; `first` is the first run's first pixel. Long runs go to the
+    /// kernels of `all`, the active table.
     void (*solidRuns)(const RowKernels& all, uint32_t* first, uint32_t color, const CoverageRun* runs, size_t count);
-    /// normalSolid with shape in each of `rows` rows, both from one row to the next by strides in bytes.
+    /// normalSolid with shape in each of `rows` rows; both strides are in bytes.
     void (*normalSolidBlock)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape,
                              ptrdiff_t shapeStride, size_t count, size_t rows);
-    /// Normal over `rows` rows of `count` pixels, at least one: the first pixel of each row takes `left`, the last one
-    /// `right` (a single one `left`), those between `inner`. The colours are scaled by their coverage already; a
-    /// colour without alpha clears transparent pixels and leaves others, as coverage above 0 does in normalSolid.
+    /// Normal over `rows` rows of `count` pixels, at least one: the first pixel of each row takes `left`, the last
+    /// `right` (a single pixel takes `left`), those between `inner`. The colours are already scaled by their coverage.
+    /// A colour without alpha clears transparent pixels and leaves others, as coverage above 0 does in normalSolid.
     void (*solidRectangle)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right,
                            size_t count, size_t rows);
     void (*normalVarying)(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
-    /// The other modes over a basic target, by blend mode number; entry 0 is never used by the renderer, entry 16
-    /// serves every number above 15.
+    /// The other modes over a basic target, by blend mode number. The renderer does not use entry 0; entry 16 serves
+    /// every number above 15.
     void (*blend[kBlendCount])(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
-    /// The same with one colour for all pixels, what depends on it alone being found once for a row.
+    /// blend with one colour for all pixels; the terms that depend on it alone are computed once per row.
     void (*blendSolid[kBlendCount])(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
 
-    /// Drawing into a group: Normal, and the other modes as above.
+    /// Painting into a group: Normal, and the other modes by number as above.
     void (*layerNormal)(const LayerRowPlanes& row, const uint32_t* src, const uint8_t* shape, size_t count);
     void (*layerBlend[kBlendCount])(const LayerRowPlanes& row, const uint32_t* src, const uint8_t* shape, size_t count);
-    /// Rewrites a group's colour row into its result, alpha and colour divided by shape. `backdrop` null: isolated.
+    /// Turns a group's colour row into its result: alpha and colour divided by shape. `backdrop` null: isolated.
     void (*groupResult)(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, const uint32_t* backdrop,
                         size_t count);
 
-    /// values = mask value of each pixel: alpha, 255 - alpha, luminosity, 255 - luminosity.
+    /// values = mask value of each pixel, by type: alpha, 255 - alpha, luminosity, 255 - luminosity.
     void (*maskValues[kMaskTypeCount])(uint8_t* values, const uint32_t* pixels, size_t count);
     /// shape = shape * (mask + 1) >> 8 where mask < 255. `shape` and `mask` may be the same row.
     void (*scaleShape)(uint8_t* shape, const uint8_t* mask, size_t count);
@@ -80,10 +80,10 @@ struct RowKernels {
     void (*scaleColorBy)(uint32_t* color, uint32_t factor, size_t count);
     /// Straight to premultiplied: colour * (a + 1) >> 8 where a < 255. In place.
     void (*premultiply)(uint32_t* color, size_t count);
-    /// dst = scale(dst, 255 - shape) + scale(color, shape), shape 255 replaces: the share that a partly clipped pixel
-    /// takes of a cleared colour.
+    /// dst = scale(dst, 255 - shape) + scale(color, shape), shape 255 replaces: clears a pixel that the clip covers
+    /// partly.
     void (*replaceSolid)(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count);
-    /// Inverts the three colours of each pixel against its alpha, c = a - c, alpha kept: 255 - c on straight channels.
+    /// Inverts the colours of each pixel, c = a - c, and keeps alpha: this is 255 - c on straight channels.
     void (*invert)(uint32_t* dst, size_t count);
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The row kernels in plain C++: always built, and the measure of every other set.
+// The row kernels in plain C++: always built, and the reference for every other set.
 #include <cstring>
 
 #include "../Pixels/PixelMath.h"
@@ -26,7 +26,7 @@ void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t coun
     }
 }
 
-void Expect(const uint32_t*, size_t) noexcept {}
+void Prefetch(const uint32_t*, size_t) noexcept {}
 
 void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) noexcept {
     for (size_t i = 0; i < count; ++i) {
@@ -39,7 +39,7 @@ void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) noexcept {
     SetOpaque(dst, nullptr, count);
 }
 
-/// c is already scaled by the shape. Sums are 32-bit words, so what leaves a channel enters the next.
+/// c is already scaled by the shape. Sums are 32-bit words, so overflow of a channel carries into the next.
 uint32_t Over(uint32_t d, uint32_t c) noexcept { return Alpha(d) == 0 ? c : ScalePixel(d, 256U - Alpha(c)) + c; }
 
 void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
@@ -99,7 +99,7 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
 }
 
 /// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs) with alpha as + ab - as ab, each term truncated. One form serves
-/// every alpha: at 255 a complement scales a byte to 0, and t is the other alpha exactly.
+/// every alpha: at 255 a complement scales a byte to 0, and t is exactly the other alpha.
 template <class Mode> uint32_t BlendPixel(uint32_t d, uint32_t c) noexcept {
     const uint32_t as = Alpha(c);
     const uint32_t ab = Alpha(d);
@@ -127,7 +127,7 @@ template <class Mode> void BlendSolidRow(uint32_t* dst, uint32_t color, const ui
     }
 }
 
-/// Normal inside a group: source over what lies under it.
+/// Normal inside a group: source over the pixel below.
 struct LayerOver {
     static uint32_t Pixel(uint32_t under, uint32_t c) noexcept { return ScalePixel(under, 256U - Alpha(c)) + c; }
 };
@@ -173,7 +173,7 @@ uint32_t SubtractClamped(uint32_t x, uint32_t y) noexcept {
     return result;
 }
 
-/// Every byte b becomes min(b, v) * 255 / v.
+/// min(b, v) * 255 / v for every byte b.
 uint32_t DivideBy(uint32_t x, uint32_t v) noexcept {
     uint32_t result = 0;
     for (unsigned shift = 0; shift < 32; shift += 8) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The blend functions on vectors of straight pixels. Each gives the bits of its plain form in Blend.h: all lanes go
-// through every case, and masks select. The alpha byte of a result is undefined.
+// The blend functions on vectors of straight pixels, each with the bits of its scalar form in Blend.h. All lanes
+// compute every case, and masks select. The alpha byte of a result is undefined.
 #pragma once
 
 #include "../Simd/ChannelDivision.h"
@@ -13,17 +13,17 @@ GX_INLINE inline U32 HigherBytes(U32 a, U32 b) noexcept {
     const U8 y = (U8)b;
     return (U32)(x > y ? x : y);
 }
-/// Each byte a - b, at least 0.
+/// a - b for each byte, at least 0.
 GX_INLINE inline U32 SubtractClamped(U32 a, U32 b) noexcept { return (U32)((U8)a - (U8)LowerBytes(a, b)); }
 
-/// Products below 65536 of the low halves, the high halves 0.
+/// Products of the low halves, below 65536; the high halves are 0.
 GX_INLINE inline U32 Product(U32 a, U32 b) noexcept { return (U32)((U16)a * (U16)b); }
 /// a + b - ab on bytes.
 GX_INLINE inline U32 Union(U32 a, U32 b) noexcept { return a + b - (Product(a, b + 1U) >> 8); }
 
 // ---- Functions of single channels in 16-bit lanes ----
 
-/// Runs a function over both halves of each pixel, blue and red, then green and alpha.
+/// Applies a function to both halves of each pixel: blue and red, then green and alpha.
 template <class Function> struct Paired {
     GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
         const U16 even = Function::Of((U16)(b & 0x00FF00FFU), (U16)(s & 0x00FF00FFU));
@@ -54,7 +54,8 @@ struct Screen {
     GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return cs + cb - (((cb + 1U) * cs) >> 8); }
 };
 struct HardLight {
-    /// Above 127 the factor is 2 cs - 255 and the quotient is taken from the sum; below, the quotient is the result.
+    /// Above 127 the factor is 2 cs - 255 and the quotient is subtracted from the sum; below, the quotient is the
+    /// result.
     GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept {
         const U16 light = (U16)((I16)cs > 127);
         const U16 k = cs + cs - (light & 255U);
@@ -66,7 +67,7 @@ struct Overlay {
     GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return HardLight::Of(cs, cb); }
 };
 struct Exclusion {
-    /// 2p / 255 with p = cs cb up to 65025: twice p / 255, and one more when twice the remainder reaches 255.
+    /// 2p / 255 with p = cs cb up to 65025: twice p / 255, plus one if twice the remainder reaches 255.
     GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept {
         const U16 p = cs * cb;
         const U16 q = Divide255(p);
@@ -78,8 +79,8 @@ struct Exclusion {
 
 // ---- Functions of single channels in 32-bit lanes, for their divisions ----
 //
-// The quotient of two integers below 2^24, truncated after a correctly rounded division, is the integer quotient as
-// long as the gap to the next integer, 1 / divisor, exceeds half a unit in the last place: true for every pair here.
+// If a correctly rounded quotient of two integers below 2^24 is truncated, it is the integer quotient as long as the
+// gap to the next integer, 1 / divisor, exceeds half a unit in the last place: true for every pair here.
 
 template <class Function> struct Wide {
     GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
@@ -98,7 +99,7 @@ struct ColorBurn {
     }
 };
 struct ColorDodge {
-    /// cs = 255 leaves no room below, so it falls among the lanes that are 255.
+    /// For cs = 255 the room is 0, so the lane is among those set to 255.
     GX_INLINE static U32 Of(U32 cb, U32 cs) noexcept {
         const U32 room = 255U - cs;
         const I32 below = (I32)cb < (I32)room;
@@ -119,7 +120,7 @@ struct SoftLight {
     }
 };
 
-// ---- The modes that see a colour as a whole; operations in the order of the plain form ----
+// ---- The modes that act on a colour as a whole; operations in the order of the scalar form ----
 
 struct Rgb {
     F32 r, g, b;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Row loops of the Normal mode, the most frequent ones: one colour, or a colour for each pixel, over a row.
+// Row loops of the Normal mode, the most frequent ones: one colour, or one colour per pixel, over a row.
 #pragma once
 
 #include "../Pixels/PixelMath.h"
@@ -8,12 +8,12 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// d * (256 - as) >> 8 + c, or c where d is transparent.
+/// d * (256 - as) >> 8 + c; c if d is transparent.
 GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
     return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
 }
 
-/// normalSolid on at most one vector of pixels.
+/// normalSolid for at most one vector of pixels.
 GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
     const U32 s = WidenSome(shape, n);
     const U32 d = LoadSome(dst, n);
@@ -53,7 +53,7 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
 }
 
-/// One run of constant coverage, by which the colour is scaled already.
+/// One run of constant coverage; the colour is already scaled by it.
 GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t color, size_t n) noexcept {
     constexpr size_t kLongRun = 64;
     const bool opaque = color >> 24 == 255;
@@ -79,8 +79,8 @@ GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t
     }
 }
 
-/// Runs with shape are mostly one or two blocks of eight pixels: a set of eight lanes has loads and stores of their
-/// exact size, whose bytes the next run can read without waiting.
+/// Runs with shape mostly have one or two blocks of eight pixels. A set of eight lanes loads and stores exactly that
+/// size, so the next run can load the stored bytes without waiting.
 void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const CoverageRun* runs, size_t count) {
     if constexpr (kLanes > 8) {
         KernelTable<RowKernels>::Made(kNarrowerSet).solidRuns(all, first, color, runs, count);
@@ -119,7 +119,7 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {
         auto* row = reinterpret_cast<uint32_t*>(bytes);
         const uint8_t* s = shape;
-        // The next block over these pixels is many rows away: short masked stores stall nothing here.
+        // The next block over these pixels is many rows away, so short masked stores stall nothing here.
         ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid(row + i, c, s + i, n); });
     }
 }
@@ -135,18 +135,18 @@ struct SolidColumn {
     }
 };
 
-/// `inner` but for the first lane and lane `at`.
+/// `inner` in all lanes but the first, which takes `first`, and lane `at`, which takes `last`.
 GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
     const U32 lanes = Ascending();
     const U32 c = Select(lanes == static_cast<uint32_t>(at), Splat(last), Splat(inner));
     return SolidColumn(Select(IsZero(lanes), Splat(first), c));
 }
 
-/// Rows of more than a vector.
+/// For rows of more than one vector.
 [[gnu::noinline]] void SolidWideRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner,
                                           uint32_t right, size_t count, size_t rows) {
-    constexpr size_t kAheadFrom = 64;             // pixels: shorter rows follow each other too closely
-    constexpr size_t kAlignedFrom = 4 * kLanes;   // pixels: shorter rows are not worth the search for a border
+    constexpr size_t kAheadFrom = 64;             // pixels: in shorter rows there is no time to prefetch
+    constexpr size_t kAlignedFrom = 4 * kLanes;   // pixels: for shorter rows alignment does not pay
     const size_t tail = (count - 1) % kLanes + 1; // pixels of the last vector
     const size_t end = count - tail;
     const SolidColumn first = EdgeColumn(left, inner, inner, 0);
@@ -156,7 +156,7 @@ GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t
     for (; rows != 0; --rows) {
         auto* const next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + strideBytes);
         if (count >= kAheadFrom && rows > 1) {
-            Expect(next, count);
+            Prefetch(next, count);
         }
         first.Paint(dst, kLanes);
         if (!opaque) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Row loops that scale coverage and colours by masks and factors, and those that look at one pixel alone.
+// Row loops that scale coverage and colours by masks and factors, and those that act on single pixels.
 #pragma once
 
 #include "RowFills.h"
@@ -23,14 +23,14 @@ template <int kType> void MaskValues(uint8_t* values, const uint32_t* pixels, si
     ForBlocks(count, [=](size_t i, size_t n) { NarrowSome(values + i, n, MaskValue<kType>(LoadSome(pixels + i, n))); });
 }
 
-/// Each byte (byte * (m + 1)) >> 8 by the byte m of the same place.
+/// (byte * (m + 1)) >> 8 for each byte, by the byte m in the same place.
 GX_INLINE inline U32 ScaleBytes(U32 x, U32 m) noexcept {
     const U16 even = ((U16)(x & 0x00FF00FFU) * ((U16)(m & 0x00FF00FFU) + 1U)) >> 8;
     const U16 odd = (((U16)x >> 8) * (((U16)m >> 8) + 1U)) & 0xFF00U;
     return (U32)(even | odd);
 }
 
-/// Bytes by whole vectors, then by lanes.
+/// Whole vectors of bytes, then lanes.
 void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
     for (; count >= 4 * kLanes; count -= 4 * kLanes, shape += 4 * kLanes, mask += 4 * kLanes) {
         Store(shape, ScaleBytes(Load(shape), Load(mask)));

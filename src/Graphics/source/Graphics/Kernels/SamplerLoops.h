@@ -9,14 +9,14 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// Coordinates beyond 2^30 stop there, so that neither neighbour leaves the integers; NaN counts as 0.
+/// Clamps coordinates to +-2^30, so that both neighbours fit an integer; NaN becomes 0.
 GX_INLINE inline F32 Confine(F32 c) noexcept {
     const F32 limit = Splat(1073741824.0F);
     return Lower(Higher(Select(c == c, c, F32{}), -limit), limit);
 }
 
-/// Truncated, and one less for every negative coordinate: -1.0 gives -2. What was not confined and is too far, or NaN,
-/// gives at least 2^31 - 1 in unsigned numbers.
+/// Truncates and subtracts one for every negative coordinate: -1.0 gives -2. A coordinate that was not confined and is
+/// too large, or NaN, gives at least 2^31 - 1 as an unsigned number.
 GX_INLINE inline I32 IndexOf(F32 c) noexcept { return (I32)((U32)Truncate(c) + (U32)(c < F32{})); }
 
 /// The second neighbour's weight, 1 to 256, in both halves.
@@ -26,7 +26,7 @@ GX_INLINE inline U32 WeightOf(F32 at, I32 index) noexcept {
     return Spread(w);
 }
 
-/// The same for a truncated coordinate that is not negative: its fraction is below 1. `one` is 1 in both halves.
+/// WeightOf for a truncated coordinate that is not negative: its fraction is below 1. `one` is 1 in both halves.
 GX_INLINE inline U32 WeightInside(F32 at, I32 index, U32 one) noexcept {
     const F32 share = (at - __builtin_convertvector(index, F32)) * Splat(255.0F);
     return Twice((U32)Truncate(share)) + one;
@@ -38,7 +38,7 @@ GX_INLINE inline I32 ClampIndex(I32 i, int32_t size) noexcept {
     return Select(i < last, i, last);
 }
 
-/// Puts indices into [0, size) by repeating (1) or mirroring (2).
+/// Maps indices into [0, size) by repeating (1) or mirroring (2).
 template <int Mode> void Wrap(int32_t* index, size_t count, int32_t size) noexcept {
     int32_t lastIndex = 0;
     int32_t lastColumn = 0;
@@ -51,7 +51,7 @@ template <int Mode> void Wrap(int32_t* index, size_t count, int32_t size) noexce
             const int64_t near = static_cast<int64_t>(lastColumn) + i - lastIndex;
             int32_t column;
             if (near >= 0 && near < size) {
-                column = static_cast<int32_t>(near); // in the same tile as the one before
+                column = static_cast<int32_t>(near); // in the same tile as the previous one
             } else {
                 column = i % size;
                 column += column < 0 ? size : 0;
@@ -69,8 +69,8 @@ template <int Mode> void Wrap(int32_t* index, size_t count, int32_t size) noexce
     }
 }
 
-/// Two rows of two corners, mixed across, then down. A low product leaves its channel in the high byte of the half, a
-/// high product in the low one: taken in turns, they put each channel where the next step needs it.
+/// Mixes the corners of two rows, first across, then down. A low product leaves its channel in the high byte of the
+/// half, a high product in the low byte; alternating them puts each channel where the next step needs it.
 struct CornerMix {
     U16 low = Kept(U16{} + 0x00FFU);
     U16 high = Kept(U16{} + 0xFF00U);

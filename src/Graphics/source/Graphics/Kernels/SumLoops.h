@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Coordinates along a row are defined as repeated float additions, which is a serial chain. Inside one binade it can be
-// jumped: all values there are multiples of one unit u, so v + step rounds to v + D with the same D each time, as long
-// as step is not exactly half way between two multiples. Then the bit patterns of the terms are an arithmetic sequence.
+// Coordinates along a row are defined as repeated float additions, which form a serial chain. Within one binade the
+// chain can be skipped: all values there are multiples of one unit u, so v + step rounds to v + D with the same D each
+// time, unless step is exactly half way between two multiples. The bit patterns of the terms are then an arithmetic
+// sequence.
 #pragma once
 
 #include "../Simd/Vectors.h"
@@ -13,18 +14,18 @@ namespace {
 GX_INLINE inline uint32_t BitsOf(float v) noexcept { return __builtin_bit_cast(uint32_t, v); }
 GX_INLINE inline float FloatOf(uint32_t bits) noexcept { return __builtin_bit_cast(float, bits); }
 
-/// How many terms after v follow by adding the same whole number to the bit pattern; 0 where that is not certain.
+/// How many terms after v follow by adding the same integer to the bit pattern; 0 if that is not certain.
 inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept {
     const uint32_t from = BitsOf(v);
     const uint32_t to = BitsOf(next);
-    if (to == from) { // whatever it is: the same sum gives the same again
+    if (to == from) { // for any value: the same sum gives the same result again
         return most;
     }
     const uint32_t exponent = (from >> 23) & 255;
     if (((from ^ to) & 0xFF800000U) != 0 || exponent == 0 || exponent == 255) {
         return 0;
     }
-    // Half a unit of the binade, 2^(exponent - 127 - 24), and the part of step that rounding drops; both exact.
+    // Half a unit of the binade, 2^(exponent - 127 - 24), and the part of step that rounding drops; both are exact.
     const uint64_t halfBits = static_cast<uint64_t>(exponent + 1023 - 127 - 24) << 52;
     const auto half = __builtin_bit_cast(double, halfBits);
     const double dropped = static_cast<double>(step) - (static_cast<double>(next) - static_cast<double>(v));
@@ -32,22 +33,22 @@ inline size_t SteadyTerms(float v, float next, float step, size_t most) noexcept
         return 0;
     }
     const uint32_t mantissa = from & 0x007FFFFFU;
-    // The lower end of the binade itself is left out: below it the grid is finer, and rounding may stop short of it.
+    // The lower end of the binade is excluded: below it the grid is finer, so a step across it may round differently.
     const uint32_t steady = to > from ? (0x007FFFFFU - mantissa) / (to - from) : (mantissa - 1) / (from - to);
     return steady < most ? steady : most;
 }
 
-/// Jumps over fewer terms are slower than additions.
+/// Skipping fewer terms is slower than adding.
 constexpr size_t kSerial = 8;
 
-/// Terms on their way to `out`, a stretch at a time.
+/// A sum that writes its terms to `out`, several at a time.
 struct Sum {
     float v;
     float step;
     float* out;
     size_t left;
 
-    /// The terms that follow by one jump, or else a few by adding.
+    /// Writes the terms of one skip, or else a few by adding.
     GX_INLINE void Advance() noexcept {
         const float next = v + step;
         const size_t steady = left > kSerial ? SteadyTerms(v, next, step, left - 1) : 0;
@@ -83,7 +84,7 @@ float Accumulate(float v, float step, float* out, size_t count) {
     return sum.v;
 }
 
-/// Both coordinates of points, whose chains thus run side by side.
+/// Both coordinates of points; the two chains run in parallel.
 SamplePoint AccumulatePoints(SamplePoint at, SamplePoint step, float* u, float* v, size_t count) {
     Sum across{at.u, step.u, u, count};
     Sum down{at.v, step.v, v, count};

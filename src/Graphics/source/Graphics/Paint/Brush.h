@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What colours the covered pixels. A brush is filled in by the function that makes it and shared as const from then on,
-// so that any number of threads may draw with it.
+// The paint of a draw. The function that makes a brush fills it in; from then on it is shared as const, so that any
+// number of threads may draw with it.
 #pragma once
 
 #include <memory>
@@ -23,20 +23,20 @@ public:
     [[nodiscard]] virtual uint32_t Kind() const noexcept = 0;
 
     Matrix transform = kIdentity; ///< brush space to user space
-    float opacity = 1.0F;         ///< multiplies the alpha of every colour; any value, as the host gave it
+    float opacity = 1.0F;         ///< multiplies the alpha of every colour; may be any value
 };
 
-/// One colour, straight, each channel in [0, 1]. The opacity is part of it.
+/// One straight colour, each channel in [0, 1]. The opacity is included.
 class SolidBrush final : public Brush {
 public:
     explicit SolidBrush(const Color& c) noexcept : color(c), argb(PackColor(c)) {}
     [[nodiscard]] uint32_t Kind() const noexcept override { return kBrushSolid; }
 
     const Color color;
-    const uint32_t argb; ///< the same, packed: every draw asks for it
+    const uint32_t argb; ///< the same colour, packed, because every draw needs it
 };
 
-/// Brush space is that of the bitmap's pixels. Later changes of the pixels are seen.
+/// Brush space is that of the bitmap's pixels. Later changes of the pixels take effect.
 class BitmapBrush final : public Brush {
 public:
     explicit BitmapBrush(std::shared_ptr<Bitmap> b) noexcept : bitmap(std::move(b)) {}

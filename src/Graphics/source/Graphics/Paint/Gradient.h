@@ -22,13 +22,13 @@ public:
 /// The common part of linear and radial gradients; `start` and `end` are the ends of the axis or the circles' centres.
 class TwoPointGradientBase : public Gradient {
 public:
-    Color background{0.0F, 0.0F, 0.0F, 1.0F}; ///< straight; counts only with `hasBackground`
+    Color background{0.0F, 0.0F, 0.0F, 1.0F}; ///< straight; used only with `hasBackground`
     bool hasBackground = false;
     GradientStopCollection stops;
     Point start{0.0F, 0.0F};
     Point end{0.0F, 0.0F};
-    bool extendStart = false; ///< the colour at 0 goes on where t < 0
-    bool extendEnd = false;   ///< the colour at 1 goes on where t > 1
+    bool extendStart = false; ///< the colour at 0 extends to t < 0
+    bool extendEnd = false;   ///< the colour at 1 extends to t > 1
 };
 
 class LinearGradient final : public TwoPointGradientBase {
@@ -44,14 +44,14 @@ public:
     float endRadius = 0.0F;
 };
 
-/// Every three vertices are a triangle; one or two left over at the end are ignored.
+/// Every three vertices form a triangle; one or two left over at the end are ignored.
 class TriMeshGradient final : public Gradient {
 public:
     [[nodiscard]] uint32_t Kind() const noexcept override { return kGradientTriMesh; }
 
     std::vector<GXTriMeshVertex> vertices; ///< straight ARGB colours
     Color background{0.0F, 0.0F, 0.0F,
-                     0.0F}; ///< as the host gave it; the area outside the triangles is the host's to paint
+                     0.0F}; ///< stored for the host, which paints the area outside the triangles itself
 };
 
 } // namespace Graphics

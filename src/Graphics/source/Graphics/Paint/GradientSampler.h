@@ -6,12 +6,12 @@
 
 namespace Graphics {
 
-/// The stretch lower < t <= upper between two neighbouring stops. Inside it the colour is one formula,
+/// The interval lower < t <= upper between two neighbouring stops. Its colours follow one formula,
 ///     w = (truncate((upper - t) / (upper - lower) * 255) & 255) + 1
 ///     c = (lowerColor * w >> 8) + (upperColor * (257 - w) >> 8)   for each channel,
-/// which at t = upper gives w = 1 and so `upperColor` itself. Before the first stop both colours are the first one's
-/// and `lower` is minus infinity (w = 1); behind the last one both are 0 and `upper` is infinity. A NaN `upper` ends
-/// nowhere.
+/// which at t = upper gives w = 1 and so `upperColor` itself. Before the first stop both colours are the first stop's
+/// and `lower` is minus infinity (w = 1); behind the last stop both are 0 and `upper` is infinity. With a NaN `upper`
+/// the interval has no end.
 struct GradientInterval {
     float lower;
     float upper;
@@ -26,14 +26,14 @@ public:
     /// The stops must outlive the sampler.
     explicit GradientSampler(const GradientStopCollection& stops) noexcept : m_stops(&stops) {}
 
-    /// The plain lookup: a search for each call. 0 above the last offset and where there are no stops; the first stop's
-    /// colour below the first offset; the colour of the stop that was added first where offsets are met exactly.
+    /// The reference lookup: one search per call. Gives 0 above the last offset and without stops, the first stop's
+    /// colour below the first offset, and at an offset exactly the colour of the stop that was added first with it.
     [[nodiscard]] uint32_t ColorAt(float t) const noexcept;
 
-    /// The interval that holds t; one search serves every t that it contains, with the same colours as ColorAt.
+    /// The interval that contains t; one search serves every t in it, with the same colours as ColorAt.
     [[nodiscard]] GradientInterval IntervalAt(float t) const noexcept;
 
-    /// True when every t in [0, 1] has alpha 255.
+    /// True if every t in [0, 1] has alpha 255.
     [[nodiscard]] bool IsOpaque() const noexcept;
 
 private:

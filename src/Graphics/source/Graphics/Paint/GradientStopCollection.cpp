@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One stable sort instead of an insertion for each stop: n log n also when the host passes them backwards.
+// Sorts once instead of inserting stop by stop: O(n log n) also if the host passes them in reverse order.
 #include "GradientStopCollection.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The colour stops of a gradient in the order of their offsets.
+// The colour stops of a gradient, sorted by offset.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,11 @@ namespace Graphics {
 
 using GradientStop = GXGradientStop;
 
-/// Sorted by offset; equal offsets stay in the order in which they came; NaN offsets come last. Offsets are taken as
-/// they are, inside [0, 1] or not.
+/// Stops with equal offsets stay in the order in which they were added; NaN offsets come last. Offsets outside [0, 1]
+/// are allowed.
 class GradientStopCollection {
 public:
-    /// Raises the container's length error, or that of memory, when there are too many.
+    /// Raises a length error or "Not enough memory" if there are too many.
     void Add(const GradientStop* stops, uint64_t count);
 
     [[nodiscard]] const GradientStop* begin() const noexcept { return m_stops.data(); }

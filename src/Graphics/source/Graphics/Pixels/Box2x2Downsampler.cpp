@@ -15,10 +15,11 @@ template <class T> [[nodiscard]] T Load(const uint8_t* p) noexcept {
     return v;
 }
 
-// Channels two apart share a word: four bytes and the rounding term stay below 2^10, so none reaches its neighbour.
+// Channels two bytes apart share a word: four bytes plus the rounding term stay below 2^10, so none carries into
+// another.
 constexpr uint64_t kEven = 0x00FF00FF00FF00FFU;
 
-/// Means of the two whole blocks in an eight byte column pair of two rows: for 32-bit pixels one result.
+/// Means of the two whole blocks in eight bytes of two rows; for 32-bit pixels this is one result.
 [[nodiscard]] uint32_t Mean32(uint64_t top, uint64_t bottom) noexcept {
     const uint64_t even = (top & kEven) + (bottom & kEven);
     const uint64_t odd = (top >> 8 & kEven) + (bottom >> 8 & kEven);
@@ -27,8 +28,8 @@ constexpr uint64_t kEven = 0x00FF00FF00FF00FFU;
     return (evenSum >> 2 & 0x00FF00FFU) | (oddSum << 6 & 0xFF00FF00U);
 }
 
-/// `whole` blocks of two columns, then a lone column when `lone`. A missing row is given as the first one again, and a
-/// missing column counts as its neighbour: (2 a + 2 b + 2) / 4 is the rounded mean of the two that exist.
+/// `whole` blocks of two columns, then a single column if `lone`. A missing row is passed as the first one again, and a
+/// missing column counts as its neighbour: (2 a + 2 b + 2) / 4 is the rounded mean of the two existing pixels.
 void Row32(uint8_t* dst, const uint8_t* top, const uint8_t* bottom, size_t whole, bool lone) noexcept {
     for (size_t i = 0; i < whole; ++i) {
         const uint32_t mean = Mean32(Load<uint64_t>(top + i * 8), Load<uint64_t>(bottom + i * 8));

@@ -6,7 +6,7 @@ namespace {
 
 [[nodiscard]] std::vector<uint32_t> Copy(const uint32_t* colors, size_t count) {
     std::vector<uint32_t> copy;
-    copy.reserve(count); // refuses a count whose bytes have no size before the end of the source is computed
+    copy.reserve(count); // rejects counts for which computing the end of the source would overflow
     copy.assign(colors, colors + count);
     return copy;
 }

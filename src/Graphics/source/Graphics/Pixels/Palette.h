@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The colours of indexed bitmaps: an immutable list, shared by the bitmaps that use it.
+// The colours of indexed bitmaps: an immutable list that bitmaps share.
 #pragma once
 
 #include <vector>

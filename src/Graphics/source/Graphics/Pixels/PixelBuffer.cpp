@@ -8,7 +8,7 @@ namespace Graphics {
 
 PixelBuffer::PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed)
     : m_bitsPerPixel(bitsPerPixel) {
-    // 64 bits throughout: the magnitude of the smallest 32-bit number has no 32-bit form.
+    // 64 bits, because the magnitude of the smallest int32_t does not fit in one.
     const int64_t w = width < 0 ? -static_cast<int64_t>(width) : width;
     const int64_t h = height < 0 ? -static_cast<int64_t>(height) : height;
     if (w == 0 || h == 0) {

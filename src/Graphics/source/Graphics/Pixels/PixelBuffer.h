@@ -10,8 +10,8 @@ namespace Graphics {
 
 class PixelBuffer {
 public:
-    /// Takes the magnitudes of width and height. The pixels are cleared only where `zeroed` says so. Raises "Invalid
-    /// bitmap dimensions" for a size of zero, "Bitmap is too big" from 2 GiB on.
+    /// Width and height count by their magnitudes. The pixels are cleared only if `zeroed`. Raises "Invalid bitmap
+    /// dimensions" for a size of zero, "Bitmap is too big" from 2 GiB on.
     PixelBuffer(int32_t width, int32_t height, uint32_t bitsPerPixel, bool zeroed = false);
     PixelBuffer(const PixelBuffer&) = delete;
     PixelBuffer& operator=(const PixelBuffer&) = delete;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The plain converters, which define the result of every set.
+// The scalar converters, which define the result of every set.
 #include "PixelConversion.h"
 
 #include <cstring>
@@ -20,12 +20,12 @@ namespace {
 
 void Store32(uint8_t* p, uint32_t v) noexcept { std::memcpy(p, &v, 4); }
 
-/// Luminance of the 32-bit formats, (30 R + 59 G + 11 B) / 100 on the stored bytes. BGR24 weighs differently, below.
+/// Luminance of the 32-bit formats, (30 R + 59 G + 11 B) / 100 on the stored bytes. BGR24 has other weights, see below.
 [[nodiscard]] uint32_t Grey(uint32_t p) noexcept {
     return (30 * (p >> 16 & 255U) + 59 * (p >> 8 & 255U) + 11 * (p & 255U)) / 100;
 }
 
-/// Writes the bits that `bit(i)` gives, eight at a time, leaving the neighbours in the first and last byte alone.
+/// Writes the bits given by `bit(i)`, eight at a time; other bits in the first and last byte do not change.
 template <class Bit> void WriteBits(uint8_t* dst, uint32_t dstBit, size_t count, Bit bit) {
     size_t i = 0;
     while (i < count) {
@@ -187,8 +187,8 @@ using namespace PixelRows;
 constexpr uint32_t kWhite = 0xFFFFFFFFU;
 constexpr uint32_t kBlack = 0xFF000000U;
 
-// Rows: source, columns: destination. Same-format pairs other than straight alpha do not convert, nor do indexed
-// sources: a caller copies the bytes or looks the colours up itself.
+// Rows: source, columns: destination. Same-format pairs other than straight alpha are not converted, nor are indexed
+// sources: the caller copies the bytes or looks up the colours.
 constexpr ConversionKernels kPlain = {{
     {},
     {nullptr, Bad, AddAlpha24, AddAlpha24, AddAlpha24, Bad, Bad, Grey24, Bad, Bad, Bad},
@@ -229,7 +229,7 @@ void PixelConversion::CopyBits(uint8_t* dst, uint32_t dstBit, const uint8_t* src
                                size_t count) noexcept {
     while (count != 0) {
         const auto n = static_cast<uint32_t>(count < 8 - dstBit ? count : 8 - dstBit);
-        // The next n bits, gathered from one byte or two; the second is touched only when its bits are wanted.
+        // The next n bits, from one or two bytes; the second byte is read only if its bits are needed.
         uint32_t bits = static_cast<uint32_t>(src[0]) << 8;
         if (srcBit + n > 8) {
             bits |= src[1];

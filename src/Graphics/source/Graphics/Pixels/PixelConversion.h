@@ -11,29 +11,29 @@
 namespace Graphics {
 
 /// Converts `count` pixels, any alignment. In one-bit formats the first pixel is bit `srcBit` or `dstBit` (0 to 7,
-/// counted from the most significant bit) of the first byte, and only the bits of the row's own pixels are written;
-/// other formats ignore the offsets. Rows may be the same where both formats have the same width; rows that overlap
-/// otherwise are read and written pixel by pixel from the left.
+/// counted from the most significant bit) of the first byte, and only the row's own bits are written; other formats
+/// ignore the offsets. Both rows may be the same if both formats have the same width; rows that overlap otherwise are
+/// processed pixel by pixel from the left.
 using RowConverter = void (*)(uint8_t* dst, uint32_t dstBit, const uint8_t* src, uint32_t srcBit, size_t count);
 
 struct ConversionKernels {
-    /// [source][destination]; null where the set has no row of its own, and at Unknown.
+    /// [source][destination]; null at Unknown, and for pairs that the set does not vectorise.
     RowConverter rows[kPixelFormatCount][kPixelFormatCount];
 };
 GX_DECLARE_KERNEL_TABLES(ConversionKernels, kConversions)
 
 class PixelConversion {
 public:
-    /// A set's converter, or the plain one; null when a format is outside 1..10. A pair that does not convert has a
-    /// converter that raises "Bad format conversion".
+    /// The set's converter, or else the scalar one; null if a format is outside 1..10. For a pair that cannot be
+    /// converted, the converter raises "Bad format conversion".
     [[nodiscard]] static RowConverter
     Find(GXPixelFormat from, GXPixelFormat to,
          const ConversionKernels& kernels = KernelTable<ConversionKernels>::Active()) noexcept;
 
-    /// Whether the pair has a converter that converts.
+    /// Whether the pair can be converted.
     [[nodiscard]] static bool Converts(GXPixelFormat from, GXPixelFormat to) noexcept;
 
-    /// Copies bits between one-bit rows whatever their formats are.
+    /// Copies bits between one-bit rows, whatever their formats.
     static void CopyBits(uint8_t* dst, uint32_t dstBit, const uint8_t* src, uint32_t srcBit, size_t count) noexcept;
 };
 

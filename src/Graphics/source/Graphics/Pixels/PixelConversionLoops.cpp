@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The row converters of one instruction set: by whole vectors and then part of one, but for triples.
+// The row converters of one instruction set: whole vectors, then a partial one; triples end with narrower vectors.
 #include "../Simd/ChannelDivision.h"
 #include "PixelRows.h"
 
@@ -7,8 +7,8 @@ namespace Graphics {
 namespace GX_SIMD_NAMESPACE {
 namespace {
 
-/// A block is read whole before it is written, which a pixel by pixel loop over overlapping rows would not do. The same
-/// row in place is no such case when its pixels keep their width.
+/// True if rows overlap so that pixels must be converted one by one: a block is read as a whole before it is written,
+/// which would change the result. Converting a row in place is safe if its pixels keep their width.
 bool MustGoByPixel(const uint8_t* dst, size_t dstBytes, const uint8_t* src, size_t srcBytes) noexcept {
     if (dst == src && dstBytes == srcBytes) {
         return false;
@@ -48,7 +48,7 @@ void MapToBytes(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t cou
     }
 }
 
-/// Bytes to 32-bit pixels: the byte in all four places, some bits always set.
+/// Bytes to 32-bit pixels: the byte in all four places, with the bits kOnes set.
 template <RowConverter kPlain, uint32_t kOnes>
 void MapBytes(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count) {
     if (MustGoByPixel(dst, count * 4, src, count)) {
@@ -94,7 +94,7 @@ void UnpremultiplyDropAlpha(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t
         PixelRows::UnpremultiplyDropAlpha(dst, 0, src, 0, count);
         return;
     }
-    // Each word's fourth byte is overwritten by the next pixel, but for the last one's.
+    // Each word's fourth byte is overwritten by the next pixel, except the last one's.
     ForBlocksOnce(count, [=](size_t i, size_t n) GX_INLINE {
         uint8_t straight[kLanes * 4];
         Store(straight, Unpremultiply(LoadSome(src + i * 4, n)));
@@ -108,8 +108,8 @@ void UnpremultiplyDropAlpha(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t
     });
 }
 
-/// Triples to opaque pixels. A vector's load reaches beyond its own triples: the row's last pixels are left to narrower
-/// vectors and at last to the plain converter.
+/// Triples to opaque pixels. A vector's load reads beyond its own triples, so the row's last pixels are left to
+/// narrower vectors and finally to the scalar converter.
 void AddAlpha24(uint8_t* dst, uint32_t, const uint8_t* src, uint32_t, size_t count) {
     constexpr size_t kPixels = (kTripleReach + 2) / 3;
     size_t i = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What follows from a pixel format's number alone.
+// Properties that follow from a pixel format's number.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ inline constexpr uint32_t kPixelFormatCount = 11;
     return format > GXPixelFormatUnknown && format < kPixelFormatCount;
 }
 
-/// 1, 8, 24 or 32; -1 for a number that is no format.
+/// 1, 8, 24 or 32; -1 for an invalid number.
 [[nodiscard]] constexpr int32_t BitsPerPixel(GXPixelFormat format) noexcept {
     constexpr int8_t kBits[kPixelFormatCount] = {-1, 24, 32, 32, 32, 8, 8, 8, 1, 1, 1};
     return format < kPixelFormatCount ? kBits[format] : -1;
@@ -25,7 +25,7 @@ inline constexpr uint32_t kPixelFormatCount = 11;
     return format == GXPixelFormatIndexed8 || format == GXPixelFormatIndexed1;
 }
 
-/// Bytes that hold `width` pixels starting at a byte. `format` is valid and `width` not negative.
+/// The bytes of `width` pixels that start at a byte. `format` is valid and `width` is not negative.
 [[nodiscard]] constexpr size_t RowBytes(GXPixelFormat format, int32_t width) noexcept {
     return (static_cast<size_t>(width) * static_cast<size_t>(BitsPerPixel(format)) + 7) / 8;
 }

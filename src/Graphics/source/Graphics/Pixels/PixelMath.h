@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The 8-bit operations on one ARGB word, two 16-bit lanes at a time. They have internal linkage, because this header is
-// also compiled with the flags of wider instruction sets: no copy made there may serve the rest of the program.
+// 8-bit operations on one ARGB word, two 16-bit lanes at a time. They have internal linkage because this header is also
+// compiled with the flags of wider instruction sets: the linker must not use such a copy for the rest of the program.
 #pragma once
 
 #include <cstdint>
@@ -14,12 +14,12 @@ namespace Graphics {
     return ag | rb;
 }
 
-/// Red, green and blue times (alpha + 1) / 256; alpha stays. Opaque pixels come out as they are.
+/// Red, green and blue times (alpha + 1) / 256; alpha is kept. Opaque pixels do not change.
 [[nodiscard]] static inline uint32_t PremultiplyPixel(uint32_t c) noexcept {
     return (c & 0xFF000000U) | (ScalePixel(c, (c >> 24) + 1) & 0x00FFFFFFU);
 }
 
-/// Straight colours of a premultiplied pixel: min(c, a) * 255 / a, truncated; a pixel of alpha 0 stays as it is.
+/// Straight colours of a premultiplied pixel: min(c, a) * 255 / a, truncated; a pixel of alpha 0 does not change.
 [[nodiscard]] static inline uint32_t UnpremultiplyPixel(uint32_t x) noexcept {
     const uint32_t a = x >> 24;
     if (a == 0 || a == 255) {

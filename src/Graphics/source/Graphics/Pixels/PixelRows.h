@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The plain row converters that the vector sets fall back on for overlapping rows. Declarations only: nothing here may
-// be compiled with one set's flags and then be picked by the linker for all.
+// The scalar row converters that the vector sets use for overlapping rows. Declarations only: a definition here would
+// be compiled with one set's flags, and the linker might use it for all.
 #pragma once
 
 #include "PixelConversion.h"

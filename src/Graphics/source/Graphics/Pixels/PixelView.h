@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A rectangle of pixels in memory that somebody else owns.
+// A rectangle of pixels in memory owned by the caller.
 #pragma once
 
 #include <cstddef>
@@ -8,9 +8,9 @@
 
 namespace Graphics {
 
-/// Rows run top-down, `strideBytes` apart (may be any number, negative included). In one-bit formats the leftmost pixel
-/// of a byte is its most significant bit and the first pixel is bit `bitOffset` (0 to 7, counted from that end) of
-/// `data`. `palette` has `paletteCount` straight ARGB colours, or is null.
+/// Rows run top-down, `strideBytes` apart (any number, also negative). In one-bit formats the leftmost pixel of a byte
+/// is its most significant bit, and the first pixel is bit `bitOffset` (0 to 7, counted from that end) of `data`.
+/// `palette` has `paletteCount` straight ARGB colours, or is null.
 struct PixelView {
     uint8_t* data = nullptr;
     ptrdiff_t strideBytes = 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The run structure of a region: horizontal bands from top to bottom, each with its intervals from left to right, and
-// the one algorithm by which two of them are combined.
+// the algorithm that combines two of them.
 //
 // Canonical form, so that equal areas have equal bands: intervals neither touch nor overlap; no band is empty; bands
 // are disjoint; bands that touch differ in their intervals. Right and bottom are exclusive.
@@ -30,11 +30,11 @@ struct Band {
 using Bands = Sequence<Band>;
 
 [[nodiscard]] Bands MakeBands(const IntRect& rect);
-/// The same bands elsewhere; every coordinate stays in range.
+/// The bands moved by (dx, dy); every coordinate stays in range.
 [[nodiscard]] Bands MoveBands(const Bands& bands, int64_t dx, int64_t dy);
-/// Both have at least one band. Bands of `a` above and below `b` are shared, not copied.
+/// Both must have at least one band. Bands of `a` above and below `b` are shared, not copied.
 [[nodiscard]] Bands CombineBands(const Bands& a, const Bands& b, RegionOp op);
-/// Whether b lies wholly in a; whether they share a pixel. Nothing is built.
+/// Whether b lies wholly in a; whether they share a pixel. Neither allocates.
 [[nodiscard]] bool BandsContain(const Bands& a, const Bands& b) noexcept;
 [[nodiscard]] bool BandsIntersect(const Bands& a, const Bands& b) noexcept;
 

@@ -70,7 +70,7 @@ bool Region::HasIntersection(const Region& o) const {
 void Region::Offset(int32_t dx, int32_t dy) {
     const auto clamp = [](int64_t v) { return static_cast<int32_t>(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
     const auto back = [&](int32_t end, int32_t by) { return clamp(static_cast<int64_t>(end) - by); };
-    // What stays in range, where it is now.
+    // The part that stays in range, at its present place.
     const IntRect window{back(INT32_MIN, dx), back(INT32_MIN, dy), back(INT32_MAX, dx), back(INT32_MAX, dy)};
     Region kept = Covers(window, m_bound) ? *this : Combine(*this, Region(window), RegionOp::Intersection);
     if (!kept.IsAreaEmpty()) {
@@ -85,7 +85,7 @@ void Region::Offset(int32_t dx, int32_t dy) {
 }
 
 Region Region::Combine(const Region& a, const Region& b, RegionOp op) {
-    const bool apart = IsEmpty(Graphics::Intersect(a.m_bound, b.m_bound)); // and where one is empty
+    const bool apart = IsEmpty(Graphics::Intersect(a.m_bound, b.m_bound)); // also if one is empty
     if (op == RegionOp::Intersection) {
         if (apart) {
             return {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A set of whole pixels: a bound, and a shared run structure where one rectangle does not say it all.
+// A set of whole pixels: its bounding rectangle, and a shared run structure unless it is that rectangle.
 #pragma once
 
 #include "Bands.h"
@@ -9,13 +9,13 @@ namespace Graphics {
 class Region {
 public:
     Region() noexcept = default;
-    /// Empty for a rectangle without area.
+    /// The region is empty if the rectangle has no area.
     explicit Region(const IntRect& rect) noexcept : m_bound(IsEmpty(rect) ? IntRect{} : rect) {}
 
     [[nodiscard]] bool IsAreaEmpty() const noexcept { return IsEmpty(m_bound); }
-    /// Tight; (0, 0, 0, 0) for an empty region.
+    /// The smallest rectangle around the region; (0, 0, 0, 0) for an empty region.
     [[nodiscard]] const IntRect& Bound() const noexcept { return m_bound; }
-    /// Asks the bound alone, all four sides included.
+    /// Tests only the bound, including all four sides.
     [[nodiscard]] bool Contains(const IntPoint& p) const noexcept {
         return p.x >= m_bound.left && p.x <= m_bound.right && p.y >= m_bound.top && p.y <= m_bound.bottom;
     }
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool Contains(const Region& o) const;
     [[nodiscard]] bool HasIntersection(const Region& o) const;
 
-    /// Moves the region. Coordinates stop at the ends of their range: what is pushed beyond is cut off.
+    /// Moves the region. Coordinates are limited to their range: parts moved beyond it are cut off.
     void Offset(int32_t dx, int32_t dy);
 
     [[nodiscard]] static Region Combine(const Region& a, const Region& b, RegionOp op);
@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    /// What must be added to the bands' coordinates. Sums of coordinates need 64 bits.
+    /// The offset to add to the bands' coordinates. Sums need 64 bits.
     struct Shift {
         int64_t x = 0, y = 0;
         friend bool operator==(const Shift&, const Shift&) = default;
@@ -56,7 +56,7 @@ private:
 
     Region(const Bands& bands, const Shift& shift);
     [[nodiscard]] bool IsRect() const noexcept { return m_bands.Empty(); }
-    /// The shift under which both can be stored: that of the one with more bands, so that it is not rewritten.
+    /// The shift under which both can be stored: that of the region with more bands, which then need not be rewritten.
     [[nodiscard]] static Shift CommonShift(const Region& a, const Region& b) noexcept;
     [[nodiscard]] Bands BandsUnder(const Shift& shift) const;
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// A sorted, immutable sequence that shares its unchanged parts with the sequences it was made from, so that replacing a
-// few elements of a hundred thousand costs the few and a path, not a copy of all.
+// A sorted, immutable sequence that shares unchanged parts with the sequences it was made from: replacing a few
+// elements of a hundred thousand costs those few and a path of nodes, not a copy of all.
 //
 //            inner          A balanced tree (sibling heights differ by at most 1) whose leaves hold the elements in
-//           /     \         runs of up to kLeaf. Nodes never change; a new sequence takes new leaves where it differs,
-//       inner     leaf      new inner nodes on the way there, and counts one more owner of everything else. Leaves are
-//      /     \   e e e e    cut and refilled whole, which keeps them from crumbling.
+//           /     \         runs of up to kLeaf. Nodes never change; a new sequence has new leaves where it differs and
+//       inner     leaf      inner nodes on the path to them, and shares all other nodes by reference count. Changed
+//      /     \   e e e e    leaves are split and refilled as a whole, which keeps them from becoming too small.
 //   leaf    leaf
-//   e e e   e e e e         T is copyable without throwing and has Left() and Right(), whose extremes every node knows.
+//   e e e   e e e e         T is copyable without throwing; every node stores the extremes of its Left() and Right().
 #pragma once
 
 #include <algorithm>
@@ -84,10 +84,10 @@ public:
     [[nodiscard]] int32_t Right() const noexcept { return m_root->right; }
     /// Levels above the leaves: under 1.45 log2 of their number.
     [[nodiscard]] uint32_t Height() const noexcept { return m_root ? m_root->height : 0; }
-    /// Whether both are the very same elements in memory: then they are equal.
+    /// Whether both share all elements in memory, and are therefore equal.
     [[nodiscard]] bool Shares(const Sequence& o) const noexcept { return m_root.Get() == o.m_root.Get(); }
 
-    /// Steps over the elements; may stand behind the last one. The sequence must outlive it.
+    /// An iterator; may stand behind the last element. The sequence must outlive it.
     class Cursor {
     public:
         Cursor(const Sequence& sequence, size_t index) noexcept {
@@ -127,7 +127,7 @@ public:
         std::array<const Node*, 64> m_later; // the height is under 1.45 log2 of the leaves
     };
 
-    /// The index of the first element that `matches`; those that do stand behind those that do not.
+    /// The index of the first element that `matches`; all matching elements must follow all others.
     template <class Matches> [[nodiscard]] size_t FirstWhere(const Matches& matches) const noexcept {
         size_t before = 0;
         const Node* node = m_root.Get();
@@ -152,12 +152,12 @@ public:
                static_cast<size_t>(std::partition_point(begin, end, [&](const T& e) { return !matches(e); }) - begin);
     }
 
-    /// A new sequence in which `middle` stands in the place of the elements [first, last).
+    /// A new sequence in which `middle` replaces the elements [first, last).
     [[nodiscard]] Sequence Replace(size_t first, size_t last, std::span<const T> middle) const {
         if (!m_root) {
             return Sequence(middle);
         }
-        // Whole leaves are exchanged, one more where the new ones would be too thin.
+        // Whole leaves are replaced, and one more where new leaves would be too small.
         size_t from = LeafAround(first < m_root->size ? first : first - 1).first;
         size_t to = last > from ? LeafAround(last - 1).second : last;
         if ((first - from) + middle.size() + (to - last) < kLeaf / 2) {
@@ -224,7 +224,7 @@ private:
         return Inner(Build(elements.first(cut), half), Build(elements.subspan(cut), leaves - half));
     }
 
-    /// An inner node over two whose heights differ by at most 2: where by 2, one turn evens them out.
+    /// An inner node over two whose heights differ by at most 2; a difference of 2 is removed by one rotation.
     [[nodiscard]] static Ref Balanced(const Ref& a, const Ref& b) {
         if (a->height > b->height + 1) {
             const Ref &outer = a->first, &inner = a->second;
@@ -252,7 +252,7 @@ private:
         return Inner(a, b);
     }
 
-    /// The elements before `count`, which is the border of a leaf; Tail: those from there on.
+    /// The elements before `count`, which is a leaf boundary; Tail gives those from there on.
     [[nodiscard]] static Ref Head(const Ref& node, size_t count) {
         if (count == 0 || count == node->size) {
             return count == 0 ? Ref() : node;
@@ -268,7 +268,7 @@ private:
         return count < half ? Join(Tail(node->first, count), node->second) : Tail(node->second, count - half);
     }
 
-    /// Where the leaf of an element begins and ends.
+    /// The index range of the leaf that contains an element.
     [[nodiscard]] std::pair<size_t, size_t> LeafAround(size_t index) const noexcept {
         size_t begin = 0;
         const Node* node = m_root.Get();

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The two inner loops of the band scanner, one table for each instruction set; all give the same counts.
 //
-// A pixel row is kept as bits: for each pixel a 64-bit word, byte = sub-scanline, bit = column of 1/8 pixel. An edge
-// that crosses sub-scanline s at column c of pixel p changes the winding of the columns from c on: it adds +1 or -1 to
-// the bits c ... 7 of byte s of word p; the change of all later pixels follows from column 7 when the row is swept.
-// Windings are numbers of as many bits as the figure needs, bit j of all pixels of a row standing in plane j. They are
-// taken modulo 2^planes, which keeps zero and non-zero apart while |winding| < 2^planes. One plane alone is the even-odd
-// rule.
+// A pixel row is kept as bits. A pixel is a 64-bit word: byte = sub-scanline, bit = column of 1/8 pixel. An edge that
+// crosses sub-scanline s at column c of pixel p changes the winding of all columns from c on: it adds +1 or -1 to the
+// bits c ... 7 of byte s of word p; when the row is swept, column 7 carries the change to all later pixels. Windings
+// have as many bits as the figure needs; plane j holds bit j of all pixels of a row. They are taken modulo 2^planes,
+// which distinguishes zero from non-zero while |winding| < 2^planes. A single plane gives the even-odd rule.
 //
 //   row: | plane 0: word of pixel 0, pixel 1, ... | plane 1: ... |      8 words are a block; `bits` has one bit a block
 //
-// The order in which edges come does not matter, so none is ever sorted.
+// Additions commute, so edges may come in any order and are never sorted.
 #pragma once
 
 #include <algorithm>
@@ -21,14 +20,14 @@
 
 namespace Graphics {
 
-/// X of a band edge: sub units times 2^42. X after k steps exceeds the exact quotient by less than 1 / denominator, so
-/// that its integer part is the exact one (see BandScanner::AddSide).
+/// Fraction bits of a band edge's x: sub units times 2^42. X after k steps exceeds the exact quotient by less than 1 /
+/// denominator, so its integer part is exact (see BandScanner::AddSide).
 inline constexpr int kBandFraction = 42;
 
 inline constexpr uint32_t kNoEdge = 0xFFFFFFFFU;
 inline constexpr uint32_t kEdgeUp = 1;
-inline constexpr uint32_t kEdgeClamp = 2;     // x may leave the frame and must be limited
-inline constexpr uint32_t kEdgeInChanges = 4; // upright: belongs into the rows that change only
+inline constexpr uint32_t kEdgeClamp = 2;     // x may leave the frame and must be clamped
+inline constexpr uint32_t kEdgeInChanges = 4; // upright: added only to rows that differ from the row before
 
 struct BandEdge {
     int64_t x;    // at sub-scanline y, relative to the frame's left
@@ -44,10 +43,10 @@ struct BandFrame {
     uint64_t* bits;
     size_t planeBytes;
     size_t rowBytes;
-    size_t bitWords;         // a row
-    const uint64_t* changes; // one bit a row of the fill: it differs from the row before; null: every row does
+    size_t bitWords;         // per row
+    const uint64_t* changes; // one bit per row of the fill: it differs from the row before; null: every row does
     int32_t left;            // pixel column of word 0
-    int32_t width;           // pixels; word `width` takes what lies right of them
+    int32_t width;           // pixels; word `width` collects what lies right of them
 };
 
 struct BandKernels {
@@ -63,11 +62,11 @@ struct BandKernels {
         return planeCase < 8 ? static_cast<size_t>(planeCase) + 1 : planeCase == 8 ? 12 : 16;
     }
 
-    /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright ones to rows that change only; those
-    /// that go on are put before the list `following`, whose new head is returned.
+    /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright edges only to rows that change. Edges
+    /// that continue below are put before the list `following`; returns its new head.
     uint32_t (*walk[kPlaneCases])(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst,
                                   int32_t bandLast, uint32_t following);
-    /// Turns a row into runs and leaves it zero. `shape` has room for all blocks, `runs` for two a block and one.
+    /// Turns a row into runs and zeroes it. `shape` has room for all blocks, `runs` for two per block and one more.
     size_t (*sweep[kPlaneCases])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape,
                                  CoverageRun* runs);
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sides of the vertex loops become band edges in fixed point, band after band is walked and swept.
+// Turns sides of the vertex loops into band edges in fixed point, then walks and sweeps band after band.
 #include "BandScanner.h"
 
 #include <algorithm>
@@ -10,17 +10,18 @@ namespace Graphics {
 
 namespace {
 
-constexpr size_t kBandBytes = 128U << 10; // of cells, so that a band stays in the second-level cache
-constexpr int32_t kFarFine = 1 << 22;     // the band form takes vertices up to 32768 pixels
-constexpr int32_t kTallSubRows = 14 * 8;  // an upright edge so tall makes equal rows worth a look
+constexpr size_t kBandBytes = 128U << 10; // of cells: a band stays in the second-level cache
+constexpr int32_t kFarFine = 1 << 22;     // band edges represent vertices up to 32768 pixels
+constexpr int32_t kTallSubRows = 14 * 8;  // from this height of an upright edge on, a search for equal rows pays
 constexpr int64_t kOne = int64_t{1} << kBandFraction;
 
 } // namespace
 
-// The exact position at step k is P_k = x + (error + denominator + k dx) / denominator, a multiple of 1 / dy. X_k, in
-// units of 2^-42, lies above P_k by a positive amount: the start and each step are rounded by doubles (relative
-// error below 2^-52), truncated and raised by 2 or more, in all less than 4 + k (4 + |step| 2^-50) units. Scan makes
-// sure that this stays below 1 / dy, so both have the same integer part.
+// The exact position at step k is P_k = x + (error + denominator + k dx) / denominator, a multiple of 1 / dy.
+// Claim: X_k, in units of 2^-42, has the same integer part as P_k.
+// Proof: X_k exceeds P_k by a positive amount. The start and each step are rounded by doubles (relative error below
+// 2^-52), truncated and raised by 2 or more, in all by less than 4 + k (4 + |step| 2^-50) units. Scan ensures that this
+// stays below 1 / dy.
 void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
     const bool up = to.y < from.y;
     const Vertex a = up ? to : from;
@@ -48,7 +49,8 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
         } else {
             const int32_t dy = b.y - a.y;
             const double inverse = 1.0 / dy;
-            // Up to the next multiple of 8 in y: floor((n dx - 1) / dy), the estimate repaired by its remainder.
+            // The position at the next multiple of 8 in y: floor((n dx - 1) / dy), an estimate corrected by its
+            // remainder.
             const int32_t n = ((8 - (a.y & 7)) & 7) * dx - 1;
             auto q = static_cast<int32_t>(n * inverse);
             int32_t rest = n - q * dy;
@@ -82,7 +84,7 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
                 const auto step = static_cast<int64_t>(slope * static_cast<double>(kOne));
                 e.step = step + 2 + ((step < 0 ? -step : step) >> 51);
             } else {
-                e.step = 0; // dy is 16 at most: a single sub-scanline
+                e.step = 0; // dy is at most 16: a single sub-scanline
             }
         }
     }
@@ -101,11 +103,11 @@ bool BandScanner::Holds(int32_t minX, int32_t minY, int32_t maxX, int32_t maxY, 
 }
 
 bool BandScanner::FindChanges(int32_t rows) {
-    // Shapes whose every row changes anyway have about as many edges as rows.
+    // Shapes in which every row changes have about as many edges as rows.
     if (!m_hasUpright || m_nextEdge - m_edges.data() > rows) {
         return false;
     }
-    const size_t words = static_cast<size_t>(rows) / 64 + 1; // with the row behind the last one
+    const size_t words = static_cast<size_t>(rows) / 64 + 1; // including the row after the last
     m_changes.resize(words);
     std::fill_n(m_changes.data(), words, 0U);
     const auto note = [this](int32_t from, int32_t to) { // both inclusive
@@ -116,13 +118,13 @@ bool BandScanner::FindChanges(int32_t rows) {
     };
     for (BandEdge* e = m_edges.data(); e != m_nextEdge; ++e) {
         const int32_t first = e->y >> 3;
-        const int32_t behind = (e->end + 7) >> 3; // the row behind its last one
+        const int32_t behind = (e->end + 7) >> 3; // the row after the edge's last one
         if (e->step != 0) {
             note(first, behind);
         } else {
             e->flags |= kEdgeInChanges;
-            note(first, (e->y + 7) >> 3); // begins, and is there from top to bottom
-            note(e->end >> 3, behind);    // ends, and is gone
+            note(first, (e->y + 7) >> 3); // the rows in which it begins, up to the first that it crosses fully
+            note(e->end >> 3, behind);    // the row in which it ends, and the row after
         }
     }
     return true;
@@ -145,7 +147,7 @@ void BandScanner::SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std
     if (sink.Rows(y0, y1, runs)) {
         return;
     }
-    // Row by row, which may change what it is given.
+    // Row by row; the sink may change each row's bytes, so they are copied.
     const size_t shapeBytes = m_rowBlocks * 8;
     std::copy_n(m_shape.data(), shapeBytes, m_shape.data() + shapeBytes);
     CoverageRun* const kept = m_runs.data() + runs.size();
@@ -195,7 +197,7 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     const auto bandRows = std::min(int32_t{1} << (m_bandShift - 3), rows);
     const auto bands = static_cast<size_t>((rows * 8 - 1) >> m_bandShift) + 1;
 
-    // Everything that may fail comes before the first output.
+    // Everything that may fail is done before the first output.
     const size_t cellBytes = frame.rowBytes * static_cast<size_t>(bandRows);
     const size_t bitCount = frame.bitWords * static_cast<size_t>(bandRows);
     if (m_dirty || m_cells.size() < cellBytes) {
@@ -226,7 +228,7 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     m_insideLeft = leftFine + kRoom;
     m_insideRight = rightFine - kRoom;
     if (left > visible.left) {
-        m_insideLeft = INT_MIN; // the frame was made for the shape
+        m_insideLeft = INT_MIN; // the frame was made for this shape
     }
     if (right < visible.right) {
         m_insideRight = INT_MAX;

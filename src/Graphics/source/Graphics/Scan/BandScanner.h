@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The fast scanner: bands of pixel rows, edge after edge through each band, no sorting. Gives the counts of the sorting
-// scanner.
+// The fast scanner: processes bands of pixel rows, adding edge after edge to each band without sorting. Gives the same
+// counts as the sorting scanner.
 #pragma once
 
 #include "BandKernels.h"
@@ -10,21 +10,21 @@ namespace Graphics {
 
 class BandScanner {
 public:
-    /// Another table than the best one, for tests.
+    /// Replaces the best kernel table, for tests.
     void UseKernels(const BandKernels& kernels) noexcept { m_kernels = &kernels; }
 
-    /// A position is at most 1.5 sub units right of its side and half a one left of it: so many fine units are room
-    /// enough around a fill.
+    /// Margin around a fill in fine units: a position lies at most 1.5 sub units right and 0.5 sub units left of its
+    /// side.
     static constexpr int32_t kRoom = 32;
 
-    /// Whether the band form holds sides inside these limits (fine units) exactly over so many sub-scanlines.
+    /// Whether band edges represent sides inside these limits (fine units) exactly over `subRows` sub-scanlines.
     [[nodiscard]] static bool Holds(int32_t minX, int32_t minY, int32_t maxX, int32_t maxY, int32_t subRows) noexcept;
 
-    /// False, with nothing sent, when the fill is outside what the band form can hold exactly.
+    /// False, with nothing sent, if the fill exceeds what band edges represent exactly.
     [[nodiscard]] bool Scan(const EdgeBuilder& builder, const FillShape& shape, const IntRect& visible,
                             RasterizationSink& sink);
 
-    /// Gives back the arrays that a large path left.
+    /// Frees arrays that grew large.
     void Trim() noexcept {
         m_edges.Trim();
         m_heads.Trim();
@@ -32,33 +32,33 @@ public:
 
 private:
     void AddSide(const Vertex& from, const Vertex& to);
-    /// Finds the rows that differ from the row before. False, with nothing found, where that is not worth a look.
+    /// Finds the rows that differ from the row before. False, with nothing found, where the search would not pay.
     [[nodiscard]] bool FindChanges(int32_t rows);
-    /// How many rows from `row` on are like the one before.
+    /// The number of rows from `row` on that equal the row before.
     [[nodiscard]] int32_t EqualRows(int32_t row, int32_t rows) const noexcept;
-    /// Sends rows [y0, y1) with the same runs.
+    /// Sends rows [y0, y1), which all have the same runs.
     void SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std::span<CoverageRun> runs);
 
     const BandKernels* m_kernels = &KernelTable<BandKernels>::Active();
     HeapArray<uint8_t> m_cells; // zero between fills
-    HeapArray<uint64_t> m_bits; // likewise
+    HeapArray<uint64_t> m_bits; // zero between fills
     HeapArray<BandEdge> m_edges;
     HeapArray<uint32_t> m_heads;   // first edge of each band
-    HeapArray<uint64_t> m_changes; // one bit a row
-    HeapArray<uint8_t> m_shape;    // of a row, and room for a copy
-    HeapArray<CoverageRun> m_runs; // likewise
-    bool m_dirty = false;          // a fill was abandoned
+    HeapArray<uint64_t> m_changes; // one bit per row
+    HeapArray<uint8_t> m_shape;    // bytes of a row, and room for a copy
+    HeapArray<CoverageRun> m_runs; // runs of a row, and room for a copy
+    bool m_dirty = false;          // a fill was abandoned: cells are not zero
 
-    // Of the current fill.
+    // The current fill.
     BandEdge* m_nextEdge = nullptr;
     int32_t m_first = 0; // sub-scanlines to produce
     int32_t m_last = 0;
     int32_t m_origin = 0; // first sub-scanline of the frame, a multiple of 8
     int32_t m_bandShift = 0;
     size_t m_rowBlocks = 0;
-    bool m_hasUpright = false; // an edge of several rows
+    bool m_hasUpright = false; // an upright edge spans several rows
     int32_t m_leftSub = 0;
-    int32_t m_allLeft = 0; // fine units: a side with no x above this is left of the frame; likewise the others
+    int32_t m_allLeft = 0; // fine units: a side with no x above this lies left of the frame; the next three likewise
     int32_t m_allRight = 0;
     int32_t m_insideLeft = 0;
     int32_t m_insideRight = 0;

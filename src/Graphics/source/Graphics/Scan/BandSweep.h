@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sweeping a row of a band: windings summed up from left to right, counted, and given as runs. Part of the band loops.
+// Sweeps a row of a band: sums windings from left to right, counts samples and makes runs. Part of the band loops.
 #pragma once
 
 #include <cstring>
@@ -10,7 +10,7 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// a += b, numbers of K bits, bit j in element j.
+/// a += b for numbers of K bits; element j holds bit j.
 template <int K> inline void AddPlanes(U64* a, const U64* b) {
     U64 carry = U64{};
     for (int j = 0; j < K; ++j) {
@@ -22,7 +22,7 @@ template <int K> inline void AddPlanes(U64* a, const U64* b) {
     }
 }
 
-/// Column 7 of each sub-scanline in all of its columns.
+/// Copies column 7 of each sub-scanline to all of its columns.
 GX_INLINE inline U64 SpreadColumn7(U64 v) { return (U64)((I8)v < 0); }
 
 template <int K, size_t N> inline void AddShifted(U64* a) {
@@ -33,8 +33,8 @@ template <int K, size_t N> inline void AddShifted(U64* a) {
     AddPlanes<K>(a, up);
 }
 
-/// The shape bytes of a block of eight pixels. `carry` is the winding left of the block in every lane, then that right
-/// of it. The block becomes zero.
+/// Writes the shape bytes of a block of eight pixels and zeroes the block. On entry `carry` is the winding left of the
+/// block, on return the winding right of it, in every lane.
 template <int K> inline void SweepBlock(uint8_t* cells, size_t planeBytes, U64* carry, uint8_t* out) {
     constexpr size_t kParts = 8 / kLongLanes;
     U64 counts[kParts];
@@ -77,9 +77,9 @@ size_t SweepRow(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t*
         carry[j] = U64{};
     }
     CoverageRun* run = runs - 1; // the current one
-    bool joins = false;          // the current run has shape and ends at `done`
+    bool joins = false;          // the current run has shape bytes and ends at `done`
     int32_t done = 0;            // pixels
-    // Pixels [done, to) have the winding of `carry`.
+    // Pixels [done, to) have the winding in `carry`.
     const auto gap = [&](int32_t to) {
         U64 inside = carry[0];
         for (int j = 1; j < K; ++j) {
@@ -123,7 +123,7 @@ size_t SweepRow(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t*
     if (done < frame.width) {
         gap(frame.width);
     } else if (run >= runs) {
-        // The last block may lie across the right side, and the guard word wholly beyond it.
+        // The last block may cross the right side; the guard word's block may lie wholly beyond it.
         run->x1 = frame.left + frame.width;
         run -= run->x0 >= run->x1 ? 1 : 0;
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Walking edges through a band: each sub-scanline's column is toggled in its row's bits. Part of the band loops.
+// Walks edges through a band: toggles each sub-scanline's column in its row's bits. Part of the band loops.
 #pragma once
 
 #include <cstring>
@@ -10,7 +10,7 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-/// Adds the bits of `mask` with carry into the planes; `flip` is 0 to add and all ones to subtract.
+/// Adds the bits of `mask` to the planes with carry if `flip` is 0; subtracts them if it is all ones.
 template <int K, class Word> inline void Toggle(uint8_t* p, size_t planeBytes, Word mask, Word flip) {
     for (int j = 0; j < K; ++j) {
         Word w;
@@ -58,7 +58,7 @@ inline int64_t Advance(int64_t x, int64_t step, int32_t count) {
     return static_cast<int64_t>(static_cast<uint64_t>(x) + static_cast<uint64_t>(step) * static_cast<uint64_t>(count));
 }
 
-/// Sub-scanlines [s, end) of one pixel row; x belongs to s.
+/// Sub-scanlines [s, end) of one pixel row; x is the edge's position at s.
 template <int K, bool Clamp>
 inline void WalkScalar(uint8_t* row, size_t planeBytes, int64_t x, int64_t step, int32_t s, int32_t end, int32_t limit,
                        uint64_t flip) {
@@ -70,10 +70,11 @@ inline void WalkScalar(uint8_t* row, size_t planeBytes, int64_t x, int64_t step,
     }
 }
 
-/// Toggles an edge in one pixel row: in each sub-scanline [s, stop) of it, the byte 0xFF << (c & 7) in the word of
-/// pixel c >> 3, c being the edge's column there. x belongs to s; c0 and c1 are the columns at s and stop - 1.
+/// Toggles an edge in one pixel row: in each of its sub-scanlines [s, stop) the byte 0xFF << (c & 7) in the word of
+/// pixel c >> 3, where c is the edge's column there. x is the position at s; c0 and c1 are the columns at s and stop -
+/// 1.
 #if GX_SIMD_BYTES == 64
-/// Sub-scanlines are lanes, of which each pixel takes those that lie in it.
+/// Sub-scanlines are lanes; each pixel takes the lanes whose column lies in it.
 class RowColumns {
 public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept
@@ -98,7 +99,7 @@ public:
         const int32_t p0 = c0 >> 3;
         const int32_t p1 = c1 >> 3;
         if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
-            // One pixel or two: always as two, since which it is cannot be predicted.
+            // One pixel or two: both are done as two, because the branch would not be predictable.
             const RowMask here = EqualLanes(lanes, pixels, p0);
             const uint64_t mask0 = LowBytes(here, columns);
             const uint64_t mask1 = LowBytes(static_cast<RowMask>(lanes & ~here), columns);
@@ -119,7 +120,7 @@ private:
     U64 m_steps;
 };
 #else
-/// Whole rows inside one pixel at once, all others by sub-scanlines.
+/// Rows in which the edge stays inside one pixel are toggled at once, all others by sub-scanlines.
 class RowColumns {
 public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept
@@ -183,7 +184,7 @@ inline void WalkEdge(const BandFrame& frame, const BandEdge& e, int64_t x, int32
     } while (y < end);
 }
 
-/// An upright edge, in those rows of [y, end) that change. Its column is the same in all of them.
+/// Toggles an upright edge in the rows of [y, end) that change. Its column is the same in all of them.
 template <int K> inline void WalkUpright(const BandFrame& frame, const BandEdge& e, int32_t bandFirst, int32_t end) {
     const auto c = static_cast<uint32_t>(Column<true>(e.x, frame.width * 8));
     const uint64_t column = ((0xFFU << (c & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rectangles become ordered spans along one axis; the other axis is the same for all of them.
+// Rectangles become ordered spans along one axis; all have the same extent along the other.
 #include "BoxScanner.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace Graphics {
 
 namespace {
 
-// Pixels without coverage that cost less inside a stretch than a stretch of its own.
+// Up to this many pixels without coverage cost less inside a run than a separate run does.
 constexpr int32_t kShortGap = 16;
 
 } // namespace
@@ -27,7 +27,7 @@ bool BoxScanner::Prepare(const EdgeBuilder& builder, const IntRect& visible, boo
                       {std::min(a.y, c.y) >> 4, std::max(a.y, c.y) >> 4}};
         const bool beside = std::max(a.x, c.x) <= builder.ClipLeft() || std::min(a.x, c.x) >= builder.ClipRight();
         if (beside || box.y.from == box.y.to || box.y.from >= builder.ClipLast() || box.y.to <= builder.ClipFirst()) {
-            return; // without edges
+            return; // the fill has no edges
         }
         m_first = std::min(m_first, box.y.from);
         m_last = std::max(m_last, box.y.to);
@@ -93,15 +93,15 @@ void BoxScanner::CountColumns(const Span* spans, size_t count) {
     m_scratch.resize(width);
     m_shapeRows = 0;
     std::memset(m_counts.data(), 0, width);
-    m_stretches.clear();
-    m_stretches.reserve(count);
+    m_columns.clear();
+    m_columns.reserve(count);
     m_runs.reserve(count);
     for (const Span* span = spans; span != spans + count; ++span) {
         const int32_t from = span->from >> 3;
         const int32_t to = (span->to + 7) >> 3;
         uint8_t* const counts = m_counts.data() + (from - m_left);
         const auto pixels = static_cast<size_t>(to - from);
-        // A pixel at either end may belong to the neighbour as well.
+        // The pixel at either end may also belong to the neighbouring span.
         const auto add = [&](size_t i, int32_t n) { counts[i] = static_cast<uint8_t>(counts[i] + n); };
         if (pixels == 1) {
             add(0, span->to - span->from);
@@ -110,10 +110,10 @@ void BoxScanner::CountColumns(const Span* spans, size_t count) {
             std::memset(counts + 1, 8, pixels - 2);
             add(pixels - 1, ((span->to - 1) & 7) + 1);
         }
-        if (!m_stretches.empty() && from - m_stretches.back().to <= kShortGap) {
-            m_stretches.back().to = to;
+        if (!m_columns.empty() && from - m_columns.back().to <= kShortGap) {
+            m_columns.back().to = to;
         } else {
-            m_stretches.push_back({from, to});
+            m_columns.push_back({from, to});
         }
     }
 }
@@ -122,14 +122,14 @@ void BoxScanner::SendRows(RasterizationSink& sink, int32_t from, int32_t to, int
     if (m_shapeRows != subRows) {
         m_shapeRows = subRows;
         for (size_t i = 0; i < m_counts.size(); ++i) {
-            // 4 n - 1, and 0 for n = 0; 64 samples are 256, which a byte takes for 0.
+            // 4 n - 1, and 0 for n = 0; 64 samples give 256 - 1, the byte 255.
             const int32_t n = m_counts[i] * subRows;
             m_shape[i] = static_cast<uint8_t>(n * 4 - (n != 0 ? 1 : 0));
         }
     }
     const auto setRuns = [&](uint8_t* shape) {
         m_runs.clear();
-        for (const Stretch& s : m_stretches) {
+        for (const Columns& s : m_columns) {
             m_runs.push_back({s.from, s.to, shape + (s.from - m_left), 0});
         }
     };
@@ -148,7 +148,7 @@ void BoxScanner::Send(RasterizationSink& sink) {
     if (m_boxes.empty() || m_spans.empty()) {
         return;
     }
-    // Sub rows of a pixel row are collected until the next span begins in another one.
+    // Collects the sub rows of a pixel row until the next span begins in another row.
     int32_t row = INT_MIN;
     int32_t collected = 0;
     const auto flush = [&] {

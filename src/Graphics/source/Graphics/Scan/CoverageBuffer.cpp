@@ -7,7 +7,7 @@
 namespace Graphics {
 
 namespace {
-constexpr int32_t kLongRun = 16; // equal pixels from here on go out as a run without shape
+constexpr int32_t kLongRun = 16; // from this many equal pixels on, a run without shape is sent
 }
 
 void CoverageBuffer::Begin(int32_t left, int32_t right) {
@@ -32,7 +32,7 @@ void CoverageBuffer::Add(int32_t x0, int32_t x1) noexcept {
     }
     const auto p0 = static_cast<int32_t>(a >> 3);
     const auto p1 = static_cast<int32_t>(b >> 3);
-    // Pixel p0 lacks its first a & 7 columns, which come with the next one; the end takes them away likewise.
+    // Pixel p0 lacks its first a & 7 columns, so the next difference adds them; the end subtracts likewise.
     const auto c0 = static_cast<int32_t>(a & 7);
     const auto c1 = static_cast<int32_t>(b & 7);
     int32_t* change = m_change.data();

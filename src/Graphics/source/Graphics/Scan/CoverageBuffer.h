@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One pixel row of coverage, built from spans in 1/8 pixel. Used by the sorting scanner.
+// One pixel row of coverage, built from spans in sub units of 1/8 pixel. Used by the sorting scanner.
 #pragma once
 
 #include <span>
@@ -9,18 +9,18 @@
 
 namespace Graphics {
 
-/// The byte of a sample count of 0 to 64.
+/// The coverage byte for a sample count of 0 to 64.
 [[nodiscard]] constexpr uint8_t ShapeOfCount(int32_t count) noexcept {
     return static_cast<uint8_t>(count == 0 ? 0 : count * 4 - 1);
 }
 
 class CoverageBuffer {
 public:
-    /// Pixel columns [left, right) are kept.
+    /// Keeps the pixel columns [left, right).
     void Begin(int32_t left, int32_t right);
-    /// [x0, x1) in sub units, x0 < x1.
+    /// Adds the span [x0, x1) in sub units, x0 < x1.
     void Add(int32_t x0, int32_t x1) noexcept;
-    /// The runs of the row; the buffer is empty afterwards.
+    /// Returns the runs of the row and empties the buffer.
     [[nodiscard]] std::span<CoverageRun> Take();
 
 private:

@@ -33,10 +33,10 @@ Rect DeviceBox(const Shape& path, const Matrix& m, float reach) noexcept {
 }
 
 IntRect StrokeBox(const Shape& path, const Matrix& m, float width, const StrokeStyle& style) noexcept {
-    constexpr float kDiagonal = 1.4142136F; // of a square cap
+    constexpr float kDiagonal = 1.4142136F; // reach of a square cap
     const float factor = style.join == GXLineJoinMiter ? std::max(style.miterLimit, kDiagonal) : kDiagonal;
     const Rect box = DeviceBox(path, m, width * 0.5F * factor);
-    // Two more pixels: the thinnest line is one wide, and adjustment moves edges by less than one.
+    // Two more pixels, because the thinnest line is one pixel wide and adjustment moves edges by less than one.
     return RoundOut({box.left - 2.0F, box.top - 2.0F, box.right + 2.0F, box.bottom + 2.0F});
 }
 
@@ -45,13 +45,14 @@ IntRect LayerBox(const Rect& bounds, const Matrix& m, const IntRect& area) noexc
         return area;
     }
     const Rect box = MapBox(m, bounds);
-    // Whole before RoundOut's margin is taken off: a sum that rounds must not take a pixel.
+    // Rounded to whole pixels before RoundOut's margin is subtracted, so that the rounding of a sum cannot lose a
+    // pixel.
     return RoundOut({std::floor(box.left) + 1.0F, std::floor(box.top) + 1.0F, std::ceil(box.right) - 1.0F,
                      std::ceil(box.bottom) - 1.0F});
 }
 
 Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destination) noexcept {
-    // A source may span more than an integer holds.
+    // A source may be wider than an int32_t holds.
     const auto distance = [](int32_t from, int32_t to) { return static_cast<float>(static_cast<int64_t>(to) - from); };
     const float sx = (destination.right - destination.left) / distance(source.left, source.right);
     const float sy = (destination.bottom - destination.top) / distance(source.top, source.bottom);
@@ -69,7 +70,7 @@ bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Verte
     if (figure.GetKind() != BasicFigure::Kind::Rectangle || !(straight || turned)) {
         return false;
     }
-    // Both corners at once, as Map and ToVertex do each of them.
+    // Maps both corners at once, with the operations of Map and ToVertex.
     const Rect& r = figure.Box();
     using namespace GX_SIMD_NAMESPACE;
     const F32 v = F32{m.m00, m.m01, m.m00, m.m01} * F32{r.left, r.left, r.right, r.right} +
@@ -97,7 +98,7 @@ void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m,
     const Rect target = ToRect(area);
     rasterizer.Begin(target, visible, adjust);
     const bool partial = FeedStroke(path, m, style, width, adjust, storage, target, ToRect(visible), rasterizer);
-    // One rectangle snaps to whole pixels only where the target shows no other, which the clip must not decide.
+    // A lone rectangle snaps to whole pixels only if it is alone in the whole target, so the clip must not decide that.
     if (partial && adjust && rasterizer.IsLoneRectangle()) {
         rasterizer.Begin(target, visible, adjust);
         FeedStroke(path, m, style, width, adjust, storage, target, rasterizer);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where paths lie in device pixels, as every back end that rasterizes needs it.
+// Positions of paths in device pixels, for every back end that rasterizes.
 #pragma once
 
 #include "../Geometry/BasicFigures.h"
@@ -13,8 +13,8 @@ class Shape;
 struct PenStorage;
 struct StrokeStyle;
 
-/// Whole pixels around a box, one more on every side: a degenerate rectangle is one pixel wide, and snapping may move
-/// an edge. NaN sides go as far as they can.
+/// The whole pixels around a box, enlarged by one pixel on every side: a degenerate rectangle is one pixel wide, and
+/// snapping may move an edge. NaN sides are taken as the farthest ones.
 [[nodiscard]] IntRect RoundOut(const Rect& r) noexcept;
 
 [[nodiscard]] inline Rect ToRect(const IntRect& r) noexcept {
@@ -22,26 +22,26 @@ struct StrokeStyle;
             static_cast<float>(r.bottom)};
 }
 
-/// Device box of a path, grown by `reach` user units, under a matrix; the widest box where a coordinate is not finite.
+/// Device box of a path enlarged by `reach` user units; the largest box if a coordinate is not finite.
 [[nodiscard]] Rect DeviceBox(const Shape& path, const Matrix& m, float reach) noexcept;
 
-/// Whole pixels around everything that a stroke of the path may cover.
+/// The whole pixels around everything that a stroke of the path may cover.
 [[nodiscard]] IntRect StrokeBox(const Shape& path, const Matrix& m, float width, const StrokeStyle& style) noexcept;
 
-/// Whole pixels around a layer's bounds; `area` where they are empty.
+/// The whole pixels around a layer's bounds; `area` if the bounds are empty.
 [[nodiscard]] IntRect LayerBox(const Rect& bounds, const Matrix& m, const IntRect& area) noexcept;
 
-/// Where part of an image lands: the source rectangle lies exactly on the destination, and `part` of it is drawn.
+/// The placement of `part` of an image when `source` is mapped exactly onto `destination`.
 [[nodiscard]] Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destination) noexcept;
 
-/// The whole pixels of a rectangle that stays upright under the matrix; false for everything else.
+/// The whole pixels of a rectangle that stays upright under the matrix; false for any other figure.
 [[nodiscard]] bool SnapFigure(const BasicFigure& figure, const Matrix& m, const IntRect& area, IntRect& pixels);
 
-/// Two opposite corners, in fine units, of a rectangle that stays upright under the matrix; false for everything else.
+/// Two opposite corners, in fine units, of a rectangle that stays upright under the matrix; false for any other figure.
 [[nodiscard]] bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Vertex& b) noexcept;
 
-/// Begins a fill with a stroke's outline; Finish is left to the caller. What the clip hides of the target `area` may be
-/// left out of it.
+/// Begins a fill with a stroke's outline; the caller calls Finish. What the clip hides of the target `area` may be
+/// omitted.
 void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m, const StrokeStyle& style, float width,
                      bool adjust, PenStorage& storage, const IntRect& area, const IntRect& visible);
 

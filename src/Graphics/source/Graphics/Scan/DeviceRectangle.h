@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The fill of an upright rectangle: whole pixels where edges are moved onto them, samples in closed form where not.
+// The fill of an upright rectangle: whole pixels if edges snap to pixels, otherwise samples in closed form.
 #pragma once
 
 #include "DeviceFigures.h"
@@ -11,8 +11,8 @@ namespace Graphics {
 
 class DeviceRectangle {
 public:
-    /// visible(pixels) gives the part of them that is wanted. False for everything but a rectangle that stays upright
-    /// under the matrix, no further out than edges are stepped exactly.
+    /// visible(pixels) returns the part of `pixels` to draw. False unless the figure is a rectangle that stays upright
+    /// under the matrix and lies within the range in which edges are stepped exactly.
     template <class Visible>
     [[nodiscard]] bool Set(const BasicFigure& figure, const Matrix& m, const IntRect& area, bool snap,
                            const Visible& visible) {
@@ -34,11 +34,11 @@ public:
         return m_samples.Set(a, b, area.top * 8, area.bottom * 8, m_pixels);
     }
 
-    /// Whole pixels alone: all of Pixels().
+    /// True if the fill is exactly the whole pixels of Pixels().
     [[nodiscard]] bool IsWhole() const noexcept { return m_isWhole; }
-    /// What may be covered; may be empty.
+    /// The pixels that may be covered; may be empty.
     [[nodiscard]] const IntRect& Pixels() const noexcept { return m_pixels; }
-    /// Where IsWhole is false.
+    /// Requires !IsWhole().
     [[nodiscard]] const SampleRectangle& Samples() const noexcept { return m_samples; }
 
     void Send(RasterizationSink& sink) const {

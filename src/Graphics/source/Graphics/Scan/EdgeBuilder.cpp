@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Vertex loops to edges: what lies outside the clip is merged away, the rest set up in closed form.
+// Turns vertex loops into edges: sides outside the clip are merged, the others set up in closed form.
 #include "EdgeBuilder.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@ namespace Graphics {
 
 namespace {
 
-/// floor(n / d) for d > 0; the remainder, 0 ... d - 1, goes to `rest`.
+/// floor(n / d) for d > 0; `rest` is the remainder, 0 ... d - 1.
 inline int64_t FloorDivide(int64_t n, int64_t d, int64_t& rest) noexcept {
     int64_t q = n / d;
     int64_t r = n - q * d;
@@ -56,8 +56,8 @@ void EdgeBuilder::CloseFigure() {
     }
 }
 
-/// A vertex goes when it and both neighbours lie at or beyond the same side of the clip: the sides beside it move only
-/// outside, and the loop stays closed.
+/// A vertex is dropped if it and both neighbours lie at or beyond the same side of the clip. That changes sides only
+/// outside the clip, and the loop stays closed.
 uint32_t EdgeBuilder::DropOutside(Vertex* loop, uint32_t count) const noexcept {
     const auto side = [this](int32_t x) { return x <= m_clipLeft ? 1U : x >= m_clipRight ? 2U : 0U; };
     const uint32_t firstSide = side(loop[0].x);
@@ -75,8 +75,8 @@ uint32_t EdgeBuilder::DropOutside(Vertex* loop, uint32_t count) const noexcept {
     return kept;
 }
 
-/// In one sub-scanline every run of sides that go down crosses at most once, and the loop crosses as often upward as
-/// downward. So no winding is larger than the number of such runs.
+/// Claim: |winding| is at most the number of runs of downward sides that meet a sub-scanline. Proof: each run crosses
+/// it at most once, and a closed loop crosses it as often upward as downward.
 void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
     int32_t y = loop[count - 1].y;
     int32_t top = y;
@@ -105,7 +105,7 @@ void EdgeBuilder::AddChains(const Vertex* loop, uint32_t count) {
     }
     if (down) {
         AddChain(top, y);
-        m_chainCount -= firstDown ? 1U : 0U; // the first and the last run are one
+        m_chainCount -= firstDown ? 1U : 0U; // the first and the last run are the same
     }
 }
 
@@ -141,7 +141,7 @@ void EdgeBuilder::SumChains(int32_t first, int32_t last, int shift) {
     }
 }
 
-/// The most chains that meet in one row. Sub-scanlines are worth the time where pixel rows would ask for the widest
+/// The largest number of chains in one row. Sub-scanlines are counted only if pixel rows would require the widest
 /// cells.
 uint32_t EdgeBuilder::WindingBound(int32_t first, int32_t last) {
     if (m_hasSums) {
@@ -162,7 +162,7 @@ FillShape EdgeBuilder::Measure(bool nonZero) {
     m_vertices.resize(static_cast<size_t>(m_next - m_vertices.data()));
     m_chainCount = 0;
     uint32_t from = 0;
-    uint32_t to = 0; // loops move to the front as vertices go
+    uint32_t to = 0; // loops move to the front as vertices are dropped
     size_t loops = 0;
     for (size_t i = 0; i < m_figures.size(); ++i) {
         Vertex* loop = m_vertices.data() + from;
@@ -235,7 +235,7 @@ bool EdgeBuilder::SetUp(Vertex from, Vertex to, int32_t clipFirst, int32_t clipL
     e.increment = static_cast<int32_t>(rest);
     e.denominator = static_cast<int32_t>(dy);
 
-    // To the next multiple of 8 in y, n fine steps on from error -1: x + floor((n * dx - 1) / dy) + 1.
+    // The position at the next multiple of 8 in y, n fine steps from error -1: x + floor((n * dx - 1) / dy) + 1.
     const int64_t n = (8 - (from.y & 7)) & 7;
     int64_t x = from.x + FloorDivide(n * dx - 1, dy, rest) + 1;
     int64_t error = rest - dy;

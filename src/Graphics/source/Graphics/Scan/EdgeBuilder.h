@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Keeps the vertices of a fill and turns them into edges. Vertices are in 1/128 pixel (fine units); edges are stepped
-// in 1/8 pixel (sub units, fine >> 4), one step a sub-scanline.
+// Stores the vertices of a fill and turns them into edges. Vertices are in 1/128 pixel (fine units); edges are stepped
+// in 1/8 pixel (sub units, fine >> 4), one step per sub-scanline.
 #pragma once
 
 #include <algorithm>
@@ -12,14 +12,14 @@
 
 namespace Graphics {
 
-/// Fine units.
+/// In fine units.
 struct Vertex {
     int32_t x;
     int32_t y;
 };
 
-/// An edge at sub-scanline `first`: the next x is x + step, plus one where error + increment reaches 0 (the error then
-/// falls by `denominator`). So x k steps on is x + k * step + floor((error + k * increment) / denominator) + 1.
+/// An edge at sub-scanline `first`. The next x is x + step, plus one if error + increment reaches 0 (the error then
+/// falls by `denominator`). So x after k steps is x + k * step + floor((error + k * increment) / denominator) + 1.
 struct Edge {
     int32_t first; // inclusive
     int32_t last;  // exclusive
@@ -43,12 +43,12 @@ inline constexpr float kFineLimit = 1073741760.0F;
     return std::bit_cast<Vertex>(((U64)Truncate(v))[0]);
 }
 
-/// Where an upright edge stands: the sub column, from fine units, that its set-up rounds to.
+/// The sub column of an upright edge at `fine`, rounded as edge set-up rounds.
 [[nodiscard]] inline constexpr int32_t UprightColumn(int32_t fine) noexcept {
     return (fine + ((fine & 7) != 0 ? 7 : 0)) >> 4;
 }
 
-/// How many ranges overlap at most: each adds 1 to the change where it begins and takes 1 behind its end.
+/// The largest number of ranges that overlap: each adds 1 to the change at its begin and subtracts 1 behind its end.
 template <class Changes> [[nodiscard]] size_t MostOverlapping(const Changes& changes) noexcept {
     int32_t sum = 0;
     int32_t most = 0;
@@ -59,18 +59,17 @@ template <class Changes> [[nodiscard]] size_t MostOverlapping(const Changes& cha
     return static_cast<size_t>(most);
 }
 
-/// What the vertices say about a fill before any edge is made.
+/// Properties of a fill that the vertices tell before edges are built.
 struct FillShape {
-    int32_t
-        first; // sub-scanlines inside the clip, first inclusive, last exclusive; first >= last when there is no edge
+    int32_t first; // sub-scanlines inside the clip, first inclusive, last exclusive; first >= last if there is no edge
     int32_t last;
-    int32_t minX, minY, maxX, maxY; // fine units, of the figures that have edges
-    uint32_t windingBound;          // |winding| is nowhere larger
+    int32_t minX, minY, maxX, maxY; // fine units, over the figures that have edges
+    uint32_t windingBound;          // upper bound of |winding|
 };
 
 class EdgeBuilder {
 public:
-    /// `clipPixels` governs which edges and vertices exist; forgets the earlier fill.
+    /// Starts a new fill. `clipPixels` determines which edges and vertices exist.
     void Begin(const Rect& clipPixels);
 
     void Add(Vertex v) {
@@ -82,7 +81,7 @@ public:
     /// Closes the loop of the vertices added since the last call.
     void CloseFigure();
 
-    /// Moves every vertex so far; by whole sub units edges keep their steps and roundings.
+    /// Moves every vertex added so far. Moving by whole sub units keeps the edges' steps and rounding.
     void Move(int32_t fineX, int32_t fineY) noexcept {
         for (Vertex* v = m_vertices.data(); v != m_next; ++v) {
             v->x += fineX;
@@ -90,21 +89,21 @@ public:
         }
     }
 
-    /// Drops vertices outside the clip horizontally and measures the rest. Call once, after the last figure.
+    /// Drops vertices horizontally outside the clip and measures the rest. Call once, after the last figure.
     [[nodiscard]] FillShape Measure(bool nonZero);
 
-    /// True when the fill has exactly two edges, both vertical and of the same height: they are returned.
+    /// True, with both returned, if the fill has exactly two edges, both vertical and of the same height.
     [[nodiscard]] bool TwoUprightEdges(Edge (&out)[2]) const;
 
-    /// True when the fill is one loop of four upright sides: two opposite corners are returned.
+    /// True, with two opposite corners returned, if the fill is one loop of four upright sides.
     [[nodiscard]] bool UprightRectangle(Vertex& a, Vertex& b) const noexcept;
 
-    /// Every edge inside the sub-scanlines [first, last).
+    /// Builds every edge inside the sub-scanlines [first, last).
     void Build(HeapArray<Edge>& out, int32_t first, int32_t last) const;
 
     [[nodiscard]] size_t SideCount() const noexcept { return m_vertices.size(); }
 
-    /// Gives back the arrays that a large path left; the fill is forgotten.
+    /// Frees arrays that grew large, and the fill.
     void Trim() noexcept {
         m_vertices.Trim();
         m_figures.Trim();
@@ -128,7 +127,7 @@ public:
         }
     }
 
-    /// Where every figure has four vertices: calls f(first vertex, third) for each.
+    /// Calls f(first vertex, third vertex) for each figure. Requires that every figure has four vertices.
     template <class F> void ForEachBox(F&& f) const {
         const Vertex* const stop = m_vertices.data() + (m_figures.empty() ? 0 : m_figures[m_figures.size() - 1]);
         for (const Vertex* v = m_vertices.data(); v != stop; v += 4) {
@@ -142,7 +141,7 @@ public:
     [[nodiscard]] int32_t ClipFirst() const noexcept { return m_clipFirst; }
     [[nodiscard]] int32_t ClipLast() const noexcept { return m_clipLast; }
 
-    /// False when the side gives no edge between the sub-scanlines clipFirst and clipLast.
+    /// False if the side gives no edge between the sub-scanlines clipFirst and clipLast.
     [[nodiscard]] static bool SetUp(Vertex from, Vertex to, int32_t clipFirst, int32_t clipLast, Edge& e) noexcept;
 
 private:
@@ -161,9 +160,9 @@ private:
 
     HeapArray<Vertex> m_vertices;
     HeapArray<uint32_t> m_figures; // end index of each loop
-    HeapArray<RowRange> m_chains;  // runs of sides that go down, not yet summed up
-    HeapArray<int32_t> m_rowSums;  // of chains, as changes from row to row
-    bool m_hasSums = false;        // of sub-scanlines of the clip: there are so many chains that they are not kept
+    HeapArray<RowRange> m_chains;  // downward runs of sides, not yet added to the sums
+    HeapArray<int32_t> m_rowSums;  // chains per sub-scanline, as changes from row to row
+    bool m_hasSums = false;        // m_rowSums holds chains: they were too many to keep one by one
     Vertex* m_next = nullptr;      // inside m_vertices
     Vertex* m_limit = nullptr;
     uint32_t m_figureStart = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Active edges, their spans and the search for trapezoid bands. All x are sub units.
+// Active edges, their spans and the search for trapezoid bands. All x are in sub units.
 #include "EdgeScanner.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr int32_t kNever = 0x7FFFFFFF;
 
-/// The edge `count` sub-scanlines on.
+/// The edge advanced by `count` sub-scanlines.
 Edge Advanced(const Edge& e, int64_t count) noexcept {
     Edge out = e;
     int64_t x = e.x + count * e.step;
@@ -26,7 +26,7 @@ Edge Advanced(const Edge& e, int64_t count) noexcept {
     return out;
 }
 
-/// 4 |slope| + 1: how far the edge's ramp reaches in the middle of a pixel row, on either side.
+/// 4 |slope| + 1: the reach of the edge's ramp to either side, in the middle of a pixel row.
 int64_t Ramp(const Edge& e) noexcept {
     const int64_t ramp = 4 * int64_t{e.increment} / e.denominator + 4 * int64_t{e.step} + 1;
     return e.step >= 0 ? ramp : 1 - ramp;
@@ -45,8 +45,8 @@ float PixelX(const Edge& e) noexcept {
     return (static_cast<float>(e.x) + static_cast<float>(e.error) / static_cast<float>(e.denominator)) * 0.125F;
 }
 
-/// At least as many as any sub-scanline has edges: those that meet in the fullest of kBands equal bands. Most edges of
-/// a large path are short, so that this is a small part of them.
+/// An upper bound of the edges in any sub-scanline: the number of edges in the fullest of kBands equal bands. Most
+/// edges of a large path are short, so this is a small part of them.
 size_t MostActive(const HeapArray<Edge>& edges) noexcept {
     constexpr int64_t kBands = 256;
     if (edges.size() <= kBands) {
@@ -75,7 +75,7 @@ float HalfRamp(const Edge& e) noexcept {
 
 } // namespace
 
-/// Edges [from, to) are sorted by x. New edges go before active ones of the same x.
+/// Inserts the edges [from, to), sorted by x. New edges go before active ones with the same x.
 void EdgeScanner::Insert(const Edge* from, const Edge* to) {
     const size_t old = m_active.size();
     const auto added = static_cast<size_t>(to - from);
@@ -125,7 +125,7 @@ void EdgeScanner::AddSpans() noexcept {
     });
 }
 
-/// Drops the edges that end at sub-scanline `next` and moves the others there.
+/// Drops the edges that end at sub-scanline `next` and advances the others to it.
 void EdgeScanner::Step(int32_t next) noexcept {
     Edge* a = m_active.data();
     size_t kept = 0;
@@ -135,7 +135,7 @@ void EdgeScanner::Step(int32_t next) noexcept {
         if (e.last <= next) {
             continue;
         }
-        // In 64 bits: far steps may leave the range of x, and then only the side on which they do matters.
+        // In 64 bits, since long steps may exceed the range of x; beyond it only the side matters.
         int64_t x = int64_t{e.x} + e.step;
         e.error += e.increment;
         if (e.error >= 0) {
@@ -164,14 +164,14 @@ void EdgeScanner::Restore() noexcept {
         }
         a[k] = e;
         moves += i - k;
-        if (moves > 16 * count + 256) { // much out of order
+        if (moves > 16 * count + 256) { // strongly out of order
             std::sort(a, a + count, [](const Edge& l, const Edge& r) { return l.x < r.x; });
             return;
         }
     }
 }
 
-/// The sub-scanline, a multiple of 8, up to which all neighbours stay apart; below s + 8 when there is no band.
+/// The sub-scanline, a multiple of 8, up to which all neighbours stay apart; below s + 8 if there is no band.
 int64_t EdgeScanner::FindBandEnd(int32_t s, int64_t limit) const noexcept {
     const Edge* a = m_active.data();
     const size_t count = m_active.size();
@@ -231,7 +231,7 @@ void EdgeScanner::EmitTrapezoids(int32_t s, int32_t end, RasterizationSink& sink
 void EdgeScanner::Start(HeapArray<Edge>& edges, bool evenOdd) {
     m_evenOdd = evenOdd;
     m_active.clear();
-    m_active.reserve(MostActive(edges)); // before any output: what fails has drawn nothing
+    m_active.reserve(MostActive(edges)); // before any output, so that a failure has drawn nothing
     std::sort(edges.begin(), edges.end(),
               [](const Edge& l, const Edge& r) { return l.first != r.first ? l.first < r.first : l.x < r.x; });
 }
@@ -282,7 +282,7 @@ void EdgeScanner::Scan(HeapArray<Edge>& edges, bool evenOdd, bool trapezoids, in
             next = to;
         }
         const int64_t limit = next != stop ? next->first : kNever;
-        if (m_active.empty()) { // nothing until the next edge begins
+        if (m_active.empty()) { // no edges until the next one begins
             if (next == stop) {
                 break;
             }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The sorting scanner: an active edge list from sub-scanline to sub-scanline, with trapezoid bands for sinks that take
-// them. Slower than the band scanner, but without its limits.
+// The sorting scanner: an active edge list, stepped by sub-scanlines, with trapezoid bands for sinks that accept them.
+// Slower than the band scanner, but without its limits.
 #pragma once
 
 #include "CoverageBuffer.h"
@@ -11,14 +11,14 @@ namespace Graphics {
 
 class EdgeScanner {
 public:
-    /// Takes the sub-scanlines [first, last). The edges are used up.
+    /// Scans the sub-scanlines [first, last). Consumes the edges.
     void Scan(HeapArray<Edge>& edges, bool evenOdd, bool trapezoids, int32_t first, int32_t last,
               const IntRect& visible, RasterizationSink& sink);
 
-    /// Sets the samples of the sub-scanlines [first, last) instead; sub unit and sub-scanline 0 are the grid's first.
+    /// Scans the sub-scanlines [first, last) into a grid, whose first sample is sub unit 0 of sub-scanline 0.
     void Scan(HeapArray<Edge>& edges, bool evenOdd, int32_t first, int32_t last, SampleGrid& grid);
 
-    /// Gives back the arrays that a large path left.
+    /// Frees arrays that grew large.
     void Trim() noexcept { m_active.Trim(); }
 
 private:

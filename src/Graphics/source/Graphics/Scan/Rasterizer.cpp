@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// From vertices to output: a whole-pixel rectangle, trapezoid bands, or rows of coverage.
+// From vertices to output: a whole-pixel rectangle, trapezoid bands or rows of coverage.
 #include "Rasterizer.h"
 
 #include <algorithm>
@@ -16,8 +16,8 @@ struct PixelRange {
     int32_t high; // exclusive
 };
 
-/// Whole pixels for the sub units [a, b]: as many as their length rounded up. One pixel too many goes at the end that
-/// lies less deep in its pixel, the far one when both are equal.
+/// Whole pixels for the sub units [a, b]: their length rounded up. If the touched pixels are one too many, it is
+/// dropped at the end that lies less deep in its pixel; at the far end if both are equal.
 PixelRange Snap(int32_t a, int32_t b) noexcept {
     PixelRange r{a >> 3, (b + 7) >> 3};
     int32_t length = (b - a + 7) >> 3;
@@ -48,10 +48,10 @@ IntRect Snap(const Edge (&e)[2]) noexcept {
 bool Rasterizer::SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b, IntRect& out) noexcept {
     const int32_t clipFirst = clipPixels.top * 8;
     const int32_t clipLast = clipPixels.bottom * 8;
-    // What an edge's set-up comes to where x does not change.
+    // The result of edge set-up for a constant x.
     const int32_t first = std::min(a.y, b.y) >> 4;
     const int32_t last = std::max(a.y, b.y) >> 4;
-    // Vertices that are all at or beyond the clip's left side are dropped, those of a line on that side too.
+    // EdgeBuilder drops vertices that are all at or beyond the clip's left side, including those exactly on it.
     if (first == last || first >= clipLast || last <= clipFirst || std::max(a.x, b.x) <= clipPixels.left * 128) {
         return false;
     }
@@ -62,7 +62,7 @@ bool Rasterizer::SnapRectangle(const IntRect& clipPixels, const Vertex& a, const
 }
 
 void Rasterizer::Begin(const Rect& clipPixels, const IntRect& visible, bool snap) {
-    // Pixels beyond 2^23 are outside of every target and would not fit the fine units.
+    // Pixels beyond 2^23 are outside every target and would not fit into fine units.
     constexpr int32_t kFar = 1 << 23;
     m_visible = Intersect(visible, {-kFar, -kFar, kFar, kFar});
     m_snap = snap;
@@ -147,7 +147,7 @@ void Rasterizer::Finish(RasterizationSink& sink) {
     }
     const int32_t first = trapezoids ? shape.first : std::max(shape.first, m_visible.top * 8);
     const int32_t last = trapezoids ? shape.last : std::min(shape.last, m_visible.bottom * 8);
-    // A trapezoid may reach below the clip, whose last sub-scanline ends the scan only.
+    // A trapezoid may reach below the clip; only the scan ends at the clip's last sub-scanline.
     m_builder.Build(m_edges, trapezoids ? m_builder.ClipFirst() : first, trapezoids ? m_builder.ClipLast() : last);
     m_sorting.Scan(m_edges, m_evenOdd, trapezoids, first, last, m_visible, sink);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A path in device pixels becomes anti-aliased coverage: 8 x 8 samples a pixel, edges stepped exactly. One object
+// Turns a path in device pixels into anti-aliased coverage: 8 x 8 samples per pixel, edges stepped exactly. One object
 // serves many fills, one after another, and keeps its memory.
 #pragma once
 
@@ -12,12 +12,12 @@ namespace Graphics {
 
 class Rasterizer {
 public:
-    /// Curves deviate from their lines by about this many pixels.
+    /// Flattened curves deviate by about `tolerance` pixels.
     explicit Rasterizer(float tolerance = 0.25F) noexcept
         : m_tolerance(tolerance < 1.1920929e-7F ? 1.1920929e-7F : tolerance) {}
 
-    /// Starts a fill. `clipPixels` is the whole target and governs what exists; rows and runs are produced inside
-    /// `visible` only. `snap` lets an upright rectangle become whole pixels.
+    /// Starts a fill. `clipPixels` is the whole target and determines which edges exist; rows and runs are produced
+    /// inside `visible` only. `snap` turns an upright rectangle into whole pixels.
     void Begin(const Rect& clipPixels, const IntRect& visible, bool snap);
 
     void SetFillRule(uint32_t rule) { m_evenOdd = rule != 0; }
@@ -38,8 +38,8 @@ public:
     void EndFigure() { m_builder.CloseFigure(); }
     void EndFigureClose() { m_builder.CloseFigure(); }
 
-    /// A closed figure: the upright rectangle between two opposite corners, from the first along x. A fill of nothing
-    /// else, non-zero, in a row or a column, needs no edges; all have to wind the same way.
+    /// Adds a closed figure: the upright rectangle between two opposite corners, first along x. A non-zero fill of
+    /// nothing but such boxes in one row or column needs no edges; all of them must wind the same way.
     void Box(const Point& a, const Point& b) {
         m_builder.CloseFigure();
         const Vertex from = ToVertex(a);
@@ -51,26 +51,26 @@ public:
         m_builder.CloseFigure();
     }
 
-    /// Moves the fill as it is so far right and down by eighths of a pixel: the same samples at another place.
+    /// Moves the fill right and down by eighths of a pixel: the same samples at another position.
     void Move(int32_t right, int32_t down) noexcept { m_builder.Move(right * 16, down * 16); }
 
-    /// Whether Finish would send the whole pixels of an upright rectangle, because the fill has no other edges. Where
-    /// figures were left out that is not known of the fill with them. No figure may follow.
+    /// Whether Finish would send the whole pixels of an upright rectangle because the fill has no other edges. If
+    /// culled figures were not added, the answer does not hold for the complete fill. No figure may follow.
     [[nodiscard]] bool IsLoneRectangle();
 
-    /// Sends the coverage; nothing when the fill has no edge.
+    /// Sends the coverage; sends nothing if the fill has no edge.
     void Finish(RasterizationSink& sink);
 
-    /// Takes the fill's samples instead of sending coverage. The visible rectangle has to begin at (0, 0); the grid
-    /// gets its size.
+    /// Writes the fill's samples into `grid` instead of sending coverage. The visible rectangle must begin at (0, 0);
+    /// its size is the grid's size.
     void FinishSamples(SampleGrid& grid);
 
-    /// The whole pixels that a fill of the upright rectangle between two opposite corners would send, without the fill:
-    /// most rectangles of a page come this way. False when it has no height.
+    /// The whole pixels that a snapped fill of the upright rectangle between two opposite corners would send, without
+    /// running the fill: most rectangles of a page take this route. False if it has no height.
     [[nodiscard]] static bool SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b,
                                             IntRect& out) noexcept;
 
-    /// Gives back the arrays that a large path left. Between fills.
+    /// Frees arrays that grew large. Call between fills.
     void Trim() noexcept {
         m_builder.Trim();
         m_bands.Trim();
@@ -79,13 +79,13 @@ public:
         m_edges.Trim();
     }
 
-    /// Another set of loops than the processor's best, for tests.
+    /// Replaces the processor's best loops, for tests.
     void UseKernels(const BandKernels& kernels) noexcept { m_bands.UseKernels(kernels); }
 
 private:
     enum class Stage { Collects, HasBoxes, HasEdges };
 
-    /// Closes the fill and finds out how it is scanned.
+    /// Closes the fill and decides how it is scanned.
     void Settle();
     void Measure();
 
@@ -95,7 +95,7 @@ private:
     EdgeScanner m_sorting;
     HeapArray<Edge> m_edges;
     IntRect m_visible{};
-    FillShape m_shape{}; // from Stage::HasEdges on
+    FillShape m_shape{}; // valid from Stage::HasEdges on
     Stage m_stage = Stage::Collects;
     Point m_current{};
     float m_tolerance;

@@ -5,7 +5,7 @@
 
 namespace Graphics {
 
-/// Every run has one coverage: the pixels at the sides, and those between.
+/// Makes one run per coverage: the pixels at the sides, and those between.
 void RectangleScanner::CutAnywhere() noexcept {
     const int32_t left = m_samples.From() >> 3;
     const int32_t right = (m_samples.To() + 7) >> 3;
@@ -22,8 +22,8 @@ void RectangleScanner::CutAnywhere() noexcept {
     cut(fullRight, right);
 }
 
-/// The pixels in which the edges stand choose the blocks, which are counted from the frame's left; the right edge may
-/// stand in the pixel behind the last.
+/// Splits as the band scanner does: the blocks are those that contain the edges' pixels, counted from the frame's left;
+/// the right edge may stand in the pixel after the last.
 void RectangleScanner::CutAsBands() noexcept {
     const int32_t origin = m_samples.FrameLeft();
     const int32_t end = m_samples.FrameRight();
@@ -34,7 +34,7 @@ void RectangleScanner::CutAsBands() noexcept {
     const int32_t lastEnd = std::min(lastBlock + kBlock, end);
     const int32_t gapEnd = std::min(lastBlock, end);
     m_cutCount = 0;
-    if (gapEnd - firstEnd <= kBlock) { // a short gap is not worth a run of its own
+    if (gapEnd - firstEnd <= kBlock) { // a short gap does not pay for a run
         m_cuts[m_cutCount++] = {firstBlock, std::max(firstEnd, lastEnd), true};
         return;
     }
@@ -62,7 +62,7 @@ void RectangleScanner::SendRows(RasterizationSink& sink, int32_t y0, int32_t y1,
         return;
     }
     for (int32_t y = y0; y < y1; ++y) {
-        // A sink may change what it gets.
+        // Copied because a sink may change the bytes.
         std::array<uint8_t, kMostShape> bytes = m_shape;
         std::array<CoverageRun, 3> row = runs;
         for (CoverageRun& run : row) {

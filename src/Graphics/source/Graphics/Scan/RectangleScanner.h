@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Sends the coverage of an upright rectangle off the pixel grid: no edges, no cells. Where the output depends on how
-// rows are cut into runs (sources that step along a run begin anew where one begins), the cuts are those of the band
-// scanner.
+// Sends the coverage of an upright rectangle off the pixel grid without edges or cells. If the output depends on how
+// rows are split into runs (sources that step along a run restart with each run), rows are split as the band scanner
+// splits them.
 #pragma once
 
 #include <array>
@@ -18,13 +18,13 @@ public:
     void Send(RasterizationSink& sink);
 
 private:
-    static constexpr int32_t kBlock = 8; // pixels of the band scanner's blocks
+    static constexpr int32_t kBlock = 8; // block width of the band scanner, in pixels
     static constexpr size_t kMostShape = 3 * kBlock;
 
     struct Cut {
         int32_t x0; // pixels
         int32_t x1;
-        bool shaped; // else all pixels have the coverage of the first
+        bool shaped; // false: all pixels have the coverage of the first
     };
 
     void CutAsBands() noexcept;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Setting samples and counting them, sixteen pixels at a time.
+// Sets samples and counts them, sixteen pixels at a time.
 #include "SampleGrid.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ using namespace GX_SIMD_NAMESPACE;
 /// Counts the bits in each byte.
 class BitCounter {
 public:
-    /// Bits that a shift takes into the next byte are masked off.
+    /// Masks remove bits that a shift moves across bytes.
     GX_INLINE U8 Of(U8 v) const noexcept {
         v -= (U8)((U16)v >> 1) & m_twos;
         v = (v & m_fours) + ((U8)((U16)v >> 2) & m_fours);
@@ -31,12 +31,13 @@ private:
 } // namespace
 
 void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexcept {
-    // A pixel keeps its first columns, moved, and gets the last ones of the pixel on its left.
-    // The lowest bit is leftmost: to move right is to shift up, which factors do on lanes of 16 bits.
+    // A pixel keeps its first columns, moved right, and receives the last columns of the pixel to its left. The lowest
+    // bit is leftmost, so moving right is shifting up, done by factors on lanes of 16 bits.
     const U8 ownKeep = Kept(U8{} + static_cast<uint8_t>(0xFF >> right));
     const U16 ownFactor = Kept(U16{} + static_cast<uint16_t>(1 << right));
     const U8 leftKeep = Kept(U8{} + static_cast<uint8_t>(0xFF << (8 - right)));
-    const U16 leftFactor = Kept(U16{} + static_cast<uint16_t>(256 << right)); // of a high product: down by 8 - right
+    const U16 leftFactor = Kept(U16{} + static_cast<uint16_t>(256 << right)); // for a high product: shifts down by 8 -
+                                                                              // right
     const BitCounter counter;
     const size_t stride = CoverageStride(right);
     const int32_t rows = HeightAt(down);
@@ -51,7 +52,7 @@ void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexc
                 const U16 left = MultiplyHigh((U16)(Load<U8>(p - 1) & leftKeep), leftFactor);
                 sum += counter.Of((U8)(own | left));
             }
-            // 4 n - 1 in a byte, 0 for none: ShapeOfCount.
+            // 4 n - 1 in a byte, and 0 for n = 0: ShapeOfCount.
             Store(out + x, (U8)(sum * 4 + (U8)(sum != 0)));
         }
         out += stride;

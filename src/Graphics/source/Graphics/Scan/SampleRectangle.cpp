@@ -26,7 +26,7 @@ bool SampleRectangle::Set(const Vertex& a, const Vertex& b, int32_t clipFirst, i
     m_frameRight = box.right;
     m_from = std::max(UprightColumn(minX), box.left * 8);
     m_to = std::min(UprightColumn(maxX), box.right * 8);
-    m_seesRightEdge = maxX < box.right * 128 + BandScanner::kRoom; // it drops an edge further right
+    m_seesRightEdge = maxX < box.right * 128 + BandScanner::kRoom; // the band scanner drops an edge further right
     if (m_from >= m_to) {
         m_last = m_first;
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The samples of one upright rectangle in closed form: pixel (x, y) holds columns(x) * rows(y) of them, so there are at
-// most three kinds of columns and three of rows, the first, the last, and all between, which have eight.
+// The samples of one upright rectangle in closed form. Pixel (x, y) holds columns(x) * rows(y) samples, and there are
+// at most three kinds of columns and of rows: the first, the last, and those between, which have eight.
 //
 //          +--+--------------+--+
 //          |  |              |  |   first row, 1 to 8 sub-scanlines
@@ -19,7 +19,7 @@
 
 namespace Graphics {
 
-/// The shape byte of n samples, 0 to 64: 4 n - 1, and 0 for none.
+/// The coverage byte of n samples, 0 to 64: 4 n - 1, and 0 for n = 0.
 [[nodiscard]] inline constexpr uint8_t ShapeOfSamples(int32_t n) noexcept {
     return static_cast<uint8_t>(n == 0 ? 0 : n * 4 - 1);
 }
@@ -27,28 +27,28 @@ namespace Graphics {
 class SampleRectangle {
 public:
     /// The rectangle between two opposite corners (fine units) inside the sub-scanlines [clipFirst, clipLast) and the
-    /// visible pixels. False when it is further out than edges are stepped exactly; the general road knows what they
-    /// do there.
+    /// visible pixels. False if it lies beyond the range in which edges are stepped exactly; the caller then builds
+    /// edges.
     [[nodiscard]] bool Set(const Vertex& a, const Vertex& b, int32_t clipFirst, int32_t clipLast,
                            const IntRect& visible) noexcept;
 
-    /// Pixels around the rectangle between two corners, with the room that the band scanner keeps beside it.
+    /// The pixels around the rectangle between two corners, including the band scanner's margin.
     [[nodiscard]] static IntRect Box(const Vertex& a, const Vertex& b) noexcept;
 
     [[nodiscard]] bool Empty() const noexcept { return m_first >= m_last; }
     [[nodiscard]] bool OnPixels() const noexcept { return ((m_from | m_to | m_first | m_last) & 7) == 0; }
-    /// The pixels with samples.
+    /// The pixels that have samples.
     [[nodiscard]] IntRect Pixels() const noexcept {
         return {m_from >> 3, m_first >> 3, (m_to + 7) >> 3, (m_last + 7) >> 3};
     }
 
-    /// Sub columns, [From(), To()).
+    /// The rectangle's sub columns, [From(), To()).
     [[nodiscard]] int32_t From() const noexcept { return m_from; }
     [[nodiscard]] int32_t To() const noexcept { return m_to; }
     [[nodiscard]] int32_t Columns(int32_t pixel) const noexcept {
         return std::clamp(m_to - pixel * 8, 0, 8) - std::clamp(m_from - pixel * 8, 0, 8);
     }
-    /// Pixel columns that the band scanner would look at, and whether it would see the right edge in them.
+    /// The pixel columns of the band scanner's frame, and whether its right edge lies in them.
     [[nodiscard]] int32_t FrameLeft() const noexcept { return m_frameLeft; }
     [[nodiscard]] int32_t FrameRight() const noexcept { return m_frameRight; }
     [[nodiscard]] bool SeesRightEdge() const noexcept { return m_seesRightEdge; }
@@ -56,7 +56,7 @@ public:
     /// Calls f(y0, y1, rows) for each of the at most three groups of pixel rows with `rows` sub-scanlines each.
     template <class F> void ForRows(F&& f) const {
         const int32_t top = m_first >> 3;
-        const int32_t bottom = m_last >> 3; // of the rows that are full at their end
+        const int32_t bottom = m_last >> 3; // end of the full rows
         if (top == (m_last - 1) >> 3) {
             f(top, top + 1, m_last - m_first);
             return;

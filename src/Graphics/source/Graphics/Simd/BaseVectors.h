@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Vectors for code that is compiled once: of the set that every processor of the platform has, sixteen bytes each.
+// Vectors for code that is compiled once: the set that every processor of the platform has, 16 bytes each.
 #pragma once
 
 #ifndef GX_SIMD

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Arithmetic on the channels of pixels. A pixel is one lane of 32 bits. Its channels are multiplied in lanes of 16
-// bits, two to a pixel: a byte times a factor up to 256 fits, and shifts stay inside their lane. A channel in the high
-// byte of its half, times such a factor, has the product's high byte where a high product leaves it.
+// Arithmetic on the channels of pixels. A pixel is one lane of 32 bits. Channels are multiplied in lanes of 16 bits,
+// two per pixel: a byte times a factor up to 256 fits, and shifts stay inside their lane. If a channel lies in the high
+// byte of its half, the high half of its product with a factor is (channel * factor) >> 8.
 #pragma once
 
 #include "Vectors.h"
@@ -14,18 +14,18 @@ inline constexpr uint32_t kAlpha = 0xFF000000U;
 
 GX_INLINE inline U32 Alpha(U32 x) noexcept { return x >> 24; }
 
-/// A byte or factor of each pixel in both halves.
+/// Copies a byte or factor of each pixel to both halves.
 GX_INLINE inline U32 Spread(U32 v) noexcept { return v | v << 16; }
 
 /// Factors for Scale from a byte v: v + 1, and 256 - v.
 GX_INLINE inline U32 FactorOf(U32 v) noexcept { return Spread(v) + 0x00010001U; }
 GX_INLINE inline U32 ComplementOf(U32 v) noexcept { return 0x01000100U - Spread(v); }
 
-/// Blue and red, green and alpha, in the high bytes of the halves.
+/// Blue and red, or green and alpha, in the high bytes of the halves.
 GX_INLINE inline U16 Even(U32 c) noexcept { return (U16)c << 8; }
 GX_INLINE inline U16 Odd(U32 c) noexcept { return (U16)c & 0xFF00U; }
 
-/// Each channel (channel * k) >> 8, the factor spread.
+/// (channel * k) >> 8 for each channel; k is spread.
 GX_INLINE inline U32 Scale(U32 x, U32 k) noexcept {
     const U16 even = MultiplyHigh(Even(x), (U16)k);
     const U16 odd = (((U16)x >> 8) * (U16)k) & 0xFF00U;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Which instruction sets the processor has, and one switch for all tables of kernels together: a page must have the
-// same bytes whichever tables draw it, and a test can only say so when it can choose.
+// The processor's instruction sets, and one switch for all kernel tables: a page must have the same bytes whichever
+// tables draw it, and tests choose tables to prove it.
 #pragma once
 
 #include <atomic>
@@ -12,14 +12,14 @@ enum class InstructionSet { Plain, SSE2, AVX2, AVX512 };
 
 inline constexpr int kInstructionSetCount = 4;
 
-/// True where the build has kernels for the set and the processor runs them.
+/// True if the build has kernels for the set and the processor supports it.
 [[nodiscard]] bool ProcessorHas(InstructionSet set) noexcept;
 
 /// "plain", "sse2", "avx2" or "avx512".
 [[nodiscard]] const char* NameOf(InstructionSet set) noexcept;
 
-/// For tests and benches: kernels made for sets beyond `widest` are not used from the next draw on. Not while another
-/// thread draws.
+/// For tests and benches: from the next draw on, no kernels of sets beyond `widest` are used. Not while another thread
+/// draws.
 void AllowInstructionSets(InstructionSet widest) noexcept;
 
 namespace Detail {
@@ -27,8 +27,8 @@ inline constexpr int kNotYetKnown = -1;
 inline constinit std::atomic<int> g_activeSet{kNotYetKnown};
 } // namespace Detail
 
-/// The widest set that the processor has and that is allowed. It is found at the first use, whichever static object
-/// asks first.
+/// The widest set that the processor has and that is allowed. Determined at first use, which may be in the constructor
+/// of any static object.
 [[nodiscard]] inline InstructionSet ActiveInstructionSet() noexcept {
     const int set = Detail::g_activeSet.load(std::memory_order_relaxed);
     if (set != Detail::kNotYetKnown) [[likely]] {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The tables of one kind of kernels, one for each instruction set of the build. A kind is a struct of function
-// pointers, `Kernels`. Its loops lie in a source whose name ends in Loops.cpp, which the build compiles once for each
-// set and which defines that set's table. Where the processor lacks a set, nothing calls its table.
+// The tables of one kind of kernels, one for each instruction set of the build. `Kernels` is a struct of function
+// pointers. The loops are in a source whose name ends in Loops.cpp; the build compiles it once per set, and each
+// compilation defines that set's table. Tables of sets that the processor lacks are never called.
 #pragma once
 
 #include "InstructionSets.h"
@@ -10,13 +10,13 @@ namespace Graphics {
 
 template <class Kernels> class KernelTable {
 public:
-    /// The table that draws.
+    /// The table used for drawing.
     [[nodiscard]] static const Kernels& Active() noexcept {
         const Kernels* selected = s_selected.load(std::memory_order_acquire);
         return selected != nullptr ? *selected : Made(ActiveInstructionSet());
     }
 
-    /// The table of a set; null where the processor or the build lacks the set.
+    /// The table of a set; null if the processor or the build lacks the set.
     [[nodiscard]] static const Kernels* Of(InstructionSet set) noexcept {
         return ProcessorHas(set) ? s_bySet[static_cast<int>(set)] : nullptr;
     }
@@ -24,7 +24,7 @@ public:
     /// The table of a set that the processor is known to have.
     [[nodiscard]] static const Kernels& Made(InstructionSet set) noexcept { return *s_bySet[static_cast<int>(set)]; }
 
-    /// For tests and benches of one kind of kernels: makes a table the active one; null gives the choice back.
+    /// For tests and benches of one kind of kernels: forces a table; null restores the choice by instruction set.
     static void Select(const Kernels* table) noexcept { s_selected.store(table, std::memory_order_release); }
 
 private:

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The vector types of one instruction set. Included by the set's file of verbs alone, which says first how many bytes a
-// register has (GX_SIMD_BYTES).
+// The vector types of one instruction set. Included only by the set's verb file, which first defines the bytes of a
+// register (GX_SIMD_BYTES).
 //
-// A source of kernels is compiled once for each set, with the set's flags and its name in GX_SIMD. Everything that it
-// makes lies in the set's namespace, and in an unnamed one but for the tables: so no inline function that was compiled
-// for a wide processor can be linked into code for a narrow one.
+// A kernel source is compiled once per set, with the set's flags and its name in GX_SIMD. Everything in it lies in the
+// set's namespace, and all but the tables in an unnamed one; so the linker cannot use an inline function compiled for a
+// wide processor in code for a narrow one.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,8 @@
 #define GX_SIMD_JOIN(a, b) GX_SIMD_JOINED(a, b)
 #define GX_SIMD_NAMESPACE GX_SIMD_JOIN(Simd, GX_SIMD)
 
-/// An attribute, also for members and lambdas. Verbs and what is built from them are always inlined, since vectors
-/// would go through memory at a call.
+/// An attribute, also for members and lambdas. Verbs and the functions built from them are always inlined, since a call
+/// would pass vectors through memory.
 #define GX_INLINE __attribute__((always_inline))
 
 namespace Graphics::GX_SIMD_NAMESPACE {

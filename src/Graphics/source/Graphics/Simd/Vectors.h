@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The one vector layer of all kernels: the set's verbs, which the language cannot express, and what is the same text
-// for all sets. A further set is a file of verbs, a name in InstructionSets and in GX_EACH_SET, and a line in
-// CMakeLists.txt.
+// The one vector layer of all kernels: the verbs of the set, which the language cannot express, and the code common to
+// all sets. To add a set: a verb file, a name in InstructionSets and in GX_EACH_SET, and a line in CMakeLists.txt.
 #pragma once
 
 #include <utility>
@@ -17,7 +16,7 @@ namespace {
 
 // ---- Rows ----
 //
-// n is kLanes but at the end of a row: one text serves blocks and tails.
+// n is kLanes except at the end of a row, so one code path serves blocks and tails.
 
 template <class V = U32> GX_INLINE inline V Load(const void* p) noexcept {
     V v;
@@ -26,7 +25,7 @@ template <class V = U32> GX_INLINE inline V Load(const void* p) noexcept {
 }
 template <class V> GX_INLINE inline void Store(void* p, V v) noexcept { __builtin_memcpy(p, &v, sizeof v); }
 
-/// The first n words, zeros beyond.
+/// The first n words, then zeros.
 template <class V = U32> GX_INLINE inline V LoadSome(const void* p, size_t n) noexcept {
     if (n == kLanes) [[likely]] {
         return Load<V>(p);
@@ -41,7 +40,7 @@ template <class V> GX_INLINE inline void StoreSome(void* p, size_t n, V v) noexc
     StorePart(p, n, (U32)v);
 }
 
-/// Calls step(i, n) over a row; the last block may be short.
+/// Calls step(i, n) along a row; the last block may be short.
 template <class Step> GX_INLINE inline void ForBlocks(size_t count, Step&& step) noexcept {
     size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
@@ -52,7 +51,7 @@ template <class Step> GX_INLINE inline void ForBlocks(size_t count, Step&& step)
     }
 }
 
-/// The same for long bodies, which then stand once in the code.
+/// ForBlocks for long bodies: the body is instantiated only once.
 template <class Step> GX_INLINE inline void ForBlocksOnce(size_t count, Step&& step) noexcept {
     for (size_t i = 0; i < count; i += kLanes) {
         step(i, count - i < kLanes ? count - i : kLanes);
@@ -90,7 +89,7 @@ GX_INLINE inline U64 LongAscending() noexcept {
     return v;
 }
 
-/// The last N lanes of `below`, then the first ones of v: lanes move up by N.
+/// The last N lanes of `below`, then the first lanes of v: moves lanes up by N.
 template <size_t N, size_t... kLane>
 GX_INLINE inline U64 Moved(U64 v, U64 below, std::index_sequence<kLane...>) noexcept {
     return __builtin_shufflevector(below, v, (kLongLanes - N + kLane)...);
@@ -98,7 +97,7 @@ GX_INLINE inline U64 Moved(U64 v, U64 below, std::index_sequence<kLane...>) noex
 template <size_t N> GX_INLINE inline U64 MovedUp(U64 v, U64 below) noexcept {
     return Moved<N>(v, below, std::make_index_sequence<kLongLanes>());
 }
-/// The last lane in all of them.
+/// Copies the last lane to all lanes.
 template <size_t... kLane> GX_INLINE inline U64 LastOf(U64 v, std::index_sequence<kLane...>) noexcept {
     return __builtin_shufflevector(v, v, (kLane * 0 + kLongLanes - 1)...);
 }

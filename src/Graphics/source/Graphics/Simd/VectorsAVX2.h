@@ -80,7 +80,7 @@ GX_INLINE inline void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
         p[i] = static_cast<uint8_t>(bytes >> (8 * i));
     }
 }
-/// The packs work within each half: the last step puts the groups of four back in order.
+/// The packs work within each half; the last step restores the order of the groups of four.
 GX_INLINE inline U32 NarrowFour(U32 a, U32 b, U32 c, U32 d) noexcept {
     const __m256i mixed =
         _mm256_packus_epi16(_mm256_packs_epi32((__m256i)a, (__m256i)b), _mm256_packs_epi32((__m256i)c, (__m256i)d));
@@ -119,7 +119,7 @@ GX_INLINE inline F32 Repeat(const float* four) noexcept {
 GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
     return (U32)_mm256_i32gather_epi32(reinterpret_cast<const int*>(base), (__m256i)offsets, 1);
 }
-/// Shuffles stay in their quarters of 128 bits: offsets are dealt out before, so that words come out in order.
+/// Shuffles stay in their 128-bit quarters, so offsets are distributed first to make words come out in order.
 GX_INLINE inline void GatherPairs(const uint8_t* base, I32 offsets, U32& first, U32& second) noexcept {
     const auto* p = reinterpret_cast<const long long*>(base);
     const __m256i all = _mm256_permute4x64_epi64((__m256i)offsets, 0xD8);

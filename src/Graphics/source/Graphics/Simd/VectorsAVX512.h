@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The verbs of AVX-512 (F, BW, VL, DQ, CD); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing forms of
-// the intrinsics with a full mask are the plain instructions: those without a mask use operands of undefined value, for
+// The verbs of AVX-512 (F, BW, VL, DQ, CD); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing
+// intrinsics with a full mask compile to the plain instructions; the unmasked ones use operands of undefined value, for
 // which GCC 12 warns.
 #pragma once
 
@@ -92,7 +92,7 @@ GX_INLINE inline F32 Repeat(const float* four) noexcept {
 GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
     return (U32)_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), 0xFFFF, (__m512i)offsets, base, 1);
 }
-/// Shuffles stay in their quarters of 128 bits: offsets are dealt out before, so that words come out in order.
+/// Shuffles stay in their 128-bit quarters, so offsets are distributed first to make words come out in order.
 GX_INLINE inline void GatherPairs(const uint8_t* base, I32 offsets, U32& first, U32& second) noexcept {
     const __m512i zero = _mm512_setzero_si512();
     const __m512i all =
@@ -135,13 +135,13 @@ GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm512_maskz_cvtepi64_epi8(0xFF, shape));
 }
 
-/// Eight long lanes are the sub-scanlines of a pixel row, a bit of a mask each.
+/// Eight long lanes are the sub-scanlines of a pixel row, one mask bit each.
 using RowMask = __mmask8;
 /// The lanes of `of` where a and b are equal.
 GX_INLINE inline RowMask EqualLanes(RowMask of, I64 a, int64_t b) noexcept {
     return _mm512_mask_cmpeq_epi64_mask(of, (__m512i)a, _mm512_set1_epi64(b));
 }
-/// The low bytes of the lanes of a mask, 0 for the others.
+/// The low bytes of the lanes in a mask; 0 for the other lanes.
 GX_INLINE inline uint64_t LowBytes(RowMask of, U64 v) noexcept {
     return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(of, (__m512i)v)));
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The verbs in the language's own terms, on vectors of 16 bytes: what every other set's verbs must do. The kinds of
-// kernels whose plain form is not written over vectors need no more than these; the other sets also have the verbs of
-// VectorsSSE2.h.
+// The verbs in plain C++ on vectors of 16 bytes: the reference for every other set's verbs. Kernels whose scalar form
+// is not written with vectors need no more than these; the other sets also have the verbs of VectorsSSE2.h.
 #pragma once
 
 #define GX_SIMD_BYTES 16
@@ -12,7 +11,7 @@ namespace {
 
 // ---- Part of a row ----
 
-/// The first n < kLanes words, zeros beyond.
+/// The first n < kLanes words, then zeros.
 GX_INLINE inline U32 LoadPart(const void* p, size_t n) noexcept {
     U32 v{};
     __builtin_memcpy(&v, p, n * 4);
@@ -32,7 +31,7 @@ GX_INLINE inline bool AllBelow(U32 a, U32 x, U32 b, U32 y) noexcept {
     return MaskBits((I32)(a < x) & (I32)(b < y)) == 15;
 }
 
-/// The lower, the higher of two; b where one is not a number.
+/// The lower and the higher of two; b if one is NaN.
 GX_INLINE inline F32 Lower(F32 a, F32 b) noexcept { return a < b ? a : b; }
 GX_INLINE inline F32 Higher(F32 a, F32 b) noexcept { return a > b ? a : b; }
 /// Correctly rounded.
@@ -42,7 +41,7 @@ GX_INLINE inline F32 SquareRoot(F32 v) noexcept {
     }
     return v;
 }
-/// Towards zero; INT32_MIN for what lies outside the integers or is not a number.
+/// Truncates; INT32_MIN for values outside the integers and NaN.
 GX_INLINE inline I32 Truncate(F32 v) noexcept {
     I32 r{};
     for (size_t i = 0; i < kLanes; ++i) {
@@ -57,16 +56,16 @@ GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept {
     }
     return a;
 }
-/// Words below 65536, in both halves.
+/// Copies words below 65536 to both halves.
 GX_INLINE inline U32 Twice(U32 w) noexcept { return w | w << 16; }
 
-/// Four floats again and again.
+/// Four floats, repeated.
 GX_INLINE inline F32 Repeat(const float* four) noexcept {
     F32 v;
     __builtin_memcpy(&v, four, sizeof v);
     return v;
 }
-/// The words at base + offsets, in bytes.
+/// The words at base + offsets; offsets are in bytes.
 GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
     U32 r{};
     for (size_t i = 0; i < kLanes; ++i) {
@@ -76,25 +75,25 @@ GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
     }
     return r;
 }
-/// The words at base + offsets, and those that follow them.
+/// The words at base + offsets, and the words that follow each.
 GX_INLINE inline void GatherPairs(const uint8_t* base, I32 offsets, U32& first, U32& second) noexcept {
     first = Gather(base, offsets);
     second = Gather(base + 4, offsets);
 }
-/// words[at] where all `at` are below kNearWords and `known` words are there, at least one; 0 beyond them. Without a
-/// lookup in registers none is near.
+/// words[at] for `at` below `known`, which is at least 1, and 0 beyond; all `at` are below kNearWords. 0: the set has
+/// no lookup in registers.
 constexpr uint32_t kNearWords = 0;
 GX_INLINE inline U32 Pick(const uint8_t*, size_t, I32) noexcept { return U32{}; }
 
-/// A constant that stays in its register through a loop: the compiler would build it anew for every block.
+/// Keeps a constant in its register through a loop; the compiler would rebuild it for every block.
 template <class V> GX_INLINE inline V Kept(V v) noexcept { return v; }
 
 // ---- Lanes of 64 bits ----
 
 GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
-/// Every bit that at least two of them have.
+/// The bits set in at least two of the three.
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
-/// One bit for each lane of a mask; v where the mask is set, else 0; the higher of two, b where one is not a number.
+/// One bit for each lane of a mask; v where the mask is set, else 0; the higher of two, b if one is NaN.
 GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return static_cast<uint32_t>((mask[0] & 1) | (mask[1] & 2)); }
 GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)(mask & (I64)v); }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return a > b ? a : b; }
@@ -102,7 +101,7 @@ GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return a > b ? a : b; }
 GX_INLINE inline U64 BitCount(U64 v) noexcept {
     return U64{static_cast<uint64_t>(__builtin_popcountll(v[0])), static_cast<uint64_t>(__builtin_popcountll(v[1]))};
 }
-/// The shape bytes of eight pixels from their counts of samples n: 4 n - 1, and 0 for n = 0.
+/// The coverage bytes of eight pixels from their sample counts n: 4 n - 1, and 0 for n = 0.
 GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
     for (size_t i = 0; i < 8; ++i) {
         const uint64_t n = counts[i / kLongLanes][i % kLongLanes];

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The verbs of SSE2, which every processor with 64 bits has.
+// The verbs of SSE2, which every 64-bit x86 processor has.
 #pragma once
 
 #include <emmintrin.h>
@@ -25,7 +25,7 @@ GX_INLINE inline U32 JoinWords(const uint8_t* a, const uint8_t* b, const uint8_t
     return (U32)_mm_unpacklo_epi64(_mm_unpacklo_epi32(WordAt(a), WordAt(b)), _mm_unpacklo_epi32(WordAt(c), WordAt(d)));
 }
 
-/// By words, to which any store before is forwarded, whatever spans it wrote.
+/// Loads word by word, because store forwarding then works for any earlier store.
 
 GX_INLINE inline U32 LoadPart(const void* from, size_t n) noexcept {
     const auto* p = static_cast<const uint8_t*>(from);
@@ -61,7 +61,7 @@ GX_INLINE inline U32 WidenWord(uint32_t bytes) noexcept {
     const __m128i halves = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(bytes)), zero);
     return (U32)_mm_unpacklo_epi16(halves, zero);
 }
-/// kLanes bytes; the first n.
+/// Widens kLanes bytes; widens the first n.
 GX_INLINE inline U32 Widen(const uint8_t* p) noexcept {
     uint32_t bytes;
     __builtin_memcpy(&bytes, p, 4);
@@ -74,7 +74,7 @@ GX_INLINE inline U32 WidenPart(const uint8_t* p, size_t n) noexcept {
     }
     return WidenWord(bytes);
 }
-/// kLanes bytes, each in all four bytes of its lane.
+/// Widens kLanes bytes, each copied to all four bytes of its lane.
 GX_INLINE inline U32 WidenToAll(const uint8_t* p) noexcept {
     uint32_t bytes;
     __builtin_memcpy(&bytes, p, 4);
@@ -82,7 +82,7 @@ GX_INLINE inline U32 WidenToAll(const uint8_t* p) noexcept {
     const __m128i pairs = _mm_unpacklo_epi8(v, v);
     return (U32)_mm_unpacklo_epi16(pairs, pairs);
 }
-/// kLanes triples of bytes; any fourth byte. Reads kTripleReach bytes.
+/// Widens kLanes byte triples; the fourth byte is undefined. Reads kTripleReach bytes.
 constexpr size_t kTripleReach = 13;
 GX_INLINE inline U32 WidenTriples(const uint8_t* p) noexcept { return JoinWords(p, p + 3, p + 6, p + 9); }
 
@@ -90,7 +90,7 @@ GX_INLINE inline uint32_t NarrowWord(U32 v) noexcept {
     const __m128i halves = _mm_packs_epi32((__m128i)v, (__m128i)v);
     return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(halves, halves)));
 }
-/// Values up to 255, a byte each; the first n; those of four vectors.
+/// Narrows values up to 255 to a byte each; the first n of them; four vectors.
 GX_INLINE inline void Narrow(uint8_t* p, U32 v) noexcept {
     const uint32_t bytes = NarrowWord(v);
     __builtin_memcpy(p, &bytes, 4);
@@ -104,7 +104,7 @@ GX_INLINE inline void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
 GX_INLINE inline U32 NarrowFour(U32 a, U32 b, U32 c, U32 d) noexcept {
     return (U32)_mm_packus_epi16(_mm_packs_epi32((__m128i)a, (__m128i)b), _mm_packs_epi32((__m128i)c, (__m128i)d));
 }
-/// True when kLanes bytes all are v.
+/// True if all kLanes bytes equal v.
 GX_INLINE inline bool BytesAre(const uint8_t* p, uint8_t v) noexcept {
     uint32_t bytes;
     __builtin_memcpy(&bytes, p, 4);
@@ -123,7 +123,7 @@ GX_INLINE inline F32 Higher(F32 a, F32 b) noexcept { return (F32)_mm_max_ps((__m
 GX_INLINE inline F32 SquareRoot(F32 v) noexcept { return (F32)_mm_sqrt_ps((__m128)v); }
 GX_INLINE inline I32 Truncate(F32 v) noexcept { return (I32)_mm_cvttps_epi32((__m128)v); }
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm_mulhi_epu16((__m128i)a, (__m128i)b); }
-/// The sum of the products of both halves, which are below 32768.
+/// The sum of the products of both halves; factors are below 32768.
 GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept { return (U32)_mm_madd_epi16((__m128i)a, (__m128i)b); }
 GX_INLINE inline U32 Twice(U32 w) noexcept { return w | w << 16; }
 
@@ -165,7 +165,7 @@ GX_INLINE inline U64 BitCount(U64 bits) noexcept {
     v = _mm_and_si128(_mm_add_epi8(v, _mm_srli_epi64(v, 4)), m4);
     return (U64)_mm_sad_epu8(v, _mm_setzero_si128());
 }
-/// Two vectors of counts to four lanes of 32 bits; eight of 16 bits to their shape bytes.
+/// Two vectors of counts to four 32-bit lanes; eight 16-bit counts to their coverage bytes.
 GX_INLINE inline __m128i Lows(U64 a, U64 b) noexcept { return (__m128i)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88); }
 GX_INLINE inline void StoreShape(uint8_t* out, const U64* c) noexcept {
     const __m128i n = _mm_packs_epi32(Lows(c[0], c[1]), Lows(c[2], c[3]));

@@ -24,7 +24,7 @@ WrittenPixels WrittenBy(const SwTargetPlanes& planes, const IntRect& area) noexc
     WrittenPixels written;
     written.visible = area;
     if (planes.alpha != nullptr || IsEmpty(area)) {
-        return written; // groups have memory of their own
+        return written; // groups have their own memory
     }
     const auto* first = reinterpret_cast<const uint8_t*>(PixelAt(planes, area.left, area.top));
     const auto* last = reinterpret_cast<const uint8_t*>(PixelAt(planes, area.left, area.bottom - 1));

@@ -8,15 +8,14 @@ namespace {
 
 [[nodiscard]] uint32_t Scale(uint32_t v, uint32_t factor) noexcept { return v * factor >> 8; }
 
-/// Row y of a plane of words whose base belongs to the planes' origin.
+/// Row y of a plane of words; `base` is the address of the planes' origin.
 template <class Base>
 [[nodiscard]] auto* WordsAt(Base* base, ptrdiff_t stride, const SwTargetPlanes& planes, int32_t x, int32_t y) noexcept {
     using Word = std::conditional_t<std::is_const_v<Base>, const uint32_t, uint32_t>;
     return reinterpret_cast<Word*>(base + (y - planes.origin.y) * stride) + (x - planes.origin.x);
 }
 
-/// Calls part(y, x0, x1, coverage) for the columns of each row that the clip does not leave out altogether, null for
-/// those that it leaves as they are.
+/// Calls part(y, x0, x1, coverage) for the columns of each row that the clip covers; a null coverage means full.
 template <class Part> void ForParts(const IntRect& region, const ClipRegion* clip, Part&& part) {
     for (int32_t y = region.top; y < region.bottom; ++y) {
         if (IsMasked(clip)) {
@@ -53,7 +52,7 @@ void ClearSurface(const RowKernels& kernels, const SwTargetPlanes& planes, const
     });
 }
 
-/// One pixel of a group, of which `share` (255: all) is replaced.
+/// Clears one pixel of a group, of which the part `share` (255: all) is replaced.
 void ClearGroupPixel(uint32_t& pixel, uint8_t& groupAlpha, uint8_t& groupShape, uint32_t backdrop, uint32_t color,
                      uint32_t share) {
     const uint32_t alpha = color >> 24;
@@ -67,7 +66,7 @@ void ClearGroupPixel(uint32_t& pixel, uint8_t& groupAlpha, uint8_t& groupShape, 
     }
     groupAlpha = static_cast<uint8_t>(mix(groupAlpha, alpha));
     groupShape = static_cast<uint8_t>(mix(groupShape, 255));
-    // The plane's alpha is the union of the group's and the backdrop's, as drawing leaves it.
+    // The alpha of the colour plane is the union of the group's and the backdrop's, as after a draw.
     const uint32_t group = groupAlpha;
     const uint32_t below = backdrop >> 24;
     pixel = result | (group + below - (group * (below + 1) >> 8)) << 24;

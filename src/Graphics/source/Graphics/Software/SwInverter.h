@@ -7,7 +7,7 @@
 
 namespace Graphics {
 
-/// Inverts in memory.
+/// A PixelInverter on pixels in memory.
 class SwInverter final : public PixelInverter {
 public:
     SwInverter(const SwTargetPlanes& target, const IntRect& bounds, const ClipRegion* clip) noexcept

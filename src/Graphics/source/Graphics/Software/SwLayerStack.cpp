@@ -21,7 +21,7 @@ void SwLayerStack::Drop() noexcept {
     m_open.pop_back();
     layer->Close();
     if (m_spare.size() < kSpare) {
-        m_spare.push_back(std::move(layer)); // there is room
+        m_spare.push_back(std::move(layer)); // capacity is reserved
     }
 }
 

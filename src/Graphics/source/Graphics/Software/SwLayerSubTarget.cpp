@@ -57,7 +57,7 @@ bool SwLayerSubTarget::HasTouched(const IntRect& region) const noexcept {
 }
 
 IntRect SwLayerSubTarget::Grown(const IntRect& region) const noexcept {
-    // A side that moves does so by an eighth of the width or height at least: a hundred steps to any size.
+    // A side that moves moves by at least an eighth of the width or height, so a hundred steps reach any size.
     const IntRect t = m_touched;
     IntRect grown = Union(t, region);
     if (!IsEmpty(t)) {
@@ -75,7 +75,7 @@ void SwLayerSubTarget::Reach(const IntRect& region) {
     if (HasTouched(region)) {
         return;
     }
-    // Down the groups that lack pixels that the one above them is going to read, and up again, giving them.
+    // Walks down the groups that lack pixels needed by the group above, then up again, initialising them.
     m_above = nullptr;
     m_wanted = Union(m_touched, region);
     SwLayerSubTarget* lowest = this;
@@ -98,7 +98,7 @@ void SwLayerSubTarget::Touch(const IntRect& region) {
         MakePlanes();
     }
     if (m_below != nullptr) {
-        // The bounds of a group lie inside those of every group around it.
+        // The bounds of a group lie inside those of every enclosing group.
         SwLayerSubTarget* layer = m_below->AsLayer();
         m_belowPlanes =
             layer != nullptr ? layer->m_planes : static_cast<SwBasicSubTarget*>(m_below)->ReadPlanes(region);

@@ -12,17 +12,17 @@ namespace {
 
 constexpr int32_t kMaskChunk = 1024;
 
-/// Shorter rows follow each other so closely that asking for the next one only costs.
-constexpr size_t kExpectedFrom = 64;
-/// The same for runs between the edges of a shape, which may end elsewhere in the next row.
-constexpr size_t kExpectedRun = 256;
+/// Shorter rows follow each other so closely that prefetching the next one only costs time.
+constexpr size_t kPrefetchFrom = 64;
+/// The limit for runs between a shape's edges, which may lie elsewhere in the next row.
+constexpr size_t kPrefetchRun = 256;
 
-/// Of targets from this size on, the pixels at the edges of a shape are asked for some rows ahead, where the edges will
-/// about be. It costs small shapes on targets that stay in the cache a few hundredths of their time.
+/// On targets from this size on, pixels at a shape's edges are prefetched some rows ahead, near where the edges will
+/// be. On cached targets this would cost small shapes a few hundredths of their time.
 constexpr ptrdiff_t kFarBytes = 8 << 20;
 constexpr int32_t kAhead = 2;
 
-/// The mask's values over columns [x0, x1) of row y where they lie in memory; null where they have to be made.
+/// The mask's values over columns [x0, x1) of row y if they lie in memory; otherwise null.
 [[nodiscard]] const uint8_t* MaskRow(const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1) noexcept {
     if (mask.plane != nullptr) {
         return mask.plane + (y - mask.planeOrigin.y) * mask.planeStride + (x0 - mask.planeOrigin.x);
@@ -30,8 +30,8 @@ constexpr int32_t kAhead = 2;
     return mask.type == GXMaskTypeAlpha ? mask.source->DirectAlpha(x0, x1, y) : nullptr;
 }
 
-/// Calls use(x, values, count) for each chunk of the values over columns [x0, x1) of row y of a mask that is a colour
-/// source. The values may be changed.
+/// For a mask with a colour source: calls use(x, values, count) for each chunk of its values over columns [x0, x1) of
+/// row y. The values may be changed.
 template <class Use>
 void ForMaskChunks(const RowKernels& kernels, const SwMaskInput& mask, int32_t y, int32_t x0, int32_t x1, Use&& use) {
     alignas(64) uint32_t pixels[kMaskChunk];
@@ -56,8 +56,8 @@ void SetRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, cons
     const auto width = static_cast<size_t>(r.right - r.left);
     for (int32_t y = r.top; y < r.bottom; ++y) {
         uint32_t* dst = PixelAt(planes, r.left, y);
-        if (width >= kExpectedFrom && y + 1 < r.bottom) {
-            kernels.expect(PixelAt(planes, r.left, y + 1), width);
+        if (width >= kPrefetchFrom && y + 1 < r.bottom) {
+            kernels.prefetch(PixelAt(planes, r.left, y + 1), width);
         }
         kernels.setOpaque(dst, shape, width);
         shape += shape == nullptr ? 0 : shapeStride;
@@ -105,16 +105,16 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
                 ++i;
             }
             if (i - first > 1) {
-                m_kernels.expect(Pixels(runs[first].x0, y), static_cast<size_t>(runs[i - 1].x1 - runs[first].x0));
+                m_kernels.prefetch(Pixels(runs[first].x0, y), static_cast<size_t>(runs[i - 1].x1 - runs[first].x0));
                 m_joined = m_buffers.color.data();
                 m_source->FillRuns(runs.subspan(first, i - first), y, m_joined);
             }
         }
         for (size_t k = first; k < i; ++k) {
             if (m_isFar && runs[k].shape != nullptr && y + kAhead < m_bounds.bottom) {
-                m_kernels.expect(Pixels(runs[k].x0, y + kAhead), static_cast<size_t>(runs[k].x1 - runs[k].x0));
+                m_kernels.prefetch(Pixels(runs[k].x0, y + kAhead), static_cast<size_t>(runs[k].x1 - runs[k].x0));
             }
-            Stretch(y, runs[k].x0, runs[k].x1, runs[k].shape, runs[k].value);
+            PaintSpan(y, runs[k].x0, runs[k].x1, runs[k].shape, runs[k].value);
             m_joined += m_joined == nullptr ? 0 : runs[k].x1 - runs[k].x0;
         }
         m_joined = nullptr;
@@ -126,10 +126,10 @@ void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
         const auto n = static_cast<size_t>(run.x1 - run.x0);
         if (run.shape != nullptr) {
             if (m_isFar && y + kAhead < m_bounds.bottom) {
-                m_kernels.expect(Pixels(run.x0, y + kAhead), n);
+                m_kernels.prefetch(Pixels(run.x0, y + kAhead), n);
             }
-        } else if (n >= kExpectedRun && y + 1 < m_bounds.bottom) {
-            m_kernels.expect(Pixels(run.x0, y + 1), n);
+        } else if (n >= kPrefetchRun && y + 1 < m_bounds.bottom) {
+            m_kernels.prefetch(Pixels(run.x0, y + 1), n);
         }
     }
     m_kernels.solidRuns(m_kernels, Pixels(runs.front().x0, y), m_solid, runs.data(), runs.size());
@@ -138,12 +138,12 @@ void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
 template <class Paint> void SwPipeLine::ForRows(const IntRect& r, Paint&& paint) const {
     const auto width = static_cast<size_t>(r.right - r.left);
     const ptrdiff_t stride = m_target.colorStride;
-    const bool expects = width >= kExpectedFrom;
+    const bool prefetches = width >= kPrefetchFrom;
     uint32_t* dst = Pixels(r.left, r.top);
     for (int32_t y = r.top; y < r.bottom; ++y) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) + stride);
-        if (expects && y + 1 < r.bottom) {
-            m_kernels.expect(next, width);
+        if (prefetches && y + 1 < r.bottom) {
+            m_kernels.prefetch(next, width);
         }
         paint(y, dst, width);
         dst = next;
@@ -175,7 +175,7 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
         return;
     }
     if (!IsPlain() || !PlainBlock(r)) {
-        ForRows(r, [&](int32_t y, uint32_t*, size_t) { Stretch(y, r.left, r.right, nullptr, 255); });
+        ForRows(r, [&](int32_t y, uint32_t*, size_t) { PaintSpan(y, r.left, r.right, nullptr, 255); });
     }
 }
 
@@ -200,7 +200,7 @@ void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
                                        static_cast<size_t>(x1 - x0), rows);
             continue;
         }
-        // A run of one pixel, a longer one and a run of one pixel go together.
+        // A run of one pixel, a longer run and another of one pixel are painted by one call.
         const auto follows = [&](int32_t x) {
             return i < runs.size() && runs[i].x0 == x && runs[i].shape == nullptr && x < r.right;
         };
@@ -287,7 +287,7 @@ bool SwPipeLine::Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs)
     return true;
 }
 
-void SwPipeLine::Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value) {
+void SwPipeLine::PaintSpan(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value) {
     if (m_clip == nullptr) {
         Masked(y, x0, x1, shape, value, nullptr);
         return;
@@ -312,7 +312,7 @@ void SwPipeLine::Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8
     const bool masked = m_shapeMaskCount != 0 || clip != nullptr;
     if (shape == nullptr && (masked || value != 255)) {
         shape = m_buffers.shape.data();
-        // 255 scaled by m is m: one mask alone is the coverage.
+        // 255 scaled by m is m, so a single mask is the coverage.
         const uint8_t* alone = nullptr;
         if (value == 255 && m_shapeMaskCount == 0) {
             alone = clip;
@@ -338,7 +338,7 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
     const auto count = static_cast<size_t>(x1 - x0);
     uint32_t* buffer = m_joined != nullptr ? m_joined : m_buffers.color.data();
     if (m_joined != nullptr) {
-        // Filled together with its neighbours.
+        // Already computed together with the neighbouring spans.
     } else if (m_isSolid) {
         if (m_opacityMask != nullptr) {
             m_kernels.fill32(buffer, m_solid, count);
@@ -347,12 +347,12 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
             m_solidRowReady = true;
         }
     } else {
-        // A mask scales in place, so only without one may the source's own row be used.
+        // A mask scales in place, so the source's own row can be used only without one.
         const uint32_t* direct = m_opacityMask != nullptr ? nullptr : m_source->DirectRow(x0, x1, y);
         if (direct != nullptr) {
             return direct;
         }
-        m_kernels.expect(Pixels(x0, y), count); // its pixels arrive while the colours are found
+        m_kernels.prefetch(Pixels(x0, y), count); // the pixels arrive while the colours are computed
         m_source->Fill(x0, x1, y, buffer);
     }
     if (m_opacityMask != nullptr) {
@@ -364,8 +364,8 @@ const uint32_t* SwPipeLine::Color(int32_t y, int32_t x0, int32_t x1) {
 }
 
 void SwPipeLine::MaskedSolid(uint32_t* dst, int32_t y, int32_t x0, int32_t x1) {
-    // Without coverage the mask takes its place: both scale the source in the same way. Where the mask leaves nothing
-    // of the source's alpha, alpha * (m + 1) < 256, the pixel stays, as it does under a coverage of 0.
+    // Without coverage the mask takes its place, since both scale the source alike. If the mask leaves nothing of the
+    // source's alpha, alpha * (m + 1) < 256, the pixel does not change, as under a coverage of 0.
     const uint32_t alpha = m_solid >> 24;
     const auto least = static_cast<uint8_t>(alpha == 0 ? 255 : 255 / alpha);
     ForMaskChunks(m_kernels, *m_opacityMask, y, x0, x1, [&](int32_t x, uint8_t* values, size_t n) {

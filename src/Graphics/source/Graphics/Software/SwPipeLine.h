@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// One draw call's road from coverage to pixels. For every stretch of a row:
+// The pipeline of one draw call from coverage to pixels. For every span of a row:
 //
-//     shape  = coverage, scaled by the state's shape mask, the call's own shape mask, the clip
+//     shape  = coverage, scaled by the state's shape mask, the call's own shape mask and the clip
 //     colour = the colour source, scaled by the opacity mask
-//     composite colour through shape onto the target, by blend mode, basic or into a group
+//     composite colour through shape onto the target, by blend mode, into a basic target or a group
 //
-// Assembly picks the shortest form once: opaque runs are filled or copied, solid colours never pass through a buffer,
-// rows inside the full part of a clip skip its mask. Every form gives the same bytes as the steps above.
+// Assembly chooses the shortest form once: opaque runs are filled or copied, solid colours need no buffer, and spans in
+// the full part of a clip skip its mask. Every form gives the same bytes as the steps above.
 #pragma once
 
 #include <array>
@@ -18,13 +18,13 @@
 
 namespace Graphics {
 
-/// The planes that a draw call composites into. Pointers belong to (origin.x, origin.y); strides in bytes.
+/// The planes that a draw call composites into. Pointers refer to the pixel (origin.x, origin.y); strides are in bytes.
 struct SwTargetPlanes {
     IntPoint origin{};
     uint8_t* color = nullptr;
     ptrdiff_t colorStride = 0;
-    int32_t rowWithGap = 0; ///< a row of so many pixels may be filled together with what lies behind it
-    /// The fourth bytes may be anything, count as 255, and are 255 afterwards where something was drawn.
+    int32_t rowWithGap = 0; ///< a row of this width may be filled together with the bytes between it and the next
+    /// Fourth bytes are undefined before a draw and count as 255; painted pixels have 255.
     bool makesOpaque = false;
     // Inside a transparency group:
     uint8_t* alpha = nullptr; ///< null: a basic target
@@ -35,14 +35,14 @@ struct SwTargetPlanes {
     bool knockout = false;
 };
 
-/// The pixel (x, y) of the planes.
+/// The address of the pixel (x, y).
 [[nodiscard]] inline uint32_t* PixelAt(const SwTargetPlanes& planes, int32_t x, int32_t y) noexcept {
     return reinterpret_cast<uint32_t*>(planes.color + (y - planes.origin.y) * planes.colorStride) +
            (x - planes.origin.x);
 }
 
-/// Where the target wants it: fourth bytes in `r` become 255, as far as `shape` has coverage (null: all), whose rows
-/// are `shapeStride` bytes apart.
+/// MakeRowsOpaque, for targets with makesOpaque: sets the fourth bytes in `r` to 255 where `shape` has coverage (null:
+/// everywhere). Rows of `shape` are `shapeStride` bytes apart.
 void SetRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& r, const uint8_t* shape,
                    ptrdiff_t shapeStride) noexcept;
 inline void MakeRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& planes, const IntRect& r,
@@ -52,16 +52,17 @@ inline void MakeRowsOpaque(const RowKernels& kernels, const SwTargetPlanes& plan
     }
 }
 
-/// A mask over device pixels: a colour source with the rule that makes values of its pixels, or a plane of values.
+/// A mask over device pixels: a colour source and the rule that turns its pixels into mask values, or a plane of
+/// values.
 struct SwMaskInput {
     SwColorSource* source = nullptr;
     uint32_t type = 0;
-    const uint8_t* plane = nullptr; ///< belongs to planeOrigin
+    const uint8_t* plane = nullptr; ///< starts at planeOrigin
     ptrdiff_t planeStride = 0;
     IntPoint planeOrigin{};
 };
 
-/// Row buffers, kept from draw to draw; each as wide as the target.
+/// Row buffers as wide as the target, kept from draw to draw.
 struct SwRowBuffers {
     HeapArray<uint8_t> shape;
     HeapArray<uint32_t> color;
@@ -72,7 +73,7 @@ public:
     SwPipeLine(const RowKernels& kernels, SwRowBuffers& buffers, const SwTargetPlanes& target, const IntRect& bounds);
 
     void SetBlendMode(uint32_t mode) noexcept { m_blendMode = mode; }
-    /// At most two. Masks outlive the pipeline; their types are known ones (GraphicsState::CheckMasks).
+    /// At most two. Masks must outlive the pipeline, and their types must be valid (GraphicsState::CheckMasks).
     void AddShapeMask(const SwMaskInput& mask) noexcept { m_shapeMasks[m_shapeMaskCount++] = &mask; }
     void SetOpacityMask(const SwMaskInput& mask) noexcept { m_opacityMask = &mask; }
     void SetClip(const ClipRegion* clip) noexcept { m_clip = IsMasked(clip) ? clip : nullptr; }
@@ -83,7 +84,7 @@ public:
     [[nodiscard]] bool TakesAnyCuts(const IntRect& r) const override;
     bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override;
 
-    /// Whether full coverage leaves nothing of what was below.
+    /// Whether full coverage replaces the pixels below.
     [[nodiscard]] bool Replaces() const noexcept { return IsPlain() && m_isOpaque; }
 
 private:
@@ -93,23 +94,24 @@ private:
             m_kernels.setOpaque(dst, shape, count);
         }
     }
-    /// Calls paint(y, pixels, width) for each row, with the next one asked for.
+    /// Calls paint(y, pixels, width) for each row, with the next row prefetched.
     template <class Paint> void ForRows(const IntRect& r, Paint&& paint) const;
-    /// Normal on a basic target without masks and clips.
+    /// Normal mode on a basic target, without masks and clip.
     [[nodiscard]] bool IsPlain() const noexcept {
         return m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && m_opacityMask == nullptr &&
                m_target.alpha == nullptr;
     }
-    /// When IsPlain: one colour over runs inside the bounds.
+    /// Requires IsPlain: one colour over runs inside the bounds.
     void SolidRow(int32_t y, std::span<const CoverageRun> runs) const;
-    /// When IsPlain: a solid colour, or pixels that lie ready. False: not done.
+    /// Requires IsPlain: a block of a solid colour, or of pixels available in memory. False, with nothing done, for
+    /// others.
     [[nodiscard]] bool PlainBlock(const IntRect& r);
-    /// The same for rows with the same runs.
+    /// SolidRow for rows with the same runs.
     void SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs);
     void DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape);
-    /// [x0, x1) inside the bounds; `shape` null: `value` throughout.
-    void Stretch(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);
-    /// As Stretch, with the clip's coverage from x0 on, null where it is 255.
+    /// Paints the span [x0, x1), inside the bounds; if `shape` is null the coverage is `value`.
+    void PaintSpan(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);
+    /// PaintSpan through the clip's coverage from x0 on; null: 255.
     void Masked(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value, const uint8_t* clip);
     void Composite(int32_t y, int32_t x0, int32_t x1, const uint8_t* shape);
     /// Normal on a basic target: the solid colour through the opacity mask.
@@ -132,7 +134,7 @@ private:
     bool m_isOpaque = false;
     bool m_joins = false;
     bool m_isFar;                 ///< the target is larger than the caches
-    uint32_t* m_joined = nullptr; ///< colours of the stretch at hand, found together with those of its neighbours
+    uint32_t* m_joined = nullptr; ///< colours of the current span, computed together with those of its neighbours
     bool m_solidRowReady = false;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The result of a transparency group as a colour source, in place, with the group's constant opacity.
+// The result of a transparency group as a colour source: reads the planes in place and applies the group's opacity.
 #pragma once
 
 #include "../Kernels/RowKernels.h"

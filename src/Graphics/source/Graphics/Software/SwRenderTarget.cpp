@@ -34,7 +34,7 @@ SwRenderTarget::~SwRenderTarget() {
     if (m_painting) {
         try {
             m_surface->Abandon();
-        } catch (...) { // nobody is left to be told
+        } catch (...) { // a destructor cannot report errors
         }
     }
 }
@@ -194,7 +194,7 @@ void SwRenderTarget::PaintOutline(const Draw& draw, const Shape& outline) {
     }
     uint32_t color = 0;
     if (IsPlain(draw, color)) {
-        // Most text: one call for all rows.
+        // Fast path of most text: one call for all rows.
         FillGlyphRows(m_basic.Planes(visible), visible, glyph, color);
         return;
     }
@@ -295,7 +295,7 @@ void SwRenderTarget::DrawLayer(const GraphicsState& state, SwLayerSubTarget& lay
     SwPlaneColorSource source(result, layer.Opacity());
     RunPipeLine(m_buffers, m_arena, {state, target.Clips().Current().get(), planes, visible, source, &shape},
                 [&](SwPipeLine& pipeLine) {
-                    // Nothing fails from here on: the group's colours are rewritten in place.
+                    // Nothing may fail from here on, since the group's colours are rewritten in place.
                     layer.MakeResult(ActiveKernels(), visible);
                     pipeLine.Rectangle(visible.left, visible.top, visible.right, visible.bottom);
                 });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The software back end: keeps clips and layers, and turns every draw into one pipeline run.
+// The software back end: owns clips and layers, and runs one pipeline for each draw.
 #pragma once
 
 #include <memory>
@@ -41,52 +41,52 @@ public:
     void Invert(const Matrix& transform, const BasicFigure& figure) override;
 
 private:
-    /// A draw but for its path.
+    /// A draw without its path.
     struct Draw {
         const GraphicsState& state;
-        const Matrix& transform; ///< of path, ink and mask: the state's, or that of one glyph of a text
+        const Matrix& transform; ///< of path, ink and mask: the state's, or one glyph's
         const Ink& ink;
         const ImageInk* mask = nullptr;
     };
 
     [[nodiscard]] SwSubTarget& Current() noexcept;
-    /// The part of `region` that bounds and clip leave.
+    /// The part of `region` inside bounds and clip.
     [[nodiscard]] static IntRect Visible(SwSubTarget& target, const IntRect& region) noexcept {
         return target.Clips().Within(Intersect(region, target.Bounds()));
     }
     [[nodiscard]] IntRect Visible(const IntRect& region) noexcept { return Visible(Current(), region); }
-    /// All of these pixels were replaced by opaque ones.
+    /// Records that all of these pixels are now opaque.
     void NoteOpaque(const IntRect& region) noexcept;
 
-    /// One pipeline run: cover(pipeLine) sends coverage inside `visible`, which may be empty.
+    /// One pipeline run; cover(pipeLine) sends coverage inside `visible`, which may be empty.
     template <class Cover> void Composite(const Draw& draw, const IntRect& visible, Cover&& cover);
-    /// Normal and one colour onto the surface, without masks and slanted clips: a few kernel calls do it, without a
-    /// pipeline.
+    /// Whether the draw is one colour in Normal mode onto the surface, without masks and without a masked clip: a few
+    /// kernel calls paint it without a pipeline.
     [[nodiscard]] bool IsPlain(const Draw& draw, uint32_t& color) noexcept;
     void PaintPlain(const DeviceRectangle& rectangle, uint32_t color);
     void PaintFigure(const Draw& draw, const BasicFigure& figure);
     void PaintShape(const Draw& draw, const Shape& shape, bool snap);
-    /// By the coverage that is kept, if the outline is small enough for that.
+    /// Paints from cached coverage if the outline is small enough to be cached.
     void PaintOutline(const Draw& draw, const Shape& outline);
-    /// Draws the group, in which something is, into `target`, the one around it.
+    /// Composites the group, which has content, into `target`, which contains it.
     void DrawLayer(const GraphicsState& state, SwLayerSubTarget& layer, SwSubTarget& target);
 
     std::unique_ptr<SwSurface> m_surface;
     IntRect m_area{}; // the whole surface
     bool m_painting = false;
 
-    // Before everything that may hold clips.
+    // Declared before all members that may hold clips.
     ClipMaker m_clips;
     SwBasicSubTarget m_basic;
     SwLayerStack m_layers;
 
-    // What a draw call works with; warm after the first ones.
+    // Working memory of draw calls; allocated by the first ones.
     Arena m_arena;
     PathShape m_shape;
     Rasterizer m_rasterizer;
     PenStorage m_pen;
     SwRowBuffers m_buffers;
-    GlyphCache::Ref m_glyphs; // from the first text of a paint bracket to its end
+    GlyphCache::Ref m_glyphs; // from the first text of a paint bracket until its end
 };
 
 } // namespace Graphics

@@ -5,7 +5,7 @@ namespace Graphics {
 
 namespace {
 
-/// Gaps of a line of the cache cost less to write than to leave out.
+/// Gaps up to a cache line are faster written than skipped.
 constexpr ptrdiff_t kMostGap = 64;
 
 } // namespace

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where drawing currently goes: the painted surface, or the planes of the innermost open transparency group. Each has
-// the clips of the states that were pushed in it.
+// A destination of drawing: the painted surface, or the planes of an open transparency group. Each has the clips of the
+// states pushed while it was the innermost.
 #pragma once
 
 #include "../Coverage/ClipStack.h"
@@ -19,10 +19,9 @@ public:
     [[nodiscard]] const IntRect& Bounds() const noexcept { return m_bounds; }
     [[nodiscard]] ClipStack& Clips() noexcept { return m_clips; }
 
-    /// The planes, ready to be drawn into inside `region` (which lies in the bounds).
+    /// The planes, ready for drawing inside `region`, which lies in the bounds.
     [[nodiscard]] virtual SwTargetPlanes Planes(const IntRect& region) = 0;
-    /// Where the first pixels of a group opened here come from, which does not change as long as the group is open;
-    /// null where they are transparent.
+    /// The source of the initial backdrop of a group opened here, constant while the group is open; null: transparent.
     [[nodiscard]] virtual SwSubTarget* Below() noexcept = 0;
     /// Null for the painted surface.
     [[nodiscard]] virtual SwLayerSubTarget* AsLayer() noexcept { return nullptr; }
@@ -39,9 +38,9 @@ public:
 
     [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
     [[nodiscard]] SwSubTarget* Below() noexcept override { return this; }
-    /// The planes for a group, which reads every pixel of `region` with its alpha.
+    /// The planes for a group, which reads every pixel of `region` including its alpha.
     [[nodiscard]] SwTargetPlanes ReadPlanes(const IntRect& region);
-    /// Every fourth byte in `region` is 255 now.
+    /// Records that every fourth byte in `region` is now 255.
     void NoteOpaque(const IntRect& region) noexcept {
         if (m_isOpaque) {
             GrowOpaque(region);
@@ -52,8 +51,8 @@ private:
     void GrowOpaque(const IntRect& region) noexcept;
 
     SwTargetPlanes m_planes;
-    bool m_isOpaque = false;  // by its format: fourth bytes count as 255, and are where something was drawn
-    IntRect m_opaqueRegion{}; // where they are known to be
+    bool m_isOpaque = false;  // the format has no alpha: fourth bytes count as 255, and painted pixels have 255
+    IntRect m_opaqueRegion{}; // pixels whose fourth bytes are known to be 255
 };
 
 } // namespace Graphics

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Formats differ in how a pixel is found (three bytes, a word, a byte, a bit) and what its value means; bytes and bits
-// go through a table of words, so that palettes, grey levels and coverage are one case.
+// Formats differ in where a pixel lies (three bytes, a word, a byte, a bit) and what its value means. Byte and bit
+// values are mapped by a table of words, so palettes, grey levels and coverage are one case.
 #include "PixelReader.h"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ struct Byte {
         return table[row[x]];
     }
 };
-/// The byte in all four: found without the table, so that whole vectors are.
+/// Copies the byte to all four, without the table, so that the compiler can vectorise.
 struct ByteCoverage {
     static uint32_t At(const uint8_t* row, int32_t x, uint32_t, const uint32_t*) noexcept {
         return row[x] * 0x01010101U;
@@ -63,7 +63,7 @@ struct Always {
 
 } // namespace
 
-/// Pixels that stand for themselves are left to the paint kernels.
+/// Layouts whose pixels need no table; the paint kernels read them.
 template <PixelLayout kLayout> struct PixelReader::Direct {
     static constexpr auto kIndex = static_cast<size_t>(kLayout);
 
@@ -94,15 +94,15 @@ template <PixelLayout kLayout> struct PixelReader::Direct {
     }
 };
 
-/// Values with a meaning.
+/// Formats whose values are mapped by the table.
 template <class Format> struct PixelReader::Mapped {
     static void Run(const PixelReader& r, const uint8_t* row, int32_t x, size_t count, uint32_t* out) {
-        // Copied to locals: `out` might otherwise be one of them, and each pixel would wait for the one before.
+        // Copied to locals: `out` might alias the members, and each pixel would then wait for the previous store.
         const uint32_t bitOffset = r.m_bitOffset;
         const uint32_t* __restrict table = r.m_table;
         const uint8_t* __restrict from = row;
         uint32_t* __restrict to = out;
-        if constexpr (std::is_same_v<Format, ByteCoverage>) { // from its own start, or no vector is made of it
+        if constexpr (std::is_same_v<Format, ByteCoverage>) { // moved to x, or the compiler does not vectorise
             from += x;
             for (size_t k = 0; k < count; ++k) {
                 to[k] = from[k] * 0x01010101U;
@@ -140,7 +140,7 @@ template <PixelLayout kLayout> void PixelReader::UseDirect() noexcept {
 
 PixelReader::PixelReader(Arena& arena, const PixelView& view, bool asMask)
     : m_grid{view.data, view.strideBytes, view.width, view.height}, m_bitOffset(view.bitOffset) {
-    // A palette's words; beyond its end lies opaque black, and without one the index is the level.
+    // The words of a palette, opaque black beyond its end; without a palette the index is the level.
     const auto useIndexed = [&](size_t count, const uint32_t* levels) {
         m_table = levels;
         m_opaque = true;
@@ -185,7 +185,7 @@ PixelReader::PixelReader(Arena& arena, const PixelView& view, bool asMask)
     default:
         break;
     }
-    if (asMask) { // no alpha and no level: everything counts
+    if (asMask) { // no alpha and no level: full coverage
         Use<Mapped<Always>>();
         useTable(kFull, true);
         return;

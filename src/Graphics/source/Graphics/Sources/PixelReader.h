@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reads pixels of any format as premultiplied ARGB words, or as mask words (the mask value in all four bytes). The
-// format is looked at once; behind that a reader is three functions without a branch on it.
+// format is examined once, on construction; reading then goes through function pointers without branching on it.
 #pragma once
 
 #include "../Arena.h"
@@ -11,35 +11,36 @@ namespace Graphics {
 
 class PixelReader {
 public:
-    /// `view` must have a valid format. The reader stays good as long as the view's pixels and the arena's draw; a
-    /// palette is copied, premultiplied.
+    /// `view` must have a valid format. The reader is valid as long as the view's pixels and the arena's draw; a
+    /// palette is copied and premultiplied.
     PixelReader(Arena& arena, const PixelView& view, bool asMask);
 
-    /// `count` pixels of row y from column x on.
+    /// Reads `count` pixels of row y from column x on.
     void Run(int32_t y, int32_t x, size_t count, uint32_t* out) const noexcept { m_run(*this, Row(y), x, count, out); }
-    /// The pixels of row y at the given columns.
+    /// Reads the pixels of row y at the given columns.
     void Columns(int32_t y, const int32_t* columns, size_t count, uint32_t* out) const noexcept {
         m_columns(*this, Row(y), columns, count, out);
     }
-    /// The pixels at (columns[k], rows[k]).
+    /// Reads the pixels at (columns[k], rows[k]).
     void Points(const int32_t* rows, const int32_t* columns, size_t count, uint32_t* out) const noexcept {
         m_points(*this, rows, columns, count, out);
     }
 
-    /// True when Sample may give anything.
+    /// True if Sample is supported.
     [[nodiscard]] bool Samples() const noexcept { return m_sample[0] != nullptr; }
-    /// Samples, as far as they lie inside with their neighbours; returns how many. See PaintKernels.
+    /// Samples leading points, as long as they and their neighbours lie inside the image; returns how many. See
+    /// PaintKernels.
     size_t Sample(bool linear, bool clamp, const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
         return Samples() ? m_sample[linear ? 1 : 0](m_grid, clamp, u, v, count, out) : 0;
     }
 
-    /// True when no word can have an alpha below 255.
+    /// True if every word has alpha 255.
     [[nodiscard]] bool IsOpaque() const noexcept { return m_opaque; }
-    /// True when the words lie in memory as Run gives them.
+    /// True if the pixels lie in memory exactly as the words that Run gives.
     [[nodiscard]] bool IsDirect() const noexcept { return m_direct; }
-    /// True when they do but for the alpha, which then is 255 whatever is stored.
+    /// True if they do except for the alpha byte, which is stored undefined and reads as 255.
     [[nodiscard]] bool HasWords() const noexcept { return m_words; }
-    /// True when each pixel is a byte in memory that all four bytes of its word repeat.
+    /// True if each pixel is a byte in memory that is repeated in all four bytes of its word.
     [[nodiscard]] bool IsCoverage() const noexcept { return m_coverage; }
     [[nodiscard]] ptrdiff_t StrideBytes() const noexcept { return m_grid.strideBytes; }
     [[nodiscard]] const uint8_t* Row(int32_t y) const noexcept { return m_grid.pixels + y * m_grid.strideBytes; }
@@ -61,7 +62,7 @@ private:
     bool m_direct = false;
     bool m_words = false;
     bool m_coverage = false;
-    const uint32_t* m_table = nullptr; ///< words of the 256 byte values, or of the two bits
+    const uint32_t* m_table = nullptr; ///< words of the 256 byte values, or of the two bit values
     RunFunction m_run = nullptr;
     ColumnsFunction m_columns = nullptr;
     PointsFunction m_points = nullptr;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows pass from halving to halving, two at a time, so that beside the result no more than two rows of each size exist.
+// Rows pass through all halvings, two at a time, so only two rows of each size exist beside the result.
 #include "ReducedImage.h"
 
 #include <algorithm>
@@ -28,7 +28,7 @@ void MeanOfRows(const uint32_t* a, const uint32_t* b, int32_t width, uint32_t* o
     }
 }
 
-/// Two rows (the same twice at an odd end) become one: halved across where wanted, and down where they differ.
+/// Two rows (the same one twice at an odd end) become one: halved across if `across`, and down if they differ.
 void ReducePair(uint32_t* top, uint32_t* bottom, int32_t width, bool across, uint32_t* out) {
     if (!across) {
         MeanOfRows(top, bottom, width, out);
@@ -39,20 +39,20 @@ void ReducePair(uint32_t* top, uint32_t* bottom, int32_t width, bool across, uin
     Box2x2Downsampler::Downsample(WordsView(out, Box2x2Downsampler::Half(width), 1), pair);
 }
 
-/// One halving: the size of what comes in, and room for two rows of it.
+/// One halving: the size of its input and a buffer for two rows of it.
 struct Halving {
     int32_t width = 0;
     int32_t height = 0;
     bool across = false;
     bool down = false;
-    int32_t y = 0; // the row that comes next
+    int32_t y = 0; // the next input row
     uint32_t* rows = nullptr;
 
     [[nodiscard]] int32_t Slot() const noexcept { return down ? y & 1 : 0; }
     [[nodiscard]] uint32_t* Row(int32_t slot) const noexcept {
         return rows + static_cast<size_t>(slot) * static_cast<size_t>(width);
     }
-    /// The row in place is the last one that a row of the result needs.
+    /// True if the present row completes the input of a result row.
     [[nodiscard]] bool IsComplete() const noexcept { return Slot() == (down ? 1 : 0) || y + 1 == height; }
 };
 

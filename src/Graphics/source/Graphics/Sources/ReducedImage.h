@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A bitmap made smaller by powers of two, for drawing it much smaller than it is.
+// A bitmap reduced by powers of two, for drawing it much smaller than it is.
 #pragma once
 
 #include "../ProcessHeap.h"
@@ -9,14 +9,14 @@ namespace Graphics {
 
 class ReducedImage {
 public:
-    /// Halves the width `halvingsX` times and the height `halvingsY` times, n becoming (n + 1) / 2, with the box
-    /// downsampler. `reader` reads an image of the given size, both at least 1.
+    /// Halves the width `halvingsX` times and the height `halvingsY` times with the box downsampler; each halving turns
+    /// n into (n + 1) / 2. `reader` reads an image of the given size; both sides are at least 1.
     ReducedImage(const PixelReader& reader, int32_t width, int32_t height, uint32_t halvingsX, uint32_t halvingsY);
 
-    /// Words as the reader gave them, in the premultiplied 32-bit format.
+    /// The words given by the reader, as pixels of the premultiplied 32-bit format.
     [[nodiscard]] PixelView View() const noexcept;
 
-    /// How often `size` can be halved with the result still above `target`.
+    /// How often `size` can be halved while the result stays above `target`.
     [[nodiscard]] static uint32_t Halvings(int32_t size, int32_t target) noexcept;
 
 private:

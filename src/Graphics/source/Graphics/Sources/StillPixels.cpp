@@ -16,8 +16,8 @@ struct Range {
     int32_t begin, end;
 };
 
-/// The pixels of a line of `size` that coordinates from `low` to `high` can show, with their neighbours; beyond its
-/// ends are the first and the last one.
+/// The range of a line of `size` pixels that coordinates from `low` to `high` can show, including neighbours;
+/// coordinates beyond the ends show the first or the last pixel.
 [[nodiscard]] Range Shown(double low, double high, int32_t size) noexcept {
     constexpr double kNeighbours = 2;
     if (!std::isfinite(low) || !std::isfinite(high)) {
@@ -28,7 +28,7 @@ struct Range {
             static_cast<int32_t>(std::clamp(std::ceil(high) + kNeighbours, 0.0, last)) + 1};
 }
 
-/// Bytes of a row up to the pixel `x`, the last one perhaps in part.
+/// Bytes of a row up to pixel `x`, including a partial last byte.
 [[nodiscard]] size_t BytesTo(const PixelView& view, int32_t x) noexcept {
     return (static_cast<size_t>(x) * static_cast<size_t>(BitsPerPixel(view.format)) + view.bitOffset + 7) / 8;
 }
@@ -50,12 +50,12 @@ PixelView CopyStillPixels(Arena& arena, const PixelView& view, const WrittenPixe
                           bool all) {
     Range rows{0, view.height}, columns{0, view.width};
     if (!all) {
-        // A pixel samples at its centre, half of it away from the box: no rounding reaches further.
+        // Pixels sample at their centres, half a pixel inside the box, which is more than any rounding.
         const Rect box = MapBox(toImage, ToRect(written.visible));
         rows = Shown(box.top, box.bottom, view.height);
         columns = Shown(box.left, box.right, view.width);
     }
-    // Memory for the whole image, of which the system gives only what is written.
+    // Address space for the whole image; the system provides only the pages written.
     const size_t rowBytes = BytesTo(view, view.width);
     PixelView copy = view;
     copy.strideBytes = static_cast<ptrdiff_t>(rowBytes);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// An image drawn onto itself: what a draw writes it must not read again. The pixels that it needs are copied first, so
-// that every draw shows its image as it was before the draw, in whatever order pixels are painted.
+// Drawing an image onto itself: a draw must not read pixels that it has written. The needed pixels are copied first, so
+// every draw shows its image as it was before the draw, in whatever order pixels are painted.
 #pragma once
 
 #include "../Arena.h"
@@ -9,18 +9,18 @@
 
 namespace Graphics {
 
-/// The memory that a draw may write, and the device pixels that lie there.
+/// The range of memory that a draw may write, and the device pixels in it.
 struct WrittenPixels {
     const uint8_t* begin = nullptr;
     const uint8_t* end = nullptr;
     IntRect visible{};
 
-    /// Whether pixels of the image lie between the first and the last of these.
+    /// Whether pixels of the image lie inside the range.
     [[nodiscard]] bool Overlaps(const PixelView& view) const noexcept;
 };
 
-/// The view, with the memory of a copy in the arena, of which only those pixels are there that the visible device
-/// pixels can show: `toImage` maps device to image pixels, unless `all` is needed.
+/// The view on a copy in the arena. Only the pixels that the visible device pixels can show are copied, or all of them
+/// with `all`. `toImage` maps device to image pixels.
 [[nodiscard]] PixelView CopyStillPixels(Arena& arena, const PixelView& view, const WrittenPixels& written,
                                         const Matrix& toImage, bool all);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The map of a sampler is the inverse of the placement, taken at device pixel centres.
+// The map of a sampler is the inverse of the placement, evaluated at device pixel centres.
 #include "SwBitmapColorSource.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace Graphics {
 
 namespace {
 
-/// Keys of reduced images among a bitmap's derived objects; the halvings fix the size.
+/// Keys of reduced images among a bitmap's derived objects; the numbers of halvings determine the size.
 constexpr uint32_t kReducedKey = 0x52440000U;
 constexpr uint32_t kReducedMask = 0x8000U;
 

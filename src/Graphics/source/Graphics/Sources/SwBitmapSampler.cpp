@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Bilinear: i = index(u), w = (truncate((u - i) * 255) & 255) + 1; the two pixels across mix as
-// (c0 * (257 - w) >> 8) + (c1 * w >> 8) for the rows j and j + 1, then these two the same way down. A weight of 1 gives
-// the first pixel itself, so fractions of 0 need no case of their own.
+// Bilinear: i = index(u), w = (truncate((u - i) * 255) & 255) + 1. The two neighbours across are mixed as (c0 * (257 -
+// w) >> 8) + (c1 * w >> 8) for the rows j and j + 1, then these two results in the same way down. A weight of 1 gives
+// the first pixel itself, so fractions of 0 are no special case.
 #include "SwBitmapSampler.h"
 
 #include <algorithm>
@@ -13,10 +13,10 @@ namespace Graphics {
 
 namespace {
 
-/// Placements and columns up to here are exact in floats with their half pixels.
+/// Up to here placements and columns with half pixels are exact in floats.
 constexpr int32_t kExact = 1 << 21;
 
-/// Points at once where an image ends, before the quick way is tried again.
+/// Points sampled one by one beyond the image's end before the fast path is tried again.
 constexpr size_t kEdgeChunk = 16;
 
 bool WholePixels(float offset, int32_t& shift) noexcept {
@@ -125,7 +125,7 @@ void SwBitmapSampler::FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* 
         }
         return;
     }
-    if (m_setup.tilingX == GXExtendClamp) { // the edge pixels on both sides of what lies inside
+    if (m_setup.tilingX == GXExtendClamp) { // the edge pixels are repeated on both sides
         const int64_t left = std::clamp<int64_t>(-column, 0, length);
         const int64_t right = std::clamp<int64_t>(width - column, left, length);
         uint32_t edges[2];
@@ -181,7 +181,7 @@ void SwBitmapSampler::BuildColumns(int32_t x0, size_t count) {
     m_tableCount = count;
 }
 
-/// The row blended across, kept from before or made in the place that does not hold `keepRow`.
+/// The row mixed across: a kept one, or made in the slot that does not hold `keepRow`.
 const uint32_t* SwBitmapSampler::BlendedRow(int32_t row, int32_t keepRow) {
     for (const KeptRow& kept : m_kept) {
         if (kept.row == row) {
@@ -204,7 +204,7 @@ void SwBitmapSampler::FillUpright(int32_t x0, size_t count, int32_t y, uint32_t*
     if (!m_setup.linear) {
         int32_t row;
         m_kernels.indices[m_setup.tilingY](&v, 1, m_setup.height, &row);
-        if (!(std::fabs(m_setup.m3) < 1.0F)) { // rows hardly repeat
+        if (!(std::fabs(m_setup.m3) < 1.0F)) { // rows are rarely reused
             m_reader.Columns(row, m_first, count, out);
             return;
         }
@@ -239,7 +239,7 @@ void SwBitmapSampler::FillRuns(std::span<const CoverageRun> runs, int32_t y, uin
     }
 }
 
-/// Coordinates begin anew at every run, but are read together.
+/// Coordinates restart at every run, but the runs are sampled together.
 void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) const noexcept {
     const SwSamplerSetup& s = m_setup;
     alignas(64) float u[kPaintChunk];
@@ -264,7 +264,7 @@ void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, u
     ReadPoints(u, v, known, out);
 }
 
-/// Up to kPaintChunk points, the quick way where it is.
+/// Samples up to kPaintChunk points, by the fused fast path where possible.
 void SwBitmapSampler::ReadPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
     const bool clamp = m_setup.tilingX == GXExtendClamp && m_setup.tilingY == GXExtendClamp;
     const size_t edge = m_reader.Samples() ? kEdgeChunk : kPaintChunk;
@@ -283,7 +283,7 @@ void SwBitmapSampler::ReadPoints(const float* u, const float* v, size_t count, u
     }
 }
 
-/// Up to kPaintChunk points, wherever they lie.
+/// Nearest: samples up to kPaintChunk points anywhere.
 void SwBitmapSampler::PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
     int32_t columns[kPaintChunk];
     int32_t rows[kPaintChunk];
@@ -292,7 +292,7 @@ void SwBitmapSampler::PickPoints(const float* u, const float* v, size_t count, u
     m_reader.Points(rows, columns, count, out);
 }
 
-/// The same with the neighbours.
+/// Bilinear: samples up to kPaintChunk points anywhere.
 void SwBitmapSampler::BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
     int32_t columns[2][kPaintChunk];
     int32_t rows[2][kPaintChunk];

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Maps device pixels back into an image and reads it there, nearest or bilinear, tiled in either direction.
+// Maps device pixels to an image and samples it there, nearest or bilinear, tiled in either direction.
 #pragma once
 
 #include <memory>
@@ -10,8 +10,9 @@
 
 namespace Graphics {
 
-/// What a sampler draws and how. The map gives u = m0 x + m2 y + m4, v = m1 x + m3 y + m5 for device pixel (x, y), in
-/// pixels of the image; for bilinear sampling half a pixel is already taken off, so that whole coordinates are centres.
+/// What a sampler draws and how. The map gives u = m0 x + m2 y + m4, v = m1 x + m3 y + m5 in image pixels for device
+/// pixel (x, y). For bilinear sampling half a pixel is already subtracted, so that integer coordinates are pixel
+/// centres.
 struct SwSamplerSetup {
     int32_t width;
     int32_t height;
@@ -20,14 +21,15 @@ struct SwSamplerSetup {
     uint32_t tilingY;
     uint32_t opacityFactor; ///< 1 to 256
     bool linear;
-    bool opaque; ///< every pixel of the image has alpha 255 and the opacity leaves it
+    bool opaque; ///< every image pixel has alpha 255, and so has the result
 };
 
-/// Three ways with one result, chosen once: whole-pixel placement at scale 1 copies rows; a map without rotation keeps
-/// a table of columns and, bilinear, the two source rows already blended across; anything else goes point by point.
+/// Three routes with the same result, chosen once. Whole-pixel placement at scale 1 copies rows. A map without rotation
+/// keeps a table of columns and, if bilinear, the last two source rows sampled across. All others sample point by
+/// point.
 class SwBitmapSampler final : public SwColorSource {
 public:
-    /// `keep` is held as long as the sampler.
+    /// The sampler owns `keep`.
     SwBitmapSampler(Arena& arena, const PixelReader& reader, const SwSamplerSetup& setup,
                     std::shared_ptr<const void> keep);
 
@@ -41,14 +43,14 @@ public:
     [[nodiscard]] SwDirectBlock DirectBlock(const IntRect& r) const noexcept override;
 
 private:
-    /// A source row at the table's columns; `row` is -1 while nothing is kept.
+    /// A source row sampled at the table's columns; `row` is -1 if empty.
     struct KeptRow {
         int32_t row = -1;
         uint32_t* pixels = nullptr;
     };
 
     [[nodiscard]] bool IsCopied(int32_t x0, int32_t x1, int32_t y) const noexcept;
-    /// Where the bitmap's own bytes are the pixels [x0, x1) of row y; null where they are not.
+    /// The bitmap's bytes of the pixels [x0, x1) of row y, if they can be used unchanged; otherwise null.
     [[nodiscard]] const uint8_t* CopiedRow(int32_t x0, int32_t x1, int32_t y, ptrdiff_t pixelBytes) const noexcept;
     [[nodiscard]] int32_t TiledRow(int32_t y) const noexcept;
     void FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
@@ -70,14 +72,14 @@ private:
     int32_t m_shiftX = 0;
     int32_t m_shiftY = 0;
 
-    // Of the last upright span: its columns and weights.
+    // Columns and weights of the last upright span.
     int32_t m_tableX = 0;
     size_t m_tableCount = 0;
     size_t m_tableCapacity = 0;
     int32_t* m_first = nullptr;
     int32_t* m_second = nullptr;
     uint32_t* m_weights = nullptr;
-    uint32_t* m_other = nullptr; ///< the second neighbours of the row being blended
+    uint32_t* m_other = nullptr; ///< the second neighbours of the row being mixed
     KeptRow m_kept[2];
 };
 

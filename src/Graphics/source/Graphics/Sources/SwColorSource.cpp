@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// From an ink to the source of its colours.
+// Creates the colour source of an ink.
 #include "SwColorSource.h"
 
 #include "SwBitmapColorSource.h"

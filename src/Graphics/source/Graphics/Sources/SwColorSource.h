@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A span filler: writes premultiplied ARGB words for a stretch of one device row.
+// A colour source: writes premultiplied ARGB words for a span of one device row.
 #pragma once
 
 #include "../Arena.h"
@@ -11,40 +11,40 @@ namespace Graphics {
 
 struct WrittenPixels;
 
-/// Pixels of a rectangle where they lie in memory; null where they do not.
+/// The pixels of a rectangle if they lie in memory; otherwise null.
 struct SwDirectBlock {
     const uint8_t* pixels = nullptr;
     ptrdiff_t strideBytes = 0;
-    bool hasAlpha = false; ///< premultiplied words, aligned; otherwise the fourth byte is to be read as 255
+    bool hasAlpha = false; ///< premultiplied words, aligned; otherwise the fourth byte must be read as 255
 };
 
 class SwColorSource {
 public:
     virtual ~SwColorSource() = default;
 
-    /// Writes x1 - x0 pixels of row y; nothing when x0 >= x1.
+    /// Writes x1 - x0 pixels of row y; nothing if x0 >= x1.
     virtual void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) = 0;
 
-    /// True when runs side by side had better be asked for together, by FillRuns.
+    /// True if requesting adjacent runs together, by FillRuns, is faster.
     [[nodiscard]] virtual bool JoinsRuns() const noexcept { return false; }
-    /// What Fill writes for each of these runs of row y, the next one beginning where one ends; at least one run.
+    /// Writes what Fill writes for each of these runs of row y, at least one, each beginning where the one before ends.
     virtual void FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
         for (const CoverageRun& run : runs) {
             Fill(run.x0, run.x1, y, out + (run.x0 - runs.front().x0));
         }
     }
 
-    /// True, with the colour written, when every pixel is the same: the pipeline then never calls Fill.
+    /// True, with the colour written, if every pixel is the same: the pipeline then does not call Fill.
     [[nodiscard]] virtual bool IsSolid(uint32_t& color) const noexcept {
         static_cast<void>(color);
         return false;
     }
 
-    /// True when every pixel that Fill writes is certain to have alpha 255.
+    /// True if every pixel that Fill writes certainly has alpha 255.
     [[nodiscard]] virtual bool IsOpaque() const noexcept { return false; }
 
-    /// The pixels of columns [x0, x1) of row y where they already lie in memory as opaque or premultiplied words;
-    /// null otherwise. Good until another row is asked for. Lets the compositor read a bitmap in place.
+    /// The pixels of columns [x0, x1) of row y if they already lie in memory as opaque or premultiplied words;
+    /// otherwise null. Valid until another row is requested. Lets the compositor read a bitmap in place.
     [[nodiscard]] virtual const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept {
         static_cast<void>(x0);
         static_cast<void>(x1);
@@ -52,7 +52,7 @@ public:
         return nullptr;
     }
 
-    /// The alpha of these pixels where it already lies in memory, a byte each; null otherwise. Lets a mask's rows serve
+    /// The alpha of these pixels if it already lies in memory, one byte each; otherwise null. Lets rows of a mask serve
     /// as coverage.
     [[nodiscard]] virtual const uint8_t* DirectAlpha(int32_t x0, int32_t x1, int32_t y) const noexcept {
         static_cast<void>(x0);
@@ -61,14 +61,14 @@ public:
         return nullptr;
     }
 
-    /// The pixels of a whole rectangle, [left, right) x [top, bottom), not empty, where they lie in memory.
+    /// The pixels of the non-empty rectangle [left, right) x [top, bottom), if they lie in memory.
     [[nodiscard]] virtual SwDirectBlock DirectBlock(const IntRect& r) const noexcept {
         static_cast<void>(r);
         return {};
     }
 
-    /// Made in the arena of the draw call; what the ink refers to must outlive it. `bounds` is the device rectangle
-    /// that may be asked for (mesh gradients are rendered for it alone); `transform` maps user space to the device.
+    /// Allocates the source in the draw call's arena; what the ink refers to must outlive it. `bounds` is the device
+    /// rectangle that may be requested (meshes are rendered for it alone); `transform` maps user space to the device.
     [[nodiscard]] static SwColorSource* Create(Arena& arena, const Ink& ink, const Rect& bounds,
                                                const Matrix& transform, const WrittenPixels* written = nullptr);
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Colours outside [0, 1] are fixed for the draw. The background is packed and scaled by the opacity only, as it is
-// given; the stops' colours are premultiplied first.
+// Colours outside [0, 1] are constant for the draw. The background colour is packed and scaled by the opacity only,
+// without premultiplication; the stops' colours are premultiplied first.
 #include "SwGradientColorSource.h"
 
 #include "../Exception.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the sources of linear and radial gradients share, and the choice among all gradient sources. Positions are whole
-// device coordinates, without half a pixel added; maps go from device to gradient space.
+// The common part of linear and radial gradient sources, and the choice among all gradient sources. Positions are
+// integer device coordinates, without adding half a pixel; maps go from device to gradient space.
 #pragma once
 
 #include "../Kernels/PaintKernels.h"
@@ -23,12 +23,12 @@ public:
     [[nodiscard]] bool IsOpaque() const noexcept final { return m_opaque; }
 
 protected:
-    /// The colours before, after and outside; `m_constant` starts as false.
+    /// Sets the colours before, after and outside; `m_constant` starts as false.
     SwGradientColorSource(const GradientBrush& brush, const TwoPointGradientBase& gradient) noexcept;
     SwGradientColorSource(const SwGradientColorSource&) = delete;
     SwGradientColorSource& operator=(const SwGradientColorSource&) = delete;
 
-    /// Every pixel is the background: the gradient has no extent, or its map no inverse.
+    /// Makes every pixel the background, because the gradient has no extent or its map no inverse.
     void MakeConstant() noexcept;
 
     const PaintKernels& m_kernels;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The parameter is measured in gradient space, t = (p - start) . (end - start) / |end - start|^2 with p the inverse
-// image of the device point, so that under skew the lines of one colour follow the mapping.
+// The parameter is evaluated in gradient space, t = (p - start) . (end - start) / |end - start|^2, where p is the
+// inverse image of the device point. So under skew, lines of equal colour are mapped too.
 #include "SwLinearGradientColorSource.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Each row of a triangle lies between two edges' crossings with the line through its pixel centres. An edge's crossing
-// is computed from its upper end down, whichever triangle asks, so that neighbours get the same bits.
+// Each row of a triangle lies between the crossings of two edges with the line through its pixel centres. An edge's
+// crossing is always computed from its upper end down, so that neighbouring triangles get the same bits.
 #include "SwMeshColorSource.h"
 
 #include <algorithm>
@@ -16,17 +16,17 @@ namespace Graphics {
 
 namespace {
 
-/// Device coordinates that an image may have.
+/// Largest device coordinate of an image.
 constexpr float kFarthest = 536870912.0F;
 
 int32_t Confine(float v) noexcept {
     return SaturatingTruncate(std::isnan(v) ? 0.0F : std::clamp(v, -kFarthest, kFarthest));
 }
 
-/// Pixels of a band: they stay in the second cache until they are painted.
+/// Pixels of a band: they stay in the second-level cache until they are painted.
 constexpr size_t kBandPixels = size_t{1} << 16;
 
-/// The first pixel whose centre is at or behind `at`, within [0, size].
+/// The first pixel whose centre is at or after `at`, within [0, size].
 int32_t FirstCentre(double at, int32_t size) noexcept {
     const double last = at - 0.5;
     if (!(last > 0.0)) {
@@ -98,7 +98,7 @@ void SwMeshColorSource::ListByBand(Arena& arena) {
             use(static_cast<size_t>(first / m_bandRows), static_cast<size_t>((last - 1) / m_bandRows));
         }
     };
-    // Changes of the number of triangles from band to band, then where each band's list ends, then where it starts.
+    // Counted as changes from band to band, then summed to the end of each band's list, then reduced to its start.
     m_listStarts = arena.AllocArray<uint32_t>(bands + 1);
     std::fill_n(m_listStarts, bands + 1, 0U);
     size_t total = 0;
@@ -111,7 +111,7 @@ void SwMeshColorSource::ListByBand(Arena& arena) {
     }
     constexpr size_t kFreeEntries = size_t{1} << 16;
     if (total > triangles * 4 + kFreeEntries || total > UINT32_MAX) {
-        m_bandRows = m_height; // tall triangles above each other: once each, into memory for all rows
+        m_bandRows = m_height; // lists too long, from overlapping tall triangles: all rows become one band
         return;
     }
     uint32_t inBand = 0;

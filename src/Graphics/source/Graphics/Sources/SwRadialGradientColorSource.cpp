@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// u, v and B grow by additions along a row; the root and the division are taken a vector at a time.
+// u, v and B are accumulated along a row; roots and quotients are computed a vector at a time.
 #include "SwRadialGradientColorSource.h"
 
 #include <algorithm>
@@ -56,7 +56,7 @@ SwRadialGradientColorSource::SwRadialGradientColorSource(const GradientBrush& br
         MakeConstant();
         return;
     }
-    m_opaque = m_opaque && m_background >> 24 == 255; // where no circle passes
+    m_opaque = m_opaque && m_background >> 24 == 255; // the background shows where no circle passes
 }
 
 void SwRadialGradientColorSource::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
-// Colours between two circles: t is where a circle that goes from the start to the end circle passes the point.
+// Colours between two circles: t belongs to the interpolated circle that passes through the point.
 #pragma once
 
 #include "SwGradientColorSource.h"
 
 namespace Graphics {
 
-/// With everything in units of dr = endRadius - startRadius and relative to the start centre, the point (u, v), the
-/// centre
-/// (-ex t, -ey t) and the radius g + t:
+/// All lengths are in units of dr = endRadius - startRadius, relative to the start centre. The circle of parameter t
+/// has the centre (-ex t, -ey t) and the radius g + t. It passes through the point (u, v) if
 ///     (u + ex t)^2 + (v + ey t)^2 = (g + t)^2,  that is  A t^2 + B t + C = 0
 ///     A = ex^2 + ey^2 - 1,  B = 2 (u ex + v ey - g),  C = u^2 + v^2 - g^2.
 class RadialGradientFiller {
 public:
-    /// False when the circles have equal radii or the map has no inverse: nothing but background is drawn then.
+    /// False if the circles have equal radii or the map has no inverse: then only the background is drawn.
     [[nodiscard]] bool Set(const RadialGradient& gradient, const Matrix& gradientToDevice) noexcept;
 
     void Fill(const PaintKernels& kernels, GradientShade& shade, int32_t x0, size_t count, int32_t y,
@@ -22,7 +21,7 @@ public:
 private:
     float m_a = 0, m_b = 0, m_c = 0, m_d = 0, m_e = 0, m_f = 0; ///< u = a x + c y + e, v = b x + d y + f
     float m_ex = 0, m_ey = 0, m_g = 0;
-    float m_stepB = 0; ///< of B from pixel to pixel, 2 (ex a + ey b)
+    float m_stepB = 0; ///< increment of B from pixel to pixel, 2 (ex a + ey b)
     RadialEquation m_equation{};
 };
 

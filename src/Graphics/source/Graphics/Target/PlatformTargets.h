@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The seam of the platform: back ends that draw into its windows, device contexts and printers. Where there are none,
+// The platform interface for back ends that draw into windows, device contexts and printers. On platforms without them,
 // every function but the hardware switch raises "Not supported on this platform".
 #pragma once
 
@@ -9,8 +9,7 @@
 
 namespace Graphics {
 
-/// With the graphics processor when this thread may use it and `softwareOnly` is false, else in software. Raises "The
-/// window does not exist".
+/// Uses the GPU if this thread may and `softwareOnly` is false, else software. Raises "The window does not exist".
 [[nodiscard]] std::unique_ptr<RenderTargetBase> CreateWindowTarget(void* window, bool softwareOnly);
 
 /// `area` in device pixels; an empty one is the whole device. Raises "CreateCompatibleDC is failed.", "CreateDIBSection
@@ -19,7 +18,7 @@ namespace Graphics {
 
 [[nodiscard]] std::unique_ptr<RenderTargetBase> CreatePrinterTarget(void* dc);
 
-/// Lets window targets made on this thread from now on use the graphics processor, if there is one.
+/// Lets window targets that this thread makes from now on use the GPU, if there is one.
 void EnableHardwareForThread();
 
 } // namespace Graphics

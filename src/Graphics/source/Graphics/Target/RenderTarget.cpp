@@ -45,7 +45,7 @@ void RenderTarget::RotateTransform(float angle) noexcept {
     if (angle >= kFullTurn) {
         angle = std::fmod(angle, kFullTurn);
     }
-    // In double, rounded once.
+    // Computed in double and rounded once.
     const auto [sineExact, cosineExact] = SineAndCosine(static_cast<double>(angle));
     const auto cosine = static_cast<float>(cosineExact);
     const auto sine = static_cast<float>(sineExact);

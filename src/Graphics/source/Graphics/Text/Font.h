@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The object behind a font face handle: a platform font and the glyphs that it has been asked for. A glyph is read once
-// and kept as long as the face, so drawing text takes neither a lock nor memory once its glyphs are known, and their
-// coverage is found again under the same shapes.
+// The object behind a font face handle: a platform font and a table of its glyphs. (1) A glyph is read once and kept as
+// long as the face, so drawing text with known glyphs needs neither locks nor memory. (2) Its shape keeps its identity,
+// so its cached coverage is found again.
 #pragma once
 
 #include <array>
@@ -13,11 +13,11 @@
 namespace Graphics {
 
 struct FontGlyph {
-    Shape shape; ///< empty for a blank
+    Shape shape; ///< empty for a blank glyph
     GlyphMetrics metrics;
 };
 
-/// Glyphs by a 16-bit number. Readers never wait; several threads may add.
+/// Glyphs by a 16-bit number. Readers do not lock; several threads may add glyphs.
 class GlyphTable {
 public:
     GlyphTable() noexcept = default;
@@ -25,12 +25,12 @@ public:
     GlyphTable& operator=(const GlyphTable&) = delete;
     ~GlyphTable();
 
-    /// Null where nothing was put.
+    /// Null if there is none.
     [[nodiscard]] const FontGlyph* Get(uint16_t number) const noexcept {
         const Page* page = m_pages[number >> 8].load(std::memory_order_acquire);
         return page == nullptr ? nullptr : (*page)[number & 255].load(std::memory_order_acquire);
     }
-    /// Puts a glyph unless another thread was first; returns the one that is there now.
+    /// Adds a glyph unless another thread was first; returns the one that is stored.
     const FontGlyph* Put(uint16_t number, const FontGlyph* glyph);
 
     template <class F> void ForEach(F&& f) const {
@@ -58,7 +58,7 @@ public:
     ~Font();
 
     [[nodiscard]] float GetSize() const noexcept { return m_base->GetSize(); }
-    /// Of one UTF-16 code unit; lives as long as the font.
+    /// The glyph of one UTF-16 code unit; lives as long as the font.
     [[nodiscard]] const FontGlyph& Glyph(uint16_t codeUnit) const {
         const FontGlyph* known = m_byCodeUnit.Get(codeUnit);
         return known != nullptr ? *known : Read(codeUnit);
@@ -71,7 +71,7 @@ private:
 
     std::shared_ptr<const FontBase> m_base;
     mutable GlyphTable m_byCodeUnit;
-    mutable GlyphTable m_byIndex; // owns: many code units may share one glyph, as all that are missing do
+    mutable GlyphTable m_byIndex; // owns the glyphs; several code units may share one, such as the missing-glyph
 };
 
 } // namespace Graphics

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The glyph service: one font of the platform at one size. Each platform has its half in a folder of its own, which
-// defines Create. Outlines and metrics are in device pixels, y down, the origin on the baseline.
+// The glyph service: one platform font at one size. Each platform defines Create in its own folder. Outlines and
+// metrics are in device pixels, y down, the origin on the baseline.
 //
-// Every call into the platform's font code runs under one lock of the process; a FontBase does not change and may be
-// used by several threads.
+// Calls into the platform's font code run under one lock of the process. A FontBase is immutable and may be used by
+// several threads.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@
 namespace Graphics {
 
 struct GlyphMetrics {
-    float advanceX = 0.0F; ///< whole pixels, as are all of these
+    float advanceX = 0.0F; ///< whole pixels, as all metrics
     float advanceY = 0.0F;
     float originX = 0.0F; ///< of the black box: left, and what the platform gives for its height (FreeType: the top)
     float originY = 0.0F;
@@ -28,21 +28,21 @@ public:
     FontBase(const FontBase&) = delete;
     FontBase& operator=(const FontBase&) = delete;
 
-    /// The font of the platform that comes nearest to a family name in UTF-16, null-terminated. Raises "No font found"
-    /// where there is none at all.
+    /// The platform font closest to a null-terminated family name in UTF-16. Raises "No font found" if there is no
+    /// font.
     [[nodiscard]] static std::shared_ptr<const FontBase> Create(const uint16_t* faceName, uint32_t flags, float size);
 
-    /// In points, as the host gave it.
+    /// In points, as given to Create.
     [[nodiscard]] float GetSize() const noexcept { return m_size; }
 
-    /// One glyph for each code unit, surrogates not joined; 0, the glyph for what is missing, where the font has none.
+    /// One glyph for each code unit (surrogates are not joined); 0, the missing-glyph, where the font has none.
     virtual void LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const = 0;
-    /// Adds the outline and writes the metrics. A glyph whose outline cannot be read adds nothing and still has its
-    /// advance.
+    /// Adds the outline to `out` and writes the metrics. If the outline cannot be read, nothing is added, but the
+    /// advance is still written.
     virtual void Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) const = 0;
 
-    /// The height that a size asks the platform for: size * 96 / -72, truncated. Negative is the height of the em in
-    /// pixels, positive that of a line (ascent and descent), 0 leaves the choice to the platform.
+    /// The height requested from the platform: size * 96 / -72, truncated. Negative is the em height in pixels,
+    /// positive the line height (ascent and descent); 0 lets the platform choose.
     [[nodiscard]] static int32_t PixelHeight(float size) noexcept {
         const float height = size * 96.0F / -72.0F;
         return SaturatingTruncate(height);

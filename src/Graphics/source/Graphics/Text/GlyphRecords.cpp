@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A polygon is a header of 16 bytes (its length with all its curves, the type 24, the start) and curves one after the
-// other; a curve is a header of 4 bytes (its type, the count of points) and its points of 8 bytes. A number is 4 bytes:
-// the fraction in 1/65536, then the whole part. Everything is little-endian, as on every machine that GDI runs on.
+// A polygon is a header of 16 bytes (its total length, the type 24, the start) followed by curves. A curve is a header
+// of 4 bytes (its type, the number of points) followed by points of 8 bytes. A number has 4 bytes: the fraction in
+// 1/65536, then the integer part. All are little-endian, as on every machine that runs GDI.
 #include "GlyphRecords.h"
 
 namespace Graphics {
@@ -33,19 +33,19 @@ struct Points {
 };
 
 void AddQuadratics(const Points& points, Geometry& out) {
-    // Controls, and at last a point on the curve; half-way between two controls lies another one.
+    // Control points, then one point on the curve; between two control points lies an implied point, half-way.
     for (size_t i = 0; i + 1 < points.count; ++i) {
         const Point control = points[i];
         Point end = points[i + 1];
         if (i + 2 < points.count) {
             end = {(control.x + end.x) * 0.5F, (control.y + end.y) * 0.5F};
         }
-        out.CubicTo(control, end, end); // not the exact cubic of the quadratic: the same curve on every platform
+        out.CubicTo(control, end, end); // not the exact cubic of the quadratic, but the same curve on every platform
     }
 }
 
 void AddCubics(const Points& points, Geometry& out) {
-    // The last three points of a record are not sent; the bytes of pages depend on it.
+    // The last three points of a record are not sent; page bytes depend on this.
     for (size_t i = 0; i + 3 < points.count; i += 3) {
         out.CubicTo(points[i], points[i + 1], points[i + 2]);
     }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Owners of what GDI hands out: device contexts, objects, a selection, a saved state. All give back in their
-// destructors.
+// Owners of GDI resources: device contexts, objects, a selection, a saved state. Their destructors release them.
 #pragma once
 
 #include <utility>
@@ -9,7 +8,7 @@
 
 namespace Graphics {
 
-/// A device context, or none where the system had none to give.
+/// A device context; empty if the system refused one.
 class DCHandle {
 public:
     DCHandle() noexcept = default;
@@ -26,13 +25,13 @@ public:
         }
     }
 
-    /// The display's properties; not for drawing.
+    /// An information context of the display; not for drawing.
     [[nodiscard]] static DCHandle DisplayInformation() noexcept {
         return {g_system.createIC(L"DISPLAY", nullptr, nullptr, nullptr), nullptr};
     }
     /// The client area of a window.
     [[nodiscard]] static DCHandle OfWindow(HWND window) noexcept { return {g_system.getDC(window), window}; }
-    /// A context in memory like `dc`; null: like the display.
+    /// A memory context compatible with `dc`; null: with the display.
     [[nodiscard]] static DCHandle Compatible(HDC dc) noexcept { return {g_system.createCompatibleDC(dc), nullptr}; }
 
     [[nodiscard]] HDC Get() const noexcept { return m_dc; }
@@ -42,10 +41,10 @@ private:
     DCHandle(HDC dc, HWND window) noexcept : m_dc(dc), m_window(window) {}
 
     HDC m_dc = nullptr;
-    HWND m_window = nullptr; // of a context that is released instead of deleted
+    HWND m_window = nullptr; // set if the context must be released instead of deleted
 };
 
-/// A bitmap of GDI, or none.
+/// A GDI bitmap, or none.
 class GdiBitmap {
 public:
     GdiBitmap() noexcept = default;
@@ -69,7 +68,7 @@ private:
     HBITMAP m_bitmap = nullptr;
 };
 
-/// A bitmap or font stays in a device context while this lives. False: the system refused.
+/// Keeps a bitmap or font selected in a device context. False if the system refused.
 class GdiSelection {
 public:
     GdiSelection(HDC dc, HGDIOBJ object) noexcept : m_dc(dc), m_before(g_system.selectObject(dc, object)) {}
@@ -87,9 +86,9 @@ private:
     HGDIOBJ m_before;
 };
 
-/// While this lives, one unit of the host's context is one device pixel and (0, 0) is the device's top left corner,
-/// whatever mapping, origin, transform or mirroring the host has set. Its clip stays in force. False: the system
-/// refused.
+/// While this object lives, one unit of the host's context is one device pixel and (0, 0) is the device's top left
+/// corner, whatever mapping, origin, transform or mirroring the host has set. The context's clip remains in force.
+/// False if the system refused.
 class DevicePixels {
 public:
     explicit DevicePixels(HDC dc) noexcept;

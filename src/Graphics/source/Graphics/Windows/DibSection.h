@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A bitmap of GDI whose pixels lie in memory that the engine can draw into: 32 bits, rows from the top down.
+// A GDI bitmap with memory that the engine can draw into: 32 bits, rows from the top down.
 #pragma once
 
 #include "../Pixels/PixelView.h"
@@ -11,14 +11,14 @@ class DibSection {
 public:
     DibSection() noexcept = default;
 
-    /// The pixels are zero. Raises "CreateDIBSection fail" in the name of `raiser`.
+    /// The pixels are zero. Raises "CreateDIBSection fail" under the name `raiser`.
     DibSection(const char* raiser, int32_t width, int32_t height, float dpiX, float dpiY);
 
     [[nodiscard]] HBITMAP Get() const noexcept { return m_bitmap.Get(); }
-    /// Hands the bitmap over to the caller.
+    /// Passes ownership of the bitmap to the caller.
     [[nodiscard]] HBITMAP Release() noexcept { return m_bitmap.Release(); }
 
-    /// The pixels, taken as one of the 32-bit formats.
+    /// The pixels, interpreted in one of the 32-bit formats.
     [[nodiscard]] PixelView View(GXPixelFormat format) const noexcept;
 
 private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The flat functions of GDI+ that printing and image files depend on, and the streams that it reads, as one table
-// beside that of the other calls of Windows: a test replaces an entry to see what happens when GDI+ refuses.
+// The GDI+ functions used for printing and image files, and the stream functions for them, as a table: a test replaces
+// an entry to simulate a refusal.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 #include <objbase.h>
 #include <objidl.h>
 
-namespace Gdiplus { // Microsoft's header takes these from macros, which NOMINMAX keeps away
+namespace Gdiplus { // the GDI+ header expects these as macros, which NOMINMAX disables
 using std::max;
 using std::min;
 } // namespace Gdiplus
@@ -94,7 +94,7 @@ struct GdipCalls {
     decltype(&GdipFlat::GdipDeleteMatrix) deleteMatrix = &GdipFlat::GdipDeleteMatrix;
 };
 
-/// The table in force. Only tests write to it, while nothing draws.
+/// The active table. Only tests change it, while nothing draws.
 inline GdipCalls g_gdip;
 
 } // namespace Graphics

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// GDI+ is up while a scope lives.
+// Keeps GDI+ running while the object lives.
 #pragma once
 
 #include "GdipCalls.h"
@@ -8,14 +8,14 @@ namespace Graphics {
 
 class GdiplusScope {
 public:
-    /// Raises `message`, its own for each use of GDI+.
+    /// Raises `message`, which differs between the uses of GDI+.
     explicit GdiplusScope(const char* message);
     GdiplusScope(const GdiplusScope&) = delete;
     GdiplusScope& operator=(const GdiplusScope&) = delete;
     ~GdiplusScope();
 
-    /// Brings GDI+ up for the rest of the process, once. Raises "Failed to gdi+ startup"; the next call tries again.
-    /// That scope does not end: by the time a library's static objects go, GDI+ may not be shut down any more.
+    /// Starts GDI+ once for the rest of the process. Raises "Failed to gdi+ startup"; the next call tries again. GDI+
+    /// is then never shut down, because that is no longer allowed when a library's static objects are destroyed.
     static void BringUp();
     [[nodiscard]] static bool IsUp() noexcept;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The header by which GDI is told how pixels lie in memory.
+// The header that describes a pixel layout to GDI.
 #pragma once
 
 #include <cmath>
@@ -10,9 +10,9 @@ namespace Graphics {
 
 struct SwBitmapInfo {
     BITMAPINFOHEADER header{};
-    RGBQUAD colors[256]{}; // of formats with up to 8 bits
+    RGBQUAD colors[256]{}; // for formats with up to 8 bits
 
-    /// `bits` a pixel, rows from the top down; `rowPixels` may be more than is drawn where rows are padded.
+    /// `bits` per pixel, rows from the top down; `rowPixels` includes the padding of rows.
     SwBitmapInfo(int32_t rowPixels, int32_t height, uint32_t bits) noexcept {
         header.biSize = sizeof header;
         header.biWidth = rowPixels;
@@ -29,7 +29,8 @@ struct SwBitmapInfo {
 
     [[nodiscard]] BITMAPINFO* Get() noexcept { return reinterpret_cast<BITMAPINFO*>(this); }
 
-    /// Dots per inch; `otherwise` for a count that says nothing. A whole number that was written is read as it was.
+    /// Dots per inch; `otherwise` if the count is not positive. An integer that PerMetre has written is read back
+    /// exactly.
     [[nodiscard]] static float PerInch(LONG perMetre, float otherwise) noexcept {
         if (perMetre <= 0) {
             return otherwise;
@@ -40,7 +41,7 @@ struct SwBitmapInfo {
     }
 
 private:
-    /// 0, "not known", for resolutions that are none.
+    /// Dots per metre; 0, "not known", for invalid resolutions.
     [[nodiscard]] static LONG PerMetre(float dpi) noexcept {
         return dpi > 0.0F && dpi < 1.0e6F ? static_cast<LONG>(std::lround(static_cast<double>(dpi) / 0.0254)) : 0;
     }

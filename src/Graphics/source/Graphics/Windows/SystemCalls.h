@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The calls of Windows that drawing into windows, device contexts and native bitmaps, and text, depend on, as one
-// table: a test replaces an entry to see what happens when the system refuses.
+// The Windows functions used for windows, device contexts, native bitmaps and text, as a table: a test replaces an
+// entry to simulate a refusal.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN
@@ -42,7 +42,7 @@ struct SystemCalls {
     decltype(&::StretchDIBits) stretchDIBits = &::StretchDIBits;
 };
 
-/// The table in force. Only tests write to it, while nothing draws.
+/// The active table. Only tests change it, while nothing draws.
 inline SystemCalls g_system;
 
 } // namespace Graphics

@@ -11,14 +11,14 @@ namespace Graphics {
 
 FileSink::FileSink(const std::filesystem::path& path) : m_path(path) {
     std::error_code error;
-    if (std::filesystem::is_symlink(m_path, error)) { // the link stays, what it points to is replaced
+    if (std::filesystem::is_symlink(m_path, error)) { // the link is kept, and its target is replaced
         m_path = std::filesystem::weakly_canonical(m_path, error);
     }
     const std::filesystem::file_status status = std::filesystem::status(m_path, error);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         throw ImageError();
     }
-    // A name of its own for each save, so that two of them to one path do not meet.
+    // A unique name for each save, so that two saves to one path do not collide.
     std::random_device random;
     const uint64_t unique = static_cast<uint64_t>(random()) << 32 | random();
     std::string name = ".";
@@ -48,7 +48,7 @@ bool FileSink::Write(const void* data, size_t count) noexcept {
             m_size = std::max(m_size, m_position);
             return true;
         }
-    } catch (...) { // treated as any failed write
+    } catch (...) { // reported like any failed write
     }
     m_failed = true;
     return false;
@@ -72,7 +72,7 @@ void FileSink::Commit() {
         throw ImageError();
     }
     const std::filesystem::file_status old = std::filesystem::status(m_path, error);
-    if (std::filesystem::exists(old)) { // a file that is replaced hands on its permissions
+    if (std::filesystem::exists(old)) { // the new file takes over the permissions of the replaced one
         std::filesystem::permissions(m_temporary, old.permissions(), error);
     }
     std::filesystem::rename(m_temporary, m_path, error);

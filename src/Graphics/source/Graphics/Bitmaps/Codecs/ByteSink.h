@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where the bytes of a saved image go: a new file beside the wanted one, which takes its place once it is complete. A
-// save that fails leaves no trace, and whatever was there before.
+// The destination of a saved image. A file is written beside the wanted one and replaces it when complete; a failed
+// save leaves the old file and no other trace.
 #pragma once
 
 #include <cstddef>
@@ -17,9 +17,9 @@ public:
     ByteSink& operator=(const ByteSink&) = delete;
     virtual ~ByteSink() = default;
 
-    /// False when not all could be written.
+    /// False if not all bytes could be written.
     [[nodiscard]] virtual bool Write(const void* data, size_t count) noexcept = 0;
-    /// From the front; later writes go there.
+    /// Moves the write position, counted from the front.
     [[nodiscard]] virtual bool Seek(uint64_t position) noexcept = 0;
     [[nodiscard]] virtual uint64_t Position() const noexcept = 0;
     [[nodiscard]] virtual uint64_t Size() const noexcept = 0;
@@ -27,7 +27,7 @@ public:
 
 class FileSink final : public ByteSink {
 public:
-    /// Throws ImageError when no file can be made there.
+    /// Throws ImageError if no file can be created there.
     explicit FileSink(const std::filesystem::path& path);
     ~FileSink() override;
 
@@ -36,7 +36,7 @@ public:
     [[nodiscard]] uint64_t Position() const noexcept override { return m_position; }
     [[nodiscard]] uint64_t Size() const noexcept override { return m_size; }
 
-    /// Puts the file in its place. Throws ImageError when any write failed.
+    /// Moves the file to its final place. Throws ImageError if a write failed.
     void Commit();
 
 private:

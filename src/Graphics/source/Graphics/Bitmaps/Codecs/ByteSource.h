@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where the bytes of an image file come from: memory or a file. Decoders read through it piece by piece, so that a file
-// is never held whole.
+// The bytes of an image file, in memory or on disk. Decoders read pieces of it, so a file is never loaded as a whole.
 #pragma once
 
 #include <cstddef>
@@ -18,13 +17,13 @@ public:
     virtual ~ByteSource() = default;
 
     [[nodiscard]] virtual uint64_t Size() const noexcept = 0;
-    /// The bytes copied from `offset` on: fewer than `count` at the end or after an error of the system.
+    /// Returns the bytes copied from `offset` on: fewer than `count` at the end or after a system error.
     [[nodiscard]] virtual size_t ReadAt(uint64_t offset, void* dst, size_t count) noexcept = 0;
-    /// The file's path; null when the bytes lie in memory.
+    /// The file's path; null for bytes in memory.
     [[nodiscard]] virtual const std::filesystem::path* Path() const noexcept { return nullptr; }
 };
 
-/// Bytes that somebody else owns.
+/// Bytes owned by the caller.
 class MemorySource final : public ByteSource {
 public:
     MemorySource(const void* data, size_t size) noexcept : m_data(static_cast<const uint8_t*>(data)), m_size(size) {}
@@ -36,7 +35,7 @@ private:
     size_t m_size;
 };
 
-/// A regular file. Throws ImageError when there is none that can be read.
+/// A regular file. Throws ImageError if it does not exist or cannot be read.
 class FileSource final : public ByteSource {
 public:
     explicit FileSource(std::filesystem::path path);

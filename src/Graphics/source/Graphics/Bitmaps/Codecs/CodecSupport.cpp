@@ -29,7 +29,7 @@ float SaneDpi(double dpi) noexcept { return dpi >= 0.01 && dpi <= 1e6 ? static_c
 
 std::shared_ptr<SysMemBitmap> NewImage(uint64_t width, uint64_t height, GXPixelFormat format, double dpiX,
                                        double dpiY) {
-    // The limits of PixelBuffer, tested here because a file that breaks them is only a file that does not load.
+    // The limits of PixelBuffer, tested here so that a file that exceeds them counts as one that cannot be loaded.
     const auto bits = static_cast<uint64_t>(BitsPerPixel(format));
     Require(width > 0 && height > 0 && width <= 2147483640U / bits);
     const uint64_t stride = ((width * bits + 7) / 8 + 15) / 16 * 16;
@@ -79,7 +79,7 @@ SavedRows::SavedRows(const SysMemBitmap& image, bool alpha, bool palettes, bool 
             use(SavedKind::Rgba, GXPixelFormatBGRA32);
         }
         break;
-    case GXPixelFormatAlpha8: // coverage is white with alpha; without room for that, its level
+    case GXPixelFormatAlpha8: // coverage becomes white with alpha; grey levels if the format has no alpha
     case GXPixelFormatAlpha1:
         if (alpha) {
             use(SavedKind::Rgba, GXPixelFormatBGRA32);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The seam between image files and the code that reads and writes them: one codec for each kind of file, or one for all
-// where the platform's are one piece.
+// The interface between image files and the code that reads and writes them: one codec for each kind of file, or one
+// for all kinds if the platform provides it as one.
 #pragma once
 
 #include <exception>
@@ -16,19 +16,18 @@
 
 namespace Graphics {
 
-/// What a codec throws when a file cannot be read or written, for whatever reason. Becomes the engine error in
-/// ImageFile.
+/// Thrown by a codec that cannot read or write a file, for whatever reason. ImageFile turns it into the engine error.
 class ImageError final : public std::runtime_error {
 public:
     ImageError() : std::runtime_error("image file") {}
 };
 
-/// An engine error that was raised already and goes on to the host as it is, where others become the one message.
+/// Carries an engine error that must reach the host unchanged, past ImageFile's single message.
 struct RaisedImageError {
     std::exception_ptr error;
 };
 
-/// What `make` makes; engine errors keep their message.
+/// Returns make(); engine errors thrown by it keep their message.
 template <class Make> auto KeepMessage(Make&& make) {
     try {
         return make();
@@ -53,7 +52,7 @@ public:
 
 class ImageCodec {
 public:
-    /// The first bytes of a file by which its kind is known.
+    /// The number of leading bytes by which a file's kind is recognised.
     static constexpr size_t kHeadBytes = 16;
 
     ImageCodec() = default;
@@ -61,17 +60,17 @@ public:
     ImageCodec& operator=(const ImageCodec&) = delete;
     virtual ~ImageCodec() = default;
 
-    /// Whether a file that begins with these bytes (fewer than kHeadBytes when it is shorter) is of this kind.
+    /// Whether a file that begins with these bytes (fewer than kHeadBytes if the file is shorter) is of this kind.
     [[nodiscard]] virtual bool Recognizes(std::span<const uint8_t> head) const noexcept = 0;
-    /// Reads the headers. `source` outlives the decoder.
+    /// Reads the headers. `source` must outlive the decoder.
     [[nodiscard]] virtual std::unique_ptr<ImageDecoder> Open(ByteSource& source) const = 0;
 
-    /// Whether files are written for the MIME type "image/" + `name`; lower case.
+    /// Whether the codec writes files of the MIME type "image/" + `name`, in lower case.
     [[nodiscard]] virtual bool Writes(std::string_view name) const = 0;
     virtual void Save(const SysMemBitmap& image, std::string_view name, ByteSink& sink) const = 0;
 };
 
-/// The codecs of the build's platform, in the order in which they are asked.
+/// The codecs of the build's platform, in the order in which they are tried.
 [[nodiscard]] std::span<const ImageCodec* const> PlatformCodecs() noexcept;
 
 } // namespace Graphics

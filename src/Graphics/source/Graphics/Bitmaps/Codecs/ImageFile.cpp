@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whatever goes wrong inside a codec (a damaged file, the system, memory) becomes one message here.
+// All failures inside codecs (a damaged file, the system, memory) are turned into one message here.
 #include "ImageFile.h"
 
 #include <string>
@@ -22,7 +22,7 @@ namespace {
     throw ImageError();
 }
 
-/// The file system's own form of a path, whatever the locale is. Throws ImageError for what is no text.
+/// A path in the file system's encoding, independent of the locale. Throws ImageError for invalid text.
 [[nodiscard]] std::filesystem::path ToPath(const wchar_t* path) {
     std::u8string text;
     while (*path != 0) {
@@ -35,7 +35,7 @@ namespace {
     return text;
 }
 
-/// Runs the work of a load or save; every failure but those with a message of their own becomes this one.
+/// Runs the work of a load or save; failures without a message of their own are raised with this one.
 template <class Work> auto Attempt(const char* function, const char* message, Work&& work) {
     try {
         return work();
@@ -46,7 +46,7 @@ template <class Work> auto Attempt(const char* function, const char* message, Wo
     }
 }
 
-/// The codec's name by the path's ending, in lower case; empty without a dot.
+/// The codec's name: the path's extension in lower case; empty if there is no dot.
 [[nodiscard]] std::string CodecName(const std::wstring& path) {
     const size_t dot = path.rfind(L'.');
     std::string name;

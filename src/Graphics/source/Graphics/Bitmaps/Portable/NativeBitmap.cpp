@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// There are no native bitmaps here.
+// This platform has no native bitmaps.
 #include "../NativeBitmap.h"
 
 #include "../../Exception.h"

@@ -10,7 +10,7 @@
 namespace Graphics {
 namespace {
 
-/// One-bit and 8-bit grey images are indexed ones whose palette is not stored.
+/// One-bit and 8-bit grey images are treated as indexed, with an implied palette.
 [[nodiscard]] GXPixelFormat AsIndexed(GXPixelFormat format) noexcept {
     switch (format) {
     case GXPixelFormatGray8:
@@ -22,13 +22,13 @@ namespace {
     }
 }
 
-/// GDI+ wants rows that start at multiples of four bytes, the first pixel of each in a byte of its own.
+/// GDI+ requires rows that start at multiples of four bytes, with the first pixel in the first bit.
 [[nodiscard]] bool CanShare(const PixelView& pixels) noexcept {
     return pixels.bitOffset == 0 && pixels.strideBytes > 0 && pixels.strideBytes % 4 == 0 &&
            pixels.strideBytes <= INT32_MAX && reinterpret_cast<uintptr_t>(pixels.data) % 4 == 0;
 }
 
-/// Other resolutions are left to the file's default.
+/// For other resolutions the file gets its format's default.
 [[nodiscard]] bool CanBeSaved(float dpi) noexcept { return dpi >= 0.01F && dpi <= 1e6F; }
 
 } // namespace
@@ -82,16 +82,16 @@ GdipBitmap::~GdipBitmap() { g_gdip.disposeImage(m_bitmap); }
 bool GdipBitmap::SetPalette(const PixelView& pixels) {
     constexpr uint32_t kMost = 256;
     const uint32_t count = BitsPerPixel(pixels.format) == 1 ? 2 : kMost;
-    // The colours of all indices by the engine's own rules, palette or not.
+    // The colours of all indices by the engine's own rules, with or without a palette.
     uint8_t indices[kMost];
     for (uint32_t i = 0; i < kMost; ++i) {
-        indices[i] = static_cast<uint8_t>(count == 2 ? 0x40 : i); // the bits 0 and 1
+        indices[i] = static_cast<uint8_t>(count == 2 ? 0x40 : i); // for two colours: the bits 0 and 1
     }
     PixelView format = pixels;
     if (!IsIndexedFormat(pixels.format)) {
         format.palette = nullptr;
     }
-    struct { // as a ColorPalette, which ends with one colour or more
+    struct { // layout of a ColorPalette, which ends with an array of colours
         uint32_t flags = 0;
         uint32_t count = 0;
         uint32_t colors[kMost];

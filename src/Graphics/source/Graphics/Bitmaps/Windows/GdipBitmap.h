@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A bitmap of GDI+ on an image of the engine: on the same pixels where both know the format, else on converted ones.
+// A GDI+ bitmap for an image of the engine: on the same pixels if both support the format, else on converted ones.
 #pragma once
 
 #include "../../Pixels/PixelView.h"
@@ -9,8 +9,8 @@ namespace Graphics {
 
 class GdipBitmap {
 public:
-    /// The pixels stay where they are and outlive this object; nobody changes them meanwhile. Raises "Failed to create
-    /// Gdiplus bitmap of size - width: {w}; height: {h} and format {f}" with the number that GDI+ gives the format.
+    /// The pixels must outlive this object and must not change meanwhile. Raises "Failed to create Gdiplus bitmap of
+    /// size - width: {w}; height: {h} and format {f}", where {f} is GDI+'s number of the format.
     GdipBitmap(const PixelView& pixels, float dpiX, float dpiY);
     GdipBitmap(const GdipBitmap&) = delete;
     GdipBitmap& operator=(const GdipBitmap&) = delete;
@@ -20,7 +20,7 @@ public:
     [[nodiscard]] int32_t Width() const noexcept { return m_width; }
     [[nodiscard]] int32_t Height() const noexcept { return m_height; }
 
-    /// GDI+'s number of the same layout; 0 where it has none.
+    /// GDI+'s number of the same layout; 0 if it has none.
     [[nodiscard]] static Gdiplus::PixelFormat FormatOf(GXPixelFormat format) noexcept;
 
 private:

@@ -27,7 +27,7 @@ namespace {
     case 24:
         return GXPixelFormatBGR24;
     default:
-        return GXPixelFormatBGRX32; // GDI converts what it is not
+        return GXPixelFormatBGRX32; // GDI converts other depths
     }
 }
 
@@ -67,7 +67,7 @@ std::shared_ptr<Bitmap> NativeBitmapWrapper::Load(HBITMAP native) {
         FailedToLoad();
     }
 
-    // Rows of GDI start at multiples of four bytes.
+    // Rows of a GDI bitmap are padded to multiples of four bytes.
     const size_t stride = (static_cast<size_t>(bitmap.bmWidth) * depth + 31) / 32 * 4;
     if (stride > static_cast<size_t>(INT32_MAX) / static_cast<size_t>(bitmap.bmHeight)) {
         FailedToLoad();

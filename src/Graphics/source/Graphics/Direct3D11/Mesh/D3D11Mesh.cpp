@@ -7,7 +7,7 @@
 //     linear                from -p to p,
 //     and by symmetry 1 - the first from p to h.
 //
-// The card interpolates linearly, so each curved part becomes two strips; the error stays below a / (32 b).
+// The GPU interpolates linearly, so each curved part becomes two strips; the error stays below a / (32 b).
 #include "D3D11Mesh.h"
 
 #include <algorithm>
@@ -16,13 +16,13 @@
 namespace Graphics {
 namespace {
 
-/// Shapes of fewer sub-scanlines are curves and text as a rule, which have no bands worth the search.
+/// Shapes of fewer sub-scanlines are usually curves and text, where a search for bands does not pay.
 constexpr int32_t kBandHeight = 32 * 8;
-/// Below this slope one straight ramp is within half a level in 64.
+/// Below this slope one straight ramp is accurate to half a level of 64.
 constexpr float kUpright = 1.0F / 32.0F;
 
-/// The rows' spans are taken in the middle of a sub-scanline and reach to the next eighth of a pixel; the line in the
-/// middle of what they cover lies half a sub unit to the right of the edge's, and half a sub-scanline down.
+/// Row spans are sampled in the middle of a sub-scanline and rounded up to the next eighth of a pixel. So the centre
+/// line of what they cover lies half a sub unit right of the edge's, and half a sub-scanline lower.
 constexpr float kHalfSub = 1.0F / 16.0F;
 
 struct Knot {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Turns the coverage of a fill into quadrilaterals for the graphics card: runs of equal coverage, whole rectangles, and
-// bands between two edges with a ramp of coverage along each.
+// Turns the coverage of a fill into quadrilaterals for the GPU: runs of equal coverage, whole rectangles, and bands
+// between two edges with a ramp of coverage along each.
 #pragma once
 
 #include "../../ProcessHeap.h"
@@ -8,13 +8,13 @@
 
 namespace Graphics {
 
-/// Device pixels, and the premultiplied colour times the coverage.
+/// A position in device pixels, and the premultiplied colour times the coverage.
 struct D3D11Vertex {
     float x, y;
     float color[4];
 };
 
-/// Four vertices a quadrilateral: top left, top right, bottom left, bottom right.
+/// Four vertices per quadrilateral: top left, top right, bottom left, bottom right.
 class D3D11Mesh {
 public:
     static constexpr size_t kQuadVertices = 4;
@@ -24,10 +24,10 @@ public:
     [[nodiscard]] const D3D11Vertex* Data() const noexcept { return m_vertices.data(); }
     [[nodiscard]] size_t ByteSize() const noexcept { return m_vertices.size() * sizeof(D3D11Vertex); }
 
-    /// The colour of what is added from here on: red, green, blue, alpha.
+    /// Sets the colour of later quadrilaterals: red, green, blue, alpha.
     void SetColor(const float (&premultiplied)[4]) noexcept;
     void AddRectangle(float left, float top, float right, float bottom, float coverage);
-    /// A strip between two slanted lines, whose coverages are those of its left and right side.
+    /// Adds a strip between two slanted lines, with the coverage of its left and of its right side.
     void AddStrip(float top, float bottom, float leftTop, float leftBottom, float leftCoverage, float rightTop,
                   float rightBottom, float rightCoverage);
 
@@ -38,7 +38,7 @@ private:
     float m_color[4] = {1.0F, 1.0F, 1.0F, 1.0F};
 };
 
-/// Sends a fill into a mesh. Rows and rectangles are kept inside `visible`; bands are kept to its rows only.
+/// Sends a fill to a mesh. Rows and rectangles are clipped to `visible`, bands only to its rows.
 class D3D11MeshSink final : public RasterizationSink {
 public:
     D3D11MeshSink(D3D11Mesh& mesh, const IntRect& visible) noexcept : m_mesh(mesh), m_visible(visible) {}

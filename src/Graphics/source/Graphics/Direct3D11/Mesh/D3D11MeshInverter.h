@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Sends the pixels to be inverted to the card as quadrilaterals.
+// Sends the pixels to invert to the GPU as quadrilaterals.
 #pragma once
 
 #include "../../Coverage/PixelInverter.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Texts only: what a composition computes, the blend functions, and the helpers that they share.
+// Shader text only: the compositions, the blend functions, and their helper functions.
 #include "D3D11CompositionTexts.h"
 
 namespace Graphics {

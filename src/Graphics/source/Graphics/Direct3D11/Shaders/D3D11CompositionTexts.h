@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The pixel functions of the compositions, word for word: Cs is the source colour, fs its shape, Cb the backdrop, Co
-// the group's initial backdrop, Cg the group's colour, fg its shape (in red, green and blue) and alpha.
+// The pixel shader functions of the compositions. Cs is the source colour, fs its shape, Cb the backdrop, Co the
+// group's initial backdrop, Cg the group's colour, fg its shape (in red, green and blue) and alpha.
 #pragma once
 
 #include <span>

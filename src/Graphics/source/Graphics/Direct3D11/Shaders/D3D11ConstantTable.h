@@ -5,8 +5,8 @@
 //     m00 m10 m20 -
 //     m01 m11 m21 -
 //
-// colours fill a register, opacity and shape the first quarter of one. Values are put in shader order: those of the
-// composition first, then those of the fragments in key order.
+// Colours fill a register; opacity and shape fill its first component. Values are stored in shader order: the
+// composition's first, then those of the fragments in key order.
 #pragma once
 
 #include <algorithm>
@@ -22,7 +22,7 @@ public:
 
     void Clear() noexcept { m_size = 0; }
     [[nodiscard]] const float* Data() const noexcept { return m_values; }
-    /// Bytes, a multiple of 16.
+    /// Size in bytes, a multiple of 16.
     [[nodiscard]] size_t ByteSize() const noexcept { return m_size * sizeof(float); }
 
     [[nodiscard]] friend bool operator==(const D3D11ConstantTable& a, const D3D11ConstantTable& b) noexcept {
@@ -30,7 +30,7 @@ public:
     }
 
 protected:
-    /// Two compositions' matrices and one for every fragment.
+    /// Room for two matrices of a composition and one for every fragment.
     static constexpr size_t kCapacity = (2 + 9) * 2 * kRegisterFloats;
 
     void AddRegister(float x, float y, float z, float w) noexcept {

@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: MIT
-// Numbers are given out once for both stages: texture coordinates, textures and samplers to the composition first and
-// then to the fragments in key order; constant members are named after the fragment's place in the key, because a key
-// may hold a fragment more than once.
+// Numbers are assigned once for both stages: texture coordinates, textures and samplers first to the composition and
+// then to the fragments in key order. Constant members are named after the fragment's index in the key, because a key
+// may contain a fragment more than once.
 #include "D3D11DynamicShaderFactory.h"
 
 namespace Graphics::D3D11DynamicShaderFactory {
 namespace {
 
-/// One user of constants, coordinates and textures: a fragment in its place, or the composition.
+/// A user of constants, coordinates and textures: a fragment at its index, or the composition.
 struct Place {
     const D3D11ShaderFragment* fragment;
-    std::string index; // behind "constants_"
+    std::string index; // suffix of "constants_"
     uint32_t firstTexcoord;
     uint32_t firstTexture;
 };
 
-/// Every place of a key, the composition first.
+/// Every place of a key; the composition is first.
 [[nodiscard]] std::vector<Place> Places(const D3D11ShaderKey& key) {
     std::vector<Place> out;
     uint32_t texcoord = 0;
@@ -33,7 +33,7 @@ struct Place {
     return out;
 }
 
-/// Visits fragments in the given order of places, each kind once.
+/// Visits each kind of fragment once, in the given order of places.
 template <class Visit> void ForEachKind(const std::vector<Place>& places, Visit&& visit) {
     for (size_t i = 0; i < places.size(); ++i) {
         bool seen = false;
@@ -97,7 +97,7 @@ template <class Call> void AddCalls(const std::vector<Place>& places, Call&& cal
 
 [[nodiscard]] std::string Texcoord(uint32_t index) { return "texcoord" + std::to_string(index); }
 
-/// Which of the fragment's texture coordinates a parameter of that name is.
+/// The index of the fragment's texture coordinate that a parameter of that name receives.
 [[nodiscard]] uint32_t TexcoordOf(const Place& place, std::string_view name) {
     uint32_t index = place.firstTexcoord;
     for (const auto& p : place.fragment->vertexParameters) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The fragments that say how a source colour comes about and how it is masked, and the reader that finds out from their
-// texts what they take. Maps from positions to texture coordinates differ in names only and are composed.
+// The fragments of source colours and masks, and the reader that extracts their inputs from their texts. Maps from
+// positions to texture coordinates differ only in names, so their text is generated.
 #include "D3D11ShaderFragment.h"
 
 #include "D3D11CompositionTexts.h"
@@ -34,7 +34,7 @@ namespace {
     return text + "}";
 }
 
-/// What the six kinds of mask multiply by, given a sample of the mask.
+/// The factor of each of the six kinds of mask, given a sample of the mask.
 struct MaskRule {
     const char* suffix;
     const char* factor;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a shader does: fragments in the order in which they act, the composition, the blend mode.
+// The description of a shader: fragments in the order of their action, the composition, the blend mode.
 #pragma once
 
 #include "D3D11ShaderFragment.h"
@@ -13,7 +13,7 @@ public:
 
     D3D11ShaderKey() noexcept = default;
 
-    /// Not a composition. False when the key is full.
+    /// `f` must not be a composition. False if the key is full.
     bool Add(D3D11Fragment f) noexcept {
         if (m_count == kMaxFragments) {
             return false;
@@ -21,8 +21,8 @@ public:
         m_code |= (static_cast<uint64_t>(f) + 1) << (5 * m_count++);
         return true;
     }
-    /// The mode counts for compositions that do not blend, too: every text has the body of its draw's mode, so that
-    /// equal texts have equal keys. Modes above 15 blend as Normal.
+    /// The mode is part of the key even for compositions that do not blend: every text contains the blend function of
+    /// its draw's mode, so equal texts have equal keys. Modes above 15 blend as Normal.
     void SetComposition(D3D11Fragment composition, uint32_t blendMode) noexcept {
         m_code = (m_code & kFragmentBits) | static_cast<uint64_t>(composition) << 45 |
                  static_cast<uint64_t>(blendMode < 16 ? blendMode : 0) << 50;
@@ -34,7 +34,7 @@ public:
     }
     [[nodiscard]] D3D11Fragment Composition() const noexcept { return static_cast<D3D11Fragment>(m_code >> 45 & 31U); }
     [[nodiscard]] uint32_t BlendMode() const noexcept { return static_cast<uint32_t>(m_code >> 50 & 15U); }
-    /// Equal for equal keys, different for different ones.
+    /// Equal for equal keys and different for different ones.
     [[nodiscard]] uint64_t Code() const noexcept { return m_code; }
 
     [[nodiscard]] friend bool operator==(const D3D11ShaderKey& a, const D3D11ShaderKey& b) noexcept {

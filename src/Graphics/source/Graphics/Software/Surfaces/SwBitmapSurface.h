@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A surface on a bitmap's own pixels; the bitmap lives as long as the surface.
+// A surface on the pixels of a bitmap, which it keeps alive.
 #pragma once
 
 #include <memory>

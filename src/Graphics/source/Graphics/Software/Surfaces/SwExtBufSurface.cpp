@@ -10,7 +10,7 @@
 namespace Graphics {
 namespace {
 
-/// A float that is a whole number from 1 to 2^31 - 1.
+/// True for a float that is an integer from 1 to 2^31 - 1.
 [[nodiscard]] bool IsCount(float v) noexcept { return v >= 1.0F && v < 2147483648.0F && std::trunc(v) == v; }
 
 constexpr const char* kFunction = "Graphics::SwExtBufSurface::SwExtBufSurface";
@@ -27,7 +27,7 @@ SwExtBufSurface::SwExtBufSurface(void* pixels, GXPixelFormat format, const GXExt
     const auto width = static_cast<int64_t>(layout.width);
     const auto height = static_cast<int64_t>(layout.height);
     const int64_t bits = BitsPerPixel(format);
-    // The same limit as for the library's own bitmaps: a row's bits fit in 31 bits.
+    // The limit of the library's own bitmaps: a row's bits fit in 31 bits.
     if (width > 2147483640 / bits) {
         GX_RAISE(kFunction, "Bitmap is too big");
     }

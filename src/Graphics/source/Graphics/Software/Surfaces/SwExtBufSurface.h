@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A surface on the host's memory. Nothing outside width * bits-per-pixel of each row is touched.
+// A surface on the host's memory. Bytes beyond width * bits-per-pixel of a row are not accessed.
 #pragma once
 
 #include "../../ProcessHeap.h"
@@ -21,7 +21,7 @@ private:
     [[nodiscard]] bool IsAligned() const noexcept;
 
     PixelView m_view;
-    // Drawn into instead where the host's rows of 32-bit pixels do not lie at multiples of 4 bytes.
+    // Replaces the host's memory while painting if its 32-bit rows are not aligned to 4 bytes.
     HeapArray<uint8_t> m_aligned;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a software target paints into: it gives the pixels at BeginPaint and brings them to their place afterwards.
+// The destination of a software target: provides the pixels at BeginPaint and delivers them afterwards.
 #pragma once
 
 #include "../../Pixels/PixelView.h"
@@ -11,16 +11,16 @@ public:
     virtual ~SwSurface() = default;
     [[nodiscard]] virtual Size GetSize() const = 0;
     [[nodiscard]] virtual GXPixelFormat GetPixelFormat() const = 0;
-    /// Before every frame: follows a destination whose size or format may change between frames.
+    /// Called before every frame: adapts to a destination whose size or format has changed.
     virtual void UpdateSurface() {}
     /// The drawable pixels, valid until EndPaint.
     [[nodiscard]] virtual PixelView BeginPaint() = 0;
     virtual void EndPaint() = 0;
-    /// The target ends without EndPaint: what was drawn stays where the destination is memory, and is not shown.
+    /// The target ends without EndPaint: pixels drawn so far remain in memory but are not presented.
     virtual void Abandon() {}
 
 protected:
-    /// The format of a back buffer for a display of so many bits a pixel; raises "Unsupported pixel format."
+    /// The back buffer format for a display of `bitsPerPixel`; raises "Unsupported pixel format."
     [[nodiscard]] static GXPixelFormat GetCompatibleFormat(int bitsPerPixel);
 };
 

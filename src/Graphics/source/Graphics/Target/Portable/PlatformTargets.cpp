@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A platform without windows of its own: drawing goes into memory, in software.
+// A platform without windows: drawing is done in memory, in software.
 #include "../PlatformTargets.h"
 
 #include "../../Exception.h"

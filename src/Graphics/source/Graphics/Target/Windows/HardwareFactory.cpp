@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names the hardware back end.
+// Selects the hardware back end.
 #include "../../Direct3D11/D3D11RenderTargetFactory.h"
 
 namespace Graphics {

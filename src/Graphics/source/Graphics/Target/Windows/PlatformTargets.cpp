@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows: which back end draws into what.
+// Selects the back end for each kind of Windows destination.
 #include "../PlatformTargets.h"
 
 #include "../../Exception.h"
@@ -19,7 +19,7 @@ std::unique_ptr<RenderTargetBase> CreateWindowTarget(void* window, bool software
                 return target;
             }
         } catch (const Exception&) {
-            // Software draws the same.
+            // Falls back to software.
         }
     }
     return std::make_unique<SwRenderTarget>(std::make_unique<SwWindowSurface>(static_cast<HWND>(window)));
@@ -30,7 +30,7 @@ std::unique_ptr<RenderTargetBase> CreateDeviceTarget(void* dc, const IntRect& ar
 }
 
 std::unique_ptr<RenderTargetBase> CreatePrinterTarget(void* dc) {
-    // What GDI+ cannot draw is drawn in software.
+    // Draws in software what GDI+ cannot.
     const BitmapTargetMaker inSoftware = [](std::shared_ptr<Bitmap> bitmap) -> std::unique_ptr<RenderTargetBase> {
         return std::make_unique<SwRenderTarget>(std::make_unique<SwBitmapSurface>(std::move(bitmap)));
     };

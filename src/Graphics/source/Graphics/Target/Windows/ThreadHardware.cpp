@@ -13,7 +13,7 @@ namespace {
 
 std::atomic<ThreadHardware::Maker> g_maker{&CreateHardwareFactory};
 
-/// The process is ending: the system has stopped all threads but this one, wherever they were.
+/// True while the process ends: the system has then stopped all other threads at arbitrary points.
 [[nodiscard]] bool ProcessEnds() noexcept {
     const HMODULE system = GetModuleHandleW(L"ntdll.dll");
     const auto ends = system == nullptr ? nullptr
@@ -24,17 +24,18 @@ std::atomic<ThreadHardware::Maker> g_maker{&CreateHardwareFactory};
 
 std::atomic<bool> g_unloading{false};
 
-/// The factory of the thread that ends the process stays: giving a device back waits for threads of the driver that are
-/// no more. So do the factories of threads that outlive the library: while it is unloaded, under the loader's lock, no
-/// thread of the driver can end.
+/// Leaks the factory of the thread that ends the process, because releasing a device waits for driver threads that no
+/// longer exist. Factories of threads that outlive the library are leaked too: during unloading, under the loader lock,
+/// no driver thread can end.
 void NTAPI Drop(void* factory) noexcept {
     if (!g_unloading.load() && !ProcessEnds()) {
         delete static_cast<HwRenderTargetFactory*>(factory);
     }
 }
 
-/// The slot is the platform's: with mingw-w64 the memory of a thread_local may be freed before its destructor runs. The
-/// platform calls back at a thread's end, where the thread has a factory, as long as the library is there.
+/// A fiber-local slot of the platform, because with mingw-w64 the memory of a thread_local may be freed before its
+/// destructor runs. The platform calls back at the end of each thread that has a factory, as long as the library is
+/// loaded.
 [[nodiscard]] DWORD Slot() noexcept {
     struct Owner {
         DWORD index = FlsAlloc(&Drop);
@@ -67,7 +68,7 @@ void ThreadHardware::Enable() {
     try {
         Put(g_maker.load()());
     } catch (const Exception&) {
-        // No device: the thread goes on drawing in software, which is no error.
+        // No device: the thread draws in software, which is no error.
     }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Each thread's own permission to draw with the graphics processor.
+// Each thread's permission to draw with the GPU.
 #pragma once
 
 #include <memory>
@@ -12,14 +12,14 @@ class ThreadHardware {
 public:
     using Maker = std::unique_ptr<HwRenderTargetFactory> (*)();
 
-    /// The calling thread's factory; null where it has none. It ends with the thread.
+    /// The calling thread's factory, which ends with the thread; null if it has none.
     [[nodiscard]] static HwRenderTargetFactory* Factory() noexcept;
 
-    /// Makes the calling thread's factory unless it has one. A failure leaves the thread without.
+    /// Makes the calling thread's factory unless it has one. After a failure it has none.
     static void Enable();
 
-    /// For tests: puts another maker in the place of CreateHardwareFactory and gives the one that was there. The
-    /// calling thread loses its factory.
+    /// For tests: replaces CreateHardwareFactory by `maker` and returns the previous one. The calling thread's factory
+    /// is dropped.
     static Maker Replace(Maker maker) noexcept;
 };
 

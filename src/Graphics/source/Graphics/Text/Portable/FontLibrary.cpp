@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// FreeType's memory comes from ProcessHeap, so that it is refused and counted like all working memory.
+// FreeType allocates from ProcessHeap, so its allocations can be refused and counted like all working memory.
 #include "FontLibrary.h"
 
 #include <dlfcn.h>
@@ -13,7 +13,7 @@ namespace {
 constinit std::mutex g_lock;
 std::shared_ptr<FontLibrary> g_library;
 
-/// C code lies above: a refusal becomes null.
+/// Called from C code, so a refused allocation is returned as null.
 template <class Alloc> void* OrNull(FT_Memory memory, Alloc&& alloc) noexcept {
     try {
         return alloc();
@@ -30,14 +30,14 @@ using Pattern = std::unique_ptr<FcPattern, PatternEnd>;
 
 const FcChar8* Text(const std::string& s) noexcept { return reinterpret_cast<const FcChar8*>(s.c_str()); }
 
-/// fontconfig keeps tables of its own beside every configuration (names of properties, the default languages), a few
-/// hundred bytes that only FcFini frees; but FcFini also ends the current configuration, which is the host's, if it
-/// uses fontconfig too. So fontconfig stays loaded when this library goes: its tables stay reachable, and the next load
-/// finds them instead of making others.
+/// fontconfig has static tables beside every configuration (names of properties, the default languages), a few hundred
+/// bytes that only FcFini frees. FcFini would also end the current configuration, which is the host's if it uses
+/// fontconfig too. So fontconfig stays loaded when this library is unloaded: its tables stay reachable, and the next
+/// load reuses them.
 void KeepFontconfigLoaded() noexcept {
     Dl_info info;
     if (dladdr(reinterpret_cast<const void*>(&FcInit), &info) != 0 && info.dli_fname != nullptr) {
-        // RTLD_NOLOAD: a program that has fontconfig inside has nothing to keep.
+        // RTLD_NOLOAD fails, correctly, if fontconfig is linked statically into the program.
         if (void* const handle = dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE)) {
             dlclose(handle);
         }
@@ -65,7 +65,7 @@ FontLibrary::FontLibrary() {
         return OrNull(memory, [=] { return ProcessHeap::Realloc(block, static_cast<size_t>(size)); });
     };
     if (FT_New_Library(&m_memory, &m_freeType) == 0) {
-        // A module without memory is left out silently: all or none.
+        // A module that is refused memory is omitted silently, hence the check: all or none.
         FT_Add_Default_Modules(m_freeType);
         FT_Set_Default_Properties(m_freeType);
         KeepFontconfigLoaded();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What all fonts of the process share: the FreeType library and the fontconfig configuration, made at first use, ended
-// at unload or with the last font that a host leaves behind.
+// The state shared by all fonts of the process: the FreeType library and the fontconfig configuration. Created at first
+// use; destroyed at unload, or with the last font that the host still holds then.
 #pragma once
 
 #include <ft2build.h>
@@ -16,7 +16,7 @@
 
 namespace Graphics {
 
-/// A font file and what has to be done to its outlines to make it the font that was asked for.
+/// A font file, and the transformation of its outlines that yields the requested font.
 struct FontMatch {
     std::string file;
     int index = 0;
@@ -28,7 +28,7 @@ class FontLibrary {
 public:
     /// Call under the lock. Raises "Not enough memory".
     [[nodiscard]] static std::shared_ptr<FontLibrary> Get();
-    /// The one lock around every use of FreeType and fontconfig. It needs no destruction.
+    /// The one lock around every use of FreeType and fontconfig. It is never destroyed.
     [[nodiscard]] static std::mutex& Lock() noexcept;
 
     FontLibrary();
@@ -36,11 +36,11 @@ public:
     FontLibrary& operator=(const FontLibrary&) = delete;
     ~FontLibrary();
 
-    /// The installed font that comes nearest; an empty name stands for the default one. Raises "No font found".
+    /// The installed font closest to the request; an empty name selects the default font. Raises "No font found".
     [[nodiscard]] FontMatch Match(const std::string& family, bool bold, bool italic);
     [[nodiscard]] FT_Library FreeType() const noexcept { return m_freeType; }
-    /// Whether FreeType was refused memory since the last question. It goes on without what it can do without, which
-    /// would make another font of this one.
+    /// Whether FreeType was refused memory since the last call. FreeType continues without optional data, and the
+    /// result would look like another font.
     [[nodiscard]] bool WasRefused() noexcept { return std::exchange(m_refused, false); }
 
 private:

@@ -27,7 +27,7 @@ std::string ToUtf8(const uint16_t* text) {
     return out;
 }
 
-/// Font units of the em, or of a line for a positive height: Windows' own measure of a line where the font has it.
+/// Font units of the em, or of a line for a positive height: Windows' line metrics if the font has them.
 double UnitsOf(FT_Face face, int32_t height) noexcept {
     if (height < 0) {
         return face->units_per_EM;
@@ -39,10 +39,10 @@ double UnitsOf(FT_Face face, int32_t height) noexcept {
     return line > 0.0 ? line : face->units_per_EM;
 }
 
-/// How much synthetic bold adds to stems and advances, in font units.
+/// The width that synthetic bold adds to stems and advances, in font units.
 FT_Pos BoldStrength(FT_Face face) noexcept { return face->units_per_EM / 24; }
 
-/// Adds an outline in font units, its coordinates doubled.
+/// Adds an outline in font units; its coordinates are doubled.
 class OutlineWalk {
 public:
     OutlineWalk(Geometry& out, const double (&matrix)[4], double scale) noexcept
@@ -50,13 +50,13 @@ public:
           m_yy(matrix[3] * scale) {}
 
     void Run(FT_Outline& outline) {
-        // Points that the font implies between two control points lie on halves.
+        // Doubled, because points implied between two control points lie on half units.
         constexpr int kDoubled = 1;
         const FT_Outline_Funcs calls{
             [](const FT_Vector* to, void* self) { return Call(self, [=](auto& w) { w.Move(w.At(to)); }); },
             [](const FT_Vector* to, void* self) { return Call(self, [=](auto& w) { w.m_out.LineTo(w.At(to)); }); },
             [](const FT_Vector* control, const FT_Vector* to, void* self) {
-                // Not the exact cubic of the quadratic: the same curve on every platform.
+                // Not the exact cubic of the quadratic, but the same curve on every platform.
                 return Call(self, [=](auto& w) { w.m_out.CubicTo(w.At(control), w.At(to), w.At(to)); });
             },
             [](const FT_Vector* c1, const FT_Vector* c2, const FT_Vector* to, void* self) {
@@ -76,7 +76,7 @@ public:
     [[nodiscard]] const Rect& Box() const noexcept { return m_box; }
 
 private:
-    /// Runs a step; what it throws waits until FreeType's code has been left.
+    /// Runs a step; exceptions are stored until FreeType's C code has returned.
     template <class Step> static int Call(void* self, Step&& step) noexcept {
         auto& walk = *static_cast<OutlineWalk*>(self);
         try {

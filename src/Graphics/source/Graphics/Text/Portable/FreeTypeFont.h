@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A font face read with FreeType. Outlines are taken unhinted in font units and scaled here, so one rounding lies
-// between the file and the shape.
+// A font face read with FreeType. Outlines are loaded unhinted in font units and scaled here, so they are rounded only
+// once between file and shape.
 #pragma once
 
 #include "../FontBase.h"
@@ -10,7 +10,7 @@ namespace Graphics {
 
 class FreeTypeFont final : public FontBase {
 public:
-    /// Call under the lock. Raises "No font found" when the file is not a font with outlines.
+    /// Call under the lock. Raises "No font found" if the file is not a font with outlines.
     FreeTypeFont(std::shared_ptr<FontLibrary> library, const FontMatch& match, float size);
     ~FreeTypeFont() override;
 
@@ -21,7 +21,7 @@ private:
     std::shared_ptr<FontLibrary> m_library;
     FT_Face m_face = nullptr;
     FontMatch m_match;
-    double m_scale = 0.0; // pixels of a font unit
+    double m_scale = 0.0; // pixels per font unit
     bool m_symbols = false;
 };
 

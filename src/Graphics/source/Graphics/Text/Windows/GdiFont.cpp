@@ -32,7 +32,7 @@ void GdiFont::LookUp(std::span<const uint16_t> text, uint16_t* glyphs) const {
     std::fill_n(glyphs, text.size(), uint16_t{0});
     const GlyphContext context(m_font);
     if (!text.empty()) {
-        // A failure leaves the glyph of what is missing.
+        // On failure the glyphs stay 0, the missing-glyph.
         g_system.getGlyphIndices(context.Get(), reinterpret_cast<const wchar_t*>(text.data()),
                                  static_cast<int>(text.size()), glyphs, 0);
     }
@@ -45,7 +45,7 @@ void GdiFont::Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) cons
     const GlyphContext context(m_font);
     GLYPHMETRICS known{};
     const DWORD size = g_system.getGlyphOutline(context.Get(), glyph, kFormat, &known, 0, nullptr, &kDownwards);
-    if (size == GDI_ERROR) { // a font of pixels
+    if (size == GDI_ERROR) { // a bitmap font
         int advance = 0;
         if (g_system.getCharWidthI(context.Get(), glyph, 1, nullptr, &advance) != 0) {
             metrics.advanceX = static_cast<float>(advance);
@@ -58,7 +58,7 @@ void GdiFont::Outline(uint16_t glyph, Geometry& out, GlyphMetrics& metrics) cons
     metrics.originY = static_cast<float>(known.gmptGlyphOrigin.y);
     metrics.boxWidth = static_cast<float>(known.gmBlackBoxX);
     metrics.boxHeight = static_cast<float>(known.gmBlackBoxY);
-    if (size == 0) { // a blank
+    if (size == 0) { // a blank glyph
         return;
     }
     HeapArray<uint8_t> records;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A font of GDI. Outlines are those that GDI makes at the pixel size; they may be hinted.
+// A GDI font. GDI makes the outlines at the pixel size; they may be hinted.
 #pragma once
 
 #include "../../Windows/SystemCalls.h"
@@ -9,8 +9,8 @@ namespace Graphics {
 
 class GdiFont final : public FontBase {
 public:
-    /// Takes the font over; null is a font that the system could not make, whose glyphs are those of whatever font a
-    /// device context begins with.
+    /// Takes ownership of the font. Null is a font that the system could not create; its glyphs are then those of the
+    /// device context's default font.
     GdiFont(HFONT font, float size) noexcept : FontBase(size), m_font(font) {}
     ~GdiFont() override;
 

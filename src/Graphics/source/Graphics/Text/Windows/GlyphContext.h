@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The one device context in which the process asks for glyphs, made at first use and given back at unload, and the lock
-// around every use of it.
+// The process's one device context for reading glyphs, created at first use and deleted at unload, and the lock around
+// every use of it.
 #pragma once
 
 #include <mutex>
@@ -9,10 +9,10 @@
 
 namespace Graphics {
 
-/// A font stays in the context, and other threads stay out of it, while this lives.
+/// While this object lives, a font is selected in the context, and other threads wait.
 class GlyphContext {
 public:
-    /// Null leaves the context's own font. Raises "CreateCompatibleDC is failed." and "SetGraphicsMode is failed.";
+    /// Null leaves the context's default font. Raises "CreateCompatibleDC is failed." and "SetGraphicsMode is failed.";
     /// the next use tries again.
     explicit GlyphContext(HFONT font);
 
@@ -21,7 +21,7 @@ public:
 private:
     std::lock_guard<std::mutex> m_lock;
     HDC m_dc;
-    GdiSelection m_selection; // ends before the lock does
+    GdiSelection m_selection; // must end before the lock does
 };
 
 } // namespace Graphics

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Written are 1 and 8 bits with a palette, 24 bits, and for alpha 32 bits with masks in a header of version 4, which is
-// the first to say what the fourth byte is.
+// Writes 1 and 8 bits with a palette, 24 bits, and for alpha 32 bits with masks in a version 4 header, the first
+// version that defines the fourth byte.
 #include "BmpCodec.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows bitmap files, read and written by plain code.
+// Reads and writes Windows bitmap files without a library.
 #pragma once
 
 #include "../ImageCodec.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Layout: 14 bytes of file header ("BM", size, offset of the pixels), the info header whose first word is its length,
-// bit masks where the header is too old to hold them, the palette, the pixels in rows of whole 4 bytes from the bottom
-// up.
+// Layout: a file header of 14 bytes ("BM", size, offset of the pixels); the info header, whose first word is its
+// length; bit masks if the header version has no field for them; the palette; the pixels, in rows padded to 4 bytes,
+// bottom row first.
 #include "BmpReader.h"
 
 #include <algorithm>
@@ -55,7 +55,7 @@ void BmpReader::ReadHeaders() {
     const uint8_t* info = h + kFileHeader;
     const uint32_t size = Load32(info);
     Require((size == kOldestHeader || (size >= 16 && size <= kNewestHeader)) && got >= kFileHeader + size);
-    std::memset(h + kFileHeader + size, 0, sizeof h - kFileHeader - size); // what a short header lacks counts as 0
+    std::memset(h + kFileHeader + size, 0, sizeof h - kFileHeader - size); // fields missing in a short header are 0
 
     uint32_t compression = kPlain;
     uint32_t colorCount = 0;
@@ -80,7 +80,7 @@ void BmpReader::ReadHeaders() {
     constexpr uint64_t kDepths = 1ULL << 1 | 1ULL << 4 | 1ULL << 8 | 1ULL << 16 | 1ULL << 24 | 1ULL << 32;
     Require(m_width > 0 && m_height > 0 && m_bits <= 32 && (kDepths >> m_bits & 1) != 0);
 
-    // 555 and 888 unless the file has masks of its own: in a newer header, or behind one of 40 bytes.
+    // The masks are 555 or 888 unless the file has its own: in a newer header, or behind a header of 40 bytes.
     uint32_t masks[4] = {m_bits == 16 ? 0x7C00U : 0xFF0000U, m_bits == 16 ? 0x3E0U : 0xFF00U,
                          m_bits == 16 ? 0x1FU : 0xFFU, 0};
     switch (compression) {
@@ -134,7 +134,7 @@ void BmpReader::ReadPalette(uint32_t entryBytes, uint64_t offset) {
 
 void BmpReader::SetMasks(const uint32_t* masks) {
     const uint32_t inside = m_bits == 16 ? 0xFFFFU : 0xFFFFFFFFU;
-    constexpr size_t kSlot[4] = {2, 1, 0, 3}; // the file names red first
+    constexpr size_t kSlot[4] = {2, 1, 0, 3}; // the file stores the red mask first
     uint32_t used = 0;
     for (size_t c = 0; c < 4; ++c) {
         Channel& channel = m_channels[kSlot[c]];
@@ -175,7 +175,7 @@ std::shared_ptr<SysMemBitmap> BmpReader::Load(uint32_t) {
     const uint64_t rowBits = static_cast<uint64_t>(m_width) * m_bits;
     const uint64_t available = m_source.Size() - m_pixels;
     if (m_runs) {
-        // Runs may leave out nearly everything; nobody writes such pictures, but a few bytes could claim gigabytes.
+        // Runs may skip nearly all pixels, so a few bytes could claim gigabytes; real files do not.
         const uint64_t pixels = static_cast<uint64_t>(m_width) * m_height;
         Require(pixels <= (1U << 24) || pixels / 1024 <= available);
     } else { // the last row's padding may be missing
@@ -251,11 +251,11 @@ void BmpReader::ConvertRow(uint8_t* dst, const uint8_t* src) const noexcept {
 }
 
 void BmpReader::LoadRuns(SysMemBitmap& image) {
-    // Pairs (count, value): a run where count is not 0; else value 0 ends the row, 1 the picture, 2 moves by the next
-    // two bytes right and up, and more says how many literal pixels follow, padded to 16 bits. Pixels left out have
-    // index 0.
+    // Pairs (count, value). If count is not 0: a run of the value. Otherwise value 0 ends the row, 1 the picture, 2
+    // moves right and up by the next two bytes, and a larger value is a number of literal pixels that follow, padded to
+    // 16 bits. Skipped pixels have index 0.
     const bool nibbles = m_bits == 4;
-    HeapArray<uint8_t> row; // indices of the row at work
+    HeapArray<uint8_t> row; // indices of the current row
     row.resize(m_width);
     std::memset(row.data(), 0, m_width);
     uint32_t x = 0;

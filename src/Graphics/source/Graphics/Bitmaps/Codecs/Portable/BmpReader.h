@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reads Windows bitmap files: headers from OS/2's on, 1, 4, 8, 16, 24 and 32 bits, run lengths, bit fields, both row
-// orders.
+// Reads Windows bitmap files: headers from OS/2's on, 1, 4, 8, 16, 24 and 32 bits, run-length coding, bit fields, both
+// row orders.
 #pragma once
 
 #include "../CodecSupport.h"
@@ -20,7 +20,7 @@ private:
         uint32_t mask = 0;
         uint32_t shift = 0;
         uint32_t bits = 0;
-        uint8_t levels[256] = {}; ///< of the value's (at most 8) upper bits
+        uint8_t levels[256] = {}; ///< 8-bit level for the value's (at most 8) upper bits
 
         [[nodiscard]] uint8_t Level(uint32_t pixel) const noexcept;
     };
@@ -32,7 +32,7 @@ private:
 
     void LoadRows(SysMemBitmap& image);
     void LoadRuns(SysMemBitmap& image);
-    /// One row of the file to one of the bitmap.
+    /// Converts a row of the file to a row of the bitmap.
     void ConvertRow(uint8_t* dst, const uint8_t* src) const noexcept;
     [[nodiscard]] uint8_t* RowAt(SysMemBitmap& image, uint32_t fileRow) const noexcept;
 
@@ -43,8 +43,8 @@ private:
     uint32_t m_bits = 0;
     bool m_runs = false;
     bool m_fields = false;
-    bool m_plainWords = false; ///< 32 bits, eight a channel, blue lowest
-    uint64_t m_pixels = 0;     ///< their offset in the file
+    bool m_plainWords = false; ///< 32 bits, eight per channel, blue lowest
+    uint64_t m_pixels = 0;     ///< offset of the pixels in the file
     uint32_t m_dotsX = 0;
     uint32_t m_dotsY = 0;
     Channel m_channels[4]; ///< blue, green, red, alpha

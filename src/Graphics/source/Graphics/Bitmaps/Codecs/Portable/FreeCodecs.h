@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The codecs on the free libraries: each has one object, made when the library is loaded.
+// The codecs based on free libraries, one object each, created when the library is loaded.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@
 
 namespace Graphics {
 
-/// What the codecs that write have in common: `Writer::kName` is the format that they write.
+/// The common part of codecs that write; `Writer::kName` is the format.
 template <class Decoder, class Writer> class FreeCodec : public ImageCodec {
 public:
     [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const final {

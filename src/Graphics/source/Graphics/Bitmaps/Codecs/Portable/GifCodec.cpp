@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The frames of an animation are given as a viewer shows them: put together on the logical screen, with what the frames
-// before left there by their disposal. Nothing lies under the first frame: uncovered pixels are transparent.
+// The frames of an animation are composed as a viewer shows them: on the logical screen, over what earlier frames left
+// there after their disposal. The background is transparent.
 #include "FreeCodecs.h"
 
 #include <algorithm>
@@ -14,10 +14,10 @@
 namespace Graphics {
 namespace {
 
-/// A code has at least 3 bits and makes at most 4096 pixels.
+/// A code has at least 3 bits and yields at most 4096 pixels.
 constexpr uint64_t kPixelsPerByte = 4096 * 8 / 3 + 1;
 
-/// What is known of a frame before its pixels are unpacked.
+/// Properties of a frame that are known before its pixels are unpacked.
 struct Frame {
     int32_t left = 0, top = 0, width = 0, height = 0;
     int transparent = NO_TRANSPARENT_COLOR;
@@ -28,7 +28,7 @@ struct Closer {
     void operator()(GifFileType* gif) const noexcept { DGifCloseFile(gif, nullptr); }
 };
 
-/// Walks the records of a file.
+/// Iterates over the records of a file.
 class GifWalk {
 public:
     explicit GifWalk(ByteSource& source) : m_cursor(source) {
@@ -39,7 +39,7 @@ public:
 
     [[nodiscard]] GifFileType& Gif() const noexcept { return *m_gif; }
 
-    /// False at the end of the file, else at the pixels of the next frame.
+    /// Advances to the pixels of the next frame; false at the end of the file.
     [[nodiscard]] bool Next(Frame& frame) {
         GraphicsControlBlock control{};
         control.TransparentColor = NO_TRANSPARENT_COLOR;
@@ -80,7 +80,7 @@ public:
         }
     }
 
-    /// The indices of the frame, rows in the order of the picture.
+    /// Reads the indices of the frame, with rows in the order of the picture.
     void ReadPixels(const Frame& frame, HeapArray<uint8_t>& indices) {
         // A file too short for the frame is refused first.
         const auto width = static_cast<size_t>(frame.width);
@@ -104,7 +104,7 @@ public:
         }
     }
 
-    /// The frame's colours, the transparent one with alpha 0.
+    /// The frame's colours; the transparent one has alpha 0.
     [[nodiscard]] std::vector<uint32_t> Colors(const Frame& frame) const {
         const ColorMapObject* map = m_gif->Image.ColorMap != nullptr ? m_gif->Image.ColorMap : m_gif->SColorMap;
         Require(map != nullptr && map->ColorCount > 0 && map->ColorCount <= 256);
@@ -132,20 +132,20 @@ private:
 class GifDecoder final : public ImageDecoder {
 public:
     explicit GifDecoder(ByteSource& source) : m_source(source) {
-        // The whole file is walked once, without unpacking: the count, and that nothing is missing.
+        // Walks through the whole file without unpacking, to count the frames and to check that nothing is missing.
         GifWalk walk(source);
         m_width = walk.Gif().SWidth;
         m_height = walk.Gif().SHeight;
         Frame frame;
         while (walk.Next(frame)) {
-            if (m_frames.empty()) { // a screen that is too small for its first picture is taken as large enough
+            if (m_frames.empty()) { // a screen too small for its first picture is enlarged to it
                 m_width = std::max(m_width, frame.width);
                 m_height = std::max(m_height, frame.height);
             }
             m_frames.push_back(frame);
             walk.SkipPixels();
         }
-        // A screen that its pictures hardly touch is a lie, for which no memory is taken.
+        // Rejects a huge screen that the file has too few bytes to fill, before memory is allocated.
         const uint64_t pixels = static_cast<uint64_t>(m_width) * static_cast<uint64_t>(m_height);
         Require(!m_frames.empty() && (pixels <= (1U << 24) || pixels / kPixelsPerByte <= source.Size()));
     }
@@ -154,7 +154,7 @@ public:
 
     [[nodiscard]] std::shared_ptr<SysMemBitmap> Load(uint32_t wanted) override {
         size_t first = wanted;
-        // A covering frame that is taken away again uncovers what was before it.
+        // If a covering frame is removed again by its disposal, earlier frames reappear.
         while (first > 0 &&
                !(Covers(m_frames[first]) && (first == wanted || m_frames[first].disposal != DISPOSE_PREVIOUS))) {
             --first;
@@ -177,12 +177,12 @@ private:
     [[nodiscard]] bool FillsScreen(const Frame& f) const noexcept {
         return f.left == 0 && f.top == 0 && f.width >= m_width && f.height >= m_height;
     }
-    /// Whether nothing of the frames before can be seen.
+    /// Whether the frame hides all earlier frames.
     [[nodiscard]] bool Covers(const Frame& f) const noexcept {
         return FillsScreen(f) && f.transparent == NO_TRANSPARENT_COLOR;
     }
 
-    /// A frame that is the whole picture: its own indices and palette.
+    /// A frame that is the whole picture keeps its own indices and palette.
     [[nodiscard]] std::shared_ptr<SysMemBitmap> Single(GifWalk& walk, const Frame& frame, HeapArray<uint8_t>& indices) {
         const std::vector<uint32_t> colors = walk.Colors(frame);
         walk.ReadPixels(frame, indices);
@@ -250,7 +250,7 @@ private:
         }
     }
 
-    /// Keeps the area's pixels, or puts them back.
+    /// Saves the area's pixels, or restores them if `back`.
     static void Exchange(const SysMemBitmap& screen, const IntRect& area, HeapArray<uint32_t>& saved, bool back) {
         if (IsEmpty(area)) {
             return;
@@ -264,10 +264,10 @@ private:
         }
     }
 
-    /// The picture with a palette: the frame's colours first, then others as they come; null when 256 do not do.
+    /// The picture with a palette: the frame's colours first, then others as they occur; null if 256 are not enough.
     [[nodiscard]] std::shared_ptr<SysMemBitmap> ToIndexed(const SysMemBitmap& screen,
                                                           std::vector<uint32_t> colors) const {
-        // Open addressing; at most 257 of the 1024 places are taken.
+        // A hash table with open addressing; at most 257 of its 1024 places are taken.
         struct Place {
             uint32_t color;
             int32_t index;

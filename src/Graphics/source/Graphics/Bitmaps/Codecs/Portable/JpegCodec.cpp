@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// libjpeg reports errors by longjmp. Every call that may do so runs inside Protected, whose work owns nothing: objects
-// with destructors live in the callers, which throw once the jump has landed.
+// libjpeg reports errors by longjmp. Every call that may do so runs inside Protected, whose work holds no objects with
+// destructors: these are held by the callers, which throw after the jump.
 #include "FreeCodecs.h"
 
 #include <cmath>
 #include <csetjmp>
-#include <cstdio> // jpeglib.h wants FILE
+#include <cstdio> // jpeglib.h needs FILE
 #include <cstring>
 
 #include <jpeglib.h>
@@ -17,18 +17,18 @@
 namespace Graphics {
 namespace {
 
-/// Nothing is gained by more, and each one passes over the whole image.
+/// Limits the cost of hostile files: each scan passes over the whole image. Real files have far fewer.
 constexpr int kMostScans = 100;
 constexpr int kQuality = 90;
 
 struct Errors {
-    jpeg_error_mgr manager; // first: libjpeg's pointer to it is a pointer to this
+    jpeg_error_mgr manager; // first member, so that libjpeg's pointer to it is a pointer to this struct
     jmp_buf landing;
 };
 
 [[noreturn]] void OnError(j_common_ptr info) { std::longjmp(reinterpret_cast<Errors*>(info->err)->landing, 1); }
 
-/// Warnings say that pixels are missing or guessed, except for these, which harm none.
+/// Warnings mean that pixels are missing or guessed, except for the harmless ones below.
 void OnMessage(j_common_ptr info, int level) {
     if (level >= 0) {
         return; // traces
@@ -52,7 +52,7 @@ jpeg_error_mgr* SetUp(Errors& errors) {
     return manager;
 }
 
-/// False when libjpeg gave up. `work` must hold no object with a destructor while it calls libjpeg.
+/// False if libjpeg reports an error. `work` must hold no object with a destructor while it calls libjpeg.
 template <class Work> [[nodiscard]] bool Protected(Errors& errors, Work& work) {
     if (setjmp(errors.landing) != 0) {
         return false;
@@ -91,7 +91,8 @@ void SkipInput(j_decompress_ptr info, long count) {
     input->manager.bytes_in_buffer -= left;
 }
 
-/// C M Y K of the file's sense to B G R. Adobe's programs store inks inverted, 255 for none, and everybody follows.
+/// Converts the file's C M Y K to B G R. By Adobe's convention, which all files follow, values are inverted: 255 is no
+/// ink.
 void FromCmyk(uint8_t* bgr, const uint8_t* cmyk, size_t count) noexcept {
     for (size_t i = 0; i < count; ++i, bgr += 3, cmyk += 4) {
         for (size_t c = 0; c < 3; ++c) {
@@ -136,8 +137,9 @@ public:
         }
         const uint32_t width = m_info.image_width;
         const uint32_t height = m_info.image_height;
-        // A Huffman code has at least one bit for each block of 64 pixels: a shorter file is refused before memory is
-        // taken. Arithmetic coding has no such limit (200 bytes can be 23000 x 23000 pixels), and nobody writes it.
+        // A Huffman code has at least one bit per block of 64 pixels, so a shorter file is rejected before memory is
+        // allocated. Arithmetic coding has no such limit (200 bytes can be 23000 x 23000 pixels) and is not used in
+        // practice.
         Require(m_info.arith_code == 0 && static_cast<uint64_t>(width) * height / 512 <= m_cursor.Size());
         const double unit = m_info.density_unit == 1 ? 1.0 : m_info.density_unit == 2 ? 2.54 : 0.0;
         std::shared_ptr<SysMemBitmap> image =
@@ -262,7 +264,7 @@ private:
         m_info.in_color_space = grey ? JCS_GRAYSCALE : JCS_EXT_BGR;
         jpeg_set_defaults(&m_info);
         jpeg_set_quality(&m_info, kQuality, TRUE);
-        // Full colour resolution: documents have coloured lines and letters.
+        // Full colour resolution, since documents have coloured lines and letters.
         m_info.comp_info[0].h_samp_factor = m_info.comp_info[0].v_samp_factor = 1;
         m_info.density_unit = 1;
         m_info.X_density = Density(image.DpiX());

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The codecs on the free libraries, and our own for Windows bitmaps.
+// The codecs based on free libraries, and the engine's own for Windows bitmaps.
 #include "BmpCodec.h"
 #include "FreeCodecs.h"
 
 namespace Graphics {
 namespace {
 
-// Not made on first use, like all codecs: a program may load and save while its static objects end.
+// Like all codecs not created on first use, because a program may load and save while its static objects end.
 const BmpCodec g_bmp;
 
 } // namespace

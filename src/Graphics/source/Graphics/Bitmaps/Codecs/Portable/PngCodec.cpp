@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// libpng reports errors by longjmp. Every call that may do so runs inside Protected, whose work owns nothing: objects
-// with destructors live in the callers, which throw once the jump has landed.
+// libpng reports errors by longjmp. Every call that may do so runs inside Protected, whose work holds no objects with
+// destructors: these are held by the callers, which throw after the jump.
 #include "FreeCodecs.h"
 
 #include <csetjmp>
@@ -16,7 +16,7 @@ namespace {
 void OnError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void OnWarning(png_structp, png_const_charp) {}
 
-/// False when libpng gave up. `work` must hold no object with a destructor while it calls libpng.
+/// False if libpng reports an error. `work` must hold no object with a destructor while it calls libpng.
 template <class Work> [[nodiscard]] bool Protected(png_structp png, Work& work) {
     if (setjmp(png_jmpbuf(png)) != 0) {
         return false;
@@ -45,7 +45,8 @@ public:
     [[nodiscard]] std::shared_ptr<SysMemBitmap> Load(uint32_t) override {
         const uint32_t width = png_get_image_width(m_png, m_info);
         const uint32_t height = png_get_image_height(m_png, m_info);
-        // Deflate makes at most 1032 bytes of one: a file too short for its size is refused before memory is taken.
+        // Deflate expands a byte to at most 1032, so a file too short for its size is rejected before memory is
+        // allocated.
         const uint64_t rawBytes = static_cast<uint64_t>(png_get_rowbytes(m_png, m_info)) * height;
         Require(rawBytes / 1032 <= m_cursor.Size());
         GXPixelFormat format = GXPixelFormatUnknown;
@@ -62,7 +63,7 @@ public:
         uint8_t* data = image->Data();
         const size_t stride = image->StrideBytes();
         Run(m_png, [this, data, stride, height] {
-            // Passes are put together in the bitmap itself.
+            // Interlace passes are combined in the bitmap itself.
             for (int pass = 0; pass < m_passes; ++pass) {
                 for (uint32_t y = 0; y < height; ++y) {
                     png_read_row(m_png, data + stride * y, nullptr);
@@ -70,7 +71,7 @@ public:
             }
             png_read_end(m_png, nullptr);
         });
-        if (format == GXPixelFormatIndexed1) { // bits behind the row
+        if (format == GXPixelFormatIndexed1) { // padding bits of a row
             ClearTails(*image, width);
         }
         return image;
@@ -87,9 +88,9 @@ private:
 
     void ReadHeader() {
         png_set_read_fn(m_png, &m_cursor, ReadBytes);
-        png_set_user_limits(m_png, 0x7FFFFFFF, 0x7FFFFFFF); // the bitmap's own limits come later
+        png_set_user_limits(m_png, 0x7FFFFFFF, 0x7FFFFFFF); // the bitmap's own limits are checked later
         png_set_crc_action(m_png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
-        // Profiles, texts and the like are skipped unread.
+        // Profiles, texts and similar chunks are not read.
         static const png_byte kSkipped[] =
             "bKGD\0cHRM\0eXIf\0gAMA\0hIST\0iCCP\0iTXt\0oFFs\0pCAL\0sCAL\0sPLT\0sRGB\0tEXt\0"
             "tIME\0zTXt";
@@ -97,7 +98,7 @@ private:
         png_read_info(m_png, m_info);
     }
 
-    /// Asks libpng for rows in the bitmap's format.
+    /// Configures libpng to deliver rows in the bitmap's format, which is returned.
     GXPixelFormat ChooseFormat() {
         const int depth = png_get_bit_depth(m_png, m_info);
         const int type = png_get_color_type(m_png, m_info);
@@ -137,7 +138,7 @@ private:
         return format;
     }
 
-    /// The file's palette, or the levels of a grey image; what the file calls transparent has alpha 0.
+    /// Sets the file's palette, or the levels of a grey image; transparent entries have alpha 0.
     void SetPalette(SysMemBitmap& image) {
         if (!IsIndexedFormat(image.Format())) {
             return;

@@ -8,10 +8,10 @@
 namespace Graphics {
 namespace {
 
-/// Pictures that any coding may make of next to nothing, such as one colour.
+/// Pictures up to this size are always allowed: every coding can produce them from very few bytes, if of one colour.
 constexpr uint64_t kFreePixels = 1U << 24;
-/// Above that, what a byte may stand for where the coding itself has no limit: a fax of blank rows as wide as the
-/// largest printers', eight to a byte; the others cut their pictures into blocks with headers of their own.
+/// For larger pictures, the pixels that a byte may stand for if the coding has no limit. Fax: blank rows as wide as the
+/// largest printers', eight to a byte. Others: pictures are cut into blocks with headers.
 constexpr uint64_t kMostFaxPixels = 1U << 20;
 constexpr uint64_t kMostPixels = 1U << 16;
 
@@ -22,31 +22,31 @@ constexpr uint64_t kMostPixels = 1U << 16;
            compression == COMPRESSION_CCITTFAX3 || compression == COMPRESSION_CCITTFAX4;
 }
 
-/// The bytes that a byte becomes at most; 0 where there is no such limit.
+/// The largest number of bytes that a byte can become; 0 if there is no limit.
 [[nodiscard]] uint64_t MostGrowth(uint16_t compression, uint64_t bitsPerPixel) noexcept {
     switch (compression) {
     case COMPRESSION_NONE:
         return 1;
-    case COMPRESSION_PACKBITS: // 128 bytes of two
+    case COMPRESSION_PACKBITS: // 128 bytes from two
         return 64;
-    case COMPRESSION_THUNDERSCAN: // a byte: 63 pixels of four bits
-    case COMPRESSION_NEXT:        // 63 pixels of two bits
+    case COMPRESSION_THUNDERSCAN: // 63 pixels of four bits from a byte
+    case COMPRESSION_NEXT:        // 63 pixels of two bits from a byte
         return 32;
-    case COMPRESSION_SGILOG: // runs of 129 in two bytes, each one of four to a pixel, which becomes three floats
+    case COMPRESSION_SGILOG: // runs of 129 from two bytes; a pixel has four such bytes and becomes three floats
     case COMPRESSION_SGILOG24:
         return 65 * 3;
     case COMPRESSION_LZW: // codes of nine bits or more, strings below 4096
         return 4096 * 8 / 9 + 1;
-    case COMPRESSION_DEFLATE: // two bits for 258 bytes
+    case COMPRESSION_DEFLATE: // 258 bytes from two bits
     case COMPRESSION_ADOBE_DEFLATE:
         return 1032;
-    case COMPRESSION_PIXARLOG: // deflated words of two bytes that become floats
+    case COMPRESSION_PIXARLOG: // deflated words of two bytes, which become floats
         return 2064;
-    case COMPRESSION_LZMA: // fourteen binary decisions of 0.022 bits for 273 bytes
+    case COMPRESSION_LZMA: // 273 bytes from fourteen binary decisions of 0.022 bits
         return 8192;
-    case COMPRESSION_ZSTD: // blocks of 128 KiB in four bytes
+    case COMPRESSION_ZSTD: // blocks of 128 KiB from four bytes
         return 32768;
-    case COMPRESSION_JPEG: // a bit for a block of 64 pixels
+    case COMPRESSION_JPEG: // a block of 64 pixels from a bit
     case COMPRESSION_OJPEG:
         return 512 * CeilDivide(bitsPerPixel, 8);
     default:
@@ -86,7 +86,7 @@ TiffBlocks::TiffBlocks(TIFF* tiff) : m_tiff(tiff), m_tiled(TIFFIsTiled(tiff) != 
     m_across = CeilDivide(imageWidth, m_width);
     m_down = CeilDivide(m_imageHeight, m_height);
 
-    // Tiles are about as large as the image at most, whatever the file says.
+    // Tiles much larger than the image are rejected.
     const uint64_t stride = CeilDivide(m_width * m_bitsPerPixel, 8);
     const uint64_t imageBytes = CeilDivide(imageWidth * m_bitsPerPixel, 8) * m_imageHeight;
     Require(stride <= 0x7FFFFFFF / m_height && stride * m_height <= imageBytes * 4 + (1U << 24));
@@ -116,7 +116,7 @@ uint64_t TiffBlocks::ListedBytes(uint32_t block, uint64_t fileBytes) const {
     Require(failed == 0);
     const uint64_t count = TIFFGetStrileByteCountWithErr(m_tiff, block, &failed);
     Require(failed == 0);
-    // A block that is not listed counts as one at offset 0, where the file's own header lies.
+    // libtiff reports a missing block at offset 0, where the file's header lies.
     const uint64_t header = TIFFIsBigTIFF(m_tiff) != 0 ? 16 : 8;
     Require(offset >= header && offset < fileBytes && count > 0);
     return std::min(count, fileBytes - offset);
@@ -124,8 +124,8 @@ uint64_t TiffBlocks::ListedBytes(uint32_t block, uint64_t fileBytes) const {
 
 bool TiffBlocks::CanBecome(uint64_t bytes, uint64_t rows) const noexcept {
     if (IsFax(m_compression)) {
-        // A row like the one above has one bit. One by itself has a code of four or more for its last run and of twelve
-        // for each 2560 pixels before it.
+        // A row that repeats the row above has one bit. A row coded by itself has a code of at least four bits for its
+        // last run, and twelve bits for each 2560 pixels before it.
         const uint64_t rowBits = m_twoDimensional ? 1 : 4 + m_width / 2560 * 12;
         return rows * rowBits <= bytes * 8;
     }
@@ -136,7 +136,7 @@ bool TiffBlocks::CanBecome(uint64_t bytes, uint64_t rows) const noexcept {
 void TiffBlocks::RequireBacked(uint64_t fileBytes) const {
     const uint64_t blocks = m_across * m_down * m_planes;
     Require(blocks <= (m_tiled ? TIFFNumberOfTiles(m_tiff) : TIFFNumberOfStrips(m_tiff)));
-    // Every block for itself, and all of them together, since a file may list the same bytes many times.
+    // Checks each block, and then all together, since a file may list the same bytes many times.
     uint64_t unpacked = 0, rowsOfAll = 0;
     for (uint64_t block = 0; block < blocks; ++block) {
         const uint64_t top = block / m_across % m_down * m_height;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Written with LZW in strips of about 64 KiB.
+// Writes with LZW compression, in strips of about 64 KiB.
 #include "FreeCodecs.h"
 
 #include <algorithm>

@@ -9,7 +9,7 @@
 namespace Graphics {
 namespace {
 
-/// No bitmap is larger, so no part of one is.
+/// The size limit of a bitmap, and therefore of any part of one.
 constexpr tmsize_t kMostBytes = 0x7FFFFFFF;
 
 } // namespace
@@ -61,7 +61,8 @@ void TiffHandle::Open(const char* mode) {
     const auto onWarning = [](TIFF*, void* self, const char*, const char* format, va_list arguments) -> int {
         char text[256];
         std::vsnprintf(text, sizeof text, format, arguments);
-        // Data that ends early, also a tag's that is then left out; counts of bytes that are not those of the pixels.
+        // Data that end early, including a tag's data, which libtiff then omits; and byte counts that contradict the
+        // pixels.
         const auto says = [&text](const char* words) { return std::strstr(text, words) != nullptr; };
         if (says("remature") || says("Corrupt") || says("IO error") ||
             (says("StripByteCounts") && says("ignoring and calculating"))) {

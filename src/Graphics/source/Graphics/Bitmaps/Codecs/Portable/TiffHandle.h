@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// An open libtiff file over our own bytes. Nothing of libtiff's global state is touched: errors and warnings go to the
-// handle.
+// A libtiff file on the engine's byte sources and sinks. Errors and warnings go to the handle; libtiff's global state
+// is not used.
 #pragma once
 
 #include <tiffio.h>
@@ -11,7 +11,7 @@ namespace Graphics {
 
 class TiffHandle {
 public:
-    /// Throw ImageError when libtiff refuses.
+    /// Both throw ImageError if libtiff refuses.
     explicit TiffHandle(ByteSource& source);
     explicit TiffHandle(ByteSink& sink);
     TiffHandle(const TiffHandle&) = delete;
@@ -19,7 +19,7 @@ public:
     ~TiffHandle();
 
     [[nodiscard]] TIFF* Tiff() const noexcept { return m_tiff; }
-    /// Whether an error, or a warning that says that pixels are missing, came up since the last call.
+    /// Whether an error, or a warning about missing pixels, has occurred since the last call.
     [[nodiscard]] bool TakeFailure() noexcept;
 
 private:

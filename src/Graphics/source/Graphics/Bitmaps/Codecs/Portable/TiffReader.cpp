@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strips come row by row where the coding allows that; else strips and tiles are read whole and brought into the bitmap
+// Strips are read row by row if the coding allows that; otherwise strips and tiles are read as a whole and converted
 // row by row.
 #include "TiffReader.h"
 
@@ -8,7 +8,7 @@
 namespace Graphics {
 namespace {
 
-/// More are the bands of measurements, not of pictures.
+/// Files with more samples hold measurements, not pictures.
 constexpr uint16_t kMostSamples = 64;
 
 } // namespace
@@ -122,7 +122,7 @@ std::shared_ptr<const Palette> TiffReader::MakePalette() const {
     }
     uint32_t colors[256];
     const size_t count = bits ? 2 : 256;
-    // The map's numbers have 16 bits; some writers used only the lower 8.
+    // The map's values have 16 bits, but some writers used only the lower 8.
     bool wide = false;
     for (size_t i = 0; i < count; ++i) {
         wide = wide || ((m_page.map[0][i] | m_page.map[1][i] | m_page.map[2][i]) & 0xFF00) != 0;
@@ -178,7 +178,7 @@ size_t TiffReader::WantedPlanes() const noexcept {
 void TiffReader::RequirePlainBlocks() const {
     TIFF* tiff = m_file.Tiff();
     const bool tiled = m_blocks->Tiled();
-    // In one-bit images a tile starts at a whole byte, as the format has it.
+    // In one-bit images tiles start at whole bytes, as the format requires.
     Require(!tiled || m_page.bits >= 8 || m_blocks->Width() % 8 == 0);
     const uint64_t bytes = static_cast<uint64_t>(m_blocks->StrideBytes()) * m_blocks->Height();
     Require(bytes * WantedPlanes() <= 0x7FFFFFFF);
@@ -204,7 +204,7 @@ void TiffReader::LoadBlocks(SysMemBitmap& image) {
     const size_t planes = WantedPlanes();
     HeapArray<uint8_t> bytes;
     bytes.resize(blockBytes * planes);
-    // Alpha is the sample right behind the colours, so the needed planes are the first ones.
+    // Alpha directly follows the colours, so the needed planes are the first ones.
     for (uint64_t row = 0; row < m_blocks->Down(); ++row) {
         for (uint64_t column = 0; column < m_blocks->Across(); ++column) {
             const auto left = static_cast<uint32_t>(column * blockWidth);

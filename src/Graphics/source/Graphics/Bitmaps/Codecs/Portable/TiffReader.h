@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reads TIFF files of strips or tiles, with samples together or in planes, of any depth. What the tags call orientation
-// is left to the host, as for all other kinds of files.
+// Reads TIFF files of strips or tiles, with samples together or in planes, of any depth. The orientation tag is left to
+// the host, as in all other kinds of files.
 #pragma once
 
 #include <optional>
@@ -23,13 +23,13 @@ private:
     void ReadTags();
     [[nodiscard]] GXPixelFormat ChooseFormat();
     [[nodiscard]] std::shared_ptr<const Palette> MakePalette() const;
-    /// Planes of samples that the picture is made of.
+    /// The number of sample planes that are read.
     [[nodiscard]] size_t WantedPlanes() const noexcept;
     /// Throws ImageError unless unpacked blocks are plain rows of samples.
     void RequirePlainBlocks() const;
     void LoadRows(SysMemBitmap& image);
     void LoadBlocks(SysMemBitmap& image);
-    /// Rows through libtiff's own conversion, for the colour spaces that only it knows.
+    /// Loads rows through libtiff's conversion, for the colour spaces that only libtiff supports.
     void LoadConverted(SysMemBitmap& image);
 
     ByteSource& m_source;

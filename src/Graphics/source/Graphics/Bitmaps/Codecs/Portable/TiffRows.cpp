@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bitmap formats that have the file's layout take the samples as they are. All else passes row by row through arrays of
+// If the bitmap's format has the file's layout, samples are copied. Otherwise rows are converted through arrays of
 // 8-bit levels, one for each channel.
 #include "TiffRows.h"
 
@@ -30,7 +30,7 @@ template <class T> [[nodiscard]] T LoadNative(const uint8_t* p) noexcept {
     return (half & 0x8000) != 0 ? -value : value;
 }
 
-/// `bits` bits from bit `at` on, most significant first.
+/// Reads `bits` bits from bit `at` on, most significant first.
 [[nodiscard]] uint32_t BitsAt(const uint8_t* row, uint64_t at, uint32_t bits) noexcept {
     uint64_t value = 0;
     const uint64_t last = (at + bits - 1) / 8;
@@ -127,7 +127,7 @@ void TiffRows::Convert(uint8_t* dst, const uint8_t* row, size_t planeBytes, uint
     for (size_t i = 0; i < count; ++i, to += dstStep) {
         for (uint32_t c = 0; c < 3; ++c) {
             const uint8_t level = m_levels[m_page.colors == 1 ? 0 : 2 - c][i];
-            if (m_page.colors == 4) { // inks: 0 is none
+            if (m_page.colors == 4) { // ink separations: 0 is no ink
                 const uint32_t white = (255U - level) * (255U - m_levels[3][i]);
                 to[c] = static_cast<uint8_t>((white + 127) / 255);
             } else {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows of a TIFF file's samples as rows of a bitmap.
+// Converts rows of a TIFF file's samples to rows of a bitmap.
 #pragma once
 
 #include "../../../ProcessHeap.h"
@@ -7,19 +7,19 @@
 
 namespace Graphics {
 
-/// How samples become levels of 8 bits.
+/// The form of samples, which determines their conversion to 8-bit levels.
 enum class TiffSamples { Bytes, Words, Bits, Half, Float, Double };
 
-/// What the tags of a page say of its pixels.
+/// The pixel layout that a page's tags describe.
 struct TiffPage {
-    uint16_t bits = 1; ///< a sample
+    uint16_t bits = 1; ///< per sample
     uint16_t samples = 1;
     uint16_t photometric = 0;
-    uint16_t colors = 1;   ///< samples that make the colour
-    bool planes = false;   ///< each sample in a plane of its own
-    bool hasSign = false;  ///< whole numbers with a sign
+    uint16_t colors = 1;   ///< number of colour samples
+    bool planes = false;   ///< each sample in a separate plane
+    bool hasSign = false;  ///< samples are signed integers
     bool known = true;     ///< false: libtiff converts
-    bool hasAlpha = false; ///< the sample behind the colours
+    bool hasAlpha = false; ///< the sample after the colours is alpha
     bool associated = false;
     TiffSamples kind = TiffSamples::Bits;
     GXPixelFormat format = GXPixelFormatUnknown; ///< of the bitmap
@@ -28,14 +28,14 @@ struct TiffPage {
 
 class TiffRows {
 public:
-    /// `page` outlives this and is complete before rows are converted.
+    /// `page` must outlive this object and be complete before rows are converted.
     explicit TiffRows(const TiffPage& page) : m_page(page) {}
 
-    /// `count` pixels of a strip or tile; `planeBytes` lie between its planes, if any.
+    /// Converts `count` pixels of a strip or tile; its planes, if any, are `planeBytes` apart.
     void Convert(uint8_t* dst, const uint8_t* row, size_t planeBytes, uint32_t count);
 
 private:
-    /// Sample `channel` of `count` pixels as levels, or as plain numbers.
+    /// Sample `channel` of `count` pixels, as levels or as plain numbers.
     template <class Out>
     void Unpack(Out* out, const uint8_t* row, size_t count, uint32_t channel, bool asNumber) const noexcept;
     [[nodiscard]] double Level(const uint8_t* sample) const noexcept;

@@ -17,7 +17,7 @@ namespace {
     UINT count = 0;
     UINT bytes = 0;
     Require(g_gdip.getImageEncodersSize(&count, &bytes) == Gdiplus::Ok);
-    HeapArray<uint8_t> block; // the descriptions, and behind them their texts
+    HeapArray<uint8_t> block; // the descriptions, followed by their strings
     block.resize(bytes);
     const auto* infos = reinterpret_cast<Gdiplus::ImageCodecInfo*>(block.data());
     Require(bytes / sizeof *infos >= count);
@@ -33,8 +33,8 @@ namespace {
     return true;
 }
 
-/// The pixels in a form that GDI+ stores as it is: its own way from premultiplied to straight colours rounds otherwise
-/// than the engine's, and files are to be the same on every platform. `made` owns them where they are not the image's.
+/// The pixels in a form that GDI+ stores unchanged: its conversion from premultiplied to straight colours rounds
+/// differently from the engine's, and files must be the same on every platform. `made` owns converted pixels.
 [[nodiscard]] PixelView SavedPixels(const SysMemBitmap& image, bool alpha, std::shared_ptr<SysMemBitmap>& made) {
     PixelView pixels = image.View();
     GXPixelFormat format = pixels.format;
@@ -43,7 +43,7 @@ namespace {
     case GXPixelFormatBGRA32:
         format = alpha ? GXPixelFormatBGRA32 : GXPixelFormatBGR24;
         break;
-    case GXPixelFormatAlpha8: // coverage is white with alpha; without room for that, its level
+    case GXPixelFormatAlpha8: // coverage becomes white with alpha; grey levels if the format has no alpha
         format = alpha ? GXPixelFormatBGRA32 : GXPixelFormatAlpha8;
         pixels.format = alpha ? GXPixelFormatAlpha8 : GXPixelFormatGray8;
         break;
@@ -83,7 +83,7 @@ void GdipCodec::Save(const SysMemBitmap& image, std::string_view name, ByteSink&
     std::shared_ptr<SysMemBitmap> made;
     const PixelView pixels = SavedPixels(image, name != "jpeg", made);
     const GdipBitmap bitmap = KeepMessage([&] { return GdipBitmap(pixels, image.DpiX(), image.DpiY()); });
-    // Into memory first: encoders go back to read what they wrote, and a sink only takes.
+    // Written to memory first, because encoders read back what they wrote.
     GlobalStream file;
     Require(g_gdip.saveImageToStream(bitmap.Get(), file.Get(), &encoder, nullptr) == Gdiplus::Ok);
     file.CopyTo(sink);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Image files of every kind that the system's GDI+ reads and writes. GDI+ is up during each load and save only.
+// Image files of every kind that GDI+ reads and writes. GDI+ runs only during each load and save.
 #pragma once
 
 #include "../ImageCodec.h"
@@ -8,9 +8,9 @@ namespace Graphics {
 
 class GdipCodec final : public ImageCodec {
 public:
-    /// Everything: GDI+ finds out by itself. Asked last.
+    /// Always true: GDI+ recognises the kind itself. This codec is tried last.
     [[nodiscard]] bool Recognizes(std::span<const uint8_t> head) const noexcept override;
-    /// Raises "Failed to initialize GDI+" for the host, as do the others.
+    /// This and the functions below raise "Failed to initialize GDI+" for the host.
     [[nodiscard]] std::unique_ptr<ImageDecoder> Open(ByteSource& source) const override;
     [[nodiscard]] bool Writes(std::string_view name) const override;
     /// Raises what GdipBitmap raises for the host.

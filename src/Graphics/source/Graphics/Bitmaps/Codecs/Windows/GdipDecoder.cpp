@@ -14,10 +14,10 @@ void Check(Gdiplus::GpStatus status) { Require(status == Gdiplus::Ok); }
 
 struct FormatPair {
     GXPixelFormat own;
-    Gdiplus::PixelFormat gdiplus; ///< in which the pixels are asked for
+    Gdiplus::PixelFormat gdiplus; ///< the format requested from GDI+
 };
 
-/// Formats that the engine does not have, deeper ones with alpha too, are read as opaque colours.
+/// Formats that the engine lacks, including deeper ones with alpha, are read as opaque colours.
 [[nodiscard]] FormatPair FormatFor(Gdiplus::PixelFormat stored) noexcept {
     constexpr FormatPair kSame[] = {
         {GXPixelFormatBGR24, PixelFormat24bppRGB},       {GXPixelFormatPBGRA32, PixelFormat32bppPARGB},

@@ -10,7 +10,7 @@
 
 namespace Graphics {
 
-/// GDI+ for one load or save. Raises "Failed to initialize GDI+" for the host.
+/// Starts GDI+ for one load or save. Raises "Failed to initialize GDI+" for the host.
 [[nodiscard]] inline GdiplusScope StartForImages() {
     return KeepMessage([] { return GdiplusScope("Failed to initialize GDI+"); });
 }
@@ -29,9 +29,9 @@ private:
     [[nodiscard]] std::shared_ptr<const Palette> ReadPalette() const;
 
     const GdiplusScope m_scope;
-    std::optional<GlobalStream> m_stream; // of a file in memory
+    std::optional<GlobalStream> m_stream; // used for a file in memory
     Gdiplus::GpBitmap* m_bitmap = nullptr;
-    std::optional<GUID> m_dimension; // of the frames, once they are counted
+    std::optional<GUID> m_dimension; // of the frames, set when they are counted
 };
 
 } // namespace Graphics

@@ -5,7 +5,7 @@
 namespace Graphics {
 namespace {
 
-// Not made on first use: a program may load and save while its static objects end.
+// Not created on first use, because a program may load and save while its static objects end.
 const GdipCodec g_gdiplus;
 const ImageCodec* const g_all[] = {&g_gdiplus};
 

@@ -34,11 +34,11 @@ bool SwDeviceSurface::ReadDevice() {
     }
     const DevicePixels pixels(m_dc);
     const PixelView view = m_backBuffer.View();
-    // What lies beyond the device is not written.
+    // BitBlt does not write pixels beyond the device.
     m_backBuffer.MakeWhite();
     const bool read = pixels && g_system.bitBlt(m_backBuffer.Context(), 0, 0, view.width, view.height, m_dc,
                                                 m_area.left, m_area.top, SRCCOPY) != 0;
-    GdiFlush(); // the engine is about to look at the memory
+    GdiFlush(); // completes GDI's output before the engine accesses the memory
     return read;
 }
 
@@ -58,7 +58,8 @@ void SwDeviceSurface::Present() {
     }
     const DevicePixels pixels(m_dc);
     const PixelView view = m_backBuffer.View();
-    // Pixels of another depth are made in memory, so that the device gets one plain copy in its own form.
+    // For devices of low depth the pixels are converted in memory, so that the device receives a plain copy in its own
+    // format.
     const bool converted =
         g_system.getObjectType(m_dc) != OBJ_ENHMETADC && g_system.getDeviceCaps(m_dc, BITSPIXEL) < 24;
     if (converted) {
@@ -79,7 +80,7 @@ void SwDeviceSurface::PresentConverted(int width, int height) {
         GX_RAISE(kPresent, "CreateCompatibleBitmap is failed.");
     }
     const GdiSelection selection(context.Get(), bitmap.Get());
-    // Halftoning spreads what few colours cannot show.
+    // Halftoning approximates colours that the device lacks.
     SetStretchBltMode(context.Get(), HALFTONE);
     SetBrushOrgEx(context.Get(), 0, 0, nullptr);
     if (!selection ||

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A surface for a part of a device context: a back buffer in memory, which starts a frame with what the device shows
-// (white where a device cannot be read) and is copied to the device at its end.
+// A surface for a part of a device context: a back buffer in memory. A frame starts with the device's present pixels
+// (white if the device cannot be read) and is copied to the device at its end.
 #pragma once
 
 #include "../SwSurface.h"

@@ -25,7 +25,7 @@ DibSection SwSystemBitmap::CreateNativeBitmap(int64_t width, int64_t height, flo
     if (width <= 0 || height <= 0) {
         GX_RAISE(kFunction, "Invalid bitmap dimensions");
     }
-    // As for the engine's own bitmaps: less than 2 GiB. Neither factor exceeds 32 bits.
+    // The limit of the engine's own bitmaps: less than 2 GiB. Neither factor exceeds 32 bits.
     if (width > INT32_MAX / 4 || height > INT32_MAX / (width * 4)) {
         GX_RAISE(kFunction, "Bitmap is too big");
     }

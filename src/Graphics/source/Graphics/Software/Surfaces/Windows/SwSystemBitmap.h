@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A picture that both sides can draw: the engine through its memory, GDI through a device context of its own.
+// A bitmap that both the engine and GDI can draw into: through its memory and through its own device context.
 #pragma once
 
 #include <optional>
@@ -21,7 +21,7 @@ public:
 private:
     [[nodiscard]] static DibSection CreateNativeBitmap(int64_t width, int64_t height, float dpiX, float dpiY);
 
-    // The selection ends first.
+    // Order matters: the selection must end before the bitmap.
     DCHandle m_context;
     DibSection m_bitmap;
     std::optional<GdiSelection> m_selection;

@@ -54,7 +54,7 @@ void SwWindowSurface::UpdateSurface() {
         }
         m_size = {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
     } else {
-        // Minimised: the pixels wait for the window to come back.
+        // Minimised: the pixels are kept until the window is restored.
         m_size = {};
     }
     m_bitsPerPixel = bitsPerPixel;
@@ -91,11 +91,11 @@ void SwWindowSurface::Present() {
     const auto bits = static_cast<uint32_t>(BitsPerPixel(m_format));
     SwBitmapInfo info(static_cast<int32_t>(m_backBuffer->StrideBytes() * 8 / bits), static_cast<int32_t>(m_size.height),
                       bits);
-    info.colors[1] = {255, 255, 255, 0}; // of a display with one bit: 0 black, 1 white
+    info.colors[1] = {255, 255, 255, 0}; // for a display with one bit: 0 black, 1 white
     const int rows = g_system.setDIBitsToDevice(context.Get(), 0, 0, m_size.width, m_size.height, 0, 0, 0,
                                                 m_size.height, m_backBuffer->Data(), info.Get(), DIB_RGB_COLORS);
     RECT visible;
-    // Nothing is copied to a window of which nothing is seen.
+    // If no part of the window is visible, copying no rows is no failure.
     if (!pixels || (rows == 0 && GetClipBox(context.Get(), &visible) != NULLREGION)) {
         GX_RAISE(kFunction, "SetDIBitsToDevice is failed.");
     }

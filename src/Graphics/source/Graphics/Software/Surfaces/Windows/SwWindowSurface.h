@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A surface for a window: a back buffer of the client area's size in memory, brought to the window at the end of a
+// A surface for a window: a back buffer in memory of the client area's size, copied to the window at the end of a
 // frame.
 #pragma once
 
@@ -20,9 +20,9 @@ public:
     [[nodiscard]] Size GetSize() const override { return m_size; }
     [[nodiscard]] GXPixelFormat GetPixelFormat() const override { return m_format; }
 
-    /// Follows the client area, the display's depth and its resolution. What both sizes have in common keeps its
-    /// pixels, the rest is black. Raises "The window does not exist", "The DC does not exist", "Unsupported pixel
-    /// format." and what a bitmap of that size raises; the back buffer is then as it was.
+    /// Follows the client area, the display's depth and its resolution. The common part of both sizes keeps its pixels,
+    /// the rest is black. Raises "The window does not exist", "The DC does not exist", "Unsupported pixel format." and
+    /// what a bitmap of that size raises; the back buffer is then unchanged.
     void UpdateSurface() override;
     [[nodiscard]] PixelView BeginPaint() override;
     void EndPaint() override { Present(); }
@@ -35,7 +35,7 @@ private:
     Size m_size{};
     int m_bitsPerPixel = 0; // of the display
     GXPixelFormat m_format = GXPixelFormatBGRX32;
-    std::shared_ptr<SysMemBitmap> m_backBuffer; // null as long as the window has no area
+    std::shared_ptr<SysMemBitmap> m_backBuffer; // null while the window has no area
 };
 
 } // namespace Graphics
