@@ -16,18 +16,18 @@
 // edge's straight line; so whatever lies in the triangle lies near that line and inside the edge's box. At every point
 // the sweep notes for both neighbours whether the point lies there (GridEdge::near, close). A bend of an edge without
 // such a note changes no answer that the sweep has given.
-// Proof: by the above, the final edges have every point on the side that the sweep found (Shamos and Hoey 1976). Take the
-// first two final edges that meet elsewhere than at a common end. They would be neighbours just before; the next point at
-// which they cease to be neighbours is an end of one of them, or a start between them, and lies on the wrong side of
-// one. That contradicts the first sentence. Edges that share both ends are excepted from the argument: of these at most
-// one may be a border. Where any of this fails, the pieces are swept again.
+// Proof: by the above, the final edges have every point on the side that the sweep found (Shamos and Hoey 1976). Take
+// the first two final edges that meet elsewhere than at a common end. They would be neighbours just before; the next
+// point at which they cease to be neighbours is an end of one of them, or a start between them, and lies on the wrong
+// side of one. That contradicts the first sentence. Edges that share both ends are excepted from the argument: of these
+// at most one may be a border. Where any of this fails, the pieces are swept again.
 //
 // Claim 2: there are at most kMostSweeps + 5 sweeps, each of O((n + k) log n) for n edges with k crossings.
 //   1. Where bends are in each other's way, the sweep cuts nearby and goes on. If such bends are exceptions
 //      (kEdgesPerException) and the order held, the border is right but for about a unit, and the border alone is swept
 //      again with x and y exchanged: kMostSweeps times at most, mostly once.
-//   2. Otherwise the sweep stops, and exact steps replace it: LineWinder finds the border from lines that are never bent
-//      (one sweep), and PixelSnapper moves the border to the grid so that nothing crosses (three sweeps).
+//   2. Otherwise the sweep stops, and exact steps replace it: LineWinder finds the border from lines that are never
+//      bent (one sweep), and PixelSnapper moves the border to the grid so that nothing crosses (three sweeps).
 //   3. One last sweep links what is left.
 #pragma once
 

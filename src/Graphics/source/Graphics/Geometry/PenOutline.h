@@ -13,8 +13,8 @@
 // 2. Inner side of a corner: the two offset lines are joined in their intersection if that shortens each of the two
 //    segments by at most half; otherwise the outline goes through the centre c, which removes nothing.
 //    Proof that joining removes nothing either: what it removes is the kite between c, the two offset ends and the
-//    intersection. Both rectangles cover the kite. Because a segment gives at most half of itself to each of its corners,
-//    no other kite of these two segments overlaps it. So two windings minus one are left.
+//    intersection. Both rectangles cover the kite. Because a segment gives at most half of itself to each of its
+//    corners, no other kite of these two segments overlaps it. So two windings minus one are left.
 //
 // Chains: dashes whose caps overlap form one outline, so that a dot costs what can be seen of it and not its circle.
 //

@@ -2,10 +2,10 @@
 // The sixteen blend functions on one pair of straight pixels, and the pixel arithmetic around them, written plainly:
 // the forms that every other instruction set must match bit for bit.
 //
-// The functions are B(cb, cs) of ISO 32000-1:2008, 11.3.5 (tables 136 and 137; the same in W3C "Compositing and Blending
-// Level 1"), on integers: cb is the backdrop channel, cs the source channel, both 0 to 255 and not premultiplied, and
-// divisions truncate. Where a function differs from the standard, its comment says so; pages must keep their bytes. The
-// modes are numbered as the interface numbers them, with ColorBurn before ColorDodge.
+// The functions are B(cb, cs) of ISO 32000-1:2008, 11.3.5 (tables 136 and 137; the same in W3C "Compositing and
+// Blending Level 1"), on integers: cb is the backdrop channel, cs the source channel, both 0 to 255 and not
+// premultiplied, and divisions truncate. Where a function differs from the standard, its comment says so; pages must
+// keep their bytes. The modes are numbered as the interface numbers them, with ColorBurn before ColorDodge.
 #pragma once
 
 #include <cstddef>
@@ -111,9 +111,9 @@ struct Rgb {
     return static_cast<float>(Higher(r, Higher(g, b)) - Lower(r, Lower(g, b))) / 255.0F;
 }
 
-/// Gives the colour the saturation s. Unlike the standard's SetSat, which makes the lowest channel 0, this one keeps its
-/// value; of a grey the other two channels become 0. Of equal channels, red counts as the highest before green before
-/// blue, and blue as the lowest before green before red.
+/// Gives the colour the saturation s. Unlike the standard's SetSat, which makes the lowest channel 0, this one keeps
+/// its value; of a grey the other two channels become 0. Of equal channels, red counts as the highest before green
+/// before blue, and blue as the lowest before green before red.
 [[nodiscard]] inline Rgb SetSat(Rgb c, float s) noexcept {
     float* high = c.r >= c.g && c.r >= c.b ? &c.r : c.g >= c.b ? &c.g : &c.b;
     float* low = c.b <= c.r && c.b <= c.g ? &c.b : c.g <= c.r ? &c.g : &c.r;
@@ -128,7 +128,8 @@ struct Rgb {
     return c;
 }
 
-/// SetLum and ClipColor of the standard: shifts the colour to luminosity l, then moves channels outside 0 to 1 toward it.
+/// SetLum and ClipColor of the standard: shifts the colour to luminosity l, then moves channels outside 0 to 1 toward
+/// it.
 [[nodiscard]] inline Rgb SetLum(Rgb c, float l) noexcept {
     const float d = l - Lum(c);
     c = {c.r + d, c.g + d, c.b + d};

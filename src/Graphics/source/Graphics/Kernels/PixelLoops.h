@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Samplers that read an image's pixels in place, without a converted copy: by a permutation of a few neighbouring words,
-// by gathers, or one pixel after the other.
+// Samplers that read an image's pixels in place, without a converted copy: by a permutation of a few neighbouring
+// words, by gathers, or one pixel after the other.
 //
 // Invariant: no read leaves the image. A pixel of three bytes (Triples) is read as a word of four, which needs one byte
 // beside it:
@@ -21,8 +21,8 @@ constexpr int32_t kWhole = 1 << 24;
 
 template <PixelLayout kLayout> constexpr int32_t kPixelBytes = kLayout == PixelLayout::Triples ? 3 : 4;
 
-/// A stored word as a premultiplied pixel. The fourth byte of opaque layouts may hold anything until Finish sets it: mixing
-/// treats channels apart, so it reaches no other one.
+/// A stored word as a premultiplied pixel. The fourth byte of opaque layouts may hold anything until Finish sets it:
+/// mixing treats channels apart, so it reaches no other one.
 template <PixelLayout kLayout> GX_INLINE inline U32 ToPremultiplied(U32 c) noexcept {
     return kLayout == PixelLayout::Straight ? Premultiply(c) : c;
 }
@@ -134,7 +134,8 @@ private:
     uint32_t* m_out;
 };
 
-/// Four pixels for each place, two neighbours in one read. At the last pixel of a row the pair begins one pixel earlier.
+/// Four pixels for each place, two neighbours in one read. At the last pixel of a row the pair begins one pixel
+/// earlier.
 template <PixelLayout kLayout> class BilinearPoints {
 public:
     static constexpr int kInterpolation = 1;

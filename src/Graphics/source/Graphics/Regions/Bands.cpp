@@ -6,8 +6,8 @@ namespace {
 
 constexpr int64_t kNone = INT64_MAX; // behind every coordinate
 
-/// A piece of the plane is of class 1 (in a only), 2 (in b only) or 3 (in both). Every operation keeps the classes of one
-/// range: intersection 3, union 1 to 3, exclusive or 1 to 2, difference 1. Class 0 (in neither) is in no range.
+/// A piece of the plane is of class 1 (in a only), 2 (in b only) or 3 (in both). Every operation keeps the classes of
+/// one range: intersection 3, union 1 to 3, exclusive or 1 to 2, difference 1. Class 0 (in neither) is in no range.
 struct Keeps {
     explicit Keeps(RegionOp op) noexcept
         : first(op == RegionOp::Intersection ? 3U : 1U), last(op == RegionOp::Difference    ? 1U
@@ -86,9 +86,9 @@ public:
     }
 
 private:
-    /// Walks the ends of both lists from left to right. Invariant: between two ends the class is constant, so an interval
-    /// of the result begins where the class enters the operation's range and ends where it leaves it. Intervals that
-    /// touch become one, because the class does not leave the range between them.
+    /// Walks the ends of both lists from left to right. Invariant: between two ends the class is constant, so an
+    /// interval of the result begins where the class enters the operation's range and ends where it leaves it.
+    /// Intervals that touch become one, because the class does not leave the range between them.
     void Merge(Edges a, Edges b) {
         m_kept.clear();
         bool inside = false;
