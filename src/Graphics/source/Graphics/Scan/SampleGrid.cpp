@@ -33,11 +33,12 @@ private:
 void SampleView::Coverage(int32_t right, int32_t down, uint8_t* out) const noexcept {
     // A pixel keeps its first columns, moved right, and receives the last columns of the pixel to its left. The lowest
     // bit is leftmost, so moving right is shifting up, done by factors on lanes of 16 bits.
-    const U8 ownKeep = Kept(U8{} + static_cast<uint8_t>(0xFF >> right));
-    const U16 ownFactor = Kept(U16{} + static_cast<uint16_t>(1 << right));
-    const U8 leftKeep = Kept(U8{} + static_cast<uint8_t>(0xFF << (8 - right)));
-    const U16 leftFactor = Kept(U16{} + static_cast<uint16_t>(256 << right)); // for a high product: shifts down by 8 -
-                                                                              // right
+    const auto bytes = [](uint8_t v) { return Kept(U8{} + v); };
+    const auto words = [](uint16_t v) { return Kept(U16{} + v); };
+    const U8 ownKeep = bytes(static_cast<uint8_t>(0xFF >> right));
+    const U16 ownFactor = words(static_cast<uint16_t>(1 << right));
+    const U8 leftKeep = bytes(static_cast<uint8_t>(0xFF << (8 - right)));
+    const U16 leftFactor = words(static_cast<uint16_t>(256 << right)); // of a high product: shifts down by 8 - right
     const BitCounter counter;
     const size_t stride = CoverageStride(right);
     const int32_t rows = HeightAt(down);
