@@ -46,7 +46,7 @@ SweepStatus::Place SweepStatus::Find(uint32_t edge) const noexcept {
     // Compares four at a time. Slots behind the last edge cannot match first: they hold other edges, or older copies.
     using namespace GX_SIMD_NAMESPACE;
     for (uint32_t i = 0; i < kCapacity; i += 4) {
-        if (const uint32_t found = MaskBits(Load(b.edges + i) == edge); found != 0) {
+        if (const uint32_t found = MaskBits((I32)(Load(b.edges + i) == edge)); found != 0) {
             return {block, i + static_cast<uint32_t>(std::countr_zero(found))};
         }
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Dashes of a horizontal or vertical line are axis-aligned boxes, passed as two corners instead of through the pen.
-// Ruled paper, charts and forms are full of them: gxbench's dash_rules_w1 and dash_rules_w2 take 5 to 6 times as long
-// when BoxScanner leaves such boxes to the other scanners, and 7 times as long when they also go through the pen.
+// Ruled paper, charts and forms are full of them: gxbench's dash_rules_w1 and dash_rules_w2 take several times as
+// long when BoxScanner leaves such boxes to the other scanners, and longer still when they also go through the pen.
 #pragma once
 
 #include <cmath>

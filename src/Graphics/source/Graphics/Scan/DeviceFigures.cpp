@@ -77,7 +77,7 @@ bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Verte
                   F32{m.m10, m.m11, m.m10, m.m11} * F32{r.top, r.top, r.bottom, r.bottom} +
                   F32{m.m20, m.m21, m.m20, m.m21};
     // NaN compares false.
-    if (MaskBits((v < kDeviceBand) & (v > -kDeviceBand)) != 15) {
+    if (MaskBits((I32)((v < kDeviceBand) & (v > -kDeviceBand))) != 15) {
         return false;
     }
     static_assert(kDeviceBand * 128.0F < kFineLimit);
