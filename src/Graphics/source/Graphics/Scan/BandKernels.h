@@ -49,6 +49,28 @@ struct BandFrame {
     int32_t width;           // pixels; word `width` collects what lies right of them
 };
 
+// Internal linkage: also compiled with the flags of wider instruction sets, whose copies may not serve the others.
+
+/// Sets the bits from `first` to `last`, both inclusive.
+static inline void SetBits(uint64_t* words, uint32_t first, uint32_t last) noexcept {
+    for (; first >> 6 != last >> 6; first = (first | 63) + 1) {
+        words[first >> 6] |= ~uint64_t{0} << (first & 63);
+    }
+    words[first >> 6] |= (~uint64_t{0} << (first & 63)) & (~uint64_t{0} >> (63 - (last & 63)));
+}
+
+/// The first row in [row, end) that differs from the row before it (BandFrame::changes); `end` if there is none.
+[[nodiscard]] static inline int32_t NextChange(const uint64_t* changes, int32_t row, int32_t end) noexcept {
+    for (; row < end; row = (row | 63) + 1) {
+        const uint64_t changed = changes[static_cast<size_t>(row >> 6)] >> (row & 63);
+        if (changed != 0) {
+            row += __builtin_ctzll(changed);
+            return row < end ? row : end;
+        }
+    }
+    return end;
+}
+
 struct BandKernels {
     static constexpr int kPlaneCases = 10; // 1 to 8, 12 and 16 planes
     static constexpr uint32_t kMostWinding = 0xFFFF;

@@ -111,10 +111,7 @@ bool BandScanner::FindChanges(int32_t rows) {
     m_changes.resize(words);
     std::fill_n(m_changes.data(), words, 0U);
     const auto note = [this](int32_t from, int32_t to) { // both inclusive
-        for (int32_t r = from; r <= to; r = (r | 63) + 1) {
-            const uint64_t upTo = to >> 6 == r >> 6 ? ~uint64_t{0} >> (63 - (to & 63)) : ~uint64_t{0};
-            m_changes[static_cast<size_t>(r >> 6)] |= (~uint64_t{0} << (r & 63)) & upTo;
-        }
+        SetBits(m_changes.data(), static_cast<uint32_t>(from), static_cast<uint32_t>(to));
     };
     for (BandEdge* e = m_edges.data(); e != m_nextEdge; ++e) {
         const int32_t first = e->y >> 3;
@@ -128,19 +125,6 @@ bool BandScanner::FindChanges(int32_t rows) {
         }
     }
     return true;
-}
-
-int32_t BandScanner::EqualRows(int32_t row, int32_t rows) const noexcept {
-    int32_t r = row;
-    while (r < rows) {
-        const uint64_t changed = m_changes[static_cast<size_t>(r >> 6)] >> (r & 63);
-        if (changed != 0) {
-            r += __builtin_ctzll(changed);
-            break;
-        }
-        r = (r | 63) + 1;
-    }
-    return std::min(r, rows) - row;
 }
 
 void BandScanner::SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std::span<CoverageRun> runs) {
@@ -254,11 +238,11 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
             const size_t count = sweep(frame, cells, bits, m_shape.data(), m_runs.data());
             if (count != 0) {
                 const int32_t row = y >> 3;
-                const int32_t equal = hasEqualRows ? EqualRows(row + 1, rows) : 0;
-                if (equal == 0) {
+                const int32_t behind = hasEqualRows ? NextChange(m_changes.data(), row + 1, rows) : row + 1;
+                if (behind == row + 1) {
                     sink.Row(firstRow + row, {m_runs.data(), count});
                 } else {
-                    SendEqual(sink, firstRow + row, firstRow + row + 1 + equal, {m_runs.data(), count});
+                    SendEqual(sink, firstRow + row, firstRow + behind, {m_runs.data(), count});
                 }
             }
             cells += frame.rowBytes;

@@ -34,8 +34,6 @@ private:
     void AddSide(const Vertex& from, const Vertex& to);
     /// Finds the rows that differ from the row before. False, with nothing found, where the search would not pay.
     [[nodiscard]] bool FindChanges(int32_t rows);
-    /// The number of rows from `row` on that equal the row before.
-    [[nodiscard]] int32_t EqualRows(int32_t row, int32_t rows) const noexcept;
     /// Sends rows [y0, y1), which all have the same runs.
     void SendEqual(RasterizationSink& sink, int32_t y0, int32_t y1, std::span<CoverageRun> runs);
 

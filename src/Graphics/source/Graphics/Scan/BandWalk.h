@@ -39,10 +39,7 @@ inline void MarkBlocks(uint64_t* bits, int32_t x0, int32_t x1) {
         b0 = b1;
         b1 = t;
     }
-    for (; b0 >> 6 != b1 >> 6; b0 = (b0 | 63) + 1) {
-        bits[b0 >> 6] |= ~uint64_t{0} << (b0 & 63);
-    }
-    bits[b0 >> 6] |= (~uint64_t{0} << (b0 & 63)) & (~uint64_t{0} >> (63 - (b1 & 63)));
+    SetBits(bits, b0, b1);
 }
 
 template <bool Clamp> inline int32_t Column(int64_t x, int32_t limit) {
@@ -189,22 +186,14 @@ template <int K> inline void WalkUpright(const BandFrame& frame, const BandEdge&
     const auto c = static_cast<uint32_t>(Column<true>(e.x, frame.width * 8));
     const uint64_t column = ((0xFFU << (c & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
     const uint64_t flip = (e.flags & kEdgeUp) != 0 ? ~uint64_t{0} : 0;
-    const auto last = static_cast<uint32_t>(end - 1) >> 3;
-    for (uint32_t r = static_cast<uint32_t>(e.y) >> 3; r <= last; ++r) {
-        const uint64_t changed = frame.changes[r >> 6] >> (r & 63);
-        if (changed == 0) {
-            r |= 63;
-            continue;
-        }
-        r += static_cast<uint32_t>(__builtin_ctzll(changed));
-        if (r > last) {
-            return;
-        }
-        const auto first = static_cast<int32_t>(r * 8);
+    const int32_t behind = (end + 7) >> 3;
+    for (int32_t r = NextChange(frame.changes, e.y >> 3, behind); r < behind;
+         r = NextChange(frame.changes, r + 1, behind)) {
+        const int32_t first = r * 8;
         const int32_t s = e.y > first ? e.y - first : 0;
         const int32_t stop = end - first < 8 ? end - first : 8;
         const uint64_t lanes = (~uint64_t{0} >> (64 - 8 * stop)) & (~uint64_t{0} << (8 * s));
-        const auto row = static_cast<size_t>(r - (static_cast<uint32_t>(bandFirst) >> 3));
+        const auto row = static_cast<size_t>(r - (bandFirst >> 3));
         frame.bits[row * frame.bitWords + (c >> 12)] |= uint64_t{1} << ((c >> 6) & 63);
         Toggle<K, uint64_t>(frame.cells + row * frame.rowBytes + (c >> 3) * 8, frame.planeBytes, column & lanes, flip);
     }
