@@ -131,6 +131,44 @@ TEST_F(RasterizerTest, RandomShapesGiveThePlainCounts) {
     }
 }
 
+/// Wide figures whose rows a few to many edges cross: windings are resolved by sorting, until edges are too many or
+/// change places too often; then rows are walked.
+TEST_F(RasterizerTest, OverlappingFiguresInWideRows) {
+    std::mt19937 random(77);
+    const auto number = [&](float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); };
+    for (int round = 0; round < 120; ++round) {
+        const int width = 200 + static_cast<int>(random() % 900);
+        const int height = 20 + static_cast<int>(random() % 60);
+        const auto w = static_cast<float>(width);
+        const auto h = static_cast<float>(height);
+        const int points = 14 + static_cast<int>(random() % (round % 3 == 0 ? 400 : 60));
+        const float beyond = round % 4 == 0 ? w : 0;
+        Loop loop;
+        for (int i = 0; i < points; ++i) {
+            if (round % 5 == 1) { // a coil: deep windings whose edges keep their order
+                const float turn = static_cast<float>(i) * 0.7F;
+                const float size = static_cast<float>(i) / static_cast<float>(points);
+                loop.push_back({w * (0.5F + 0.6F * size * std::cos(turn)), h * (0.5F + 0.6F * size * std::sin(turn))});
+            } else if (round % 5 == 2) { // tall zigzags that drift
+                loop.push_back({w * static_cast<float>(i % 20) / 20 + number(0, 30), i % 2 == 0 ? number(-9, 3) : h});
+            } else {
+                loop.push_back({number(-beyond, w + beyond), number(-h, 2 * h)});
+            }
+        }
+        Loops loops{loop};
+        if (round % 6 == 0) { // a crowd in the lower half
+            for (int i = 0; i < 150; ++i) {
+                const float x = number(0, w);
+                loops.push_back({{x, h * 0.6F}, {x + 9, h * 0.7F}, {x + number(-40, 40), h}});
+            }
+        }
+        Check(loops, {0, 0, w, h}, {0, 0, width, height}, false, "round " + std::to_string(round));
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
 TEST_F(RasterizerTest, ManyCoincidentSides) {
     for (const int copies :
          {1, 2, 3, 4, 7, 8, 15, 16, 17, 31, 32, 63, 64, 100, 128, 255, 256, 257, 300, 4095, 4096, 5000}) {

@@ -1,19 +1,22 @@
 // SPDX-License-Identifier: MIT
 // The two inner loops of the band scanner, one table for each instruction set; all give the same counts.
 //
-// A pixel row is kept as bits. A pixel is a 64-bit word: byte = sub-scanline, bit = column of 1/8 pixel. An edge that
-// crosses sub-scanline s at column c of pixel p changes the winding of all columns from c on: it adds +1 or -1 to the
-// bits c ... 7 of byte s of word p; when the row is swept, column 7 carries the change to all later pixels. Windings
-// have as many bits as the figure needs; plane j holds bit j of all pixels of a row. They are taken modulo 2^planes,
-// which distinguishes zero from non-zero while |winding| < 2^planes. A single plane gives the even-odd rule.
+// An edge that crosses sub-scanline s at column c of 1/8 pixel changes the winding of all columns from c on. Windings
+// are kept in one of two forms:
 //
-//   row: | plane 0: word of pixel 0, pixel 1, ... | plane 1: ... |      8 words are a block; `bits` has one bit a block
+// - Bit planes (BandPlanes.h): a pixel is a 64-bit word, byte = sub-scanline, bit = column. The edge adds +1 or -1 to
+//   the bits c ... 7; when the row is swept, column 7 carries the change to all later pixels. Plane j holds bit j of all
+//   pixels of a row. A single plane gives the even-odd rule.
 //
-// Additions commute, so edges may come in any order and are never sorted.
+//     row: | plane 0: word of pixel 0, pixel 1, ... | plane 1: ... |
+//
+// - Bytes (BandBytes.h): a pixel has a byte for each sample, and the edge changes one of them.
+//
+// Windings are taken modulo 2^planes or 256, which distinguishes zero from non-zero while |winding| is less. `bits` marks
+// what edges changed. Additions commute, so edges may come in any order and are never sorted.
 #pragma once
 
-#include <algorithm>
-#include <bit>
+#include <iterator>
 
 #include "../Simd/KernelTable.h"
 #include "RasterizationSink.h"
@@ -71,26 +74,50 @@ static inline void SetBits(uint64_t* words, uint32_t first, uint32_t last) noexc
     return end;
 }
 
-struct BandKernels {
-    static constexpr int kPlaneCases = 10; // 1 to 8, 12 and 16 planes
-    static constexpr uint32_t kMostWinding = 0xFFFF;
+/// The most edges of a row whose windings are resolved by sorting.
+inline constexpr size_t kMostResolved = 128;
 
-    /// The case for |winding| up to `bound`, which is at most kMostWinding.
-    [[nodiscard]] static constexpr int CaseOf(uint32_t bound) noexcept {
-        const int planes = std::max(1, static_cast<int>(std::bit_width(bound)));
-        return planes <= 8 ? planes - 1 : planes <= 12 ? 8 : 9;
+/// How the windings of a fill are kept.
+struct WindingForm {
+    uint32_t mostWinding; ///< the highest |winding|
+    uint32_t planes;      ///< 0: bytes
+
+    /// Of one row. `blocks` of eight pixels, at least one pixel more than the row has.
+    [[nodiscard]] constexpr size_t PlaneBytes(size_t blocks) const noexcept { return blocks * 64; }
+    [[nodiscard]] constexpr size_t RowBytes(size_t blocks) const noexcept {
+        return blocks * 64 * (planes == 0 ? 8 : planes);
     }
-    [[nodiscard]] static constexpr size_t PlanesOf(int planeCase) noexcept {
-        return planeCase < 8 ? static_cast<size_t>(planeCase) + 1 : planeCase == 8 ? 12 : 16;
+    [[nodiscard]] constexpr size_t BitWords(size_t blocks) const noexcept {
+        return planes == 0 ? (blocks + 7) / 8 : (blocks + 63) / 64;
+    }
+};
+
+inline constexpr WindingForm kWindingForms[] = {{1, 1}, {3, 2}, {7, 3}, {255, 0}, {0xFFF, 12}, {0xFFFF, 16}};
+
+struct BandKernels {
+    static constexpr size_t kForms = std::size(kWindingForms);
+    static constexpr uint32_t kMostWinding = kWindingForms[kForms - 1].mostWinding;
+
+    /// The form for |winding| up to `bound`, which is at most kMostWinding.
+    [[nodiscard]] static constexpr size_t FormOf(uint32_t bound) noexcept {
+        size_t form = 0;
+        while (kWindingForms[form].mostWinding < bound) {
+            ++form;
+        }
+        return form;
     }
 
     /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright edges only to rows that change. Edges
     /// that continue below are put before the list `following`; returns its new head.
-    uint32_t (*walk[kPlaneCases])(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst,
+    uint32_t (*walk[kForms])(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst,
                                   int32_t bandLast, uint32_t following);
     /// Turns a row into runs and zeroes it. `shape` has room for all blocks, `runs` for two per block and one more.
-    size_t (*sweep[kPlaneCases])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape,
+    size_t (*sweep[kForms])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape,
                                  CoverageRun* runs);
+    /// Adds to the single plane of the frame's first row what bounds the non-zero inside of up to kMostResolved active
+    /// edges, in the row that begins at sub-scanline `first`. Keeps those that continue below, in about their order from
+    /// left to right. Returns how many places edges had to be moved.
+    size_t (*resolve)(const BandFrame& frame, const BandEdge* edges, uint32_t* active, size_t& count, int32_t first);
 };
 
 GX_DECLARE_KERNEL_TABLES(BandKernels, kBandKernels)

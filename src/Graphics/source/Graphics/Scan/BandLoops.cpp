@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The band kernels of one instruction set.
+#include "BandBytes.h"
+#include "BandPlanes.h"
+#include "BandResolve.h"
 #include "BandSweep.h"
 #include "BandWalk.h"
 
 namespace Graphics {
 
 constinit const BandKernels GX_SIMD_NAMESPACE::kBandKernels = {
-    {WalkList<1>, WalkList<2>, WalkList<3>, WalkList<4>, WalkList<5>, WalkList<6>, WalkList<7>, WalkList<8>,
-     WalkList<12>, WalkList<16>},
-    {SweepRow<1>, SweepRow<2>, SweepRow<3>, SweepRow<4>, SweepRow<5>, SweepRow<6>, SweepRow<7>, SweepRow<8>,
-     SweepRow<12>, SweepRow<16>},
+    {WalkList<Planes<1>>, WalkList<Planes<2>>, WalkList<Planes<3>>, WalkList<Bytes>, WalkList<Planes<12>>, WalkList<Planes<16>>},
+    {SweepRow<Planes<1>>, SweepRow<Planes<2>>, SweepRow<Planes<3>>, SweepRow<Bytes>, SweepRow<Planes<12>>, SweepRow<Planes<16>>},
+    ResolveRow,
 };
 
 } // namespace Graphics

@@ -3,6 +3,7 @@
 #include "BandScanner.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstring>
 
@@ -11,8 +12,28 @@ namespace Graphics {
 namespace {
 
 constexpr size_t kBandBytes = 128U << 10; // of cells: a band stays in the second-level cache
+constexpr uint32_t kLeastBound = 3;
+constexpr int64_t kLeastResolved = 6;
+constexpr int64_t kPixelsApart = 10;
+constexpr int64_t kCreditPerEdge = 2;
+constexpr int64_t kFirstCredit = 64;
 constexpr int32_t kFarFine = 1 << 22;     // band edges represent vertices up to 32768 pixels
 constexpr int32_t kTallSubRows = 14 * 8;  // from this height of an upright edge on, a search for equal rows pays
+
+/// Rows of a band, a power of two.
+int32_t BandRows(const BandFrame& frame, int32_t rows) noexcept {
+    int32_t count = 1;
+    while (count < 64 && frame.rowBytes * static_cast<size_t>(count) * 2 <= kBandBytes && count < rows) {
+        count *= 2;
+    }
+    return count;
+}
+
+/// Wraps far outside the edge, where it is about order alone.
+int64_t PositionAt(const BandEdge& e, int32_t y) noexcept {
+    return static_cast<int64_t>(static_cast<uint64_t>(e.x) + static_cast<uint64_t>(e.step) * static_cast<uint64_t>(y - e.y));
+}
+
 constexpr int64_t kOne = int64_t{1} << kBandFraction;
 
 } // namespace
@@ -91,7 +112,8 @@ void BandScanner::AddSide(const Vertex& from, const Vertex& to) {
     e.y = first - m_origin;
     e.end = last - m_origin;
     e.flags |= up ? kEdgeUp : 0;
-    uint32_t& head = m_heads[static_cast<size_t>(e.y >> m_bandShift)];
+    m_edgeRows += ((e.end + 7) >> 3) - (e.y >> 3);
+    uint32_t& head = m_heads[static_cast<size_t>(e.y >> m_headShift)];
     e.next = head;
     head = static_cast<uint32_t>(m_nextEdge - m_edges.data());
     ++m_nextEdge;
@@ -164,26 +186,43 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         return false;
     }
 
-    const int planeCase = BandKernels::CaseOf(shape.windingBound);
+    const size_t form = BandKernels::FormOf(shape.windingBound);
+    const WindingForm& winding = kWindingForms[form];
     BandFrame frame;
     frame.left = left;
     frame.width = right - left;
-    // One word more than pixels; an odd number of blocks keeps equal columns of neighbouring rows apart in the cache.
-    const auto blocks = (static_cast<size_t>(frame.width) + 8) / 8 | 1;
-    frame.planeBytes = blocks * 64;
-    frame.rowBytes = frame.planeBytes * BandKernels::PlanesOf(planeCase);
-    frame.bitWords = (blocks + 63) / 64;
+    // One pixel more than the row has; an odd number of blocks keeps equal columns of neighbouring rows apart in the
+    // cache.
+    m_rowBlocks = (static_cast<size_t>(frame.width) + 8) / 8 | 1;
+    frame.planeBytes = winding.PlaneBytes(m_rowBlocks);
+    frame.rowBytes = winding.RowBytes(m_rowBlocks);
+    frame.bitWords = winding.BitWords(m_rowBlocks);
     const int32_t rows = lastRow - firstRow;
-    m_bandShift = 3; // log2 of the sub-scanlines of a band
-    while (m_bandShift < 9 && (frame.rowBytes << (m_bandShift - 2)) <= kBandBytes && rows > 1 << (m_bandShift - 3)) {
-        ++m_bandShift;
-    }
-    const auto bandRows = std::min(int32_t{1} << (m_bandShift - 3), rows);
-    const auto bands = static_cast<size_t>((rows * 8 - 1) >> m_bandShift) + 1;
+    const int32_t bandRows = BandRows(frame, rows);
+    const bool resolves = shape.windingBound > kLeastBound;
+    m_headShift = resolves ? 3 : 3 + std::bit_width(static_cast<uint32_t>(bandRows)) - 1;
 
-    // Everything that may fail is done before the first output.
-    const size_t cellBytes = frame.rowBytes * static_cast<size_t>(bandRows);
-    const size_t bitCount = frame.bitWords * static_cast<size_t>(bandRows);
+    Prepare(builder, frame, bandRows, rows);
+    SetLimits(frame, visible);
+    builder.ForEachSide([this](const Vertex& from, const Vertex& to) { AddSide(from, to); });
+    m_hasEqualRows = FindChanges(rows);
+    frame.changes = m_hasEqualRows ? m_changes.data() : nullptr;
+
+    int32_t row = 0;
+    uint32_t following = kNoEdge;
+    if (resolves && m_edgeRows >= kLeastResolved * rows && m_edgeRows * kPixelsApart <= int64_t{rows} * frame.width) {
+        row = ScanRows(frame, rows, sink);
+        following = Relink(row);
+    }
+    ScanBands(frame, form, bandRows, rows, row, following, sink);
+    m_dirty = false;
+    return true;
+}
+
+void BandScanner::Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows) {
+    // A single row at least of the form, or as many bytes in rows of the single plane.
+    const size_t cellBytes = std::max(frame.rowBytes * static_cast<size_t>(bandRows), kBandBytes);
+    const size_t bitCount = std::max(frame.bitWords * static_cast<size_t>(bandRows), size_t{64} * ((m_rowBlocks + 63) / 64));
     if (m_dirty || m_cells.size() < cellBytes) {
         const size_t size = std::max(cellBytes, m_cells.size());
         m_cells.resize(size);
@@ -195,62 +234,135 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         std::memset(m_bits.data(), 0, size * sizeof(uint64_t));
     }
     m_dirty = true;
-    m_rowBlocks = blocks;
-    m_shape.reserve(2 * blocks * 8);
-    m_runs.reserve(2 * (2 * blocks + 2));
+    m_shape.reserve(2 * m_rowBlocks * 8);
+    m_runs.reserve(2 * (2 * m_rowBlocks + 2));
     m_edges.reserve(builder.SideCount() + 1);
-    m_heads.resize(bands);
-    std::fill_n(m_heads.data(), bands, kNoEdge);
+    m_active.reserve(builder.SideCount() + 1);
+    const size_t heads = (static_cast<size_t>(rows * 8 - 1) >> m_headShift) + 1;
+    m_heads.resize(heads);
+    std::fill_n(m_heads.data(), heads, kNoEdge);
     frame.cells = m_cells.data();
     frame.bits = m_bits.data();
+    m_nextEdge = m_edges.data();
+    m_edgeRows = 0;
+    m_hasUpright = false;
+}
 
-    const int32_t leftFine = left * 128;
+void BandScanner::SetLimits(const BandFrame& frame, const IntRect& visible) noexcept {
+    const int32_t right = frame.left + frame.width;
+    const int32_t leftFine = frame.left * 128;
     const int32_t rightFine = right * 128;
-    m_leftSub = left * 8;
+    m_leftSub = frame.left * 8;
     m_allLeft = leftFine - kRoom;
     m_allRight = rightFine + kRoom;
-    m_insideLeft = leftFine + kRoom;
-    m_insideRight = rightFine - kRoom;
-    if (left > visible.left) {
-        m_insideLeft = INT_MIN; // the frame was made for this shape
-    }
-    if (right < visible.right) {
-        m_insideRight = INT_MAX;
-    }
-    m_nextEdge = m_edges.data();
-    m_hasUpright = false;
-    builder.ForEachSide([this](const Vertex& from, const Vertex& to) { AddSide(from, to); });
+    // A side of the frame that is not one of what is visible was made for this shape, which does not cross it.
+    m_insideLeft = frame.left > visible.left ? INT_MIN : leftFine + kRoom;
+    m_insideRight = right < visible.right ? INT_MAX : rightFine - kRoom;
+}
 
-    const bool hasEqualRows = FindChanges(rows);
-    frame.changes = hasEqualRows ? m_changes.data() : nullptr;
+[[gnu::always_inline]] inline void BandScanner::Sweep(const BandFrame& frame, size_t form, size_t bandRow, int32_t row, int32_t rows,
+                        RasterizationSink& sink) {
+    const size_t count =
+        m_kernels->sweep[form](frame, frame.cells + bandRow * frame.rowBytes, frame.bits + bandRow * frame.bitWords,
+                               m_shape.data(), m_runs.data());
+    if (count == 0) {
+        return;
+    }
+    const int32_t y = (m_origin >> 3) + row;
+    const int32_t behind = m_hasEqualRows ? NextChange(m_changes.data(), row + 1, rows) : row + 1;
+    if (behind == row + 1) {
+        sink.Row(y, {m_runs.data(), count});
+    } else {
+        SendEqual(sink, y, (m_origin >> 3) + behind, {m_runs.data(), count});
+    }
+}
 
-    const auto walk = m_kernels->walk[planeCase];
-    const auto sweep = m_kernels->sweep[planeCase];
-    uint32_t following = kNoEdge;
-    for (size_t band = 0; band < bands; ++band) {
-        const auto bandFirst = static_cast<int32_t>(band << m_bandShift);
-        const int32_t bandLast = std::min(bandFirst + (1 << m_bandShift), rows * 8);
-        uint32_t goingOn = walk(frame, m_edges.data(), following, bandFirst, bandLast, kNoEdge);
-        following = walk(frame, m_edges.data(), m_heads[band], bandFirst, bandLast, goingOn);
-        uint8_t* cells = frame.cells;
-        uint64_t* bits = frame.bits;
-        for (int32_t y = bandFirst; y < bandLast; y += 8) {
-            const size_t count = sweep(frame, cells, bits, m_shape.data(), m_runs.data());
-            if (count != 0) {
-                const int32_t row = y >> 3;
-                const int32_t behind = hasEqualRows ? NextChange(m_changes.data(), row + 1, rows) : row + 1;
-                if (behind == row + 1) {
-                    sink.Row(firstRow + row, {m_runs.data(), count});
-                } else {
-                    SendEqual(sink, firstRow + row, firstRow + behind, {m_runs.data(), count});
-                }
+void BandScanner::ScanBands(const BandFrame& frame, size_t form, int32_t bandRows, int32_t rows, int32_t row,
+                            uint32_t following, RasterizationSink& sink) {
+    const auto walk = m_kernels->walk[form];
+    while (row < rows) {
+        const int32_t behind = std::min((row & -bandRows) + bandRows, rows);
+        following = walk(frame, m_edges.data(), following, row * 8, behind * 8, kNoEdge);
+        for (int32_t i = row * 8 >> m_headShift; i <= (behind * 8 - 1) >> m_headShift; ++i) {
+            const uint32_t head = m_heads[static_cast<size_t>(i)];
+            if (head != kNoEdge) {
+                following = walk(frame, m_edges.data(), head, row * 8, behind * 8, following);
             }
-            cells += frame.rowBytes;
-            bits += frame.bitWords;
+        }
+        for (const int32_t first = row; row < behind; ++row) {
+            Sweep(frame, form, static_cast<size_t>(row - first), row, rows, sink);
         }
     }
-    m_dirty = false;
+}
+
+uint32_t BandScanner::Relink(int32_t row) noexcept {
+    uint32_t head = kNoEdge;
+    for (size_t i = 0; i < m_activeCount; ++i) {
+        const uint32_t index = m_active[i];
+        BandEdge& e = m_edges[index];
+        e.x = PositionAt(e, row * 8);
+        e.y = row * 8;
+        e.next = head;
+        head = index;
+    }
+    return head;
+}
+
+bool BandScanner::Activate(uint32_t head) noexcept {
+    size_t count = m_activeCount;
+    for (uint32_t i = head; i != kNoEdge; i = m_edges[i].next) {
+        if (++count > kMostResolved) {
+            return false;
+        }
+    }
+    uint32_t* const active = m_active.data();
+    for (uint32_t i = head; i != kNoEdge; i = m_edges[i].next) {
+        const BandEdge& added = m_edges[i];
+        uint32_t* const end = active + m_activeCount;
+        uint32_t* const place = std::upper_bound(active, end, added.x, [&](int64_t x, uint32_t other) {
+            return x < PositionAt(m_edges[other], added.y);
+        });
+        std::copy_backward(place, end, end + 1);
+        *place = i;
+        ++m_activeCount;
+    }
     return true;
+}
+
+int32_t BandScanner::ScanRows(const BandFrame& frame, int32_t rows, RasterizationSink& sink) {
+    BandFrame plane = frame;
+    plane.rowBytes = kWindingForms[0].RowBytes(m_rowBlocks);
+    plane.bitWords = kWindingForms[0].BitWords(m_rowBlocks);
+    const int32_t bandRows = BandRows(plane, rows);
+    BandFrame target = plane; // the next row to be resolved
+    int64_t credit = kFirstCredit; // places that edges may still be moved
+    int32_t row = 0;
+    m_activeCount = 0;
+    while (row < rows && credit >= 0) {
+        const int32_t first = row;
+        const int32_t behind = std::min(row + bandRows, rows);
+        target.cells = plane.cells;
+        target.bits = plane.bits;
+        for (; row < behind && credit >= 0; ++row) {
+            if (!Activate(m_heads[static_cast<size_t>(row)])) {
+                credit = -1;
+                break;
+            }
+            const size_t count = m_activeCount;
+            // A row equal to the one before is sent with it.
+            if (!m_hasEqualRows || NextChange(m_changes.data(), row, row + 1) == row) {
+                credit += static_cast<int64_t>(count) * kCreditPerEdge;
+                credit -= static_cast<int64_t>(
+                    m_kernels->resolve(target, m_edges.data(), m_active.data(), m_activeCount, row * 8));
+            }
+            target.cells += plane.rowBytes;
+            target.bits += plane.bitWords;
+        }
+        for (int32_t sent = first; sent < row; ++sent) {
+            Sweep(plane, 0, static_cast<size_t>(sent - first), sent, rows, sink);
+        }
+    }
+    return row;
 }
 
 } // namespace Graphics

@@ -32,6 +32,23 @@ public:
 
 private:
     void AddSide(const Vertex& from, const Vertex& to);
+    /// Sizes and clears the arrays of a fill of `rows` rows; all that may fail.
+    void Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows);
+    /// Sets the limits that AddSide compares with, for a frame inside `visible`.
+    void SetLimits(const BandFrame& frame, const IntRect& visible) noexcept;
+    /// Walks and sweeps band after band, from `row` on, into which the edges in the list `following` continue.
+    void ScanBands(const BandFrame& frame, size_t form, int32_t bandRows, int32_t rows, int32_t row, uint32_t following,
+                   RasterizationSink& sink);
+    /// Resolves and sweeps row after row, as long as rows have few edges and these keep about the same order. Returns
+    /// the first row that it leaves.
+    [[nodiscard]] int32_t ScanRows(const BandFrame& frame, int32_t rows, RasterizationSink& sink);
+    /// Puts the edges of a list among the active ones, which are about in order. False, with nothing changed, if they
+    /// are too many.
+    [[nodiscard]] bool Activate(uint32_t head) noexcept;
+    /// Moves the active edges down to `row` and makes a list of them.
+    [[nodiscard]] uint32_t Relink(int32_t row) noexcept;
+    /// Sweeps row `row` of the fill and sends it, and the equal rows behind it.
+    void Sweep(const BandFrame& frame, size_t form, size_t bandRow, int32_t row, int32_t rows, RasterizationSink& sink);
     /// Finds the rows that differ from the row before. False, with nothing found, where the search would not pay.
     [[nodiscard]] bool FindChanges(int32_t rows);
     /// Sends rows [y0, y1), which all have the same runs.
@@ -41,8 +58,9 @@ private:
     HeapArray<uint8_t> m_cells; // zero between fills
     HeapArray<uint64_t> m_bits; // zero between fills
     HeapArray<BandEdge> m_edges;
-    HeapArray<uint32_t> m_heads;   // first edge of each band
+    HeapArray<uint32_t> m_heads;   // first edge that begins in each row or band
     HeapArray<uint64_t> m_changes; // one bit per row
+    HeapArray<uint32_t> m_active;  // edges of a row
     HeapArray<uint8_t> m_shape;    // bytes of a row, and room for a copy
     HeapArray<CoverageRun> m_runs; // runs of a row, and room for a copy
     bool m_dirty = false;          // a fill was abandoned: cells are not zero
@@ -51,9 +69,12 @@ private:
     BandEdge* m_nextEdge = nullptr;
     int32_t m_first = 0; // sub-scanlines to produce
     int32_t m_last = 0;
-    int32_t m_origin = 0; // first sub-scanline of the frame, a multiple of 8
-    int32_t m_bandShift = 0;
+    int32_t m_origin = 0;   // first sub-scanline of the frame, a multiple of 8
+    int32_t m_headShift = 3; // log2 of the sub-scanlines of a head
+    int64_t m_edgeRows = 0; // sum of the rows that edges cross
     size_t m_rowBlocks = 0;
+    size_t m_activeCount = 0;
+    bool m_hasEqualRows = false;
     bool m_hasUpright = false; // an upright edge spans several rows
     int32_t m_leftSub = 0;
     int32_t m_allLeft = 0; // fine units: a side with no x above this lies left of the frame; the next three likewise

@@ -142,6 +142,11 @@ template <class V> GX_INLINE inline V Kept(V v) noexcept {
 
 GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
+GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept {
+    return static_cast<uint32_t>(_mm256_movemask_pd((__m256d)mask));
+}
+GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (F64)_mm256_min_pd((__m256d)a, (__m256d)b); }
+GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (F64)_mm256_max_pd((__m256d)a, (__m256d)b); }
 GX_INLINE inline U64 BitCount(U64 bits) noexcept {
     const __m256i table = _mm256_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4, //
                                            0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
@@ -159,6 +164,18 @@ GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
     const __m128i n = _mm_packs_epi32(Lows(counts[0]), Lows(counts[1]));
     const __m128i shape = _mm_subs_epu16(_mm_slli_epi16(n, 2), _mm_set1_epi16(1));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(shape, shape));
+}
+
+GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
+    const __m256i zero = _mm256_setzero_si256();
+    const auto low = static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8((__m256i)v[0], zero)));
+    const auto high = static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8((__m256i)v[1], zero)));
+    return 64U - static_cast<uint32_t>(__builtin_popcountll(uint64_t{high} << 32 | low));
+}
+GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
+    const __m256i order = _mm256_setr_epi8(7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15, //
+                                           7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15);
+    return (U64)_mm256_shuffle_epi8((__m256i)v, order);
 }
 
 } // namespace

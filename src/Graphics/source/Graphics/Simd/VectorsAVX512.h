@@ -122,6 +122,9 @@ GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept {
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept {
     return (U64)_mm512_ternarylogic_epi64((__m512i)a, (__m512i)b, (__m512i)c, 0xE8);
 }
+GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return _mm512_movepi64_mask((__m512i)mask); }
+GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (F64)_mm512_maskz_min_pd(0xFF, (__m512d)a, (__m512d)b); }
+GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (F64)_mm512_maskz_max_pd(0xFF, (__m512d)a, (__m512d)b); }
 GX_INLINE inline U64 BitCount(U64 bits) noexcept {
     const __m512i table =
         _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
@@ -133,6 +136,15 @@ GX_INLINE inline U64 BitCount(U64 bits) noexcept {
 GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
     const __m512i shape = _mm512_subs_epu16((__m512i)(counts[0] << 2), _mm512_set1_epi64(1));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm512_maskz_cvtepi64_epi8(0xFF, shape));
+}
+
+GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
+    return static_cast<uint32_t>(__builtin_popcountll(_mm512_test_epi8_mask((__m512i)v[0], (__m512i)v[0])));
+}
+GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
+    const __m512i order =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15));
+    return (U64)_mm512_shuffle_epi8((__m512i)v, order);
 }
 
 /// Eight long lanes are the sub-scanlines of a pixel row, one mask bit each.

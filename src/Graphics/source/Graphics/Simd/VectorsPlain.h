@@ -93,9 +93,10 @@ template <class V> GX_INLINE inline V Kept(V v) noexcept { return v; }
 GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
 /// The bits set in at least two of the three.
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
-/// One bit for each lane of a mask; v where the mask is set, else 0; the higher of two, b if one is NaN.
+/// One bit for each lane of a mask; v where the mask is set, else 0; the lower and the higher of two, b if one is NaN.
 GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return static_cast<uint32_t>((mask[0] & 1) | (mask[1] & 2)); }
 GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)(mask & (I64)v); }
+GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return a < b ? a : b; }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return a > b ? a : b; }
 /// The number of bits of each lane.
 GX_INLINE inline U64 BitCount(U64 v) noexcept {
@@ -108,6 +109,21 @@ GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
         out[i] = static_cast<uint8_t>(n * 4 - (n != 0 ? 1 : 0));
     }
 }
+
+/// The number of bytes of a row of eight lanes that are not 0.
+GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
+    uint32_t count = 0;
+    for (size_t i = 0; i < 8; ++i) {
+        uint64_t word = v[i / kLongLanes][i % kLongLanes];
+        word |= word >> 4;
+        word |= word >> 2;
+        word |= word >> 1;
+        count += static_cast<uint32_t>((word & 0x0101010101010101U) * 0x0101010101010101U >> 56);
+    }
+    return count;
+}
+/// Copies the highest byte of each lane to all of its bytes.
+GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept { return (v >> 56) * uint64_t{0x0101010101010101U}; }
 
 } // namespace
 } // namespace Graphics::GX_SIMD_NAMESPACE

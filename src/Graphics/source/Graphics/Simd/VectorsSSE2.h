@@ -154,6 +154,7 @@ GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept { return (a & b) | (c & (a | b)); }
 GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return static_cast<uint32_t>(_mm_movemask_pd((__m128d)mask)); }
 GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)_mm_and_pd((__m128d)mask, (__m128d)v); }
+GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (F64)_mm_min_pd((__m128d)a, (__m128d)b); }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (F64)_mm_max_pd((__m128d)a, (__m128d)b); }
 GX_INLINE inline U64 BitCount(U64 bits) noexcept {
     const __m128i m1 = _mm_set1_epi8(0x55);
@@ -171,6 +172,21 @@ GX_INLINE inline void StoreShape(uint8_t* out, const U64* c) noexcept {
     const __m128i n = _mm_packs_epi32(Lows(c[0], c[1]), Lows(c[2], c[3]));
     const __m128i shape = _mm_subs_epu16(_mm_slli_epi16(n, 2), _mm_set1_epi16(1));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(shape, shape));
+}
+
+GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
+    const __m128i zero = _mm_setzero_si128();
+    __m128i zeros = zero; // -1 for each zero byte
+    for (int i = 0; i < 4; ++i) {
+        zeros = _mm_add_epi8(zeros, _mm_cmpeq_epi8((__m128i)v[i], zero));
+    }
+    const __m128i sums = _mm_sad_epu8(_mm_sub_epi8(zero, zeros), zero);
+    return 64U - static_cast<uint32_t>(_mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4));
+}
+GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
+    const __m128i last = _mm_srli_epi64((__m128i)v, 56);
+    const __m128i two = _mm_or_si128(last, _mm_slli_epi64(last, 8));
+    return (U64)_mm_shufflehi_epi16(_mm_shufflelo_epi16(two, 0), 0);
 }
 
 } // namespace

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+// Windings in bit planes: a pixel is a 64-bit word in each plane, byte = sub-scanline, bit = column. Part of the band
+// loops. One plane is the fastest form for the even-odd rule and for figures that do not overlap; twelve or sixteen
+// planes hold the windings that a byte cannot.
+//
+// Marks have one bit for eight pixels.
+#pragma once
+
+#include <cstring>
+
+#include "BandColumns.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// Adds the bits of `mask` to the planes with carry if `flip` is 0; subtracts them if it is all ones.
+template <int K, class Word> inline void Toggle(uint8_t* p, size_t planeBytes, Word mask, Word flip) {
+    for (int j = 0; j < K; ++j) {
+        Word w;
+        std::memcpy(&w, p, sizeof(Word));
+        const auto changed = static_cast<Word>(w ^ mask);
+        std::memcpy(p, &changed, sizeof(Word));
+        if (j + 1 < K) {
+            mask = static_cast<Word>(mask & (w ^ flip));
+            if (K > 2 && mask == 0) {
+                return;
+            }
+            p += planeBytes;
+        }
+    }
+}
+
+inline void MarkBlocks(uint64_t* bits, int32_t x0, int32_t x1) {
+    auto b0 = static_cast<uint32_t>(x0) >> 6;
+    auto b1 = static_cast<uint32_t>(x1) >> 6;
+    if (b0 == b1) {
+        bits[b0 >> 6] |= uint64_t{1} << (b0 & 63);
+        return;
+    }
+    if (b0 > b1) {
+        const uint32_t t = b0;
+        b0 = b1;
+        b1 = t;
+    }
+    SetBits(bits, b0, b1);
+}
+
+template <int K, bool Clamp>
+inline void WalkScalar(uint8_t* row, size_t planeBytes, const RowPart& part, int64_t step, uint64_t flip) {
+    int64_t x = part.x;
+    for (int32_t s = part.s; s < part.stop; ++s) {
+        const auto c = static_cast<uint32_t>(Column<Clamp>(x, part.limit));
+        Toggle<K, uint8_t>(row + (c & ~7U) + static_cast<uint32_t>(s), planeBytes,
+                           static_cast<uint8_t>(0xFFU << (c & 7)), static_cast<uint8_t>(flip));
+        x = Advance(x, step, 1);
+    }
+}
+
+/// Toggles an edge in part of a pixel row: in each sub-scanline the byte 0xFF << (c & 7) in the word of pixel c >> 3,
+/// where c is the edge's column there.
+#if GX_SIMD_BYTES == 64
+/// Sub-scanlines are lanes; each pixel takes the lanes whose column lies in it. The columns of `lanes` lie in pixels p0
+/// to p1 or, of those between any two lanes, in these two alone.
+template <int K>
+GX_INLINE inline void ToggleLanes(uint8_t* row, size_t planeBytes, I64 c, RowMask lanes, int32_t p0, int32_t p1,
+                                  uint64_t flip) noexcept {
+    const U64 columns = (U64{} + 0xFFU) << (U64)(c & 7);
+    const I64 pixels = c >> 3;
+    const auto toggle = [&](int32_t p, uint64_t mask) GX_INLINE {
+        Toggle<K, uint64_t>(row + static_cast<size_t>(p) * 8, planeBytes, mask, flip);
+    };
+    if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
+        // One pixel or two: both are done as two, because the branch would not be predictable.
+        const RowMask here = EqualLanes(lanes, pixels, p0);
+        toggle(p0, LowBytes(here, columns));
+        toggle(p1, LowBytes(static_cast<RowMask>(lanes & ~here), columns));
+        return;
+    }
+    const int32_t high = p0 < p1 ? p1 : p0;
+    for (int32_t p = p0 < p1 ? p0 : p1; p <= high; ++p) {
+        toggle(p, LowBytes(EqualLanes(lanes, pixels, p), columns));
+    }
+}
+
+class RowColumns {
+public:
+    GX_INLINE explicit RowColumns(int64_t step) noexcept
+        : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
+
+    template <int K, bool Clamp>
+    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
+        const auto [x, s, stop, c0, c1, limit] = part;
+        I64 c = (I64)(static_cast<uint64_t>(Advance(x, m_step, -s)) + m_steps) >> kBandFraction;
+        if (Clamp) {
+            const I64 least{};
+            const I64 most = I64{} + limit;
+            c = c > least ? c : least;
+            c = c < most ? c : most;
+        }
+        const auto lanes = static_cast<RowMask>((0xFFU >> (8 - stop)) & (0xFFU << s));
+        const int32_t p0 = c0 >> 3;
+        const int32_t p1 = c1 >> 3;
+        if (p0 - p1 <= 4 && p1 - p0 <= 4) {
+            ToggleLanes<K>(row, planeBytes, c, lanes, p0, p1, flip);
+        } else {
+            WalkScalar<K, Clamp>(row, planeBytes, part, m_step, flip);
+        }
+    }
+
+private:
+    int64_t m_step;
+    U64 m_steps;
+};
+#else
+/// Rows in which the edge stays inside one pixel are toggled at once, all others by sub-scanlines.
+class RowColumns {
+public:
+    GX_INLINE explicit RowColumns(int64_t step) noexcept
+        : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
+
+    template <int K, bool Clamp>
+    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
+        auto [x, s, stop, c0, c1, limit] = part;
+        if (stop - s != 8 || c0 >> 3 != c1 >> 3) {
+            WalkScalar<K, Clamp>(row, planeBytes, part, m_step, flip);
+            return;
+        }
+        uint64_t mask = 0;
+        if (m_step == 0) {
+            mask = ((0xFFU << (c0 & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
+        } else if constexpr (kLongLanes == 4 && !Clamp) {
+            const U64 full = U64{} + 0xFFU;
+            const U64 low = static_cast<uint64_t>(x) + m_steps;
+            const U64 high = low + static_cast<uint64_t>(Advance(0, m_step, 4));
+            const U64 places = LongAscending() * 8;
+            const U64 first = (full << (low >> kBandFraction & 7)) & full;
+            const U64 last = (full << (high >> kBandFraction & 7)) & full;
+            const U64 both = first << places | last << (places + 32);
+            const U64 pairs = both | MovedUp<2>(both, both);
+            mask = pairs[0] | pairs[1];
+        } else {
+            for (int k = 0; k < 64; k += 8) {
+                mask |= uint64_t{(0xFFU << (Column<Clamp>(x, limit) & 7)) & 0xFFU} << k;
+                x = Advance(x, m_step, 1);
+            }
+        }
+        Toggle<K, uint64_t>(row + static_cast<size_t>(c0 >> 3) * 8, planeBytes, mask, flip);
+    }
+
+private:
+    int64_t m_step;
+    U64 m_steps;
+};
+#endif
+
+/// a += b for numbers of K bits; element j holds bit j.
+template <int K> inline void AddPlanes(U64* a, const U64* b) {
+    U64 carry = U64{};
+    for (int j = 0; j < K; ++j) {
+        const U64 sum = Xor3(a[j], b[j], carry);
+        if (j + 1 < K) {
+            carry = Majority(a[j], b[j], carry);
+        }
+        a[j] = sum;
+    }
+}
+
+/// Copies column 7 of each sub-scanline to all of its columns.
+GX_INLINE inline U64 SpreadColumn7(U64 v) { return (U64)((I8)v < 0); }
+
+template <int K, size_t N> inline void AddShifted(U64* a) {
+    U64 up[K];
+    for (int j = 0; j < K; ++j) {
+        up[j] = MovedUp<N>(a[j], U64{});
+    }
+    AddPlanes<K>(a, up);
+}
+
+/// Writes the shape bytes of a block of eight pixels and zeroes the block. On entry `carry` is the winding left of the
+/// block, on return the winding right of it, in every lane.
+template <int K> inline void SweepBlock(uint8_t* cells, size_t planeBytes, U64* carry, uint8_t* out) {
+    constexpr size_t kParts = 8 / kLongLanes;
+    U64 counts[kParts];
+    for (size_t part = 0; part < kParts; ++part) {
+        U64 w[K];
+        U64 right[K]; // winding in column 7 of each pixel, spread over all columns
+        for (int j = 0; j < K; ++j) {
+            auto* p = reinterpret_cast<uint64_t*>(cells + static_cast<size_t>(j) * planeBytes) + part * kLongLanes;
+            w[j] = Load<U64>(p);
+            Store(p, U64{});
+            right[j] = SpreadColumn7(w[j]);
+        }
+        AddShifted<K, 1>(right);
+        if constexpr (kLongLanes > 2) {
+            AddShifted<K, 2>(right);
+        }
+        if constexpr (kLongLanes > 4) {
+            AddShifted<K, 4>(right);
+        }
+        AddPlanes<K>(right, carry);
+        U64 left[K];
+        for (int j = 0; j < K; ++j) {
+            left[j] = MovedUp<1>(right[j], carry[j]);
+            carry[j] = Last(right[j]);
+        }
+        AddPlanes<K>(w, left);
+        U64 inside = w[0];
+        for (int j = 1; j < K; ++j) {
+            inside |= w[j];
+        }
+        counts[part] = BitCount(inside);
+    }
+    StoreShape(out, counts);
+}
+
+template <int K> class Planes {
+public:
+    static constexpr int kMarkShift = 3;
+
+    GX_INLINE Planes(const BandFrame& frame, const BandEdge& e) noexcept
+        : m_columns(e.step), m_planeBytes(frame.planeBytes), m_flip((e.flags & kEdgeUp) != 0 ? ~uint64_t{0} : 0) {}
+
+    template <bool Clamp> GX_INLINE void Walk(uint8_t* row, uint64_t* bits, const RowPart& part) const noexcept {
+        MarkBlocks(bits, part.c0, part.c1);
+        m_columns.template Walk<K, Clamp>(row, m_planeBytes, part, m_flip);
+    }
+
+    /// The same column c in sub-scanlines [s, stop).
+    GX_INLINE void Upright(uint8_t* row, uint64_t* bits, uint32_t c, int32_t s, int32_t stop) const noexcept {
+        const uint64_t column = ((0xFFU << (c & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
+        const uint64_t lanes = (~uint64_t{0} >> (64 - 8 * stop)) & (~uint64_t{0} << (8 * s));
+        bits[c >> 12] |= uint64_t{1} << ((c >> 6) & 63);
+        Toggle<K, uint64_t>(row + (c >> 3) * 8, m_planeBytes, column & lanes, m_flip);
+    }
+
+    /// The windings of a row from left to right.
+    class Sums {
+    public:
+        GX_INLINE explicit Sums(const BandFrame& frame) noexcept : m_planeBytes(frame.planeBytes) {
+            for (int j = 0; j < K; ++j) {
+                m_carry[j] = U64{};
+            }
+        }
+        /// The number of samples inside, of a pixel in which no winding changes.
+        GX_INLINE uint32_t Inside() const noexcept {
+            U64 inside = m_carry[0];
+            for (int j = 1; j < K; ++j) {
+                inside |= m_carry[j];
+            }
+            constexpr uint64_t kOnes = 0x0101010101010101U;
+            return static_cast<uint32_t>((inside[0] & kOnes) * kOnes >> 56) * 8;
+        }
+        /// Takes the first block of the marks off them. Returns its first pixel in the word.
+        GX_INLINE static int32_t Next(uint64_t& marks, uint32_t& /*pixels*/) noexcept {
+            const int block = __builtin_ctzll(marks);
+            marks &= marks - 1;
+            return block * 8;
+        }
+        GX_INLINE void Block(uint8_t* row, size_t pixel, uint32_t /*pixels*/, uint8_t* shape) noexcept {
+            SweepBlock<K>(row + pixel * 8, m_planeBytes, m_carry, shape);
+        }
+
+    private:
+        U64 m_carry[K];
+        size_t m_planeBytes;
+    };
+
+private:
+    RowColumns m_columns;
+    size_t m_planeBytes;
+    uint64_t m_flip;
+};
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE
