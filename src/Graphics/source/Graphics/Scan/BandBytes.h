@@ -37,7 +37,7 @@ public:
             return;
         }
         const uint64_t origin = static_cast<uint64_t>(Advance(part.x, m_step, -part.s));
-        U64 places[kParts];  // the byte of each sub-scanline's column: its unit shifted
+        U64 places[kParts]; // the byte of each sub-scanline's column: its unit shifted
         I64 pixels[kParts];
         for (size_t i = 0; i < kParts; ++i) {
             const U64 lane = LongAscending() + i * kLongLanes;
@@ -115,12 +115,8 @@ public:
         }
 
     private:
-        GX_INLINE uint64_t ConstantShapes() const noexcept {
-            return ShapeOf(Inside()) * uint64_t{0x0101010101010101U};
-        }
-        GX_INLINE static uint64_t ShapeOf(uint32_t count) noexcept {
-            return count * 4 - (count != 0 ? 1 : 0);
-        }
+        GX_INLINE uint64_t ConstantShapes() const noexcept { return ShapeOf(Inside()) * uint64_t{0x0101010101010101U}; }
+        GX_INLINE static uint64_t ShapeOf(uint32_t count) noexcept { return count * 4 - (count != 0 ? 1 : 0); }
         /// The number of samples inside, of a pixel in which windings change. Zeroes it.
         GX_INLINE uint32_t Sum(uint8_t* cell) noexcept {
             U64 windings[kParts];
@@ -141,8 +137,8 @@ public:
     };
 
 private:
-    static constexpr uint32_t kNear = 4;          // pixels that an edge may cross in a row to be added by pixels
-    static constexpr bool kWide = kLongLanes >= 4; // the set shifts each lane by its own count
+    static constexpr uint32_t kNear = 4;             // pixels that an edge may cross in a row to be added by pixels
+    static constexpr bool kWide = kLongLanes >= 4;   // the set shifts each lane by its own count
     static constexpr bool kClamps = kLongLanes == 8; // and to the right with the sign
 
     GX_INLINE void Add(uint8_t* row, uint64_t* bits, uint32_t c, int32_t s) const noexcept {

@@ -110,10 +110,9 @@ struct BandKernels {
     /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright edges only to rows that change. Edges
     /// that continue below are put before the list `following`; returns its new head.
     uint32_t (*walk[kForms])(const BandFrame& frame, BandEdge* edges, uint32_t head, int32_t bandFirst,
-                                  int32_t bandLast, uint32_t following);
+                             int32_t bandLast, uint32_t following);
     /// Turns a row into runs and zeroes it. `shape` has room for all blocks, `runs` for two per block and one more.
-    size_t (*sweep[kForms])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape,
-                                 CoverageRun* runs);
+    size_t (*sweep[kForms])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape, CoverageRun* runs);
     /// Adds to the single plane of the frame's first row what bounds the non-zero inside of up to kMostResolved active
     /// edges, in the row that begins at sub-scanline `first`. Keeps those that continue below, in about their order from
     /// left to right. Returns how many places edges had to be moved.

@@ -9,8 +9,10 @@
 namespace Graphics {
 
 constinit const BandKernels GX_SIMD_NAMESPACE::kBandKernels = {
-    {WalkList<Planes<1>>, WalkList<Planes<2>>, WalkList<Planes<3>>, WalkList<Bytes>, WalkList<Planes<12>>, WalkList<Planes<16>>},
-    {SweepRow<Planes<1>>, SweepRow<Planes<2>>, SweepRow<Planes<3>>, SweepRow<Bytes>, SweepRow<Planes<12>>, SweepRow<Planes<16>>},
+    {WalkList<Planes<1>>, WalkList<Planes<2>>, WalkList<Planes<3>>, WalkList<Bytes>, WalkList<Planes<12>>,
+     WalkList<Planes<16>>},
+    {SweepRow<Planes<1>>, SweepRow<Planes<2>>, SweepRow<Planes<3>>, SweepRow<Bytes>, SweepRow<Planes<12>>,
+     SweepRow<Planes<16>>},
     ResolveRow,
 };
 

@@ -17,8 +17,8 @@ constexpr int64_t kLeastResolved = 6;
 constexpr int64_t kPixelsApart = 10;
 constexpr int64_t kCreditPerEdge = 2;
 constexpr int64_t kFirstCredit = 64;
-constexpr int32_t kFarFine = 1 << 22;     // band edges represent vertices up to 32768 pixels
-constexpr int32_t kTallSubRows = 14 * 8;  // from this height of an upright edge on, a search for equal rows pays
+constexpr int32_t kFarFine = 1 << 22;    // band edges represent vertices up to 32768 pixels
+constexpr int32_t kTallSubRows = 14 * 8; // from this height of an upright edge on, a search for equal rows pays
 
 /// Rows of a band, a power of two.
 int32_t BandRows(const BandFrame& frame, int32_t rows) noexcept {
@@ -31,7 +31,8 @@ int32_t BandRows(const BandFrame& frame, int32_t rows) noexcept {
 
 /// Wraps far outside the edge, where it is about order alone.
 int64_t PositionAt(const BandEdge& e, int32_t y) noexcept {
-    return static_cast<int64_t>(static_cast<uint64_t>(e.x) + static_cast<uint64_t>(e.step) * static_cast<uint64_t>(y - e.y));
+    return static_cast<int64_t>(static_cast<uint64_t>(e.x) +
+                                static_cast<uint64_t>(e.step) * static_cast<uint64_t>(y - e.y));
 }
 
 constexpr int64_t kOne = int64_t{1} << kBandFraction;
@@ -222,7 +223,8 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
 void BandScanner::Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows) {
     // A single row at least of the form, or as many bytes in rows of the single plane.
     const size_t cellBytes = std::max(frame.rowBytes * static_cast<size_t>(bandRows), kBandBytes);
-    const size_t bitCount = std::max(frame.bitWords * static_cast<size_t>(bandRows), size_t{64} * ((m_rowBlocks + 63) / 64));
+    const size_t bitCount =
+        std::max(frame.bitWords * static_cast<size_t>(bandRows), size_t{64} * ((m_rowBlocks + 63) / 64));
     if (m_dirty || m_cells.size() < cellBytes) {
         const size_t size = std::max(cellBytes, m_cells.size());
         m_cells.resize(size);
@@ -260,11 +262,10 @@ void BandScanner::SetLimits(const BandFrame& frame, const IntRect& visible) noex
     m_insideRight = right < visible.right ? INT_MAX : rightFine - kRoom;
 }
 
-[[gnu::always_inline]] inline void BandScanner::Sweep(const BandFrame& frame, size_t form, size_t bandRow, int32_t row, int32_t rows,
-                        RasterizationSink& sink) {
-    const size_t count =
-        m_kernels->sweep[form](frame, frame.cells + bandRow * frame.rowBytes, frame.bits + bandRow * frame.bitWords,
-                               m_shape.data(), m_runs.data());
+[[gnu::always_inline]] inline void BandScanner::Sweep(const BandFrame& frame, size_t form, size_t bandRow, int32_t row,
+                                                      int32_t rows, RasterizationSink& sink) {
+    const size_t count = m_kernels->sweep[form](frame, frame.cells + bandRow * frame.rowBytes,
+                                                frame.bits + bandRow * frame.bitWords, m_shape.data(), m_runs.data());
     if (count == 0) {
         return;
     }
@@ -319,9 +320,8 @@ bool BandScanner::Activate(uint32_t head) noexcept {
     for (uint32_t i = head; i != kNoEdge; i = m_edges[i].next) {
         const BandEdge& added = m_edges[i];
         uint32_t* const end = active + m_activeCount;
-        uint32_t* const place = std::upper_bound(active, end, added.x, [&](int64_t x, uint32_t other) {
-            return x < PositionAt(m_edges[other], added.y);
-        });
+        uint32_t* const place = std::upper_bound(
+            active, end, added.x, [&](int64_t x, uint32_t other) { return x < PositionAt(m_edges[other], added.y); });
         std::copy_backward(place, end, end + 1);
         *place = i;
         ++m_activeCount;
@@ -334,7 +334,7 @@ int32_t BandScanner::ScanRows(const BandFrame& frame, int32_t rows, Rasterizatio
     plane.rowBytes = kWindingForms[0].RowBytes(m_rowBlocks);
     plane.bitWords = kWindingForms[0].BitWords(m_rowBlocks);
     const int32_t bandRows = BandRows(plane, rows);
-    BandFrame target = plane; // the next row to be resolved
+    BandFrame target = plane;      // the next row to be resolved
     int64_t credit = kFirstCredit; // places that edges may still be moved
     int32_t row = 0;
     m_activeCount = 0;

@@ -69,9 +69,9 @@ private:
     BandEdge* m_nextEdge = nullptr;
     int32_t m_first = 0; // sub-scanlines to produce
     int32_t m_last = 0;
-    int32_t m_origin = 0;   // first sub-scanline of the frame, a multiple of 8
+    int32_t m_origin = 0;    // first sub-scanline of the frame, a multiple of 8
     int32_t m_headShift = 3; // log2 of the sub-scanlines of a head
-    int64_t m_edgeRows = 0; // sum of the rows that edges cross
+    int64_t m_edgeRows = 0;  // sum of the rows that edges cross
     size_t m_rowBlocks = 0;
     size_t m_activeCount = 0;
     bool m_hasEqualRows = false;
