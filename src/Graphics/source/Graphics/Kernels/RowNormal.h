@@ -13,12 +13,15 @@ GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
     return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
 }
 
-/// normalSolid for at most one vector of pixels.
+/// normalSolid for at most one vector of pixels. An opaque colour scaled by s has alpha 255 (s + 1) >> 8 = s.
+template <bool kOpaque = false>
 GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
     const U32 s = WidenSome(shape, n);
     const U32 d = LoadSome(dst, n);
-    const U32 scaled = Scale(color, FactorOf(s));
-    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, ComplementOf(Alpha(scaled)))));
+    const U32 both = Twice(s);
+    const U32 scaled = Scale(color, both + 0x00010001U);
+    const U32 complement = kOpaque ? 0x01000100U - both : ComplementOf(Alpha(scaled));
+    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
 }
 
 void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
@@ -79,6 +82,29 @@ GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t
     }
 }
 
+template <bool kOpaque>
+GX_INLINE inline void SolidRunsOf(const RowKernels& all, uint32_t* first, uint32_t color, const CoverageRun* runs,
+                                  size_t count) noexcept {
+    const U32 c = Splat(color);
+    const int32_t left = runs->x0;
+    for (const CoverageRun* const end = runs + count; runs != end; ++runs) {
+        uint32_t* const dst = first + (runs->x0 - left);
+        const auto n = static_cast<size_t>(runs->x1 - runs->x0);
+        const uint8_t* const shape = runs->shape;
+        if (shape != nullptr) {
+            size_t i = 0;
+            for (; i + kLanes <= n; i += kLanes) {
+                ShapedSolid<kOpaque>(dst + i, c, shape + i, kLanes);
+            }
+            if (i < n) {
+                ShapedSolid<kOpaque>(dst + i, c, shape + i, n - i); // mostly the end of the row
+            }
+        } else if (runs->value != 0) {
+            ConstantRun(all, dst, ScalePixel(color, runs->value + 1U), n);
+        }
+    }
+}
+
 /// Runs with shape mostly have one or two blocks of eight pixels. A set of eight lanes loads and stores exactly that
 /// size, so the next run can load the stored bytes without waiting.
 void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const CoverageRun* runs, size_t count) {
@@ -88,24 +114,8 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
         if (color >> 24 == 0) {
             return;
         }
-        const U32 c = Splat(color);
-        const int32_t left = runs->x0;
-        for (const CoverageRun* const end = runs + count; runs != end; ++runs) {
-            uint32_t* const dst = first + (runs->x0 - left);
-            const auto n = static_cast<size_t>(runs->x1 - runs->x0);
-            const uint8_t* const shape = runs->shape;
-            if (shape != nullptr) {
-                size_t i = 0;
-                for (; i + kLanes <= n; i += kLanes) {
-                    ShapedSolid(dst + i, c, shape + i, kLanes);
-                }
-                if (i < n) {
-                    ShapedSolid(dst + i, c, shape + i, n - i); // mostly the end of the row
-                }
-            } else if (runs->value != 0) {
-                ConstantRun(all, dst, ScalePixel(color, runs->value + 1U), n);
-            }
-        }
+        color >> 24 == 255 ? SolidRunsOf<true>(all, first, color, runs, count)
+                           : SolidRunsOf<false>(all, first, color, runs, count);
     }
 }
 

@@ -30,6 +30,10 @@ template <int K, class Word> inline void Toggle(uint8_t* p, size_t planeBytes, W
     }
 }
 
+GX_INLINE inline void MarkPixel(uint64_t* bits, int32_t p) {
+    bits[static_cast<uint32_t>(p) >> 9] |= uint64_t{1} << (static_cast<uint32_t>(p) >> 3 & 63);
+}
+
 inline void MarkBlocks(uint64_t* bits, int32_t x0, int32_t x1) {
     auto b0 = static_cast<uint32_t>(x0) >> 6;
     auto b1 = static_cast<uint32_t>(x1) >> 6;
@@ -87,27 +91,40 @@ public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept
         : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
 
+    /// In the single plane, of an edge that stays in the pixels `low` and `low` + 1.
+    template <bool Clamp> GX_INLINE void TogglePair(uint8_t* row, const RowPart& part, int32_t low) const noexcept {
+        const I64 c = Columns<Clamp>(part);
+        TogglePixels(row + static_cast<size_t>(low) * 8, (U64{} + 0xFFU) << (U64)(c & 7), Lanes(part),
+                     EqualLanes(Lanes(part), c >> 3, low + 1));
+    }
+
     template <int K, bool Clamp>
     GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
-        const auto [x, s, stop, c0, c1, limit] = part;
-        I64 c = (I64)(static_cast<uint64_t>(Advance(x, m_step, -s)) + m_steps) >> kBandFraction;
-        if (Clamp) {
-            const I64 least{};
-            const I64 most = I64{} + limit;
-            c = c > least ? c : least;
-            c = c < most ? c : most;
-        }
-        const auto lanes = static_cast<RowMask>((0xFFU >> (8 - stop)) & (0xFFU << s));
-        const int32_t p0 = c0 >> 3;
-        const int32_t p1 = c1 >> 3;
+        const I64 c = Columns<Clamp>(part);
+        const int32_t p0 = part.c0 >> 3;
+        const int32_t p1 = part.c1 >> 3;
         if (p0 - p1 <= 4 && p1 - p0 <= 4) {
-            ToggleLanes<K>(row, planeBytes, c, lanes, p0, p1, flip);
+            ToggleLanes<K>(row, planeBytes, c, Lanes(part), p0, p1, flip);
         } else {
             WalkScalar<K, Clamp>(row, planeBytes, part, m_step, flip);
         }
     }
 
 private:
+    GX_INLINE static RowMask Lanes(const RowPart& part) noexcept {
+        return static_cast<RowMask>((0xFFU >> (8 - part.stop)) & (0xFFU << part.s));
+    }
+    template <bool Clamp> GX_INLINE I64 Columns(const RowPart& part) const noexcept {
+        I64 c = (I64)(static_cast<uint64_t>(Advance(part.x, m_step, -part.s)) + m_steps) >> kBandFraction;
+        if (Clamp) {
+            const I64 least{};
+            const I64 most = I64{} + part.limit;
+            c = c > least ? c : least;
+            c = c < most ? c : most;
+        }
+        return c;
+    }
+
     int64_t m_step;
     U64 m_steps;
 };
@@ -221,6 +238,19 @@ public:
         : m_columns(e.step), m_planeBytes(frame.planeBytes), m_flip((e.flags & kEdgeUp) != 0 ? ~uint64_t{0} : 0) {}
 
     template <bool Clamp> GX_INLINE void Walk(uint8_t* row, uint64_t* bits, const RowPart& part) const noexcept {
+#if GX_SIMD_BYTES == 64
+        if constexpr (K == 1) {
+            const int32_t p0 = part.c0 >> 3;
+            const int32_t p1 = part.c1 >> 3;
+            if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
+                // One pixel or two: both are done as two, because the branch would not be predictable.
+                m_columns.template TogglePair<Clamp>(row, part, p0 < p1 ? p0 : p1);
+                MarkPixel(bits, p0);
+                MarkPixel(bits, p1);
+                return;
+            }
+        }
+#endif
         MarkBlocks(bits, part.c0, part.c1);
         m_columns.template Walk<K, Clamp>(row, m_planeBytes, part, m_flip);
     }

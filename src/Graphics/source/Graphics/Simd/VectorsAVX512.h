@@ -158,5 +158,15 @@ GX_INLINE inline uint64_t LowBytes(RowMask of, U64 v) noexcept {
     return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(of, (__m512i)v)));
 }
 
+/// Toggles the low bytes of the lanes in two masks, `of` without `high` in the eight bytes at p, `high` in the next
+/// eight; `high` is part of `of`.
+GX_INLINE inline void TogglePixels(uint8_t* p, U64 v, RowMask of, RowMask high) noexcept {
+    const __m128i bytes = _mm512_maskz_cvtepi64_epi8(0xFF, (__m512i)v);
+    const auto both = static_cast<__mmask16>((of & ~high) | high << 8);
+    auto* const words = reinterpret_cast<__m128i*>(p);
+    _mm_storeu_si128(words,
+                     _mm_xor_si128(_mm_loadu_si128(words), _mm_maskz_mov_epi8(both, _mm_unpacklo_epi64(bytes, bytes))));
+}
+
 } // namespace
 } // namespace Graphics::GX_SIMD_NAMESPACE
