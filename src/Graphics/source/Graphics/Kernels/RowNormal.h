@@ -24,6 +24,25 @@ GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape
     StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
 }
 
+template <bool kOpaque>
+GX_INLINE inline void SolidShape(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) noexcept {
+    const U32 c = Splat(color);
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
+        // A single test, which is predictable both along constant coverage and along changing coverage.
+        if (n == kLanes && BytesAre(shape + i, shape[i])) {
+            if (shape[i] == 0) {
+                return;
+            }
+            if (kOpaque && shape[i] == 255) {
+                Store(dst + i, c);
+                return;
+            }
+        }
+        ShapedSolid<kOpaque>(dst + i, c, shape + i, n);
+    };
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
+}
+
 void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
     const uint32_t alpha = color >> 24;
     if (alpha == 0) {
@@ -41,19 +60,7 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
             [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, nullptr, n); });
         return;
     }
-    const auto step = [=](size_t i, size_t n) {
-        if (n == kLanes) {
-            if (BytesAre(shape + i, 0)) {
-                return;
-            }
-            if (BytesAre(shape + i, 255)) {
-                Store(dst + i, alpha == 255 ? c : Over(Load(dst + i), c, complement));
-                return;
-            }
-        }
-        ShapedSolid(dst + i, c, shape + i, n);
-    };
-    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, shape + i, n); });
+    alpha == 255 ? SolidShape<true>(dst, color, shape, count) : SolidShape<false>(dst, color, shape, count);
 }
 
 /// One run of constant coverage; the colour is already scaled by it.
