@@ -42,13 +42,8 @@ template <class Mode> GX_INLINE inline U32 BlendPixels(U32 d, const BlendSource&
 
 template <size_t kNumber, class Mode>
 void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
-    if constexpr (kLanes > 4) {
-        if (count <= kShortRow) {
-            KernelTable<RowKernels>::Made(kNarrowestSet).blend[kNumber](dst, src, shape, count);
-            return;
-        }
-    }
-    ForBlocksOnce(count, [=](size_t i, size_t n) {
+    const auto narrower = [=](const RowKernels& set) { set.blend[kNumber](dst, src, shape, count); };
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         U32 c = LoadSome(src + i, n);
         I32 keep = IsZero(Alpha(c));
         if (shape != nullptr) {
@@ -61,7 +56,8 @@ void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t c
         }
         const U32 d = LoadSome(dst + i, n);
         StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, BlendSource(c))));
-    });
+    };
+    ForBlocksOfRow(count, step, narrower);
 }
 
 template <size_t kNumber, class Mode>
@@ -69,14 +65,9 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
     if (color >> 24 == 0) {
         return;
     }
-    if constexpr (kLanes > 4) {
-        if (count <= kShortRow) {
-            KernelTable<RowKernels>::Made(kNarrowestSet).blendSolid[kNumber](dst, color, shape, count);
-            return;
-        }
-    }
     const BlendSource full(Splat(color));
-    ForBlocksOnce(count, [=](size_t i, size_t n) {
+    const auto narrower = [=](const RowKernels& set) { set.blendSolid[kNumber](dst, color, shape, count); };
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         if (shape == nullptr || (n == kLanes && BytesAre(shape + i, 255))) {
             StoreSome(dst + i, n, BlendPixels<Mode>(LoadSome(dst + i, n), full));
             return;
@@ -88,7 +79,8 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
             const BlendSource partly(Scale(full.c, FactorOf(s)));
             StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, partly)));
         }
-    });
+    };
+    ForBlocksOfRow(count, step, narrower);
 }
 
 struct LayerOver {
@@ -103,10 +95,14 @@ template <class Mode> struct LayerBlended {
     }
 };
 
-template <class Compose>
+/// kNumber is that of layerBlend, or -1 for layerNormal.
+template <class Compose, int kNumber = -1>
 void LayerRow(const LayerRowPlanes& row, const uint32_t* src, const uint8_t* shape, size_t count) {
     const LayerRowPlanes r = row;
-    ForBlocksOnce(count, [=](size_t i, size_t n) {
+    const auto narrower = [&row, src, shape, count](const RowKernels& set) {
+        (kNumber < 0 ? set.layerNormal : set.layerBlend[kNumber < 0 ? 0 : kNumber])(row, src, shape, count);
+    };
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         const U32 c = LoadSome(src + i, n);
         const U32 as = Alpha(c);
         const U32 fs = shape != nullptr ? WidenSome(shape + i, n) : Splat(255U);
@@ -127,11 +123,13 @@ void LayerRow(const LayerRowPlanes& row, const uint32_t* src, const uint8_t* sha
         StoreSome(r.color + i, n, Select(keep, old, color));
         NarrowSome(r.alpha + i, n, Select(keep, oldAlpha, alpha));
         NarrowSome(r.shape + i, n, Select(keep, oldShape, Union(oldShape, fs)));
-    });
+    };
+    ForBlocksOfRow(count, step, narrower);
 }
 
 void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, const uint32_t* backdrop, size_t count) {
-    ForBlocksOnce(count, [=](size_t i, size_t n) {
+    const auto narrower = [=](const RowKernels& set) { set.groupResult(color, alpha, shape, backdrop, count); };
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         const U32 fg = WidenSome(shape + i, n);
         const U32 ag = WidenSome(alpha + i, n);
         const U32 x = LoadSome(color + i, n);
@@ -150,7 +148,8 @@ void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, co
             result = Select((ag == 255U), x | 0xFF000000U, result);
         }
         StoreSome(color + i, n, Select(keep, x, result));
-    });
+    };
+    ForBlocksOfRow(count, step, narrower);
 }
 
 } // namespace

@@ -35,12 +35,22 @@ GX_INLINE inline const RowKernels& Narrower(size_t n) noexcept {
     return KernelTable<RowKernels>::Made(n < 8 ? kNarrowestSet : kNarrowerSet);
 }
 
+/// For long bodies, which are instantiated once: a row of at most half a vector is done by the set that it fills,
+/// narrower(kernels), because a masked store stalls the load of a row that lies right behind it; of longer rows the rest
+/// is masked, which takes less time than another pass.
+template <class Step, class Row> GX_INLINE inline void ForBlocksOfRow(size_t count, Step step, Row narrower) noexcept {
+    if constexpr (kLanes > 4) {
+        if (count <= kLanes / 2) {
+            narrower(KernelTable<RowKernels>::Made(count <= 4 ? kNarrowestSet : kNarrowerSet));
+            return;
+        }
+    }
+    ForBlocksOnce(count, step);
+}
+
 GX_INLINE inline const uint8_t* At(const uint8_t* shape, size_t i) noexcept {
     return shape != nullptr ? shape + i : nullptr;
 }
-
-/// In modes with long bodies, rows up to this length go to the narrowest set.
-inline constexpr size_t kShortRow = 4;
 
 } // namespace
 } // namespace Graphics::GX_SIMD_NAMESPACE

@@ -72,14 +72,18 @@ void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t coun
 }
 
 void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) {
+    const auto rest = [=](size_t i, size_t n) { Narrower(n).setOpaque(dst + i, At(shape, i), n); };
     if (shape == nullptr) {
-        ForBlocks(count, [=](size_t i, size_t n) { StoreSome(dst + i, n, LoadSome(dst + i, n) | 0xFF000000U); });
+        ForWholeBlocks(
+            count, [=](size_t i, size_t n) GX_INLINE { StoreSome(dst + i, n, LoadSome(dst + i, n) | 0xFF000000U); },
+            rest);
         return;
     }
-    ForBlocks(count, [=](size_t i, size_t n) {
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         const U32 d = LoadSome(dst + i, n);
         StoreSome(dst + i, n, Select(IsZero(WidenSome(shape + i, n)), d, d | 0xFF000000U));
-    });
+    };
+    ForWholeBlocks(count, step, rest);
 }
 
 /// Aligned stores: unaligned ones cross cache lines, vectors of 64 bytes at every store.

@@ -18,7 +18,7 @@ namespace {
     }
 #define GX_BLEND_ROW(number, ...) BlendRow<number, __VA_ARGS__>
 #define GX_BLEND_SOLID_ROW(number, ...) BlendSolidRow<number, __VA_ARGS__>
-#define GX_LAYER_ROW(number, ...) LayerRow<LayerBlended<__VA_ARGS__>>
+#define GX_LAYER_ROW(number, ...) LayerRow<LayerBlended<__VA_ARGS__>, number>
 
 constexpr RowKernels kTable = GX_KERNEL_TABLE;
 

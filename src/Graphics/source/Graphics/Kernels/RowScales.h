@@ -20,7 +20,10 @@ template <int kType> GX_INLINE inline U32 MaskValue(U32 x) noexcept {
 }
 
 template <int kType> void MaskValues(uint8_t* values, const uint32_t* pixels, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) { NarrowSome(values + i, n, MaskValue<kType>(LoadSome(pixels + i, n))); });
+    ForBlocksOfRow(
+        count,
+        [=](size_t i, size_t n) GX_INLINE { NarrowSome(values + i, n, MaskValue<kType>(LoadSome(pixels + i, n))); },
+        [=](const RowKernels& set) { set.maskValues[kType](values, pixels, count); });
 }
 
 /// (byte * (m + 1)) >> 8 for each byte, by the byte m in the same place.
@@ -35,18 +38,20 @@ void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
     for (; count >= 4 * kLanes; count -= 4 * kLanes, shape += 4 * kLanes, mask += 4 * kLanes) {
         Store(shape, ScaleBytes(Load(shape), Load(mask)));
     }
-    ForBlocks(count, [=](size_t i, size_t n) {
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), WidenSome(mask + i, n) + 1U) >> 8);
-    });
+    };
+    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.scaleShape(shape, mask, count); });
 }
 
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) {
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         if (n == kLanes && BytesAre(mask + i, 255)) {
             return;
         }
         StoreSome(color + i, n, Scale(LoadSome(color + i, n), FactorOf(WidenSome(mask + i, n))));
-    });
+    };
+    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.scaleColor(color, mask, count); });
 }
 
 void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
@@ -54,11 +59,15 @@ void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
         return;
     }
     const U32 k = Spread(Splat(factor));
-    ForBlocks(count, [=](size_t i, size_t n) { StoreSome(color + i, n, Scale(LoadSome(color + i, n), k)); });
+    ForBlocksOfRow(
+        count, [=](size_t i, size_t n) GX_INLINE { StoreSome(color + i, n, Scale(LoadSome(color + i, n), k)); },
+        [=](const RowKernels& set) { set.scaleColorBy(color, factor, count); });
 }
 
 void PremultiplyRow(uint32_t* color, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) { StoreSome(color + i, n, Premultiply(LoadSome(color + i, n))); });
+    ForBlocksOfRow(
+        count, [=](size_t i, size_t n) GX_INLINE { StoreSome(color + i, n, Premultiply(LoadSome(color + i, n))); },
+        [=](const RowKernels& set) { set.premultiply(color, count); });
 }
 
 void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
@@ -67,17 +76,19 @@ void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t co
         return;
     }
     const U32 c = Splat(color);
-    ForBlocks(count, [=](size_t i, size_t n) {
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         const U32 s = WidenSome(shape + i, n);
         StoreSome(dst + i, n, Scale(LoadSome(dst + i, n), ComplementOf(s)) + Scale(c, FactorOf(s)));
-    });
+    };
+    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.replaceSolid(dst, color, shape, count); });
 }
 
 void Invert(uint32_t* dst, size_t count) {
-    ForBlocks(count, [=](size_t i, size_t n) {
+    const auto step = [=](size_t i, size_t n) GX_INLINE {
         const U32 x = LoadSome(dst + i, n);
         StoreSome(dst + i, n, SubtractClamped(SpreadBytes(Alpha(x)), x & 0x00FFFFFFU));
-    });
+    };
+    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.invert(dst, count); });
 }
 
 } // namespace
