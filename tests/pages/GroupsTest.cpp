@@ -189,6 +189,24 @@ TEST(Groups, BlendExactlyOnATransparentBackdrop) {
     }
 }
 
+// A red square, then a blue one under a soft mask of one half, in a knockout group on grey. Without AIS the mask is
+// opacity, not shape (ISO 32000-1, 11.6.4.3): the blue square knocks out all of the red one and lets the grey through. The
+// second renderer mixes it with the red one.
+TEST(Groups, TakeSoftMasksInKnockoutGroupsForOpacity) {
+    const std::string file = TestPath(".pdf").string();
+    const std::string content = "1 0 0 rg 10 10 30 30 re f /S gs 0 0 1 rg 20 20 40 40 re f";
+    WritePage(file, 72, "0.8 g 0 0 72 72 re f /X Do", "/XObject<</X 6 0 R>>", "",
+              {Form(72, "0.5 g 0 0 72 72 re f", "", "/CS/DeviceGray"),
+               Form(72, content, kResources, "/I true/K true/CS/DeviceRGB")});
+    const PdfPage::Picture picture = Draw(file);
+    for (const size_t at : {size_t{30}, size_t{50}}) { // over the red square, and beside it
+        const uint8_t* const pixel = picture.pixels.data() + (72 - at) * picture.StrideBytes() + 4 * at;
+        EXPECT_NEAR(0.5 * 255 + 0.5 * 204, pixel[0], 2) << at;
+        EXPECT_NEAR(0.5 * 204, pixel[1], 2) << at;
+        EXPECT_NEAR(0.5 * 204, pixel[2], 2) << at;
+    }
+}
+
 // Fifty groups within each other, all of the page by their boxes, each with little on it. The page takes 9 MB at this
 // resolution, fifty of it 450 MB.
 TEST(Groups, CostWhatIsSeenOfThem) {
