@@ -14,7 +14,7 @@ Surface::Surface(const Gxr::Calls& calls, Report& report, const fz_irect& area, 
         !report.Check(m_calls.CreateRenderTargetBitmap(m_bitmap.Get(), m_target.Out()), "GXCreateRenderTargetBitmap") ||
         !report.Check(m_calls.BeginPaint(m_target.Get()), "GXRenderTargetBeginPaint") ||
         // A page starts without stroke adjustment, and the parser does not pass on a wish for it.
-        !report.Check(m_calls.SetStrokeAdjustment(m_target.Get(), 0), "GXRenderTargetSetStrokeAdjustment"))
+        !report.Check(m_calls.SetStrokeAdjustment(m_target.Get(), uint8_t{0}), "GXRenderTargetSetStrokeAdjustment"))
         throw std::runtime_error("the library can't make a bitmap of this size");
     report.Check(m_calls.Clear(m_target.Get(), clearArgb), "GXRenderTargetClear");
 }
