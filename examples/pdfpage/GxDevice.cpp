@@ -158,9 +158,11 @@ void EndMask(fz_context* ctx, fz_device* dev) {
 
 void BeginGroup(fz_context* ctx, fz_device* dev, fz_rect area, fz_colorspace* space, int isolated, int knockout,
                 int blendMode, float alpha) {
-    Dispatch(
-        ctx, dev, [&](Painter& p) { p.BeginGroup(area, isolated != 0, knockout != 0, blendMode, alpha); },
-        [&](fz_device* to) { fz_begin_group(ctx, to, area, space, isolated, knockout, blendMode, alpha); });
+    if (fz_device* recorder = Of(dev).Recorder()) {
+        Try(ctx, [&] { fz_begin_group(ctx, recorder, area, space, isolated, knockout, blendMode, alpha); });
+        return;
+    }
+    Always(dev, [&](Painter& p) { p.BeginGroup(area, isolated != 0, knockout != 0, blendMode, alpha); });
 }
 
 void EndGroup(fz_context* ctx, fz_device* dev) {
@@ -170,14 +172,12 @@ void EndGroup(fz_context* ctx, fz_device* dev) {
 
 int BeginTile(fz_context*, fz_device* dev, fz_rect area, fz_rect view, float xStep, float yStep, fz_matrix ctm,
               int id) {
-    if (!Of(dev).Skipping())
-        Always(dev, [&](Painter& p) { p.BeginTile(area, view, xStep, yStep, ctm, id); });
+    Always(dev, [&](Painter& p) { p.BeginTile(area, view, xStep, yStep, ctm, id); });
     return 0; // the cell's content has to follow
 }
 
 void EndTile(fz_context*, fz_device* dev) {
-    if (!Of(dev).Skipping())
-        Always(dev, [&](Painter& p) { p.EndTile(); });
+    Always(dev, [&](Painter& p) { p.EndTile(); });
 }
 
 void SetDefaultColorspaces(fz_context* ctx, fz_device* dev, fz_default_colorspaces* defaults) {

@@ -6,10 +6,12 @@
 
 #include "../../tools/gxr/BandedPlayer.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace PdfPage {
 namespace {
@@ -88,7 +90,8 @@ Document::~Document() {
     fz_drop_context(m_ctx);
 }
 
-Page::Page(Document& document, int number, float dpi) : m_document(document), m_dpi(dpi) {
+Page::Page(Document& document, int number, float dpi, bool adjust)
+    : m_document(document), m_dpi(dpi), m_adjust(adjust) {
     const std::string which = "page " + std::to_string(number);
     if (number < 1 || number > document.m_pageCount)
         throw Failure(which + " does not exist, the file has " + std::to_string(document.m_pageCount) +
@@ -114,6 +117,7 @@ Page::Page(Document& document, int number, float dpi) : m_document(document), m_
     }
     m_ctm = fz_concat(scale, fz_translate(static_cast<float>(-m_box.x0), static_cast<float>(-m_box.y0)));
     m_box = {0, 0, static_cast<int>(width), static_cast<int>(height)};
+    m_groups = SurveyGroups(ctx, m_list, m_ctm, fz_infinite_rect);
 }
 
 Page::~Page() {
@@ -125,7 +129,8 @@ void Page::DrawOn(Surface& surface) {
     fz_context* const ctx = m_document.m_ctx;
     Report& report = m_document.m_report;
     {
-        Painter painter(ctx, m_document.m_calls, report, *m_document.m_caches, surface, m_dpi);
+        Painter painter(ctx, m_document.m_calls, report, *m_document.m_caches, surface, m_dpi, m_adjust,
+                        GroupRoads(m_groups));
         fz_device* const device = NewGxDevice(ctx, painter);
         if (!device)
             throw Failure("out of memory");
@@ -135,6 +140,7 @@ void Page::DrawOn(Surface& surface) {
             }))
             report.Notice("the page could be drawn in part only");
         fz_drop_device(ctx, device);
+        painter.Finish();
     }
     surface.Finish();
 }
@@ -183,7 +189,7 @@ void Page::DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear) 
     fz_context* const ctx = m_document.m_ctx;
     fz_pixmap* pixmap = nullptr;
     bool ok = Try(ctx, [&] {
-        pixmap = fz_new_pixmap_with_bbox(ctx, fz_device_bgr(ctx), m_box, nullptr, 1);
+        pixmap = fz_new_pixmap_with_bbox(ctx, fz_device_rgb(ctx), m_box, nullptr, 1);
         fz_clear_pixmap_with_value(ctx, pixmap, 255);
     });
     const Stopwatch watch;
@@ -204,13 +210,62 @@ void Page::DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear) 
         picture->width = static_cast<uint32_t>(pixmap->w);
         picture->height = static_cast<uint32_t>(pixmap->h);
         picture->pixels.resize(picture->StrideBytes() * picture->height);
-        for (uint32_t y = 0; y < picture->height; ++y)
-            std::memcpy(picture->pixels.data() + y * picture->StrideBytes(),
-                        pixmap->samples + static_cast<ptrdiff_t>(y) * pixmap->stride, picture->StrideBytes());
+        for (uint32_t y = 0; y < picture->height; ++y) {
+            const uint8_t* from = pixmap->samples + static_cast<ptrdiff_t>(y) * pixmap->stride;
+            uint8_t* to = picture->pixels.data() + y * picture->StrideBytes();
+            for (uint32_t x = 0; x < picture->width; ++x, from += 4, to += 4) {
+                to[0] = from[2];
+                to[1] = from[1];
+                to[2] = from[0];
+                to[3] = from[3];
+            }
+        }
     }
     fz_drop_pixmap(ctx, pixmap);
     if (!ok)
         throw Failure(std::string("MuPDF cannot draw the page: ") + fz_caught_message(ctx));
+}
+
+Means Page::DrawTruth(unsigned factor) {
+    constexpr size_t kBandBytes = size_t{32} << 20;
+    constexpr unsigned kMaxFactor = 16; // the sum of a pixel is exact in 16 bits: 16 * 16 * 255
+    fz_context* const ctx = m_document.m_ctx;
+    const int scale = static_cast<int>(std::clamp(factor, 1u, kMaxFactor)), width = fz_irect_width(m_box);
+    const size_t rowBytes = size_t{4} * static_cast<size_t>(width) * static_cast<size_t>(scale * scale);
+    const int bandRows = static_cast<int>(std::max(kBandBytes / rowBytes, size_t{1}));
+    const fz_matrix ctm = fz_post_scale(m_ctm, static_cast<float>(scale), static_cast<float>(scale));
+    Means means{static_cast<uint32_t>(width), static_cast<uint32_t>(m_box.y1), {}};
+    means.values.reserve(size_t{3} * means.width * means.height);
+    std::vector<uint16_t> sums(size_t{3} * means.width);
+    for (int top = 0; top < m_box.y1; top += bandRows) {
+        const fz_irect band{0, top * scale, width * scale, std::min(top + bandRows, m_box.y1) * scale};
+        fz_pixmap* pixmap = nullptr;
+        fz_device* device = nullptr;
+        const bool ok = Try(ctx, [&] {
+            pixmap = fz_new_pixmap_with_bbox(ctx, fz_device_rgb(ctx), band, nullptr, 1);
+            fz_clear_pixmap_with_value(ctx, pixmap, 255);
+            device = fz_new_draw_device(ctx, fz_identity, pixmap);
+            fz_run_display_list(ctx, m_list, device, ctm, fz_infinite_rect, nullptr);
+            fz_close_device(ctx, device);
+        });
+        fz_drop_device(ctx, device);
+        for (int y = 0; ok && y < fz_irect_height(band); ++y) {
+            const uint8_t* pixel = pixmap->samples + static_cast<ptrdiff_t>(y) * pixmap->stride;
+            for (size_t x = 0; x < means.width; ++x)
+                for (int i = 0; i < scale; ++i, pixel += 4)
+                    for (size_t c = 0; c < 3; ++c)
+                        sums[3 * x + c] = static_cast<uint16_t>(sums[3 * x + c] + pixel[2 - c]);
+            if ((y + 1) % scale != 0)
+                continue;
+            for (uint16_t& sum : sums)
+                means.values.push_back(static_cast<float>(std::exchange(sum, uint16_t{0})) /
+                                       static_cast<float>(scale * scale));
+        }
+        fz_drop_pixmap(ctx, pixmap);
+        if (!ok)
+            throw Failure(std::string("MuPDF cannot draw the page: ") + fz_caught_message(ctx));
+    }
+    return means;
 }
 
 } // namespace PdfPage

@@ -26,6 +26,12 @@ struct Picture {
     size_t StrideBytes() const { return size_t{4} * width; }
 };
 
+// Rows of B, G, R with fractions of a level.
+struct Means {
+    uint32_t width = 0, height = 0;
+    std::vector<float> values;
+};
+
 class Page;
 
 struct FileCloser {
@@ -63,7 +69,9 @@ private:
 class Page {
 public:
     // `number` counts from 1. Throws Failure when there is no such page or nothing of it can be read.
-    Page(Document& document, int number, float dpi);
+    // Without `adjust` everything has the place and size that the file says: images are not widened to whole pixels, and
+    // the thinnest line is one eighth of a pixel, which is what the samples of a pixel can show.
+    Page(Document& document, int number, float dpi, bool adjust = true);
     ~Page();
     Page(const Page&) = delete;
     Page& operator=(const Page&) = delete;
@@ -73,8 +81,12 @@ public:
     // Draws on white by `threads` threads at a time, the same bytes. The document draws later, and `recorder` is its
     // own. Throws Gxr::Error when the page cannot be recorded.
     void DrawInBands(Picture* picture, const Gxr::Recorder& recorder, unsigned threads);
+    // MuPDF draws in RGB: it takes the first channel for red in blends of whole colours, whatever the device has there.
     // With `timeClear` the time is that of making the page white, too, as it is in a recording.
     void DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear = false);
+    // What the page should look like: drawn by MuPDF at `factor` times the resolution, `factor` times `factor` pixels
+    // averaged to one. In bands, so that memory is that of a band.
+    Means DrawTruth(unsigned factor);
 
 private:
     void DrawOn(Surface& surface);
@@ -82,9 +94,11 @@ private:
 
     Document& m_document;
     float m_dpi;
+    bool m_adjust;
     fz_irect m_box{};
     fz_matrix m_ctm{};
     fz_display_list* m_list = nullptr;
+    std::vector<Span> m_groups;
 };
 
 } // namespace PdfPage

@@ -8,9 +8,10 @@
 
 namespace PdfPage {
 
-Painter::Painter(fz_context* ctx, const Gxr::Calls& calls, Report& report, Caches& caches, Surface& page, float dpi)
-    : m_ctx(ctx), m_calls(calls), m_report(report), m_caches(caches), m_page(page), m_dpi(dpi),
-      m_unitSquare(RectGeometry(report, fz_unit_rect)) {}
+Painter::Painter(fz_context* ctx, const Gxr::Calls& calls, Report& report, Caches& caches, Surface& page, float dpi,
+                 bool adjust, GroupRoads roads)
+    : m_ctx(ctx), m_calls(calls), m_report(report), m_caches(caches), m_page(page), m_dpi(dpi), m_adjust(adjust),
+      m_roads(std::move(roads)), m_unitSquare(RectGeometry(report, fz_unit_rect)) {}
 
 Painter::~Painter() {
     if (m_tile) {
@@ -79,10 +80,19 @@ Handle<GXGeometry> Painter::Dashes(const fz_path* path, const fz_stroke_state& s
     return CutIntoDashes(m_ctx, m_report, path, stroke, expansion > 0.0f ? 0.25f / expansion : 0.25f);
 }
 
+float Painter::PenWidth(const fz_stroke_state& stroke, const fz_matrix& ctm) const {
+    // The library's thinnest line is one device pixel; that of a device with eight times the resolution an eighth.
+    constexpr float kThinnest = 0.125f;
+    const float expansion = fz_matrix_expansion(ctm);
+    const float width = std::max(stroke.linewidth, 0.0f);
+    const bool thinnest = width == 0.0f && !m_adjust && expansion > 0.0f && std::isfinite(expansion);
+    return thinnest ? kThinnest / expansion : width;
+}
+
 void Painter::Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm,
                      GXBrush brush) {
     GXStrokeStyle style = StrokeStyle(stroke, 1.0f);
-    const float width = std::max(stroke.linewidth, 0.0f);
+    const float width = PenWidth(stroke, ctm);
     Current().SetMatrix(ctm);
     Handle<GXGeometry> pieces;
     if (HasDashes(stroke)) {
@@ -104,7 +114,7 @@ void Painter::Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_s
 }
 
 void Painter::StrokePath(const fz_path* path, const fz_stroke_state& stroke, const fz_matrix& ctm, const Paint& paint) {
-    const Handle<GXGeometry> geometry = PathGeometry(m_ctx, m_report, path, false);
+    const Handle<GXGeometry> geometry = PathToStroke(m_ctx, m_report, path, stroke);
     if (geometry)
         Stroke(path, geometry.Get(), stroke, ctm, Brush(paint));
 }
@@ -117,7 +127,8 @@ void Painter::ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stro
     const float scale = expansion > 0.0f && std::isfinite(expansion) ? 4.0f * expansion : 1.0f;
     const GXMatrix enlarge{scale, 0.0f, 0.0f, scale, 0.0f, 0.0f};
     // A line of no width is one page pixel wide.
-    const float width = stroke.linewidth > 0.0f ? stroke.linewidth * scale : 4.0f;
+    const float pen = PenWidth(stroke, ctm);
+    const float width = pen > 0.0f ? pen * scale : 4.0f;
     GXStrokeStyle style = StrokeStyle(stroke, scale);
     Handle<GXGeometry> pieces, large, outline;
     if (HasDashes(stroke) && style.dashCount == 0 && path) {
@@ -136,7 +147,7 @@ void Painter::ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stro
 }
 
 void Painter::ClipStrokePath(const fz_path* path, const fz_stroke_state& stroke, const fz_matrix& ctm) {
-    const Handle<GXGeometry> geometry = PathGeometry(m_ctx, m_report, path, false);
+    const Handle<GXGeometry> geometry = PathToStroke(m_ctx, m_report, path, stroke);
     ClipStroke(path, geometry.Get(), stroke, ctm);
 }
 

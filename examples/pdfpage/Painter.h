@@ -1,18 +1,22 @@
 // SPDX-License-Identifier: MIT
 // Draws the calls of a MuPDF device with the library. Matrices map to page pixels.
 //
-// Targets form a stack: a soft mask is drawn into a bitmap of its own between BeginMask and EndMask, then masks a layer
-// of the target below. Each clip, mask and group is one entry of the current surface's stack. The content of a tiling
-// pattern is recorded (Recorder) and replayed for each cell.
+// Surfaces form a stack: a soft mask is drawn on a bitmap of its own between BeginMask and EndMask, and so is a group
+// where GroupRoads says so, which is painted on the surface below at its end. Each other clip, mask and group is one
+// entry of the current surface's stack. The content of a tiling pattern is recorded (Recorder) and replayed for each
+// cell.
 #pragma once
 
 #include "Glyphs.h"
+#include "GroupRoads.h"
 #include "Images.h"
 #include "Paths.h"
+#include "Reduction.h"
 #include "Shadings.h"
 #include "Surface.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace PdfPage {
@@ -34,7 +38,9 @@ struct Paint {
 
 class Painter {
 public:
-    Painter(fz_context* ctx, const Gxr::Calls& calls, Report& report, Caches& caches, Surface& page, float dpi);
+    // `roads` are those of the list that will be drawn.
+    Painter(fz_context* ctx, const Gxr::Calls& calls, Report& report, Caches& caches, Surface& page, float dpi,
+            bool adjust, GroupRoads roads);
     ~Painter();
     Painter(const Painter&) = delete;
     Painter& operator=(const Painter&) = delete;
@@ -73,10 +79,20 @@ public:
 
     void SetDefaultColorspaces(fz_default_colorspaces* defaults);
 
+    // Paints the groups that a list which ended early left open.
+    void Finish();
+
 private:
-    struct MaskSurface {
+    // A surface above the page's.
+    struct Sheet {
+        enum class Kind { Mask, Group, Covered };
+        Kind kind = Kind::Group;
         std::unique_ptr<Surface> surface;
-        bool luminosity;
+        float opacity = 1.0f;
+        GXBlendMode blendMode = GXBlendModeNormal;
+        bool luminosity = false;       // of a mask
+        Span span;                     // of a mask: what it will cover
+        std::unique_ptr<Surface> mask; // of what a mask covers
     };
     struct Tile {
         fz_display_list* list = nullptr;
@@ -87,7 +103,7 @@ private:
         int nested = 0; // tiles begun inside the recording
     };
 
-    Surface& Current() const { return m_masks.empty() ? m_page : *m_masks.back().surface; }
+    Surface& Current() const { return m_sheets.empty() ? m_page : *m_sheets.back().surface; }
     GXRenderTarget Target() const { return Current().Target(); }
     fz_rect Visible() const; // the device's scissor inside the surface
 
@@ -98,10 +114,20 @@ private:
     void Stroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm,
                 GXBrush brush);
     void ClipStroke(const fz_path* path, GXGeometry geometry, const fz_stroke_state& stroke, const fz_matrix& ctm);
+    // In user space.
+    float PenWidth(const fz_stroke_state& stroke, const fz_matrix& ctm) const;
     Handle<GXGeometry> Dashes(const fz_path* path, const fz_stroke_state& stroke, const fz_matrix& ctm);
     void FillType3(const fz_text_span& span, const fz_matrix& ctm, const Paint& paint);
     fz_matrix ImageMatrix(const fz_matrix& ctm) const;
+    // Without adjustment, of an image that is drawn smaller and upright.
+    std::optional<Reduced> TrueReduction(GXBitmap image, const fz_matrix& matrix);
     void ReplayTile(Tile& tile);
+    Span NextSpan();
+    // Takes `sheet` unless it has to be a layer: it can't be seen, or too many are open.
+    bool OpenSheet(Sheet& sheet, const fz_rect& area, const fz_rect& content);
+    void PaintSheet();
+    // The end of a group or of what a mask covers.
+    void EndSpan(Sheet::Kind kind);
 
     fz_context* m_ctx;
     const Gxr::Calls& m_calls;
@@ -109,11 +135,16 @@ private:
     Caches& m_caches;
     Surface& m_page;
     float m_dpi;
+    bool m_adjust;
     fz_device* m_device = nullptr;
-    std::vector<MaskSurface> m_masks;
+    std::vector<Sheet> m_sheets;
+    double m_sheetPixels = 0.0;   // of open groups
+    double m_reducedPixels = 0.0; // read by TrueReduction
+    GroupRoads m_roads;
     std::unique_ptr<Tile> m_tile;
     fz_default_colorspaces* m_defaults = nullptr;
     int m_skippedMasks = 0;       // depth of begin_mask calls passed over
+    int m_skippedTiles = 0;       // depth of tiles in there
     bool m_hideAfterSkip = false; // the passed-over mask covers nothing: what it masks is hidden
     bool m_dashesSupported = true;
     int m_type3Depth = 0;

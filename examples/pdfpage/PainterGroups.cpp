@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 namespace PdfPage {
 namespace {
@@ -21,15 +22,72 @@ GXBlendMode BlendMode(int mode) {
 
 } // namespace
 
-void Painter::PopClip() { Current().Pop(); }
+Span Painter::NextSpan() { return m_type3Depth > 0 || m_skippedTiles > 0 ? Span{} : m_roads.Next(); }
 
-void Painter::BeginGroup(const fz_rect& area, bool isolated, bool knockout, int blendMode, float alpha) {
-    Current().PushGroup(area, std::clamp(alpha, 0.0f, 1.0f), isolated, knockout, BlendMode(blendMode));
+bool Painter::OpenSheet(Sheet& sheet, const fz_rect& area, const fz_rect& content) {
+    // A recording may hold 16 pages open, its own and those of masks among them.
+    constexpr double kMostPages = 12.0;
+    const fz_irect box = fz_irect_from_rect(fz_intersect_rect(fz_intersect_rect(area, content), Visible()));
+    const fz_irect& page = m_page.Area();
+    const double pixels = double{1} * fz_irect_width(box) * fz_irect_height(box);
+    if (fz_is_empty_irect(box) || m_sheetPixels + pixels > kMostPages * fz_irect_width(page) * fz_irect_height(page))
+        return false;
+    try {
+        sheet.surface = std::make_unique<Surface>(m_calls, m_report, box, GXPixelFormatPBGRA32, m_dpi, 0);
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+    m_sheets.push_back(std::move(sheet));
+    m_sheetPixels += pixels;
+    return true;
 }
 
-void Painter::EndGroup() { Current().Pop(); }
+void Painter::PaintSheet() {
+    const Sheet sheet = std::move(m_sheets.back());
+    m_sheets.pop_back();
+    const fz_irect& box = sheet.surface->Area();
+    m_sheetPixels -= double{1} * fz_irect_width(box) * fz_irect_height(box);
+    sheet.surface->Finish();
+    Current().Paint(*sheet.surface, sheet.opacity, sheet.blendMode, sheet.mask.get(), sheet.luminosity);
+}
+
+void Painter::EndSpan(Sheet::Kind kind) {
+    if (Current().HasOpenEntries() || m_sheets.empty() || m_sheets.back().kind != kind)
+        Current().Pop();
+    else
+        PaintSheet();
+}
+
+void Painter::Finish() {
+    while (!m_sheets.empty()) {
+        if (m_sheets.back().kind == Sheet::Kind::Mask)
+            m_sheets.pop_back(); // what it would cover never came
+        else
+            PaintSheet();
+    }
+}
+
+void Painter::PopClip() { EndSpan(Sheet::Kind::Covered); }
+
+void Painter::BeginGroup(const fz_rect& area, bool isolated, bool knockout, int blendMode, float alpha) {
+    const Span span = NextSpan();
+    if (Skipping())
+        return;
+    Sheet sheet;
+    sheet.opacity = std::clamp(alpha, 0.0f, 1.0f);
+    sheet.blendMode = BlendMode(blendMode);
+    if (span.road == Road::Plain)
+        return Current().PushNothing();
+    if (span.road == Road::State)
+        return Current().PushBlendMode(sheet.blendMode);
+    if (span.road == Road::Layer || !OpenSheet(sheet, area, span.bounds))
+        Current().PushGroup(area, sheet.opacity, isolated, knockout, sheet.blendMode);
+}
+
+void Painter::EndGroup() { EndSpan(Sheet::Kind::Group); }
 
 void Painter::BeginMask(const fz_rect& area, bool luminosity, const Paint& backdrop) {
+    const Span span = NextSpan();
     if (m_skippedMasks > 0) {
         ++m_skippedMasks;
         return;
@@ -51,8 +109,12 @@ void Painter::BeginMask(const fz_rect& area, bool luminosity, const Paint& backd
         clear = 0xFF000000u | channel(c.red) << 16 | channel(c.green) << 8 | channel(c.blue);
     }
     try {
-        m_masks.push_back(
-            {std::make_unique<Surface>(m_calls, m_report, box, GXPixelFormatPBGRA32, m_dpi, clear), luminosity});
+        Sheet sheet;
+        sheet.kind = Sheet::Kind::Mask;
+        sheet.surface = std::make_unique<Surface>(m_calls, m_report, box, GXPixelFormatPBGRA32, m_dpi, clear);
+        sheet.luminosity = luminosity;
+        sheet.span = span;
+        m_sheets.push_back(std::move(sheet));
     } catch (...) {
         m_skippedMasks = 1; // the calls stay balanced
         m_hideAfterSkip = false;
@@ -73,16 +135,31 @@ void Painter::EndMask() {
         }
         return;
     }
-    if (m_masks.empty())
+    if (m_sheets.empty() || m_sheets.back().kind != Sheet::Kind::Mask)
         return;
-    const MaskSurface mask = std::move(m_masks.back());
-    m_masks.pop_back();
+    Sheet mask = std::move(m_sheets.back());
+    m_sheets.pop_back();
     mask.surface->Finish();
-    Current().PushOpacityMask(*mask.surface, mask.luminosity);
+    const Span span = mask.span;
+    const fz_rect area = fz_rect_from_irect(mask.surface->Area());
+    if (span.road == Road::Bitmap) {
+        Sheet covered;
+        covered.kind = Sheet::Kind::Covered;
+        covered.luminosity = mask.luminosity;
+        covered.mask = std::move(mask.surface);
+        if (OpenSheet(covered, area, span.bounds))
+            return;
+        mask.surface = std::move(covered.mask);
+    }
+    Current().PushOpacityMask(*mask.surface, mask.luminosity, span.road != Road::State);
 }
 
 void Painter::BeginTile(const fz_rect& area, const fz_rect& view, float xStep, float yStep, const fz_matrix& ctm,
                         int id) {
+    if (Skipping()) {
+        ++m_skippedTiles;
+        return;
+    }
     if (m_tile) {
         ++m_tile->nested;
         Try(m_ctx, [&] { fz_begin_tile_id(m_ctx, m_tile->device, area, view, xStep, yStep, ctm, id); });
@@ -106,6 +183,10 @@ void Painter::BeginTile(const fz_rect& area, const fz_rect& view, float xStep, f
 }
 
 void Painter::EndTile() {
+    if (m_skippedTiles > 0) {
+        --m_skippedTiles;
+        return;
+    }
     if (!m_tile)
         return;
     if (m_tile->nested > 0) {
@@ -148,6 +229,10 @@ void Painter::ReplayTile(Tile& tile) {
         return m_report.Notice("a tiling pattern with too many cells was left out");
 
     const Handle<GXGeometry> cell = RectGeometry(m_report, tile.view);
+    // Groups may be cut off from a cell at the edge, so each cell is surveyed by itself.
+    GroupRoads roads = std::move(m_roads);
+    m_roads = {};
+    const bool grouped = !SurveyGroups(m_ctx, tile.list, fz_identity, fz_infinite_rect).empty();
     for (int y = firstY; y <= lastY; ++y)
         for (int x = firstX; x <= lastX; ++x) {
             const fz_matrix place =
@@ -155,13 +240,14 @@ void Painter::ReplayTile(Tile& tile) {
             const fz_rect box = fz_intersect_rect(visible, fz_expand_rect(fz_transform_rect(tile.view, place), 1.0f));
             if (fz_is_empty_rect(box))
                 continue;
+            const fz_matrix shift = fz_translate(place.e - tile.ctm.e, place.f - tile.ctm.f);
+            if (grouped)
+                m_roads = GroupRoads(SurveyGroups(m_ctx, tile.list, shift, box));
             Current().PushClip(cell.Get(), place);
-            Try(m_ctx, [&] {
-                fz_run_display_list(m_ctx, tile.list, m_device,
-                                    fz_translate(place.e - tile.ctm.e, place.f - tile.ctm.f), box, nullptr);
-            });
+            Try(m_ctx, [&] { fz_run_display_list(m_ctx, tile.list, m_device, shift, box, nullptr); });
             Current().Pop();
         }
+    m_roads = std::move(roads);
 }
 
 } // namespace PdfPage

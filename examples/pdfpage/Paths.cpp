@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <vector>
 
 namespace PdfPage {
@@ -12,6 +13,7 @@ namespace {
 struct Builder {
     GXGeometry geometry = nullptr;
     const fz_matrix* matrix = nullptr;
+    bool skipDots = false; // figures without extent are left out
     GXPoint start{};
     bool pending = false; // a moveto waits for a segment
     bool open = false;
@@ -28,6 +30,11 @@ struct Builder {
         if (open)
             Note(GXGeometryEndFigure(geometry));
         open = false;
+    }
+    // Whether a segment of these points, or the end of the figure, is to be left out.
+    bool IsDot(std::initializer_list<GXPoint> points) {
+        const auto atStart = [&](const GXPoint& p) { return p.x == start.x && p.y == start.y; };
+        return skipDots && !open && std::all_of(points.begin(), points.end(), atStart);
     }
     void NeedFigure() {
         if (open)
@@ -47,21 +54,25 @@ void MoveTo(fz_context*, void* arg, float x, float y) {
 
 void LineTo(fz_context*, void* arg, float x, float y) {
     auto& b = *static_cast<Builder*>(arg);
-    b.NeedFigure();
     const GXPoint p = b.Map(x, y);
+    if (b.IsDot({p}))
+        return;
+    b.NeedFigure();
     b.Note(GXGeometryLineTo(b.geometry, &p));
 }
 
 void CurveTo(fz_context*, void* arg, float x1, float y1, float x2, float y2, float x3, float y3) {
     auto& b = *static_cast<Builder*>(arg);
-    b.NeedFigure();
     const GXPoint c1 = b.Map(x1, y1), c2 = b.Map(x2, y2), p = b.Map(x3, y3);
+    if (b.IsDot({c1, c2, p}))
+        return;
+    b.NeedFigure();
     b.Note(GXGeometryCubicCurveTo(b.geometry, &c1, &c2, &p));
 }
 
 void ClosePath(fz_context*, void* arg) {
     auto& b = *static_cast<Builder*>(arg);
-    if (!b.open && !b.pending)
+    if ((!b.open && !b.pending) || b.IsDot({}))
         return;
     b.NeedFigure();
     b.Note(GXGeometryEndFigureClose(b.geometry));
@@ -183,25 +194,30 @@ void DashClosePath(fz_context*, void* arg) {
 
 } // namespace
 
-bool AppendPath(fz_context* ctx, const fz_path* path, const fz_matrix* matrix, GXGeometry geometry) {
+bool AppendPath(fz_context* ctx, const fz_path* path, const fz_matrix* matrix, GXGeometry geometry, bool skipDots) {
     static constexpr fz_path_walker kWalker{MoveTo, LineTo, CurveTo, ClosePath, nullptr, nullptr, nullptr, nullptr};
     Builder builder;
     builder.geometry = geometry;
     builder.matrix = matrix;
+    builder.skipDots = skipDots;
     Try(ctx, [&] { fz_walk_path(ctx, path, &kWalker, &builder); });
     builder.End();
     return !builder.failed;
 }
 
-Handle<GXGeometry> PathGeometry(fz_context* ctx, Report& report, const fz_path* path, bool evenOdd) {
+Handle<GXGeometry> PathGeometry(fz_context* ctx, Report& report, const fz_path* path, bool evenOdd, bool skipDots) {
     Handle<GXGeometry> geometry;
     if (!report.Check(GXCreateGeometry(geometry.Out()), "GXCreateGeometry"))
         return geometry;
     if (evenOdd)
         report.Check(GXGeometrySetFillRule(geometry.Get(), GXFillRuleEvenOdd), "GXGeometrySetFillRule");
-    report.Check(AppendPath(ctx, path, nullptr, geometry.Get()) ? GXResultSuccess : GXResultEngineError,
+    report.Check(AppendPath(ctx, path, nullptr, geometry.Get(), skipDots) ? GXResultSuccess : GXResultEngineError,
                  "building a path");
     return geometry;
+}
+
+Handle<GXGeometry> PathToStroke(fz_context* ctx, Report& report, const fz_path* path, const fz_stroke_state& stroke) {
+    return PathGeometry(ctx, report, path, false, stroke.start_cap == FZ_LINECAP_SQUARE);
 }
 
 Handle<GXGeometry> RectGeometry(Report& report, const fz_rect& rect) {

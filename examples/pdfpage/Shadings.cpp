@@ -198,6 +198,7 @@ Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_ma
         fz_keep_shade(m_ctx, shade);
     }
     result.gradient = found->second.Get();
+    result.sampledAtCorners = true;
     return result;
 }
 

@@ -27,6 +27,9 @@ public:
     struct Result {
         GXGradient gradient = nullptr;
         bool devicePixels = false;
+        // An axial or radial gradient: the library takes its colour at the left upper corner of a pixel. Triangles are
+        // sampled in its middle.
+        bool sampledAtCorners = false;
         // What to paint first, together with the gradient, which leaves it free; 0 where the gradient has it itself.
         uint32_t background = 0;
         Handle<GXGradient> owned; // a mesh is made for each use

@@ -14,7 +14,7 @@ Surface::Surface(const Gxr::Calls& calls, Report& report, const fz_irect& area, 
         !report.Check(m_calls.CreateRenderTargetBitmap(m_bitmap.Get(), m_target.Out()), "GXCreateRenderTargetBitmap") ||
         !report.Check(m_calls.BeginPaint(m_target.Get()), "GXRenderTargetBeginPaint") ||
         // A page starts without stroke adjustment, and the parser does not pass on a wish for it.
-        !report.Check(m_calls.SetStrokeAdjustment(m_target.Get(), 0), "GXRenderTargetSetStrokeAdjustment"))
+        !report.Check(m_calls.SetStrokeAdjustment(m_target.Get(), uint8_t{0}), "GXRenderTargetSetStrokeAdjustment"))
         throw std::runtime_error("the library can't make a bitmap of this size");
     report.Check(m_calls.Clear(m_target.Get(), clearArgb), "GXRenderTargetClear");
 }
@@ -73,21 +73,58 @@ void Surface::PushGroup(const fz_rect& area, float opacity, bool isolated, bool 
     entry.layer = BeginLayer(&area, opacity, isolated, knockout);
 }
 
-void Surface::PushOpacityMask(const Surface& mask, bool luminosity) {
+void Surface::PushBlendMode(GXBlendMode blendMode) {
     Entry& entry = m_entries.emplace_back();
     PushTo(entry);
+    m_report.Check(m_calls.SetBlendMode(Target(), blendMode), "GXRenderTargetSetBlendMode");
+}
+
+Handle<GXBrush> Surface::Show(const Surface& content, float opacity) {
     const GXBitmapBrushOptions options{GXInterpolationNearest, GXExtendClamp, GXExtendClamp};
     const GXMatrix place{
-        1.0f, 0.0f, 0.0f, 1.0f, static_cast<float>(mask.m_area.x0), static_cast<float>(mask.m_area.y0)};
+        1.0f, 0.0f, 0.0f, 1.0f, static_cast<float>(content.m_area.x0), static_cast<float>(content.m_area.y0)};
     Handle<GXBrush> brush;
     SetMatrix(fz_identity);
-    if (m_report.Check(m_calls.CreateBrushBitmap(mask.Bitmap(), 1.0f, &options, &place, brush.Out()),
-                       "GXCreateBrushBitmap"))
+    m_report.Check(m_calls.CreateBrushBitmap(content.Bitmap(), opacity, &options, &place, brush.Out()),
+                   "GXCreateBrushBitmap");
+    return brush;
+}
+
+void Surface::SetOpacityMask(const Surface& mask, bool luminosity) {
+    if (const Handle<GXBrush> brush = Show(mask, 1.0f))
         m_report.Check(
             m_calls.SetOpacityMask(Target(), luminosity ? GXMaskTypeLuminosity : GXMaskTypeAlpha, brush.Get()),
             "GXRenderTargetSetOpacityMask");
+}
+
+void Surface::PushOpacityMask(const Surface& mask, bool luminosity, bool asLayer) {
+    Entry& entry = m_entries.emplace_back();
+    PushTo(entry);
+    SetOpacityMask(mask, luminosity);
     const fz_rect area = fz_rect_from_irect(mask.m_area);
-    entry.layer = BeginLayer(&area, 1.0f, false, false);
+    if (asLayer) {
+        entry.layer = BeginLayer(&area, 1.0f, false, false);
+        return;
+    }
+    const GXRect box{area.x0, area.y0, area.x1, area.y1};
+    m_report.Check(m_calls.ClipRect(Target(), &box), "GXRenderTargetClipRect");
+}
+
+void Surface::Paint(const Surface& content, float opacity, GXBlendMode blendMode, const Surface* mask,
+                    bool luminosity) {
+    const Handle<GXBrush> brush = Show(content, opacity);
+    if (!brush)
+        return;
+    Entry& entry = m_entries.emplace_back();
+    PushTo(entry);
+    m_report.Check(m_calls.SetBlendMode(Target(), blendMode), "GXRenderTargetSetBlendMode");
+    if (mask)
+        SetOpacityMask(*mask, luminosity);
+    const fz_irect& area = content.m_area;
+    const GXRect box{static_cast<float>(area.x0), static_cast<float>(area.y0), static_cast<float>(area.x1),
+                     static_cast<float>(area.y1)};
+    m_report.Check(m_calls.FillRect(Target(), &box, brush.Get()), "GXRenderTargetFillRect");
+    Pop();
 }
 
 void Surface::Pop() {

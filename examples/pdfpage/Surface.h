@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A bitmap with its render target and a stack of clips and layers. Coordinates are device pixels of the page; a surface
-// that covers only a part of the page (a soft mask) subtracts its origin.
+// that covers only a part of the page (a soft mask, a group) subtracts its origin.
 #pragma once
 
 #include "Handle.h"
@@ -33,10 +33,16 @@ public:
     void PushClip(GXGeometry geometry, const fz_matrix& matrix);
     // The mask bitmap fills the unit square under `matrix`, nothing is drawn outside it.
     void PushShapeMask(GXGeometry unitSquare, GXBrush mask, const fz_matrix& matrix);
-    // `area` in page pixels. Without layers in the library the content goes straight to the target.
+    void PushBlendMode(GXBlendMode blendMode);
+    // A layer of the library. `area` in page pixels. Without layers the content goes straight to the target.
     void PushGroup(const fz_rect& area, float opacity, bool isolated, bool knockout, GXBlendMode blendMode);
-    void PushOpacityMask(const Surface& mask, bool luminosity);
+    // What follows is masked object by object, or as a whole in a layer. Nothing is drawn outside the mask.
+    void PushOpacityMask(const Surface& mask, bool luminosity, bool asLayer);
     void Pop();
+    bool HasOpenEntries() const noexcept { return !m_entries.empty(); }
+
+    // Paints a finished surface in its place, as one object; `mask` may be null.
+    void Paint(const Surface& content, float opacity, GXBlendMode blendMode, const Surface* mask, bool luminosity);
 
     // Paints what is left open and ends painting; the bitmap is then complete.
     void Finish();
@@ -53,6 +59,9 @@ private:
     };
 
     void PushTo(Entry& entry);
+    // A brush that shows the surface in its place, under the identity matrix.
+    Handle<GXBrush> Show(const Surface& content, float opacity);
+    void SetOpacityMask(const Surface& mask, bool luminosity);
     bool BeginLayer(const fz_rect* area, float opacity, bool isolated, bool knockout);
 
     const Gxr::Calls& m_calls;

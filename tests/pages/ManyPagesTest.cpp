@@ -82,10 +82,15 @@ TEST(PageJob, TravelsAsText) {
     PdfPage::PageJob other = job;
     other.limits.bytes += 1;
     EXPECT_NE(job.Key(), other.Key());
+    other = job;
+    other.adjust = false;
+    EXPECT_FALSE(PdfPage::PageJob::Unpacked(other.Packed()).adjust);
+    EXPECT_TRUE(back.adjust);
+    EXPECT_NE(job.Key(), other.Key());
     EXPECT_EQ(32u, job.Key().size());
     const std::string text = job.Packed();
     for (const std::string& bad :
-         {std::string(), std::string("pdfpage 2\n") + text.substr(10), text + "adjust 0\n", text + "page 0\n",
+         {std::string(), std::string("pdfpage 2\n") + text.substr(10), text + "colour 0\n", text + "page 0\n",
           text + "dpi nan\n", text + std::string(1, '\0'), std::string("pdfpage 1\nfile a\n")})
         EXPECT_THROW(PdfPage::PageJob::Unpacked(bad), Failure) << bad;
 }

@@ -49,6 +49,24 @@ void AddForms(std::vector<std::string>& objects, int depth, const std::string& c
 
 } // namespace
 
+void WritePage(const std::filesystem::path& path, int side, const std::string& content, const std::string& resources,
+               const std::string& entries, const std::vector<std::string>& objects) {
+    const std::string length = std::to_string(side);
+    std::vector<std::string> all{"<</Type/Catalog/Pages 2 0 R>>", "<</Type/Pages/Count 1/Kids[3 0 R]>>",
+                                 "<</Type/Page/Parent 2 0 R/MediaBox[0 0 " + length + " " + length + "]/Resources<<" +
+                                     resources + ">>/Contents 4 0 R" + entries + ">>",
+                                 Stream("", content)};
+    all.insert(all.end(), objects.begin(), objects.end());
+    Write(path, all);
+}
+
+std::string Form(int side, const std::string& content, const std::string& resources, const std::string& group) {
+    const std::string length = std::to_string(side);
+    return Stream("/Type/XObject/Subtype/Form/BBox[0 0 " + length + " " + length + "]/Resources<<" + resources + ">>" +
+                      (group.empty() ? "" : "/Group<</S/Transparency" + group + ">>"),
+                  content);
+}
+
 void WriteKillingFile(const std::filesystem::path& path) {
     std::vector<std::string> objects{"<</Type/Catalog/Pages 2 0 R>>",
                                      "<</Type/Pages/Count 3/Kids[3 0 R 4 0 R 5 0 R]>>",

@@ -1,8 +1,19 @@
 // SPDX-License-Identifier: MIT
-// PDF files that are bad for who draws them.
+// PDF files made for one test, and such as are bad for who draws them.
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
+
+// One page of `side` by `side` points; `entries` stand in the page, `resources` in its dictionary of these, and
+// `objects` are numbered from 5.
+void WritePage(const std::filesystem::path& path, int side, const std::string& content,
+               const std::string& resources = "", const std::string& entries = "",
+               const std::vector<std::string>& objects = {});
+// A transparency group to draw; `group` stands in its group dictionary, which is left out when empty.
+std::string Form(int side, const std::string& content, const std::string& resources = "",
+                 const std::string& group = "");
 
 // Three pages with a red square. The second one draws forms inside each other, of which the parser follows some
 // hundreds: under a stack of kSmallStack bytes it ends in a segmentation fault (it would up to 400 KB).

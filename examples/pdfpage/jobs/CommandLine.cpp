@@ -88,6 +88,8 @@ CommandLine CommandLine::Parse(const std::vector<std::string>& arguments) {
             line.worker = value();
         else if (argument == "--root")
             line.root = value();
+        else if (argument == "--no-adjust")
+            line.adjust = false;
         else if (argument == "--verbose")
             line.verbose = true;
         else if (argument.rfind("--", 0) == 0)
@@ -111,6 +113,8 @@ const char* CommandLine::Usage() noexcept {
            "       --max-memory M  megabytes that a page may take (also 512K, 2G)\n"
            "       --via, --worker, --root  through a Gearman job server, to workers that share the root folder\n"
            "more:  --threads N     draw one page by N threads, the same bytes\n"
+           "       --no-adjust     everything in its true place and size, no image on whole pixels, no hairline of "
+           "one\n"
            "       --time N        draw N times, print milliseconds of the library and of MuPDF\n"
            "       --peer x.png    write MuPDF's own rendering too\n"
            "       --record x.gxr  write the library calls of the page, for gxreplay\n"

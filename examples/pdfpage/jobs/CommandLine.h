@@ -15,6 +15,7 @@ struct CommandLine {
     std::vector<std::string> files;
     float dpi = 150.0f;
     Limits limits;
+    bool adjust = true;
     bool verbose = false;
 
     // One page of one file.

@@ -22,7 +22,7 @@ FilePointer Open(const PageJob& job, Descriptor input) {
 bool DrawInBands(const PageJob& job, Picture& picture, Report& report, unsigned threads) {
     Gxr::Recorder recorder;
     Document document(Open(job, Descriptor()), job.file, report, &recorder, Gxr::Calls::Drawing::Later);
-    Page page(document, job.page, job.dpi);
+    Page page(document, job.page, job.dpi, job.adjust);
     try {
         page.DrawInBands(&picture, recorder, threads);
         return true;
@@ -39,7 +39,7 @@ void DrawPage(const PageJob& job, Descriptor input, std::FILE* output, bool verb
     Picture picture;
     if (input || threads < 2 || !DrawInBands(job, picture, report, threads)) {
         Document document(Open(job, std::move(input)), job.file, report);
-        Page(document, job.page, job.dpi).Draw(&picture, nullptr);
+        Page(document, job.page, job.dpi, job.adjust).Draw(&picture, nullptr);
     }
     report.EndPage();
     if (!WritePng(output, picture.pixels.data(), picture.width, picture.height, picture.StrideBytes(), job.dpi))

@@ -56,7 +56,7 @@ private:
             return true;
         }
         try {
-            const PageJob job{m_survey.Files()[item.file], item.page, m_line.dpi, name, m_line.limits};
+            const PageJob job{m_survey.Files()[item.file], item.page, m_line.dpi, name, m_line.limits, m_line.adjust};
             auto picture = std::make_unique<NewFile>(m_folder, name);
             m_pool.Start(m_ticket, job.limits, [&]() -> std::string {
                 DrawPage(job, Descriptor(), picture->Stream(), m_line.verbose);
@@ -118,7 +118,7 @@ Outcome DrawAlone(const PageJob& job, std::FILE* stream, const CommandLine& line
 
 int DrawOnePage(const CommandLine& line) {
     const StopSignals signals;
-    PageJob job{line.files[0], line.page, line.dpi, line.picture, line.limits};
+    PageJob job{line.files[0], line.page, line.dpi, line.picture, line.limits, line.adjust};
     if (job.output.empty())
         job.output = PageNames(line.files).Of(0, line.page);
     std::error_code error;

@@ -35,7 +35,7 @@ int MeasurePage(const CommandLine& line) {
     Gxr::Recorder recorder;
     const bool record = !line.record.empty();
     Document document(line.files[0], report, record ? &recorder : nullptr);
-    Page page(document, line.page, line.dpi);
+    Page page(document, line.page, line.dpi, line.adjust);
     Picture picture;
     if (line.runs > 0) {
         // One run more than asked for: the first decodes images and loads glyphs, for both.

@@ -57,6 +57,8 @@ std::string PageJob::Packed() const {
         text += "seconds " + Exact(limits.seconds) + "\n";
     if (limits.bytes > 0)
         text += "bytes " + std::to_string(limits.bytes) + "\n";
+    if (!adjust)
+        text += "adjust 0\n";
     return text;
 }
 
@@ -82,6 +84,8 @@ PageJob PageJob::Unpacked(const std::string& text) {
             job.limits.seconds = Number(value, 0, 1e9, "time limit");
         else if (name == "bytes")
             job.limits.bytes = static_cast<uint64_t>(Number(value, 0, 1e18, "memory limit"));
+        else if (name == "adjust")
+            job.adjust = Number(value, 0, 1, "adjustment") != 0;
         else
             throw Failure("this version does not know '" + name + "', which the page asks for");
     }

@@ -23,6 +23,7 @@ struct PageJob {
     float dpi = 150.0f;
     std::string output;
     Limits limits;
+    bool adjust = true; // see Page
 
     // As lines of text, and back; bytes that are no such text, or ask for what this program does not know, throw
     // Failure.

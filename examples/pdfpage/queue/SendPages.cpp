@@ -103,7 +103,8 @@ private:
 
     PageJob JobOf(const Item& item) const {
         const std::string name = m_survey.Name(item);
-        return {m_files[item.file], item.page, m_line.dpi, m_place == "." ? name : m_place + "/" + name, m_line.limits};
+        return {m_files[item.file], item.page,    m_line.dpi, m_place == "." ? name : m_place + "/" + name,
+                m_line.limits,      m_line.adjust};
     }
 
     // As many as go in a moment.
