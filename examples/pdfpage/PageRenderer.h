@@ -5,6 +5,9 @@
 #include "Painter.h"
 #include "Report.h"
 
+#include "../../tools/gxr/Recording.h"
+
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -47,12 +50,15 @@ public:
 
     int PageCount() const noexcept { return m_pageCount; }
 
+    // From now on calls are noted for this recorder and not drawn; without one they are drawn.
+    void RecordInto(Gxr::Recorder* recorder);
+
 private:
     friend class Page;
 
     FilePointer m_file;
     Report& m_report;
-    const Gxr::Calls m_calls;
+    Gxr::Calls m_calls;
     fz_context* m_ctx = nullptr;
     fz_document* m_document = nullptr;
     int m_pageCount = 0;
@@ -64,9 +70,19 @@ class Page {
 public:
     // `number` counts from 1. Throws Failure when there is no such page or nothing of it can be read.
     Page(Document& document, int number, float dpi);
+    // To be shown before it is drawn.
+    Page(Document& document, int number);
     ~Page();
     Page(const Page&) = delete;
     Page& operator=(const Page&) = delete;
+
+    // In points.
+    fz_rect Bounds() const noexcept { return m_bounds; }
+    // From now on this area is drawn, in pixels of the page at `dpi`, the page's own corner at (0, 0). Drawing ends
+    // early, with something of no use, once `stop` is set.
+    void Show(float dpi, const fz_irect& area, const std::atomic<bool>* stop);
+    // The area as a recording. The document records into `recorder` alone. Throws Gxr::Error when it cannot be recorded.
+    Gxr::Recording Record(const Gxr::Recorder& recorder);
 
     // Draws on white. The picture is left alone when null. `milliseconds` is the time of the drawing calls alone.
     void Draw(Picture* picture, double* milliseconds);
@@ -81,9 +97,12 @@ private:
     void ReadBack(const Surface& surface, Picture* picture) const;
 
     Document& m_document;
-    float m_dpi;
+    float m_dpi = 72.0f;
+    fz_rect m_bounds{};
+    fz_rect m_scissor = fz_infinite_rect; // nothing outside needs to be drawn
     fz_irect m_box{};
     fz_matrix m_ctm{};
+    const std::atomic<bool>* m_stop = nullptr;
     fz_display_list* m_list = nullptr;
 };
 
