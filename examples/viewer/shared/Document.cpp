@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Document.h"
 
+#include "Reason.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <fstream>
 
 namespace Viewer {
 namespace {
@@ -15,19 +16,18 @@ namespace {
 // stretched.
 constexpr double kSharpPixels = 1U << 24;
 
-struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-Gxr::Recording Read(const std::wstring& path) {
-    const std::string name = Quoted(path);
-    const std::unique_ptr<std::FILE, Closer> file(_wfopen(path.c_str(), L"rb"));
+Gxr::Recording Read(const std::filesystem::path& path) {
+    const std::string name = "'" + Document::Text(path) + "'";
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
     if (!file)
         throw Gxr::Error("cannot open " + name + ": " + std::strerror(errno));
     Gxr::Bytes bytes, block(1U << 20);
-    while (const size_t got = std::fread(block.data(), 1, block.size(), file.get()))
-        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<ptrdiff_t>(got));
-    if (std::ferror(file.get()) != 0)
+    do {
+        file.read(reinterpret_cast<char*>(block.data()), static_cast<std::streamsize>(block.size()));
+        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<ptrdiff_t>(file.gcount()));
+    } while (file);
+    if (file.bad() || !file.eof())
         throw Gxr::Error("cannot read " + name);
     try {
         return Gxr::Recording(bytes);
@@ -38,17 +38,19 @@ Gxr::Recording Read(const std::wstring& path) {
 
 } // namespace
 
-Document::Document(const std::wstring& path)
-    : m_recording(Read(path)), m_player(m_recording), m_name(path.substr(path.find_last_of(L"/\\") + 1)) {}
+std::string Document::Text(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
 
-void Document::Draw(GXRenderTarget target, float zoom, float x, float y, const Gxr::Paper* paper) {
-    const auto play = [&](float scale) {
-        const float rest = zoom / scale;
-        const GXMatrix place{rest, 0, 0, rest, x, y};
-        if (GXRenderTargetSetCTM(target, &place) != GXResultSuccess)
-            throw Gxr::Error(WithReason("the page cannot be placed"));
+std::filesystem::path Document::Path(const std::string& text) { return std::u8string(text.begin(), text.end()); }
+
+Document::Document(const std::filesystem::path& path) : m_path(path), m_recording(Read(path)) {}
+
+void Document::AtZoom(float zoom, const std::function<void(float, float)>& play) {
+    const auto tell = [&](float scale) {
         try {
-            m_player.Play(target, scale, paper);
+            play(scale, zoom / scale);
         } catch (const Gxr::Error& error) {
             throw Gxr::Error(WithReason(error.what()));
         }
@@ -58,14 +60,45 @@ void Document::Draw(GXRenderTarget target, float zoom, float x, float y, const G
     const auto sharpest = static_cast<float>(std::sqrt(kSharpPixels / pixels));
     const float scale = m_pixelByPixel ? 1.0f : std::min(zoom, std::max(1.0f, sharpest));
     try {
-        play(scale);
+        tell(scale);
     } catch (const Gxr::Error&) {
         if (scale == 1.0f)
             throw;
         // Recordings that copy their own surfaces pixel by pixel play at scale 1 alone; the matrix does the rest.
-        play(1.0f);
+        tell(1.0f);
         m_pixelByPixel = true;
     }
+}
+
+void Document::Draw(GXRenderTarget target, float zoom, float x, float y, const Gxr::Paper* paper) {
+    if (!m_player)
+        m_player.emplace(m_recording);
+    AtZoom(zoom, [&](float scale, float rest) {
+        const GXMatrix place{rest, 0, 0, rest, x, y};
+        if (GXRenderTargetSetCTM(target, &place) != GXResultSuccess)
+            throw Gxr::Error("the page cannot be placed");
+        m_player->Play(target, scale, paper);
+    });
+}
+
+void Document::Draw(const Piece& piece, unsigned threads, const Gxr::StopFlag& stop) {
+    if (!m_banded)
+        m_banded.emplace(m_recording, threads);
+    const Box part = piece.part.MovedBy(-piece.cell.left, -piece.cell.top);
+    const GXExtBufLayout layout{static_cast<float>(piece.cell.width), static_cast<float>(piece.cell.height),
+                                static_cast<float>(piece.strideBytes), 96, 96};
+    AtZoom(piece.zoom, [&](float scale, float rest) {
+        // Recordings need not fill their page.
+        for (int y = part.top; y < part.Bottom(); ++y) {
+            auto* const row = piece.pixels.get() + static_cast<size_t>(y) * piece.strideBytes;
+            std::memset(row + 4 * static_cast<ptrdiff_t>(part.left), 0xFF, 4 * static_cast<size_t>(part.width));
+        }
+        const Gxr::BandedPlayer::Part area{
+            {rest, 0, 0, rest, static_cast<float>(-piece.cell.left), static_cast<float>(-piece.cell.top)},
+            {part.left, part.top, part.Right(), part.Bottom()},
+            &stop};
+        m_banded->Play(piece.pixels.get(), GXPixelFormatPBGRA32, layout, scale, &area);
+    });
 }
 
 } // namespace Viewer

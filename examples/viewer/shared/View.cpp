@@ -7,22 +7,46 @@
 namespace Viewer {
 namespace {
 
-// As large as a bitmap of the page at this zoom.
-double Extent(double length, float zoom) { return std::max(1.0, std::ceil(length * static_cast<double>(zoom))); }
-
 // A page edge at `at` with the page's `extent` in a window of `client` pixels.
-double Held(double at, double extent, int client) {
+double Held(double at, int extent, int client) {
     if (extent <= client)
-        return std::floor((client - extent) / 2);
-    return std::clamp(at, client - extent, 0.0);
+        return std::floor((client - extent) / 2.0);
+    return std::clamp(at, static_cast<double>(client - extent), 0.0);
 }
+
+PageSize AtLeastAPixel(PageSize page) { return {std::max(1.0, page.width), std::max(1.0, page.height)}; }
 
 } // namespace
 
-void View::SetPage(uint32_t width, uint32_t height) {
-    m_pageWidth = std::max(1U, width);
-    m_pageHeight = std::max(1U, height);
+int Extent(double length, float zoom) noexcept {
+    return static_cast<int>(std::clamp(std::ceil(length * static_cast<double>(zoom) - 1e-3), 1.0, 1e9));
+}
+
+float FittingZoom(PageSize page, int width, int height) noexcept {
+    const auto zoom = static_cast<float>(std::min(width / page.width, height / page.height));
+    float held = std::clamp(zoom, View::kMinZoom, View::kMaxZoom);
+    // Rounding the zoom up would add a pixel that the window does not have.
+    while (held > View::kMinZoom && (Extent(page.width, held) > width || Extent(page.height, held) > height))
+        held = std::nextafter(held, 0.0f);
+    return held;
+}
+
+void View::SetPage(PageSize page) {
+    m_page = AtLeastAPixel(page);
     Fit();
+}
+
+void View::TurnTo(PageSize page, bool atBottom) {
+    m_page = AtLeastAPixel(page);
+    if (m_fitted)
+        Fit();
+    else
+        PanTo(m_left, atBottom ? -1e9 : 0.0);
+}
+
+void View::Correct(PageSize page) {
+    const bool atBottom = m_top < 0 && m_top + Extent(m_page.height, m_zoom) <= m_clientHeight;
+    TurnTo(page, atBottom);
 }
 
 void View::SetClient(int width, int height) {
@@ -36,12 +60,7 @@ void View::SetClient(int width, int height) {
 }
 
 void View::Fit() {
-    const double zoom = std::min(m_clientWidth / m_pageWidth, m_clientHeight / m_pageHeight);
-    m_zoom = std::clamp(static_cast<float>(zoom), kMinZoom, kMaxZoom);
-    // Rounding the zoom up would add a pixel that the window does not have.
-    while (m_zoom > kMinZoom &&
-           (Extent(m_pageWidth, m_zoom) > m_clientWidth || Extent(m_pageHeight, m_zoom) > m_clientHeight))
-        m_zoom = std::nextafter(m_zoom, 0.0f);
+    m_zoom = FittingZoom(m_page, m_clientWidth, m_clientHeight);
     m_fitted = true;
     PanTo(m_left, m_top);
 }
@@ -57,20 +76,15 @@ void View::ZoomTo(float zoom, double x, double y) {
 }
 
 void View::PanTo(double left, double top) {
-    m_left = Held(left, Extent(m_pageWidth, m_zoom), m_clientWidth);
-    m_top = Held(top, Extent(m_pageHeight, m_zoom), m_clientHeight);
+    m_left = Held(left, Extent(m_page.width, m_zoom), m_clientWidth);
+    m_top = Held(top, Extent(m_page.height, m_zoom), m_clientHeight);
 }
 
 Box View::Page() const noexcept {
-    return {static_cast<int>(std::lround(m_left)), static_cast<int>(std::lround(m_top)),
-            static_cast<int>(Extent(m_pageWidth, m_zoom)), static_cast<int>(Extent(m_pageHeight, m_zoom))};
+    return {static_cast<int>(std::lround(m_left)), static_cast<int>(std::lround(m_top)), Extent(m_page.width, m_zoom),
+            Extent(m_page.height, m_zoom)};
 }
 
-Box View::Visible() const noexcept {
-    const Box page = Page();
-    const int left = std::max(0, page.left), top = std::max(0, page.top);
-    return {left, top, std::min(m_clientWidth, page.left + page.width) - left,
-            std::min(m_clientHeight, page.top + page.height) - top};
-}
+Box View::Visible() const noexcept { return Common(Page(), {0, 0, m_clientWidth, m_clientHeight}); }
 
 } // namespace Viewer
