@@ -79,7 +79,7 @@ TEST(ViewerPdf, SmallPagesAreThePagesOfTheHost) {
 
 TEST(ViewerPdf, CellsHaveTheHostsBytesHoweverTheViewMoves) {
     for (const auto& [file, page] :
-         {std::pair("group_artwork.pdf", 0), std::pair("charts_dashed.pdf", 0), std::pair("images_masked.pdf", 0),
+         {std::pair("group_artwork.pdf", 0), std::pair("charts_dashed.pdf", 0), std::pair("images_1bit.pdf", 0),
           std::pair("text_type3_bitmap.pdf", 0), std::pair("softmask_luminosity.pdf", 0)}) {
         const PageSize size = SizeOf(file, page);
         Drawer drawer(Pdf(kCorpus / file, 3), [] {});

@@ -12,8 +12,8 @@ namespace {
 
 // The page that is looked at and the one that a thumbnail is made of.
 constexpr size_t kOpenPages = 2;
-// Recorded cells are kept up to this many bytes, and always the last one.
-constexpr size_t kCellBytes = size_t{96} << 20;
+// Recorded cells are kept up to this many bytes, and always the last one. Bitmaps are held once more by the player.
+constexpr size_t kCellBytes = size_t{64} << 20;
 constexpr size_t kCells = 32;
 
 void CheckStop(const Gxr::StopFlag& stop) {
@@ -74,24 +74,29 @@ PdfPages::Cell PdfPages::Prepare(const Piece& piece, const Gxr::StopFlag& stop) 
     PdfPage::Page& page = Opened(piece.page);
     page.Show(kDpi * piece.zoom, {piece.cell.left, piece.cell.top, piece.cell.Right(), piece.cell.Bottom()}, &stop);
     Cell cell{piece.page, piece.zoom, piece.cell, nullptr, nullptr, {}};
-    Gxr::Recorder recorder;
-    m_document.RecordInto(&recorder);
     try {
-        cell.recording = std::make_unique<Gxr::Recording>(page.Record(recorder));
+        cell.recording = std::make_unique<Gxr::Recording>(Record(page));
         CheckStop(stop);
         cell.player = std::make_unique<Gxr::BandedPlayer>(*cell.recording, m_threads);
-        m_document.RecordInto(nullptr);
     } catch (const Gxr::Error&) { // what cannot be recorded is drawn by one thread
-        m_document.RecordInto(nullptr);
         CheckStop(stop);
         cell.recording.reset();
         page.Draw(&cell.picture, nullptr);
-    } catch (...) {
-        m_document.RecordInto(nullptr);
-        throw;
     }
     CheckStop(stop);
     return cell;
+}
+
+// The recorder, which holds copies of all bitmaps, is gone before they are made for the player.
+Gxr::Recording PdfPages::Record(PdfPage::Page& page) {
+    struct Restored {
+        PdfPage::Document& document;
+        ~Restored() { document.RecordInto(nullptr); }
+    };
+    Gxr::Recorder recorder;
+    const Restored after{m_document};
+    m_document.RecordInto(&recorder);
+    return page.Record(recorder);
 }
 
 void PdfPages::Draw(const Piece& piece, const Gxr::StopFlag& stop) {

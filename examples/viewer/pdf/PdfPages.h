@@ -48,6 +48,7 @@ private:
 
     PdfPage::Page& Opened(int page);
     const Cell& Prepared(const Piece& piece, const Gxr::StopFlag& stop);
+    Gxr::Recording Record(PdfPage::Page& page);
     Cell Prepare(const Piece& piece, const Gxr::StopFlag& stop);
 
     const unsigned m_threads;
