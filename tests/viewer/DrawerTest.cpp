@@ -176,6 +176,29 @@ TEST(ViewerDrawerThread, ANewerViewStopsAStaleOneAndAPanDoesNot) {
     begins(began + 1);
 }
 
+// Fronts tell their wish after every event, and news are events.
+TEST(ViewerDrawerThread, TheSameWishAgainIsNoNews) {
+    Obedient::Hands hands;
+    hands.wait = false;
+    std::atomic<int> news{0};
+    Drawer drawer([&] { return std::make_unique<Obedient>(hands); }, [&] { ++news; });
+    Drawer::Wanted wanted = WantedOf(0, {1000, 1000}, 1.0f, {0, 0, 300, 300});
+    drawer.Want(wanted);
+    Settle(drawer, true);
+    for (int i = 0; i < 20; ++i) {
+        drawer.Want(wanted);
+        EXPECT_TRUE(drawer.GetStatus().complete && drawer.GetStatus().thumbsComplete);
+    }
+    wanted.thumbsTo = 1;
+    const int before = news;
+    drawer.Want(wanted);
+    EXPECT_FALSE(drawer.GetStatus().thumbsComplete && !drawer.GetThumb(0));
+    Settle(drawer, true);
+    while (news < before + 3) // the page, the thumbnail, the end
+        std::this_thread::yield();
+    EXPECT_EQ(news, before + 3);
+}
+
 TEST(ViewerDrawerThread, FailuresAreThoseOfTheirPageAlone) {
     Obedient::Hands hands;
     hands.wait = false;

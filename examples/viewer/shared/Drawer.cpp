@@ -30,6 +30,8 @@ Drawer::~Drawer() {
 void Drawer::Want(const Wanted& wanted) {
     {
         const std::lock_guard lock(m_mutex);
+        if (m_wanted && *m_wanted == wanted)
+            return;
         if (m_status.opened && (!m_wanted || m_wanted->page != wanted.page)) {
             m_status.size.reset();
             m_status.failure.clear();

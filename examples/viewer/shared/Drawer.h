@@ -23,6 +23,7 @@ public:
         float zoom = 1.0f;
         Box extent, visible; // as in Cells
         int thumbsFrom = 0, thumbsTo = 0;
+        bool operator==(const Wanted&) const = default;
     };
     struct Status {
         bool opened = false;
@@ -46,6 +47,7 @@ public:
     Drawer(const Drawer&) = delete;
     Drawer& operator=(const Drawer&) = delete;
 
+    // The same wish again changes nothing.
     void Want(const Wanted& wanted);
     Status GetStatus() const;
     Counts GetCounts() const;
