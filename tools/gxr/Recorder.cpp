@@ -288,6 +288,9 @@ uint64_t Recorder::NumberOfPixels(GXBitmap bitmap) {
             out.U32(colors[i]);
         paletteNumber = Store(ObjectKind::Palette, ObjectKind::Palette, out);
     }
+    const uint64_t pixelBytes = RowBytes(format, size.width) * size.height;
+    if (pixelBytes > m_pixelBytesLeft)
+        throw Error("cannot be recorded: its bitmaps are too large");
     ByteWriter out;
     out.U32(size.width);
     out.U32(size.height);
@@ -296,7 +299,11 @@ uint64_t Recorder::NumberOfPixels(GXBitmap bitmap) {
     out.F32(dpiY);
     out.Count(paletteNumber);
     ForRows(bitmap, [&](const uint8_t* row, size_t bytes) { out.Raw(row, bytes); });
-    return Store(ObjectKind::Bitmap, ObjectKind::Bitmap, out);
+    const size_t before = m_objects.Get().size();
+    const uint64_t number = Store(ObjectKind::Bitmap, ObjectKind::Bitmap, out);
+    if (m_objects.Get().size() != before)
+        m_pixelBytesLeft -= pixelBytes;
+    return number;
 }
 
 uint64_t Recorder::Reference(GXBitmap bitmap) {

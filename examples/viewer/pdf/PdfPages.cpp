@@ -15,6 +15,8 @@ constexpr size_t kOpenPages = 2;
 // Recorded cells are kept up to this many bytes, and always the last one. Bitmaps are held once more by the player.
 constexpr size_t kCellBytes = size_t{64} << 20;
 constexpr size_t kCells = 32;
+// A cell with larger bitmaps is drawn as it is by one thread, which copies none.
+constexpr uint64_t kRecordedPixelBytes = uint64_t{48} << 20;
 
 void CheckStop(const Gxr::StopFlag& stop) {
     if (stop)
@@ -74,6 +76,11 @@ PdfPages::Cell PdfPages::Prepare(const Piece& piece, const Gxr::StopFlag& stop) 
     PdfPage::Page& page = Opened(piece.page);
     page.Show(kDpi * piece.zoom, {piece.cell.left, piece.cell.top, piece.cell.Right(), piece.cell.Bottom()}, &stop);
     Cell cell{piece.page, piece.zoom, piece.cell, nullptr, nullptr, {}};
+    if (piece.page == m_direct) {
+        page.Draw(&cell.picture, nullptr);
+        CheckStop(stop);
+        return cell;
+    }
     try {
         cell.recording = std::make_unique<Gxr::Recording>(Record(page));
         CheckStop(stop);
@@ -81,6 +88,7 @@ PdfPages::Cell PdfPages::Prepare(const Piece& piece, const Gxr::StopFlag& stop) 
     } catch (const Gxr::Error&) { // what cannot be recorded is drawn by one thread
         CheckStop(stop);
         cell.recording.reset();
+        m_direct = piece.page;
         page.Draw(&cell.picture, nullptr);
     }
     CheckStop(stop);
@@ -93,7 +101,7 @@ Gxr::Recording PdfPages::Record(PdfPage::Page& page) {
         PdfPage::Document& document;
         ~Restored() { document.RecordInto(nullptr); }
     };
-    Gxr::Recorder recorder;
+    Gxr::Recorder recorder(kRecordedPixelBytes);
     const Restored after{m_document};
     m_document.RecordInto(&recorder);
     return page.Record(recorder);

@@ -57,6 +57,7 @@ private:
     PdfPage::Document m_document;
     std::list<OpenPage> m_pages; // as lists of drawing commands; the ones used last come first
     std::list<Cell> m_cells;     // the same order
+    int m_direct = -1;           // the page that could not be recorded last
 };
 
 } // namespace Viewer
