@@ -289,8 +289,9 @@ uint64_t Recorder::NumberOfPixels(GXBitmap bitmap) {
         paletteNumber = Store(ObjectKind::Palette, ObjectKind::Palette, out);
     }
     const uint64_t pixelBytes = RowBytes(format, size.width) * size.height;
-    if (pixelBytes > m_pixelBytesLeft)
-        throw Error("cannot be recorded: its bitmaps are too large");
+    constexpr const char* kTooLarge = "cannot be recorded: its bitmaps are too large";
+    if (pixelBytes > m_mostPixelBytes)
+        throw Error(kTooLarge); // before a copy is made
     ByteWriter out;
     out.U32(size.width);
     out.U32(size.height);
@@ -302,7 +303,9 @@ uint64_t Recorder::NumberOfPixels(GXBitmap bitmap) {
     const size_t before = m_objects.Get().size();
     const uint64_t number = Store(ObjectKind::Bitmap, ObjectKind::Bitmap, out);
     if (m_objects.Get().size() != before)
-        m_pixelBytesLeft -= pixelBytes;
+        m_pixelBytes += pixelBytes;
+    if (m_pixelBytes > m_mostPixelBytes)
+        throw Error(kTooLarge);
     return number;
 }
 
