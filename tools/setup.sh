@@ -7,11 +7,15 @@ GX_PACKAGES=(
     libgtest-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev libboost-dev zlib1g-dev
     libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev mupdf-tools
 )
+# The viewer's window, beside what pdfpage needs.
+GX_VIEWER_PACKAGES=(libsdl2-dev)
 GX_TEST_PACKAGES=(
+    "${GX_VIEWER_PACKAGES[@]}"
     fonts-liberation clang-14 clang-format-14 libpolyclipping-dev pngcheck libtiff-tools libjpeg-turbo-progs imagemagick
     python3-dev python3-setuptools python3-wheel python3-pip python3-cffi python3-numpy python3-pil python3-pytest
     gearman-job-server libgearman-dev
-    doxygen libcairo2-dev libsdl2-dev libwebp-dev
+    doxygen libcairo2-dev libwebp-dev
+    xvfb xdotool
 )
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
 GX_WINDOWS_PACKAGES=(

@@ -8,7 +8,18 @@ namespace {
 struct GxDevice {
     fz_device super;
     Painter* painter;
+    const std::atomic<bool>* stop;
+    fz_cookie* cookie;
 };
+
+// MuPDF's own flag is no atomic: it is set here, on the thread that reads it.
+bool Stops(fz_device* dev) noexcept {
+    const GxDevice& device = *reinterpret_cast<GxDevice*>(dev);
+    if (!device.stop || !device.stop->load(std::memory_order_relaxed))
+        return false;
+    device.cookie->abort = 1;
+    return true;
+}
 
 Painter& Of(fz_device* dev) { return *reinterpret_cast<GxDevice*>(dev)->painter; }
 
@@ -17,7 +28,7 @@ Painter& Of(fz_device* dev) { return *reinterpret_cast<GxDevice*>(dev)->painter;
 template <class Draw, class Record>
 void Dispatch(fz_context* ctx, fz_device* dev, Draw&& draw, Record&& record) noexcept {
     Painter& painter = Of(dev);
-    if (painter.Skipping())
+    if (painter.Skipping() || Stops(dev))
         return;
     if (fz_device* recorder = painter.Recorder()) {
         Try(ctx, [&] { record(recorder); });
@@ -33,6 +44,8 @@ void Dispatch(fz_context* ctx, fz_device* dev, Draw&& draw, Record&& record) noe
 // For the calls that the painter has to see in any case.
 template <class Draw> void Always(fz_device* dev, Draw&& draw) noexcept {
     Painter& painter = Of(dev);
+    if (Stops(dev))
+        return;
     try {
         draw(painter);
     } catch (...) {
@@ -188,11 +201,13 @@ void SetDefaultColorspaces(fz_context* ctx, fz_device* dev, fz_default_colorspac
 
 } // namespace
 
-fz_device* NewGxDevice(fz_context* ctx, Painter& painter) {
+fz_device* NewGxDevice(fz_context* ctx, Painter& painter, const std::atomic<bool>* stop, fz_cookie* cookie) {
     GxDevice* device = nullptr;
     if (!Try(ctx, [&] { device = fz_new_derived_device(ctx, GxDevice); }))
         return nullptr;
     device->painter = &painter;
+    device->stop = stop;
+    device->cookie = cookie;
     fz_device& d = device->super;
     d.fill_path = FillPath;
     d.stroke_path = StrokePath;

@@ -90,34 +90,53 @@ Document::~Document() {
     fz_drop_context(m_ctx);
 }
 
-Page::Page(Document& document, int number, float dpi, bool adjust)
-    : m_document(document), m_dpi(dpi), m_adjust(adjust) {
+void Document::RecordInto(Gxr::Recorder* recorder) {
+    m_calls = Gxr::Calls(recorder, recorder ? Gxr::Calls::Drawing::Later : Gxr::Calls::Drawing::Now);
+    // A recorder knows the gradients that it has seen being made.
+    m_caches->shadings.Clear();
+}
+
+Page::Page(Document& document, int number) : m_document(document) {
     const std::string which = "page " + std::to_string(number);
     if (number < 1 || number > document.m_pageCount)
         throw Failure(which + " does not exist, the file has " + std::to_string(document.m_pageCount) +
                       (document.m_pageCount == 1 ? " page" : " pages"));
     fz_context* const ctx = document.m_ctx;
     fz_page* page = nullptr;
-    fz_rect bounds{};
     const bool loaded = Try(ctx, [&] {
         page = fz_load_page(ctx, document.m_document, number - 1);
-        bounds = fz_bound_page(ctx, page);
+        m_bounds = fz_bound_page(ctx, page);
         m_list = fz_new_display_list_from_page(ctx, page);
     });
     fz_drop_page(ctx, page);
     if (!loaded)
         throw Failure("cannot read " + which + ": " + fz_caught_message(ctx));
+}
 
+Page::Page(Document& document, int number, float dpi, bool adjust) : Page(document, number) {
+    m_adjust = adjust;
+    const fz_irect box = fz_round_rect(fz_transform_rect(m_bounds, fz_scale(dpi / 72.0f, dpi / 72.0f)));
+    const int64_t width = int64_t{box.x1} - box.x0, height = int64_t{box.y1} - box.y0;
+    if (width < 1 || height < 1 || width > kMaxSide || height > kMaxSide || width * height > kMaxPixels)
+        throw Failure("page " + std::to_string(number) + " would be " + std::to_string(width) + " x " +
+                      std::to_string(height) + " pixels");
+    Place(dpi, {0, 0, static_cast<int>(width), static_cast<int>(height)}, fz_infinite_rect);
+}
+
+void Page::Place(float dpi, const fz_irect& area, const fz_rect& scissor) {
     const fz_matrix scale = fz_scale(dpi / 72.0f, dpi / 72.0f);
-    m_box = fz_round_rect(fz_transform_rect(bounds, scale));
-    const int64_t width = int64_t{m_box.x1} - m_box.x0, height = int64_t{m_box.y1} - m_box.y0;
-    if (width < 1 || height < 1 || width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
-        fz_drop_display_list(ctx, m_list);
-        throw Failure(which + " would be " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
-    }
-    m_ctm = fz_concat(scale, fz_translate(static_cast<float>(-m_box.x0), static_cast<float>(-m_box.y0)));
-    m_box = {0, 0, static_cast<int>(width), static_cast<int>(height)};
-    m_groups = SurveyGroups(ctx, m_list, m_ctm, fz_infinite_rect);
+    const fz_irect corner = fz_round_rect(fz_transform_rect(m_bounds, scale));
+    m_dpi = dpi;
+    m_ctm = fz_concat(scale, fz_translate(static_cast<float>(-corner.x0), static_cast<float>(-corner.y0)));
+    m_box = area;
+    m_scissor = scissor;
+    m_groups = SurveyGroups(m_document.m_ctx, m_list, m_ctm, m_scissor);
+}
+
+void Page::Show(float dpi, const fz_irect& area, const std::atomic<bool>* stop) {
+    // Lines thinner than a pixel and what snapping moves reach a little beyond the boxes of the list.
+    Place(dpi, area, fz_expand_rect(fz_rect_from_irect(area), 8.0f));
+    m_stop = stop;
 }
 
 Page::~Page() {
@@ -131,11 +150,12 @@ void Page::DrawOn(Surface& surface) {
     {
         Painter painter(ctx, m_document.m_calls, report, *m_document.m_caches, surface, m_dpi, m_adjust,
                         GroupRoads(m_groups));
-        fz_device* const device = NewGxDevice(ctx, painter);
+        fz_cookie cookie{};
+        fz_device* const device = NewGxDevice(ctx, painter, m_stop, &cookie);
         if (!device)
             throw Failure("out of memory");
         if (!Try(ctx, [&] {
-                fz_run_display_list(ctx, m_list, device, m_ctm, fz_infinite_rect, nullptr);
+                fz_run_display_list(ctx, m_list, device, m_ctm, m_scissor, m_stop ? &cookie : nullptr);
                 fz_close_device(ctx, device);
             }))
             report.Notice("the page could be drawn in part only");
@@ -171,6 +191,12 @@ void Page::Draw(Picture* picture, double* milliseconds) {
     } catch (const std::bad_alloc&) {
         throw Failure("out of memory");
     }
+}
+
+Gxr::Recording Page::Record(const Gxr::Recorder& recorder) {
+    Surface surface(m_document.m_calls, m_document.m_report, m_box, GXPixelFormatPBGRA32, m_dpi, 0xFFFFFFFFu);
+    DrawOn(surface);
+    return Gxr::Recording::FromBody(recorder.Body());
 }
 
 void Page::DrawInBands(Picture* picture, const Gxr::Recorder& recorder, unsigned threads) {

@@ -5,6 +5,9 @@
 #include "Painter.h"
 #include "Report.h"
 
+#include "../../tools/gxr/Recording.h"
+
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -53,12 +56,15 @@ public:
 
     int PageCount() const noexcept { return m_pageCount; }
 
+    // From now on calls are noted for this recorder and not drawn; without one they are drawn.
+    void RecordInto(Gxr::Recorder* recorder);
+
 private:
     friend class Page;
 
     FilePointer m_file;
     Report& m_report;
-    const Gxr::Calls m_calls;
+    Gxr::Calls m_calls;
     fz_context* m_ctx = nullptr;
     fz_document* m_document = nullptr;
     int m_pageCount = 0;
@@ -72,17 +78,26 @@ public:
     // Without `adjust` everything has the place and size that the file says: images are not widened to whole pixels, and
     // the thinnest line is one eighth of a pixel, which is what the samples of a pixel can show.
     Page(Document& document, int number, float dpi, bool adjust = true);
+    // To be shown before it is drawn.
+    Page(Document& document, int number);
     ~Page();
     Page(const Page&) = delete;
     Page& operator=(const Page&) = delete;
+
+    // In points.
+    fz_rect Bounds() const noexcept { return m_bounds; }
+    // From now on this area is drawn, in pixels of the page at `dpi`, the page's own corner at (0, 0). Drawing ends
+    // early, with something of no use, once `stop` is set.
+    void Show(float dpi, const fz_irect& area, const std::atomic<bool>* stop);
+    // The area as a recording. The document records into `recorder` alone. Throws Gxr::Error when it cannot be recorded.
+    Gxr::Recording Record(const Gxr::Recorder& recorder);
 
     // Draws on white. The picture is left alone when null. `milliseconds` is the time of the drawing calls alone.
     void Draw(Picture* picture, double* milliseconds);
     // Draws on white by `threads` threads at a time, the same bytes. The document draws later, and `recorder` is its
     // own. Throws Gxr::Error when the page cannot be recorded.
     void DrawInBands(Picture* picture, const Gxr::Recorder& recorder, unsigned threads);
-    // MuPDF draws in RGB: it takes the first channel for red in blends of whole colours, whatever the device has there.
-    // With `timeClear` the time is that of making the page white, too, as it is in a recording.
+    // In RGB, as mutool draws. With `timeClear` the time is that of making the page white, too, as it is in a recording.
     void DrawWithPeer(Picture* picture, double* milliseconds, bool timeClear = false);
     // What the page should look like: drawn by MuPDF at `factor` times the resolution, `factor` times `factor` pixels
     // averaged to one. In bands, so that memory is that of a band.
@@ -91,12 +106,16 @@ public:
 private:
     void DrawOn(Surface& surface);
     void ReadBack(const Surface& surface, Picture* picture) const;
+    void Place(float dpi, const fz_irect& area, const fz_rect& scissor);
 
     Document& m_document;
-    float m_dpi;
-    bool m_adjust;
+    bool m_adjust = true;
+    float m_dpi = 72.0f;
+    fz_rect m_bounds{};
+    fz_rect m_scissor = fz_infinite_rect; // nothing outside needs to be drawn
     fz_irect m_box{};
     fz_matrix m_ctm{};
+    const std::atomic<bool>* m_stop = nullptr;
     fz_display_list* m_list = nullptr;
     std::vector<Span> m_groups;
 };

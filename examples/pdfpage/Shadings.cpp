@@ -171,9 +171,10 @@ bool OneCircleInsideTheOther(const fz_shade& shade) {
 
 } // namespace
 
-Shadings::~Shadings() {
+void Shadings::Clear() {
     for (auto& entry : m_gradients)
         fz_drop_shade(m_ctx, entry.first);
+    m_gradients.clear();
 }
 
 Shadings::Result Shadings::Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,

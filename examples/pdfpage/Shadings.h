@@ -17,7 +17,7 @@ namespace PdfPage {
 class Shadings {
 public:
     Shadings(fz_context* ctx, const Gxr::Calls& calls) : m_ctx(ctx), m_calls(calls) {}
-    ~Shadings();
+    ~Shadings() { Clear(); }
     Shadings(const Shadings&) = delete;
     Shadings& operator=(const Shadings&) = delete;
 
@@ -36,6 +36,9 @@ public:
     };
     Result Gradient(Report& report, fz_shade* shade, const fz_matrix& matrix, const fz_rect& visible,
                     fz_color_params params);
+
+    // Forgets all gradients, so that they are made anew.
+    void Clear();
 
 private:
     Handle<GXGradient> AlongLine(Report& report, const fz_shade& shade, fz_color_params params);

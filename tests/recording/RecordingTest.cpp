@@ -316,4 +316,28 @@ TEST(RecordingFile, RefusesWhatItsSizeDoesNotPayFor) {
     EXPECT_NE(Refusal(newer).find("version 9"), std::string::npos);
 }
 
+// A host that has little memory: bitmaps beyond the limit make the page one that cannot be recorded; equal ones count once.
+TEST(RecorderLimit, CountsEachBitmapOnce) {
+    const GXBitmapDesc desc{20, 20, GXPixelFormatPBGRA32, 96, 96};
+    for (const uint64_t limit : {uint64_t{1599}, uint64_t{1600}}) {
+        Gxr::Recorder recorder(limit);
+        const Gxr::Calls calls(&recorder);
+        Handle<GXBitmap> page, picture;
+        Handle<GXRenderTarget> target;
+        ASSERT_EQ(GXCreateBitmap(&desc, page.Out()), GXResult{GXResultSuccess});
+        ASSERT_EQ(GXCreateBitmap(&desc, picture.Out()), GXResult{GXResultSuccess});
+        ASSERT_EQ(GXBitmapColorFill(picture.Get(), nullptr, 0xFF102030), GXResult{GXResultSuccess});
+        ASSERT_EQ(calls.CreateRenderTargetBitmap(page.Get(), target.Out()), GXResult{GXResultSuccess});
+        ASSERT_EQ(calls.BeginPaint(target.Get()), GXResult{GXResultSuccess});
+        for (int i = 0; i < 3; ++i)
+            ASSERT_EQ(calls.DrawBitmap(target.Get(), picture.Get(), nullptr, 1.0f, GXInterpolationNearest),
+                      GXResult{GXResultSuccess});
+        ASSERT_EQ(calls.EndPaint(target.Get()), GXResult{GXResultSuccess});
+        if (limit < 1600)
+            EXPECT_THROW(recorder.Body(), Gxr::Error);
+        else
+            EXPECT_NO_THROW(Gxr::Recording::FromBody(recorder.Body()));
+    }
+}
+
 } // namespace

@@ -13,7 +13,7 @@ namespace {
 View Of(uint32_t width, uint32_t height, int clientWidth, int clientHeight) {
     View view;
     view.SetClient(clientWidth, clientHeight);
-    view.SetPage(width, height);
+    view.SetPage({double(width), double(height)});
     return view;
 }
 

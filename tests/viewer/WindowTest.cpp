@@ -144,6 +144,20 @@ TEST_F(ViewerWindow, PagesWithMasksAndAnotherDocument) {
     ExpectThePage(kPages + "/page_tiny-1.gxr", window, "after a file that is not there");
 }
 
+TEST_F(ViewerWindow, RecordingsArePagesToBeTurned) {
+    MainWindow window({});
+    window.Open(std::vector<std::string>{kPages + "/page_tiny-1.gxr", kPages + "/text_clip-2.gxr"});
+    ShowWindow(window.Window(), SW_SHOWNOACTIVATE);
+    ExpectThePage(kPages + "/page_tiny-1.gxr", window, "the first");
+    SendMessageW(window.Window(), WM_KEYDOWN, VK_NEXT, 0);
+    EXPECT_EQ(window.Page(), 1);
+    ExpectThePage(kPages + "/text_clip-2.gxr", window, "the second");
+    SendMessageW(window.Window(), WM_CHAR, 'n', 0);
+    EXPECT_EQ(window.Page(), 1);
+    SendMessageW(window.Window(), WM_KEYDOWN, VK_HOME, 0);
+    ExpectThePage(kPages + "/page_tiny-1.gxr", window, "the first again");
+}
+
 // A file in order whose page the library refuses, found while painting.
 TEST_F(ViewerWindow, AFrameThatFailsEndsTheProgramWhereNobodyWatches) {
     Gxr::ByteWriter body;
@@ -184,7 +198,7 @@ TEST(ViewerDocument, FaultsAreToldInOneLineWithTheFile) {
         std::fwrite(bytes.data(), 1, bytes.size(), file);
         std::fclose(file);
         try {
-            Document document(name);
+            Document document{std::filesystem::path(name)};
             return "none";
         } catch (const Gxr::Error& error) {
             return error.what();

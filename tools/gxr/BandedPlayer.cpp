@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <exception>
 #include <numeric>
 #include <system_error>
@@ -25,6 +26,7 @@ struct BandedPlayer::Canvas {
     void* pixels;
     GXPixelFormat format;
     GXExtBufLayout layout;
+    GXMatrix matrix;
     float scale;
 };
 
@@ -32,15 +34,19 @@ struct BandedPlayer::Canvas {
 class BandedPlayer::Worker {
 public:
     Worker(const std::shared_ptr<const Objects>& objects, const Canvas& canvas)
-        : m_interpreter(objects), m_scale(canvas.scale) {
+        : m_interpreter(objects), m_matrix(canvas.matrix), m_scale(canvas.scale) {
         CheckResult(GXCreateRenderTargetExtBuf(canvas.pixels, canvas.format, &canvas.layout, m_target.Out()),
                     "GXCreateRenderTargetExtBuf");
     }
-    void Draw(const Band* band) { m_interpreter.Run(m_target.Get(), m_scale, nullptr, band); }
+    void Draw(const Band* band) {
+        CheckResult(GXRenderTargetSetCTM(m_target.Get(), &m_matrix), "GXRenderTargetSetCTM");
+        m_interpreter.Run(m_target.Get(), m_scale, nullptr, band);
+    }
 
 private:
     Interpreter m_interpreter;
     Handle<GXRenderTarget> m_target;
+    const GXMatrix m_matrix;
     const float m_scale;
 };
 
@@ -71,16 +77,35 @@ void BandedPlayer::Play(GXBitmap bitmap, float scale) {
     CheckResult(GXBitmapUnlock(bitmap), "GXBitmapUnlock");
 }
 
-void BandedPlayer::Play(void* pixels, GXPixelFormat format, const GXExtBufLayout& layout, float scale) {
-    const Canvas canvas{pixels, format, layout, scale};
+void BandedPlayer::Play(void* pixels, GXPixelFormat format, const GXExtBufLayout& layout, float scale,
+                        const Part* part) {
+    const Canvas canvas{pixels, format, layout, part != nullptr ? part->matrix : GXMatrix{1, 0, 0, 1, 0, 0}, scale};
     // Takes the layout only if it is right, and before anything is drawn.
     Worker own(m_objects, canvas);
-    Plan({static_cast<uint32_t>(layout.width), static_cast<uint32_t>(layout.height)}, scale);
+    const GXSize size{static_cast<uint32_t>(layout.width), static_cast<uint32_t>(layout.height)};
+    const auto width = static_cast<int32_t>(size.width), height = static_cast<int32_t>(size.height);
+    GXIntRect area{0, 0, width, height};
+    if (part != nullptr)
+        area = {std::max(part->area.left, 0), std::max(part->area.top, 0), std::min(part->area.right, width),
+                std::min(part->area.bottom, height)};
+    const StopFlag* const stop = part != nullptr ? part->stop : nullptr;
+    m_bands.clear();
+    if (area.left >= area.right || area.top >= area.bottom)
+        return;
+    Plan(size, canvas.matrix, scale, {area.top, area.bottom});
+    const auto band = [&](Rows rows) {
+        Band made = m_survey->BandOf(rows);
+        made.left = area.left;
+        made.right = area.right;
+        made.stop = stop;
+        return made;
+    };
     const bool aligned = reinterpret_cast<uintptr_t>(pixels) % 4 == 0 && static_cast<uint64_t>(layout.stride) % 4 == 0;
     if (!aligned || m_bands.size() == 1) {
         const double start = ThreadMilliseconds();
-        own.Draw(nullptr);
-        m_bands = {{{0, static_cast<int32_t>(m_size.height)}, 0, ThreadMilliseconds() - start}};
+        const Band whole = band({area.top, area.bottom});
+        own.Draw(part != nullptr ? &whole : nullptr);
+        m_bands = {{{area.top, area.bottom}, 0, ThreadMilliseconds() - start}};
         return;
     }
 
@@ -93,8 +118,8 @@ void BandedPlayer::Play(void* pixels, GXPixelFormat format, const GXExtBufLayout
                 const double start = ThreadMilliseconds();
                 if (worker == nullptr)
                     worker = &made.emplace(m_objects, canvas);
-                const Band band = m_survey->BandOf(m_bands[i].rows);
-                worker->Draw(&band);
+                const Band rows = band(m_bands[i].rows);
+                worker->Draw(&rows);
                 m_bands[i].thread = thread;
                 m_bands[i].milliseconds = ThreadMilliseconds() - start;
             }
@@ -120,40 +145,39 @@ void BandedPlayer::Play(void* pixels, GXPixelFormat format, const GXExtBufLayout
     Learn();
 }
 
-void BandedPlayer::Plan(GXSize size, float scale) {
-    if (!m_survey || size.width != m_size.width || size.height != m_size.height || scale != m_scale) {
+void BandedPlayer::Plan(GXSize size, const GXMatrix& matrix, float scale, Rows rows) {
+    if (!m_survey || size.width != m_size.width || size.height != m_size.height || scale != m_scale ||
+        std::memcmp(&matrix, &m_matrix, sizeof matrix) != 0) {
         Interpreter walk(m_objects);
         m_survey.reset();
-        m_survey.emplace(walk, *m_objects, size, GXMatrix{1, 0, 0, 1, 0, 0}, scale);
+        m_survey.emplace(walk, *m_objects, size, matrix, scale);
         m_size = size;
+        m_matrix = matrix;
         m_scale = scale;
         m_costs = m_survey->Costs();
     }
-    const size_t most = std::max<size_t>(size.height / kLeastRows, 1);
-    m_bands.clear();
+    const auto height = static_cast<uint32_t>(rows.bottom - rows.top);
+    const size_t most = std::max<size_t>(height / kLeastRows, 1);
     if (m_cut == Cut::Cost) {
-        CutByCost(m_threads == 1 ? 1 : std::min<size_t>(size_t{m_threads} * kBandsPerThread, most));
+        CutByCost(m_threads == 1 ? 1 : std::min<size_t>(size_t{m_threads} * kBandsPerThread, most), rows);
         return;
     }
     const size_t count = std::min<size_t>(m_threads, most);
+    const auto border = [&](size_t i) { return rows.top + static_cast<int32_t>(height * i / count); };
     for (size_t i = 0; i < count; ++i)
-        m_bands.push_back(
-            {{static_cast<int32_t>(size.height * i / count), static_cast<int32_t>(size.height * (i + 1) / count)},
-             0,
-             0.0});
+        m_bands.push_back({{border(i), border(i + 1)}, 0, 0.0});
 }
 
 // Every band gets its share of what is left, and rows enough for those below it to be left some.
-void BandedPlayer::CutByCost(size_t count) {
-    const auto height = static_cast<int32_t>(m_size.height);
-    double left = std::accumulate(m_costs.begin(), m_costs.end(), 0.0);
-    for (int32_t top = 0; top < height;) {
+void BandedPlayer::CutByCost(size_t count, Rows rows) {
+    double left = std::accumulate(m_costs.begin() + rows.top, m_costs.begin() + rows.bottom, 0.0);
+    for (int32_t top = rows.top; top < rows.bottom;) {
         const size_t after = count - m_bands.size() - 1;
         const double share = left / static_cast<double>(after + 1);
-        const int32_t last = height - static_cast<int32_t>(after * kLeastRows);
+        const int32_t last = rows.bottom - static_cast<int32_t>(after * kLeastRows);
         int32_t bottom = top;
         double cost = 0;
-        while (bottom < height &&
+        while (bottom < rows.bottom &&
                (after == 0 || (bottom < last && (bottom < top + static_cast<int32_t>(kLeastRows) || cost < share))))
             cost += m_costs[static_cast<size_t>(bottom++)];
         m_bands.push_back({{top, bottom}, 0, 0.0});

@@ -26,6 +26,15 @@ public:
         unsigned thread = 0;
         double milliseconds = 0.0; // of processor time
     };
+    // A part of the target: the page is placed by `matrix` (Player::Play), only `area` is drawn. Its rows may be any: the
+    // bytes are those that the same columns have when all of their rows are drawn. Bitmaps are sampled from the left
+    // edge of what is drawn on, by steps that are rounded, so the columns of `area` can change a sample.
+    // With `stop` set on the way, Play throws Stopped.
+    struct Part {
+        GXMatrix matrix{1, 0, 0, 1, 0, 0};
+        GXIntRect area{};
+        const StopFlag* stop = nullptr;
+    };
 
     // The recording outlives this object. From 1 thread on. Throws Error when the library refuses an object.
     BandedPlayer(const Recording& recording, unsigned threads, Cut cut = Cut::Cost);
@@ -35,7 +44,8 @@ public:
     // when all is drawn. Throw Error when a call fails. One thread at a time. Memory whose rows do not start at
     // multiples of four bytes is drawn by one thread: a target there works on a copy of all rows.
     void Play(GXBitmap bitmap, float scale = 1.0f);
-    void Play(void* pixels, GXPixelFormat format, const GXExtBufLayout& layout, float scale = 1.0f);
+    void Play(void* pixels, GXPixelFormat format, const GXExtBufLayout& layout, float scale = 1.0f,
+              const Part* part = nullptr);
 
     // Of the last drawing, top down.
     const std::vector<Drawn>& Bands() const noexcept { return m_bands; }
@@ -44,14 +54,15 @@ private:
     struct Canvas; // the memory that is drawn into
     class Worker;
 
-    void Plan(GXSize size, float scale);
-    void CutByCost(size_t count);
+    void Plan(GXSize size, const GXMatrix& matrix, float scale, Rows rows);
+    void CutByCost(size_t count, Rows rows);
     void Learn();
 
     std::shared_ptr<const Objects> m_objects;
     const unsigned m_threads;
     const Cut m_cut;
     GXSize m_size{}; // what the survey is of
+    GXMatrix m_matrix{};
     float m_scale = 0.0f;
     std::optional<PageSurvey> m_survey;
     std::vector<double> m_costs; // of rows, by the survey and by what was measured

@@ -261,6 +261,8 @@ void Interpreter::TargetCall(Op op, ByteReader& in, GXResult (*call)(GXRenderTar
         std::apply([&](const auto&... argument) { (seen.Add(argument), ...); }, arguments);
         m_watcher->OnCall(seen);
     }
+    if (m_band != nullptr && m_band->stop != nullptr && m_band->stop->load(std::memory_order_relaxed))
+        throw Stopped();
     const bool hidden = IsHidden(op, surface);
     ++m_calls;
     if (m_playing && !hidden) {
@@ -316,7 +318,10 @@ Rows Interpreter::RowsOf(const Surface& surface) const {
 // The matrix may have been set before painting began.
 void Interpreter::ClipToBand(const Surface& surface) {
     const Rows rows = RowsOf(surface);
-    const GXRect box{-1.0f, static_cast<float>(rows.top), static_cast<float>(2 * kMaxSide),
+    const bool isPage = &surface == m_surfaces.data();
+    const GXRect box{isPage ? static_cast<float>(m_band->left) : -1.0f, static_cast<float>(rows.top),
+                     isPage ? static_cast<float>(std::min(m_band->right, static_cast<int32_t>(2 * kMaxSide)))
+                            : static_cast<float>(2 * kMaxSide),
                      static_cast<float>(rows.bottom)};
     GXMatrix matrix;
     CheckResult(GXRenderTargetGetCTM(surface.target, &matrix), "GXRenderTargetGetCTM");
@@ -326,7 +331,8 @@ void Interpreter::ClipToBand(const Surface& surface) {
 }
 
 bool Interpreter::IsHidden(Op op, const Surface& surface) const {
-    return m_band != nullptr && HasPlace(op) && !(*m_band->calls)[m_calls].Meets(RowsOf(surface));
+    return m_band != nullptr && HasPlace(op) &&
+           !m_band->Meets(m_calls, static_cast<size_t>(&surface - m_surfaces.data()));
 }
 
 void Interpreter::Follow(Op op, Surface& surface) {

@@ -120,7 +120,7 @@ void PageSurvey::OnCall(const SeenCall& call) {
     if (IsClip(call.op))
         surface.state.clip = Common(surface.state.clip, box);
     box = Common(surface.state.clip, box);
-    m_calls.push_back(RowsOf(box, surface));
+    m_calls.push_back(TouchedBy(box, surface));
     Follow(call, surface);
 
     const double perPixel = PixelCost(call, surface.state);
@@ -343,6 +343,12 @@ Rows PageSurvey::RowsOf(const Box& box, const Surface& surface) {
     const double height = surface.height;
     return {static_cast<int32_t>(std::clamp(std::floor(box.top), 0.0, height)),
             static_cast<int32_t>(std::clamp(std::ceil(box.bottom), 0.0, height))};
+}
+
+Touched PageSurvey::TouchedBy(const Box& box, const Surface& surface) {
+    const double width = surface.width;
+    return {RowsOf(box, surface), static_cast<int32_t>(std::clamp(std::floor(box.left), 0.0, width)),
+            static_cast<int32_t>(std::clamp(std::ceil(box.right), 0.0, width))};
 }
 
 } // namespace Gxr

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Looks at all calls of a recording before it is drawn in bands: which rows each call can change, which rows of the
-// page's own surfaces a band of the page shows, and about what each row of the page costs.
+// Looks at all calls of a recording before it is drawn in bands: which rows and columns each call can change, which rows
+// of the page's own surfaces a band of the page shows, and about what each row of the page costs.
 //
 // Rows and boxes are in the pixels of the surface that is drawn on. What a call can change is never too small a guess:
 // calls outside of a band are left out there. Costs are in nanoseconds of one core, as good as a guess by kind and area
@@ -70,13 +70,14 @@ private:
     static Box Common(const Box& a, const Box& b);
     static bool Map(const GXRect& rect, const GXMatrix& matrix, double margin, Box* box);
     static Rows RowsOf(const Box& box, const Surface& surface);
+    static Touched TouchedBy(const Box& box, const Surface& surface);
 
     const Objects& m_objects;
     const float m_scale;
     std::vector<Surface> m_surfaces;
     std::vector<SurfaceBrush> m_brushes;
     std::vector<Use> m_uses;
-    std::vector<Rows> m_calls;
+    std::vector<Touched> m_calls;
     std::vector<double> m_costs; // while calls come: differences from row to row
 };
 

@@ -288,6 +288,10 @@ uint64_t Recorder::NumberOfPixels(GXBitmap bitmap) {
             out.U32(colors[i]);
         paletteNumber = Store(ObjectKind::Palette, ObjectKind::Palette, out);
     }
+    const uint64_t pixelBytes = RowBytes(format, size.width) * size.height;
+    constexpr const char* kTooLarge = "cannot be recorded: its bitmaps are too large";
+    if (pixelBytes > m_mostPixelBytes)
+        throw Error(kTooLarge); // before a copy is made
     ByteWriter out;
     out.U32(size.width);
     out.U32(size.height);
@@ -296,7 +300,13 @@ uint64_t Recorder::NumberOfPixels(GXBitmap bitmap) {
     out.F32(dpiY);
     out.Count(paletteNumber);
     ForRows(bitmap, [&](const uint8_t* row, size_t bytes) { out.Raw(row, bytes); });
-    return Store(ObjectKind::Bitmap, ObjectKind::Bitmap, out);
+    const size_t before = m_objects.Get().size();
+    const uint64_t number = Store(ObjectKind::Bitmap, ObjectKind::Bitmap, out);
+    if (m_objects.Get().size() != before)
+        m_pixelBytes += pixelBytes;
+    if (m_pixelBytes > m_mostPixelBytes)
+        throw Error(kTooLarge);
+    return number;
 }
 
 uint64_t Recorder::Reference(GXBitmap bitmap) {

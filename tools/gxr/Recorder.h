@@ -17,7 +17,8 @@ namespace Gxr {
 
 class Recorder {
 public:
-    Recorder() = default;
+    // What would take bitmaps of more than `mostPixelBytes` cannot be recorded: they are copied several times.
+    explicit Recorder(uint64_t mostPixelBytes = UINT64_MAX) : m_mostPixelBytes(mostPixelBytes) {}
     ~Recorder();
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
@@ -121,6 +122,8 @@ private:
     std::vector<void*> m_kept;
     ByteWriter m_page;
     uint64_t m_surfaceBrushCount = 0;
+    const uint64_t m_mostPixelBytes;
+    uint64_t m_pixelBytes = 0; // of the bitmaps that are stored
     uint32_t m_selected = 0;
     std::string m_failure;
 };

@@ -16,9 +16,8 @@ namespace Viewer {
 namespace {
 
 constexpr const wchar_t* kClass = L"GXViewer";
-constexpr double kZoomStep = 1.25;   // a notch of the wheel, a press of a key
-constexpr double kLine = 1.0 / 12;   // of the window: an arrow key
-constexpr double kScreen = 0.9;      // of the window: Page Up and Page Down
+constexpr double kLine = 1.0 / 12;   // of the window: an arrow of a scroll bar
+constexpr double kScreen = 0.9;      // of the window: between its arrows and its box
 constexpr UINT kFailed = WM_APP;     // a frame could not be drawn
 constexpr UINT kEnough = WM_APP + 1; // all frames that were asked for are drawn
 
@@ -79,7 +78,7 @@ MainWindow::MainWindow(const Options& options) : m_options(options) {
     }
     RECT client{};
     GetClientRect(m_window, &client);
-    m_view.SetClient(client.right, client.bottom);
+    m_reader.SetClient(client.right, client.bottom);
     Follow();
 }
 
@@ -89,13 +88,19 @@ MainWindow::~MainWindow() {
         DestroyWindow(m_window);
 }
 
-void MainWindow::Open(const std::wstring& path) {
-    auto document = std::make_unique<Document>(path);
-    m_canvas->Show(document.get());
-    m_document = std::move(document);
-    m_view.SetPage(m_document->Page().width, m_document->Page().height);
+void MainWindow::Open(const std::vector<std::string>& paths) {
+    std::vector<std::unique_ptr<Document>> documents;
+    for (const std::string& path : paths)
+        documents.push_back(std::make_unique<Document>(Document::Path(path)));
+    m_canvas->Show(m_shown = nullptr);
+    m_documents = std::move(documents);
+    m_reader.Open(static_cast<int>(m_documents.size()), m_documents.front()->Size());
+    m_reader.GoTo(m_options.page - 1);
+    m_reader.Correct(Shown()->Size());
     if (m_options.zoom > 0)
-        m_view.ZoomTo(m_options.zoom, 0, 0);
+        m_reader.GetView().ZoomTo(m_options.zoom, 0, 0);
+    if (m_options.placed)
+        m_reader.GetView().PanTo(-m_options.left, -m_options.top);
     Follow();
 }
 
@@ -144,7 +149,7 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_SIZE:
         if (wParam != SIZE_MINIMIZED) {
-            m_view.SetClient(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
+            m_reader.SetClient(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
             Follow();
         }
         return true;
@@ -162,7 +167,9 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         return Key(wParam);
     case WM_CHAR:
         if (wParam == '+' || wParam == '-')
-            ZoomBy(wParam == '+' ? kZoomStep : 1 / kZoomStep);
+            Do(wParam == '+' ? Action::ZoomIn : Action::ZoomOut);
+        else if (wParam == 'n' || wParam == 'p')
+            Do(wParam == 'n' ? Action::NextPage : Action::PreviousPage);
         return true;
     case WM_MOUSEWHEEL:
     case WM_MOUSEHWHEEL:
@@ -184,8 +191,9 @@ bool MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         Dropped(wParam);
         return true;
     case kFailed:
-        m_canvas->Show(nullptr);
-        m_document.reset();
+        m_canvas->Show(m_shown = nullptr);
+        m_documents.clear();
+        m_reader.Open(0, {});
         Follow();
         Tell(m_failure);
         return true;
@@ -212,25 +220,23 @@ void MainWindow::Command(int command) {
         OpenWithDialog();
         break;
     case kPrint:
-        if (m_document != nullptr)
-            PrintWithDialog(m_window, *m_document);
+        if (Shown() != nullptr)
+            PrintWithDialog(m_window, *Shown());
         break;
     case kQuit:
         DestroyWindow(m_window);
         break;
     case kZoomIn:
-        ZoomBy(kZoomStep);
+        Do(Action::ZoomIn);
         break;
     case kZoomOut:
-        ZoomBy(1 / kZoomStep);
+        Do(Action::ZoomOut);
         break;
     case kFit:
-        m_view.Fit();
-        Follow();
+        Do(Action::Fit);
         break;
     case kActualSize:
-        m_view.ZoomTo(1.0f, m_view.ClientWidth() / 2.0, m_view.ClientHeight() / 2.0);
-        Follow();
+        Do(Action::ActualSize);
         break;
     default:
         break;
@@ -238,37 +244,35 @@ void MainWindow::Command(int command) {
 }
 
 bool MainWindow::Key(WPARAM key) {
-    const double width = m_view.ClientWidth(), height = m_view.ClientHeight();
-    const Box page = m_view.Page();
+    const bool control = GetKeyState(VK_CONTROL) < 0;
     switch (key) {
     case VK_LEFT:
-        m_view.PanBy(width * kLine, 0);
+        Do(Action::Left);
         break;
     case VK_RIGHT:
-        m_view.PanBy(-width * kLine, 0);
+        Do(Action::Right);
         break;
     case VK_UP:
-        m_view.PanBy(0, height * kLine);
+        Do(Action::Up);
         break;
     case VK_DOWN:
-        m_view.PanBy(0, -height * kLine);
+        Do(Action::Down);
         break;
     case VK_PRIOR:
-        m_view.PanBy(0, height * kScreen);
+        Do(control ? Action::PreviousPage : Action::ScreenUp);
         break;
     case VK_NEXT:
-        m_view.PanBy(0, -height * kScreen);
+        Do(control ? Action::NextPage : Action::ScreenDown);
         break;
     case VK_HOME:
-        m_view.PanTo(page.left, 0);
+        Do(Action::FirstPage);
         break;
     case VK_END:
-        m_view.PanTo(page.left, -page.height);
+        Do(Action::LastPage);
         break;
     default:
         return false;
     }
-    Follow();
     return true;
 }
 
@@ -277,36 +281,29 @@ void MainWindow::Wheel(UINT message, WPARAM wParam, LPARAM lParam) {
     const double notches = GET_WHEEL_DELTA_WPARAM(wParam) / static_cast<double>(WHEEL_DELTA);
     POINT cursor{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     ScreenToClient(m_window, &cursor);
-    if (message == WM_MOUSEHWHEEL)
-        m_view.PanBy(-notches * m_view.ClientWidth() * kLine, 0);
-    else if ((GET_KEYSTATE_WPARAM(wParam) & MK_SHIFT) != 0)
-        m_view.PanBy(notches * m_view.ClientWidth() * kLine, 0);
-    else
-        m_view.ZoomBy(std::pow(kZoomStep, notches), cursor.x, cursor.y);
+    const bool tilts = message == WM_MOUSEHWHEEL;
+    m_reader.Wheel(tilts ? -notches : notches, cursor.x, cursor.y,
+                   tilts || (GET_KEYSTATE_WPARAM(wParam) & MK_SHIFT) != 0);
     Follow();
 }
 
 void MainWindow::Drag(UINT message, LPARAM lParam) {
-    const POINT cursor{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    const int x = GET_X_LPARAM(lParam), y = GET_Y_LPARAM(lParam);
     switch (message) {
     case WM_LBUTTONDOWN:
-        m_dragging = true;
-        m_dragged = cursor;
+        m_reader.Press(x, y);
         SetCapture(m_window);
         break;
     case WM_MOUSEMOVE:
-        if (m_dragging) {
-            m_view.PanBy(cursor.x - m_dragged.x, cursor.y - m_dragged.y);
-            m_dragged = cursor;
-            Follow();
-        }
+        m_reader.Move(x, y);
+        Follow();
         break;
     case WM_LBUTTONUP:
-        if (m_dragging)
-            ReleaseCapture();
-        [[fallthrough]];
+        m_reader.Release();
+        ReleaseCapture();
+        break;
     default:
-        m_dragging = false;
+        m_reader.Release();
         break;
     }
 }
@@ -344,8 +341,8 @@ void MainWindow::Scroll(int bar, int request) {
     default:
         return;
     }
-    const Box page = m_view.Page();
-    m_view.PanTo(bar == SB_HORZ ? -at : page.left, bar == SB_VERT ? -at : page.top);
+    const Box page = GetView().Page();
+    m_reader.GetView().PanTo(bar == SB_HORZ ? -at : page.left, bar == SB_VERT ? -at : page.top);
     Follow();
 }
 
@@ -363,33 +360,42 @@ void MainWindow::OpenWithDialog() {
         Open(path);
 }
 
-void MainWindow::ZoomBy(double factor) {
-    m_view.ZoomBy(factor, m_view.ClientWidth() / 2.0, m_view.ClientHeight() / 2.0);
+void MainWindow::Do(Action action) {
+    m_reader.Do(action);
     Follow();
 }
 
 void MainWindow::Follow() {
     if (m_canvas == nullptr)
         return; // the window is being made
-    m_canvas->Follow(m_view);
-    const Box page = m_view.Page();
+    Document* const document = Shown();
+    if (document != nullptr)
+        m_reader.Correct(document->Size());
+    if (document != m_shown) {
+        if (m_shown != nullptr)
+            m_shown->Rest();
+        m_canvas->Show(m_shown = document);
+    }
+    const View& view = GetView();
+    m_canvas->Follow(view);
+    const Box page = view.Page();
     const auto bar = [&](int which, int extent, int window, int at) {
         SCROLLINFO info{};
         info.cbSize = sizeof info;
         // Bars that came and went would change the window's size and with it what fits.
         info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL;
-        info.nMax = m_document != nullptr ? extent - 1 : 0;
+        info.nMax = document != nullptr ? extent - 1 : 0;
         info.nPage = static_cast<UINT>(window);
         info.nPos = -at;
         SetScrollInfo(m_window, which, &info, TRUE);
     };
-    bar(SB_HORZ, page.width, m_view.ClientWidth(), page.left);
-    bar(SB_VERT, page.height, m_view.ClientHeight(), page.top);
+    bar(SB_HORZ, page.width, view.ClientWidth(), page.left);
+    bar(SB_VERT, page.height, view.ClientHeight(), page.top);
     std::wstring title = L"Viewer";
-    if (m_document != nullptr)
-        title = m_document->Name() + L" - " + std::to_wstring(std::lround(m_view.Zoom() * 100.0f)) + L" %";
+    if (document != nullptr)
+        title = Wide(document->Name()) + L" - " + std::to_wstring(std::lround(view.Zoom() * 100.0f)) + L" %";
     SetWindowTextW(m_window, title.c_str());
-    const UINT state = m_document != nullptr ? MF_ENABLED : MF_GRAYED;
+    const UINT state = document != nullptr ? MF_ENABLED : MF_GRAYED;
     for (const int command : {kPrint, kZoomIn, kZoomOut, kFit, kActualSize})
         EnableMenuItem(GetMenu(m_window), static_cast<UINT>(command), MF_BYCOMMAND | state);
 }

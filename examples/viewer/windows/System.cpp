@@ -1,18 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "System.h"
 
-#include <GX/GX.h>
-
-#include <utility>
-
 namespace Viewer {
-namespace {
-
-// The sink runs on the thread whose call failed; all calls here come from one.
-std::string g_reason;
-
-} // namespace
-
 std::string Narrow(const std::wstring& text) {
     const int length = static_cast<int>(text.size());
     std::string narrow(
@@ -34,23 +23,6 @@ std::string Quoted(const std::wstring& path) {
     quoted += Narrow(path);
     quoted += '\'';
     return quoted;
-}
-
-void ListenToLibrary() {
-    GXLogSetSink(
-        1,
-        [](void*, const char* text) {
-            try {
-                g_reason = text;
-            } catch (...) { // the call itself tells of the failure
-            }
-        },
-        nullptr);
-}
-
-std::string WithReason(const std::string& what) {
-    const std::string reason = std::exchange(g_reason, {});
-    return reason.empty() ? what : what + " (" + reason + ")";
 }
 
 std::string WithSystemReason(const std::string& what) {

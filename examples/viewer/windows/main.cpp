@@ -9,12 +9,14 @@
 namespace Viewer {
 namespace {
 
-std::vector<std::wstring> Arguments() {
+std::vector<std::string> Arguments() {
     int count = 0;
     wchar_t** const list = CommandLineToArgvW(GetCommandLineW(), &count);
     if (list == nullptr)
         throw Gxr::Error(WithSystemReason("the command line cannot be read"));
-    std::vector<std::wstring> arguments(list + (count > 0 ? 1 : 0), list + count);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i)
+        arguments.push_back(Narrow(list[i]));
     LocalFree(list);
     return arguments;
 }
@@ -22,19 +24,19 @@ std::vector<std::wstring> Arguments() {
 int Run() {
     Options options;
     try {
-        Parse(Arguments(), options);
+        Parse(Front::Windows, Arguments(), options);
         ListenToLibrary();
         if (!options.printer.empty()) {
-            Document document(options.file);
-            PrintToFile(options.printer, options.output, document);
+            Document document(Document::Path(options.files.front()));
+            PrintToFile(Wide(options.printer), Wide(options.output), document);
             return 0;
         }
         SetProcessDPIAware(); // a pixel of the page is to be a pixel of the screen
         if (options.hardware && GXEnableHWAccelerationForThread() != GXResultSuccess)
             throw Gxr::Error(WithReason("the graphics card cannot be used"));
         MainWindow window(options);
-        if (!options.file.empty())
-            window.Open(options.file);
+        if (!options.files.empty())
+            window.Open(options.files);
         return window.Run();
     } catch (const std::exception& failure) {
         Report(nullptr, failure.what(), options.Unattended());

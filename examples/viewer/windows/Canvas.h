@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Document.h"
+#include "System.h"
 #include "View.h"
 
 #include <functional>

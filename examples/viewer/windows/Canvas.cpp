@@ -45,7 +45,7 @@ void Canvas::Paint() {
     try {
         PaintPage();
     } catch (const std::exception& error) {
-        failure = m_document->NarrowName() + ": " + error.what();
+        failure = m_document->Name() + ": " + error.what();
     }
     m_whenPainted(failure);
 }

@@ -4,6 +4,7 @@
 
 #include "Canvas.h"
 #include "Options.h"
+#include "Reader.h"
 
 #include <memory>
 
@@ -17,13 +18,15 @@ public:
     MainWindow& operator=(const MainWindow&) = delete;
     ~MainWindow();
 
-    // Throws Gxr::Error; the document shown before is then still there.
-    void Open(const std::wstring& path);
+    // Recordings, each a page. Throws Gxr::Error; what was shown before is then still there.
+    void Open(const std::vector<std::string>& paths);
+    void Open(const std::wstring& path) { Open(std::vector<std::string>{Narrow(path)}); }
     // Until the window is closed. The program's exit code.
     int Run();
 
     HWND Window() const noexcept { return m_window; }
-    const View& GetView() const noexcept { return m_view; }
+    const View& GetView() const noexcept { return m_reader.GetView(); }
+    int Page() const noexcept { return m_reader.Page(); }
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -37,7 +40,8 @@ private:
     void Dropped(WPARAM files);
 
     void OpenWithDialog();
-    void ZoomBy(double factor);
+    void Do(Action action);
+    Document* Shown() const { return m_documents.empty() ? nullptr : m_documents[static_cast<size_t>(Page())].get(); }
     // Brings window, scroll bars and title to what the view says.
     void Follow();
     void Painted(const std::string& failure);
@@ -45,11 +49,11 @@ private:
 
     HWND m_window = nullptr;
     Options m_options;
-    View m_view;
-    std::unique_ptr<Document> m_document;
+    Reader m_reader;
+    std::vector<std::unique_ptr<Document>> m_documents;
     std::unique_ptr<Canvas> m_canvas;
-    POINT m_dragged{};
-    bool m_dragging = false, m_running = false;
+    Document* m_shown = nullptr;
+    bool m_running = false;
     std::string m_failure;
     int m_frames = 0, m_exitCode = 0;
 };

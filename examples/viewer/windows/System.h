@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Windows itself, its texts, and the reasons that the library and the system give for a failure.
+// Windows itself, its texts, and the reasons that the system gives for a failure.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN
@@ -10,6 +10,8 @@
 #endif
 #include <windows.h>
 
+#include "Reason.h"
+
 #include <string>
 
 namespace Viewer {
@@ -19,10 +21,6 @@ std::wstring Wide(const std::string& text);
 // A path in quotes, for messages.
 std::string Quoted(const std::wstring& path);
 
-// Keeps what the library has to say about the calls that fail on this thread.
-void ListenToLibrary();
-// `what` and, where there is one, the last reason from the library, which is then forgotten.
-std::string WithReason(const std::string& what);
 // `what` and the words of the system for its last error.
 std::string WithSystemReason(const std::string& what);
 

@@ -42,7 +42,8 @@ void DrawOnPaper(HDC dc, Document& document) {
 bool PrintOn(HDC dc, const wchar_t* output, Document& document) {
     DOCINFOW job{};
     job.cbSize = sizeof job;
-    job.lpszDocName = document.Name().c_str();
+    const std::wstring name = Wide(document.Name());
+    job.lpszDocName = name.c_str();
     job.lpszOutput = output;
     SetLastError(0);
     if (StartDocW(dc, &job) <= 0) {

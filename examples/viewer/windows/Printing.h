@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Document.h"
+#include "System.h"
 
 namespace Viewer {
 
