@@ -2,6 +2,7 @@
 // Row loops that store without reading the target.
 #pragma once
 
+#include "../Simd/StringStore.h"
 #include "RowBlocks.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
@@ -18,12 +19,10 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) {
         StorePart(dst, count, v);
         return;
     }
-#if defined(__x86_64__)
-    if (count >= kStringStoreCount) {
-        __asm__ volatile("rep stosl" : "+D"(dst), "+c"(count) : "a"(value) : "memory");
+    if (kHasStringStore && count >= kStringStoreCount) {
+        StringStore(dst, value, count);
         return;
     }
-#endif
     // The first and last vector are unaligned and overlap the aligned ones between them.
     uint32_t* const end = dst + count;
     Store(dst, v);
