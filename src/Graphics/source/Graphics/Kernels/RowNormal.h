@@ -89,6 +89,7 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
             return;
         }
         const U32 c = Splat(color);
+        const bool opaque = color >> 24 == 255;
         const int32_t left = runs->x0;
         for (const CoverageRun* const end = runs + count; runs != end; ++runs) {
             uint32_t* const dst = first + (runs->x0 - left);
@@ -97,6 +98,15 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
             if (shape != nullptr) {
                 size_t i = 0;
                 for (; i + kLanes <= n; i += kLanes) {
+                    if constexpr (kLanes == 4) { // so few are often alike
+                        if (BytesAre(shape + i, 0)) {
+                            continue;
+                        }
+                        if (opaque && BytesAre(shape + i, 255)) {
+                            Store(dst + i, c);
+                            continue;
+                        }
+                    }
                     ShapedSolid(dst + i, c, shape + i, kLanes);
                 }
                 if (i < n) {
