@@ -89,7 +89,6 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
             return;
         }
         const U32 c = Splat(color);
-        const bool opaque = color >> 24 == 255;
         const int32_t left = runs->x0;
         for (const CoverageRun* const end = runs + count; runs != end; ++runs) {
             uint32_t* const dst = first + (runs->x0 - left);
@@ -98,15 +97,6 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
             if (shape != nullptr) {
                 size_t i = 0;
                 for (; i + kLanes <= n; i += kLanes) {
-                    if constexpr (kLanes == 4) { // so few are often alike
-                        if (BytesAre(shape + i, 0)) {
-                            continue;
-                        }
-                        if (opaque && BytesAre(shape + i, 255)) {
-                            Store(dst + i, c);
-                            continue;
-                        }
-                    }
                     ShapedSolid(dst + i, c, shape + i, kLanes);
                 }
                 if (i < n) {
@@ -123,6 +113,13 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
                       size_t count, size_t rows) {
     if (color >> 24 == 0) {
         return;
+    }
+    if constexpr (kLanes == 4) { // upright edges: one pixel takes as many steps in a vector as four
+        if (count < kLanes) {
+            KernelTable<RowKernels>::Made(InstructionSet::Plain)
+                .normalSolidBlock(dst, strideBytes, color, shape, shapeStride, count, rows);
+            return;
+        }
     }
     const U32 c = Splat(color);
     auto* bytes = reinterpret_cast<uint8_t*>(dst);

@@ -166,6 +166,7 @@ GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept {
     return static_cast<uint32_t>(vaddvq_u64((uint64x2_t)((U64)mask & bits)));
 }
 GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)(mask & (I64)v); }
+GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (I64)(a < b) ? a : b; }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (I64)(a > b) ? a : b; }
 /// The counts of the bytes of each lane: StoreShape adds up those of four vectors together.
 GX_INLINE inline U64 BitCount(U64 bits) noexcept { return (U64)vcntq_u8((uint8x16_t)bits); }
@@ -176,6 +177,18 @@ GX_INLINE inline void StoreShape(uint8_t* out, const U64* c) noexcept {
     const uint8x8_t n = vget_low_u8(vpaddq_u8(pairs, pairs));
     // 4 * 64 - 1 comes out of bytes too; the subtraction alone would give 255 for n = 0.
     vst1_u8(out, vand_u8(vsub_u8(vshl_n_u8(n, 2), vdup_n_u8(1)), vtst_u8(n, n)));
+}
+
+GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
+    int8x16_t zeros = vdupq_n_s8(0); // -1 for each zero byte
+    for (int i = 0; i < 4; ++i) {
+        zeros = vaddq_s8(zeros, vreinterpretq_s8_u8(vceqzq_u8((uint8x16_t)v[i])));
+    }
+    return static_cast<uint32_t>(64 + vaddlvq_s8(zeros));
+}
+GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
+    const U8 order{7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15};
+    return (U64)vqtbl1q_u8((uint8x16_t)v, (uint8x16_t)order);
 }
 
 } // namespace
