@@ -16,10 +16,17 @@ namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kSpecial[] = {0.0F,          -0.0F,          1.0F,           -1.0F,         0.25F,      1.0e-45F,
-                              -1.0e-45F,     1.2e-38F,       254.99998F,     -255.5F,       8388609.0F, 2147483520.0F,
-                              2147483648.0F, -2147483648.0F, -2147483904.0F, 4294967296.0F, 1.0e30F,    -1.0e30F,
-                              3.4e38F,       kInfinity,      -kInfinity,     std::nanf("")};
+constexpr float kSpecial[] = {0.0F,           -0.0F,
+                              1.0F,           -1.0F,
+                              0.25F,          1.0e-45F,
+                              -1.0e-45F,      1.2e-38F,
+                              254.99998F,     -255.5F,
+                              8388609.0F,     2147483520.0F,
+                              2147483648.0F,  -2147483648.0F,
+                              -2147483904.0F, 4294967296.0F,
+                              1.0e30F,        -1.0e30F,
+                              3.4e38F,        kInfinity,
+                              -kInfinity,     std::numeric_limits<float>::quiet_NaN()};
 
 uint32_t Bits(float v) { return std::bit_cast<uint32_t>(v); }
 
