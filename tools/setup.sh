@@ -22,6 +22,12 @@ GX_WINDOWS_PACKAGES=(
     g++-mingw-w64-x86-64-posix googletest lld lld-14 llvm-14 wine wine64 xvfb libgl1 libgl1-mesa-dri fonts-liberation
     fonts-dejavu-core libz-mingw-w64-dev ghostscript
 )
+# The build for 64-bit ARM and its tests under QEMU; the libraries are for arm64 and go into a folder (tools/sysroot.sh).
+GX_ARM64_PACKAGES=(g++-aarch64-linux-gnu qemu-user-static googletest)
+GX_ARM64_LIBRARIES=(
+    libc6-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev zlib1g-dev
+    libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev
+)
 GX_PACKAGING_PACKAGES=(dpkg-dev fakeroot file binutils zip unzip)
 # It fetches the HLSL compiler, and may have come another way than as a package.
 command -v npm >/dev/null || GX_WINDOWS_PACKAGES+=(npm)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# cmake -DBUILD=<build tree> -DHOST=<this folder> -DWORK=<scratch> [-DTOOLCHAIN= -DEMULATOR=] -P PackageTest.cmake:
+# cmake -DBUILD=<build tree> -DHOST=<this folder> -DWORK=<scratch> [-DTOOLCHAIN= -DEMULATOR= -DSUFFIX= -DSYSROOT=] -P PackageTest.cmake:
 # installs the library, moves the installed folder elsewhere, builds a host there with find_package and with pkg-config, and
 # runs both.
 function(step)
@@ -24,12 +24,11 @@ else()
 endif()
 step(${CMAKE_COMMAND} -S ${HOST} -B ${WORK}/build ${options} -DCMAKE_PREFIX_PATH=${prefix})
 step(${CMAKE_COMMAND} --build ${WORK}/build)
-if(EMULATOR)
+# On Windows the library lies beside the program, elsewhere the program knows where it is.
+if(SUFFIX STREQUAL ".exe")
   file(COPY ${prefix}/bin/Graphics.dll DESTINATION ${WORK}/build)
-  step(${EMULATOR} ${WORK}/build/host.exe)
-else()
-  step(${WORK}/build/host)
 endif()
+step(${EMULATOR} ${WORK}/build/host${SUFFIX})
 
 find_program(pkg_config pkg-config)
 if(pkg_config)
@@ -38,13 +37,16 @@ if(pkg_config)
   execute_process(COMMAND ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH= PKG_CONFIG_LIBDIR=${folder} ${pkg_config} --cflags --libs graphics
     OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   separate_arguments(flags UNIX_COMMAND "${flags}")
+  if(SYSROOT)
+    list(PREPEND flags --sysroot=${SYSROOT})
+  endif()
   step(${COMPILER} ${HOST}/host.c -o ${WORK}/build/host-pc.exe ${flags})
-  if(EMULATOR)
+  if(SUFFIX STREQUAL ".exe")
     step(${EMULATOR} ${WORK}/build/host-pc.exe)
   else()
     # The loader is told where the library is; the name that it looks for is in the program.
     file(GLOB_RECURSE library ${prefix}/libGraphics.so)
     get_filename_component(folder "${library}" DIRECTORY)
-    step(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${folder} ${WORK}/build/host-pc.exe)
+    step(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${folder} ${EMULATOR} ${WORK}/build/host-pc.exe)
   endif()
 endif()

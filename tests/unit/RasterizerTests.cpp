@@ -156,6 +156,16 @@ TEST_F(RasterizerTest, OverlappingFiguresInWideRows) {
             }
         }
         Loops loops{loop};
+        if (round % 5 == 3) { // upright sides, between whose ends rows are equal
+            for (int i = 0; i < 12; ++i) {
+                const float x = number(-20, w);
+                const float y = number(-20, h / 3);
+                loops.push_back(Box(x, y, x + number(20, 200), y + number(16, h)));
+            }
+            if (round % 2 == 0) {
+                loops.erase(loops.begin());
+            }
+        }
         if (round % 6 == 0) { // a crowd in the lower half
             for (int i = 0; i < 150; ++i) {
                 const float x = number(0, w);

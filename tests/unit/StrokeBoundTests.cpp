@@ -268,7 +268,8 @@ TEST(StrokeBounds, ChainsLookAsTheirDashesOneByOne) {
         }
         path.EndFigure();
         const float width = between(3, 60);
-        StrokeStyle style = Style(GXLineJoinRound, 1 + random() % 2, 10, {0, between(0.02F, 0.6F) * width});
+        const float on = between(0.02F, 0.6F) * width; // compilers differ in the order of arguments
+        StrokeStyle style = Style(GXLineJoinRound, 1 + random() % 2, 10, {0, on});
         if (random() % 2 == 0) {
             style.dashCount = 4;
             style.dashes[2] = random() % 2 == 0 ? 0 : between(0, 0.3F) * width;
@@ -396,8 +397,10 @@ TEST(StrokeBounds, HostileStrokesStayWithinTheirBudget) {
             return kSpecial[pick(12)];
         case 1:
             return pick(60) == 0 ? std::bit_cast<float>(static_cast<uint32_t>(random())) : 3.0F;
-        case 2:
-            return std::ldexp(static_cast<float>(pick(1000)) - 500, static_cast<int>(pick(120)) - 60);
+        case 2: {
+            const int exponent = static_cast<int>(pick(120)) - 60; // compilers differ in the order of arguments
+            return std::ldexp(static_cast<float>(pick(1000)) - 500, exponent);
+        }
         default:
             return static_cast<float>(pick(20000)) / 100 - 70;
         }
@@ -440,7 +443,9 @@ TEST(StrokeBounds, HostileStrokesStayWithinTheirBudget) {
                 }());
             continue;
         }
-        StrokeStyle style = Style(pick(3), pick(3), pick(2) == 0 ? 10.0F : std::fabs(hostile()));
+        const float miterLimit = pick(2) == 0 ? 10.0F : std::fabs(hostile());
+        const uint32_t cap = pick(3);
+        StrokeStyle style = Style(pick(3), cap, miterLimit);
         style.dashPhase = pick(2) == 0 ? 0.0F : hostile();
         style.dashCount = pick(2) == 0 ? 0 : 1 + pick(4);
         for (uint32_t i = 0; i < style.dashCount; ++i) {

@@ -2,6 +2,7 @@
 // Row loops that store without reading the target.
 #pragma once
 
+#include "../Simd/Stores.h"
 #include "RowBlocks.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
@@ -18,16 +19,17 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) {
         StorePart(dst, count, v);
         return;
     }
-#if defined(__x86_64__)
-    if (count >= kStringStoreCount) {
-        __asm__ volatile("rep stosl" : "+D"(dst), "+c"(count) : "a"(value) : "memory");
+    if (kHasStringStore && count >= kStringStoreCount) {
+        StringStore(dst, value, count);
         return;
     }
-#endif
-    // The first and last vector are unaligned and overlap the aligned ones between them.
+    // The last vector overlaps the ones before it; so does the first one, where it helps to align these.
     uint32_t* const end = dst + count;
-    Store(dst, v);
-    uint32_t* p = dst + (kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes);
+    uint32_t* p = dst;
+    if constexpr (kAlignsStores) {
+        Store(dst, v);
+        p += kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes;
+    }
     for (; end - p >= static_cast<ptrdiff_t>(4 * kLanes); p += 4 * kLanes) {
         Store(p, v);
         Store(p + kLanes, v);
@@ -49,7 +51,7 @@ void Prefetch(const uint32_t* dst, size_t count) {
 }
 
 [[gnu::noinline]] void FillWideBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
-    const bool ahead = count < kStringStoreCount;
+    const bool ahead = kFetchesBeforeStores && count < kStringStoreCount;
     for (; rows != 0; --rows) {
         auto* next = reinterpret_cast<uint32_t*>(reinterpret_cast<char*>(dst) + strideBytes);
         if (ahead && rows > 1) {
@@ -61,13 +63,19 @@ void Prefetch(const uint32_t* dst, size_t count) {
 }
 
 void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
-    if (count > kLanes) {
-        FillWideBlock(dst, strideBytes, value, count, rows);
-        return;
-    }
     const U32 v = Splat(value);
-    for (auto* row = reinterpret_cast<char*>(dst); rows != 0; --rows, row += strideBytes) {
-        StoreSome(row, count, v);
+    auto* row = reinterpret_cast<char*>(dst);
+    if (count <= kLanes) {
+        for (; rows != 0; --rows, row += strideBytes) {
+            StoreSome(row, count, v);
+        }
+    } else if (!kFetchesBeforeStores && count <= 2 * kLanes) { // two vectors that may overlap
+        for (; rows != 0; --rows, row += strideBytes) {
+            Store(row, v);
+            Store(row + (count - kLanes) * 4, v);
+        }
+    } else {
+        FillWideBlock(dst, strideBytes, value, count, rows);
     }
 }
 
@@ -86,7 +94,7 @@ void SetOpaque(uint32_t* dst, const uint8_t* shape, size_t count) {
     ForWholeBlocks(count, step, rest);
 }
 
-/// Aligned stores: unaligned ones cross cache lines, vectors of 64 bytes at every store.
+/// Aligned stores where that helps: unaligned ones cross cache lines, vectors of 64 bytes at every store.
 void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
     const auto step = [=](size_t i) { Store(dst + i, Load(src + i * 4) | 0xFF000000U); };
     if (count < kLanes) {
@@ -96,8 +104,19 @@ void CopyOpaque(uint32_t* dst, const uint8_t* src, size_t count) {
         }
         return;
     }
-    step(0);
-    for (size_t i = kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes; i + kLanes <= count; i += kLanes) {
+    size_t i = 0;
+    if constexpr (kAlignsStores) {
+        step(0);
+        i = kLanes - (reinterpret_cast<uintptr_t>(dst) / 4) % kLanes;
+    } else {
+        for (; i + 4 * kLanes <= count; i += 4 * kLanes) {
+            step(i);
+            step(i + kLanes);
+            step(i + 2 * kLanes);
+            step(i + 3 * kLanes);
+        }
+    }
+    for (; i + kLanes <= count; i += kLanes) {
         step(i);
     }
     step(count - kLanes);

@@ -131,6 +131,13 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     if (color >> 24 == 0) {
         return;
     }
+    if constexpr (kLanes == 4) { // upright edges: one pixel takes as many steps in a vector as four
+        if (count < kLanes) {
+            KernelTable<RowKernels>::Made(InstructionSet::Plain)
+                .normalSolidBlock(dst, strideBytes, color, shape, shapeStride, count, rows);
+            return;
+        }
+    }
     const U32 c = Splat(color);
     auto* bytes = reinterpret_cast<uint8_t*>(dst);
     for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {

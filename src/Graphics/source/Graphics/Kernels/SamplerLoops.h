@@ -81,6 +81,15 @@ struct CornerMix {
         const auto down = (U16)downWeight;
         const U16 restAcross = whole - across;
         const U16 restDown = whole - down;
+        if constexpr (kJoinsByShift) {
+            // Mixed channels lie in the low bytes, where the next step takes them from.
+            const auto mixed = [&](U16 (*side)(U32)) GX_INLINE {
+                const U16 above = Part(side(c[0]), restAcross) + Part(side(c[1]), across);
+                const U16 below = Part(side(c[2]), restAcross) + Part(side(c[3]), across);
+                return Part(above, restDown) + Part(below, down);
+            };
+            return (U32)(mixed(Even) | mixed(Odd) << 8);
+        }
         const auto even = [&](const U32* row) GX_INLINE {
             const U16 a = ((U16)row[0] & low) * restAcross;
             const U16 b = ((U16)row[1] & low) * across;

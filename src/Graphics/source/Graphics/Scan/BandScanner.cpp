@@ -239,7 +239,6 @@ void BandScanner::Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t 
     m_shape.reserve(2 * m_rowBlocks * 8);
     m_runs.reserve(2 * (2 * m_rowBlocks + 2));
     m_edges.reserve(builder.SideCount() + 1);
-    m_active.reserve(builder.SideCount() + 1);
     const size_t heads = (static_cast<size_t>(rows * 8 - 1) >> m_headShift) + 1;
     m_heads.resize(heads);
     std::fill_n(m_heads.data(), heads, kNoEdge);
@@ -301,6 +300,9 @@ uint32_t BandScanner::Relink(int32_t row) noexcept {
     for (size_t i = 0; i < m_activeCount; ++i) {
         const uint32_t index = m_active[i];
         BandEdge& e = m_edges[index];
+        if (e.end <= row * 8) {
+            continue; // it ended at or in rows that were sent with an equal one
+        }
         e.x = PositionAt(e, row * 8);
         e.y = row * 8;
         e.next = head;
@@ -316,7 +318,7 @@ bool BandScanner::Activate(uint32_t head) noexcept {
             return false;
         }
     }
-    uint32_t* const active = m_active.data();
+    uint32_t* const active = m_active;
     for (uint32_t i = head; i != kNoEdge; i = m_edges[i].next) {
         const BandEdge& added = m_edges[i];
         uint32_t* const end = active + m_activeCount;
@@ -353,7 +355,7 @@ int32_t BandScanner::ScanRows(const BandFrame& frame, int32_t rows, Rasterizatio
             if (!m_hasEqualRows || NextChange(m_changes.data(), row, row + 1) == row) {
                 credit += static_cast<int64_t>(count) * kCreditPerEdge;
                 credit -= static_cast<int64_t>(
-                    m_kernels->resolve(target, m_edges.data(), m_active.data(), m_activeCount, row * 8));
+                    m_kernels->resolve(target, m_edges.data(), m_active, m_activeCount, row * 8));
             }
             target.cells += plane.rowBytes;
             target.bits += plane.bitWords;

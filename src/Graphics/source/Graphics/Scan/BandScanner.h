@@ -58,12 +58,12 @@ private:
     HeapArray<uint8_t> m_cells; // zero between fills
     HeapArray<uint64_t> m_bits; // zero between fills
     HeapArray<BandEdge> m_edges;
-    HeapArray<uint32_t> m_heads;   // first edge that begins in each row or band
-    HeapArray<uint64_t> m_changes; // one bit per row
-    HeapArray<uint32_t> m_active;  // edges of a row
-    HeapArray<uint8_t> m_shape;    // bytes of a row, and room for a copy
-    HeapArray<CoverageRun> m_runs; // runs of a row, and room for a copy
-    bool m_dirty = false;          // a fill was abandoned: cells are not zero
+    HeapArray<uint32_t> m_heads;      // first edge that begins in each row or band
+    HeapArray<uint64_t> m_changes;    // one bit per row
+    uint32_t m_active[kMostResolved]; // edges of a row
+    HeapArray<uint8_t> m_shape;       // bytes of a row, and room for a copy
+    HeapArray<CoverageRun> m_runs;    // runs of a row, and room for a copy
+    bool m_dirty = false;             // a fill was abandoned: cells are not zero
 
     // The current fill.
     BandEdge* m_nextEdge = nullptr;

@@ -5,6 +5,8 @@
 #ifndef GX_SIMD
 #if defined(__SSE2__)
 #define GX_SIMD SSE2
+#elif defined(__aarch64__)
+#define GX_SIMD NEON
 #else
 #define GX_SIMD Plain
 #endif

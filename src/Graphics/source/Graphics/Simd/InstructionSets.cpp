@@ -14,18 +14,22 @@ bool ProcessorHas(InstructionSet set) noexcept {
         return __builtin_cpu_supports("sse2") != 0;
     case InstructionSet::AVX2:
         return __builtin_cpu_supports("avx2") != 0;
-    default:
+    case InstructionSet::AVX512:
         return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
                __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
                __builtin_cpu_supports("avx512cd") != 0;
+    default:
+        return false;
     }
+#elif defined(__aarch64__)
+    return set == InstructionSet::NEON; // a part of the architecture
 #else
     return false;
 #endif
 }
 
 const char* NameOf(InstructionSet set) noexcept {
-    static constexpr const char* kNames[kInstructionSetCount] = {"plain", "sse2", "avx2", "avx512"};
+    static constexpr const char* kNames[kInstructionSetCount] = {"plain", "neon", "sse2", "avx2", "avx512"};
     return kNames[static_cast<int>(set)];
 }
 

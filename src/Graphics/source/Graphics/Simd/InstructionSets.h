@@ -7,15 +7,16 @@
 
 namespace Graphics {
 
-/// From the narrowest to the widest. Plain runs everywhere.
-enum class InstructionSet { Plain, SSE2, AVX2, AVX512 };
+/// From the narrowest to the widest of each kind of processor: Plain runs everywhere, NEON is 64-bit ARM's, the others are
+/// those of 64-bit x86.
+enum class InstructionSet { Plain, NEON, SSE2, AVX2, AVX512 };
 
-inline constexpr int kInstructionSetCount = 4;
+inline constexpr int kInstructionSetCount = 5;
 
 /// True if the build has kernels for the set and the processor supports it.
 [[nodiscard]] bool ProcessorHas(InstructionSet set) noexcept;
 
-/// "plain", "sse2", "avx2" or "avx512".
+/// "plain", "neon", "sse2", "avx2" or "avx512".
 [[nodiscard]] const char* NameOf(InstructionSet set) noexcept;
 
 /// For tests and benches: from the next draw on, no kernels of sets beyond `widest` are used. Not while another thread

@@ -107,6 +107,8 @@ GX_INLINE inline F32 SquareRoot(F32 v) noexcept { return (F32)_mm256_sqrt_ps((__
 GX_INLINE inline I32 Truncate(F32 v) noexcept { return (I32)_mm256_cvttps_epi32((__m256)v); }
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm256_mulhi_epu16((__m256i)a, (__m256i)b); }
 GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept { return (U32)_mm256_madd_epi16((__m256i)a, (__m256i)b); }
+constexpr bool kJoinsByShift = false;
+GX_INLINE inline U32 JoinHighBytes(U16 low, U16 high) noexcept { return (U32)(low >> 8 | (high & 0xFF00U)); }
 GX_INLINE inline U32 Twice(U32 w) noexcept {
     const __m256i order = _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13, //
                                            0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13);

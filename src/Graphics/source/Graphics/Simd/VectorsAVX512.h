@@ -80,6 +80,8 @@ GX_INLINE inline F32 SquareRoot(F32 v) noexcept { return (F32)_mm512_maskz_sqrt_
 GX_INLINE inline I32 Truncate(F32 v) noexcept { return (I32)_mm512_maskz_cvttps_epi32(0xFFFF, (__m512)v); }
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm512_mulhi_epu16((__m512i)a, (__m512i)b); }
 GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept { return (U32)_mm512_madd_epi16((__m512i)a, (__m512i)b); }
+constexpr bool kJoinsByShift = false;
+GX_INLINE inline U32 JoinHighBytes(U16 low, U16 high) noexcept { return (U32)(low >> 8 | (high & 0xFF00U)); }
 GX_INLINE inline U32 Twice(U32 w) noexcept {
     const __m512i order =
         _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));

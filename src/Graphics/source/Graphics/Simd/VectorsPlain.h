@@ -56,6 +56,9 @@ GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept {
     }
     return a;
 }
+/// The high byte of each half of `low` below that of `high`. kJoinsByShift: that is one instruction, and so is Twice.
+constexpr bool kJoinsByShift = false;
+GX_INLINE inline U32 JoinHighBytes(U16 low, U16 high) noexcept { return (U32)(low >> 8 | (high & 0xFF00U)); }
 /// Copies words below 65536 to both halves.
 GX_INLINE inline U32 Twice(U32 w) noexcept { return w | w << 16; }
 
@@ -98,7 +101,7 @@ GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return static_cast<uint3
 GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)(mask & (I64)v); }
 GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return a < b ? a : b; }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return a > b ? a : b; }
-/// The number of bits of each lane.
+/// The number of bits of each lane, in a form that StoreShape takes.
 GX_INLINE inline U64 BitCount(U64 v) noexcept {
     return U64{static_cast<uint64_t>(__builtin_popcountll(v[0])), static_cast<uint64_t>(__builtin_popcountll(v[1]))};
 }

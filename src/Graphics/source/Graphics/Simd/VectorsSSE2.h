@@ -125,6 +125,8 @@ GX_INLINE inline I32 Truncate(F32 v) noexcept { return (I32)_mm_cvttps_epi32((__
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm_mulhi_epu16((__m128i)a, (__m128i)b); }
 /// The sum of the products of both halves; factors are below 32768.
 GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept { return (U32)_mm_madd_epi16((__m128i)a, (__m128i)b); }
+constexpr bool kJoinsByShift = false;
+GX_INLINE inline U32 JoinHighBytes(U16 low, U16 high) noexcept { return (U32)(low >> 8 | (high & 0xFF00U)); }
 GX_INLINE inline U32 Twice(U32 w) noexcept { return w | w << 16; }
 
 GX_INLINE inline F32 Repeat(const float* four) noexcept { return (F32)_mm_loadu_ps(four); }

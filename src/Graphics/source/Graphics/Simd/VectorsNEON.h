@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+// The verbs of Advanced SIMD ("NEON"), which every 64-bit ARM processor has; see VectorsPlain.h and VectorsSSE2.h for what
+// they do. Division and square root are the exact ones, not the estimates, and nothing here multiplies and adds in one
+// rounding.
+#pragma once
+
+#include <arm_neon.h>
+
+#define GX_SIMD_BYTES 16
+#include "VectorTypes.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// The next narrower set, and the narrowest one, for rows shorter than a vector.
+constexpr InstructionSet kNarrowerSet = InstructionSet::NEON;
+constexpr InstructionSet kNarrowestSet = InstructionSet::NEON;
+
+/// Preferred to the template of Vectors.h, whose copy of 16 bytes GCC 12 may make through two general registers.
+GX_INLINE inline void Store(void* p, U32 v) noexcept { vst1q_u8(static_cast<uint8_t*>(p), (uint8x16_t)v); }
+
+// ---- Part of a row; n < kLanes ----
+
+GX_INLINE inline uint32_t WordAt(const uint8_t* p) noexcept {
+    uint32_t word;
+    __builtin_memcpy(&word, p, 4);
+    return word;
+}
+GX_INLINE inline U32 LoadPart(const void* from, size_t n) noexcept {
+    const auto* p = static_cast<const uint8_t*>(from);
+    U32 v{};
+    if (n != 0) {
+        v[0] = WordAt(p);
+    }
+    if (n > 1) {
+        v[1] = WordAt(p + 4);
+    }
+    if (n > 2) {
+        v[2] = WordAt(p + 8);
+    }
+    return v;
+}
+GX_INLINE inline void StorePart(void* to, size_t n, U32 v) noexcept {
+    auto* p = static_cast<uint8_t*>(to);
+    const auto put = [&](size_t at, uint32_t word) GX_INLINE { __builtin_memcpy(p + at, &word, 4); };
+    if (n != 0) {
+        put(0, v[0]);
+    }
+    if (n > 1) {
+        put(4, v[1]);
+    }
+    if (n > 2) {
+        put(8, v[2]);
+    }
+}
+
+// ---- Bytes to lanes and back ----
+
+GX_INLINE inline U32 WidenWord(uint32_t bytes) noexcept {
+    return (U32)vmovl_u16(vget_low_u16(vmovl_u8(vcreate_u8(bytes))));
+}
+GX_INLINE inline U32 Widen(const uint8_t* p) noexcept { return WidenWord(WordAt(p)); }
+GX_INLINE inline U32 WidenPart(const uint8_t* p, size_t n) noexcept {
+    uint32_t bytes = 0;
+    for (size_t i = 0; i < n; ++i) {
+        bytes |= static_cast<uint32_t>(p[i]) << (8 * i);
+    }
+    return WidenWord(bytes);
+}
+GX_INLINE inline U32 WidenToAll(const uint8_t* p) noexcept {
+    const U8 order{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
+    return (U32)vqtbl1q_u8((uint8x16_t)U32{WordAt(p)}, (uint8x16_t)order);
+}
+constexpr size_t kTripleReach = 16;
+GX_INLINE inline U32 WidenTriples(const uint8_t* p) noexcept {
+    constexpr uint8_t kNone = 255; // beyond the table: gives 0
+    const U8 order{0, 1, 2, kNone, 3, 4, 5, kNone, 6, 7, 8, kNone, 9, 10, 11, kNone};
+    return (U32)vqtbl1q_u8(vld1q_u8(p), (uint8x16_t)order);
+}
+
+GX_INLINE inline uint32_t NarrowWord(U32 v) noexcept {
+    const uint16x4_t halves = vmovn_u32((uint32x4_t)v);
+    return vget_lane_u32(vreinterpret_u32_u8(vmovn_u16(vcombine_u16(halves, halves))), 0);
+}
+GX_INLINE inline void Narrow(uint8_t* p, U32 v) noexcept {
+    const uint32_t bytes = NarrowWord(v);
+    __builtin_memcpy(p, &bytes, 4);
+}
+GX_INLINE inline void NarrowPart(uint8_t* p, size_t n, U32 v) noexcept {
+    const uint32_t bytes = NarrowWord(v);
+    for (size_t i = 0; i < n; ++i) {
+        p[i] = static_cast<uint8_t>(bytes >> (8 * i));
+    }
+}
+GX_INLINE inline U32 NarrowFour(U32 a, U32 b, U32 c, U32 d) noexcept {
+    const uint16x8_t low = vuzp1q_u16((uint16x8_t)a, (uint16x8_t)b);
+    const uint16x8_t high = vuzp1q_u16((uint16x8_t)c, (uint16x8_t)d);
+    return (U32)vuzp1q_u8(vreinterpretq_u8_u16(low), vreinterpretq_u8_u16(high));
+}
+GX_INLINE inline bool BytesAre(const uint8_t* p, uint8_t v) noexcept { return WordAt(p) == v * 0x01010101U; }
+
+// ---- Lanes of 32 bits ----
+
+GX_INLINE inline uint32_t MaskBits(I32 mask) noexcept {
+    const U32 bits{1, 2, 4, 8};
+    return vaddvq_u32((uint32x4_t)((U32)mask & bits));
+}
+GX_INLINE inline bool AllSet(I32 mask) noexcept { return vminvq_u32((uint32x4_t)mask) != 0; }
+GX_INLINE inline bool AllBelow(U32 a, U32 x, U32 b, U32 y) noexcept { return AllSet((I32)(a < x) & (I32)(b < y)); }
+/// By comparison and selection: the instructions for the lower and the higher of two keep every NaN, or drop every one.
+GX_INLINE inline F32 Lower(F32 a, F32 b) noexcept { return (I32)(a < b) ? a : b; }
+GX_INLINE inline F32 Higher(F32 a, F32 b) noexcept { return (I32)(a > b) ? a : b; }
+GX_INLINE inline F32 SquareRoot(F32 v) noexcept { return (F32)vsqrtq_f32((float32x4_t)v); }
+/// The conversion gives the nearest integer for values outside of the integers, which is right below them, and 0 for NaN.
+GX_INLINE inline I32 Truncate(F32 v) noexcept {
+    const auto r = (I32)vcvtq_s32_f32((float32x4_t)v);
+    return (I32)(v < 2147483648.0F) ? r : I32{} + INT32_MIN;
+}
+GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept {
+    const uint32x4_t low = vmull_u16(vget_low_u16((uint16x8_t)a), vget_low_u16((uint16x8_t)b));
+    const uint32x4_t high = vmull_high_u16((uint16x8_t)a, (uint16x8_t)b);
+    return (U16)vuzp2q_u16(vreinterpretq_u16_u32(low), vreinterpretq_u16_u32(high));
+}
+GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept {
+    const int32x4_t low = vmull_s16(vget_low_s16((int16x8_t)a), vget_low_s16((int16x8_t)b));
+    const int32x4_t high = vmull_high_s16((int16x8_t)a, (int16x8_t)b);
+    return (U32)vpaddq_s32(low, high);
+}
+constexpr bool kJoinsByShift = true;
+GX_INLINE inline U32 JoinHighBytes(U16 low, U16 high) noexcept {
+    return (U32)vsriq_n_u16((uint16x8_t)high, (uint16x8_t)low, 8);
+}
+GX_INLINE inline U32 Twice(U32 w) noexcept { return (U32)vsliq_n_u32((uint32x4_t)w, (uint32x4_t)w, 16); }
+
+GX_INLINE inline F32 Repeat(const float* four) noexcept { return (F32)vld1q_f32(four); }
+GX_INLINE inline U32 Gather(const uint8_t* base, I32 offsets) noexcept {
+    return U32{WordAt(base + offsets[0]), WordAt(base + offsets[1]), WordAt(base + offsets[2]),
+               WordAt(base + offsets[3])};
+}
+GX_INLINE inline void GatherPairs(const uint8_t* base, I32 offsets, U32& first, U32& second) noexcept {
+    const auto two = [&](int i, int j) GX_INLINE {
+        return vcombine_u32(vreinterpret_u32_u8(vld1_u8(base + offsets[i])),
+                            vreinterpret_u32_u8(vld1_u8(base + offsets[j])));
+    };
+    const uint32x4_t a = two(0, 1);
+    const uint32x4_t b = two(2, 3);
+    first = (U32)vuzp1q_u32(a, b);
+    second = (U32)vuzp2q_u32(a, b);
+}
+constexpr uint32_t kNearWords = 0;
+GX_INLINE inline U32 Pick(const uint8_t*, size_t, I32) noexcept { return U32{}; }
+template <class V> GX_INLINE inline V Kept(V v) noexcept {
+    __asm__("" : "+w"(v));
+    return v;
+}
+
+// ---- Lanes of 64 bits ----
+
+GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept { return a ^ b ^ c; }
+/// Where a and b differ, c decides.
+GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept {
+    return (U64)vbslq_u64((uint64x2_t)(a ^ b), (uint64x2_t)c, (uint64x2_t)a);
+}
+GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept {
+    const U64 bits{1, 2};
+    return static_cast<uint32_t>(vaddvq_u64((uint64x2_t)((U64)mask & bits)));
+}
+GX_INLINE inline F64 Masked(I64 mask, F64 v) noexcept { return (F64)(mask & (I64)v); }
+GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (I64)(a < b) ? a : b; }
+GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (I64)(a > b) ? a : b; }
+/// The counts of the bytes of each lane: StoreShape adds up those of four vectors together.
+GX_INLINE inline U64 BitCount(U64 bits) noexcept { return (U64)vcntq_u8((uint8x16_t)bits); }
+GX_INLINE inline void StoreShape(uint8_t* out, const U64* c) noexcept {
+    const uint8x16_t low = vpaddq_u8((uint8x16_t)c[0], (uint8x16_t)c[1]);
+    const uint8x16_t high = vpaddq_u8((uint8x16_t)c[2], (uint8x16_t)c[3]);
+    const uint8x16_t pairs = vpaddq_u8(low, high);
+    const uint8x8_t n = vget_low_u8(vpaddq_u8(pairs, pairs));
+    // 4 * 64 - 1 comes out of bytes too; the subtraction alone would give 255 for n = 0.
+    vst1_u8(out, vand_u8(vsub_u8(vshl_n_u8(n, 2), vdup_n_u8(1)), vtst_u8(n, n)));
+}
+
+GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
+    int8x16_t zeros = vdupq_n_s8(0); // -1 for each zero byte
+    for (int i = 0; i < 4; ++i) {
+        zeros = vaddq_s8(zeros, vreinterpretq_s8_u8(vceqzq_u8((uint8x16_t)v[i])));
+    }
+    return static_cast<uint32_t>(64 + vaddlvq_s8(zeros));
+}
+GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
+    const U8 order{7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15};
+    return (U64)vqtbl1q_u8((uint8x16_t)v, (uint8x16_t)order);
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE
