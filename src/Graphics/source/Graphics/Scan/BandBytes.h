@@ -147,11 +147,19 @@ private:
         bits[c >> 9] |= uint64_t{1} << ((c >> 3) & 63);
     }
 
+    /// Flat edges skip pixels; blocks of eight between those that they change are marked all the same, because runs are
+    /// cut at the blocks from an edge's first to its last column in whatever form windings are kept.
     template <bool Clamp> void WalkBytes(uint8_t* row, uint64_t* bits, const RowPart& part) const noexcept {
         int64_t x = part.x;
         for (int32_t s = part.s; s < part.stop; ++s) {
             Add(row, bits, static_cast<uint32_t>(Column<Clamp>(x, part.limit)), s);
             x = Advance(x, m_step, 1);
+        }
+        const int32_t block0 = part.c0 >> 6;
+        const int32_t block1 = part.c1 >> 6;
+        const auto last = static_cast<uint32_t>(block0 < block1 ? block1 : block0);
+        for (auto block = static_cast<uint32_t>(block0 < block1 ? block0 : block1) + 1; block < last; ++block) {
+            bits[block >> 3] |= uint64_t{1} << (block & 7) * 8;
         }
     }
 

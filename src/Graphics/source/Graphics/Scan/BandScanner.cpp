@@ -200,7 +200,8 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     frame.bitWords = winding.BitWords(m_rowBlocks);
     const int32_t rows = lastRow - firstRow;
     const int32_t bandRows = BandRows(frame, rows);
-    const bool resolves = shape.windingBound > kLeastBound;
+    // Resolved rows have other cuts, since edges inside the figure leave no mark.
+    const bool resolves = shape.windingBound > kLeastBound && sink.TakesAnyCuts({left, firstRow, right, lastRow});
     m_headShift = resolves ? 3 : 3 + std::bit_width(static_cast<uint32_t>(bandRows)) - 1;
 
     Prepare(builder, frame, bandRows, rows);
@@ -354,8 +355,8 @@ int32_t BandScanner::ScanRows(const BandFrame& frame, int32_t rows, Rasterizatio
             // A row equal to the one before is sent with it.
             if (!m_hasEqualRows || NextChange(m_changes.data(), row, row + 1) == row) {
                 credit += static_cast<int64_t>(count) * kCreditPerEdge;
-                credit -= static_cast<int64_t>(
-                    m_kernels->resolve(target, m_edges.data(), m_active, m_activeCount, row * 8));
+                credit -=
+                    static_cast<int64_t>(m_kernels->resolve(target, m_edges.data(), m_active, m_activeCount, row * 8));
             }
             target.cells += plane.rowBytes;
             target.bits += plane.bitWords;
