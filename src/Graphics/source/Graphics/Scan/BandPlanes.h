@@ -60,11 +60,8 @@ inline void WalkScalar(uint8_t* row, size_t planeBytes, const RowPart& part, int
     }
 }
 
-/// Toggles an edge in part of a pixel row: in each sub-scanline the byte 0xFF << (c & 7) in the word of pixel c >> 3,
-/// where c is the edge's column there.
 #if GX_SIMD_BYTES == 64
-/// Sub-scanlines are lanes; each pixel takes the lanes whose column lies in it. The columns of `lanes` lie in pixels p0
-/// to p1 or, of those between any two lanes, in these two alone.
+/// Toggles the columns c of `lanes`, all in the pixels p0 to p1; each pixel takes the lanes whose column lies in it.
 template <int K>
 GX_INLINE inline void ToggleLanes(uint8_t* row, size_t planeBytes, I64 c, RowMask lanes, int32_t p0, int32_t p1,
                                   uint64_t flip) noexcept {
@@ -86,12 +83,14 @@ GX_INLINE inline void ToggleLanes(uint8_t* row, size_t planeBytes, I64 c, RowMas
     }
 }
 
+/// Toggles an edge in part of a pixel row: in each sub-scanline the byte 0xFF << (c & 7) in the word of pixel c >> 3,
+/// where c is the edge's column there. Sub-scanlines are lanes.
 class RowColumns {
 public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept
         : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
 
-    /// In the single plane, of an edge that stays in the pixels `low` and `low` + 1.
+    /// In the single plane, an edge that stays in the pixels `low` and `low` + 1. Reads and writes both.
     template <bool Clamp> GX_INLINE void TogglePair(uint8_t* row, const RowPart& part, int32_t low) const noexcept {
         const I64 c = Columns<Clamp>(part);
         TogglePixels(row + static_cast<size_t>(low) * 8, (U64{} + 0xFFU) << (U64)(c & 7), Lanes(part),
@@ -129,7 +128,8 @@ private:
     U64 m_steps;
 };
 #else
-/// Rows in which the edge stays inside one pixel are toggled at once, all others by sub-scanlines.
+/// The same for narrower sets: rows in which the edge stays inside one pixel are toggled at once, all others by
+/// sub-scanlines.
 class RowColumns {
 public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept

@@ -20,6 +20,8 @@ struct Crossings {
     F64 part[kParts];
 };
 
+GX_INLINE inline void ToggleWord(uint8_t* p, uint64_t mask) noexcept { Toggle<1, uint64_t>(p, 0, mask, 0); }
+
 class RowResolver {
 public:
     explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
@@ -121,8 +123,8 @@ private:
             const RowMask last = EqualLanes(static_cast<RowMask>(lanes & ~first), c >> 3, c1 >> 3);
             mark(c0);
             mark(c1);
-            Graphics::GX_SIMD_NAMESPACE::Toggle<1, uint64_t>(row + (c0 & ~7U), 0, LowBytes(first, columns), 0);
-            Graphics::GX_SIMD_NAMESPACE::Toggle<1, uint64_t>(row + (c1 & ~7U), 0, LowBytes(last, columns), 0);
+            ToggleWord(row + (c0 & ~7U), LowBytes(first, columns));
+            ToggleWord(row + (c1 & ~7U), LowBytes(last, columns));
             lanes &= ~(first | static_cast<uint32_t>(last));
         } while (lanes != 0);
 #else

@@ -21,9 +21,9 @@ constexpr int32_t kFarFine = 1 << 22;    // band edges represent vertices up to 
 constexpr int32_t kTallSubRows = 14 * 8; // from this height of an upright edge on, a search for equal rows pays
 
 /// Rows of a band, a power of two.
-int32_t BandRows(const BandFrame& frame, int32_t rows) noexcept {
+int32_t BandRows(size_t rowBytes, int32_t rows) noexcept {
     int32_t count = 1;
-    while (count < 64 && frame.rowBytes * static_cast<size_t>(count) * 2 <= kBandBytes && count < rows) {
+    while (count < 64 && rowBytes * static_cast<size_t>(count) * 2 <= kBandBytes && count < rows) {
         count *= 2;
     }
     return count;
@@ -199,12 +199,12 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     frame.rowBytes = winding.RowBytes(m_rowBlocks);
     frame.bitWords = winding.BitWords(m_rowBlocks);
     const int32_t rows = lastRow - firstRow;
-    const int32_t bandRows = BandRows(frame, rows);
+    const int32_t bandRows = BandRows(frame.rowBytes, rows);
     // Resolved rows have other cuts, since edges inside the figure leave no mark.
     const bool resolves = shape.windingBound > kLeastBound && sink.TakesAnyCuts({left, firstRow, right, lastRow});
     m_headShift = resolves ? 3 : 3 + std::bit_width(static_cast<uint32_t>(bandRows)) - 1;
 
-    Prepare(builder, frame, bandRows, rows);
+    Prepare(builder, frame, bandRows, rows, resolves);
     SetLimits(frame, visible);
     builder.ForEachSide([this](const Vertex& from, const Vertex& to) { AddSide(from, to); });
     m_hasEqualRows = FindChanges(rows);
@@ -221,11 +221,16 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     return true;
 }
 
-void BandScanner::Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows) {
-    // A single row at least of the form, or as many bytes in rows of the single plane.
-    const size_t cellBytes = std::max(frame.rowBytes * static_cast<size_t>(bandRows), kBandBytes);
-    const size_t bitCount =
-        std::max(frame.bitWords * static_cast<size_t>(bandRows), size_t{64} * ((m_rowBlocks + 63) / 64));
+void BandScanner::Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows, bool resolves) {
+    size_t cellBytes = frame.rowBytes * static_cast<size_t>(bandRows);
+    size_t bitCount = frame.bitWords * static_cast<size_t>(bandRows);
+    if (resolves) { // into rows of a single plane
+        const size_t rowBytes = kWindingForms[0].RowBytes(m_rowBlocks);
+        const auto planeRows = static_cast<size_t>(BandRows(rowBytes, rows));
+        cellBytes = std::max(cellBytes, rowBytes * planeRows);
+        bitCount = std::max(bitCount, kWindingForms[0].BitWords(m_rowBlocks) * planeRows);
+    }
+    cellBytes += sizeof(uint64_t); // two pixels are toggled together, also at the end of the last row
     if (m_dirty || m_cells.size() < cellBytes) {
         const size_t size = std::max(cellBytes, m_cells.size());
         m_cells.resize(size);
@@ -336,7 +341,7 @@ int32_t BandScanner::ScanRows(const BandFrame& frame, int32_t rows, Rasterizatio
     BandFrame plane = frame;
     plane.rowBytes = kWindingForms[0].RowBytes(m_rowBlocks);
     plane.bitWords = kWindingForms[0].BitWords(m_rowBlocks);
-    const int32_t bandRows = BandRows(plane, rows);
+    const int32_t bandRows = BandRows(plane.rowBytes, rows);
     BandFrame target = plane;      // the next row to be resolved
     int64_t credit = kFirstCredit; // places that edges may still be moved
     int32_t row = 0;

@@ -33,7 +33,7 @@ public:
 private:
     void AddSide(const Vertex& from, const Vertex& to);
     /// Sizes and clears the arrays of a fill of `rows` rows; all that may fail.
-    void Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows);
+    void Prepare(const EdgeBuilder& builder, BandFrame& frame, int32_t bandRows, int32_t rows, bool resolves);
     /// Sets the limits that AddSide compares with, for a frame inside `visible`.
     void SetLimits(const BandFrame& frame, const IntRect& visible) noexcept;
     /// Walks and sweeps band after band, from `row` on, into which the edges in the list `following` continue.
