@@ -28,6 +28,7 @@ public:
         m_started = false;
         m_start = m_previous = start;
         m_zone = ZoneOf(start);
+        m_isLost = Coordinate(start) != Coordinate(start);
     }
 
     void LineTo(const Point& p) {
@@ -37,6 +38,10 @@ public:
         const float v = Coordinate(p);
         if (v != v) {
             return; // NaN from an earlier overflow: no position
+        }
+        if (m_isLost) { // the figure begins where it first has a position
+            BeginFigure(p);
+            return;
         }
         const Zone zone = ZoneOf(p);
         if (zone == Zone::Inside && m_zone == Zone::Inside) {
@@ -147,6 +152,7 @@ private:
     float m_lower;
     float m_upper;
     const float m_tolerance;
+    bool m_isLost = false;  ///< no point so far has a position
     bool m_started = false; // whether BeginFigure was sent
     Point m_start{};
     Point m_previous{};
