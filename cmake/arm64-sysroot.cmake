@@ -4,10 +4,5 @@ get_filename_component(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/arm64-sy
 if(NOT EXISTS ${CMAKE_SYSROOT}/usr/include)
   message(FATAL_ERROR "No libraries for arm64 in ${CMAKE_SYSROOT}: run tools/sysroot.sh")
 endif()
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-if(NOT DEFINED CMAKE_FIND_ROOT_PATH_MODE_PACKAGE) # a host that finds an installed Graphics says BOTH
-  set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/cross-compiling.cmake)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/run-arm64)

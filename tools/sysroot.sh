@@ -18,7 +18,7 @@ fi
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-mkdir -p "$scratch"/{lists/partial,archives/partial,root}
+mkdir -p "$scratch"/{lists/partial,archives/partial,tree}
 : >"$scratch/status"
 cat >"$scratch/apt.conf" <<EOF
 APT::Architecture "arm64";
@@ -41,20 +41,20 @@ gx_say "Unpacking libraries for arm64 into $target"
 }
 
 # One folder for /lib and /usr/lib, as on an installed system. Documents and the programs of the packages are of no use here.
-mkdir -p "$scratch/root/usr/lib"
-ln -s usr/lib "$scratch/root/lib"
+mkdir -p "$scratch/tree/usr/lib"
+ln -s usr/lib "$scratch/tree/lib"
 for archive in "$scratch"/archives/*.deb; do
     dpkg-deb --fsys-tarfile "$archive" |
-        tar -x -C "$scratch/root" --keep-directory-symlink --no-same-owner --exclude='./usr/share/[!p]*' \
+        tar -x -C "$scratch/tree" --keep-directory-symlink --no-same-owner --exclude='./usr/share/[!p]*' \
             --exclude='./usr/bin' --exclude='./bin' --exclude='./sbin' --exclude='./usr/sbin' --exclude='./etc' --exclude='./var'
 done
 # Links to absolute names would lead out of the folder.
 while IFS= read -r -d '' link; do
     to=$(readlink "$link")
-    ln -sfn "$(realpath -m --relative-to="$(dirname "$link")" "$scratch/root$to")" "$link"
-done < <(find "$scratch/root" -type l -lname '/*' -print0)
+    ln -sfn "$(realpath -m --relative-to="$(dirname "$link")" "$scratch/tree$to")" "$link"
+done < <(find "$scratch/tree" -type l -lname '/*' -print0)
 
-printf '%s\n' "${packages[*]}" >"$scratch/root/.packages"
+printf '%s\n' "${packages[*]}" >"$scratch/tree/.packages"
 mkdir -p "$(dirname "$target")"
 rm -rf "$target"
-mv "$scratch/root" "$target"
+mv "$scratch/tree" "$target"

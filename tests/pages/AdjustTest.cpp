@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Pages without adjustment: lines, images and dots stand where the file has them, in their true size.
-#include "../../examples/pdfpage/PageRenderer.h"
 #include "Program.h"
 #include "TestFiles.h"
 
@@ -14,12 +13,7 @@ PdfPage::Picture Draw(const std::string& content, bool adjust, const std::vector
                       const std::string& resources = "") {
     const std::string file = TestPath(".pdf").string();
     WritePage(file, kSide, content, resources, "", objects);
-    PdfPage::Report report(false);
-    PdfPage::Document document(file, report);
-    PdfPage::Picture picture;
-    PdfPage::Page(document, 1, 72, adjust).Draw(&picture, nullptr);
-    report.EndPage();
-    return picture;
+    return DrawFile(file, adjust);
 }
 
 int Level(const PdfPage::Picture& picture, int x, int y) {

@@ -90,15 +90,6 @@ TEST(GroupRoads, KnowWhatGroupsCanChange) {
     EXPECT_TRUE(fz_is_empty_rect(fz_expand_rect(Survey("/H gs /A Do", "q Q", " ").back().bounds, -1.0f)));
 }
 
-PdfPage::Picture Draw(const std::string& file, bool adjust = true) {
-    PdfPage::Report report(false);
-    PdfPage::Document document(file, report);
-    PdfPage::Picture picture;
-    PdfPage::Page(document, 1, 72, adjust).Draw(&picture, nullptr);
-    report.EndPage();
-    return picture;
-}
-
 using Color = std::array<double, 3>;
 
 struct Layered {
@@ -173,7 +164,7 @@ TEST(Groups, BlendExactlyOnATransparentBackdrop) {
     for (const Case& c : cases) {
         const std::string file = TestPath(".pdf").string();
         WritePage(file, 240, c.content, all + "/XObject<</X 6 0 R>>", page, objects);
-        const PdfPage::Picture picture = Draw(file);
+        const PdfPage::Picture picture = DrawFile(file);
         for (size_t m = 0; m < std::size(kModes); ++m) {
             const Layered expected = Blended(kModes[m]);
             const size_t x = 60 * (m % 4) + 25, y = 240 - 60 * (m / 4) - 25;
@@ -198,7 +189,7 @@ TEST(Groups, TakeSoftMasksInKnockoutGroupsForOpacity) {
     WritePage(file, 72, "0.8 g 0 0 72 72 re f /X Do", "/XObject<</X 6 0 R>>", "",
               {Form(72, "0.5 g 0 0 72 72 re f", "", "/CS/DeviceGray"),
                Form(72, content, kResources, "/I true/K true/CS/DeviceRGB")});
-    const PdfPage::Picture picture = Draw(file);
+    const PdfPage::Picture picture = DrawFile(file);
     for (const size_t at : {size_t{30}, size_t{50}}) { // over the red square, and beside it
         const uint8_t* const pixel = picture.pixels.data() + (72 - at) * picture.StrideBytes() + 4 * at;
         EXPECT_NEAR(0.5 * 255 + 0.5 * 204, pixel[0], 2) << at;

@@ -89,3 +89,12 @@ void WriteEndlessFile(const std::filesystem::path& path) {
     AddForms(objects, 29, "/X Do /X Do");
     Write(path, objects);
 }
+
+PdfPage::Picture DrawFile(const std::string& file, bool adjust) {
+    PdfPage::Report report(false);
+    PdfPage::Document document(file, report);
+    PdfPage::Picture picture;
+    PdfPage::Page(document, 1, 72, adjust).Draw(&picture, nullptr);
+    report.EndPage();
+    return picture;
+}

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// PDF files made for one test, and such as are bad for who draws them.
+// PDF files made for one test, and such as are bad for who draws them; and how one is drawn.
 #pragma once
 
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#include "../../examples/pdfpage/PageRenderer.h"
 
 // One page of `side` by `side` points; `entries` stand in the page, `resources` in its dictionary of these, and
 // `objects` are numbered from 5.
@@ -23,3 +25,6 @@ void WriteKillingFile(const std::filesystem::path& path);
 // Two pages with a red square. The second one draws 2^28 of them, by forms that draw the next one twice: it takes
 // minutes, and as long as it goes on, more memory.
 void WriteEndlessFile(const std::filesystem::path& path);
+
+// The first page, at 72 dpi.
+PdfPage::Picture DrawFile(const std::string& file, bool adjust = true);
