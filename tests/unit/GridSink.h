@@ -69,4 +69,33 @@ private:
     bool m_takeBands;
 };
 
+/// Lets the rasterizer paint its rows; rows that are sent nevertheless are in the grid.
+class PaintedSink final : public GridSink {
+public:
+    /// Right of each row are kGuard pixels, which must not change.
+    PaintedSink(const IntRect& visible, uint32_t color)
+        : GridSink(visible), pixels((static_cast<size_t>(visible.right - visible.left) + kGuard) *
+                                    static_cast<size_t>(visible.bottom - visible.top)),
+          m_color(color) {}
+
+    [[nodiscard]] bool IsOneColor(const IntRect& r, SolidRows& rows) const override {
+        rows = {const_cast<uint32_t*>(&pixels[IndexOf(r.left, r.top)]), Stride() * 4, ahead, m_color};
+        return true;
+    }
+    [[nodiscard]] size_t IndexOf(int32_t x, int32_t y) const {
+        return static_cast<size_t>((y - grid.area.top) * Stride() + x - grid.area.left);
+    }
+
+    static constexpr size_t kGuard = 9;
+    std::vector<uint32_t> pixels;
+    ptrdiff_t ahead = 0;
+
+private:
+    [[nodiscard]] ptrdiff_t Stride() const {
+        return grid.area.right - grid.area.left + static_cast<ptrdiff_t>(kGuard);
+    }
+
+    uint32_t m_color;
+};
+
 } // namespace Graphics

@@ -13,6 +13,7 @@
 
 #include "Geometry/CurveFlattener.h"
 #include "KernelSets.h"
+#include "Pixels/PixelMath.h"
 #include "PlainCoverage.h"
 #include "Scan/Rasterizer.h"
 
@@ -45,6 +46,7 @@ protected:
             m_rasterizer.Finish(sink);
             ASSERT_TRUE(sink.rectangles.empty());
             Compare(expected, sink.grid, what + ", set " + std::to_string(set));
+            CheckPainted(expected, loops, clip, visible, evenOdd, what + ", painted, set " + std::to_string(set));
         }
         EdgeBuilder builder;
         builder.Begin(clip);
@@ -64,6 +66,38 @@ protected:
         Compare(expected, sink.grid, what + ", sorting");
     }
 
+    /// One colour over any pixels: each row is either painted, by the formula of Normal, or sent.
+    void CheckPainted(Grid& expected, const Loops& loops, const Rect& clip, const IntRect& visible, bool evenOdd,
+                      const std::string& what) {
+        constexpr uint32_t kColors[] = {0xFF8040C0U, 0x80402060U, 0x01010001U, 0xFFFFFFFFU};
+        constexpr uint32_t kPixels[] = {0xFF204060U, 0x00FFFFFFU, 0U, 0x7F112233U, 0xFFFFFFFFU};
+        const uint32_t color = kColors[m_painted++ % std::size(kColors)];
+        PaintedSink sink(visible, color);
+        for (size_t i = 0; i < sink.pixels.size(); ++i) {
+            sink.pixels[i] = kPixels[i % std::size(kPixels)];
+        }
+        sink.ahead = m_painted % 3 == 0 ? 64 : 0;
+        const std::vector<uint32_t> before = sink.pixels;
+        m_rasterizer.Begin(clip, visible, false);
+        m_rasterizer.SetFillRule(evenOdd ? 1 : 0);
+        Feed(m_rasterizer, loops);
+        m_rasterizer.Finish(sink);
+        for (int y = visible.top; y < visible.bottom; ++y) {
+            for (int x = visible.left; x < visible.right + static_cast<int>(PaintedSink::kGuard); ++x) {
+                const size_t at = sink.IndexOf(x, y);
+                const bool paints = x < visible.right && sink.grid.At(x, y) == 0;
+                const int coverage = paints ? expected.At(x, y) : 0;
+                const uint32_t scaled = ScalePixel(color, static_cast<uint32_t>(coverage) + 1U);
+                const uint32_t d = before[at];
+                const uint32_t over = d >> 24 == 0 ? scaled : ScalePixel(d, 256U - (scaled >> 24)) + scaled;
+                ASSERT_EQ(sink.pixels[at], coverage == 0 ? d : over) << what << " at " << x << ", " << y;
+                if (!paints && x < visible.right) {
+                    ASSERT_EQ(sink.grid.At(x, y), expected.At(x, y)) << what << " at " << x << ", " << y;
+                }
+            }
+        }
+    }
+
     static void Compare(Grid& expected, Grid& actual, const std::string& what) {
         for (int y = expected.area.top; y < expected.area.bottom; ++y) {
             for (int x = expected.area.left; x < expected.area.right; ++x) {
@@ -74,6 +108,7 @@ protected:
 
     std::vector<NamedKernels<BandKernels>> m_sets = EveryKernelSet<BandKernels>();
     Rasterizer m_rasterizer;
+    size_t m_painted = 0; // shapes so far
 };
 
 TEST_F(RasterizerTest, RandomShapesGiveThePlainCounts) {
@@ -431,6 +466,7 @@ TEST_F(RasterizerTest, RowsBetweenUprightSidesAreSentTogether) {
                 Compare(expected, sink.grid, "round " + std::to_string(round));
                 (accepts ? together : rows) += sink.calls;
             }
+            CheckPainted(expected, loops, clip, visible, evenOdd, "painted, round " + std::to_string(round));
         }
         if (HasFatalFailure()) {
             return;

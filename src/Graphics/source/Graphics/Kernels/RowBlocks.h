@@ -8,7 +8,6 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-GX_INLINE inline U32 WidenSome(const uint8_t* p, size_t n) noexcept { return n == kLanes ? Widen(p) : WidenPart(p, n); }
 GX_INLINE inline void NarrowSome(uint8_t* p, size_t n, U32 v) noexcept {
     n == kLanes ? Narrow(p, v) : NarrowPart(p, n, v);
 }

@@ -4,25 +4,10 @@
 
 #include "../Pixels/PixelMath.h"
 #include "RowFills.h"
+#include "RowSolid.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
-
-/// d * (256 - as) >> 8 + c; c if d is transparent.
-GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
-    return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
-}
-
-/// normalSolid for at most one vector of pixels. An opaque colour scaled by s has alpha 255 (s + 1) >> 8 = s.
-template <bool kOpaque = false>
-GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
-    const U32 s = WidenSome(shape, n);
-    const U32 d = LoadSome(dst, n);
-    const U32 both = Twice(s);
-    const U32 scaled = Scale(color, both + 0x00010001U);
-    const U32 complement = kOpaque ? 0x01000100U - both : ComplementOf(Alpha(scaled));
-    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
-}
 
 template <bool kOpaque>
 GX_INLINE inline void SolidShape(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) noexcept {
@@ -61,32 +46,6 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
         return;
     }
     alpha == 255 ? SolidShape<true>(dst, color, shape, count) : SolidShape<false>(dst, color, shape, count);
-}
-
-/// One run of constant coverage; the colour is already scaled by it.
-GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t color, size_t n) noexcept {
-    constexpr size_t kLongRun = 64;
-    const bool opaque = color >> 24 == 255;
-    if (n >= kLongRun || n < kLanes) {
-        opaque ? all.fill32(dst, color, n) : all.solidRectangle(dst, 0, color, color, color, n, 1);
-        return;
-    }
-    const U32 c = Splat(color);
-    size_t i = 0;
-    if (opaque) {
-        for (; i + kLanes <= n; i += kLanes) {
-            Store(dst + i, c);
-        }
-        Store(dst + n - kLanes, c);
-        return;
-    }
-    const U32 complement = ComplementOf(Alpha(c));
-    for (; i + kLanes <= n; i += kLanes) {
-        Store(dst + i, Over(Load(dst + i), c, complement));
-    }
-    if (i < n) {
-        all.solidRectangle(dst + i, 0, color, color, color, n - i, 1);
-    }
 }
 
 template <bool kOpaque>

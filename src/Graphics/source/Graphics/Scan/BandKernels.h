@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The two inner loops of the band scanner, one table for each instruction set; all give the same counts.
+// The inner loops of the band scanner, one table for each instruction set; all give the same counts.
 //
 // An edge that crosses sub-scanline s at column c of 1/8 pixel changes the winding of all columns from c on. Windings
 // are kept in one of two forms:
@@ -22,6 +22,9 @@
 #include "RasterizationSink.h"
 
 namespace Graphics {
+
+struct RowKernels;
+struct SolidRows;
 
 /// Fraction bits of a band edge's x: sub units times 2^42. X after k steps exceeds the exact quotient by less than 1 /
 /// denominator, so its integer part is exact (see BandScanner::AddSide).
@@ -74,6 +77,18 @@ static inline void SetBits(uint64_t* words, uint32_t first, uint32_t last) noexc
     return end;
 }
 
+/// The first row in [row, end) that equals the row before it; `end` if there is none.
+[[nodiscard]] static inline int32_t NextEqual(const uint64_t* changes, int32_t row, int32_t end) noexcept {
+    for (; row < end; row = (row | 63) + 1) {
+        const uint64_t equal = ~changes[static_cast<size_t>(row >> 6)] >> (row & 63);
+        if (equal != 0) {
+            row += __builtin_ctzll(equal);
+            return row < end ? row : end;
+        }
+    }
+    return end;
+}
+
 /// The most edges of a row whose windings are resolved by sorting.
 inline constexpr size_t kMostResolved = 128;
 
@@ -113,6 +128,8 @@ struct BandKernels {
                              int32_t bandLast, uint32_t following);
     /// Turns a row into runs and zeroes it. `shape` has room for all blocks, `runs` for two per block and one more.
     size_t (*sweep[kForms])(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t* shape, CoverageRun* runs);
+    /// sweep for the first `rows` rows of the frame, which it paints at once; prefetches up to a row below.
+    void (*paint[kForms])(const BandFrame& frame, size_t rows, const SolidRows& to, const RowKernels& kernels);
     /// Adds to the single plane of the frame's first row what bounds the non-zero inside of up to kMostResolved active
     /// edges, in the row that begins at sub-scanline `first`. Keeps those that continue below, in about their order from
     /// left to right. Returns how many places edges had to be moved.

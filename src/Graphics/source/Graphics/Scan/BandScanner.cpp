@@ -7,6 +7,8 @@
 #include <climits>
 #include <cstring>
 
+#include "../Kernels/RowKernels.h"
+
 namespace Graphics {
 
 namespace {
@@ -210,6 +212,7 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     m_hasEqualRows = FindChanges(rows);
     frame.changes = m_hasEqualRows ? m_changes.data() : nullptr;
 
+    m_isOneColor = sink.IsOneColor({left, firstRow, right, lastRow}, m_solid);
     int32_t row = 0;
     uint32_t following = kNoEdge;
     if (resolves && m_edgeRows >= kLeastResolved * rows && m_edgeRows * kPixelsApart <= int64_t{rows} * frame.width) {
@@ -283,6 +286,30 @@ void BandScanner::SetLimits(const BandFrame& frame, const IntRect& visible) noex
     }
 }
 
+void BandScanner::SweepRows(const BandFrame& frame, size_t form, int32_t first, int32_t behind, int32_t rows,
+                            RasterizationSink& sink) {
+    for (int32_t row = first; row < behind;) {
+        int32_t single = row; // the end of rows that are not followed by equal ones
+        if (m_isOneColor) {
+            single = m_hasEqualRows ? NextEqual(m_changes.data(), row + 1, rows) : rows;
+            single = std::min(single < rows ? single - 1 : rows, behind);
+        }
+        const auto at = static_cast<size_t>(row - first);
+        if (single == row) {
+            Sweep(frame, form, at, row, rows, sink);
+            ++row;
+            continue;
+        }
+        BandFrame part = frame;
+        part.cells += at * frame.rowBytes;
+        part.bits += at * frame.bitWords;
+        SolidRows to = m_solid;
+        to.pixels = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(to.pixels) + row * to.strideBytes);
+        m_kernels->paint[form](part, static_cast<size_t>(single - row), to, ActiveKernels());
+        row = single;
+    }
+}
+
 void BandScanner::ScanBands(const BandFrame& frame, size_t form, int32_t bandRows, int32_t rows, int32_t row,
                             uint32_t following, RasterizationSink& sink) {
     const auto walk = m_kernels->walk[form];
@@ -295,9 +322,8 @@ void BandScanner::ScanBands(const BandFrame& frame, size_t form, int32_t bandRow
                 following = walk(frame, m_edges.data(), head, row * 8, behind * 8, following);
             }
         }
-        for (const int32_t first = row; row < behind; ++row) {
-            Sweep(frame, form, static_cast<size_t>(row - first), row, rows, sink);
-        }
+        SweepRows(frame, form, row, behind, rows, sink);
+        row = behind;
     }
 }
 
@@ -366,9 +392,7 @@ int32_t BandScanner::ScanRows(const BandFrame& frame, int32_t rows, Rasterizatio
             target.cells += plane.rowBytes;
             target.bits += plane.bitWords;
         }
-        for (int32_t sent = first; sent < row; ++sent) {
-            Sweep(plane, 0, static_cast<size_t>(sent - first), sent, rows, sink);
-        }
+        SweepRows(plane, 0, first, row, rows, sink);
     }
     return row;
 }

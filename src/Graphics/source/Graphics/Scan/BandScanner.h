@@ -47,6 +47,9 @@ private:
     [[nodiscard]] bool Activate(uint32_t head) noexcept;
     /// Moves the active edges down to `row` and makes a list of them.
     [[nodiscard]] uint32_t Relink(int32_t row) noexcept;
+    /// Sweeps the rows [first, behind) of the fill, which begin the frame, and sends or paints them.
+    void SweepRows(const BandFrame& frame, size_t form, int32_t first, int32_t behind, int32_t rows,
+                   RasterizationSink& sink);
     /// Sweeps row `row` of the fill and sends it, and the equal rows behind it.
     void Sweep(const BandFrame& frame, size_t form, size_t bandRow, int32_t row, int32_t rows, RasterizationSink& sink);
     /// Finds the rows that differ from the row before. False, with nothing found, where the search would not pay.
@@ -74,6 +77,8 @@ private:
     int64_t m_edgeRows = 0;  // sum of the rows that edges cross
     size_t m_rowBlocks = 0;
     size_t m_activeCount = 0;
+    bool m_isOneColor = false;
+    SolidRows m_solid{}; // from the frame's first row on; valid if m_isOneColor
     bool m_hasEqualRows = false;
     bool m_hasUpright = false; // an upright edge spans several rows
     int32_t m_leftSub = 0;

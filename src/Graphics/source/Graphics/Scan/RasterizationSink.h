@@ -5,6 +5,7 @@
 #include <span>
 
 #include "../Types.h"
+#include "SolidRows.h"
 
 namespace Graphics {
 
@@ -38,6 +39,13 @@ public:
     [[nodiscard]] virtual bool TakesAnyCuts(const IntRect& r) const {
         static_cast<void>(r);
         return true;
+    }
+    /// Whether all output inside `r` is one colour in the Normal mode, which the scanner may paint itself instead of
+    /// calling Row; `rows` is then set to the rows of r.
+    [[nodiscard]] virtual bool IsOneColor(const IntRect& r, SolidRows& rows) const {
+        static_cast<void>(r);
+        static_cast<void>(rows);
+        return false;
     }
     /// Rows [y0, y1), at least one, with the same runs; the sink does not change runs or bytes. False, with nothing
     /// done, if the sink requires single rows.

@@ -40,6 +40,9 @@ template <class V> GX_INLINE inline void StoreSome(void* p, size_t n, V v) noexc
     StorePart(p, n, (U32)v);
 }
 
+/// The first n bytes, each widened to a word, then zeros.
+GX_INLINE inline U32 WidenSome(const uint8_t* p, size_t n) noexcept { return n == kLanes ? Widen(p) : WidenPart(p, n); }
+
 /// Calls step(i, n) along a row; the last block may be short.
 template <class Step> GX_INLINE inline void ForBlocks(size_t count, Step&& step) noexcept {
     size_t i = 0;

@@ -116,6 +116,28 @@ template <class V> GX_INLINE inline V Kept(V v) noexcept {
     return v;
 }
 
+// ---- Half a vector: eight lanes of 32 bits ----
+
+using HalfU16 = uint16_t __attribute__((vector_size(GX_SIMD_BYTES / 2)));
+using HalfU32 = uint32_t __attribute__((vector_size(GX_SIMD_BYTES / 2)));
+
+GX_INLINE inline __mmask8 FirstOfHalf(size_t n) noexcept {
+    return static_cast<__mmask8>(n < 8 ? (1U << n) - 1U : 0xFFU);
+}
+/// The first n words, then zeros; all eight from n = 8 on.
+GX_INLINE inline HalfU32 LoadHalf(const void* p, size_t n) noexcept {
+    return (HalfU32)_mm256_maskz_loadu_epi32(FirstOfHalf(n), p);
+}
+GX_INLINE inline void StoreHalf(void* p, size_t n, HalfU32 v) noexcept {
+    _mm256_mask_storeu_epi32(p, FirstOfHalf(n), (__m256i)v);
+}
+GX_INLINE inline HalfU32 WidenHalf(const uint8_t* p) noexcept {
+    return (HalfU32)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+}
+GX_INLINE inline HalfU16 MultiplyHigh(HalfU16 a, HalfU16 b) noexcept {
+    return (HalfU16)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
+}
+
 // ---- Lanes of 64 bits ----
 
 GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept {

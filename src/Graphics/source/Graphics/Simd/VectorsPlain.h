@@ -19,6 +19,16 @@ GX_INLINE inline U32 LoadPart(const void* p, size_t n) noexcept {
 }
 GX_INLINE inline void StorePart(void* p, size_t n, U32 v) noexcept { __builtin_memcpy(p, &v, n * 4); }
 
+/// Widens the first n bytes, then zeros; widens kLanes bytes.
+GX_INLINE inline U32 WidenPart(const uint8_t* p, size_t n) noexcept {
+    U32 v{};
+    for (size_t i = 0; i < n; ++i) {
+        v[i] = p[i];
+    }
+    return v;
+}
+GX_INLINE inline U32 Widen(const uint8_t* p) noexcept { return WidenPart(p, kLanes); }
+
 // ---- Lanes of 32 bits ----
 
 /// One bit for each lane of a mask.

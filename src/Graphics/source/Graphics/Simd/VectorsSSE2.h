@@ -61,7 +61,6 @@ GX_INLINE inline U32 WidenWord(uint32_t bytes) noexcept {
     const __m128i halves = _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(bytes)), zero);
     return (U32)_mm_unpacklo_epi16(halves, zero);
 }
-/// Widens kLanes bytes; widens the first n.
 GX_INLINE inline U32 Widen(const uint8_t* p) noexcept {
     uint32_t bytes;
     __builtin_memcpy(&bytes, p, 4);

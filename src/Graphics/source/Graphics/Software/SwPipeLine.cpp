@@ -14,9 +14,6 @@ constexpr int32_t kMaskChunk = 1024;
 
 /// Shorter rows follow each other so closely that prefetching the next one only costs time.
 constexpr size_t kPrefetchFrom = 64;
-/// The limit for runs between a shape's edges, which may lie elsewhere in the next row.
-constexpr size_t kPrefetchRun = 256;
-
 /// On targets from this size on, pixels at a shape's edges are prefetched some rows ahead, near where the edges will
 /// be. On cached targets this would cost small shapes a few hundredths of their time.
 constexpr ptrdiff_t kFarBytes = 8 << 20;
@@ -128,7 +125,7 @@ void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {
             if (m_isFar && y + kAhead < m_bounds.bottom) {
                 m_kernels.prefetch(Pixels(run.x0, y + kAhead), n);
             }
-        } else if (n >= kPrefetchRun && y + 1 < m_bounds.bottom) {
+        } else if (n >= SolidRows::kPrefetchRun && y + 1 < m_bounds.bottom) {
             m_kernels.prefetch(Pixels(run.x0, y + 1), n);
         }
     }
@@ -157,7 +154,7 @@ bool SwPipeLine::PlainBlock(const IntRect& r) {
                                 static_cast<size_t>(r.right - r.left), static_cast<size_t>(r.bottom - r.top));
         } else {
             const CoverageRun run{r.left, r.right, nullptr, 255};
-            SolidRows(r.top, r.bottom, {&run, 1});
+            EqualRows(r.top, r.bottom, {&run, 1});
         }
         return true;
     }
@@ -180,7 +177,7 @@ void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bot
 }
 
 /// Constant coverage scales the colour once for all rows.
-void SwPipeLine::SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
+void SwPipeLine::EqualRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {
     const IntRect r = Intersect({runs.front().x0, y0, runs.back().x1, y1}, m_bounds);
     if (IsEmpty(r) || m_solid >> 24 == 0) {
         return;
@@ -252,6 +249,14 @@ void SwPipeLine::DirectRun(const IntRect& r, const SwDirectBlock& block, const u
     });
 }
 
+bool SwPipeLine::IsOneColor(const IntRect& r, SolidRows& rows) const {
+    if (!m_isSolid || m_solid >> 24 == 0 || m_target.makesOpaque || !IsPlain() || Intersect(r, m_bounds) != r) {
+        return false;
+    }
+    rows = {Pixels(r.left, r.top), m_target.colorStride, m_isFar ? kAhead * m_target.colorStride : 0, m_solid};
+    return true;
+}
+
 bool SwPipeLine::TakesAnyCuts(const IntRect& r) const {
     if (m_shapeMaskCount != 0 || m_opacityMask != nullptr) {
         return false;
@@ -265,7 +270,7 @@ bool SwPipeLine::Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs)
         return false;
     }
     if (m_isSolid) {
-        SolidRows(y0, y1, runs);
+        EqualRows(y0, y1, runs);
         return true;
     }
     for (const CoverageRun& run : runs) {

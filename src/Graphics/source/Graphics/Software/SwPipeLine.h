@@ -82,6 +82,7 @@ public:
     void Row(int32_t y, std::span<CoverageRun> runs) override;
     void Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) override;
     [[nodiscard]] bool TakesAnyCuts(const IntRect& r) const override;
+    [[nodiscard]] bool IsOneColor(const IntRect& r, SolidRows& rows) const override;
     bool Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) override;
 
     /// Whether full coverage replaces the pixels below.
@@ -107,7 +108,7 @@ private:
     /// others.
     [[nodiscard]] bool PlainBlock(const IntRect& r);
     /// SolidRow for rows with the same runs.
-    void SolidRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs);
+    void EqualRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs);
     void DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape);
     /// Paints the span [x0, x1), inside the bounds; if `shape` is null the coverage is `value`.
     void PaintSpan(int32_t y, int32_t x0, int32_t x1, uint8_t* shape, uint8_t value);

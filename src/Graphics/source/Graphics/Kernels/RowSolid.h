@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// Parts of a row in one colour and the Normal mode: a few pixels through shape bytes, and runs of constant coverage. The
+// row loops and the sweeps of the rasterizer are made of them.
+#pragma once
+
+#include "../Simd/Channels.h"
+#include "RowKernels.h"
+
+namespace Graphics::GX_SIMD_NAMESPACE {
+namespace {
+
+/// d * (256 - as) >> 8 + c; c if d is transparent.
+GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
+    return Select(IsZero(d & 0xFF000000U), c, Scale(d, complement) + c);
+}
+
+/// normalSolid for at most one vector of pixels. An opaque colour scaled by s has alpha 255 (s + 1) >> 8 = s.
+template <bool kOpaque = false>
+GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
+    const U32 s = WidenSome(shape, n);
+    const U32 d = LoadSome(dst, n);
+    const U32 both = Twice(s);
+    const U32 scaled = Scale(color, both + 0x00010001U);
+    const U32 complement = kOpaque ? 0x01000100U - both : ComplementOf(Alpha(scaled));
+    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
+}
+
+/// One colour over eight pixels at a time, the pixels of a block of the rasterizer.
+template <bool kOpaque> class SolidBlock {
+public:
+#if GX_SIMD_BYTES == 64
+    // Vectors of 64 bytes would be half empty, and cross a cache line at every second block.
+    explicit SolidBlock(uint32_t color) noexcept
+        : m_even((HalfU16)(HalfU32{} + color) << 8), m_odd((HalfU16)(HalfU32{} + color) >> 8) {}
+
+    /// The first n pixels, n > 0; `shape` has eight bytes.
+    GX_INLINE void Paint(uint32_t* dst, const uint8_t* shape, size_t n) const noexcept {
+        const HalfU32 s = WidenHalf(shape);
+        const HalfU32 d = LoadHalf(dst, n);
+        const HalfU32 both = s | s << 16;
+        const HalfU32 scaled = Join(m_even, m_odd, (HalfU16)both + 1U);
+        const HalfU32 alpha = kOpaque ? both : scaled >> 24 | (scaled >> 24) << 16;
+        const HalfU32 under = Join((HalfU16)d << 8, (HalfU16)d >> 8, 256U - (HalfU16)alpha);
+        const HalfU32 over = (d & 0xFF000000U) != 0U ? scaled + under : scaled;
+        StoreHalf(dst, n, s == 0U ? d : over);
+    }
+
+private:
+    /// even * k >> 8, and odd * k in the high bytes.
+    GX_INLINE static HalfU32 Join(HalfU16 even, HalfU16 odd, HalfU16 k) noexcept {
+        return (HalfU32)(MultiplyHigh(even, k) | ((odd * k) & 0xFF00U));
+    }
+
+    HalfU16 m_even; // blue and red in the high bytes of their halves
+    HalfU16 m_odd;  // green and alpha in the low ones
+#else
+    explicit SolidBlock(uint32_t color) noexcept : m_color(Splat(color)) {}
+
+    /// The first n pixels, n > 0; `shape` has eight bytes.
+    GX_INLINE void Paint(uint32_t* dst, const uint8_t* shape, size_t n) const noexcept {
+        for (size_t i = 0; i < 8 && i < n; i += kLanes) {
+            ShapedSolid<kOpaque>(dst + i, m_color, shape + i, n - i < kLanes ? n - i : kLanes);
+        }
+    }
+
+private:
+    U32 m_color;
+#endif
+};
+
+/// One run of constant coverage; the colour is already scaled by it.
+GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t color, size_t n) noexcept {
+    constexpr size_t kLongRun = 64;
+    const bool opaque = color >> 24 == 255;
+    if (n >= kLongRun || n < kLanes) {
+        opaque ? all.fill32(dst, color, n) : all.solidRectangle(dst, 0, color, color, color, n, 1);
+        return;
+    }
+    const U32 c = Splat(color);
+    size_t i = 0;
+    if (opaque) {
+        for (; i + kLanes <= n; i += kLanes) {
+            Store(dst + i, c);
+        }
+        Store(dst + n - kLanes, c);
+        return;
+    }
+    const U32 complement = ComplementOf(Alpha(c));
+    for (; i + kLanes <= n; i += kLanes) {
+        Store(dst + i, Over(Load(dst + i), c, complement));
+    }
+    if (i < n) {
+        all.solidRectangle(dst + i, 0, color, color, color, n - i, 1);
+    }
+}
+
+} // namespace
+} // namespace Graphics::GX_SIMD_NAMESPACE
