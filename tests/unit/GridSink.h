@@ -91,9 +91,7 @@ public:
     ptrdiff_t ahead = 0;
 
 private:
-    [[nodiscard]] ptrdiff_t Stride() const {
-        return grid.area.right - grid.area.left + static_cast<ptrdiff_t>(kGuard);
-    }
+    [[nodiscard]] ptrdiff_t Stride() const { return grid.area.right - grid.area.left + static_cast<ptrdiff_t>(kGuard); }
 
     uint32_t m_color;
 };
