@@ -14,7 +14,7 @@ namespace Graphics {
 namespace {
 
 constexpr size_t kBandBytes = 128U << 10; // of cells: a band stays in the second-level cache
-constexpr uint32_t kLeastBound = 3;
+constexpr uint32_t kLeastBound = 7;
 constexpr int64_t kLeastResolved = 6;
 constexpr int64_t kPixelsApart = 10;
 constexpr int64_t kCreditPerEdge = 2;
