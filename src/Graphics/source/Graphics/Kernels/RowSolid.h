@@ -25,48 +25,68 @@ GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape
     StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
 }
 
-/// One colour over eight pixels at a time, the pixels of a block of the rasterizer.
+#if GX_SIMD_BYTES == 64
+/// The shape bytes of eight pixels, as SolidBlock takes them.
+using EightShapes = HalfU32;
+GX_INLINE inline EightShapes EightOf(uint64_t bytes) noexcept {
+    return WidenHalf(reinterpret_cast<const uint8_t*>(&bytes));
+}
+GX_INLINE inline EightShapes EightTimes(uint8_t shape) noexcept { return HalfU32{} + shape; }
+
+/// One colour over eight pixels at a time, the pixels of a block of the rasterizer. Vectors of 64 bytes would be half
+/// empty, and cross a cache line at every second block.
 template <bool kOpaque> class SolidBlock {
 public:
-#if GX_SIMD_BYTES == 64
-    // Vectors of 64 bytes would be half empty, and cross a cache line at every second block.
     explicit SolidBlock(uint32_t color) noexcept
-        : m_even((HalfU16)(HalfU32{} + color) << 8), m_odd((HalfU16)(HalfU32{} + color) >> 8) {}
+        : m_even(Kept((HalfU16)(HalfU32{} + color) << 8)), m_odd(Kept((HalfU16)(HalfU32{} + color) >> 8)),
+          m_high(Kept(HalfU16{} + 0xFF00U)), m_whole(Kept(HalfU16{} + 256U)), m_alpha(Kept(HalfU32{} + 0xFF000000U)) {}
 
-    /// The first n pixels, n > 0; `shape` has eight bytes.
-    GX_INLINE void Paint(uint32_t* dst, const uint8_t* shape, size_t n) const noexcept {
-        const HalfU32 s = WidenHalf(shape);
+    /// The first n pixels, n > 0.
+    GX_INLINE void Paint(uint32_t* dst, EightShapes s, size_t n) const noexcept {
         const HalfU32 d = LoadHalf(dst, n);
         const HalfU32 both = s | s << 16;
         const HalfU32 scaled = Join(m_even, m_odd, (HalfU16)both + 1U);
         const HalfU32 alpha = kOpaque ? both : scaled >> 24 | (scaled >> 24) << 16;
-        const HalfU32 under = Join((HalfU16)d << 8, (HalfU16)d >> 8, 256U - (HalfU16)alpha);
-        const HalfU32 over = (d & 0xFF000000U) != 0U ? scaled + under : scaled;
+        const HalfU32 under = Join((HalfU16)d << 8, (HalfU16)d >> 8, m_whole - (HalfU16)alpha);
+        const HalfU32 over = (d & m_alpha) != 0U ? scaled + under : scaled;
         StoreHalf(dst, n, s == 0U ? d : over);
     }
 
 private:
     /// even * k >> 8, and odd * k in the high bytes.
-    GX_INLINE static HalfU32 Join(HalfU16 even, HalfU16 odd, HalfU16 k) noexcept {
-        return (HalfU32)(MultiplyHigh(even, k) | ((odd * k) & 0xFF00U));
+    GX_INLINE HalfU32 Join(HalfU16 even, HalfU16 odd, HalfU16 k) const noexcept {
+        return (HalfU32)(MultiplyHigh(even, k) | ((odd * k) & m_high));
     }
 
     HalfU16 m_even; // blue and red in the high bytes of their halves
     HalfU16 m_odd;  // green and alpha in the low ones
+    HalfU16 m_high;
+    HalfU16 m_whole;
+    HalfU32 m_alpha;
+};
 #else
+struct EightShapes {
+    uint8_t bytes[8];
+};
+GX_INLINE inline EightShapes EightOf(uint64_t bytes) noexcept { return __builtin_bit_cast(EightShapes, bytes); }
+GX_INLINE inline EightShapes EightTimes(uint8_t shape) noexcept {
+    return EightOf(shape * uint64_t{0x0101010101010101U});
+}
+
+template <bool kOpaque> class SolidBlock {
+public:
     explicit SolidBlock(uint32_t color) noexcept : m_color(Splat(color)) {}
 
-    /// The first n pixels, n > 0; `shape` has eight bytes.
-    GX_INLINE void Paint(uint32_t* dst, const uint8_t* shape, size_t n) const noexcept {
+    GX_INLINE void Paint(uint32_t* dst, const EightShapes& shapes, size_t n) const noexcept {
         for (size_t i = 0; i < 8 && i < n; i += kLanes) {
-            ShapedSolid<kOpaque>(dst + i, m_color, shape + i, n - i < kLanes ? n - i : kLanes);
+            ShapedSolid<kOpaque>(dst + i, m_color, shapes.bytes + i, n - i < kLanes ? n - i : kLanes);
         }
     }
 
 private:
     U32 m_color;
-#endif
 };
+#endif
 
 /// One run of constant coverage; the colour is already scaled by it.
 GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t color, size_t n) noexcept {

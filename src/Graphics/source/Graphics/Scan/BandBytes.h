@@ -83,6 +83,13 @@ public:
         }
     }
 
+    /// The shape bytes of eight pixels.
+    struct Shapes {
+        GX_INLINE void StoreShapes(uint8_t* out) const noexcept { std::memcpy(out, &bytes, sizeof bytes); }
+
+        uint64_t bytes;
+    };
+
     /// The windings of a row from left to right.
     class Sums {
     public:
@@ -100,8 +107,8 @@ public:
             marks &= ~(uint64_t{0xFF} << block);
             return block;
         }
-        /// Writes the shape bytes of the eight pixels from `pixel` on; zeroes the marked ones.
-        GX_INLINE void Block(uint8_t* row, size_t pixel, uint32_t pixels, uint8_t* shape) noexcept {
+        /// Sums the eight pixels from `pixel` on; zeroes the marked ones.
+        GX_INLINE Shapes Block(uint8_t* row, size_t pixel, uint32_t pixels) noexcept {
             uint8_t* const cells = row + pixel * 64;
             uint64_t eight = ConstantShapes();
             do {
@@ -111,7 +118,7 @@ public:
                 const uint64_t low = (uint64_t{1} << (8 * p)) - 1;
                 eight = (eight & low) | (ConstantShapes() << 8 | own) << (8 * p);
             } while (pixels != 0);
-            std::memcpy(shape, &eight, 8);
+            return {eight};
         }
 
     private:

@@ -4,11 +4,23 @@
 
 #include "../Kernels/RowSolid.h"
 #include "../Pixels/PixelMath.h"
-#include "BandKernels.h"
+#include "BandBytes.h"
+#include "BandPlanes.h"
 #include "SolidRows.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
+
+#if GX_SIMD_BYTES == 64
+GX_INLINE inline EightShapes EightOf(const Counts& counts) noexcept { return ShapeWords(counts.parts[0]); }
+#else
+GX_INLINE inline EightShapes EightOf(const Counts& counts) noexcept {
+    EightShapes shapes;
+    counts.StoreShapes(shapes.bytes);
+    return shapes;
+}
+#endif
+GX_INLINE inline EightShapes EightOf(const Bytes::Shapes& shapes) noexcept { return EightOf(shapes.bytes); }
 
 /// What SweepRow does, with pixels for runs.
 template <class Windings, bool kOpaque> class RowPainter {
@@ -32,13 +44,12 @@ public:
                 if (from > done) {
                     Gap(dst, done, from < m_frame.width ? from : m_frame.width, sums.Inside());
                 }
-                uint8_t shape[8];
-                sums.Block(cells, static_cast<size_t>(from), pixels, shape);
+                const EightShapes shapes = EightOf(sums.Block(cells, static_cast<size_t>(from), pixels));
                 if (from < m_frame.width) { // the guard word may lie in a block of its own
                     if (m_to.ahead != 0) {
                         __builtin_prefetch(reinterpret_cast<uint8_t*>(dst + from) + m_to.ahead, 1);
                     }
-                    m_block.Paint(dst + from, shape, static_cast<size_t>(m_frame.width - from));
+                    m_block.Paint(dst + from, shapes, static_cast<size_t>(m_frame.width - from));
                 }
                 done = from + 8;
             } while (marks != 0);
@@ -56,9 +67,7 @@ private:
         }
         const auto n = static_cast<size_t>(to - from);
         if (n <= 8) { // as a block: fewer branches, and gaps of one block are frequent
-            uint8_t shape[8];
-            std::memset(shape, static_cast<int>(count * 4 - 1), sizeof shape);
-            m_block.Paint(dst + from, shape, n);
+            m_block.Paint(dst + from, EightTimes(static_cast<uint8_t>(count * 4 - 1)), n);
             return;
         }
         if (n >= SolidRows::kPrefetchRun) {

@@ -182,9 +182,63 @@ template <int K> inline void AddPlanes(U64* a, const U64* b) {
     }
 }
 
-/// Copies column 7 of each sub-scanline to all of its columns.
-GX_INLINE inline U64 SpreadColumn7(U64 v) { return (U64)((I8)v < 0); }
+#if GX_SIMD_BYTES == 64
+/// The winding in column 7 of each pixel of a block, summed from the left. A bit for each sample of that column is all that
+/// is summed: bit 8 p + s belongs to pixel p and sub-scanline s. Element j holds bit j of the windings. General registers
+/// do that faster than vectors, and beside them.
+template <int K> class ColumnSums {
+public:
+    /// Takes the sum left of the block further to that right of it. `left` is the sum left of each pixel, in all columns.
+    GX_INLINE void Add(const U64* w, U64* left) noexcept {
+        uint64_t sum[K];
+        for (int j = 0; j < K; ++j) {
+            sum[j] = HighBits(w[j]);
+        }
+        AddMoved<8>(sum);
+        AddMoved<16>(sum);
+        AddMoved<32>(sum);
+        uint64_t carry[K];
+        for (int j = 0; j < K; ++j) {
+            carry[j] = m_carry[j] * kOnes;
+        }
+        AddBits(sum, carry);
+        for (int j = 0; j < K; ++j) {
+            left[j] = SpreadBits(sum[j] << 8 | m_carry[j]);
+            m_carry[j] = sum[j] >> 56;
+        }
+    }
 
+    /// The number of sub-scanlines in which the sum is not 0.
+    GX_INLINE uint32_t Inside() const noexcept {
+        uint64_t inside = m_carry[0];
+        for (int j = 1; j < K; ++j) {
+            inside |= m_carry[j];
+        }
+        return static_cast<uint32_t>(__builtin_popcountll(inside));
+    }
+
+private:
+    static constexpr uint64_t kOnes = 0x0101010101010101U;
+
+    GX_INLINE static void AddBits(uint64_t* a, const uint64_t* b) noexcept {
+        uint64_t carry = 0;
+        for (int j = 0; j < K; ++j) {
+            const uint64_t sum = a[j] ^ b[j] ^ carry;
+            carry = (a[j] & b[j]) | (carry & (a[j] | b[j]));
+            a[j] = sum;
+        }
+    }
+    template <int kBits> GX_INLINE static void AddMoved(uint64_t* a) noexcept {
+        uint64_t up[K];
+        for (int j = 0; j < K; ++j) {
+            up[j] = a[j] << kBits;
+        }
+        AddBits(a, up);
+    }
+
+    uint64_t m_carry[K] = {};
+};
+#else
 template <int K, size_t N> inline void AddShifted(U64* a) {
     U64 up[K];
     for (int j = 0; j < K; ++j) {
@@ -193,41 +247,71 @@ template <int K, size_t N> inline void AddShifted(U64* a) {
     AddPlanes<K>(a, up);
 }
 
-/// Writes the shape bytes of a block of eight pixels and zeroes the block. On entry `carry` is the winding left of the
-/// block, on return the winding right of it, in every lane.
-template <int K> inline void SweepBlock(uint8_t* cells, size_t planeBytes, U64* carry, uint8_t* out) {
-    constexpr size_t kParts = 8 / kLongLanes;
-    U64 counts[kParts];
-    for (size_t part = 0; part < kParts; ++part) {
-        U64 w[K];
-        U64 right[K]; // winding in column 7 of each pixel, spread over all columns
+/// The winding in column 7 of each pixel of a block, summed from the left. Element j holds bit j of the windings, in all
+/// columns of each sub-scanline.
+template <int K> class ColumnSums {
+public:
+    /// Takes the sum left of the pixels w further to that right of them. `left` is the sum left of each pixel.
+    GX_INLINE void Add(const U64* w, U64* left) noexcept {
+        U64 right[K];
         for (int j = 0; j < K; ++j) {
-            auto* p = reinterpret_cast<uint64_t*>(cells + static_cast<size_t>(j) * planeBytes) + part * kLongLanes;
-            w[j] = Load<U64>(p);
-            Store(p, U64{});
-            right[j] = SpreadColumn7(w[j]);
+            right[j] = (U64)((I8)w[j] < 0);
         }
         AddShifted<K, 1>(right);
         if constexpr (kLongLanes > 2) {
             AddShifted<K, 2>(right);
         }
-        if constexpr (kLongLanes > 4) {
-            AddShifted<K, 4>(right);
-        }
-        AddPlanes<K>(right, carry);
-        U64 left[K];
+        AddPlanes<K>(right, m_carry);
         for (int j = 0; j < K; ++j) {
-            left[j] = MovedUp<1>(right[j], carry[j]);
-            carry[j] = Last(right[j]);
+            left[j] = MovedUp<1>(right[j], m_carry[j]);
+            m_carry[j] = Last(right[j]);
         }
+    }
+
+    /// The number of sub-scanlines in which the sum is not 0.
+    GX_INLINE uint32_t Inside() const noexcept {
+        U64 inside = m_carry[0];
+        for (int j = 1; j < K; ++j) {
+            inside |= m_carry[j];
+        }
+        constexpr uint64_t kOnes = 0x0101010101010101U;
+        return static_cast<uint32_t>((inside[0] & kOnes) * kOnes >> 56);
+    }
+
+private:
+    U64 m_carry[K] = {};
+};
+#endif
+
+/// The sample counts of eight pixels.
+struct Counts {
+    static constexpr size_t kParts = 8 / kLongLanes;
+
+    GX_INLINE void StoreShapes(uint8_t* out) const noexcept { StoreShape(out, parts); }
+
+    U64 parts[kParts];
+};
+
+/// Counts the samples inside of a block of eight pixels and zeroes it.
+template <int K> GX_INLINE inline Counts SweepBlock(uint8_t* cells, size_t planeBytes, ColumnSums<K>& sums) {
+    Counts counts;
+    for (size_t part = 0; part < Counts::kParts; ++part) {
+        U64 w[K];
+        for (int j = 0; j < K; ++j) {
+            auto* p = reinterpret_cast<uint64_t*>(cells + static_cast<size_t>(j) * planeBytes) + part * kLongLanes;
+            w[j] = Load<U64>(p);
+            Store(p, U64{});
+        }
+        U64 left[K];
+        sums.Add(w, left);
         AddPlanes<K>(w, left);
         U64 inside = w[0];
         for (int j = 1; j < K; ++j) {
             inside |= w[j];
         }
-        counts[part] = BitCount(inside);
+        counts.parts[part] = BitCount(inside);
     }
-    StoreShape(out, counts);
+    return counts;
 }
 
 template <int K> class Planes {
@@ -266,32 +350,21 @@ public:
     /// The windings of a row from left to right.
     class Sums {
     public:
-        GX_INLINE explicit Sums(const BandFrame& frame) noexcept : m_planeBytes(frame.planeBytes) {
-            for (int j = 0; j < K; ++j) {
-                m_carry[j] = U64{};
-            }
-        }
+        GX_INLINE explicit Sums(const BandFrame& frame) noexcept : m_planeBytes(frame.planeBytes) {}
         /// The number of samples inside, of a pixel in which no winding changes.
-        GX_INLINE uint32_t Inside() const noexcept {
-            U64 inside = m_carry[0];
-            for (int j = 1; j < K; ++j) {
-                inside |= m_carry[j];
-            }
-            constexpr uint64_t kOnes = 0x0101010101010101U;
-            return static_cast<uint32_t>((inside[0] & kOnes) * kOnes >> 56) * 8;
-        }
+        GX_INLINE uint32_t Inside() const noexcept { return m_sums.Inside() * 8; }
         /// Takes the first block of the marks off them. Returns its first pixel in the word.
         GX_INLINE static int32_t Next(uint64_t& marks, uint32_t& /*pixels*/) noexcept {
             const int block = __builtin_ctzll(marks);
             marks &= marks - 1;
             return block * 8;
         }
-        GX_INLINE void Block(uint8_t* row, size_t pixel, uint32_t /*pixels*/, uint8_t* shape) noexcept {
-            SweepBlock<K>(row + pixel * 8, m_planeBytes, m_carry, shape);
+        GX_INLINE Counts Block(uint8_t* row, size_t pixel, uint32_t /*pixels*/) noexcept {
+            return SweepBlock<K>(row + pixel * 8, m_planeBytes, m_sums);
         }
 
     private:
-        U64 m_carry[K];
+        ColumnSums<K> m_sums;
         size_t m_planeBytes;
     };
 

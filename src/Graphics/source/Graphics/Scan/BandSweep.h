@@ -43,7 +43,7 @@ size_t SweepRow(const BandFrame& frame, uint8_t* cells, uint64_t* bits, uint8_t*
             if (from > done) {
                 gap(from < frame.width ? from : frame.width);
             }
-            sums.Block(cells, static_cast<size_t>(from), pixels, shape + from);
+            sums.Block(cells, static_cast<size_t>(from), pixels).StoreShapes(shape + from);
             if (!joins) {
                 *++run = {frame.left + from, 0, shape + from, 0};
                 joins = true;

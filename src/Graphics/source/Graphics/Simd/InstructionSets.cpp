@@ -14,10 +14,10 @@ bool ProcessorHas(InstructionSet set) noexcept {
         return __builtin_cpu_supports("sse2") != 0;
     case InstructionSet::AVX2:
         return __builtin_cpu_supports("avx2") != 0;
-    case InstructionSet::AVX512:
+    case InstructionSet::AVX512: // not the processors before Ice Lake and Zen 4
         return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
                __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-               __builtin_cpu_supports("avx512cd") != 0;
+               __builtin_cpu_supports("avx512cd") != 0 && __builtin_cpu_supports("avx512vpopcntdq") != 0;
     default:
         return false;
     }

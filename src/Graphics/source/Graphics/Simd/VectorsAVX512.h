@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The verbs of AVX-512 (F, BW, VL, DQ, CD); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing
+// The verbs of AVX-512 (F, BW, VL, DQ, CD, VPOPCNTDQ); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing
 // intrinsics with a full mask compile to the plain instructions; the unmasked ones use operands of undefined value, for
 // which GCC 12 warns.
 #pragma once
@@ -134,6 +134,11 @@ GX_INLINE inline void StoreHalf(void* p, size_t n, HalfU32 v) noexcept {
 GX_INLINE inline HalfU32 WidenHalf(const uint8_t* p) noexcept {
     return (HalfU32)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
+/// The coverage bytes of eight pixels from their sample counts n, as words: 4 n - 1, and 0 for n = 0.
+GX_INLINE inline HalfU32 ShapeWords(U64 counts) noexcept {
+    const __m256i n = _mm512_maskz_cvtepi64_epi32(0xFF, (__m512i)counts);
+    return (HalfU32)_mm256_subs_epu16(_mm256_slli_epi32(n, 2), _mm256_set1_epi32(1));
+}
 GX_INLINE inline HalfU16 MultiplyHigh(HalfU16 a, HalfU16 b) noexcept {
     return (HalfU16)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
 }
@@ -149,18 +154,15 @@ GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept {
 GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return _mm512_movepi64_mask((__m512i)mask); }
 GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (F64)_mm512_maskz_min_pd(0xFF, (__m512d)a, (__m512d)b); }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (F64)_mm512_maskz_max_pd(0xFF, (__m512d)a, (__m512d)b); }
-GX_INLINE inline U64 BitCount(U64 bits) noexcept {
-    const __m512i table =
-        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
-    const __m512i low = _mm512_set1_epi8(15);
-    const __m512i n = _mm512_add_epi8(_mm512_shuffle_epi8(table, _mm512_and_si512((__m512i)bits, low)),
-                                      _mm512_shuffle_epi8(table, _mm512_and_si512((__m512i)(bits >> 4), low)));
-    return (U64)_mm512_sad_epu8(n, _mm512_setzero_si512());
-}
+GX_INLINE inline U64 BitCount(U64 bits) noexcept { return (U64)_mm512_popcnt_epi64((__m512i)bits); }
 GX_INLINE inline void StoreShape(uint8_t* out, const U64* counts) noexcept {
     const __m512i shape = _mm512_subs_epu16((__m512i)(counts[0] << 2), _mm512_set1_epi64(1));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm512_maskz_cvtepi64_epi8(0xFF, shape));
 }
+
+/// The highest bit of each byte, and bytes of 0 or 255 from such bits: bit 8 i + j is that of byte j of lane i.
+GX_INLINE inline uint64_t HighBits(U64 v) noexcept { return _mm512_movepi8_mask((__m512i)v); }
+GX_INLINE inline U64 SpreadBits(uint64_t bits) noexcept { return (U64)_mm512_movm_epi8(bits); }
 
 GX_INLINE inline uint32_t NonZeroBytes(const U64* v) noexcept {
     return static_cast<uint32_t>(__builtin_popcountll(_mm512_test_epi8_mask((__m512i)v[0], (__m512i)v[0])));
