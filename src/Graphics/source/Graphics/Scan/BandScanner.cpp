@@ -14,9 +14,10 @@ namespace Graphics {
 namespace {
 
 constexpr size_t kBandBytes = 128U << 10; // of cells: a band stays in the second-level cache
-constexpr uint32_t kLeastBound = 7;
+constexpr uint32_t kLeastBound = 3;
 constexpr int64_t kLeastResolved = 6;
 constexpr int64_t kPixelsApart = 10;
+constexpr int64_t kRowsPerEdge = 8; // each edge is put in its place once
 constexpr int64_t kCreditPerEdge = 2;
 constexpr int64_t kFirstCredit = 64;
 constexpr int32_t kFarFine = 1 << 22;    // band edges represent vertices up to 32768 pixels
@@ -215,7 +216,8 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     m_isOneColor = sink.IsOneColor({left, firstRow, right, lastRow}, m_solid);
     int32_t row = 0;
     uint32_t following = kNoEdge;
-    if (resolves && m_edgeRows >= kLeastResolved * rows && m_edgeRows * kPixelsApart <= int64_t{rows} * frame.width) {
+    if (resolves && m_edgeRows >= kRowsPerEdge * (m_nextEdge - m_edges.data()) &&
+        m_edgeRows >= kLeastResolved * rows && m_edgeRows * kPixelsApart <= int64_t{rows} * frame.width) {
         row = ScanRows(frame, rows, sink);
         following = Relink(row);
     }
