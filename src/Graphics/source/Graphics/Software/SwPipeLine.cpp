@@ -27,6 +27,15 @@ constexpr int32_t kAhead = 2;
     return mask.type == GXMaskTypeAlpha ? mask.source->DirectAlpha(x0, x1, y) : nullptr;
 }
 
+/// MaskRow for a non-empty rectangle: the values of its first row, and the distance from row to row.
+[[nodiscard]] const uint8_t* MaskBlock(const SwMaskInput& mask, const IntRect& r, ptrdiff_t& strideBytes) noexcept {
+    if (mask.plane != nullptr) {
+        strideBytes = mask.planeStride;
+        return MaskRow(mask, r.top, r.left, r.right);
+    }
+    return mask.type == GXMaskTypeAlpha ? mask.source->DirectAlphaBlock(r, strideBytes) : nullptr;
+}
+
 /// For a mask with a colour source: calls use(x, values, count) for each chunk of its values over columns [x0, x1) of
 /// row y. The values may be changed.
 template <class Use>
@@ -166,12 +175,30 @@ bool SwPipeLine::PlainBlock(const IntRect& r) {
     return true;
 }
 
+bool SwPipeLine::MaskedBlock(const IntRect& r) {
+    if (!m_isSolid || m_shapeMaskCount != 1 || m_clip != nullptr || m_opacityMask != nullptr || m_blendMode != 0 ||
+        m_target.alpha != nullptr) {
+        return false;
+    }
+    ptrdiff_t stride = 0;
+    const uint8_t* shape = MaskBlock(*m_shapeMasks[0], r, stride);
+    if (shape == nullptr) {
+        return false;
+    }
+    ForRows(r, [&](int32_t, uint32_t* dst, size_t n) {
+        MakeOpaque(dst, shape, n);
+        m_kernels.normalSolid(dst, m_solid, shape, n);
+        shape += stride;
+    });
+    return true;
+}
+
 void SwPipeLine::Rectangle(int32_t left, int32_t top, int32_t right, int32_t bottom) {
     const IntRect r = Intersect({left, top, right, bottom}, m_bounds);
     if (IsEmpty(r)) {
         return;
     }
-    if (!IsPlain() || !PlainBlock(r)) {
+    if (IsPlain() ? !PlainBlock(r) : !MaskedBlock(r)) {
         ForRows(r, [&](int32_t y, uint32_t*, size_t) { PaintSpan(y, r.left, r.right, nullptr, 255); });
     }
 }
@@ -258,11 +285,17 @@ bool SwPipeLine::IsOneColor(const IntRect& r, SolidRows& rows) const {
 }
 
 bool SwPipeLine::TakesAnyCuts(const IntRect& r) const {
-    if (m_shapeMaskCount != 0 || m_opacityMask != nullptr) {
-        return false;
-    }
     const IntRect seen = Intersect(r, m_bounds);
-    return m_isSolid || IsEmpty(seen) || m_source->DirectBlock(seen).pixels != nullptr;
+    if (IsEmpty(seen)) {
+        return true;
+    }
+    ptrdiff_t stride = 0;
+    for (size_t i = 0; i < m_shapeMaskCount; ++i) {
+        if (MaskBlock(*m_shapeMasks[i], seen, stride) == nullptr) {
+            return false;
+        }
+    }
+    return m_opacityMask == nullptr && (m_isSolid || m_source->DirectBlock(seen).pixels != nullptr);
 }
 
 bool SwPipeLine::Rows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs) {

@@ -107,6 +107,9 @@ private:
     /// Requires IsPlain: a block of a solid colour, or of pixels available in memory. False, with nothing done, for
     /// others.
     [[nodiscard]] bool PlainBlock(const IntRect& r);
+    /// One colour under a shape mask whose values lie in memory, otherwise plain: these are the coverage. False, with
+    /// nothing done, for others.
+    [[nodiscard]] bool MaskedBlock(const IntRect& r);
     /// SolidRow for rows with the same runs.
     void EqualRows(int32_t y0, int32_t y1, std::span<const CoverageRun> runs);
     void DirectRun(const IntRect& r, const SwDirectBlock& block, const uint8_t* shape);

@@ -49,6 +49,9 @@ bool SwBitmapSampler::IsCopied(int32_t x0, int32_t x1, int32_t y) const noexcept
 }
 
 int32_t SwBitmapSampler::TiledRow(int32_t y) const noexcept {
+    if (y + m_shiftY >= 0 && y + m_shiftY < m_setup.height) {
+        return y + m_shiftY;
+    }
     const float at = static_cast<float>(y + m_shiftY) + 0.5F;
     int32_t row;
     m_kernels.indices[m_setup.tilingY](&at, 1, m_setup.height, &row);
@@ -73,16 +76,27 @@ const uint8_t* SwBitmapSampler::DirectAlpha(int32_t x0, int32_t x1, int32_t y) c
     return m_reader.IsCoverage() ? CopiedRow(x0, x1, y, 1) : nullptr;
 }
 
-SwDirectBlock SwBitmapSampler::DirectBlock(const IntRect& r) const noexcept {
-    if (m_setup.opacityFactor != 256 || !m_reader.HasWords() || !IsCopied(r.left, r.right, r.top) ||
-        !IsCopied(r.left, r.right, r.bottom)) {
-        return {};
+const uint8_t* SwBitmapSampler::CopiedBlock(const IntRect& r, ptrdiff_t pixelBytes) const noexcept {
+    if (m_setup.opacityFactor != 256 || !IsCopied(r.left, r.right, r.top) || !IsCopied(r.left, r.right, r.bottom)) {
+        return nullptr;
     }
     const IntRect from = {r.left + m_shiftX, r.top + m_shiftY, r.right + m_shiftX, r.bottom + m_shiftY};
     if (from.left < 0 || from.top < 0 || from.right > m_setup.width || from.bottom > m_setup.height) {
+        return nullptr;
+    }
+    return m_reader.Row(from.top) + from.left * pixelBytes;
+}
+
+const uint8_t* SwBitmapSampler::DirectAlphaBlock(const IntRect& r, ptrdiff_t& strideBytes) const noexcept {
+    strideBytes = m_reader.StrideBytes();
+    return m_reader.IsCoverage() ? CopiedBlock(r, 1) : nullptr;
+}
+
+SwDirectBlock SwBitmapSampler::DirectBlock(const IntRect& r) const noexcept {
+    const uint8_t* pixels = m_reader.HasWords() ? CopiedBlock(r, 4) : nullptr;
+    if (pixels == nullptr) {
         return {};
     }
-    const uint8_t* pixels = m_reader.Row(from.top) + static_cast<ptrdiff_t>(from.left) * 4;
     const bool aligned =
         (reinterpret_cast<uintptr_t>(pixels) | static_cast<uintptr_t>(m_reader.StrideBytes())) % alignof(uint32_t) == 0;
     return aligned || !m_reader.IsDirect() ? SwDirectBlock{pixels, m_reader.StrideBytes(), m_reader.IsDirect()}

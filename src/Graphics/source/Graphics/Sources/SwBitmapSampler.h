@@ -40,6 +40,7 @@ public:
     [[nodiscard]] bool IsOpaque() const noexcept override { return m_setup.opaque; }
     [[nodiscard]] const uint32_t* DirectRow(int32_t x0, int32_t x1, int32_t y) const noexcept override;
     [[nodiscard]] const uint8_t* DirectAlpha(int32_t x0, int32_t x1, int32_t y) const noexcept override;
+    [[nodiscard]] const uint8_t* DirectAlphaBlock(const IntRect& r, ptrdiff_t& strideBytes) const noexcept override;
     [[nodiscard]] SwDirectBlock DirectBlock(const IntRect& r) const noexcept override;
 
 private:
@@ -52,6 +53,9 @@ private:
     [[nodiscard]] bool IsCopied(int32_t x0, int32_t x1, int32_t y) const noexcept;
     /// The bitmap's bytes of the pixels [x0, x1) of row y, if they can be used unchanged; otherwise null.
     [[nodiscard]] const uint8_t* CopiedRow(int32_t x0, int32_t x1, int32_t y, ptrdiff_t pixelBytes) const noexcept;
+    /// The bitmap's bytes of the pixels in `r`, from row to row as the bitmap's rows lie; null under the same conditions,
+    /// or where rows are tiled.
+    [[nodiscard]] const uint8_t* CopiedBlock(const IntRect& r, ptrdiff_t pixelBytes) const noexcept;
     [[nodiscard]] int32_t TiledRow(int32_t y) const noexcept;
     void FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
     void FillUpright(int32_t x0, size_t count, int32_t y, uint32_t* out);

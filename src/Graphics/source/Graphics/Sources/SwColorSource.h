@@ -61,6 +61,13 @@ public:
         return nullptr;
     }
 
+    /// DirectAlpha for a non-empty rectangle: the bytes of its first row, and the distance from row to row.
+    [[nodiscard]] virtual const uint8_t* DirectAlphaBlock(const IntRect& r, ptrdiff_t& strideBytes) const noexcept {
+        static_cast<void>(r);
+        static_cast<void>(strideBytes);
+        return nullptr;
+    }
+
     /// The pixels of the non-empty rectangle [left, right) x [top, bottom), if they lie in memory.
     [[nodiscard]] virtual SwDirectBlock DirectBlock(const IntRect& r) const noexcept {
         static_cast<void>(r);
