@@ -16,6 +16,7 @@
 #include "Pixels/PixelMath.h"
 #include "PlainCoverage.h"
 #include "Scan/Rasterizer.h"
+#include "Scan/SnapRectangle.h"
 
 namespace Graphics {
 namespace {
@@ -353,7 +354,7 @@ TEST_F(RasterizerTest, UprightRectanglesBecomeWholePixels) {
         const Point a{at(), at()};
         const Point b{random() % 4 == 0 ? a.x + 0.02F : at(), random() % 4 == 0 ? a.y + 0.1F : at()};
         IntRect r{};
-        const bool found = Rasterizer::SnapRectangle({0, 0, 64, 64}, ToVertex(a), ToVertex(b), r);
+        const bool found = SnapRectangle({0, 0, 64, 64}, ToVertex(a), ToVertex(b), r);
         GridSink sink(all);
         m_rasterizer.Begin({0, 0, 64, 64}, all, true);
         Feed(m_rasterizer, {{a, {b.x, a.y}, b, {a.x, b.y}}});

@@ -2,6 +2,7 @@
 // The drawing calls of the target: each is drawn at once and recorded, or only recorded.
 #include "../Geometry/DeviceFeed.h"
 #include "../Scan/DeviceFigures.h"
+#include "../Scan/SnapRectangle.h"
 #include "GdipRenderTarget.h"
 #include "GdipShows.h"
 
@@ -75,7 +76,7 @@ void GdipRenderTarget::FeedPath(const Shape& shape, const Matrix& transform, boo
     Point a, b;
     // Thin rules are at least one pixel wide, as on the screen.
     if (snap && IsUpright(shape, transform, a, b) &&
-        Rasterizer::SnapRectangle(m_device.area, ToVertex(a), ToVertex(b), pixels)) {
+        SnapRectangle(m_device.area, ToVertex(a), ToVertex(b), pixels)) {
         sink.SetFillRule(GXFillRuleNonZero);
         AddRectangle(sink, ToRect(pixels));
     } else {

@@ -9,6 +9,8 @@
 #include "../Geometry/Shape.h"
 #include "../Geometry/StrokeStyle.h"
 #include "Rasterizer.h"
+#include "SnapRectangle.h"
+#include "UprightCorners.h"
 
 namespace Graphics {
 
@@ -64,33 +66,10 @@ Matrix PlaceImage(const IntRect& part, const IntRect& source, const Rect& destin
             destination.top + distance(source.top, part.top) * sy};
 }
 
-bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Vertex& b) noexcept {
-    const bool straight = m.m01 == 0.0F && m.m10 == 0.0F;
-    const bool turned = m.m00 == 0.0F && m.m11 == 0.0F;
-    if (figure.GetKind() != BasicFigure::Kind::Rectangle || !(straight || turned)) {
-        return false;
-    }
-    // Maps both corners at once, with the operations of Map and ToVertex.
-    const Rect& r = figure.Box();
-    using namespace GX_SIMD_NAMESPACE;
-    const F32 v = F32{m.m00, m.m01, m.m00, m.m01} * F32{r.left, r.left, r.right, r.right} +
-                  F32{m.m10, m.m11, m.m10, m.m11} * F32{r.top, r.top, r.bottom, r.bottom} +
-                  F32{m.m20, m.m21, m.m20, m.m21};
-    // NaN compares false.
-    if (MaskBits((I32)((v < kDeviceBand) & (v > -kDeviceBand))) != 15) {
-        return false;
-    }
-    static_assert(kDeviceBand * 128.0F < kFineLimit);
-    const auto fine = (U64)Truncate(v * 128.0F);
-    a = std::bit_cast<Vertex>(fine[0]);
-    b = std::bit_cast<Vertex>(fine[1]);
-    return true;
-}
-
 bool SnapFigure(const BasicFigure& figure, const Matrix& m, const IntRect& area, IntRect& pixels) {
     Vertex a;
     Vertex b;
-    return UprightCorners(figure, m, a, b) && Rasterizer::SnapRectangle(area, a, b, pixels);
+    return UprightCorners(figure, m, a, b) && SnapRectangle(area, a, b, pixels);
 }
 
 void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m, const StrokeStyle& style, float width,

@@ -37,9 +37,6 @@ struct StrokeStyle;
 /// The whole pixels of a rectangle that stays upright under the matrix; false for any other figure.
 [[nodiscard]] bool SnapFigure(const BasicFigure& figure, const Matrix& m, const IntRect& area, IntRect& pixels);
 
-/// Two opposite corners, in fine units, of a rectangle that stays upright under the matrix; false for any other figure.
-[[nodiscard]] bool UprightCorners(const BasicFigure& figure, const Matrix& m, Vertex& a, Vertex& b) noexcept;
-
 /// Begins a fill with a stroke's outline; the caller calls Finish. What the clip hides of the target `area` may be
 /// omitted.
 void RasterizeStroke(Rasterizer& rasterizer, const Shape& path, const Matrix& m, const StrokeStyle& style, float width,

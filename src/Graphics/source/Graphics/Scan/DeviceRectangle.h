@@ -6,6 +6,8 @@
 #include "Rasterizer.h"
 #include "RectangleScanner.h"
 #include "SampleRectangle.h"
+#include "SnapRectangle.h"
+#include "UprightCorners.h"
 
 namespace Graphics {
 
@@ -24,7 +26,7 @@ public:
         m_isWhole = snap;
         if (snap) {
             IntRect pixels;
-            if (!Rasterizer::SnapRectangle(area, a, b, pixels)) {
+            if (!SnapRectangle(area, a, b, pixels)) {
                 return false;
             }
             m_pixels = visible(pixels);

@@ -6,60 +6,19 @@
 
 #include "../Geometry/CurveFlattener.h"
 #include "RectangleScanner.h"
+#include "SnapRectangle.h"
 
 namespace Graphics {
 
 namespace {
 
-struct PixelRange {
-    int32_t low;
-    int32_t high; // exclusive
-};
-
-/// Whole pixels for the sub units [a, b]: their length rounded up. If the touched pixels are one too many, it is
-/// dropped at the end that lies less deep in its pixel; at the far end if both are equal.
-PixelRange Snap(int32_t a, int32_t b) noexcept {
-    PixelRange r{a >> 3, (b + 7) >> 3};
-    int32_t length = (b - a + 7) >> 3;
-    if (b - a + 7 < 8) {
-        length = 1;
-        if (r.low == r.high) {
-            ++r.high;
-        }
-    }
-    if (r.high - r.low >= length + 1) {
-        if ((a & 7) <= r.high * 8 - b) {
-            --r.high;
-        } else {
-            ++r.low;
-        }
-    }
-    return r;
-}
-
 IntRect Snap(const Edge (&e)[2]) noexcept {
-    const PixelRange x = Snap(std::min(e[0].x, e[1].x), std::max(e[0].x, e[1].x));
-    const PixelRange y = Snap(e[0].first, e[0].last);
+    const PixelRange x = SnapToPixels(std::min(e[0].x, e[1].x), std::max(e[0].x, e[1].x));
+    const PixelRange y = SnapToPixels(e[0].first, e[0].last);
     return {x.low, y.low, x.high, y.high};
 }
 
 } // namespace
-
-bool Rasterizer::SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b, IntRect& out) noexcept {
-    const int32_t clipFirst = clipPixels.top * 8;
-    const int32_t clipLast = clipPixels.bottom * 8;
-    // The result of edge set-up for a constant x.
-    const int32_t first = std::min(a.y, b.y) >> 4;
-    const int32_t last = std::max(a.y, b.y) >> 4;
-    // EdgeBuilder drops vertices that are all at or beyond the clip's left side, including those exactly on it.
-    if (first == last || first >= clipLast || last <= clipFirst || std::max(a.x, b.x) <= clipPixels.left * 128) {
-        return false;
-    }
-    const PixelRange x = Snap(UprightColumn(std::min(a.x, b.x)), UprightColumn(std::max(a.x, b.x)));
-    const PixelRange y = Snap(std::max(first, clipFirst), last);
-    out = {x.low, y.low, x.high, y.high};
-    return true;
-}
 
 void Rasterizer::Begin(const Rect& clipPixels, const IntRect& visible, bool snap) {
     // Pixels beyond 2^23 are outside every target and would not fit into fine units.

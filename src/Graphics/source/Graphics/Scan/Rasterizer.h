@@ -65,11 +65,6 @@ public:
     /// its size is the grid's size.
     void FinishSamples(SampleGrid& grid);
 
-    /// The whole pixels that a snapped fill of the upright rectangle between two opposite corners would send, without
-    /// running the fill: most rectangles of a page take this route. False if it has no height.
-    [[nodiscard]] static bool SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b,
-                                            IntRect& out) noexcept;
-
     /// Frees arrays that grew large. Call between fills.
     void Trim() noexcept {
         m_builder.Trim();

@@ -119,7 +119,7 @@ void SwRenderTarget::PaintPlain(const DeviceRectangle& rectangle, uint32_t color
     }
     const RowKernels& kernels = ActiveKernels();
     const auto paint = [&](const IntRect& r, uint32_t left, uint32_t inner, uint32_t right) {
-        const SwTargetPlanes planes = m_basic.Planes(r);
+        const SwTargetPlanes& planes = m_basic.Ready(r);
         uint32_t* const pixels = PixelAt(planes, r.left, r.top);
         const auto width = static_cast<size_t>(r.right - r.left);
         const auto height = static_cast<size_t>(r.bottom - r.top);
@@ -195,7 +195,7 @@ void SwRenderTarget::PaintOutline(const Draw& draw, const Shape& outline) {
     uint32_t color = 0;
     if (IsPlain(draw, color)) {
         // Fast path of most text: one call for all rows.
-        FillGlyphRows(m_basic.Planes(visible), visible, glyph, color);
+        FillGlyphRows(m_basic.Ready(visible), visible, glyph, color);
         return;
     }
     Composite(draw, visible, [&](SwPipeLine& pipeLine) { glyph.Send(visible, m_arena, pipeLine); });

@@ -24,13 +24,8 @@ void SwBasicSubTarget::Open(const PixelView& pixels) noexcept {
     }
 }
 
-SwTargetPlanes SwBasicSubTarget::Planes(const IntRect& region) {
-    m_planes.makesOpaque = m_isOpaque && Intersect(region, m_opaqueRegion) != region;
-    return m_planes;
-}
-
 SwTargetPlanes SwBasicSubTarget::ReadPlanes(const IntRect& region) {
-    if (Planes(region).makesOpaque) {
+    if (Ready(region).makesOpaque) {
         MakeRowsOpaque(ActiveKernels(), m_planes, region);
         NoteOpaque(region);
     }

@@ -36,7 +36,12 @@ public:
     void Open(const PixelView& pixels) noexcept;
     void Close() noexcept { m_clips.Clear(); }
 
-    [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override;
+    [[nodiscard]] SwTargetPlanes Planes(const IntRect& region) override { return Ready(region); }
+    /// The same without a copy, valid until the next call.
+    [[nodiscard]] const SwTargetPlanes& Ready(const IntRect& region) noexcept {
+        m_planes.makesOpaque = m_isOpaque && Intersect(region, m_opaqueRegion) != region;
+        return m_planes;
+    }
     [[nodiscard]] SwSubTarget* Below() noexcept override { return this; }
     /// The planes for a group, which reads every pixel of `region` including its alpha.
     [[nodiscard]] SwTargetPlanes ReadPlanes(const IntRect& region);
