@@ -26,6 +26,18 @@ SwGradientColorSource::SwGradientColorSource(const GradientBrush& brush, const T
     m_opaque = factor == 256 && m_sampler.IsOpaque() && m_shade.before >> 24 == 255 && m_shade.after >> 24 == 255;
 }
 
+void SwGradientColorSource::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
+    if (x0 >= x1) {
+        return;
+    }
+    if (m_constant) {
+        std::fill_n(out, static_cast<int64_t>(x1) - x0, m_background);
+        return;
+    }
+    const CoverageRun run{x0, x1, nullptr, 255};
+    FillRuns({&run, 1}, y, out);
+}
+
 void SwGradientColorSource::MakeConstant() noexcept {
     m_constant = true;
     m_opaque = m_background >> 24 == 255;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The parameter is evaluated in gradient space, t = (p - start) . (end - start) / |end - start|^2, where p is the
-// inverse image of the device point. So under skew, lines of equal colour are mapped too.
+// inverse image of the device point. So under skew, lines of equal colour are mapped too. It is accumulated along a run.
 #include "SwLinearGradientColorSource.h"
 
 #include <algorithm>
@@ -27,29 +27,23 @@ SwLinearGradientColorSource::SwLinearGradientColorSource(const GradientBrush& br
     m_t0 = static_cast<float>(((map.e - startX) * axisX + (map.f - startY) * axisY) / square);
 }
 
-void SwLinearGradientColorSource::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
-    if (x0 >= x1) {
-        return;
-    }
-    const auto count = static_cast<size_t>(static_cast<int64_t>(x1) - x0);
-    if (m_constant) {
-        std::fill_n(out, count, m_background);
-        return;
-    }
-    float next = static_cast<float>(y) * m_dtdy + static_cast<float>(x0) * m_dtdx + m_t0;
+void SwLinearGradientColorSource::FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
+    const float row = static_cast<float>(y) * m_dtdy;
     if (m_dtdx == 0.0F) { // the axis is upright: one colour for the row
+        const float t = row + static_cast<float>(runs.front().x0) * m_dtdx + m_t0;
         uint32_t color;
-        m_kernels.shade(m_shade, &next, 1, &color);
-        std::fill_n(out, count, color);
+        m_kernels.shade(m_shade, &t, 1, &color);
+        std::fill_n(out, static_cast<int64_t>(runs.back().x1) - runs.front().x0, color);
         return;
     }
     float t[kPaintChunk];
-    for (size_t done = 0; done < count;) {
-        const size_t n = std::min(kPaintChunk, count - done);
-        next = m_kernels.accumulate(next, m_dtdx, t, n);
-        m_kernels.shade(m_shade, t, n, out + done);
-        done += n;
-    }
+    ForRunParts(
+        runs, [&](int32_t x) { return row + static_cast<float>(x) * m_dtdx + m_t0; },
+        [&](float& next, size_t at, size_t n) { next = m_kernels.accumulate(next, m_dtdx, t + at, n); },
+        [&](size_t n) {
+            m_kernels.shade(m_shade, t, n, out);
+            out += n;
+        });
 }
 
 } // namespace Graphics

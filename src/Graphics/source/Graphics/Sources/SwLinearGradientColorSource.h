@@ -11,7 +11,7 @@ public:
     SwLinearGradientColorSource(const GradientBrush& brush, const LinearGradient& gradient,
                                 const Matrix& transform) noexcept;
 
-    void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) override;
+    void FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) override;
 
 private:
     float m_dtdx = 0.0F;

@@ -27,26 +27,31 @@ bool RadialGradientFiller::Set(const RadialGradient& gradient, const Matrix& gra
     return true;
 }
 
-void RadialGradientFiller::Fill(const PaintKernels& kernels, GradientShade& shade, int32_t x0, size_t count, int32_t y,
-                                uint32_t* out) const noexcept {
-    const auto x = static_cast<float>(x0);
+void RadialGradientFiller::Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs,
+                                int32_t y, uint32_t* out) const noexcept {
     const auto row = static_cast<float>(y);
-    float nextU = m_a * x + m_c * row + m_e;
-    float nextV = m_b * x + m_d * row + m_f;
-    float nextB = 2.0F * (nextU * m_ex + nextV * m_ey - m_g);
     float u[kPaintChunk];
     float v[kPaintChunk];
     float b[kPaintChunk];
     float t[kPaintChunk];
-    for (size_t done = 0; done < count;) {
-        const size_t n = std::min(kPaintChunk, count - done);
-        nextU = kernels.accumulate(nextU, m_a, u, n);
-        nextV = kernels.accumulate(nextV, m_b, v, n);
-        nextB = kernels.accumulate(nextB, m_stepB, b, n);
-        kernels.radial(m_equation, u, v, b, n, t);
-        kernels.shade(shade, t, n, out + done);
-        done += n;
-    }
+    ForRunParts(
+        runs,
+        [&](int32_t x0) {
+            const auto x = static_cast<float>(x0);
+            Terms next{m_a * x + m_c * row + m_e, m_b * x + m_d * row + m_f, 0.0F};
+            next.b = 2.0F * (next.u * m_ex + next.v * m_ey - m_g);
+            return next;
+        },
+        [&](Terms& next, size_t at, size_t n) {
+            next.u = kernels.accumulate(next.u, m_a, u + at, n);
+            next.v = kernels.accumulate(next.v, m_b, v + at, n);
+            next.b = kernels.accumulate(next.b, m_stepB, b + at, n);
+        },
+        [&](size_t n) {
+            kernels.radial(m_equation, u, v, b, n, t);
+            kernels.shade(shade, t, n, out);
+            out += n;
+        });
 }
 
 SwRadialGradientColorSource::SwRadialGradientColorSource(const GradientBrush& brush, const RadialGradient& gradient,
@@ -59,16 +64,8 @@ SwRadialGradientColorSource::SwRadialGradientColorSource(const GradientBrush& br
     m_opaque = m_opaque && m_background >> 24 == 255; // the background shows where no circle passes
 }
 
-void SwRadialGradientColorSource::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
-    if (x0 >= x1) {
-        return;
-    }
-    const auto count = static_cast<size_t>(static_cast<int64_t>(x1) - x0);
-    if (m_constant) {
-        std::fill_n(out, count, m_background);
-        return;
-    }
-    m_filler.Fill(m_kernels, m_shade, x0, count, y, out);
+void SwRadialGradientColorSource::FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
+    m_filler.Fill(m_kernels, m_shade, runs, y, out);
 }
 
 } // namespace Graphics

@@ -15,10 +15,15 @@ public:
     /// False if the circles have equal radii or the map has no inverse: then only the background is drawn.
     [[nodiscard]] bool Set(const RadialGradient& gradient, const Matrix& gradientToDevice) noexcept;
 
-    void Fill(const PaintKernels& kernels, GradientShade& shade, int32_t x0, size_t count, int32_t y,
+    void Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs, int32_t y,
               uint32_t* out) const noexcept;
 
 private:
+    /// What is accumulated along a run.
+    struct Terms {
+        float u, v, b;
+    };
+
     float m_a = 0, m_b = 0, m_c = 0, m_d = 0, m_e = 0, m_f = 0; ///< u = a x + c y + e, v = b x + d y + f
     float m_ex = 0, m_ey = 0, m_g = 0;
     float m_stepB = 0; ///< increment of B from pixel to pixel, 2 (ex a + ey b)
@@ -30,7 +35,7 @@ public:
     SwRadialGradientColorSource(const GradientBrush& brush, const RadialGradient& gradient,
                                 const Matrix& transform) noexcept;
 
-    void Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) override;
+    void FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) override;
 
 private:
     RadialGradientFiller m_filler;
