@@ -28,7 +28,11 @@ GX_ARM64_LIBRARIES=(
     libc6-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev zlib1g-dev
     libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev
 )
-GX_PACKAGING_PACKAGES=(dpkg-dev fakeroot file binutils zip unzip)
+# What the packages contain beside what ./run builds, so that they are the same on every machine, and what packs them.
+GX_PACKAGING_PACKAGES=(
+    "${GX_VIEWER_PACKAGES[@]}" libgearman-dev python3-dev python3-cffi
+    dpkg-dev fakeroot file binutils zip unzip
+)
 # It fetches the HLSL compiler, and may have come another way than as a package.
 command -v npm >/dev/null || GX_WINDOWS_PACKAGES+=(npm)
 
