@@ -40,8 +40,10 @@ cp "$packages"/*.deb "$packages"/*linux*.tar.gz "$tree/tests/pages/corpus/vector
 
 # The dependencies first, so that what comes and goes after this is the packages alone.
 say "Dependencies"
-mapfile -t wanted < <(inside sh -c 'apt-get -s install --no-install-recommends /tmp/packages/*.deb' |
-    awk '$1 == "Inst" && $2 !~ /^(graphics-|python3-gxgraphics$)/ { print $2 }')
+inside apt-get -qq update || die "no lists of packages"
+inside sh -c 'apt-get -s install --no-install-recommends /tmp/packages/*.deb' >"$scratch/apt.log" ||
+    die "the packages cannot be installed"
+mapfile -t wanted < <(awk '$1 == "Inst" && $2 !~ /^(graphics-|python3-gxgraphics$)/ { print $2 }' "$scratch/apt.log")
 ((${#wanted[@]} == 0)) || inside apt-get -q -y install --no-install-recommends "${wanted[@]}" >"$scratch/apt.log"
 # Everything but the package manager's own records and the work folders.
 files() {
