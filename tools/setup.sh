@@ -14,7 +14,7 @@ GX_TEST_PACKAGES=(
     fonts-liberation clang-14 clang-format-14 libpolyclipping-dev pngcheck libtiff-tools libjpeg-turbo-progs imagemagick
     python3-dev python3-setuptools python3-wheel python3-pip python3-cffi python3-numpy python3-pil python3-pytest
     gearman-job-server libgearman-dev
-    doxygen groff-base libcairo2-dev libwebp-dev
+    doxygen groff-base libcairo2-dev libwebp-dev qtbase5-dev
     xvfb xdotool
 )
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
