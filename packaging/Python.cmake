@@ -2,9 +2,17 @@
 # python3-gxgraphics: the package of bindings/python for Debian's interpreter. CMake compiles the module that
 # build_native.py describes, so that paths, symbols and the search for the library are those of all other files packed here.
 set(sources ${PROJECT_SOURCE_DIR}/bindings/python)
-find_program(GX_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH REQUIRED)
+find_program(GX_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 execute_process(COMMAND ${GX_PYTHON} -c "import sysconfig; print(sysconfig.get_paths()['include'], end='')"
   OUTPUT_VARIABLE include COMMAND_ERROR_IS_FATAL ANY)
+# The header is chosen by the processor, so a cross build takes those of its own root.
+if(CMAKE_CROSSCOMPILING)
+  string(PREPEND include "${CMAKE_SYSROOT}")
+  if(NOT EXISTS ${include}/Python.h)
+    message(STATUS "packages: no headers of Python (libpython3-dev) in ${CMAKE_SYSROOT}, python3-gxgraphics is left out")
+    return()
+  endif()
+endif()
 
 set(generated ${CMAKE_CURRENT_BINARY_DIR}/python/_native.c)
 file(GLOB helpers CONFIGURE_DEPENDS ${sources}/native/*)
@@ -24,6 +32,8 @@ target_link_options(gxgraphics_native PRIVATE -Wl,-z,relro -Wl,-z,now)
 # cffi's code is not written for the warnings of this tree.
 set_source_files_properties(${generated} PROPERTIES COMPILE_OPTIONS -w)
 add_dependencies(packaged gxgraphics_native)
+
+list(APPEND CPACK_COMPONENTS_ALL python)
 
 # What pip and importlib.metadata know an installed package by.
 file(READ ${sources}/pyproject.toml project)
