@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The three Debian packages. What a program or the library links decides the dependencies (dpkg-shlibdeps); the packages of one
+# The Debian packages. What a program or the library links decides the dependencies (dpkg-shlibdeps); the packages of one
 # build depend on each other in exactly its version.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -50,3 +50,39 @@ on many machines, and gxreplay, which draws recorded pages.
 pdfpage contains MuPDF and stands under MuPDF's licence, the GNU Affero
 General Public License, version 3 or later; gxreplay is under the MIT licence.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS graphics-viewer)
+
+set(CPACK_DEBIAN_VIEWER_PACKAGE_NAME graphics-viewer)
+set(CPACK_DEBIAN_VIEWER_PACKAGE_SECTION graphics)
+set(CPACK_COMPONENT_VIEWER_DESCRIPTION "2D graphics with the PDF imaging model: viewer
+Graphics fills and strokes paths, paints with gradients and images, draws
+text, and composites with the blend modes, soft masks and transparency groups
+of the PDF imaging model. The same page has the same bytes on every processor.
+.
+This package contains gxviewer, which shows PDF files and recorded pages in a
+window and draws them on all cores.
+.
+gxviewer contains MuPDF and stands under MuPDF's licence, the GNU Affero
+General Public License, version 3 or later.")
+set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION})")
+
+# The module is of Python's stable ABI; what it needs of cffi is the version of the interface that its code was generated for,
+# 0x2601 or 9729 since cffi 1.0. Python's files are compiled, and what that left is removed, by Debian's own commands.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-gxgraphics)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "2D graphics with the PDF imaging model: Python package
+Graphics fills and strokes paths, paints with gradients and images, draws
+text, and composites with the blend modes, soft masks and transparency groups
+of the PDF imaging model. The same page has the same bytes on every processor.
+.
+This package contains gxgraphics for Python 3: every function of the library
+through cffi, and classes above it, with NumPy arrays as pixels and points.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION}), python3 (>= 3.9~), \
+python3-cffi-backend-api-min (<= 9729), python3-cffi-backend-api-max (>= 9729), python3-numpy (>= 1:1.20)")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS python3-pil)
+foreach(step postinst prerm)
+  configure_file(debian/python.${step}.in ${CMAKE_CURRENT_BINARY_DIR}/control/${step} @ONLY FILE_PERMISSIONS OWNER_READ
+    OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+endforeach()
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/control/postinst
+  ${CMAKE_CURRENT_BINARY_DIR}/control/prerm)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Makes the packages: graphics-runtime, graphics-dev and graphics-tools for Debian, a .tar.gz for other systems with the same C
-# library or a newer one, and a .zip for Windows, with their checksums. The same commit gives the same bytes.
+# Makes the packages: graphics-runtime, graphics-dev, graphics-tools, graphics-viewer and python3-gxgraphics for Debian, a .tar.gz
+# for other systems with the same C library or a newer one, and a .zip for Windows, with their checksums. The same commit gives
+# the same bytes.
 #
 #   tools/package.sh [folder] [--no-windows]    the folder is build/packages without one
 #
@@ -18,7 +19,7 @@ for argument in "$@"; do
     case $argument in
     --no-windows) windows= ;;
     -*)
-        sed -n '3,8s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+        sed -n '3,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
         exit 2
         ;;
     /*) folder=$argument ;;
@@ -39,14 +40,14 @@ as_root=()
 ((EUID == 0)) || as_root=(fakeroot)
 
 mkdir -p "$folder"
-rm -f "$folder"/graphics[-_]* "$folder/SHA256SUMS"
+rm -f "$folder"/{graphics[-_],python3-gxgraphics_}* "$folder/SHA256SUMS"
 
 # pack PRESET GENERATOR BUILD-FOLDER
 pack() {
     gx_build "$1"
     rm -rf "$3/_CPack_Packages" "$3/cpack"
     "${as_root[@]}" env LC_ALL=C cpack --config "$3/CPackConfig.cmake" -G "$2" -B "$PWD/$3/cpack"
-    mv "$3"/cpack/graphics[-_]* "$folder/"
+    find "$3/cpack" -maxdepth 1 -type f -exec mv -t "$folder" {} +
 }
 # repack FILE: packs an archive of CPack's anew, which takes the files of a folder in the order in which the disk has them.
 repack() {
@@ -83,6 +84,6 @@ if [[ -n $windows ]]; then
     repack "$folder"/graphics-*.zip
 fi
 
-(cd "$folder" && sha256sum graphics[-_]* | LC_ALL=C sort -k 2 >SHA256SUMS)
+(cd "$folder" && sha256sum {graphics[-_],python3-gxgraphics_}* | LC_ALL=C sort -k 2 >SHA256SUMS)
 gx_say "Packages in $folder"
 cat "$folder/SHA256SUMS"

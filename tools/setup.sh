@@ -14,7 +14,7 @@ GX_TEST_PACKAGES=(
     fonts-liberation clang-14 clang-format-14 libpolyclipping-dev pngcheck libtiff-tools libjpeg-turbo-progs imagemagick
     python3-dev python3-setuptools python3-wheel python3-pip python3-cffi python3-numpy python3-pil python3-pytest
     gearman-job-server libgearman-dev
-    doxygen libcairo2-dev libwebp-dev
+    doxygen groff-base libcairo2-dev libwebp-dev qtbase5-dev
     xvfb xdotool
 )
 # The Windows build and its tests under Wine; LLD checks the import library for Microsoft's linker.
@@ -28,7 +28,11 @@ GX_ARM64_LIBRARIES=(
     libc6-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev zlib1g-dev
     libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev
 )
-GX_PACKAGING_PACKAGES=(dpkg-dev fakeroot file binutils zip unzip)
+# What the packages contain beside what ./run builds, so that they are the same on every machine, and what packs them.
+GX_PACKAGING_PACKAGES=(
+    "${GX_VIEWER_PACKAGES[@]}" libgearman-dev python3-dev python3-cffi
+    dpkg-dev fakeroot file binutils zip unzip
+)
 # It fetches the HLSL compiler, and may have come another way than as a package.
 command -v npm >/dev/null || GX_WINDOWS_PACKAGES+=(npm)
 

@@ -156,3 +156,8 @@ def make_ffi() -> cffi.FFI:
         **options,
     )
     return ffi
+
+
+if __name__ == "__main__":
+    # For builds that compile the module themselves: build_native.py _native.c
+    make_ffi().emit_c_code(sys.argv[1])

@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 # A Markdown page as Doxygen reads it. Links between pages become references; those of an index (docs/README.md and
 # docs/guide/README.md) make its entries the pages below it. Links to files that are not on the site show their words
-# alone. Names of the interface in code letters link to the reference; `header` is the file that declares them.
+# alone; pages are those of docs and the ones that `others` names. Names of the interface in code letters link to the reference; `header` is the file that declares them.
 BEGIN {
+    count = split(others, part, " ")
+    for (i = 1; i <= count; ++i) other[part[i]]
     while ((getline line <header) > 0) {
         gsub(/^ *\/?\*.*/, "", line)
         while (match(line, /GX[A-Z][A-Za-z0-9]+/)) {
@@ -27,9 +29,10 @@ function page_of(path,    part, kept, count, i, n) {
 function link(words, target,    path) {
     if (target ~ /^https?:/ || target ~ /^#/) return "[" words "](" target ")"
     path = page_of(folder "/" target)
-    if (path !~ /^docs\/.*\.md$/ && path != "CHANGELOG.md") {
-        if (path ~ /GX\.h$/) return "@ref GX.h \"" words "\""
-        return words
+    if (path !~ /^docs\/.*\.md$/ && !(path in other)) {
+        if (path !~ /GX\.h$/) return words
+        gsub(/`/, "", words)
+        return "@ref GX.h \"" words "\""
     }
     gsub(/`/, "", words)
     sub(/\.md$/, "", path)
@@ -38,8 +41,11 @@ function link(words, target,    path) {
 }
 
 FNR == 1 {
+    # Seen from the top folder, which is the one of other pages.
     folder = match(FILENAME, /docs(\/[a-z]+)?\/[^\/]*$/) ? substr(FILENAME, RSTART) : ""
-    sub(/\/[^\/]*$/, "", folder) # seen from the top folder
+    for (path in other)
+        if (substr(FILENAME, length(FILENAME) - length(path)) == "/" path) folder = path
+    sub(/[^\/]*$/, "", folder)
     index_page = FILENAME ~ /docs\/(guide\/)?README\.md$/
 }
 /^```/ { fenced = !fenced }

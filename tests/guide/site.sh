@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # The site is built without a warning; every function, record, type and constant of the header has a place in it; no link
-# or picture in it leads nowhere.
+# or picture in it leads nowhere; no mark of Markdown's is left in the text of a page.
 #
 # usage: site.sh DOXYGEN FOLDER HEADER       in the top folder; FOLDER has the Doxyfile
 set -euo pipefail
@@ -21,4 +21,7 @@ broken=$(grep -oP '(?:href|src)="\K[^"#:]+(?=[#"])' -- *.html | sort -u | while 
     [[ -e ${link%%\?*} ]] || echo "$page: $link"
 done)
 [[ -z $broken ]] || { printf 'leads nowhere:\n%s\n' "$broken" >&2; exit 1; }
+marks=$(perl -0777 -ne 's{<(pre|div class="line").*?</(pre|div)>}{}sg; print "$ARGV: $1\n" while /([^<>\n]*(?:\*\*|`)[^<>\n]*)/g' \
+    md_*.html index.html)
+[[ -z $marks ]] || { printf 'not read as Markdown:\n%s\n' "$marks" >&2; exit 1; }
 printf '%s names, %s pages, %s pictures\n' "$count" "$(ls -- *.html | wc -l)" "$(ls -- *.png | wc -l)"

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # tests/package/clean_root.sh PACKAGES [ROOT]: takes the packages that tools/package.sh made into a bare Debian 12, installs
 # them, builds the example there with pkg-config and with CMake and runs it, does the same with the archive unpacked in two
-# places, draws a page with the tools, removes the packages and looks for what they left. Needs root and mmdebstrap; a ROOT that
+# places, draws a page with the tools, the viewer and from Python, removes the packages and looks for what they left. Needs root and mmdebstrap; a ROOT that
 # is there is used as it is and kept.
 set -euo pipefail
 
@@ -40,8 +40,10 @@ cp "$packages"/*.deb "$packages"/*linux*.tar.gz "$tree/tests/pages/corpus/vector
 
 # The dependencies first, so that what comes and goes after this is the packages alone.
 say "Dependencies"
-mapfile -t wanted < <(inside sh -c 'apt-get -s install --no-install-recommends /tmp/packages/*.deb' |
-    awk '$1 == "Inst" && $2 !~ /^graphics-/ { print $2 }')
+inside apt-get -qq update || die "no lists of packages"
+inside sh -c 'apt-get -s install --no-install-recommends /tmp/packages/*.deb' >"$scratch/apt.log" ||
+    die "the packages cannot be installed"
+mapfile -t wanted < <(awk '$1 == "Inst" && $2 !~ /^(graphics-|python3-gxgraphics$)/ { print $2 }' "$scratch/apt.log")
 ((${#wanted[@]} == 0)) || inside apt-get -q -y install --no-install-recommends "${wanted[@]}" >"$scratch/apt.log"
 # Everything but the package manager's own records and the work folders.
 files() {
@@ -82,18 +84,33 @@ page() {
 }
 installed=$(page "")
 [[ $installed =~ ^[0-9a-f]{16}$ ]] || die "gxreplay printed no checksum: $installed"
-for name in pdfpage gxreplay; do
+for name in pdfpage gxreplay gxviewer; do
     inside test -s "/usr/share/man/man1/$name.1.gz" || grep -q 'path-exclude.*man' -r "$root/etc/dpkg" ||
         die "no manual page of $name"
 done
-grep -q "GNU Affero" "$root/usr/share/doc/graphics-tools/copyright" || die "the tools' licence is not named"
+for name in tools viewer; do
+    grep -q "GNU Affero" "$root/usr/share/doc/graphics-$name/copyright" || die "the licence of the $name is not named"
+done
+
+# The recorded page once more: in the window's picture and from Python it has the pixels that gxreplay wrote.
+say "The viewer and Python"
+inside sh -euc 'cd /tmp && python3 - size <<END && gxviewer page.gxr --zoom 1 --at 0,0 --size "$(cat size)" --shot shot.png
+import sys, gxgraphics as gx, numpy as np, importlib.metadata
+picture = np.asarray(gx.Bitmap.open("replay.png"))
+assert np.array_equal(np.asarray(gx.Recording.open("page.gxr").render(1))[..., :3], picture[..., :3])
+assert importlib.metadata.version("gxgraphics") == gx.__version__
+open(sys.argv[1], "w").write("%dx%d" % picture.shape[1::-1])
+END' || die "the recorded page is not drawn"
+inside sh -euc 'cd /tmp && python3 -c "import gxgraphics as gx, numpy as np
+shot, picture = (np.asarray(gx.Bitmap.open(name))[..., :3] for name in (\"shot.png\", \"replay.png\"))
+assert np.array_equal(shot, picture)"' || die "the viewer and Python draw another page"
 
 say "Removing the packages"
-inside dpkg --purge graphics-tools graphics-dev graphics-runtime >"$scratch/dpkg.log"
+inside dpkg --purge python3-gxgraphics graphics-viewer graphics-tools graphics-dev graphics-runtime >"$scratch/dpkg.log"
 files >"$scratch/after"
 diff "$scratch/before" "$scratch/after" || die "removed, but not without a trace"
 ! inside ldconfig -p | grep -q Graphics || die "the loader's cache still names the library"
-! inside dpkg -l 'graphics-*' 2>/dev/null | grep -q '^[a-z]i' || die "still installed"
+! inside dpkg -l 'graphics-*' python3-gxgraphics 2>/dev/null | grep -q '^[a-z]i' || die "still installed"
 
 # The archive, where no package is, in two places with names that need care.
 for place in /tmp/here "/tmp/moved/some where"; do

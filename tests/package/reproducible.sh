@@ -14,7 +14,7 @@ git clone -q . "$scratch/a-folder-of-another-length"
 env -u CMAKE_C_COMPILER_LAUNCHER -u CMAKE_CXX_COMPILER_LAUNCHER -u SOURCE_DATE_EPOCH \
     "$scratch/a-folder-of-another-length/tools/package.sh" "$scratch/packages" "$@"
 failed=0
-for file in "$scratch"/packages/graphics[-_]*; do
+for file in "$scratch"/packages/{graphics[-_],python3-gxgraphics_}*; do
     if cmp "$file" "$first/$(basename "$file")"; then
         printf 'same: %s\n' "$(basename "$file")"
     else

@@ -26,7 +26,8 @@ cp "$unpacked/bin/Graphics.dll" build/
 read -r sum recording <"$tree/tests/pages/recordings/CHECKSUMS"
 drawn=$("$tree/cmake/run-wine" "$unpacked/bin/gxreplay.exe" "$tree/tests/pages/recordings/$recording" --checksum | tr -d '\r')
 [[ $drawn == "$sum" ]] || { echo "$recording was drawn as $drawn, not $sum" >&2; exit 1; }
-test -s "$unpacked/bin/viewer.exe"
+cp "$tree/tests/pages/recordings/$recording" page.gxr
+timeout 120 "$tree/cmake/run-wine" "$unpacked/bin/viewer.exe" page.gxr --frames 1 || { echo "the viewer does not run" >&2; exit 1; }
 
 linker=$(command -v lld-link lld-link-14 | head -n 1)
 cmake -DCLANG="$(command -v clang clang-14 | head -n 1)" -DLINKER="$linker" -DSOURCE="$tree/tests/package/host.c" \

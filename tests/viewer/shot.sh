@@ -50,12 +50,12 @@ same "threads" recordings-1.png recordings-3.png
 
 head -c 700 "$pages/recordings/text_clip-2.gxr" >cut.gxr
 echo "no PDF" >text.pdf
-refused "viewer: 'cut.gxr': the recording is cut off" cut.gxr --shot out.png
-refused "viewer: cannot open 'nowhere.pdf': No such file or directory" nowhere.pdf --shot out.png
-refused "viewer: cannot read 'text.pdf': *" text.pdf --shot out.png
-refused "viewer: page 4 does not exist, there are 3 pages" "$pages/corpus/blend_modes.pdf" --page 4 --shot out.png
-refused "viewer: cannot write 'nowhere/out.png'*" "$pages/recordings/page_tiny-1.gxr" --shot nowhere/out.png
-refused "viewer: one PDF file at a time; only recordings can be several" a.pdf b.pdf --shot out.png
-refused "viewer: there is no display for a window (DISPLAY is not set); --shot out.png needs none" cut.gxr
+refused "gxviewer: 'cut.gxr': the recording is cut off" cut.gxr --shot out.png
+refused "gxviewer: cannot open 'nowhere.pdf': No such file or directory" nowhere.pdf --shot out.png
+refused "gxviewer: cannot read 'text.pdf': *" text.pdf --shot out.png
+refused "gxviewer: page 4 does not exist, there are 3 pages" "$pages/corpus/blend_modes.pdf" --page 4 --shot out.png
+refused "gxviewer: cannot write 'nowhere/out.png'*" "$pages/recordings/page_tiny-1.gxr" --shot nowhere/out.png
+refused "gxviewer: one PDF file at a time; only recordings can be several" a.pdf b.pdf --shot out.png
+refused "gxviewer: there is no display for a window (DISPLAY is not set); --shot out.png needs none" cut.gxr
 [[ ! -e out.png ]] || fail "a picture of what cannot be shown"
 exit $failed

@@ -56,7 +56,7 @@ int Run(const std::vector<std::string>& arguments) {
         Shoot(options, open);
         return 0;
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "viewer: %s\n", failure.what());
+        std::fprintf(stderr, "gxviewer: %s\n", failure.what());
         return 1;
     }
 }

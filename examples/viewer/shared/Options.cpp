@@ -76,7 +76,7 @@ bool IsOn(const Option& option, Front front) { return front == Front::Windows ? 
 
 std::string Usage(Front front) {
     std::string text = front == Front::Windows ? "usage: viewer [page.gxr...] [option...]\n"
-                                               : "usage: viewer file.pdf|page.gxr... [option...]\n";
+                                               : "usage: gxviewer file.pdf|page.gxr... [option...]\n";
     for (const Option& option : kOptions) {
         if (!IsOn(option, front))
             continue;
