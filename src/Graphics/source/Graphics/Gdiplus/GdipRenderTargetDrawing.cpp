@@ -75,8 +75,7 @@ void GdipRenderTarget::FeedPath(const Shape& shape, const Matrix& transform, boo
     IntRect pixels;
     Point a, b;
     // Thin rules are at least one pixel wide, as on the screen.
-    if (snap && IsUpright(shape, transform, a, b) &&
-        SnapRectangle(m_device.area, ToVertex(a), ToVertex(b), pixels)) {
+    if (snap && IsUpright(shape, transform, a, b) && SnapRectangle(m_device.area, ToVertex(a), ToVertex(b), pixels)) {
         sink.SetFillRule(GXFillRuleNonZero);
         AddRectangle(sink, ToRect(pixels));
     } else {

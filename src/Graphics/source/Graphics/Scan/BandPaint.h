@@ -71,7 +71,8 @@ private:
             return;
         }
         if (n >= SolidRows::kPrefetchRun) {
-            m_kernels.prefetch(reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst + from) + m_to.strideBytes), n);
+            m_kernels.prefetch(reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst + from) + m_to.strideBytes),
+                               n);
         }
         ConstantRun(m_kernels, dst + from, ScalePixel(m_to.color, count * 4), n);
     }

@@ -216,8 +216,8 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
     m_isOneColor = sink.IsOneColor({left, firstRow, right, lastRow}, m_solid);
     int32_t row = 0;
     uint32_t following = kNoEdge;
-    if (resolves && m_edgeRows >= kRowsPerEdge * (m_nextEdge - m_edges.data()) &&
-        m_edgeRows >= kLeastResolved * rows && m_edgeRows * kPixelsApart <= int64_t{rows} * frame.width) {
+    if (resolves && m_edgeRows >= kRowsPerEdge * (m_nextEdge - m_edges.data()) && m_edgeRows >= kLeastResolved * rows &&
+        m_edgeRows * kPixelsApart <= int64_t{rows} * frame.width) {
         row = ScanRows(frame, rows, sink);
         following = Relink(row);
     }

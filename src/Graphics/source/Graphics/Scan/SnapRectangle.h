@@ -36,7 +36,8 @@ struct PixelRange {
 
 /// The whole pixels that a snapped fill of the upright rectangle between two opposite corners would send, without
 /// running the fill. False if it has no height.
-[[nodiscard]] inline bool SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b, IntRect& out) noexcept {
+[[nodiscard]] inline bool SnapRectangle(const IntRect& clipPixels, const Vertex& a, const Vertex& b,
+                                        IntRect& out) noexcept {
     const int32_t clipFirst = clipPixels.top * 8;
     const int32_t clipLast = clipPixels.bottom * 8;
     // The result of edge set-up for a constant x.
