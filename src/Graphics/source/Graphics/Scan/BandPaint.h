@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Sweeps rows of a band and paints them in one colour on the way, without runs. Part of the band loops.
+// Sweeps rows of a band and paints them in one colour on the way, without bytes and runs in memory. Part of the band loops.
 #pragma once
 
 #include "../Kernels/RowSolid.h"
 #include "../Pixels/PixelMath.h"
 #include "BandBytes.h"
 #include "BandPlanes.h"
+#include "BandSweep.h"
 #include "SolidRows.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
@@ -30,33 +31,17 @@ public:
 
     GX_INLINE void Paint(uint8_t* cells, uint64_t* bits, uint32_t* dst) const noexcept {
         typename Windings::Sums sums(m_frame);
-        int32_t done = 0; // pixels
-        for (size_t word = 0; word < m_frame.bitWords; ++word) {
-            uint64_t marks = bits[word];
-            if (marks == 0) {
-                continue;
+        const auto gap = [&](int32_t from, int32_t to) GX_INLINE { Gap(dst, from, to, sums.Inside()); };
+        const auto block = [&](int32_t from, uint32_t pixels) GX_INLINE {
+            const EightShapes shapes = EightOf(sums.Block(cells, static_cast<size_t>(from), pixels));
+            if (from < m_frame.width) {
+                if (m_to.ahead != 0) {
+                    __builtin_prefetch(reinterpret_cast<uint8_t*>(dst + from) + m_to.ahead, 1);
+                }
+                m_block.Paint(dst + from, shapes, static_cast<size_t>(m_frame.width - from));
             }
-            bits[word] = 0;
-            do {
-                uint32_t pixels = 0;
-                const int32_t from =
-                    static_cast<int32_t>(word << (6 + Windings::kMarkShift)) + Windings::Sums::Next(marks, pixels);
-                if (from > done) {
-                    Gap(dst, done, from < m_frame.width ? from : m_frame.width, sums.Inside());
-                }
-                const EightShapes shapes = EightOf(sums.Block(cells, static_cast<size_t>(from), pixels));
-                if (from < m_frame.width) { // the guard word may lie in a block of its own
-                    if (m_to.ahead != 0) {
-                        __builtin_prefetch(reinterpret_cast<uint8_t*>(dst + from) + m_to.ahead, 1);
-                    }
-                    m_block.Paint(dst + from, shapes, static_cast<size_t>(m_frame.width - from));
-                }
-                done = from + 8;
-            } while (marks != 0);
-        }
-        if (done < m_frame.width) {
-            Gap(dst, done, m_frame.width, sums.Inside());
-        }
+        };
+        ForPieces<Windings>(m_frame, bits, gap, block);
     }
 
 private:
