@@ -3,6 +3,8 @@
 #pragma once
 
 #include "../Pixels/PixelMath.h"
+#include "../Simd/ChannelDivision.h"
+#include "PixelQuads.h"
 #include "RowFills.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
@@ -16,12 +18,38 @@ GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
 /// normalSolid for at most one vector of pixels. An opaque colour scaled by s has alpha 255 (s + 1) >> 8 = s.
 template <bool kOpaque = false>
 GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
-    const U32 s = WidenSome(shape, n);
     const U32 d = LoadSome(dst, n);
+#ifdef GX_SIMD_QUADS
+    const U32 s = n == kLanes ? WidenToAll(shape) : SpreadBytes(WidenPart(shape, n));
+    StoreSome(dst, n, ShapedColor<kOpaque>(color)(d, s));
+#else
+    const U32 s = WidenSome(shape, n);
     const U32 both = Twice(s);
     const U32 scaled = Scale(color, both + 0x00010001U);
     const U32 complement = kOpaque ? 0x01000100U - both : ComplementOf(Alpha(scaled));
     StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
+#endif
+}
+
+/// ShapedSolid along a row.
+template <bool kOpaque = false>
+GX_INLINE inline void ShapedRow(uint32_t* dst, U32 color, const uint8_t* shape, size_t count) noexcept {
+#ifdef GX_SIMD_QUADS
+    const ShapedColor<kOpaque> shaped(color);
+    size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        Store(dst + i, shaped(Load(dst + i), WidenToAll(shape + i)));
+    }
+    const size_t n = count - i;
+    if (n != 0 && i != 0) { // once more a whole vector, in which the pixels that are done are not covered
+        const U32 s = Splat(WordAt(shape + count - kLanes) & (~0U << (8 * (kLanes - n))));
+        Store(dst + count - kLanes, shaped(Load(dst + count - kLanes), SpreadQuarter(s, 0)));
+    } else if (n != 0) {
+        ShapedSolid<kOpaque>(dst, color, shape, n);
+    }
+#else
+    ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid<kOpaque>(dst + i, color, shape + i, n); });
+#endif
 }
 
 template <bool kOpaque>
@@ -99,13 +127,7 @@ GX_INLINE inline void SolidRunsOf(const RowKernels& all, uint32_t* first, uint32
         const auto n = static_cast<size_t>(runs->x1 - runs->x0);
         const uint8_t* const shape = runs->shape;
         if (shape != nullptr) {
-            size_t i = 0;
-            for (; i + kLanes <= n; i += kLanes) {
-                ShapedSolid<kOpaque>(dst + i, c, shape + i, kLanes);
-            }
-            if (i < n) {
-                ShapedSolid<kOpaque>(dst + i, c, shape + i, n - i); // mostly the end of the row
-            }
+            ShapedRow<kOpaque>(dst, c, shape, n);
         } else if (runs->value != 0) {
             ConstantRun(all, dst, ScalePixel(color, runs->value + 1U), n);
         }
@@ -142,9 +164,8 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     auto* bytes = reinterpret_cast<uint8_t*>(dst);
     for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {
         auto* row = reinterpret_cast<uint32_t*>(bytes);
-        const uint8_t* s = shape;
         // The next block over these pixels is many rows away, so short masked stores stall nothing here.
-        ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid(row + i, c, s + i, n); });
+        ShapedRow(row, c, shape, count);
     }
 }
 
@@ -184,7 +205,13 @@ GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t
         }
         first.Paint(dst, kLanes);
         if (!opaque) {
-            for (size_t i = kLanes; i < end; i += kLanes) {
+            size_t i = kLanes;
+#ifdef GX_SIMD_QUADS
+            if (inner > kColors && end > i) {
+                i += OverQuads(dst + i, OverColor(middle.color), end - i);
+            }
+#endif
+            for (; i < end; i += kLanes) {
                 middle.Paint(dst + i, kLanes);
             }
         } else if (end > kAlignedFrom) {

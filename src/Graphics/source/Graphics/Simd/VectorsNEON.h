@@ -69,7 +69,7 @@ GX_INLINE inline U32 WidenPart(const uint8_t* p, size_t n) noexcept {
 }
 GX_INLINE inline U32 WidenToAll(const uint8_t* p) noexcept {
     const U8 order{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
-    return (U32)vqtbl1q_u8((uint8x16_t)U32{WordAt(p)}, (uint8x16_t)order);
+    return (U32)vqtbl1q_u8(vreinterpretq_u8_u32(vdupq_n_u32(WordAt(p))), (uint8x16_t)order);
 }
 constexpr size_t kTripleReach = 16;
 GX_INLINE inline U32 WidenTriples(const uint8_t* p) noexcept {
@@ -153,6 +153,105 @@ template <class V> GX_INLINE inline V Kept(V v) noexcept {
     __asm__("" : "+w"(v));
     return v;
 }
+
+// ---- Bytes, and four vectors at a time ----
+//
+// Bytes are multiplied as they are, and the high bytes of the products are one instruction away, so channels need not be
+// parted into lanes of 16 bits. A factor is a byte v that stands four times in its pixel.
+
+/// 16 pixels. What works on them is written for this set alone (GX_SIMD_QUADS).
+#define GX_SIMD_QUADS 1
+struct Quad {
+    U32 v[4];
+};
+
+/// By vectors, which the compiler pairs: four in one instruction would have to lie in registers that follow each other.
+using LooseVector = uint32_t __attribute__((vector_size(16), aligned(1), may_alias));
+GX_INLINE inline Quad LoadQuad(const void* p) noexcept {
+    const auto* v = static_cast<const LooseVector*>(p);
+    return {{v[0], v[1], v[2], v[3]}};
+}
+GX_INLINE inline void StoreQuad(void* p, const Quad& q) noexcept {
+    auto* v = static_cast<LooseVector*>(p);
+    v[0] = q.v[0];
+    v[1] = q.v[1];
+    v[2] = q.v[2];
+    v[3] = q.v[3];
+}
+GX_INLINE inline U32 SelectBits(U32 mask, U32 yes, U32 no) noexcept {
+    return (U32)vbslq_u8((uint8x16_t)mask, (uint8x16_t)yes, (uint8x16_t)no);
+}
+/// The low byte of each half in both its bytes.
+GX_INLINE inline U32 DoubleLowBytes(U32 x) noexcept { return (U32)vsliq_n_u16((uint16x8_t)x, (uint16x8_t)x, 8); }
+/// The highest byte of each pixel in all its bytes.
+GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
+    const U8 order{3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15};
+    return (U32)vqtbl1q_u8((uint8x16_t)x, (uint8x16_t)order);
+}
+/// Of 16 bytes the four of a vector of pixels, each in all bytes of its pixel.
+GX_INLINE inline U32 SpreadQuarter(U32 bytes, int quarter) noexcept {
+    const U8 order{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
+    return (U32)vqtbl1q_u8((uint8x16_t)bytes, (uint8x16_t)(order + static_cast<uint8_t>(4 * quarter)));
+}
+/// The highest bytes of the pixels; their luminosities, (77 red + 151 green + 28 blue) >> 8.
+GX_INLINE inline U32 AlphasOf(const Quad& q) noexcept {
+    const uint16x8_t low = vuzp2q_u16((uint16x8_t)q.v[0], (uint16x8_t)q.v[1]);
+    const uint16x8_t high = vuzp2q_u16((uint16x8_t)q.v[2], (uint16x8_t)q.v[3]);
+    return (U32)vuzp2q_u8(vreinterpretq_u8_u16(low), vreinterpretq_u8_u16(high));
+}
+GX_INLINE inline U32 LuminositiesOf(const void* pixels) noexcept {
+    const uint8x16x4_t c = vld4q_u8(static_cast<const uint8_t*>(pixels));
+    const uint8x16_t blue = vdupq_n_u8(28);
+    const uint8x16_t green = vdupq_n_u8(151);
+    const uint8x16_t red = vdupq_n_u8(77);
+    uint16x8_t low = vmull_u8(vget_low_u8(c.val[0]), vget_low_u8(blue));
+    uint16x8_t high = vmull_high_u8(c.val[0], blue);
+    low = vmlal_u8(low, vget_low_u8(c.val[1]), vget_low_u8(green));
+    high = vmlal_high_u8(high, c.val[1], green);
+    low = vmlal_u8(low, vget_low_u8(c.val[2]), vget_low_u8(red));
+    high = vmlal_high_u8(high, c.val[2], red);
+    return (U32)vuzp2q_u8(vreinterpretq_u8_u16(low), vreinterpretq_u8_u16(high));
+}
+GX_INLINE inline U32 HighBytes(uint16x8_t low, uint16x8_t high) noexcept {
+    return (U32)vuzp2q_u8(vreinterpretq_u8_u16(low), vreinterpretq_u8_u16(high));
+}
+/// (byte * k) >> 8, (byte * (v + 1)) >> 8 and (byte * (256 - v)) >> 8.
+GX_INLINE inline U32 ScaleDirect(U32 x, U32 k) noexcept {
+    return HighBytes(vmull_u8(vget_low_u8((uint8x16_t)x), vget_low_u8((uint8x16_t)k)),
+                     vmull_high_u8((uint8x16_t)x, (uint8x16_t)k));
+}
+GX_INLINE inline U32 ScaleUp(U32 x, U32 v) noexcept {
+    const auto a = (uint8x16_t)x;
+    const auto b = (uint8x16_t)v;
+    return HighBytes(vaddw_u8(vmull_u8(vget_low_u8(a), vget_low_u8(b)), vget_low_u8(a)),
+                     vaddw_high_u8(vmull_high_u8(a, b), a));
+}
+GX_INLINE inline U32 ScaleDown(U32 x, U32 v) noexcept {
+    const auto a = (uint8x16_t)x;
+    const auto b = (uint8x16_t)v;
+    return HighBytes(vmlsl_u8(vshll_n_u8(vget_low_u8(a), 8), vget_low_u8(a), vget_low_u8(b)),
+                     vmlsl_high_u8(vshll_high_n_u8(a, 8), a, b));
+}
+/// Four bytes that are the same in every pixel: their words of 16 bits are made once, so sums and differences can be narrowed
+/// in the same instruction.
+struct SteadyBytes {
+    uint8x16_t bytes;
+    uint16x8_t once, whole; ///< times 1, and times 256
+
+    GX_INLINE explicit SteadyBytes(U32 x) noexcept
+        : bytes((uint8x16_t)x), once(vmovl_u8(vget_low_u8((uint8x16_t)x))),
+          whole(vshll_n_u8(vget_low_u8((uint8x16_t)x), 8)) {}
+    GX_INLINE U32 Up(U32 v) const noexcept {
+        const uint16x8_t low = vmull_u8(vget_low_u8(bytes), vget_low_u8((uint8x16_t)v));
+        const uint16x8_t high = vmull_high_u8(bytes, (uint8x16_t)v);
+        return (U32)vaddhn_high_u16(vaddhn_u16(low, once), high, once);
+    }
+    GX_INLINE U32 Down(U32 v) const noexcept {
+        const uint16x8_t low = vmull_u8(vget_low_u8(bytes), vget_low_u8((uint8x16_t)v));
+        const uint16x8_t high = vmull_high_u8(bytes, (uint8x16_t)v);
+        return (U32)vsubhn_high_u16(vsubhn_u16(whole, low), whole, high);
+    }
+};
 
 // ---- Lanes of 64 bits ----
 
