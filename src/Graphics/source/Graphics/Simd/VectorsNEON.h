@@ -290,5 +290,65 @@ GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
     return (U64)vqtbl1q_u8((uint8x16_t)v, (uint8x16_t)order);
 }
 
+// ---- Eight bytes, one for each sub-scanline of a pixel row ----
+
+using Eight = uint8_t __attribute__((vector_size(8)));
+
+GX_INLINE inline U8 Twofold(Eight v) noexcept { return (U8)vcombine_u8((uint8x8_t)v, (uint8x8_t)v); }
+GX_INLINE inline uint64_t WordOf(Eight v) noexcept { return vget_lane_u64(vreinterpret_u64_u8((uint8x8_t)v), 0); }
+GX_INLINE inline Eight EightOf(uint64_t word) noexcept { return (Eight)vcreate_u8(word); }
+/// Each byte shifted up by the byte in the same place, below 8.
+GX_INLINE inline Eight ShiftedUp(Eight v, Eight by) noexcept {
+    return (Eight)vshl_u8((uint8x8_t)v, vreinterpret_s8_u8((uint8x8_t)by));
+}
+
+/// The low bytes of eight words in two vectors, and words by their numbers.
+GX_INLINE inline Eight LowBytesOf(U32 a, U32 b) noexcept {
+    return (Eight)vmovn_u16(vuzp1q_u16((uint16x8_t)a, (uint16x8_t)b));
+}
+GX_INLINE inline void PickWords(U32* two, Eight numbers) noexcept {
+    const uint8x16x2_t words = {{(uint8x16_t)two[0], (uint8x16_t)two[1]}};
+    const U8 first{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
+    const U8 inside{0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3};
+    const auto bytes = (uint8x16_t)(Twofold(numbers) << 2);
+    two[0] = (U32)vqtbl2q_u8(words, (uint8x16_t)((U8)vqtbl1q_u8(bytes, (uint8x16_t)first) + inside));
+    two[1] = (U32)vqtbl2q_u8(words, (uint8x16_t)((U8)vqtbl1q_u8(bytes, (uint8x16_t)(first + 4)) + inside));
+}
+GX_INLINE inline I32 LowerWords(I32 a, I32 b) noexcept { return (I32)vminq_s32((int32x4_t)a, (int32x4_t)b); }
+GX_INLINE inline I32 HigherWords(I32 a, I32 b) noexcept { return (I32)vmaxq_s32((int32x4_t)a, (int32x4_t)b); }
+GX_INLINE inline bool NoneSet(U32 mask) noexcept { return vmaxvq_u32((uint32x4_t)mask) == 0; }
+
+/// x + k step for k from 0 to 7 in four vectors; of these sums, bits 42 to 49.
+struct EightSums {
+    uint64x2_t part[4];
+
+    GX_INLINE explicit EightSums(uint64_t step) noexcept {
+        const uint64x2_t two = vdupq_n_u64(2 * step);
+        part[0] = vcombine_u64(vcreate_u64(0), vcreate_u64(step));
+        part[1] = vaddq_u64(part[0], two);
+        part[2] = vaddq_u64(part[1], two);
+        part[3] = vaddq_u64(part[2], two);
+    }
+    /// The upper halves of the sums from the one of number `first` on.
+    GX_INLINE U32 HighHalves(uint64_t x, int first) const noexcept {
+        const uint64x2_t from = vdupq_n_u64(x);
+        const uint32x2_t low = vshrn_n_u64(vaddq_u64(part[first / 2], from), 32);
+        return (U32)vshrn_high_n_u64(low, vaddq_u64(part[first / 2 + 1], from), 32);
+    }
+    GX_INLINE Eight Bits42To49(uint64_t x) const noexcept {
+        const uint16x4_t low = vshrn_n_u32((uint32x4_t)HighHalves(x, 0), 10);
+        return (Eight)vmovn_u16(vshrn_high_n_u32(low, (uint32x4_t)HighHalves(x, 4), 10));
+    }
+};
+
+GX_INLINE inline U8 MultiplyAddBytes(U8 v, U8 a, U8 b) noexcept {
+    return (U8)vmlaq_u8((uint8x16_t)v, (uint8x16_t)a, (uint8x16_t)b);
+}
+/// The sum of 16 signed bytes.
+GX_INLINE inline int32_t SumOfBytes(I8 v) noexcept { return vaddlvq_s8((int8x16_t)v); }
+/// The lower half as the upper one, over zeros; the upper half twice.
+GX_INLINE inline U8 HalfMovedUp(U8 v) noexcept { return (U8)vextq_u8(vdupq_n_u8(0), (uint8x16_t)v, 8); }
+GX_INLINE inline U8 UpperTwice(U8 v) noexcept { return (U8)vreinterpretq_u8_u64(vdupq_laneq_u64((uint64x2_t)v, 1)); }
+
 } // namespace
 } // namespace Graphics::GX_SIMD_NAMESPACE
