@@ -116,6 +116,8 @@ GX_INLINE inline I32 Truncate(F32 v) noexcept {
     const auto r = (I32)vcvtq_s32_f32((float32x4_t)v);
     return (I32)(v < 2147483648.0F) ? r : I32{} + INT32_MIN;
 }
+/// For values that are integers' after truncation.
+GX_INLINE inline I32 TruncateFitting(F32 v) noexcept { return (I32)vcvtq_s32_f32((float32x4_t)v); }
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept {
     const uint32x4_t low = vmull_u16(vget_low_u16((uint16x8_t)a), vget_low_u16((uint16x8_t)b));
     const uint32x4_t high = vmull_high_u16((uint16x8_t)a, (uint16x8_t)b);
@@ -193,7 +195,12 @@ GX_INLINE inline U32 SpreadQuarter(U32 bytes, int quarter) noexcept {
     const U8 order{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};
     return (U32)vqtbl1q_u8((uint8x16_t)bytes, (uint8x16_t)(order + static_cast<uint8_t>(4 * quarter)));
 }
-/// The highest bytes of the pixels; their luminosities, (77 red + 151 green + 28 blue) >> 8.
+/// The lowest bytes of the pixels; their highest ones; their luminosities, (77 red + 151 green + 28 blue) >> 8.
+GX_INLINE inline U32 LowBytesOfQuad(const Quad& q) noexcept {
+    const uint16x8_t low = vuzp1q_u16((uint16x8_t)q.v[0], (uint16x8_t)q.v[1]);
+    const uint16x8_t high = vuzp1q_u16((uint16x8_t)q.v[2], (uint16x8_t)q.v[3]);
+    return (U32)vuzp1q_u8(vreinterpretq_u8_u16(low), vreinterpretq_u8_u16(high));
+}
 GX_INLINE inline U32 AlphasOf(const Quad& q) noexcept {
     const uint16x8_t low = vuzp2q_u16((uint16x8_t)q.v[0], (uint16x8_t)q.v[1]);
     const uint16x8_t high = vuzp2q_u16((uint16x8_t)q.v[2], (uint16x8_t)q.v[3]);
