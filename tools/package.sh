@@ -4,7 +4,9 @@
 # for other systems with the same C library or a newer one, and a .zip for Windows, with their checksums. The same commit gives
 # the same bytes.
 #
-#   tools/package.sh [folder] [--no-windows]    the folder is build/packages without one
+#   tools/package.sh [folder] [--no-windows] [--arm64]    the folder is build/packages without one
+#
+# --arm64 makes the Debian packages and the .tar.gz for 64-bit ARM, too.
 #
 # SOURCE_DATE_EPOCH, the time that the files get, is that of the last commit unless it is set.
 set -euo pipefail
@@ -15,11 +17,13 @@ source tools/setup.sh
 
 folder=$PWD/build/packages
 windows=1
+arm64=
 for argument in "$@"; do
     case $argument in
     --no-windows) windows= ;;
+    --arm64) arm64=1 ;;
     -*)
-        sed -n '3,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+        sed -n '3,11s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
         exit 2
         ;;
     /*) folder=$argument ;;
@@ -69,16 +73,24 @@ repack() {
     mv "$1.new" "$1"
 }
 pack package-debian DEB build/package
-# The list of symbols in the package is the list in the library.
-listed=$(mktemp -d)
-mkdir -p "$listed/debian"
-printf 'Source: graphics\n\nPackage: graphics-runtime\nArchitecture: any\n' >"$listed/debian/control"
-(cd "$listed" && dpkg-gensymbols -c4 -pgraphics-runtime -v"$(dpkg-deb -f "$folder"/graphics-runtime_*.deb Version)" \
-    -I"$OLDPWD/build/package/packaging/control/symbols" -e"$(readlink -f "$OLDPWD/build/package/lib/libGraphics.so")" \
-    -O/dev/null) || gx_die "packaging/debian/graphics-runtime.symbols.in does not list what the library exports"
-rm -rf "$listed"
+# same_symbols ARCHITECTURE BUILD-FOLDER: the list of symbols in the package is the list in the library.
+same_symbols() {
+    local listed tree=$PWD
+    listed=$(mktemp -d)
+    mkdir -p "$listed/debian"
+    printf 'Source: graphics\n\nPackage: graphics-runtime\nArchitecture: any\n' >"$listed/debian/control"
+    (cd "$listed" && dpkg-gensymbols -c4 "-a$1" -pgraphics-runtime \
+        -v"$(dpkg-deb -f "$folder"/graphics-runtime_*_"$1".deb Version)" -I"$tree/$2/packaging/control/symbols" \
+        -e"$(readlink -f "$tree/$2/lib/libGraphics.so")" -O/dev/null) ||
+        gx_die "packaging/debian/graphics-runtime.symbols.in does not list what the library exports"
+    rm -rf "$listed"
+}
+same_symbols "$(dpkg --print-architecture)" build/package
 pack package-archive TGZ build/package
 repack "$folder"/graphics-*.tar.gz
+if [[ -n $arm64 ]]; then
+    source tools/package_arm64.sh
+fi
 if [[ -n $windows ]]; then
     pack package-windows ZIP build/package-windows
     repack "$folder"/graphics-*.zip

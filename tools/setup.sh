@@ -26,7 +26,7 @@ GX_WINDOWS_PACKAGES=(
 GX_ARM64_PACKAGES=(g++-aarch64-linux-gnu qemu-user-static googletest)
 GX_ARM64_LIBRARIES=(
     libc6-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev zlib1g-dev
-    libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev
+    libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev libgearman-dev libsdl2-dev
 )
 # What the packages contain beside what ./run builds, so that they are the same on every machine, and what packs them.
 GX_PACKAGING_PACKAGES=(

@@ -3,7 +3,8 @@
 # sysroot.sh [DIRECTORY]: unpacks the headers and libraries that the builds for 64-bit ARM need into a folder, by default
 # build/arm64-sysroot, where cmake/arm64-linux.cmake looks for them. The packages come from the machine's own sources for
 # Debian, through lists of packages that are kept apart, and are unpacked, not installed: the machine's packages, and the
-# architectures that its dpkg knows, stay as they are.
+# architectures that its dpkg knows, stay as they are. The folder has dpkg's records of them, which name the packages that
+# programs for arm64 depend on.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -12,7 +13,8 @@ target=${1:-build/arm64-sysroot}
 packages=("${GX_ARM64_LIBRARIES[@]}")
 
 # What a sysroot was made of is noted in it, so that the second call has nothing to do.
-if [[ -f $target/.packages && $(<"$target/.packages") == "${packages[*]}" ]]; then
+made="with records: ${packages[*]}"
+if [[ -f $target/.packages && $(<"$target/.packages") == "$made" ]]; then
     exit 0
 fi
 
@@ -43,10 +45,23 @@ gx_say "Unpacking libraries for arm64 into $target"
 # One folder for /lib and /usr/lib, as on an installed system. Documents and the programs of the packages are of no use here.
 mkdir -p "$scratch/tree/usr/lib"
 ln -s usr/lib "$scratch/tree/lib"
+records=$scratch/tree/var/lib/dpkg
+mkdir -p "$records/info"
+echo 1 >"$records/info/format"
 for archive in "$scratch"/archives/*.deb; do
     dpkg-deb --fsys-tarfile "$archive" |
         tar -x -C "$scratch/tree" --keep-directory-symlink --no-same-owner --exclude='./usr/share/[!p]*' \
             --exclude='./usr/bin' --exclude='./bin' --exclude='./sbin' --exclude='./usr/sbin' --exclude='./etc' --exclude='./var'
+    rm -rf "$scratch/control"
+    dpkg-deb -e "$archive" "$scratch/control"
+    sed -e '/^ *$/d' -e 's/^Package: .*/&\nStatus: install ok installed/' "$scratch/control/control" >>"$records/status"
+    echo >>"$records/status"
+    name=$(dpkg-deb -f "$archive" Package)
+    [[ $(dpkg-deb -f "$archive" Multi-Arch) != same ]] || name+=:arm64
+    dpkg-deb --fsys-tarfile "$archive" | tar -t | sed -e 's,^\.,,' -e 's,/$,,' >"$records/info/$name.list"
+    for file in symbols shlibs; do
+        [[ ! -f $scratch/control/$file ]] || cp "$scratch/control/$file" "$records/info/$name.$file"
+    done
 done
 # Links to absolute names would lead out of the folder.
 while IFS= read -r -d '' link; do
@@ -54,7 +69,7 @@ while IFS= read -r -d '' link; do
     ln -sfn "$(realpath -m --relative-to="$(dirname "$link")" "$scratch/tree$to")" "$link"
 done < <(find "$scratch/tree" -type l -lname '/*' -print0)
 
-printf '%s\n' "${packages[*]}" >"$scratch/tree/.packages"
+printf '%s\n' "$made" >"$scratch/tree/.packages"
 mkdir -p "$(dirname "$target")"
 rm -rf "$target"
 mv "$scratch/tree" "$target"

@@ -185,7 +185,7 @@ private:
     uint32_t m_kind = 0;
 };
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(GX_TEST_EMULATED)
 constexpr uint32_t kHostilePairs = 1000;
 #else
 constexpr uint32_t kHostilePairs = 12500; // four combinations each

@@ -412,7 +412,7 @@ TEST_P(HostileStrokes, StayWithinTheirBudget) {
         const float x = hostile();
         return Point{x, hostile()};
     };
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(GX_TEST_EMULATED)
     const int rounds = std::min(GetParam().second, 10000);
 #else
     const int rounds = GetParam().second;

@@ -4,6 +4,7 @@
 
 #include "../Simd/Channels.h"
 #include "PaintKernels.h"
+#include "PixelQuads.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
@@ -51,11 +52,50 @@ struct Ramp {
     }
 };
 
+#ifdef GX_SIMD_QUADS
+/// The colours of one interval for 16 parameters.
+class RampQuads {
+public:
+    GX_INLINE RampQuads(const GradientInterval& in, uint32_t opacityFactor) noexcept
+        : m_lower(Splat(in.lowerColor)), m_upper(Splat(in.upperColor)), m_factor(Splat(opacityFactor * 0x01010101U)),
+          m_scaled(opacityFactor != 256) {}
+
+    /// False where some lie outside, or in doubt between two colours: nothing is written then.
+    GX_INLINE bool Shade(const Ramp& ramp, const float* t, uint32_t* out) const noexcept {
+        U32 inside = ~U32{};
+        U32 share[4];
+        for (int k = 0; k < 4; ++k) {
+            const auto at = Load<F32>(t + k * 4);
+            const F32 near = (ramp.upper - at) * ramp.perLength;
+            const F32 doubt = Splat(0.0001F);
+            share[k] = (U32)TruncateFitting(near - doubt);
+            inside &= (U32)ramp.Holds(at) & (U32)(share[k] == (U32)TruncateFitting(near + doubt));
+        }
+        if (!ramp.tame || !AllSet((I32)inside)) {
+            return false;
+        }
+        const U32 shares = LowBytesOfQuad({{share[0], share[1], share[2], share[3]}});
+        StoreQuad(out, EachOf([&](int k) GX_INLINE {
+                      const U32 w = SpreadQuarter(shares, k);
+                      U32 c = m_lower.Up(w) + m_upper.Down(w);
+                      c = ramp.opaque ? c : ScaleUp(c, AlphaBytes(c) | kAlpha);
+                      return m_scaled ? ScaleDirect(c, m_factor) : c;
+                  }));
+        return true;
+    }
+
+private:
+    SteadyBytes m_lower, m_upper;
+    U32 m_factor;
+    bool m_scaled;
+};
+#endif
+
 void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
     const U32 factor = Spread(Splat(state.opacityFactor));
     const bool scaled = state.opacityFactor != 256;
     Ramp ramp(state.interval);
-    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+    const auto step = [&](size_t k, size_t lanes) GX_INLINE {
         const auto block = LoadSome<F32>(t + k, lanes);
         if (lanes == kLanes && AllSet(ramp.Holds(block))) {
             const U32 c = ramp.Colors(block);
@@ -92,7 +132,24 @@ void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
             left &= ~MaskBits(mask);
         }
         StoreSome(out + k, lanes, colors);
-    });
+    };
+#ifdef GX_SIMD_QUADS
+    RampQuads quads(state.interval, state.opacityFactor);
+    size_t k = 0;
+    while (k + kQuadPixels <= count) {
+        if (quads.Shade(ramp, t + k, out + k)) {
+            k += kQuadPixels;
+            continue;
+        }
+        for (const size_t end = k + kQuadPixels; k < end; k += kLanes) {
+            step(k, kLanes);
+        }
+        quads = RampQuads(state.interval, state.opacityFactor); // which may be another one now
+    }
+    ForBlocks(count - k, [&](size_t i, size_t lanes) { step(k + i, lanes); });
+#else
+    ForBlocks(count, step);
+#endif
 }
 
 void Radial(const RadialEquation& q, const float* u, const float* v, const float* b, size_t count, float* t) {

@@ -49,6 +49,17 @@ template <PixelLayout kLayout> GX_INLINE inline bool MayGather(I32 columns, int3
 
 template <PixelLayout kLayout>
 void Columns(const uint8_t* row, int32_t width, const int32_t* columns, size_t count, uint32_t* out) {
+#ifdef GX_SIMD_QUADS
+    // One by one, but read before they are written, so that indices and pixels go in pairs.
+    const auto pixel = [=](int32_t i) GX_INLINE { return PixelAt<kLayout>(row + ptrdiff_t{i} * kPixelBytes<kLayout>); };
+    for (; count >= 8; count -= 8, columns += 8, out += 8) {
+        uint32_t pixels[8];
+        for (size_t i = 0; i < 8; ++i) {
+            pixels[i] = pixel(columns[i]);
+        }
+        __builtin_memcpy(out, pixels, sizeof pixels);
+    }
+#endif
     ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
         const auto at = LoadSome<I32>(columns + k, lanes);
         U32 c;

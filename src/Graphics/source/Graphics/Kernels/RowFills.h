@@ -44,7 +44,16 @@ void Fill32(uint32_t* dst, uint32_t value, size_t count) {
 
 void Prefetch(const uint32_t* dst, size_t count) {
     constexpr size_t kLine = 16;
-    for (size_t i = 0; i < count; i += kLine) {
+    size_t i = 0;
+#ifdef GX_SIMD_QUADS
+    for (; i + 4 * kLine <= count; i += 4 * kLine) {
+        __builtin_prefetch(dst + i, 1);
+        __builtin_prefetch(dst + i + kLine, 1);
+        __builtin_prefetch(dst + i + 2 * kLine, 1);
+        __builtin_prefetch(dst + i + 3 * kLine, 1);
+    }
+#endif
+    for (; i < count; i += kLine) {
         __builtin_prefetch(dst + i, 1);
     }
     __builtin_prefetch(dst + count - 1, 1);

@@ -2,6 +2,7 @@
 // The row kernels of one instruction set.
 #include "RowBlends.h"
 #include "RowNormal.h"
+#include "RowQuads.h"
 #include "RowScales.h"
 #include "RowTable.h"
 
@@ -20,7 +21,14 @@ namespace {
 #define GX_BLEND_SOLID_ROW(number, ...) BlendSolidRow<number, __VA_ARGS__>
 #define GX_LAYER_ROW(number, ...) LayerRow<LayerBlended<__VA_ARGS__>, number>
 
+#ifdef GX_SIMD_QUADS
+namespace Quads { // whose functions hide those of their names
 constexpr RowKernels kTable = GX_KERNEL_TABLE;
+}
+using Quads::kTable;
+#else
+constexpr RowKernels kTable = GX_KERNEL_TABLE;
+#endif
 
 } // namespace
 } // namespace GX_SIMD_NAMESPACE

@@ -58,13 +58,7 @@ GX_INLINE inline void SolidRunsOf(const RowKernels& all, uint32_t* first, uint32
         const auto n = static_cast<size_t>(runs->x1 - runs->x0);
         const uint8_t* const shape = runs->shape;
         if (shape != nullptr) {
-            size_t i = 0;
-            for (; i + kLanes <= n; i += kLanes) {
-                ShapedSolid<kOpaque>(dst + i, c, shape + i, kLanes);
-            }
-            if (i < n) {
-                ShapedSolid<kOpaque>(dst + i, c, shape + i, n - i); // mostly the end of the row
-            }
+            ShapedRow<kOpaque>(dst, c, shape, n);
         } else if (runs->value != 0) {
             ConstantRun(all, dst, ScalePixel(color, runs->value + 1U), n);
         }
@@ -101,9 +95,8 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     auto* bytes = reinterpret_cast<uint8_t*>(dst);
     for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {
         auto* row = reinterpret_cast<uint32_t*>(bytes);
-        const uint8_t* s = shape;
         // The next block over these pixels is many rows away, so short masked stores stall nothing here.
-        ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid(row + i, c, s + i, n); });
+        ShapedRow(row, c, shape, count);
     }
 }
 
@@ -143,7 +136,13 @@ GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t
         }
         first.Paint(dst, kLanes);
         if (!opaque) {
-            for (size_t i = kLanes; i < end; i += kLanes) {
+            size_t i = kLanes;
+#ifdef GX_SIMD_QUADS
+            if (inner > kColors && end > i) {
+                i += OverQuads(dst + i, OverColor(middle.color), end - i);
+            }
+#endif
+            for (; i < end; i += kLanes) {
                 middle.Paint(dst + i, kLanes);
             }
         } else if (end > kAlignedFrom) {

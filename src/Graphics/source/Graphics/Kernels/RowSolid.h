@@ -3,7 +3,8 @@
 // row loops and the sweeps of the rasterizer are made of them.
 #pragma once
 
-#include "../Simd/Channels.h"
+#include "../Simd/ChannelDivision.h"
+#include "PixelQuads.h"
 #include "RowKernels.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
@@ -17,21 +18,47 @@ GX_INLINE inline U32 Over(U32 d, U32 c, U32 complement) noexcept {
 /// normalSolid for at most one vector of pixels. An opaque colour scaled by s has alpha 255 (s + 1) >> 8 = s.
 template <bool kOpaque = false>
 GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape, size_t n) noexcept {
-    const U32 s = WidenSome(shape, n);
     const U32 d = LoadSome(dst, n);
+#ifdef GX_SIMD_QUADS
+    const U32 s = n == kLanes ? WidenToAll(shape) : SpreadBytes(WidenPart(shape, n));
+    StoreSome(dst, n, ShapedColor<kOpaque>(color)(d, s));
+#else
+    const U32 s = WidenSome(shape, n);
     const U32 both = Twice(s);
     const U32 scaled = Scale(color, both + 0x00010001U);
     const U32 complement = kOpaque ? 0x01000100U - both : ComplementOf(Alpha(scaled));
     StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
+#endif
+}
+
+/// ShapedSolid along a row.
+template <bool kOpaque = false>
+GX_INLINE inline void ShapedRow(uint32_t* dst, U32 color, const uint8_t* shape, size_t count) noexcept {
+#ifdef GX_SIMD_QUADS
+    const ShapedColor<kOpaque> shaped(color);
+    size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        Store(dst + i, shaped(Load(dst + i), WidenToAll(shape + i)));
+    }
+    const size_t n = count - i;
+    if (n != 0 && i != 0) { // once more a whole vector, in which the pixels that are done are not covered
+        const U32 s = Splat(WordAt(shape + count - kLanes) & (~0U << (8 * (kLanes - n))));
+        Store(dst + count - kLanes, shaped(Load(dst + count - kLanes), SpreadQuarter(s, 0)));
+    } else if (n != 0) {
+        ShapedSolid<kOpaque>(dst, color, shape, n);
+    }
+#else
+    ForBlocks(count, [=](size_t i, size_t n) { ShapedSolid<kOpaque>(dst + i, color, shape + i, n); });
+#endif
 }
 
 #if GX_SIMD_BYTES == 64
 /// The shape bytes of eight pixels, as SolidBlock takes them.
 using EightShapes = HalfU32;
-GX_INLINE inline EightShapes EightOf(uint64_t bytes) noexcept {
+GX_INLINE inline EightShapes ShapesOf(uint64_t bytes) noexcept {
     return WidenHalf(reinterpret_cast<const uint8_t*>(&bytes));
 }
-GX_INLINE inline EightShapes EightTimes(uint8_t shape) noexcept { return HalfU32{} + shape; }
+GX_INLINE inline EightShapes ShapesTimes(uint8_t shape) noexcept { return HalfU32{} + shape; }
 
 /// One colour over eight pixels at a time, the pixels of a block of the rasterizer. Vectors of 64 bytes would be half
 /// empty, and cross a cache line at every second block.
@@ -68,9 +95,9 @@ private:
 struct EightShapes {
     uint8_t bytes[8];
 };
-GX_INLINE inline EightShapes EightOf(uint64_t bytes) noexcept { return __builtin_bit_cast(EightShapes, bytes); }
-GX_INLINE inline EightShapes EightTimes(uint8_t shape) noexcept {
-    return EightOf(shape * uint64_t{0x0101010101010101U});
+GX_INLINE inline EightShapes ShapesOf(uint64_t bytes) noexcept { return __builtin_bit_cast(EightShapes, bytes); }
+GX_INLINE inline EightShapes ShapesTimes(uint8_t shape) noexcept {
+    return ShapesOf(shape * uint64_t{0x0101010101010101U});
 }
 
 template <bool kOpaque> class SolidBlock {
@@ -78,9 +105,7 @@ public:
     explicit SolidBlock(uint32_t color) noexcept : m_color(Splat(color)) {}
 
     GX_INLINE void Paint(uint32_t* dst, const EightShapes& shapes, size_t n) const noexcept {
-        for (size_t i = 0; i < 8 && i < n; i += kLanes) {
-            ShapedSolid<kOpaque>(dst + i, m_color, shapes.bytes + i, n - i < kLanes ? n - i : kLanes);
-        }
+        ShapedRow<kOpaque>(dst, m_color, shapes.bytes, n < 8 ? n : 8);
     }
 
 private:

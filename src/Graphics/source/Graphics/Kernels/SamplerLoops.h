@@ -5,6 +5,7 @@
 
 #include "../Simd/Channels.h"
 #include "PaintKernels.h"
+#include "PixelQuads.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
@@ -138,14 +139,41 @@ void Taps(const float* c, size_t count, int32_t size, int32_t* first, int32_t* s
 }
 
 void MixRows(const uint32_t* a, const uint32_t* b, const uint32_t* weight, size_t count, uint32_t* out) {
-    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+    size_t done = 0;
+#ifdef GX_SIMD_QUADS
+    done = ForQuads(count, [=](size_t i) GX_INLINE {
+        const Quad x = LoadQuad(a + i);
+        const Quad y = LoadQuad(b + i);
+        const Quad w = LoadQuad(weight + i);
+        StoreQuad(out + i, EachOf([&](int k) GX_INLINE {
+                      const U32 share = DoubleLowBytes((U32)((U16)w.v[k] - 1U));
+                      return ScaleDown(x.v[k], share) + ScaleUp(y.v[k], share);
+                  }));
+    });
+#endif
+    ForBlocks(count - done, [=](size_t i, size_t lanes) GX_INLINE {
+        const size_t k = done + i;
         StoreSome(out + k, lanes, Mix(LoadSome(a + k, lanes), LoadSome(b + k, lanes), LoadSome(weight + k, lanes)));
     });
 }
 
 void MixRowsBy(const uint32_t* a, const uint32_t* b, uint32_t weight, size_t count, uint32_t* out) {
+    size_t done = 0;
+#ifdef GX_SIMD_QUADS
+    if (weight - 2U <= 253U) { // both factors are bytes
+        const U32 rest = Splat((257U - weight) * 0x01010101U);
+        const U32 share = Splat(weight * 0x01010101U);
+        done = ForQuads(count, [=](size_t i) GX_INLINE {
+            const Quad x = LoadQuad(a + i);
+            const Quad y = LoadQuad(b + i);
+            StoreQuad(out + i,
+                      EachOf([&](int k) GX_INLINE { return ScaleDirect(x.v[k], rest) + ScaleDirect(y.v[k], share); }));
+        });
+    }
+#endif
     const U32 w = Spread(Splat(weight));
-    ForBlocks(count, [&](size_t k, size_t lanes) GX_INLINE {
+    ForBlocks(count - done, [=](size_t i, size_t lanes) GX_INLINE {
+        const size_t k = done + i;
         StoreSome(out + k, lanes, Mix(LoadSome(a + k, lanes), LoadSome(b + k, lanes), w));
     });
 }

@@ -67,8 +67,16 @@ struct Sum {
         v = FloatOf(first + static_cast<uint32_t>(steady) * d) + step;
         U32 bits = first + Ascending() * d;
         const U32 jump = Splat(static_cast<uint32_t>(kLanes) * d);
-        ForBlocks(steady + 1, [&](size_t at, size_t lanes) GX_INLINE {
-            StoreSome(out + at, lanes, bits);
+        size_t done = 0;
+#ifdef GX_SIMD_QUADS
+        for (; done + 4 * kLanes <= steady + 1; done += 4 * kLanes) {
+            const U32 second = bits + jump;
+            StoreQuad(out + done, {{bits, second, bits + 2 * jump, second + 2 * jump}});
+            bits += 4 * jump;
+        }
+#endif
+        ForBlocks(steady + 1 - done, [&](size_t at, size_t lanes) GX_INLINE {
+            StoreSome(out + done + at, lanes, bits);
             bits += jump;
         });
         out += steady + 1;

@@ -4,7 +4,8 @@
 //
 // An edge that crosses sub-scanline s at column c adds +1 or -1 to that one byte, whatever the windings are; sums from
 // left to right, modulo 256, are the windings. So overlapping figures cost what others cost, and only pixels that edges
-// cross are ever read: marks have one bit for each pixel.
+// cross are ever read: marks have one bit for each pixel. With verbs for eight bytes a line lies by columns, eight bytes of
+// sub-scanlines for each, so columns are added to columns.
 #pragma once
 
 #include <cstring>
@@ -14,6 +15,14 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
+#ifdef GX_SIMD_QUADS
+/// The columns of a pixel in its four vectors.
+GX_INLINE inline U8 ColumnsOf(int vector) noexcept {
+    const U8 first{0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1};
+    return first + static_cast<uint8_t>(2 * vector);
+}
+#endif
+
 /// Adds an edge to one pixel row after the other.
 class Bytes {
     static constexpr size_t kParts = 8 / kLongLanes;
@@ -21,6 +30,37 @@ class Bytes {
 public:
     static constexpr int kMarkShift = 0;
 
+#ifdef GX_SIMD_QUADS
+    GX_INLINE Bytes(const BandFrame& /*frame*/, const BandEdge& e) noexcept
+        : m_columns(e.step), m_step(e.step), m_unit((e.flags & kEdgeUp) != 0 ? 0xFF : 1) {}
+
+    template <bool Clamp> GX_INLINE void Walk(uint8_t* row, uint64_t* bits, const RowPart& part) const noexcept {
+        const int32_t p0 = part.c0 >> 3;
+        const int32_t p1 = part.c1 >> 3;
+        const int32_t more = p0 < p1 ? p1 - p0 : p0 - p1;
+        if (Clamp || more >= EightColumns::kMostPixels) {
+            WalkBytes<Clamp>(row, bits, part);
+            return;
+        }
+        auto p = static_cast<uint32_t>(p0 < p1 ? p0 : p1);
+        const Eight taken = EightOf(EightColumns::Taken(part));
+        U8 columns = Twofold(m_columns.From(part, static_cast<int32_t>(p)) | ~taken); // those not taken are in no pixel
+        const U8 minus = U8{} - static_cast<uint8_t>(m_unit);                         // times -1
+        for (const uint32_t last = p + static_cast<uint32_t>(more);; ++p) {
+            uint8_t* const cell = row + size_t{p} * 64;
+            Quad sums = LoadQuad(cell);
+            for (int i = 0; i < 4; ++i) {
+                sums.v[i] = (U32)MultiplyAddBytes((U8)sums.v[i], (U8)(columns == ColumnsOf(i)), minus);
+            }
+            StoreQuad(cell, sums);
+            bits[p >> 6] |= uint64_t{1} << (p & 63);
+            if (p == last) {
+                return;
+            }
+            columns -= 8;
+        }
+    }
+#else
     GX_INLINE Bytes(const BandFrame& /*frame*/, const BandEdge& e) noexcept
         : m_step(e.step), m_unit((e.flags & kEdgeUp) != 0 ? 0xFF : 1) {
         for (size_t i = 0; i < kParts; ++i) {
@@ -76,6 +116,8 @@ public:
         }
     }
 
+#endif
+
     /// The same column c in sub-scanlines [s, stop).
     GX_INLINE void Upright(uint8_t* row, uint64_t* bits, uint32_t c, int32_t s, int32_t stop) const noexcept {
         for (; s < stop; ++s) {
@@ -99,7 +141,13 @@ public:
             }
         }
         /// The number of samples inside, of a pixel in which no winding changes.
+#ifdef GX_SIMD_QUADS
+        GX_INLINE uint32_t Inside() const noexcept {
+            return 64 + 4 * static_cast<uint32_t>(SumOfBytes((I8)((U8)m_carry[0] == 0)));
+        }
+#else
         GX_INLINE uint32_t Inside() const noexcept { return NonZeroBytes(m_carry); }
+#endif
         /// Takes the first block of the marks off them. Returns its first pixel in the word.
         GX_INLINE static int32_t Next(uint64_t& marks, uint32_t& pixels) noexcept {
             const int block = __builtin_ctzll(marks) & ~7;
@@ -125,6 +173,23 @@ public:
         GX_INLINE uint64_t ConstantShapes() const noexcept { return ShapeOf(Inside()) * uint64_t{0x0101010101010101U}; }
         GX_INLINE static uint64_t ShapeOf(uint32_t count) noexcept { return count * 4 - (count != 0 ? 1 : 0); }
         /// The number of samples inside, of a pixel in which windings change. Zeroes it.
+#ifdef GX_SIMD_QUADS
+        GX_INLINE uint32_t Sum(uint8_t* cell) noexcept {
+            const Quad changes = LoadQuad(cell);
+            StoreQuad(cell, Quad{});
+            I8 zeros{}; // -1 for each byte of 0
+            auto carry = (U8)m_carry[0];
+            for (const U32 v : changes.v) {
+                const U8 windings = (U8)v + HalfMovedUp((U8)v) + carry;
+                carry = UpperTwice(windings);
+                zeros += (I8)(windings == 0);
+            }
+            m_carry[0] = (U64)carry;
+            return static_cast<uint32_t>(64 + SumOfBytes(zeros));
+        }
+
+        U64 m_carry[1]; // of each sub-scanline, twice
+#else
         GX_INLINE uint32_t Sum(uint8_t* cell) noexcept {
             U64 windings[kParts];
             for (size_t i = 0; i < kParts; ++i) {
@@ -141,6 +206,7 @@ public:
         }
 
         U64 m_carry[kParts];
+#endif
     };
 
 private:
@@ -149,7 +215,11 @@ private:
     static constexpr bool kClamps = kLongLanes == 8; // and to the right with the sign
 
     GX_INLINE void Add(uint8_t* row, uint64_t* bits, uint32_t c, int32_t s) const noexcept {
+#ifdef GX_SIMD_QUADS
+        uint8_t& at = row[size_t{c} * 8 + static_cast<uint32_t>(s)];
+#else
         uint8_t& at = row[size_t{c & ~7U} * 8 + (c & 7) + static_cast<uint32_t>(s) * 8];
+#endif
         at = static_cast<uint8_t>(at + m_unit);
         bits[c >> 9] |= uint64_t{1} << ((c >> 3) & 63);
     }
@@ -170,7 +240,11 @@ private:
         }
     }
 
+#ifdef GX_SIMD_QUADS
+    EightColumns m_columns;
+#else
     U64 m_steps[kParts];
+#endif
     int64_t m_step;
     uint64_t m_unit;
 };

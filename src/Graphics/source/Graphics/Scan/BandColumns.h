@@ -31,5 +31,29 @@ struct RowPart {
     int32_t limit; ///< the highest column, to which edges that leave the frame are clamped
 };
 
+#ifdef GX_SIMD_QUADS
+/// Where an edge crosses the sub-scanlines of a pixel row, all at once.
+class EightColumns {
+public:
+    static constexpr int32_t kMostPixels = 4;
+
+    GX_INLINE explicit EightColumns(int64_t step) noexcept : m_step(step), m_sums(static_cast<uint64_t>(step)) {}
+
+    /// Columns from that of pixel `pixel` on, below 8 kMostPixels if the part lies in that many pixels; any outside of [s, stop).
+    GX_INLINE Eight From(const RowPart& part, int32_t pixel) const noexcept {
+        const auto origin = static_cast<uint64_t>(Advance(part.x, m_step, -part.s));
+        return m_sums.Bits42To49(origin) - static_cast<uint8_t>(pixel * 8);
+    }
+    /// The bytes of the sub-scanlines [s, stop).
+    GX_INLINE static uint64_t Taken(const RowPart& part) noexcept {
+        return (~uint64_t{0} >> (64 - 8 * part.stop)) & (~uint64_t{0} << (8 * part.s));
+    }
+
+private:
+    int64_t m_step;
+    EightSums m_sums;
+};
+#endif
+
 } // namespace
 } // namespace Graphics::GX_SIMD_NAMESPACE

@@ -13,15 +13,15 @@ namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
 #if GX_SIMD_BYTES == 64
-GX_INLINE inline EightShapes EightOf(const Counts& counts) noexcept { return ShapeWords(counts.parts[0]); }
+GX_INLINE inline EightShapes ShapesOf(const Counts& counts) noexcept { return ShapeWords(counts.parts[0]); }
 #else
-GX_INLINE inline EightShapes EightOf(const Counts& counts) noexcept {
+GX_INLINE inline EightShapes ShapesOf(const Counts& counts) noexcept {
     EightShapes shapes;
     counts.StoreShapes(shapes.bytes);
     return shapes;
 }
 #endif
-GX_INLINE inline EightShapes EightOf(const Bytes::Shapes& shapes) noexcept { return EightOf(shapes.bytes); }
+GX_INLINE inline EightShapes ShapesOf(const Bytes::Shapes& shapes) noexcept { return ShapesOf(shapes.bytes); }
 
 /// What SweepRow does, with pixels for runs.
 template <class Windings, bool kOpaque> class RowPainter {
@@ -33,7 +33,7 @@ public:
         typename Windings::Sums sums(m_frame);
         const auto gap = [&](int32_t from, int32_t to) GX_INLINE { Gap(dst, from, to, sums.Inside()); };
         const auto block = [&](int32_t from, uint32_t pixels) GX_INLINE {
-            const EightShapes shapes = EightOf(sums.Block(cells, static_cast<size_t>(from), pixels));
+            const EightShapes shapes = ShapesOf(sums.Block(cells, static_cast<size_t>(from), pixels));
             if (from < m_frame.width) {
                 if (m_to.ahead != 0) {
                     __builtin_prefetch(reinterpret_cast<uint8_t*>(dst + from) + m_to.ahead, 1);
@@ -52,7 +52,7 @@ private:
         }
         const auto n = static_cast<size_t>(to - from);
         if (n <= 8) { // as a block: fewer branches, and gaps of one block are frequent
-            m_block.Paint(dst + from, EightTimes(static_cast<uint8_t>(count * 4 - 1)), n);
+            m_block.Paint(dst + from, ShapesTimes(static_cast<uint8_t>(count * 4 - 1)), n);
             return;
         }
         if (n >= SolidRows::kPrefetchRun) {

@@ -127,6 +127,40 @@ private:
     int64_t m_step;
     U64 m_steps;
 };
+#elif defined(GX_SIMD_QUADS)
+/// The same by bytes: sub-scanlines are eight of them.
+class RowColumns {
+public:
+    GX_INLINE explicit RowColumns(int64_t step) noexcept : m_columns(step), m_step(step) {}
+
+    template <int K, bool Clamp>
+    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
+        const int32_t p0 = part.c0 >> 3;
+        const int32_t p1 = part.c1 >> 3;
+        const int32_t low = p0 < p1 ? p0 : p1;
+        const int32_t more = p0 < p1 ? p1 - p0 : p0 - p1;
+        if (Clamp || more >= EightColumns::kMostPixels) {
+            WalkScalar<K, Clamp>(row, planeBytes, part, m_step, flip);
+            return;
+        }
+        const Eight columns = m_columns.From(part, low);
+        const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7) & EightOf(EightColumns::Taken(part));
+        uint8_t* at = row + static_cast<size_t>(low) * 8;
+        if (more == 0) {
+            Toggle<K, uint64_t>(at, planeBytes, WordOf(masks), flip);
+            return;
+        }
+        const Eight pixels = columns >> 3;
+        for (int32_t p = 0; p <= more; ++p, at += 8) {
+            const auto here = (Eight)(pixels == static_cast<uint8_t>(p));
+            Toggle<K, uint64_t>(at, planeBytes, WordOf(masks & here), flip);
+        }
+    }
+
+private:
+    EightColumns m_columns;
+    int64_t m_step;
+};
 #else
 /// The same for narrower sets: rows in which the edge stays inside one pixel are toggled at once, all others by
 /// sub-scanlines.

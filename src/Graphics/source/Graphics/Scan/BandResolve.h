@@ -14,6 +14,113 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
+#ifdef GX_SIMD_QUADS
+/// Keys are integers of 32 bits, 4 column + 1 + d, so a row's eight lie in two vectors; lanes of the row are also the bytes of a
+/// word, as in the cells.
+struct Crossings {
+    I32 part[2];
+};
+
+class RowResolver {
+public:
+    explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
+
+    /// Inserts edge `i` into the sorted crossings of those before it, in the row that begins at sub-scanline `first`.
+    /// Edges whose crossings change places change them in `active` too, which is about their order in the next row.
+    /// Returns the number of edges that it passed.
+    size_t Insert(const BandEdge* edges, uint32_t* active, size_t i, int32_t first) noexcept {
+        const size_t place = i;
+        const uint32_t index = active[i];
+        Crossings v = CrossingsOf(edges[index], first);
+        for (; i != 0; --i) {
+            Crossings& before = m_crossings[i - 1];
+            if (NoneSet((U32)(before.part[0] > v.part[0]) | (U32)(before.part[1] > v.part[1]))) {
+                break;
+            }
+            for (int k = 0; k < 2; ++k) {
+                m_crossings[i].part[k] = HigherWords(before.part[k], v.part[k]);
+                v.part[k] = LowerWords(before.part[k], v.part[k]);
+            }
+            active[i] = active[i - 1];
+        }
+        active[i] = index;
+        m_crossings[i] = v;
+        return place - i;
+    }
+
+    /// Toggles what bounds the inside.
+    void Toggle(size_t count) const noexcept {
+        // The sum of d + 1 over i crossings is i where the winding is 0.
+        U32 sum[2] = {};
+        U32 none{};
+        for (size_t i = 0; i < count; ++i) {
+            const U32 next = none + 1U;
+            U32 changed[2];
+            for (int k = 0; k < 2; ++k) {
+                const auto before = (U32)(sum[k] == none);
+                sum[k] += (U32)m_crossings[i].part[k] & 3U;
+                changed[k] = before ^ (U32)(sum[k] == next);
+            }
+            none = next;
+            const uint64_t lanes = WordOf(LowBytesOf(changed[0], changed[1]));
+            if (lanes != 0) {
+                ToggleAt(m_crossings[i], lanes);
+            }
+        }
+    }
+
+private:
+    GX_INLINE Crossings CrossingsOf(const BandEdge& e, int32_t first) const noexcept {
+        const auto origin = static_cast<uint64_t>(Advance(e.x, e.step, first - e.y));
+        const EightSums sums(static_cast<uint64_t>(e.step));
+        U32 c[2] = {(U32)((I32)sums.HighHalves(origin, 0) >> (kBandFraction - 32)),
+                    (U32)((I32)sums.HighHalves(origin, 4) >> (kBandFraction - 32))};
+        const uint32_t code = (e.flags & kEdgeUp) != 0 ? 0 : 2;
+        U32 codes[2] = {Splat(code), Splat(code)};
+        if (e.y > first || e.end < first + 8) {
+            // Elsewhere the nearest position, which is about in order, and a direction of 0.
+            const auto begin = static_cast<uint8_t>(e.y > first ? e.y - first : 0);
+            const auto end = static_cast<uint8_t>(e.end < first + 8 ? e.end - first : 8);
+            const Eight lanes{0, 1, 2, 3, 4, 5, 6, 7};
+            Eight nearest = lanes;
+            nearest = nearest > begin ? nearest : Eight{} + begin;
+            nearest = nearest < end ? nearest : static_cast<uint8_t>(end - 1) + Eight{};
+            PickWords(c, nearest);
+            for (uint32_t k = 0; k < 2; ++k) {
+                const U32 lane = Ascending() + 4 * k;
+                codes[k] = Select((I32)((lane >= begin) & (lane < end)), codes[k], Splat(1U));
+            }
+        }
+        Crossings v;
+        for (int k = 0; k < 2; ++k) {
+            auto column = (I32)c[k];
+            if ((e.flags & ~kEdgeUp) != 0) {
+                column = LowerWords(HigherWords(column, I32{}), I32{} + m_frame.width * 8);
+            }
+            v.part[k] = (column << 2) + (I32)codes[k];
+        }
+        return v;
+    }
+
+    GX_INLINE void ToggleAt(const Crossings& crossings, uint64_t lanes) const noexcept {
+        const Eight columns = LowBytesOf((U32)crossings.part[0] >> 2, (U32)crossings.part[1] >> 2);
+        const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7);
+        const U32 pixels[2] = {(U32)crossings.part[0] >> 5, (U32)crossings.part[1] >> 5};
+        do {
+            int32_t key;
+            __builtin_memcpy(&key, reinterpret_cast<const uint8_t*>(&crossings) + __builtin_ctzll(lanes) / 8 * 4, 4);
+            const auto p = static_cast<uint32_t>(key) >> 5;
+            const uint64_t here = WordOf(LowBytesOf((U32)(pixels[0] == p), (U32)(pixels[1] == p))) & lanes;
+            m_frame.bits[p >> 9] |= uint64_t{1} << ((p >> 3) & 63);
+            Graphics::GX_SIMD_NAMESPACE::Toggle<1, uint64_t>(m_frame.cells + size_t{p} * 8, 0, WordOf(masks) & here, 0);
+            lanes &= ~here;
+        } while (lanes != 0);
+    }
+
+    const BandFrame& m_frame;
+    Crossings m_crossings[kMostResolved];
+};
+#else
 /// One key in each lane.
 struct Crossings {
     static constexpr size_t kParts = 8 / kLongLanes;
@@ -141,6 +248,7 @@ private:
     const BandFrame& m_frame;
     Crossings m_crossings[kMostResolved];
 };
+#endif
 
 size_t ResolveRow(const BandFrame& frame, const BandEdge* edges, uint32_t* active, size_t& count, int32_t first) {
     RowResolver resolver(frame);
