@@ -9,7 +9,7 @@ set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source tools/setup.sh
-(gx_require "${GX_ARM64_PACKAGES[@]}" && tools/sysroot.sh) || {
+(gx_require "${GX_ARM64_PACKAGES[@]}" && tools/sysroot.sh "$@") || {
     echo "No packages for arm64: the build for 64-bit ARM and its tests are left out"
     exit 77
 }

@@ -2,7 +2,7 @@
 # The part of tools/package.sh for 64-bit ARM: the same packages from the cross build. Sourced, not run. Dependencies are those of
 # the libraries in the sysroot, by its own records: dpkg-shlibdeps, which CPack calls, is told to look there.
 gx_require "${GX_ARM64_PACKAGES[@]}"
-tools/sysroot.sh
+tools/sysroot.sh --all
 arm64_sysroot=$PWD/build/arm64-sysroot
 arm64_records=$(mktemp -d)
 cp -r "$arm64_sysroot/var/lib/dpkg/." "$arm64_records/"

@@ -26,8 +26,10 @@ GX_WINDOWS_PACKAGES=(
 GX_ARM64_PACKAGES=(g++-aarch64-linux-gnu qemu-user-static googletest)
 GX_ARM64_LIBRARIES=(
     libc6-dev libpng-dev libjpeg-dev libtiff-dev libgif-dev libfreetype-dev libfontconfig-dev zlib1g-dev
-    libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev libgearman-dev libsdl2-dev
+    libmupdf-dev libmujs-dev libgumbo-dev libjbig2dec0-dev libopenjp2-7-dev libharfbuzz-dev
 )
+# For the viewer, and for packages with all that they have on this machine.
+GX_ARM64_MORE_LIBRARIES=(libgearman-dev libsdl2-dev)
 # What the packages contain beside what ./run builds, so that they are the same on every machine, and what packs them.
 GX_PACKAGING_PACKAGES=(
     "${GX_VIEWER_PACKAGES[@]}" libgearman-dev python3-dev python3-cffi

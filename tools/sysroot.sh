@@ -1,20 +1,24 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# sysroot.sh [DIRECTORY]: unpacks the headers and libraries that the builds for 64-bit ARM need into a folder, by default
-# build/arm64-sysroot, where cmake/arm64-linux.cmake looks for them. The packages come from the machine's own sources for
-# Debian, through lists of packages that are kept apart, and are unpacked, not installed: the machine's packages, and the
-# architectures that its dpkg knows, stay as they are. The folder has dpkg's records of them, which name the packages that
-# programs for arm64 depend on.
+# sysroot.sh [--all]: unpacks the headers and libraries that the build for 64-bit ARM and its chosen tests need into
+# build/arm64-sysroot, where cmake/arm64-linux.cmake looks for them; with --all, what every target and the packages need. The
+# packages come from the machine's own sources for Debian, through lists of packages that are kept apart, and are unpacked, not
+# installed: the machine's packages, and the architectures that its dpkg knows, stay as they are. With --all the folder has dpkg's
+# records of them, which name the packages that programs for arm64 depend on.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source tools/setup.sh
-target=${1:-build/arm64-sysroot}
+target=build/arm64-sysroot
 packages=("${GX_ARM64_LIBRARIES[@]}")
+more="${packages[*]} ${GX_ARM64_MORE_LIBRARIES[*]}, with records"
+[[ ${1:-} != --all ]] || packages+=("${GX_ARM64_MORE_LIBRARIES[@]}")
 
 # What a sysroot was made of is noted in it, so that the second call has nothing to do.
-made="with records: ${packages[*]}"
-if [[ -f $target/.packages && $(<"$target/.packages") == "$made" ]]; then
+made=${packages[*]}
+[[ ${1:-} != --all ]] || made=$more
+noted=$(cat "$target/.packages" 2>/dev/null) || true
+if [[ $noted == "$made" || $noted == "$more" ]]; then
     exit 0
 fi
 
@@ -52,6 +56,7 @@ for archive in "$scratch"/archives/*.deb; do
     dpkg-deb --fsys-tarfile "$archive" |
         tar -x -C "$scratch/tree" --keep-directory-symlink --no-same-owner --exclude='./usr/share/[!p]*' \
             --exclude='./usr/bin' --exclude='./bin' --exclude='./sbin' --exclude='./usr/sbin' --exclude='./etc' --exclude='./var'
+    [[ ${1:-} == --all ]] || continue
     rm -rf "$scratch/control"
     dpkg-deb -e "$archive" "$scratch/control"
     sed -e '/^ *$/d' -e 's/^Package: .*/&\nStatus: install ok installed/' "$scratch/control/control" >>"$records/status"
