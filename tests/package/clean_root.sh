@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # tests/package/clean_root.sh PACKAGES [ROOT]: takes the packages that tools/package.sh made into a bare Debian 12, installs
 # them, builds the example there with pkg-config and with CMake and runs it, does the same with the archive unpacked in two
-# places, draws a page with the tools, the viewer and from Python, removes the packages and looks for what they left. Needs root and mmdebstrap; a ROOT that
-# is there is used as it is and kept.
+# places, draws a page with the tools, the viewer and from Python, removes the packages and looks for what they left. Needs root
+# and mmdebstrap; a ROOT that is there is used as it is and kept.
 set -euo pipefail
 
 packages=$(cd "$1" && pwd)
