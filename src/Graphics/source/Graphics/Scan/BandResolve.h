@@ -20,32 +20,79 @@ namespace {
 struct Crossings {
     I32 part[2];
 };
+GX_INLINE inline bool AnyAbove(const Crossings& a, const Crossings& b) noexcept {
+    return !NoneSet((U32)(a.part[0] > b.part[0]) | (U32)(a.part[1] > b.part[1]));
+}
+GX_INLINE inline Crossings HigherOf(const Crossings& a, const Crossings& b) noexcept {
+    return {{HigherWords(a.part[0], b.part[0]), HigherWords(a.part[1], b.part[1])}};
+}
+GX_INLINE inline Crossings LowerOf(const Crossings& a, const Crossings& b) noexcept {
+    return {{LowerWords(a.part[0], b.part[0]), LowerWords(a.part[1], b.part[1])}};
+}
+#else
+/// One key in each lane.
+struct Crossings {
+    static constexpr size_t kParts = 8 / kLongLanes;
+    F64 part[kParts];
+};
+GX_INLINE inline bool AnyAbove(const Crossings& a, const Crossings& b) noexcept {
+    uint32_t above = 0;
+    for (size_t k = 0; k < Crossings::kParts; ++k) {
+        above |= MaskBits((I64)(a.part[k] > b.part[k]));
+    }
+    return above != 0;
+}
+GX_INLINE inline Crossings HigherOf(const Crossings& a, const Crossings& b) noexcept {
+    Crossings r;
+    for (size_t k = 0; k < Crossings::kParts; ++k) {
+        r.part[k] = Higher(a.part[k], b.part[k]);
+    }
+    return r;
+}
+GX_INLINE inline Crossings LowerOf(const Crossings& a, const Crossings& b) noexcept {
+    Crossings r;
+    for (size_t k = 0; k < Crossings::kParts; ++k) {
+        r.part[k] = Lower(a.part[k], b.part[k]);
+    }
+    return r;
+}
+#endif
 
-class RowResolver {
+/// The crossings of a row's edges, each lane in order.
+class SortedCrossings {
 public:
-    explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
-
-    /// Inserts edge `i` into the sorted crossings of those before it, in the row that begins at sub-scanline `first`.
-    /// Edges whose crossings change places change them in `active` too, which is about their order in the next row.
-    /// Returns the number of edges that it passed.
-    size_t Insert(const BandEdge* edges, uint32_t* active, size_t i, int32_t first) noexcept {
+    /// Inserts those of edge `active[i]` among the i before it. Edges whose crossings change places change them in `active` too,
+    /// which is about their order in the next row. Returns the number of edges that it passed.
+    GX_INLINE size_t Insert(Crossings v, uint32_t* active, size_t i) noexcept {
         const size_t place = i;
         const uint32_t index = active[i];
-        Crossings v = CrossingsOf(edges[index], first);
         for (; i != 0; --i) {
-            Crossings& before = m_crossings[i - 1];
-            if (NoneSet((U32)(before.part[0] > v.part[0]) | (U32)(before.part[1] > v.part[1]))) {
+            const Crossings before = m_crossings[i - 1];
+            if (!AnyAbove(before, v)) {
                 break;
             }
-            for (int k = 0; k < 2; ++k) {
-                m_crossings[i].part[k] = HigherWords(before.part[k], v.part[k]);
-                v.part[k] = LowerWords(before.part[k], v.part[k]);
-            }
+            m_crossings[i] = HigherOf(before, v);
+            v = LowerOf(before, v);
             active[i] = active[i - 1];
         }
         active[i] = index;
         m_crossings[i] = v;
         return place - i;
+    }
+    GX_INLINE const Crossings& operator[](size_t i) const noexcept { return m_crossings[i]; }
+
+private:
+    Crossings m_crossings[kMostResolved];
+};
+
+#ifdef GX_SIMD_QUADS
+class RowResolver {
+public:
+    explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
+
+    /// Edge `active[i]` among those before it, in the row that begins at sub-scanline `first` (SortedCrossings::Insert).
+    size_t Insert(const BandEdge* edges, uint32_t* active, size_t i, int32_t first) noexcept {
+        return m_crossings.Insert(CrossingsOf(edges[active[i]], first), active, i);
     }
 
     /// Toggles what bounds the inside.
@@ -118,65 +165,18 @@ private:
     }
 
     const BandFrame& m_frame;
-    Crossings m_crossings[kMostResolved];
+    SortedCrossings m_crossings;
 };
 #else
-/// One key in each lane.
-struct Crossings {
-    static constexpr size_t kParts = 8 / kLongLanes;
-    F64 part[kParts];
-};
-
 GX_INLINE inline void ToggleWord(uint8_t* p, uint64_t mask) noexcept { Toggle<1, uint64_t>(p, 0, mask, 0); }
 
 class RowResolver {
 public:
     explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
 
-    /// Inserts edge `i` into the sorted crossings of those before it, in the row that begins at sub-scanline `first`.
-    /// Edges whose crossings change places change them in `active` too, which is about their order in the next row.
-    /// Returns the number of edges that it passed.
+    /// Edge `active[i]` among those before it, in the row that begins at sub-scanline `first` (SortedCrossings::Insert).
     size_t Insert(const BandEdge* edges, uint32_t* active, size_t i, int32_t first) noexcept {
-        const size_t place = i;
-        const uint32_t index = active[i];
-        const BandEdge& e = edges[index];
-        const auto origin = static_cast<uint64_t>(Advance(e.x, e.step, first - e.y));
-        const int64_t begin = e.y > first ? e.y - first : 0;
-        const int64_t end = e.end < first + 8 ? e.end - first : 8;
-        const bool clamps = (e.flags & ~kEdgeUp) != 0;
-        const int64_t code = (e.flags & kEdgeUp) != 0 ? 0 : 2;
-        Crossings v;
-        for (size_t k = 0; k < Crossings::kParts; ++k) {
-            const I64 row = (I64)(LongAscending() + k * kLongLanes);
-            I64 lane = row;
-            if (end - begin != 8) {
-                // Elsewhere the nearest position, which is about in order.
-                lane = lane > begin ? lane : I64{} + begin;
-                lane = lane < end ? lane : I64{} + (end - 1);
-            }
-            const U64 x = origin + (U64)lane * static_cast<uint64_t>(e.step);
-            I64 c = (I64)(x >> kBandFraction);
-            if (clamps) {
-                const I64 most = I64{} + int64_t{m_frame.width} * 8;
-                c = (I64)x < 0 ? I64{} : c; // a position is below 2^63
-                c = c < most ? c : most;
-            }
-            v.part[k] = (F64)(kBase | c << 2 | (lane == row ? I64{} + code : I64{} + 1));
-        }
-        for (; i != 0; --i) {
-            Crossings& before = m_crossings[i - 1];
-            if (!AnyAbove(before, v)) {
-                break;
-            }
-            for (size_t k = 0; k < Crossings::kParts; ++k) {
-                m_crossings[i].part[k] = Higher(before.part[k], v.part[k]);
-                v.part[k] = Lower(before.part[k], v.part[k]);
-            }
-            active[i] = active[i - 1];
-        }
-        active[i] = index;
-        m_crossings[i] = v;
-        return place - i;
+        return m_crossings.Insert(CrossingsOf(edges[active[i]], first), active, i);
     }
 
     /// Toggles what bounds the inside.
@@ -202,12 +202,31 @@ public:
 private:
     static constexpr int64_t kBase = int64_t{0x433} << 52;
 
-    GX_INLINE static bool AnyAbove(const Crossings& a, const Crossings& b) noexcept {
-        uint32_t above = 0;
+    GX_INLINE Crossings CrossingsOf(const BandEdge& e, int32_t first) const noexcept {
+        const auto origin = static_cast<uint64_t>(Advance(e.x, e.step, first - e.y));
+        const int64_t begin = e.y > first ? e.y - first : 0;
+        const int64_t end = e.end < first + 8 ? e.end - first : 8;
+        const bool clamps = (e.flags & ~kEdgeUp) != 0;
+        const int64_t code = (e.flags & kEdgeUp) != 0 ? 0 : 2;
+        Crossings v;
         for (size_t k = 0; k < Crossings::kParts; ++k) {
-            above |= MaskBits((I64)(a.part[k] > b.part[k]));
+            const I64 row = (I64)(LongAscending() + k * kLongLanes);
+            I64 lane = row;
+            if (end - begin != 8) {
+                // Elsewhere the nearest position, which is about in order.
+                lane = lane > begin ? lane : I64{} + begin;
+                lane = lane < end ? lane : I64{} + (end - 1);
+            }
+            const U64 x = origin + (U64)lane * static_cast<uint64_t>(e.step);
+            I64 c = (I64)(x >> kBandFraction);
+            if (clamps) {
+                const I64 most = I64{} + int64_t{m_frame.width} * 8;
+                c = (I64)x < 0 ? I64{} : c; // a position is below 2^63
+                c = c < most ? c : most;
+            }
+            v.part[k] = (F64)(kBase | c << 2 | (lane == row ? I64{} + code : I64{} + 1));
         }
-        return above != 0;
+        return v;
     }
 
     GX_INLINE static uint32_t ColumnOf(const Crossings& crossings, int lane) noexcept {
@@ -246,7 +265,7 @@ private:
     }
 
     const BandFrame& m_frame;
-    Crossings m_crossings[kMostResolved];
+    SortedCrossings m_crossings;
 };
 #endif
 
