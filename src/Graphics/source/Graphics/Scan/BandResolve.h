@@ -85,18 +85,14 @@ private:
     Crossings m_crossings[kMostResolved];
 };
 
+/// RowResolver, one for each form of crossings: CrossingsOf gives those of an edge in the row that begins at sub-scanline
+/// `first`, Toggle toggles what bounds the inside.
 #ifdef GX_SIMD_QUADS
 class RowResolver {
 public:
     explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
 
-    /// Edge `active[i]` among those before it, in the row that begins at sub-scanline `first` (SortedCrossings::Insert).
-    size_t Insert(const BandEdge* edges, uint32_t* active, size_t i, int32_t first) noexcept {
-        return m_crossings.Insert(CrossingsOf(edges[active[i]], first), active, i);
-    }
-
-    /// Toggles what bounds the inside.
-    void Toggle(size_t count) const noexcept {
+    void Toggle(const SortedCrossings& crossings, size_t count) const noexcept {
         // The sum of d + 1 over i crossings is i where the winding is 0.
         U32 sum[2] = {};
         U32 none{};
@@ -105,18 +101,17 @@ public:
             U32 changed[2];
             for (int k = 0; k < 2; ++k) {
                 const auto before = (U32)(sum[k] == none);
-                sum[k] += (U32)m_crossings[i].part[k] & 3U;
+                sum[k] += (U32)crossings[i].part[k] & 3U;
                 changed[k] = before ^ (U32)(sum[k] == next);
             }
             none = next;
             const uint64_t lanes = WordOf(LowBytesOf(changed[0], changed[1]));
             if (lanes != 0) {
-                ToggleAt(m_crossings[i], lanes);
+                ToggleAt(crossings[i], lanes);
             }
         }
     }
 
-private:
     GX_INLINE Crossings CrossingsOf(const BandEdge& e, int32_t first) const noexcept {
         const auto origin = static_cast<uint64_t>(Advance(e.x, e.step, first - e.y));
         const EightSums sums(static_cast<uint64_t>(e.step));
@@ -149,6 +144,7 @@ private:
         return v;
     }
 
+private:
     GX_INLINE void ToggleAt(const Crossings& crossings, uint64_t lanes) const noexcept {
         const Eight columns = LowBytesOf((U32)crossings.part[0] >> 2, (U32)crossings.part[1] >> 2);
         const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7);
@@ -165,7 +161,6 @@ private:
     }
 
     const BandFrame& m_frame;
-    SortedCrossings m_crossings;
 };
 #else
 GX_INLINE inline void ToggleWord(uint8_t* p, uint64_t mask) noexcept { Toggle<1, uint64_t>(p, 0, mask, 0); }
@@ -174,13 +169,7 @@ class RowResolver {
 public:
     explicit RowResolver(const BandFrame& frame) noexcept : m_frame(frame) {}
 
-    /// Edge `active[i]` among those before it, in the row that begins at sub-scanline `first` (SortedCrossings::Insert).
-    size_t Insert(const BandEdge* edges, uint32_t* active, size_t i, int32_t first) noexcept {
-        return m_crossings.Insert(CrossingsOf(edges[active[i]], first), active, i);
-    }
-
-    /// Toggles what bounds the inside.
-    void Toggle(size_t count) const noexcept {
+    void Toggle(const SortedCrossings& crossings, size_t count) const noexcept {
         // The sum of d + 1 over i crossings is i where the winding is 0.
         U64 sum[Crossings::kParts] = {};
         U64 none{};
@@ -189,18 +178,15 @@ public:
             uint32_t lanes = 0;
             for (size_t k = 0; k < Crossings::kParts; ++k) {
                 const I64 before = sum[k] == none;
-                sum[k] += (U64)m_crossings[i].part[k] & 3U;
+                sum[k] += (U64)crossings[i].part[k] & 3U;
                 lanes |= (MaskBits(before) ^ MaskBits((I64)(sum[k] == next))) << (k * kLongLanes);
             }
             none = next;
             if (lanes != 0) {
-                ToggleAt(m_crossings[i], lanes);
+                ToggleAt(crossings[i], lanes);
             }
         }
     }
-
-private:
-    static constexpr int64_t kBase = int64_t{0x433} << 52;
 
     GX_INLINE Crossings CrossingsOf(const BandEdge& e, int32_t first) const noexcept {
         const auto origin = static_cast<uint64_t>(Advance(e.x, e.step, first - e.y));
@@ -228,6 +214,9 @@ private:
         }
         return v;
     }
+
+private:
+    static constexpr int64_t kBase = int64_t{0x433} << 52;
 
     GX_INLINE static uint32_t ColumnOf(const Crossings& crossings, int lane) noexcept {
         uint64_t key;
@@ -265,17 +254,17 @@ private:
     }
 
     const BandFrame& m_frame;
-    SortedCrossings m_crossings;
 };
 #endif
 
 size_t ResolveRow(const BandFrame& frame, const BandEdge* edges, uint32_t* active, size_t& count, int32_t first) {
-    RowResolver resolver(frame);
+    const RowResolver resolver(frame);
+    SortedCrossings crossings;
     size_t passed = 0;
     for (size_t i = 0; i < count; ++i) {
-        passed += resolver.Insert(edges, active, i, first);
+        passed += crossings.Insert(resolver.CrossingsOf(edges[active[i]], first), active, i);
     }
-    resolver.Toggle(count);
+    resolver.Toggle(crossings, count);
     size_t kept = 0;
     for (size_t i = 0; i < count; ++i) {
         const uint32_t index = active[i];
