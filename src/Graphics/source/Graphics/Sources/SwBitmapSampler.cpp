@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "../Kernels/RowKernels.h"
+#include "RunParts.h"
 
 namespace Graphics {
 
@@ -258,24 +259,20 @@ void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, u
     const SwSamplerSetup& s = m_setup;
     alignas(64) float u[kPaintChunk];
     alignas(64) float v[kPaintChunk];
-    size_t known = 0;
-    for (const CoverageRun& run : runs) {
-        const auto x = static_cast<float>(run.x0);
-        SamplePoint next = {s.m0 * x + s.m2 * static_cast<float>(y) + s.m4,
-                            s.m1 * x + s.m3 * static_cast<float>(y) + s.m5};
-        for (auto left = static_cast<size_t>(static_cast<int64_t>(run.x1) - run.x0); left != 0;) {
-            const size_t n = std::min(kPaintChunk - known, left);
-            next = m_kernels.accumulatePoints(next, {s.m0, s.m1}, u + known, v + known, n);
-            known += n;
-            left -= n;
-            if (known == kPaintChunk) {
-                ReadPoints(u, v, known, out);
-                out += known;
-                known = 0;
-            }
-        }
-    }
-    ReadPoints(u, v, known, out);
+    ForRunParts(
+        runs,
+        [&](int32_t x0) {
+            const auto x = static_cast<float>(x0);
+            return SamplePoint{s.m0 * x + s.m2 * static_cast<float>(y) + s.m4,
+                               s.m1 * x + s.m3 * static_cast<float>(y) + s.m5};
+        },
+        [&](SamplePoint& next, size_t at, size_t n) {
+            next = m_kernels.accumulatePoints(next, {s.m0, s.m1}, u + at, v + at, n);
+        },
+        [&](size_t n) {
+            ReadPoints(u, v, n, out);
+            out += n;
+        });
 }
 
 /// Samples up to kPaintChunk points, by the fused fast path where possible.

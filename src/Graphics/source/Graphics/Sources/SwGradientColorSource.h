@@ -3,37 +3,12 @@
 // integer device coordinates, without adding half a pixel; maps go from device to gradient space.
 #pragma once
 
-#include <algorithm>
-
 #include "../Kernels/PaintKernels.h"
 #include "../Paint/Brush.h"
 #include "../Paint/Gradient.h"
 #include "SwColorSource.h"
 
 namespace Graphics {
-
-/// Cuts adjacent runs into parts, so that as many pixels as a chunk holds are shaded together: for each run start(x0) gives
-/// what is accumulated, step(it, at, n) writes n more terms at `at` of the chunk, and shade(n) takes the chunk.
-template <class Start, class Step, class Shade>
-void ForRunParts(std::span<const CoverageRun> runs, Start&& start, Step&& step, Shade&& shade) {
-    size_t known = 0;
-    for (const CoverageRun& run : runs) {
-        auto next = start(run.x0);
-        for (auto left = static_cast<size_t>(static_cast<int64_t>(run.x1) - run.x0); left != 0;) {
-            const size_t n = std::min(kPaintChunk - known, left);
-            step(next, known, n);
-            known += n;
-            left -= n;
-            if (known == kPaintChunk) {
-                shade(known);
-                known = 0;
-            }
-        }
-    }
-    if (known != 0) {
-        shade(known);
-    }
-}
 
 class SwGradientColorSource : public SwColorSource {
 public:

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "RunParts.h"
+
 namespace Graphics {
 
 SwLinearGradientColorSource::SwLinearGradientColorSource(const GradientBrush& brush, const LinearGradient& gradient,

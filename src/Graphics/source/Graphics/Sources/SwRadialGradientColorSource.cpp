@@ -2,7 +2,7 @@
 // u, v and B are accumulated along a row; roots and quotients are computed a vector at a time.
 #include "SwRadialGradientColorSource.h"
 
-#include <algorithm>
+#include "RunParts.h"
 
 namespace Graphics {
 
