@@ -12,13 +12,18 @@ endif()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
+# What descriptions have in common.
+set(about "Graphics fills and strokes paths, paints with gradients and images, draws
+text, and composites with the blend modes, soft masks and transparency groups
+of the PDF imaging model. The same page has the same bytes on every processor.
+.")
+set(affero "contains MuPDF and stands under MuPDF's licence, the GNU Affero
+General Public License, version 3 or later")
+
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME graphics-runtime)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "2D graphics with the PDF imaging model: shared library
-Graphics fills and strokes paths, paints with gradients and images, draws
-text, and composites with the blend modes, soft masks and transparency groups
-of the PDF imaging model. The same page has the same bytes on every processor.
-.
+${about}
 This package contains the shared library.")
 # Hosts that link the library get their dependency from the symbols that they use.
 configure_file(debian/graphics-runtime.symbols.in ${CMAKE_CURRENT_BINARY_DIR}/control/symbols @ONLY)
@@ -31,10 +36,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/contr
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME graphics-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_COMPONENT_DEV_DESCRIPTION "2D graphics with the PDF imaging model: development files
-Graphics fills and strokes paths, paints with gradients and images, draws
-text, and composites with the blend modes, soft masks and transparency groups
-of the PDF imaging model. The same page has the same bytes on every processor.
-.
+${about}
 This package contains the header GX/GX.h, the files for pkg-config and CMake,
 and an example.")
 set(CPACK_DEBIAN_DEV_PACKAGE_SHLIBDEPS OFF)
@@ -43,30 +45,22 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME graphics-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "2D graphics with the PDF imaging model: programs
-Graphics fills and strokes paths, paints with gradients and images, draws
-text, and composites with the blend modes, soft masks and transparency groups
-of the PDF imaging model. The same page has the same bytes on every processor.
-.
+${about}
 This package contains pdfpage, which draws pages of PDF files, on all cores or
 on many machines, and gxreplay, which draws recorded pages.
 .
-pdfpage contains MuPDF and stands under MuPDF's licence, the GNU Affero
-General Public License, version 3 or later; gxreplay is under the MIT licence.")
+pdfpage ${affero}; gxreplay is under the MIT licence.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS graphics-viewer)
 
 set(CPACK_DEBIAN_VIEWER_PACKAGE_NAME graphics-viewer)
 set(CPACK_DEBIAN_VIEWER_PACKAGE_SECTION graphics)
 set(CPACK_COMPONENT_VIEWER_DESCRIPTION "2D graphics with the PDF imaging model: viewer
-Graphics fills and strokes paths, paints with gradients and images, draws
-text, and composites with the blend modes, soft masks and transparency groups
-of the PDF imaging model. The same page has the same bytes on every processor.
-.
+${about}
 This package contains gxviewer, which shows PDF files and recorded pages in a
 window and draws them on all cores.
 .
-gxviewer contains MuPDF and stands under MuPDF's licence, the GNU Affero
-General Public License, version 3 or later.")
+gxviewer ${affero}.")
 set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION})")
 
 # The module is of Python's stable ABI; what it needs of cffi is the version of the interface that its code was generated for,
@@ -74,10 +68,7 @@ set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION})
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-gxgraphics)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION "2D graphics with the PDF imaging model: Python package
-Graphics fills and strokes paths, paints with gradients and images, draws
-text, and composites with the blend modes, soft masks and transparency groups
-of the PDF imaging model. The same page has the same bytes on every processor.
-.
+${about}
 This package contains gxgraphics for Python 3: every function of the library
 through cffi, and classes above it, with NumPy arrays as pixels and points.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "graphics-runtime (= ${PROJECT_VERSION}), python3 (>= 3.9~), \
