@@ -31,6 +31,11 @@ struct RowPart {
     int32_t limit; ///< the highest column, to which edges that leave the frame are clamped
 };
 
+/// The bytes of the sub-scanlines [s, stop).
+GX_INLINE inline uint64_t BytesTaken(const RowPart& part) noexcept {
+    return (~uint64_t{0} >> (64 - 8 * part.stop)) & (~uint64_t{0} << (8 * part.s));
+}
+
 #ifdef GX_SIMD_QUADS
 /// Where an edge crosses the sub-scanlines of a pixel row, all at once.
 class EightColumns {
@@ -43,10 +48,6 @@ public:
     GX_INLINE Eight From(const RowPart& part, int32_t pixel) const noexcept {
         const auto origin = static_cast<uint64_t>(Advance(part.x, m_step, -part.s));
         return m_sums.Bits42To49(origin) - static_cast<uint8_t>(pixel * 8);
-    }
-    /// The bytes of the sub-scanlines [s, stop).
-    GX_INLINE static uint64_t Taken(const RowPart& part) noexcept {
-        return (~uint64_t{0} >> (64 - 8 * part.stop)) & (~uint64_t{0} << (8 * part.s));
     }
 
 private:

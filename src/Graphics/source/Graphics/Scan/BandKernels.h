@@ -107,20 +107,25 @@ struct WindingForm {
     }
 };
 
-inline constexpr WindingForm kWindingForms[] = {{1, 1}, {3, 2}, {7, 3}, {255, 0}, {0xFFF, 12}, {0xFFFF, 16}};
+inline constexpr WindingForm kWindingForms[] = {{1, 1},  {3, 2},   {7, 3},      {15, 4},
+                                                {31, 5}, {255, 0}, {0xFFF, 12}, {0xFFFF, 16}};
 
 struct BandKernels {
     static constexpr size_t kForms = std::size(kWindingForms);
+    static constexpr size_t kBytes = 5; ///< the form in bytes
     static constexpr uint32_t kMostWinding = kWindingForms[kForms - 1].mostWinding;
 
     /// The form for |winding| up to `bound`, which is at most kMostWinding.
-    [[nodiscard]] static constexpr size_t FormOf(uint32_t bound) noexcept {
-        size_t form = 0;
+    [[nodiscard]] size_t FormOf(uint32_t bound) const noexcept {
+        size_t form = bound > mostInFewPlanes ? kBytes : 0;
         while (kWindingForms[form].mostWinding < bound) {
             ++form;
         }
         return form;
     }
+
+    /// Up to this bound planes take less time than bytes.
+    uint32_t mostInFewPlanes;
 
     /// Adds the sub-scanlines [bandFirst, bandLast) of a list of edges, upright edges only to rows that change. Edges
     /// that continue below are put before the list `following`; returns its new head.

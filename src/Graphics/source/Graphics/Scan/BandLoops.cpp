@@ -8,15 +8,26 @@
 #include "BandWalk.h"
 
 namespace Graphics {
+namespace GX_SIMD_NAMESPACE {
+namespace {
+
+#ifdef GX_SIMD_PAIRS
+constexpr uint32_t kMostInFewPlanes = 31;
+#else
+constexpr uint32_t kMostInFewPlanes = 7;
+#endif
+
+#define GX_EACH_FORM(loop)                                                                                             \
+    {                                                                                                                  \
+        loop<Planes<1>>, loop<Planes<2>>, loop<Planes<3>>, loop<Planes<4>>, loop<Planes<5>>, loop<Bytes>,              \
+            loop<Planes<12>>, loop<Planes<16>>                                                                         \
+    }
+
+} // namespace
+} // namespace GX_SIMD_NAMESPACE
 
 constinit const BandKernels GX_SIMD_NAMESPACE::kBandKernels = {
-    {WalkList<Planes<1>>, WalkList<Planes<2>>, WalkList<Planes<3>>, WalkList<Bytes>, WalkList<Planes<12>>,
-     WalkList<Planes<16>>},
-    {SweepRow<Planes<1>>, SweepRow<Planes<2>>, SweepRow<Planes<3>>, SweepRow<Bytes>, SweepRow<Planes<12>>,
-     SweepRow<Planes<16>>},
-    {PaintRows<Planes<1>>, PaintRows<Planes<2>>, PaintRows<Planes<3>>, PaintRows<Bytes>, PaintRows<Planes<12>>,
-     PaintRows<Planes<16>>},
-    ResolveRow,
+    kMostInFewPlanes, GX_EACH_FORM(WalkList), GX_EACH_FORM(SweepRow), GX_EACH_FORM(PaintRows), ResolveRow,
 };
 
 } // namespace Graphics

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Windings in bit planes: a pixel is a 64-bit word in each plane, byte = sub-scanline, bit = column. Part of the band
-// loops. One plane is the fastest form for the even-odd rule and for figures that do not overlap; twelve or sixteen
-// planes hold the windings that a byte cannot.
+// loops. One plane is the fastest form for the even-odd rule and for figures that do not overlap; up to five are faster than
+// bytes where pairs of pixels are toggled at once; twelve or sixteen planes hold the windings that a byte cannot.
 //
 // Marks have one bit for eight pixels.
 #pragma once
@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "BandColumns.h"
+#include "ColumnSums.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
@@ -60,26 +61,17 @@ inline void WalkScalar(uint8_t* row, size_t planeBytes, const RowPart& part, int
     }
 }
 
-#if GX_SIMD_BYTES == 64
-/// Toggles the columns c of `lanes`, all in the pixels p0 to p1; each pixel takes the lanes whose column lies in it.
-template <int K>
-GX_INLINE inline void ToggleLanes(uint8_t* row, size_t planeBytes, I64 c, RowMask lanes, int32_t p0, int32_t p1,
-                                  uint64_t flip) noexcept {
-    const U64 columns = (U64{} + 0xFFU) << (U64)(c & 7);
-    const I64 pixels = c >> 3;
-    const auto toggle = [&](int32_t p, uint64_t mask) GX_INLINE {
-        Toggle<K, uint64_t>(row + static_cast<size_t>(p) * 8, planeBytes, mask, flip);
-    };
-    if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
-        // One pixel or two: both are done as two, because the branch would not be predictable.
-        const RowMask here = EqualLanes(lanes, pixels, p0);
-        toggle(p0, LowBytes(here, columns));
-        toggle(p1, LowBytes(static_cast<RowMask>(lanes & ~here), columns));
-        return;
-    }
-    const int32_t high = p0 < p1 ? p1 : p0;
-    for (int32_t p = p0 < p1 ? p0 : p1; p <= high; ++p) {
-        toggle(p, LowBytes(EqualLanes(lanes, pixels, p), columns));
+#ifdef GX_SIMD_PAIRS
+/// Toggle for two neighbouring pixels.
+template <int K> GX_INLINE inline void TogglePair(uint8_t* p, size_t planeBytes, Pair mask, uint64_t flip) noexcept {
+    const Pair flips = Pair{} + flip;
+    for (int j = 0; j < K; ++j, p += planeBytes) {
+        const auto w = Load<Pair>(p);
+        Store(p, w ^ mask);
+        mask &= w ^ flips;
+        if (j >= 5 && (mask[0] | mask[1]) == 0) { // of many planes carries reach the first few only
+            return;
+        }
     }
 }
 
@@ -90,38 +82,54 @@ public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept
         : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
 
-    /// In the single plane, an edge that stays in the pixels `low` and `low` + 1. Reads and writes both.
-    template <bool Clamp> GX_INLINE void TogglePair(uint8_t* row, const RowPart& part, int32_t low) const noexcept {
-        const I64 c = Columns<Clamp>(part);
-        TogglePixels(row + static_cast<size_t>(low) * 8, (U64{} + 0xFFU) << (U64)(c & 7), Lanes(part),
-                     EqualLanes(Lanes(part), c >> 3, low + 1));
-    }
-
     template <int K, bool Clamp>
-    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
-        const I64 c = Columns<Clamp>(part);
+    GX_INLINE void Walk(uint8_t* row, uint64_t* bits, size_t planeBytes, const RowPart& part,
+                        uint64_t flip) const noexcept {
         const int32_t p0 = part.c0 >> 3;
         const int32_t p1 = part.c1 >> 3;
-        if (p0 - p1 <= 4 && p1 - p0 <= 4) {
-            ToggleLanes<K>(row, planeBytes, c, Lanes(part), p0, p1, flip);
-        } else {
+        const int32_t low = p0 < p1 ? p0 : p1;
+        const int32_t more = p0 < p1 ? p1 - p0 : p0 - p1;
+        if (more >= kMostInPairs) {
+            MarkBlocks(bits, part.c0, part.c1);
             WalkScalar<K, Clamp>(row, planeBytes, part, m_step, flip);
+            return;
+        }
+        uint8_t* at = row + static_cast<size_t>(low) * 8;
+        Pair columns = Columns<Clamp>(part, low * 8);
+        if (more <= 1) {
+            // One pixel or two: both are done as two, because the branch would not be predictable.
+            TogglePair<K>(at, planeBytes, PairMasks(columns), flip);
+            MarkPixel(bits, p0);
+            MarkPixel(bits, p1);
+            return;
+        }
+        MarkBlocks(bits, part.c0, part.c1);
+        for (int32_t i = 0; i <= more; i += 2) {
+            TogglePair<K>(at, planeBytes, PairMasks(columns), flip);
+            at += 16;
+            columns = NextPair(columns);
         }
     }
 
 private:
-    GX_INLINE static RowMask Lanes(const RowPart& part) noexcept {
-        return static_cast<RowMask>((0xFFU >> (8 - part.stop)) & (0xFFU << part.s));
-    }
-    template <bool Clamp> GX_INLINE I64 Columns(const RowPart& part) const noexcept {
-        I64 c = (I64)(static_cast<uint64_t>(Advance(part.x, m_step, -part.s)) + m_steps) >> kBandFraction;
+    /// From column `from` on, the first of the leftmost pixel.
+    template <bool Clamp> GX_INLINE Pair Columns(const RowPart& part, int32_t from) const noexcept {
+        // It may wrap where the edge has not begun.
+        const uint64_t origin =
+            static_cast<uint64_t>(Advance(part.x, m_step, -part.s)) - (static_cast<uint64_t>(from) << kBandFraction);
+        const U64 x = origin + m_steps;
+#if GX_SIMD_BYTES == 64
+        auto c = (I64)x >> kBandFraction;
+#else
+        auto c = HighWords(x, x + static_cast<uint64_t>(Advance(0, m_step, 4))) >> (kBandFraction - 32);
+#endif
         if (Clamp) {
-            const I64 least{};
-            const I64 most = I64{} + part.limit;
+            const auto least = decltype(c){} - from;
+            const auto most = decltype(c){} + (part.limit - from);
             c = c > least ? c : least;
             c = c < most ? c : most;
         }
-        return c;
+        return PairColumns(c, BytesTaken(part));
     }
 
     int64_t m_step;
@@ -134,7 +142,9 @@ public:
     GX_INLINE explicit RowColumns(int64_t step) noexcept : m_columns(step), m_step(step) {}
 
     template <int K, bool Clamp>
-    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
+    GX_INLINE void Walk(uint8_t* row, uint64_t* bits, size_t planeBytes, const RowPart& part,
+                        uint64_t flip) const noexcept {
+        MarkBlocks(bits, part.c0, part.c1);
         const int32_t p0 = part.c0 >> 3;
         const int32_t p1 = part.c1 >> 3;
         const int32_t low = p0 < p1 ? p0 : p1;
@@ -144,7 +154,7 @@ public:
             return;
         }
         const Eight columns = m_columns.From(part, low);
-        const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7) & EightOf(EightColumns::Taken(part));
+        const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7) & EightOf(BytesTaken(part));
         uint8_t* at = row + static_cast<size_t>(low) * 8;
         if (more == 0) {
             Toggle<K, uint64_t>(at, planeBytes, WordOf(masks), flip);
@@ -166,11 +176,12 @@ private:
 /// sub-scanlines.
 class RowColumns {
 public:
-    GX_INLINE explicit RowColumns(int64_t step) noexcept
-        : m_step(step), m_steps(LongAscending() * static_cast<uint64_t>(step)) {}
+    GX_INLINE explicit RowColumns(int64_t step) noexcept : m_step(step) {}
 
     template <int K, bool Clamp>
-    GX_INLINE void Walk(uint8_t* row, size_t planeBytes, const RowPart& part, uint64_t flip) const noexcept {
+    GX_INLINE void Walk(uint8_t* row, uint64_t* bits, size_t planeBytes, const RowPart& part,
+                        uint64_t flip) const noexcept {
+        MarkBlocks(bits, part.c0, part.c1);
         auto [x, s, stop, c0, c1, limit] = part;
         if (stop - s != 8 || c0 >> 3 != c1 >> 3) {
             WalkScalar<K, Clamp>(row, planeBytes, part, m_step, flip);
@@ -179,16 +190,6 @@ public:
         uint64_t mask = 0;
         if (m_step == 0) {
             mask = ((0xFFU << (c0 & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
-        } else if constexpr (kLongLanes == 4 && !Clamp) {
-            const U64 full = U64{} + 0xFFU;
-            const U64 low = static_cast<uint64_t>(x) + m_steps;
-            const U64 high = low + static_cast<uint64_t>(Advance(0, m_step, 4));
-            const U64 places = LongAscending() * 8;
-            const U64 first = (full << (low >> kBandFraction & 7)) & full;
-            const U64 last = (full << (high >> kBandFraction & 7)) & full;
-            const U64 both = first << places | last << (places + 32);
-            const U64 pairs = both | MovedUp<2>(both, both);
-            mask = pairs[0] | pairs[1];
         } else {
             for (int k = 0; k < 64; k += 8) {
                 mask |= uint64_t{(0xFFU << (Column<Clamp>(x, limit) & 7)) & 0xFFU} << k;
@@ -200,120 +201,6 @@ public:
 
 private:
     int64_t m_step;
-    U64 m_steps;
-};
-#endif
-
-/// a += b for numbers of K bits; element j holds bit j.
-template <int K> inline void AddPlanes(U64* a, const U64* b) {
-    U64 carry = U64{};
-    for (int j = 0; j < K; ++j) {
-        const U64 sum = Xor3(a[j], b[j], carry);
-        if (j + 1 < K) {
-            carry = Majority(a[j], b[j], carry);
-        }
-        a[j] = sum;
-    }
-}
-
-#if GX_SIMD_BYTES == 64
-/// The winding in column 7 of each pixel of a block, summed from the left. A bit for each sample of that column is all that
-/// is summed: bit 8 p + s belongs to pixel p and sub-scanline s. Element j holds bit j of the windings. General registers
-/// do that faster than vectors, and beside them.
-template <int K> class ColumnSums {
-public:
-    /// Takes the sum left of the block further to that right of it. `left` is the sum left of each pixel, in all columns.
-    GX_INLINE void Add(const U64* w, U64* left) noexcept {
-        uint64_t sum[K];
-        for (int j = 0; j < K; ++j) {
-            sum[j] = HighBits(w[j]);
-        }
-        AddMoved<8>(sum);
-        AddMoved<16>(sum);
-        AddMoved<32>(sum);
-        uint64_t carry[K];
-        for (int j = 0; j < K; ++j) {
-            carry[j] = m_carry[j] * kOnes;
-        }
-        AddBits(sum, carry);
-        for (int j = 0; j < K; ++j) {
-            left[j] = SpreadBits(sum[j] << 8 | m_carry[j]);
-            m_carry[j] = sum[j] >> 56;
-        }
-    }
-
-    /// The number of sub-scanlines in which the sum is not 0.
-    GX_INLINE uint32_t Inside() const noexcept {
-        uint64_t inside = m_carry[0];
-        for (int j = 1; j < K; ++j) {
-            inside |= m_carry[j];
-        }
-        return static_cast<uint32_t>(__builtin_popcountll(inside));
-    }
-
-private:
-    static constexpr uint64_t kOnes = 0x0101010101010101U;
-
-    GX_INLINE static void AddBits(uint64_t* a, const uint64_t* b) noexcept {
-        uint64_t carry = 0;
-        for (int j = 0; j < K; ++j) {
-            const uint64_t sum = a[j] ^ b[j] ^ carry;
-            carry = (a[j] & b[j]) | (carry & (a[j] | b[j]));
-            a[j] = sum;
-        }
-    }
-    template <int kBits> GX_INLINE static void AddMoved(uint64_t* a) noexcept {
-        uint64_t up[K];
-        for (int j = 0; j < K; ++j) {
-            up[j] = a[j] << kBits;
-        }
-        AddBits(a, up);
-    }
-
-    uint64_t m_carry[K] = {};
-};
-#else
-template <int K, size_t N> inline void AddShifted(U64* a) {
-    U64 up[K];
-    for (int j = 0; j < K; ++j) {
-        up[j] = MovedUp<N>(a[j], U64{});
-    }
-    AddPlanes<K>(a, up);
-}
-
-/// The winding in column 7 of each pixel of a block, summed from the left. Element j holds bit j of the windings, in all
-/// columns of each sub-scanline.
-template <int K> class ColumnSums {
-public:
-    /// Takes the sum left of the pixels w further to that right of them. `left` is the sum left of each pixel.
-    GX_INLINE void Add(const U64* w, U64* left) noexcept {
-        U64 right[K];
-        for (int j = 0; j < K; ++j) {
-            right[j] = (U64)((I8)w[j] < 0);
-        }
-        AddShifted<K, 1>(right);
-        if constexpr (kLongLanes > 2) {
-            AddShifted<K, 2>(right);
-        }
-        AddPlanes<K>(right, m_carry);
-        for (int j = 0; j < K; ++j) {
-            left[j] = MovedUp<1>(right[j], m_carry[j]);
-            m_carry[j] = Last(right[j]);
-        }
-    }
-
-    /// The number of sub-scanlines in which the sum is not 0.
-    GX_INLINE uint32_t Inside() const noexcept {
-        U64 inside = m_carry[0];
-        for (int j = 1; j < K; ++j) {
-            inside |= m_carry[j];
-        }
-        constexpr uint64_t kOnes = 0x0101010101010101U;
-        return static_cast<uint32_t>((inside[0] & kOnes) * kOnes >> 56);
-    }
-
-private:
-    U64 m_carry[K] = {};
 };
 #endif
 
@@ -336,14 +223,7 @@ template <int K> GX_INLINE inline Counts SweepBlock(uint8_t* cells, size_t plane
             w[j] = Load<U64>(p);
             Store(p, U64{});
         }
-        U64 left[K];
-        sums.Add(w, left);
-        AddPlanes<K>(w, left);
-        U64 inside = w[0];
-        for (int j = 1; j < K; ++j) {
-            inside |= w[j];
-        }
-        counts.parts[part] = BitCount(inside);
+        counts.parts[part] = BitCount(sums.Samples(w));
     }
     return counts;
 }
@@ -356,21 +236,7 @@ public:
         : m_columns(e.step), m_planeBytes(frame.planeBytes), m_flip((e.flags & kEdgeUp) != 0 ? ~uint64_t{0} : 0) {}
 
     template <bool Clamp> GX_INLINE void Walk(uint8_t* row, uint64_t* bits, const RowPart& part) const noexcept {
-#if GX_SIMD_BYTES == 64
-        if constexpr (K == 1) {
-            const int32_t p0 = part.c0 >> 3;
-            const int32_t p1 = part.c1 >> 3;
-            if (static_cast<uint32_t>(p1 - p0 + 1) <= 2) {
-                // One pixel or two: both are done as two, because the branch would not be predictable.
-                m_columns.template TogglePair<Clamp>(row, part, p0 < p1 ? p0 : p1);
-                MarkPixel(bits, p0);
-                MarkPixel(bits, p1);
-                return;
-            }
-        }
-#endif
-        MarkBlocks(bits, part.c0, part.c1);
-        m_columns.template Walk<K, Clamp>(row, m_planeBytes, part, m_flip);
+        m_columns.template Walk<K, Clamp>(row, bits, m_planeBytes, part, m_flip);
     }
 
     /// The same column c in sub-scanlines [s, stop).

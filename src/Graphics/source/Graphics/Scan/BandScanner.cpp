@@ -14,7 +14,7 @@ namespace Graphics {
 namespace {
 
 constexpr size_t kBandBytes = 128U << 10; // of cells: a band stays in the second-level cache
-constexpr uint32_t kLeastBound = 3;
+constexpr uint32_t kLeastBound = 9;       // with fewer overlaps, sorting takes longer than it saves
 constexpr int64_t kLeastResolved = 6;
 constexpr int64_t kPixelsApart = 10;
 constexpr int64_t kRowsPerEdge = 8; // each edge is put in its place once
@@ -190,7 +190,7 @@ bool BandScanner::Scan(const EdgeBuilder& builder, const FillShape& shape, const
         return false;
     }
 
-    const size_t form = BandKernels::FormOf(shape.windingBound);
+    const size_t form = m_kernels->FormOf(shape.windingBound);
     const WindingForm& winding = kWindingForms[form];
     BandFrame frame;
     frame.left = left;

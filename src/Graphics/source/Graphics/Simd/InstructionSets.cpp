@@ -17,7 +17,8 @@ bool ProcessorHas(InstructionSet set) noexcept {
     case InstructionSet::AVX512: // not the processors before Ice Lake and Zen 4
         return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
                __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-               __builtin_cpu_supports("avx512cd") != 0 && __builtin_cpu_supports("avx512vpopcntdq") != 0;
+               __builtin_cpu_supports("avx512cd") != 0 && __builtin_cpu_supports("avx512vbmi") != 0 &&
+               __builtin_cpu_supports("avx512vpopcntdq") != 0;
     default:
         return false;
     }

@@ -106,5 +106,16 @@ template <size_t... kLane> GX_INLINE inline U64 LastOf(U64 v, std::index_sequenc
 }
 GX_INLINE inline U64 Last(U64 v) noexcept { return LastOf(v, std::make_index_sequence<kLongLanes>()); }
 
+#if GX_SIMD_BYTES != 64
+/// The bits of `yes` where the mask has a one, of `no` elsewhere.
+GX_INLINE inline U64 SelectBits(U64 mask, U64 yes, U64 no) noexcept { return (yes & mask) | (no & ~mask); }
+/// a | (b ^ c)
+GX_INLINE inline U64 OrXor(U64 a, U64 b, U64 c) noexcept { return a | (b ^ c); }
+/// Bytes of all ones where bit J of the byte -v is set; J < 4.
+template <int J> GX_INLINE inline U64 BitsOfNegative(U8 v) noexcept {
+    return (U64)((I8)((U64)(U8{} - v) << (7 - J)) < 0);
+}
+#endif
+
 } // namespace
 } // namespace Graphics::GX_SIMD_NAMESPACE

@@ -7,6 +7,8 @@
 #define GX_SIMD_BYTES 32
 #include "VectorTypes.h"
 
+#include "PixelPairs.h"
+
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
@@ -178,6 +180,18 @@ GX_INLINE inline U64 SpreadLastBytes(U64 v) noexcept {
     const __m256i order = _mm256_setr_epi8(7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15, //
                                            7, 7, 7, 7, 7, 7, 7, 7, 15, 15, 15, 15, 15, 15, 15, 15);
     return (U64)_mm256_shuffle_epi8((__m256i)v, order);
+}
+
+/// The high halves of a and b, lane by lane.
+GX_INLINE inline I32 HighWords(U64 a, U64 b) noexcept {
+    return (I32)_mm256_blend_epi32((__m256i)(a >> 32), (__m256i)b, 0xAA);
+}
+/// In the order of HighWords of the first four and the last four lanes.
+GX_INLINE inline Pair PairColumns(I32 c, uint64_t taken) noexcept {
+    const __m256i order = _mm256_setr_epi8(0, 8, -1, -1, 4, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, //
+                                           -1, -1, 0, 8, -1, -1, 4, 12, -1, -1, -1, -1, -1, -1, -1, -1);
+    const __m256i bytes = _mm256_shuffle_epi8((__m256i)c, order);
+    return PairFrom(_mm_or_si128(_mm256_castsi256_si128(bytes), _mm256_extracti128_si256(bytes, 1)), taken);
 }
 
 } // namespace

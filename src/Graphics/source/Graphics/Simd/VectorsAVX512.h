@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The verbs of AVX-512 (F, BW, VL, DQ, CD, VPOPCNTDQ); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing
+// The verbs of AVX-512 (F, BW, VL, DQ, CD, VBMI, VPOPCNTDQ); see VectorsPlain.h and VectorsSSE2.h for what they do. The zeroing
 // intrinsics with a full mask compile to the plain instructions; the unmasked ones use operands of undefined value, for
 // which GCC 12 warns.
 #pragma once
@@ -8,6 +8,8 @@
 
 #define GX_SIMD_BYTES 64
 #include "VectorTypes.h"
+
+#include "PixelPairs.h"
 
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
@@ -151,6 +153,26 @@ GX_INLINE inline U64 Xor3(U64 a, U64 b, U64 c) noexcept {
 GX_INLINE inline U64 Majority(U64 a, U64 b, U64 c) noexcept {
     return (U64)_mm512_ternarylogic_epi64((__m512i)a, (__m512i)b, (__m512i)c, 0xE8);
 }
+GX_INLINE inline U64 SelectBits(U64 mask, U64 yes, U64 no) noexcept {
+    return (U64)_mm512_ternarylogic_epi64((__m512i)mask, (__m512i)yes, (__m512i)no, 0xCA);
+}
+GX_INLINE inline U64 OrXor(U64 a, U64 b, U64 c) noexcept {
+    return (U64)_mm512_ternarylogic_epi64((__m512i)a, (__m512i)b, (__m512i)c, 0xF6);
+}
+/// The bits of each byte value from 0 to 63, whose higher bits an index ignores.
+template <int J> struct NegativeBits {
+    static_assert(J < 6);
+    uint8_t bytes[64];
+    constexpr NegativeBits() noexcept : bytes() {
+        for (int i = 0; i < 64; ++i) {
+            bytes[i] = (-i >> J & 1) != 0 ? 0xFF : 0;
+        }
+    }
+};
+template <int J> GX_INLINE inline U64 BitsOfNegative(U8 v) noexcept {
+    static constexpr NegativeBits<J> kBits;
+    return (U64)_mm512_maskz_permutexvar_epi8(~__mmask64{0}, (__m512i)v, _mm512_loadu_si512(kBits.bytes));
+}
 GX_INLINE inline uint32_t MaskBits(I64 mask) noexcept { return _mm512_movepi64_mask((__m512i)mask); }
 GX_INLINE inline F64 Lower(F64 a, F64 b) noexcept { return (F64)_mm512_maskz_min_pd(0xFF, (__m512d)a, (__m512d)b); }
 GX_INLINE inline F64 Higher(F64 a, F64 b) noexcept { return (F64)_mm512_maskz_max_pd(0xFF, (__m512d)a, (__m512d)b); }
@@ -184,14 +206,8 @@ GX_INLINE inline uint64_t LowBytes(RowMask of, U64 v) noexcept {
     return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_maskz_cvtepi64_epi8(of, (__m512i)v)));
 }
 
-/// Toggles the low bytes of the lanes in two masks, `of` without `high` in the eight bytes at p, `high` in the next
-/// eight; `high` is part of `of`.
-GX_INLINE inline void TogglePixels(uint8_t* p, U64 v, RowMask of, RowMask high) noexcept {
-    const __m128i bytes = _mm512_maskz_cvtepi64_epi8(0xFF, (__m512i)v);
-    const auto both = static_cast<__mmask16>((of & ~high) | high << 8);
-    auto* const words = reinterpret_cast<__m128i*>(p);
-    _mm_storeu_si128(words,
-                     _mm_xor_si128(_mm_loadu_si128(words), _mm_maskz_mov_epi8(both, _mm_unpacklo_epi64(bytes, bytes))));
+GX_INLINE inline Pair PairColumns(I64 c, uint64_t taken) noexcept {
+    return PairFrom(_mm512_maskz_cvtepi64_epi8(0xFF, (__m512i)c), taken);
 }
 
 } // namespace
