@@ -342,6 +342,44 @@ TEST(RadialGradientSource, EqualsFormula) {
     }
 }
 
+/// Terms are kept from row to row; another row, other runs or a chunk between them must not take them for their own.
+TEST(RadialGradientSource, RowsDoNotDependOnTheRowsBefore) {
+    const auto run = [](int32_t x0, int32_t x1) { return CoverageRun{x0, x1, nullptr, 255}; };
+    const std::vector<CoverageRun> layouts[] = {
+        {run(3, 200)},
+        {run(40, 60)},
+        {run(3, 4), run(4, 199), run(199, 200)},
+        {run(3, 20), run(20, 60), run(60, 100), run(100, 200)},
+        {run(3, 2600)},
+        {run(2, 299), run(299, 300)},
+        {run(-5, 35), run(35, 36), run(36, 400)},
+    };
+    for (int round = 0; round < 40; ++round) {
+        Scene scene;
+        scene.Randomize();
+        scene.brush = kIdentity;
+        scene.ctm = round % 4 == 0 ? Matrix{0, 2, -2, 0, 10, 20} : Matrix{1.5F, 0, 0, 1, 0, 0.5F};
+        const auto g = RandomGradient<RadialGradient>(scene);
+        g->startRadius = Uniform(-5, 30);
+        g->endRadius = Uniform(40, 80);
+        if (round % 2 == 0) {
+            g->end = g->start;
+        }
+        const GradientBrush brush(g);
+        Arena arena;
+        SwColorSource* kept = SwColorSource::Create(arena, InkOf(brush), kBounds, scene.ctm);
+        for (int32_t y = 0; y < 60; ++y) {
+            const auto& runs = layouts[g_random() % (y < 30 ? 3 : std::size(layouts))];
+            const auto width = static_cast<size_t>(runs.back().x1 - runs.front().x0);
+            std::vector<uint32_t> out(width);
+            std::vector<uint32_t> expected(width);
+            kept->FillRuns(runs, y, out.data());
+            SwColorSource::Create(arena, InkOf(brush), kBounds, scene.ctm)->FillRuns(runs, y, expected.data());
+            ASSERT_EQ(out, expected) << "round " << round << " row " << y;
+        }
+    }
+}
+
 TEST(RadialGradientSource, IsNotOpaqueWhereNoCirclePasses) {
     // Two circles side by side: their tangents leave a wedge on either side that no circle reaches.
     const auto g = std::make_shared<RadialGradient>();

@@ -107,6 +107,14 @@ template <size_t... kLane> GX_INLINE inline U64 LastOf(U64 v, std::index_sequenc
 GX_INLINE inline U64 Last(U64 v) noexcept { return LastOf(v, std::make_index_sequence<kLongLanes>()); }
 
 #if GX_SIMD_BYTES != 64
+/// Whether a == b < limit in every lane.
+GX_INLINE inline bool AllEqualBelow(U32 a, U32 b, U32 limit) noexcept {
+    return AllSet((I32)(a == b) & (I32)(a < limit));
+}
+#ifndef GX_SIMD_QUADS
+/// For -256 < v < 256; of other values the result is outside of that, too. v is rounded to a multiple of 2^-15 first.
+GX_INLINE inline I32 Floor(F32 v) noexcept { return Truncate(v + 256.0F) - 256; }
+#endif
 /// The bits of `yes` where the mask has a one, of `no` elsewhere.
 GX_INLINE inline U64 SelectBits(U64 mask, U64 yes, U64 no) noexcept { return (yes & mask) | (no & ~mask); }
 /// a | (b ^ c)

@@ -76,10 +76,17 @@ GX_INLINE inline bool AllBelow(U32 a, U32 x, U32 b, U32 y) noexcept {
     const __mmask16 first = _mm512_cmplt_epu32_mask((__m512i)a, (__m512i)x);
     return _mm512_mask_cmplt_epu32_mask(first, (__m512i)b, (__m512i)y) == 0xFFFF;
 }
+GX_INLINE inline bool AllEqualBelow(U32 a, U32 b, U32 limit) noexcept {
+    const __mmask16 equal = _mm512_cmpeq_epu32_mask((__m512i)a, (__m512i)b);
+    return _mm512_mask_cmplt_epu32_mask(equal, (__m512i)a, (__m512i)limit) == 0xFFFF;
+}
 GX_INLINE inline F32 Lower(F32 a, F32 b) noexcept { return (F32)_mm512_maskz_min_ps(0xFFFF, (__m512)a, (__m512)b); }
 GX_INLINE inline F32 Higher(F32 a, F32 b) noexcept { return (F32)_mm512_maskz_max_ps(0xFFFF, (__m512)a, (__m512)b); }
 GX_INLINE inline F32 SquareRoot(F32 v) noexcept { return (F32)_mm512_maskz_sqrt_ps(0xFFFF, (__m512)v); }
 GX_INLINE inline I32 Truncate(F32 v) noexcept { return (I32)_mm512_maskz_cvttps_epi32(0xFFFF, (__m512)v); }
+GX_INLINE inline I32 Floor(F32 v) noexcept {
+    return (I32)_mm512_maskz_cvt_roundps_epi32(0xFFFF, (__m512)v, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+}
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept { return (U16)_mm512_mulhi_epu16((__m512i)a, (__m512i)b); }
 GX_INLINE inline U32 MultiplyAddPairs(U32 a, U32 b) noexcept { return (U32)_mm512_madd_epi16((__m512i)a, (__m512i)b); }
 constexpr bool kJoinsByShift = false;

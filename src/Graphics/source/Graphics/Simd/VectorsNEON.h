@@ -116,8 +116,9 @@ GX_INLINE inline I32 Truncate(F32 v) noexcept {
     const auto r = (I32)vcvtq_s32_f32((float32x4_t)v);
     return (I32)(v < 2147483648.0F) ? r : I32{} + INT32_MIN;
 }
-/// For values that are integers' after truncation.
-GX_INLINE inline I32 TruncateFitting(F32 v) noexcept { return (I32)vcvtq_s32_f32((float32x4_t)v); }
+GX_INLINE inline I32 Floor(F32 v) noexcept {
+    return (I32)(v == v) ? (I32)vcvtmq_s32_f32((float32x4_t)v) : I32{} + INT32_MIN; // a NaN would give 0
+}
 GX_INLINE inline U16 MultiplyHigh(U16 a, U16 b) noexcept {
     const uint32x4_t low = vmull_u16(vget_low_u16((uint16x8_t)a), vget_low_u16((uint16x8_t)b));
     const uint32x4_t high = vmull_high_u16((uint16x8_t)a, (uint16x8_t)b);

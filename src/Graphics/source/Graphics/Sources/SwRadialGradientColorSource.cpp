@@ -28,12 +28,12 @@ bool RadialGradientFiller::Set(const RadialGradient& gradient, const Matrix& gra
 }
 
 void RadialGradientFiller::Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs,
-                                int32_t y, uint32_t* out) const noexcept {
+                                int32_t y, uint32_t* out) noexcept {
     const auto row = static_cast<float>(y);
-    float u[kPaintChunk];
-    float v[kPaintChunk];
-    float b[kPaintChunk];
     float t[kPaintChunk];
+    m_u.BeginRow();
+    m_v.BeginRow();
+    m_B.BeginRow();
     ForRunParts(
         runs,
         [&](int32_t x0) {
@@ -43,13 +43,16 @@ void RadialGradientFiller::Fill(const PaintKernels& kernels, GradientShade& shad
             return next;
         },
         [&](Terms& next, size_t at, size_t n) {
-            next.u = kernels.accumulate(next.u, m_a, u + at, n);
-            next.v = kernels.accumulate(next.v, m_b, v + at, n);
-            next.b = kernels.accumulate(next.b, m_stepB, b + at, n);
+            next.u = m_u.Put(kernels, next.u, m_a, at, n);
+            next.v = m_v.Put(kernels, next.v, m_b, at, n);
+            next.b = m_B.Put(kernels, next.b, m_stepB, at, n);
         },
         [&](size_t n) {
-            kernels.radial(m_equation, u, v, b, n, t);
+            kernels.radial(m_equation, m_u.Terms(), m_v.Terms(), m_B.Terms(), n, t);
             kernels.shade(shade, t, n, out);
+            m_u.NextChunk();
+            m_v.NextChunk();
+            m_B.NextChunk();
             out += n;
         });
 }

@@ -2,6 +2,7 @@
 // Colours between two circles: t belongs to the interpolated circle that passes through the point.
 #pragma once
 
+#include "AccumulatedTerms.h"
 #include "SwGradientColorSource.h"
 
 namespace Graphics {
@@ -16,7 +17,7 @@ public:
     [[nodiscard]] bool Set(const RadialGradient& gradient, const Matrix& gradientToDevice) noexcept;
 
     void Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs, int32_t y,
-              uint32_t* out) const noexcept;
+              uint32_t* out) noexcept;
 
 private:
     /// What is accumulated along a run.
@@ -28,6 +29,7 @@ private:
     float m_ex = 0, m_ey = 0, m_g = 0;
     float m_stepB = 0; ///< increment of B from pixel to pixel, 2 (ex a + ey b)
     RadialEquation m_equation{};
+    AccumulatedTerms m_u, m_v, m_B;
 };
 
 class SwRadialGradientColorSource final : public SwGradientColorSource {
