@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The geometry family of the C interface.
+#include "Arguments.h"
 #include "Boolean/Boolean.h"
 #include "Boolean/HitTester.h"
 #include "Geometry/Figures.h"
@@ -69,7 +70,7 @@ GXResult GXGeometryBeginFigure(GXGeometry geometry, const GXPoint* point) GX_NOE
     if (AnyNull(geometry) || AnyNull(point)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { geometry->object->BeginFigure(*point); });
+    return Guard([&] { geometry->object->BeginFigure(Given(point)); });
 }
 
 GXResult GXGeometryEndFigure(GXGeometry geometry) GX_NOEXCEPT {
@@ -90,14 +91,14 @@ GXResult GXGeometryLineTo(GXGeometry geometry, const GXPoint* point) GX_NOEXCEPT
     if (AnyNull(geometry) || AnyNull(point)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { geometry->object->LineTo(*point); });
+    return Guard([&] { geometry->object->LineTo(Given(point)); });
 }
 
 GXResult GXGeometryConicCurveTo(GXGeometry geometry, const GXPoint* c2, const GXPoint* end) GX_NOEXCEPT {
     if (AnyNull(geometry) || AnyNull(c2, end)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { geometry->object->ConicTo(*c2, *end); });
+    return Guard([&] { geometry->object->ConicTo(Given(c2), Given(end)); });
 }
 
 GXResult GXGeometryCubicCurveTo(GXGeometry geometry, const GXPoint* c1, const GXPoint* c2,
@@ -105,7 +106,7 @@ GXResult GXGeometryCubicCurveTo(GXGeometry geometry, const GXPoint* c1, const GX
     if (AnyNull(geometry) || AnyNull(c1, c2, end)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { geometry->object->CubicTo(*c1, *c2, *end); });
+    return Guard([&] { geometry->object->CubicTo(Given(c1), Given(c2), Given(end)); });
 }
 
 GXResult GXGeometryRectangle(GXGeometry geometry, const GXRect* rect) GX_NOEXCEPT {

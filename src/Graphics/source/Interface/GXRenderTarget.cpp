@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Render targets: creation, the paint bracket and the graphics state.
+#include "Arguments.h"
 #include "Guard.h"
 #include "Handles.h"
 #include "Paint/Brush.h"
@@ -97,14 +98,14 @@ GXResult GXRenderTargetGetCTM(GXRenderTarget renderTarget, GXMatrix* out) noexce
 }
 
 GXResult GXRenderTargetSetCTM(GXRenderTarget renderTarget, const GXMatrix* matrix) noexcept {
-    return With(renderTarget, [&](RenderTarget& t) { t.SetTransform(matrix == nullptr ? kIdentity : *matrix); });
+    return With(renderTarget, [&](RenderTarget& t) { t.SetTransform(matrix == nullptr ? kIdentity : Given(matrix)); });
 }
 
 GXResult GXRenderTargetConcatCTM(GXRenderTarget renderTarget, const GXMatrix* matrix) noexcept {
     if (AnyNull(renderTarget, matrix)) {
         return GXResultInvalidArgument;
     }
-    return With(renderTarget, [&](RenderTarget& t) { t.ConcatTransform(*matrix); });
+    return With(renderTarget, [&](RenderTarget& t) { t.ConcatTransform(Given(matrix)); });
 }
 
 GXResult GXRenderTargetRotateCTM(GXRenderTarget renderTarget, float angle) noexcept {

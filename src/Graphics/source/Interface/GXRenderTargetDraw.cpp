@@ -2,6 +2,7 @@
 // Render targets: drawing and clipping.
 #include <utility>
 
+#include "Arguments.h"
 #include "Bitmaps/Bitmap.h"
 #include "Geometry/Geometry.h"
 #include "Geometry/StrokeStyle.h"
@@ -29,7 +30,7 @@ template <class Work, class... Pointers>
 
 [[nodiscard]] GXResult FillFigure(GXRenderTarget handle, Kind kind, const GXRect* rect, GXBrush brush) noexcept {
     return Draw(
-        handle, [&](RenderTarget& t) { t.Fill(BasicFigure(kind, *rect), *brush->object); }, rect, brush);
+        handle, [&](RenderTarget& t) { t.Fill(BasicFigure(kind, Given(rect)), *brush->object); }, rect, brush);
 }
 
 /// Refuses negative and NaN widths.
@@ -50,7 +51,7 @@ template <class Work, class... Pointers>
     if (AnyNull(handle, rect)) {
         return GXResultInvalidArgument;
     }
-    return Guard([&] { handle->object->ClipFigure({kind, *rect}); });
+    return Guard([&] { handle->object->ClipFigure({kind, Given(rect)}); });
 }
 
 [[nodiscard]] GXIntRect WholeOf(const Bitmap& bitmap) noexcept {
@@ -100,7 +101,9 @@ GXResult GXRenderTargetStrokeLine(GXRenderTarget renderTarget, const GXPoint* po
     if (AnyNull(renderTarget, point, point2)) {
         return GXResultInvalidArgument;
     }
-    return StrokeFigure(renderTarget, Kind::Line, {point->x, point->y, point2->x, point2->y}, brush, width, style);
+    const GXPoint from = Given(point);
+    const GXPoint to = Given(point2);
+    return StrokeFigure(renderTarget, Kind::Line, {from.x, from.y, to.x, to.y}, brush, width, style);
 }
 
 GXResult GXRenderTargetStrokeRect(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush, float width,
@@ -108,7 +111,7 @@ GXResult GXRenderTargetStrokeRect(GXRenderTarget renderTarget, const GXRect* rec
     if (AnyNull(renderTarget, rect)) {
         return GXResultInvalidArgument;
     }
-    return StrokeFigure(renderTarget, Kind::Rectangle, *rect, brush, width, style);
+    return StrokeFigure(renderTarget, Kind::Rectangle, Given(rect), brush, width, style);
 }
 
 GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* rect, GXBrush brush, float width,
@@ -116,7 +119,7 @@ GXResult GXRenderTargetStrokeEllipse(GXRenderTarget renderTarget, const GXRect* 
     if (AnyNull(renderTarget, rect)) {
         return GXResultInvalidArgument;
     }
-    return StrokeFigure(renderTarget, Kind::Ellipse, *rect, brush, width, style);
+    return StrokeFigure(renderTarget, Kind::Ellipse, Given(rect), brush, width, style);
 }
 
 GXResult GXRenderTargetClipGeometry(GXRenderTarget renderTarget, GXGeometry geometry) noexcept {

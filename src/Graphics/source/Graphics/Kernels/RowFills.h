@@ -74,6 +74,14 @@ void Prefetch(const uint32_t* dst, size_t count) {
 void FillBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t value, size_t count, size_t rows) {
     const U32 v = Splat(value);
     auto* row = reinterpret_cast<char*>(dst);
+#if GX_SIMD_BYTES == 64
+    if (count <= kLanes / 2) { // a longer vector crosses a cache line in most rows, although nothing is stored there
+        for (; rows != 0; --rows, row += strideBytes) {
+            StoreHalf(row, count, HalfU32{} + value);
+        }
+        return;
+    }
+#endif
     if (count <= kLanes) {
         for (; rows != 0; --rows, row += strideBytes) {
             StoreSome(row, count, v);
