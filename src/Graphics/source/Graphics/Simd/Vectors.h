@@ -113,7 +113,7 @@ GX_INLINE inline bool AllEqualBelow(U32 a, U32 b, U32 limit) noexcept {
 }
 #ifndef GX_SIMD_QUADS
 /// For -256 < v < 256; of other values the result is outside of that, too. v is rounded to a multiple of 2^-15 first.
-GX_INLINE inline I32 Floor(F32 v) noexcept { return Truncate(v + 256.0F) - 256; }
+GX_INLINE inline I32 Floor(F32 v) noexcept { return (I32)((U32)Truncate(v + 256.0F) - 256U); }
 #endif
 /// The bits of `yes` where the mask has a one, of `no` elsewhere.
 GX_INLINE inline U64 SelectBits(U64 mask, U64 yes, U64 no) noexcept { return (yes & mask) | (no & ~mask); }
