@@ -43,7 +43,7 @@ public:
             return;
         }
         auto p = static_cast<uint32_t>(p0 < p1 ? p0 : p1);
-        const Eight taken = EightOf(BytesTaken(part));
+        const Eight taken = EightOf(BytesTaken(part.s, part.stop));
         U8 columns = Twofold(m_columns.From(part, static_cast<int32_t>(p)) | ~taken); // those not taken are in no pixel
         const U8 minus = U8{} - static_cast<uint8_t>(m_unit);                         // times -1
         for (const uint32_t last = p + static_cast<uint32_t>(more);; ++p) {

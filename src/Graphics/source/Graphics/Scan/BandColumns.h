@@ -32,8 +32,8 @@ struct RowPart {
 };
 
 /// The bytes of the sub-scanlines [s, stop).
-GX_INLINE inline uint64_t BytesTaken(const RowPart& part) noexcept {
-    return (~uint64_t{0} >> (64 - 8 * part.stop)) & (~uint64_t{0} << (8 * part.s));
+GX_INLINE inline uint64_t BytesTaken(int32_t s, int32_t stop) noexcept {
+    return (~uint64_t{0} >> (64 - 8 * stop)) & (~uint64_t{0} << (8 * s));
 }
 
 #ifdef GX_SIMD_QUADS

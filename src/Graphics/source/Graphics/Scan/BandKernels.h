@@ -124,6 +124,8 @@ struct BandKernels {
         return form;
     }
 
+    static_assert(kWindingForms[kBytes].planes == 0);
+
     /// Up to this bound planes take less time than bytes.
     uint32_t mostInFewPlanes;
 

@@ -129,7 +129,7 @@ private:
             c = c > least ? c : least;
             c = c < most ? c : most;
         }
-        return PairColumns(c, BytesTaken(part));
+        return PairColumns(c, BytesTaken(part.s, part.stop));
     }
 
     int64_t m_step;
@@ -154,7 +154,7 @@ public:
             return;
         }
         const Eight columns = m_columns.From(part, low);
-        const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7) & EightOf(BytesTaken(part));
+        const Eight masks = ShiftedUp(Eight{} + 0xFFU, columns & 7) & EightOf(BytesTaken(part.s, part.stop));
         uint8_t* at = row + static_cast<size_t>(low) * 8;
         if (more == 0) {
             Toggle<K, uint64_t>(at, planeBytes, WordOf(masks), flip);
@@ -189,7 +189,7 @@ public:
         }
         uint64_t mask = 0;
         if (m_step == 0) {
-            mask = ((0xFFU << (c0 & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
+            mask = ((0xFFU << (c0 & 7)) & 0xFFU) * kEachByte;
         } else {
             for (int k = 0; k < 64; k += 8) {
                 mask |= uint64_t{(0xFFU << (Column<Clamp>(x, limit) & 7)) & 0xFFU} << k;
@@ -241,10 +241,9 @@ public:
 
     /// The same column c in sub-scanlines [s, stop).
     GX_INLINE void Upright(uint8_t* row, uint64_t* bits, uint32_t c, int32_t s, int32_t stop) const noexcept {
-        const uint64_t column = ((0xFFU << (c & 7)) & 0xFFU) * uint64_t{0x0101010101010101U};
-        const uint64_t lanes = (~uint64_t{0} >> (64 - 8 * stop)) & (~uint64_t{0} << (8 * s));
+        const uint64_t column = ((0xFFU << (c & 7)) & 0xFFU) * kEachByte;
         bits[c >> 12] |= uint64_t{1} << ((c >> 6) & 63);
-        Toggle<K, uint64_t>(row + (c >> 3) * 8, m_planeBytes, column & lanes, m_flip);
+        Toggle<K, uint64_t>(row + (c >> 3) * 8, m_planeBytes, column & BytesTaken(s, stop), m_flip);
     }
 
     /// The windings of a row from left to right.
