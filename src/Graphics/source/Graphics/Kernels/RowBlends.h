@@ -11,33 +11,41 @@ namespace {
 /// A premultiplied source, and the terms of the blend that depend on it alone.
 struct BlendSource {
     U32 c;
-    U32 straight;
-    bool opaque; ///< in every lane
+    ChannelPairs straight;
+    U16 alpha;   ///< in both lanes of a pixel
+    bool opaque; ///< in every pixel
 
-    explicit BlendSource(U32 source) noexcept : c(source), straight(source), opaque(AllSet((Alpha(source) == 255U))) {
+    GX_INLINE explicit BlendSource(U32 source) noexcept
+        : c(source), straight(Split(source)), alpha((U16)AlphaBytes(source) >> 8), opaque(AllOpaque(source)) {
         if (!opaque) {
-            straight = Unpremultiply(source);
+            straight = StraightChannels(source);
         }
     }
 };
 
-/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs), alpha as + ab - as ab; see the scalar form.
-template <class Mode> GX_INLINE inline U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
+/// The general case of BlendPixels, with alpha as + ab - as ab.
+template <class Mode> GX_INLINE inline U32 BlendTranslucent(U32 d, const BlendSource& source) noexcept {
     const U32 as = Alpha(source.c);
     const U32 ab = Alpha(d);
-    if (AllSet((ab == 255U))) {
-        const U32 mixed = Mode::Pixel(d, source.straight);
-        if (source.opaque) {
-            return mixed | 0xFF000000U;
-        }
-        const U32 sum = Scale(d, ComplementOf(as)) + Scale(mixed & 0x00FFFFFFU, FactorOf(as));
-        return sum | 0xFF000000U;
-    }
-    const U32 mixed = Mode::Pixel(Unpremultiply(d), source.straight) & 0x00FFFFFFU;
+    const ChannelPairs mixed = Mode::Mixed(StraightChannels(d), source.straight);
     const U32 t = Product(as, ab + 1U) >> 8;
     const U32 sum = Scale(d, ComplementOf(as)) + Scale(source.c, ComplementOf(ab)) + Scale(mixed, FactorOf(t));
-    const U32 result = (sum & 0x00FFFFFFU) | (as + ab - t) << 24;
+    const U32 result = (sum & kColors) | (as + ab - t) << 24;
     return Select(IsZero(ab), source.c, result);
+}
+
+/// (1 - ab) cs as + (1 - as) cb ab + as ab B(cb, cs); see the scalar form. Where as is 0, the result is undefined. The
+/// alpha that B makes falls out of the sums.
+template <class Mode> GX_INLINE inline U32 BlendPixels(U32 d, const BlendSource& source) noexcept {
+    if (!AllOpaque(d)) [[unlikely]] {
+        return BlendTranslucent<Mode>(d, source);
+    }
+    const ChannelPairs under = Split(d);
+    const ChannelPairs mixed = Mode::Mixed(under, source.straight);
+    if (source.opaque) {
+        return Join(mixed) | kAlpha;
+    }
+    return (Scale(under, (U32)(256U - source.alpha)) + Scale(mixed, (U32)(source.alpha + 1U))) | kAlpha;
 }
 
 template <size_t kNumber, class Mode>
@@ -45,14 +53,17 @@ void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t c
     const auto narrower = [=](const RowKernels& set) { set.blend[kNumber](dst, src, shape, count); };
     const auto step = [=](size_t i, size_t n) GX_INLINE {
         U32 c = LoadSome(src + i, n);
+        if (AllClear(c)) {
+            return;
+        }
         I32 keep = IsZero(Alpha(c));
-        if (shape != nullptr) {
+        if (shape != nullptr && !(n == kLanes && BytesAre(shape + i, 255))) {
             const U32 s = WidenSome(shape + i, n);
             keep |= IsZero(s);
+            if (AllSet(keep)) {
+                return;
+            }
             c = Scale(c, FactorOf(s));
-        }
-        if (AllSet(keep)) {
-            return;
         }
         const U32 d = LoadSome(dst + i, n);
         StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, BlendSource(c))));
@@ -89,7 +100,7 @@ struct LayerOver {
 
 template <class Mode> struct LayerBlended {
     GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept {
-        const U32 mixed = Mode::Pixel(Unpremultiply(under), Unpremultiply(c)) & 0x00FFFFFFU;
+        const ChannelPairs mixed = Mode::Mixed(StraightChannels(under), StraightChannels(c));
         const U32 m = Scale(c, ComplementOf(Alpha(under))) + Scale(mixed, FactorOf(Alpha(under)));
         return Scale(under, ComplementOf(Alpha(c))) + Scale(m, FactorOf(Alpha(c)));
     }
@@ -143,7 +154,7 @@ void GroupResult(uint32_t* color, const uint8_t* alpha, const uint8_t* shape, co
             return;
         }
         const U32 whole = (share & 0x00FFFFFFU) | ag << 24;
-        U32 result = DividedBytes(whole, fg).All();
+        U32 result = Join(DividedBytes(whole, fg));
         if (backdrop != nullptr) {
             result = Select((ag == 255U), x | 0xFF000000U, result);
         }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The blend functions on vectors of straight pixels, each with the bits of its scalar form in Blend.h. All lanes
-// compute every case, and masks select. The alpha byte of a result is undefined.
+// compute every case, and masks select. The alpha of a result is undefined.
 #pragma once
 
 #include "../Simd/ChannelDivision.h"
@@ -8,11 +8,9 @@
 namespace Graphics::GX_SIMD_NAMESPACE {
 namespace {
 
-GX_INLINE inline U32 HigherBytes(U32 a, U32 b) noexcept {
-    const U8 x = (U8)a;
-    const U8 y = (U8)b;
-    return (U32)(x > y ? x : y);
-}
+/// Of values below 32768, for which every set has instructions.
+GX_INLINE inline U16 LowerOf(U16 a, U16 b) noexcept { return Select((I16)((I16)a < (I16)b), a, b); }
+GX_INLINE inline U16 HigherOf(U16 a, U16 b) noexcept { return Select((I16)((I16)a > (I16)b), a, b); }
 /// a - b for each byte, at least 0.
 GX_INLINE inline U32 SubtractClamped(U32 a, U32 b) noexcept { return (U32)((U8)a - (U8)LowerBytes(a, b)); }
 
@@ -23,12 +21,10 @@ GX_INLINE inline U32 Union(U32 a, U32 b) noexcept { return a + b - (Product(a, b
 
 // ---- Functions of single channels in 16-bit lanes ----
 
-/// Applies a function to both halves of each pixel: blue and red, then green and alpha.
+/// Applies a function to both lanes of each pixel.
 template <class Function> struct Paired {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
-        const U16 even = Function::Of((U16)(b & 0x00FF00FFU), (U16)(s & 0x00FF00FFU));
-        const U16 odd = Function::Of((U16)b >> 8, (U16)s >> 8);
-        return (U32)(even | odd << 8);
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept {
+        return {Function::Of(b.even, s.even), Function::Of(b.odd, s.odd)};
     }
 };
 
@@ -36,16 +32,16 @@ template <class Function> struct Paired {
 GX_INLINE inline U16 Divide255(U16 x) noexcept { return (x + 1U + (x >> 8)) >> 8; }
 
 struct Normal {
-    GX_INLINE static U32 Pixel(U32 /*b*/, U32 s) noexcept { return s; }
+    GX_INLINE static U16 Of(U16 /*cb*/, U16 cs) noexcept { return cs; }
 };
 struct Darken {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return LowerBytes(b, s); }
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return LowerOf(cb, cs); }
 };
 struct Lighten {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return HigherBytes(b, s); }
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return HigherOf(cb, cs); }
 };
 struct Difference {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return SubtractClamped(b, s) | SubtractClamped(s, b); }
+    GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return HigherOf(cb, cs) - LowerOf(cb, cs); }
 };
 struct Multiply {
     GX_INLINE static U16 Of(U16 cb, U16 cs) noexcept { return ((cb + 1U) * cs) >> 8; }
@@ -82,12 +78,21 @@ struct Exclusion {
 // If a correctly rounded quotient of two integers below 2^24 is truncated, it is the integer quotient as long as the
 // gap to the next integer, 1 / divisor, exceeds half a unit in the last place: true for every pair here.
 
+struct Channels32 {
+    U32 red, green, blue;
+};
+GX_INLINE inline Channels32 Widened(const ChannelPairs& x) noexcept {
+    return {(U32)x.even >> 16, (U32)x.odd & 0xFFFFU, (U32)x.even & 0xFFFFU};
+}
+GX_INLINE inline ChannelPairs Paired32(U32 red, U32 green, U32 blue) noexcept {
+    return {(U16)(blue | red << 16), (U16)green};
+}
+
 template <class Function> struct Wide {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
-        const U32 blue = Function::Of(b & 255U, s & 255U);
-        const U32 green = Function::Of(b >> 8 & 255U, s >> 8 & 255U);
-        const U32 red = Function::Of(b >> 16 & 255U, s >> 16 & 255U);
-        return blue | green << 8 | red << 16;
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& under, const ChannelPairs& source) noexcept {
+        const Channels32 b = Widened(under);
+        const Channels32 s = Widened(source);
+        return Paired32(Function::Of(b.red, s.red), Function::Of(b.green, s.green), Function::Of(b.blue, s.blue));
     }
 };
 
@@ -126,16 +131,18 @@ struct Rgb {
     F32 r, g, b;
 };
 
-GX_INLINE inline Rgb ToRgb(U32 x) noexcept {
-    return {ToFloat(x >> 16 & 255U) / 255.0F, ToFloat(x >> 8 & 255U) / 255.0F, ToFloat(x & 255U) / 255.0F};
+GX_INLINE inline Rgb ToRgb(const ChannelPairs& x) noexcept {
+    const Channels32 c = Widened(x);
+    return {ToFloat(c.red) / 255.0F, ToFloat(c.green) / 255.0F, ToFloat(c.blue) / 255.0F};
 }
 
 GX_INLINE inline F32 Lum(const Rgb& c) noexcept { return 0.3F * c.r + 0.59F * c.g + 0.11F * c.b; }
 
-GX_INLINE inline F32 Sat(U32 x) noexcept {
-    const F32 r = ToFloat(x >> 16 & 255U);
-    const F32 g = ToFloat(x >> 8 & 255U);
-    const F32 b = ToFloat(x & 255U);
+GX_INLINE inline F32 Sat(const ChannelPairs& x) noexcept {
+    const Channels32 c = Widened(x);
+    const F32 r = ToFloat(c.red);
+    const F32 g = ToFloat(c.green);
+    const F32 b = ToFloat(c.blue);
     return (Higher(r, Higher(g, b)) - Lower(r, Lower(g, b))) / 255.0F;
 }
 
@@ -188,24 +195,26 @@ GX_INLINE inline U32 ToByte(F32 v) noexcept {
     const F32 positive = Select(v >= 0.0F, v, F32{});
     return (U32)Truncate(Select(v > 1.0F, F32{} + 1.0F, positive) * 255.0F);
 }
-GX_INLINE inline U32 ToBytes(const Rgb& c) noexcept { return ToByte(c.b) | ToByte(c.g) << 8 | ToByte(c.r) << 16; }
+GX_INLINE inline ChannelPairs ToBytes(const Rgb& c) noexcept {
+    return Paired32(ToByte(c.r), ToByte(c.g), ToByte(c.b));
+}
 
 struct Hue {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept {
         return ToBytes(SetLum(SetSat(ToRgb(s), Sat(b)), Lum(ToRgb(b))));
     }
 };
 struct Saturation {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept {
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept {
         const Rgb under = ToRgb(b);
         return ToBytes(SetLum(SetSat(under, Sat(s)), Lum(under)));
     }
 };
 struct HueAndSaturation {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b)))); }
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept { return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b)))); }
 };
 struct Luminosity {
-    GX_INLINE static U32 Pixel(U32 b, U32 s) noexcept { return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s)))); }
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept { return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s)))); }
 };
 
 } // namespace

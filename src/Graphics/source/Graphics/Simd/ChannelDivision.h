@@ -19,33 +19,27 @@ GX_INLINE inline U32 SpreadBytes(U32 v) noexcept {
     return two | two << 8;
 }
 
-/// Bytes of a pixel divided by one of them: min(byte, v) * 255 / v; undefined if v is 0.
+/// Bytes of a pixel divided by one of them, min(byte, v) * 255 / v; 0 if v is 0.
 ///
-/// 255 / v and its product with a byte, at most 255, are each rounded by at most 2^-24 of their value, and so is the
-/// sum below: together less than 255 * 2^-22 = 0.00007. A quotient that is no integer is at least 1/255 = 0.0039 below
-/// the next integer. So with 0.001 added, truncation gives the integer quotient for every pair.
-class DividedBytes {
-public:
-    GX_INLINE DividedBytes(U32 x, U32 v) noexcept
-        : m_low(LowerBytes(x, SpreadBytes(v))), m_factor(255.0F / ToFloat(v)) {}
+/// With m = 255 * 65536 / v + e, the quotient of a byte c <= v is (c * m) >> 16 for 0 <= e < 65536 / v^2: the product is
+/// too large by c e / 65536 < 1 / v, and a quotient that is no integer is at least 1 / v below the next one. m has 24
+/// bits, of which the upper eight times c are below 65536.
+GX_INLINE inline ChannelPairs DividedBytes(U32 x, U32 v, U32 spread) noexcept {
+    const ChannelPairs c = Split(LowerBytes(x, spread));
+    const U32 m = ByteReciprocal(v);
+    const auto low = (U16)LowHalfTwice(m);
+    const auto high = (U16)Twice(m >> 16);
+    return {c.even * high + MultiplyHigh(c.even, low), c.odd * high + MultiplyHigh(c.odd, low)};
+}
+GX_INLINE inline ChannelPairs DividedBytes(U32 x, U32 v) noexcept { return DividedBytes(x, v, SpreadBytes(v)); }
 
-    /// The lowest three bytes; the highest is 0.
-    GX_INLINE U32 Colors() const noexcept {
-        return Quotient(m_low & 255U) | Quotient(m_low >> 8 & 255U) << 8 | Quotient(m_low >> 16 & 255U) << 16;
-    }
-    GX_INLINE U32 All() const noexcept { return Colors() | Quotient(m_low >> 24) << 24; }
-
-private:
-    GX_INLINE U32 Quotient(U32 byte) const noexcept { return (U32)Truncate(ToFloat(byte) * m_factor + 0.001F); }
-
-    U32 m_low;
-    F32 m_factor;
-};
+/// Straight channels of premultiplied pixels, by their alpha.
+GX_INLINE inline ChannelPairs StraightChannels(U32 x) noexcept { return DividedBytes(x, Alpha(x), AlphaBytes(x)); }
 
 /// Straight colours of premultiplied pixels, min(colour, a) * 255 / a; a pixel of alpha 0 stays as it is.
 GX_INLINE inline U32 Unpremultiply(U32 x) noexcept {
     const U32 a = Alpha(x);
-    return Select(IsZero(a), x, DividedBytes(x, a).Colors() | (x & kAlpha));
+    return Select(IsZero(a), x, (Join(StraightChannels(x)) & kColors) | (x & kAlpha));
 }
 
 } // namespace

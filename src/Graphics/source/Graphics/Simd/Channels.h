@@ -40,6 +40,22 @@ GX_INLINE inline U32 Scale(U32 x, U32 k) noexcept {
     return (U32)(even | odd);
 }
 
+/// The channels of pixels, each in a lane of 16 bits of its own: blue and red, and green and alpha.
+struct ChannelPairs {
+    U16 even, odd;
+};
+
+GX_INLINE inline ChannelPairs Split(U32 x) noexcept { return {(U16)(x & 0x00FF00FFU), (U16)x >> 8}; }
+GX_INLINE inline U32 Join(const ChannelPairs& x) noexcept { return (U32)(x.even | x.odd << 8); }
+
+/// Scale of channels that are split already.
+GX_INLINE inline U32 Scale(const ChannelPairs& x, U32 k) noexcept {
+    if constexpr (kJoinsByShift) {
+        return JoinHighBytes(x.even * (U16)k, x.odd * (U16)k);
+    }
+    return (U32)((x.even * (U16)k) >> 8 | ((x.odd * (U16)k) & 0xFF00U));
+}
+
 /// Straight to premultiplied: colour * (a + 1) >> 8.
 GX_INLINE inline U32 Premultiply(U32 x) noexcept { return (Scale(x, FactorOf(Alpha(x))) & kColors) | (x & kAlpha); }
 

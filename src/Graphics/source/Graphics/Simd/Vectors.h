@@ -106,11 +106,28 @@ template <size_t... kLane> GX_INLINE inline U64 LastOf(U64 v, std::index_sequenc
 }
 GX_INLINE inline U64 Last(U64 v) noexcept { return LastOf(v, std::make_index_sequence<kLongLanes>()); }
 
+#if GX_SIMD_BYTES == 16 && !defined(GX_SIMD_QUADS)
+/// The highest byte of each pixel in all its bytes.
+GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
+    const U32 two = x >> 24 | (x >> 24) << 8;
+    return two | two << 16;
+}
+/// Twice, of any words.
+GX_INLINE inline U32 LowHalfTwice(U32 w) noexcept { return (w & 0xFFFFU) | w << 16; }
+#else
+GX_INLINE inline U32 LowHalfTwice(U32 w) noexcept { return Twice(w); }
+#endif
 #if GX_SIMD_BYTES != 64
 /// Whether a == b < limit in every lane.
 GX_INLINE inline bool AllEqualBelow(U32 a, U32 b, U32 limit) noexcept {
     return AllSet((I32)(a == b) & (I32)(a < limit));
 }
+/// Whether every alpha is 255, or 0.
+GX_INLINE inline bool AllOpaque(U32 pixels) noexcept { return AllSet((I32)((pixels >> 24) == 255U)); }
+GX_INLINE inline bool AllClear(U32 pixels) noexcept { return AllSet((I32)((pixels >> 24) == 0U)); }
+/// m with 0 <= m - 255 * 65536 / v < 65536 / v^2 for v from 1 to 255. The rounded quotient is never below an integer that
+/// the exact one reaches, and above it by so little that one more stays in the bound.
+GX_INLINE inline U32 ByteReciprocal(U32 v) noexcept { return (U32)Truncate(16711680.0F / ToFloat(v)) + 1U; }
 #ifndef GX_SIMD_QUADS
 /// For -256 < v < 256; of other values the result is outside of that, too. v is rounded to a multiple of 2^-15 first.
 GX_INLINE inline I32 Floor(F32 v) noexcept { return (I32)((U32)Truncate(v + 256.0F) - 256U); }

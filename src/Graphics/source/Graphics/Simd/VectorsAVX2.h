@@ -116,6 +116,11 @@ GX_INLINE inline U32 Twice(U32 w) noexcept {
                                            0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13);
     return (U32)_mm256_shuffle_epi8((__m256i)w, order);
 }
+GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
+    const __m256i order = _mm256_setr_epi8(3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15, //
+                                           3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15);
+    return (U32)_mm256_shuffle_epi8((__m256i)x, order);
+}
 
 GX_INLINE inline F32 Repeat(const float* four) noexcept {
     return (F32)_mm256_broadcast_ps(reinterpret_cast<const __m128*>(four));

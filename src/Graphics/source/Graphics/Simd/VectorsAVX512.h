@@ -96,6 +96,11 @@ GX_INLINE inline U32 Twice(U32 w) noexcept {
         _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
     return (U32)_mm512_shuffle_epi8((__m512i)w, order);
 }
+GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
+    const __m512i order =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15));
+    return (U32)_mm512_shuffle_epi8((__m512i)x, order);
+}
 
 GX_INLINE inline F32 Repeat(const float* four) noexcept {
     return (F32)_mm512_maskz_broadcast_f32x4(0xFFFF, _mm_loadu_ps(four));
@@ -123,6 +128,22 @@ GX_INLINE inline U32 Pick(const uint8_t* words, size_t known, I32 at) noexcept {
 template <class V> GX_INLINE inline V Kept(V v) noexcept {
     __asm__("" : "+v"(v));
     return v;
+}
+
+GX_INLINE inline bool AllOpaque(U32 pixels) noexcept {
+    return _mm512_cmpge_epu32_mask((__m512i)pixels, _mm512_set1_epi32(static_cast<int>(0xFF000000U))) == 0xFFFF;
+}
+GX_INLINE inline bool AllClear(U32 pixels) noexcept {
+    return _mm512_test_epi32_mask((__m512i)pixels, _mm512_set1_epi32(static_cast<int>(0xFF000000U))) == 0;
+}
+/// By the estimate r of 1 / v, which is off by 2^-14 at most, and a step of Newton's, r (2 - v r): together with four
+/// roundings it is off by less than 2^-21. So much is added to the dividend, which keeps the sum above the quotient, and
+/// the next integer is taken.
+GX_INLINE inline U32 ByteReciprocal(U32 v) noexcept {
+    const F32 f = __builtin_convertvector((I32)v, F32);
+    const auto r = (F32)_mm512_maskz_rcp14_ps(0xFFFF, (__m512)f);
+    const F32 m = r * 16711688.0F * (2.0F - f * r);
+    return (U32)_mm512_maskz_cvt_roundps_epi32(0xFFFF, (__m512)m, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
 }
 
 // ---- Half a vector: eight lanes of 32 bits ----
