@@ -163,7 +163,13 @@ void Shade(GradientShade& state, const float* t, size_t count, uint32_t* out) {
     }
     ForBlocks(count - k, [&](size_t i, size_t lanes) { step(k + i, lanes); });
 #else
-    ForBlocks(count, step);
+    size_t k = 0;
+    for (; k + kLanes <= count; k += kLanes) {
+        step(k, kLanes);
+    }
+    if (k < count) { // a whole vector, of which some pixels get their colours again, goes the quick way
+        count < kLanes ? step(k, count - k) : step(count - kLanes, kLanes);
+    }
 #endif
 }
 

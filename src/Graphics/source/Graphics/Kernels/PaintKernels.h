@@ -97,5 +97,7 @@ GX_DECLARE_KERNEL_TABLES(PaintKernels, kPaintKernels)
 
 /// The longest span that the sources process at once, in pixels.
 inline constexpr size_t kPaintChunk = 256;
+/// A row's last part may be longer, since a few pixels left over would cost as much as a vector of each step.
+inline constexpr size_t kMostPainted = kPaintChunk + 32;
 
 } // namespace Graphics

@@ -111,7 +111,15 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
                 ++i;
             }
             if (i - first > 1) {
-                m_kernels.prefetch(Pixels(runs[first].x0, y), static_cast<size_t>(runs[i - 1].x1 - runs[first].x0));
+                const auto n = static_cast<size_t>(runs[i - 1].x1 - runs[first].x0);
+                if (n < kPrefetchFrom) {
+                    m_kernels.prefetch(Pixels(runs[first].x0, y), n);
+                } else if (y + 1 < m_bounds.bottom) { // where the next row probably lies
+                    m_kernels.prefetch(Pixels(runs[first].x0, y + 1), n);
+                }
+                if (Replaces() && ReplaceRuns(y, runs.subspan(first, i - first))) {
+                    continue;
+                }
                 m_joined = m_buffers.color.data();
                 m_source->FillRuns(runs.subspan(first, i - first), y, m_joined);
             }
@@ -125,6 +133,39 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
         }
         m_joined = nullptr;
     }
+}
+
+bool SwPipeLine::ReplaceRuns(int32_t y, std::span<const CoverageRun> runs) {
+    const auto widthOf = [](const CoverageRun& run) { return static_cast<size_t>(run.x1 - run.x0); };
+    const auto isWhole = [](const CoverageRun& run) { return run.shape == nullptr && run.value == 255; };
+    size_t partly = 0;
+    for (const CoverageRun& run : runs) {
+        partly += isWhole(run) ? 0 : widthOf(run);
+    }
+    const int32_t left = runs.front().x0;
+    if (partly > static_cast<size_t>(runs.back().x1 - left) / 4) {
+        return false;
+    }
+    uint32_t* const dst = Pixels(left, y);
+    uint32_t* const kept = m_buffers.color.data();
+    uint32_t* next = kept;
+    for (const CoverageRun& run : runs) {
+        if (!isWhole(run)) {
+            next = std::copy_n(dst + (run.x0 - left), widthOf(run), next);
+        }
+    }
+    m_source->FillRuns(runs, y, dst);
+    next = kept;
+    for (const CoverageRun& run : runs) {
+        if (!isWhole(run)) {
+            std::swap_ranges(next, next + widthOf(run), dst + (run.x0 - left));
+            m_joined = next;
+            PaintSpan(y, run.x0, run.x1, run.shape, run.value);
+            next += widthOf(run);
+        }
+    }
+    m_joined = nullptr;
+    return true;
 }
 
 void SwPipeLine::SolidRow(int32_t y, std::span<const CoverageRun> runs) const {

@@ -102,6 +102,9 @@ private:
         return m_blendMode == 0 && m_clip == nullptr && m_shapeMaskCount == 0 && m_opacityMask == nullptr &&
                m_target.alpha == nullptr;
     }
+    /// Requires Replaces and adjacent runs: colours go straight to the target, from which pixels that are covered in part are
+    /// kept and then composited. False, with nothing done, if those are many.
+    [[nodiscard]] bool ReplaceRuns(int32_t y, std::span<const CoverageRun> runs);
     /// Requires IsPlain: one colour over runs inside the bounds.
     void SolidRow(int32_t y, std::span<const CoverageRun> runs) const;
     /// Requires IsPlain: a block of a solid colour, or of pixels available in memory. False, with nothing done, for

@@ -45,7 +45,7 @@ private:
     };
     struct Chunk {
         Piece kept;
-        alignas(64) float terms[kPaintChunk];
+        alignas(64) float terms[kMostPainted];
     };
 
     Chunk m_chunks[kChunks];

@@ -257,8 +257,8 @@ void SwBitmapSampler::FillRuns(std::span<const CoverageRun> runs, int32_t y, uin
 /// Coordinates restart at every run, but the runs are sampled together.
 void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) const noexcept {
     const SwSamplerSetup& s = m_setup;
-    alignas(64) float u[kPaintChunk];
-    alignas(64) float v[kPaintChunk];
+    alignas(64) float u[kMostPainted];
+    alignas(64) float v[kMostPainted];
     ForRunParts(
         runs,
         [&](int32_t x0) {
@@ -275,10 +275,10 @@ void SwBitmapSampler::FillPoints(std::span<const CoverageRun> runs, int32_t y, u
         });
 }
 
-/// Samples up to kPaintChunk points, by the fused fast path where possible.
+/// Samples up to kMostPainted points, by the fused fast path where possible.
 void SwBitmapSampler::ReadPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
     const bool clamp = m_setup.tilingX == GXExtendClamp && m_setup.tilingY == GXExtendClamp;
-    const size_t edge = m_reader.Samples() ? kEdgeChunk : kPaintChunk;
+    const size_t edge = m_reader.Samples() ? kEdgeChunk : kMostPainted;
     for (size_t k = 0; k < count;) {
         k += m_reader.Sample(m_setup.linear, clamp, u + k, v + k, count - k, out + k);
         const size_t rest = std::min(edge, count - k);
@@ -294,24 +294,24 @@ void SwBitmapSampler::ReadPoints(const float* u, const float* v, size_t count, u
     }
 }
 
-/// Nearest: samples up to kPaintChunk points anywhere.
+/// Nearest: samples up to kMostPainted points anywhere.
 void SwBitmapSampler::PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-    int32_t columns[kPaintChunk];
-    int32_t rows[kPaintChunk];
+    int32_t columns[kMostPainted];
+    int32_t rows[kMostPainted];
     m_kernels.indices[m_setup.tilingX](u, count, m_setup.width, columns);
     m_kernels.indices[m_setup.tilingY](v, count, m_setup.height, rows);
     m_reader.Points(rows, columns, count, out);
 }
 
-/// Bilinear: samples up to kPaintChunk points anywhere.
+/// Bilinear: samples up to kMostPainted points anywhere.
 void SwBitmapSampler::BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-    int32_t columns[2][kPaintChunk];
-    int32_t rows[2][kPaintChunk];
-    uint32_t across[kPaintChunk];
-    uint32_t down[kPaintChunk];
-    uint32_t top[kPaintChunk];
-    uint32_t bottom[kPaintChunk];
-    uint32_t other[kPaintChunk];
+    int32_t columns[2][kMostPainted];
+    int32_t rows[2][kMostPainted];
+    uint32_t across[kMostPainted];
+    uint32_t down[kMostPainted];
+    uint32_t top[kMostPainted];
+    uint32_t bottom[kMostPainted];
+    uint32_t other[kMostPainted];
     m_kernels.taps[m_setup.tilingX](u, count, m_setup.width, columns[0], columns[1], across);
     m_kernels.taps[m_setup.tilingY](v, count, m_setup.height, rows[0], rows[1], down);
     m_reader.Points(rows[0], columns[0], count, top);

@@ -30,7 +30,7 @@ bool RadialGradientFiller::Set(const RadialGradient& gradient, const Matrix& gra
 void RadialGradientFiller::Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs,
                                 int32_t y, uint32_t* out) noexcept {
     const auto row = static_cast<float>(y);
-    float t[kPaintChunk];
+    float t[kMostPainted];
     m_u.BeginRow();
     m_v.BeginRow();
     m_B.BeginRow();
