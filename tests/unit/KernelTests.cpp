@@ -336,6 +336,34 @@ TEST_P(KernelTest, SolidRectanglesHaveOneColourAtEachSide) {
     });
 }
 
+TEST_P(KernelTest, SampleRectanglesScaleTheColourByColumnsAndRows) {
+    ForRows(17, [&](Source& random, size_t n, size_t shift) {
+        const uint32_t color = random.Pixel();
+        if (n == 0 || color >> 24 == 0) {
+            return;
+        }
+        const auto eighths = [&] { return static_cast<uint32_t>(1 + random.Number(8)); };
+        Graphics::SampleFrame frame{eighths(), eighths(), {}};
+        frame.right = n == 1 ? frame.left : frame.right;
+        std::vector<uint32_t> samples; // sub-scanlines of each row
+        for (auto& rows : frame.rows) {
+            rows = {eighths(), random.Number(3)};
+            samples.insert(samples.end(), rows.count, rows.samples);
+        }
+        const size_t step = n + random.Number(3);
+        std::vector<uint32_t> dst(step * samples.size());
+        random.Fill(dst);
+        CheckPixels(
+            dst, shift, "solidSamples",
+            [&](uint32_t* p) { m_kernels->solidSamples(p, ptrdiff_t(step) * 4, color, frame, n); },
+            [&](uint32_t d, size_t i) {
+                const size_t x = i % step;
+                const uint32_t columns = x == 0 ? frame.left : x + 1 == n ? frame.right : 8;
+                return x < n ? NormalOracle(d, color, columns * samples[i / step] * 4 - 1) : d;
+            });
+    });
+}
+
 TEST_P(KernelTest, CompositesIntoAGroup) {
     ForRows(12, [&](Source& random, size_t n, size_t shift) {
         std::vector<uint32_t> color(n), backdrop(n), src(n);

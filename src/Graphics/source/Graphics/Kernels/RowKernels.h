@@ -28,6 +28,17 @@ struct LayerRowPlanes {
     bool knockout;
 };
 
+/// The samples of an upright rectangle: pixels have columns * rows of them.
+struct SampleFrame {
+    struct Rows {
+        uint32_t samples; ///< 1 to 8 in each pixel of a column
+        size_t count;     ///< pixel rows, may be 0
+    };
+    uint32_t left;  ///< sample columns of the first pixel, 1 to 8; those between have eight
+    uint32_t right; ///< of the last pixel; the same if it is the first
+    Rows rows[3];   ///< downward
+};
+
 struct RowKernels {
     /// dst = value
     void (*fill32)(uint32_t* dst, uint32_t value, size_t count);
@@ -56,6 +67,9 @@ struct RowKernels {
     /// A colour without alpha clears transparent pixels and leaves others, as coverage above 0 does in normalSolid.
     void (*solidRectangle)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_t inner, uint32_t right,
                            size_t count, size_t rows);
+    /// Normal over an upright rectangle of samples, `count` > 0 pixels wide. A pixel with n samples takes the colour
+    /// scaled by 4 n / 256; solidRectangle says what a colour without alpha does.
+    void (*solidSamples)(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const SampleFrame& frame, size_t count);
     void (*normalVarying)(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count);
     /// The other modes over a basic target, by blend mode number. The renderer does not use entry 0; entry 16 serves
     /// every number above 15.

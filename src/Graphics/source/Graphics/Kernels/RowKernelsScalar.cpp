@@ -89,6 +89,15 @@ void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_
     }
 }
 
+void SolidSamples(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const SampleFrame& frame, size_t count) {
+    for (const SampleFrame::Rows& rows : frame.rows) {
+        const auto scaled = [&](uint32_t columns) { return ScalePixel(color, 4 * columns * rows.samples); };
+        SolidRectangle(dst, strideBytes, scaled(frame.left), scaled(8), scaled(frame.right), count, rows.count);
+        dst = reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(dst) +
+                                          static_cast<ptrdiff_t>(rows.count) * strideBytes);
+    }
+}
+
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t s = ShapeAt(shape, i);

@@ -195,9 +195,7 @@ GX_INLINE inline U32 ToByte(F32 v) noexcept {
     const F32 positive = Select(v >= 0.0F, v, F32{});
     return (U32)Truncate(Select(v > 1.0F, F32{} + 1.0F, positive) * 255.0F);
 }
-GX_INLINE inline ChannelPairs ToBytes(const Rgb& c) noexcept {
-    return Paired32(ToByte(c.r), ToByte(c.g), ToByte(c.b));
-}
+GX_INLINE inline ChannelPairs ToBytes(const Rgb& c) noexcept { return Paired32(ToByte(c.r), ToByte(c.g), ToByte(c.b)); }
 
 struct Hue {
     GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept {
@@ -211,10 +209,14 @@ struct Saturation {
     }
 };
 struct HueAndSaturation {
-    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept { return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b)))); }
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept {
+        return ToBytes(SetLum(ToRgb(s), Lum(ToRgb(b))));
+    }
 };
 struct Luminosity {
-    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept { return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s)))); }
+    GX_INLINE static ChannelPairs Mixed(const ChannelPairs& b, const ChannelPairs& s) noexcept {
+        return ToBytes(SetLum(ToRgb(b), Lum(ToRgb(s))));
+    }
 };
 
 } // namespace

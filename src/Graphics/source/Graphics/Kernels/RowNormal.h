@@ -170,6 +170,37 @@ void SolidRectangle(uint32_t* dst, ptrdiff_t strideBytes, uint32_t left, uint32_
     }
 }
 
+/// For rows of at most one vector.
+void SolidNarrowSamples(uint8_t* row, ptrdiff_t strideBytes, uint32_t color, const SampleFrame& frame,
+                        size_t count) noexcept {
+    const U32 lanes = Ascending();
+    const U32 inner = Select((I32)(lanes == static_cast<uint32_t>(count - 1)), Splat(4 * frame.right), Splat(32U));
+    const U32 columns = Select(IsZero(lanes), Splat(4 * frame.left), inner);
+    for (const SampleFrame::Rows& rows : frame.rows) {
+        if (rows.count == 0) {
+            continue;
+        }
+        const SolidColumn all(Scale(Splat(color), Spread(Product(columns, Splat(rows.samples)))));
+        for (size_t left = rows.count; left != 0; --left, row += strideBytes) {
+            all.Paint(reinterpret_cast<uint32_t*>(row), count);
+        }
+    }
+}
+
+void SolidSamples(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const SampleFrame& frame, size_t count) {
+    auto* row = reinterpret_cast<uint8_t*>(dst);
+    if (count <= kLanes) {
+        SolidNarrowSamples(row, strideBytes, color, frame, count);
+        return;
+    }
+    for (const SampleFrame::Rows& rows : frame.rows) {
+        const auto scaled = [&](uint32_t columns) { return ScalePixel(color, 4 * columns * rows.samples); };
+        SolidWideRectangle(reinterpret_cast<uint32_t*>(row), strideBytes, scaled(frame.left), scaled(8),
+                           scaled(frame.right), count, rows.count);
+        row += static_cast<ptrdiff_t>(rows.count) * strideBytes;
+    }
+}
+
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     const auto rest = [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); };
     const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllSet(Alpha(c) == 255U); };

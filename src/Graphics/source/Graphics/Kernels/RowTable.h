@@ -8,7 +8,7 @@
 #define GX_KERNEL_TABLE                                                                                                \
     {                                                                                                                  \
         Fill32, FillBlock, Prefetch, SetOpaque, CopyOpaque, NormalSolid, SolidRuns, NormalSolidBlock, SolidRectangle,  \
-            NormalVarying, GX_MODES(GX_BLEND_ROW), GX_MODES(GX_BLEND_SOLID_ROW), LayerRow<LayerOver>,                  \
+            SolidSamples, NormalVarying, GX_MODES(GX_BLEND_ROW), GX_MODES(GX_BLEND_SOLID_ROW), LayerRow<LayerOver>,    \
             GX_MODES(GX_LAYER_ROW), GroupResult, {MaskValues<0>, MaskValues<1>, MaskValues<2>, MaskValues<3>},         \
             ScaleShape, ScaleColor, ScaleColorBy, PremultiplyRow, ReplaceSolid, Invert                                 \
     }

@@ -14,14 +14,22 @@ namespace Graphics {
 class DeviceRectangle {
 public:
     /// visible(pixels) returns the part of `pixels` to draw. False unless the figure is a rectangle that stays upright
-    /// under the matrix and lies within the range in which edges are stepped exactly.
+    /// under the matrix and lies within the range in which edges are stepped exactly. `isSolid` says that the fill has one
+    /// colour, so that it does not matter where runs of coverage begin.
     template <class Visible>
-    [[nodiscard]] bool Set(const BasicFigure& figure, const Matrix& m, const IntRect& area, bool snap,
+    [[nodiscard]] bool Set(const BasicFigure& figure, const Matrix& m, const IntRect& area, bool snap, bool isSolid,
                            const Visible& visible) {
         Vertex a;
         Vertex b;
         if (!UprightCorners(figure, m, a, b)) {
             return false;
+        }
+        const bool onPixels = ((a.x | a.y | b.x | b.y) & 127) == 0;
+        if (onPixels && (snap ? a.x != b.x && a.y != b.y : isSolid)) { // an empty one that snaps gets a pixel
+            m_isWhole = true;
+            m_pixels = visible(
+                {std::min(a.x, b.x) >> 7, std::min(a.y, b.y) >> 7, std::max(a.x, b.x) >> 7, std::max(a.y, b.y) >> 7});
+            return true;
         }
         m_isWhole = snap;
         if (snap) {

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 
+#include "../Kernels/RowKernels.h"
 #include "EdgeBuilder.h"
 
 namespace Graphics {
@@ -71,6 +72,18 @@ public:
         if (bottom * 8 < m_last) {
             f(bottom, bottom + 1, m_last - bottom * 8);
         }
+    }
+
+    /// The counts of samples, for one call that paints them all. Requires !Empty().
+    [[nodiscard]] SampleFrame Frame() const noexcept {
+        const IntRect pixels = Pixels();
+        const auto columns = [this](int32_t pixel) { return static_cast<uint32_t>(Columns(pixel)); };
+        SampleFrame frame{columns(pixels.left), columns(pixels.right - 1), {}};
+        SampleFrame::Rows* next = frame.rows;
+        ForRows([&](int32_t y0, int32_t y1, int32_t rows) {
+            *next++ = {static_cast<uint32_t>(rows), static_cast<size_t>(y1 - y0)};
+        });
+        return frame;
     }
 
 private:

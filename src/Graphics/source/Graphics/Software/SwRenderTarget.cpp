@@ -113,52 +113,58 @@ inline bool SwRenderTarget::IsPlain(const Draw& draw, uint32_t& color) noexcept 
     return true;
 }
 
+void SwRenderTarget::PaintPixels(const IntRect& r, uint32_t color) {
+    const RowKernels& kernels = ActiveKernels();
+    const SwTargetPlanes& planes = m_basic.Ready(r);
+    uint32_t* const pixels = PixelAt(planes, r.left, r.top);
+    const auto width = static_cast<size_t>(r.right - r.left);
+    const auto height = static_cast<size_t>(r.bottom - r.top);
+    if (color >> 24 == 255) {
+        kernels.fillBlock(pixels, planes.colorStride, color, width, height);
+        NoteOpaque(r);
+    } else {
+        MakeRowsOpaque(kernels, planes, r);
+        kernels.solidRectangle(pixels, planes.colorStride, color, color, color, width, height);
+    }
+}
+
 void SwRenderTarget::PaintPlain(const DeviceRectangle& rectangle, uint32_t color) {
     if (color >> 24 == 0 || IsEmpty(rectangle.Pixels())) {
         return;
     }
-    const RowKernels& kernels = ActiveKernels();
-    const auto paint = [&](const IntRect& r, uint32_t left, uint32_t inner, uint32_t right) {
-        const SwTargetPlanes& planes = m_basic.Ready(r);
-        uint32_t* const pixels = PixelAt(planes, r.left, r.top);
-        const auto width = static_cast<size_t>(r.right - r.left);
-        const auto height = static_cast<size_t>(r.bottom - r.top);
-        if ((left & inner & right) >> 24 == 255) {
-            kernels.fillBlock(pixels, planes.colorStride, color, width, height);
-            NoteOpaque(r);
-        } else {
-            MakeRowsOpaque(kernels, planes, r);
-            kernels.solidRectangle(pixels, planes.colorStride, left, inner, right, width, height);
-        }
-    };
     if (rectangle.IsWhole()) {
-        paint(rectangle.Pixels(), color, color, color);
+        PaintPixels(rectangle.Pixels(), color);
         return;
     }
     const SampleRectangle& samples = rectangle.Samples();
     if (samples.Empty()) {
         return;
     }
-    const IntRect pixels = samples.Pixels();
-    const int32_t left = samples.Columns(pixels.left);
-    const int32_t right = samples.Columns(pixels.right - 1);
-    samples.ForRows([&](int32_t y0, int32_t y1, int32_t rows) {
-        const auto scaled = [&](int32_t columns) {
-            return columns * rows == 64 ? color : ScalePixel(color, ShapeOfSamples(columns * rows) + 1U);
-        };
-        paint({pixels.left, y0, pixels.right, y1}, scaled(left), scaled(8), scaled(right));
-    });
+    const IntRect r = samples.Pixels();
+    if (samples.OnPixels()) {
+        PaintPixels(r, color);
+        return;
+    }
+    const RowKernels& kernels = ActiveKernels();
+    const SwTargetPlanes& planes = m_basic.Ready(r);
+    MakeRowsOpaque(kernels, planes, r);
+    kernels.solidSamples(PixelAt(planes, r.left, r.top), planes.colorStride, color, samples.Frame(),
+                         static_cast<size_t>(r.right - r.left));
+    if (color >> 24 == 255) {
+        NoteOpaque(r);
+    }
 }
 
 inline void SwRenderTarget::PaintFigure(const Draw& draw, const BasicFigure& figure) {
     const bool snap = draw.state.strokeAdjustment;
+    uint32_t color = 0;
+    const bool isPlain = IsPlain(draw, color);
     DeviceRectangle rectangle;
-    if (!rectangle.Set(figure, draw.transform, m_area, snap, [&](const IntRect& r) { return Visible(r); })) {
+    if (!rectangle.Set(figure, draw.transform, m_area, snap, isPlain, [&](const IntRect& r) { return Visible(r); })) {
         PaintShape(draw, m_shape.Of(figure), snap);
         return;
     }
-    uint32_t color = 0;
-    if (IsPlain(draw, color)) {
+    if (isPlain) {
         PaintPlain(rectangle, color);
         return;
     }

@@ -64,6 +64,7 @@ private:
     /// kernel calls paint it without a pipeline.
     [[nodiscard]] bool IsPlain(const Draw& draw, uint32_t& color) noexcept;
     void PaintPlain(const DeviceRectangle& rectangle, uint32_t color);
+    void PaintPixels(const IntRect& r, uint32_t color);
     void PaintFigure(const Draw& draw, const BasicFigure& figure);
     void PaintShape(const Draw& draw, const Shape& shape, bool snap);
     /// Paints from cached coverage if the outline is small enough to be cached.
