@@ -16,7 +16,7 @@ struct BlendSource {
     bool opaque; ///< in every pixel
 
     GX_INLINE explicit BlendSource(U32 source) noexcept
-        : c(source), straight(Split(source)), alpha((U16)AlphaBytes(source) >> 8), opaque(AllOpaque(source)) {
+        : c(source), straight(Split(source)), alpha((U16)AlphaTwice(source)), opaque(AllOpaque(source)) {
         if (!opaque) {
             straight = StraightChannels(source);
         }
@@ -56,7 +56,7 @@ void BlendRow(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t c
         if (AllClear(c)) {
             return;
         }
-        I32 keep = IsZero(Alpha(c));
+        I32 keep = IsZero(c & kAlpha);
         if (shape != nullptr && !(n == kLanes && BytesAre(shape + i, 255))) {
             const U32 s = WidenSome(shape + i, n);
             keep |= IsZero(s);

@@ -79,6 +79,25 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
     }
 }
 
+/// A vector of pixels with the same coverage in every row.
+class ShapedColumn {
+public:
+    GX_INLINE ShapedColumn(U32 color, U32 shape) noexcept
+        : m_scaled(Scale(color, FactorOf(shape))), m_complement(0x01000100U - AlphaTwice(m_scaled)),
+          m_covered(~IsZero(shape)) {}
+
+    /// Without coverage the sum is what lies below.
+    GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
+        const U32 d = LoadSome(dst, n);
+        StoreSome(dst, n, Select(IsZero(d & kAlpha) & m_covered, m_scaled, Scale(d, m_complement) + m_scaled));
+    }
+
+private:
+    U32 m_scaled;
+    U32 m_complement;
+    I32 m_covered;
+};
+
 void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const uint8_t* shape, ptrdiff_t shapeStride,
                       size_t count, size_t rows) {
     if (color >> 24 == 0) {
@@ -93,6 +112,13 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
     }
     const U32 c = Splat(color);
     auto* bytes = reinterpret_cast<uint8_t*>(dst);
+    if (shapeStride == 0 && count <= kLanes) {
+        const ShapedColumn all(c, WidenSome(shape, count));
+        for (; rows != 0; --rows, bytes += strideBytes) {
+            all.Paint(reinterpret_cast<uint32_t*>(bytes), count);
+        }
+        return;
+    }
     for (; rows != 0; --rows, bytes += strideBytes, shape += shapeStride) {
         auto* row = reinterpret_cast<uint32_t*>(bytes);
         // The next block over these pixels is many rows away, so short masked stores stall nothing here.
@@ -203,7 +229,8 @@ void SolidSamples(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const Sa
 
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     const auto rest = [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); };
-    const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllSet(Alpha(c) == 255U); };
+    const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllOpaque(c); };
+    const auto over = [](U32 d, U32 c) GX_INLINE { return Over(d, c, 0x01000100U - AlphaTwice(c)); };
     if (shape == nullptr) {
         const auto step = [=](size_t i, size_t n) GX_INLINE {
             const U32 c = LoadSome(src + i, n);
@@ -212,7 +239,7 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
                 return;
             }
             const U32 d = LoadSome(dst + i, n);
-            StoreSome(dst + i, n, Select(IsZero(Alpha(c)), d, Over(d, c, ComplementOf(Alpha(c)))));
+            StoreSome(dst + i, n, Select(IsZero(c & kAlpha), d, over(d, c)));
         };
         ForWholeBlocks(count, step, rest);
         return;
@@ -227,14 +254,14 @@ void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, siz
             Store(dst + i, c);
             return;
         }
-        I32 keep = IsZero(Alpha(c));
+        I32 keep = IsZero(c & kAlpha);
         if (!whole) {
             const U32 s = WidenSome(shape + i, n);
             keep |= IsZero(s);
             c = Scale(c, FactorOf(s));
         }
         const U32 d = LoadSome(dst + i, n);
-        StoreSome(dst + i, n, Select(keep, d, Over(d, c, ComplementOf(Alpha(c)))));
+        StoreSome(dst + i, n, Select(keep, d, over(d, c)));
     };
     ForWholeBlocks(count, step, rest);
 }

@@ -26,8 +26,9 @@ GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape
     const U32 s = WidenSome(shape, n);
     const U32 both = Twice(s);
     const U32 scaled = Scale(color, both + 0x00010001U);
-    const U32 complement = kOpaque ? 0x01000100U - both : ComplementOf(Alpha(scaled));
-    StoreSome(dst, n, Select(IsZero(s), d, Over(d, scaled, complement)));
+    const U32 under = Scale(d, 0x01000100U - (kOpaque ? both : AlphaTwice(scaled)));
+    // Without coverage the sum is d.
+    StoreSome(dst, n, Select(IsZero(d & kAlpha) & ~IsZero(s), scaled, under + scaled));
 #endif
 }
 
@@ -71,12 +72,12 @@ public:
     /// The first n pixels, n > 0.
     GX_INLINE void Paint(uint32_t* dst, EightShapes s, size_t n) const noexcept {
         const HalfU32 d = LoadHalf(dst, n);
-        const HalfU32 both = s | s << 16;
+        const HalfU32 both = Twice(s);
         const HalfU32 scaled = Join(m_even, m_odd, (HalfU16)both + 1U);
-        const HalfU32 alpha = kOpaque ? both : scaled >> 24 | (scaled >> 24) << 16;
+        const HalfU32 alpha = kOpaque ? both : AlphaTwice(scaled);
         const HalfU32 under = Join((HalfU16)d << 8, (HalfU16)d >> 8, m_whole - (HalfU16)alpha);
-        const HalfU32 over = (d & m_alpha) != 0U ? scaled + under : scaled;
-        StoreHalf(dst, n, s == 0U ? d : over);
+        // Without coverage the sum is d.
+        StoreHalf(dst, n, ((d & m_alpha) == 0U) & (s != 0U) ? scaled : scaled + under);
     }
 
 private:

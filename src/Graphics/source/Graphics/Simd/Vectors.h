@@ -112,6 +112,8 @@ GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
     const U32 two = x >> 24 | (x >> 24) << 8;
     return two | two << 16;
 }
+/// The highest byte of each pixel in both halves.
+GX_INLINE inline U32 AlphaTwice(U32 x) noexcept { return x >> 24 | (x >> 24) << 16; }
 /// Twice, of any words.
 GX_INLINE inline U32 LowHalfTwice(U32 w) noexcept { return (w & 0xFFFFU) | w << 16; }
 #else

@@ -121,6 +121,11 @@ GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
                                            3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15);
     return (U32)_mm256_shuffle_epi8((__m256i)x, order);
 }
+GX_INLINE inline U32 AlphaTwice(U32 x) noexcept {
+    const __m256i order = _mm256_setr_epi8(3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1, //
+                                           3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1);
+    return (U32)_mm256_shuffle_epi8((__m256i)x, order);
+}
 
 GX_INLINE inline F32 Repeat(const float* four) noexcept {
     return (F32)_mm256_broadcast_ps(reinterpret_cast<const __m128*>(four));

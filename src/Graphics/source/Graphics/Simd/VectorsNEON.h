@@ -191,6 +191,12 @@ GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
     const U8 order{3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15};
     return (U32)vqtbl1q_u8((uint8x16_t)x, (uint8x16_t)order);
 }
+/// The same in both halves.
+GX_INLINE inline U32 AlphaTwice(U32 x) noexcept {
+    constexpr uint8_t kNone = 255; // beyond the table: gives 0
+    const U8 order{3, kNone, 3, kNone, 7, kNone, 7, kNone, 11, kNone, 11, kNone, 15, kNone, 15, kNone};
+    return (U32)vqtbl1q_u8((uint8x16_t)x, (uint8x16_t)order);
+}
 /// Of 16 bytes the four of a vector of pixels, each in all bytes of its pixel.
 GX_INLINE inline U32 SpreadQuarter(U32 bytes, int quarter) noexcept {
     const U8 order{0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3};

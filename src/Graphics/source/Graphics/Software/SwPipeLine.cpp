@@ -284,7 +284,12 @@ void SwPipeLine::EqualRows(int32_t y0, int32_t y1, std::span<const CoverageRun> 
             x1 = runs[i++].x1;
         }
         MakeRowsOpaque(m_kernels, m_target, {x0, r.top, x1, r.bottom});
-        m_kernels.solidRectangle(dst, m_target.colorStride, left, inner, right, static_cast<size_t>(x1 - x0), rows);
+        const auto count = static_cast<size_t>(x1 - x0);
+        if ((left & inner & right) >> 24 == 255) {
+            m_kernels.fillBlock(dst, m_target.colorStride, m_solid, count, rows);
+        } else {
+            m_kernels.solidRectangle(dst, m_target.colorStride, left, inner, right, count, rows);
+        }
     }
 }
 
