@@ -178,6 +178,10 @@ FillShape EdgeBuilder::Measure(bool nonZero) {
             minY = std::min(minY, loop[k].y);
             maxY = std::max(maxY, loop[k].y);
         }
+        const bool beside = maxX <= m_clipLeft || minX >= m_clipRight;
+        if (beside || std::max(minY >> 4, m_clipFirst) >= std::min(maxY >> 4, m_clipLast)) {
+            continue; // none of it would be kept
+        }
         if (minX <= m_clipLeft || maxX >= m_clipRight) {
             count = DropOutside(loop, count);
             minY = INT_MAX;
