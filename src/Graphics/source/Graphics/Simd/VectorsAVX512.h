@@ -102,8 +102,8 @@ GX_INLINE inline U32 AlphaBytes(U32 x) noexcept {
     return (U32)_mm512_shuffle_epi8((__m512i)x, order);
 }
 GX_INLINE inline U32 AlphaTwice(U32 x) noexcept {
-    const __m512i order = _mm512_maskz_broadcast_i32x4(
-        0xFFFF, _mm_setr_epi8(3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1));
+    const __m512i order =
+        _mm512_maskz_broadcast_i32x4(0xFFFF, _mm_setr_epi8(3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1));
     return (U32)_mm512_shuffle_epi8((__m512i)x, order);
 }
 
@@ -175,7 +175,8 @@ GX_INLINE inline HalfU32 ShapeWords(U64 counts) noexcept {
     return (HalfU32)_mm256_subs_epu16(_mm256_slli_epi32(n, 2), _mm256_set1_epi32(1));
 }
 GX_INLINE inline HalfU32 Twice(HalfU32 w) noexcept {
-    const __m256i order = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+    const __m256i order =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
     return (HalfU32)_mm256_shuffle_epi8((__m256i)w, order);
 }
 GX_INLINE inline HalfU32 AlphaTwice(HalfU32 x) noexcept {
