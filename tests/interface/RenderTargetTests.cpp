@@ -144,31 +144,39 @@ TEST(RenderTarget, AClippedFillEqualsTheFillOfTheClipShape) {
     }
 }
 
-// Rectangles have a road of their own; a geometry of the same corners takes the general one.
+// Rectangles have a road of their own, on whole pixels a shorter one; a geometry of the same corners takes the general road.
 TEST(RenderTarget, ARectangleFillsThePixelsOfItsGeometry) {
     std::mt19937 random(11);
-    const auto at = [&] {
-        const float eighths = static_cast<float>(static_cast<int32_t>(random() % 400) - 80) / 8.0F;
-        return random() % 3 == 0 ? eighths : eighths + static_cast<float>(random() % 1000) / 3000.0F;
-    };
-    const Owned<GXBrush> brush = Solid(0x80FF0000);
-    for (int i = 0; i < 3000; ++i) {
+    const Owned<GXBrush> brushes[] = {Solid(0x80FF0000), Solid(kRed)};
+    for (int i = 0; i < 6000; ++i) {
+        const bool whole = i % 3 == 0;
+        const auto at = [&] {
+            const float pixels = static_cast<float>(static_cast<int32_t>(random() % 50) - 10);
+            const float eighths = static_cast<float>(static_cast<int32_t>(random() % 400) - 80) / 8.0F;
+            const float any = random() % 3 == 0 ? eighths : eighths + static_cast<float>(random() % 1000) / 3000.0F;
+            return whole ? pixels : any;
+        };
         Canvas direct(32, 32);
         Canvas general(32, 32);
-        GXRect r{at(), at(), random() % 20 == 0 ? at() : at() * 0.2F, at()};
+        GXRect r{at(), at(), whole || random() % 20 == 0 ? at() : at() * 0.2F, at()};
         if (random() % 20 == 0) { // a line, also on the target's left side
             r.right = r.left = random() % 2 == 0 ? 0.0F : r.left;
         }
-        const GXMatrix m{random() % 2 == 0 ? 1.0F : -1.3F,       0, 0, random() % 2 == 0 ? 1.0F : 0.6F,
-                         random() % 4 == 0 ? 0.0F : at() * 0.5F, 3};
+        const GXMatrix m{
+            random() % 2 == 0 ? 1.0F : whole ? -1.0F : -1.3F,        0, 0, random() % 2 == 0 || whole ? 1.0F : 0.6F,
+            random() % 4 == 0 ? 0.0F : at() * (whole ? 1.0F : 0.5F), 3};
         const Owned<GXGeometry> geometry = RectangleGeometry(r.left, r.top, r.right, r.bottom);
+        const uint8_t adjusts = random() % 2;
         for (const Canvas* c : {&direct, &general}) {
             ASSERT_EQ(GXRenderTargetSetCTM(c->target, &m), GXResultSuccess);
+            ASSERT_EQ(GXRenderTargetSetStrokeAdjustment(c->target, adjusts), GXResultSuccess);
         }
+        const Owned<GXBrush>& brush = brushes[random() % 2];
         ASSERT_EQ(GXRenderTargetFillRect(direct.target, &r, brush), GXResultSuccess);
         ASSERT_EQ(GXRenderTargetFillGeometry(general.target, geometry, brush), GXResultSuccess);
         ASSERT_EQ(direct.Pixels(), general.Pixels())
-            << r.left << ' ' << r.top << ' ' << r.right << ' ' << r.bottom << " scaled " << m.m00 << ' ' << m.m11;
+            << r.left << ' ' << r.top << ' ' << r.right << ' ' << r.bottom << " scaled " << m.m00 << ' ' << m.m11
+            << " moved " << m.m20 << (adjusts != 0 ? ", adjusted" : "");
     }
 }
 
