@@ -111,11 +111,9 @@ void SwBitmapSampler::Fill(int32_t x0, int32_t x1, int32_t y, uint32_t* out) {
     const auto count = static_cast<size_t>(static_cast<int64_t>(x1) - x0);
     if (IsCopied(x0, x1, y)) {
         FillCopied(x0, count, y, out);
-    } else if (m_upright) {
-        FillUpright(x0, count, y, out);
     } else {
         const CoverageRun run{x0, x1, nullptr, 255};
-        FillPoints({&run, 1}, y, out);
+        m_upright ? FillUpright({&run, 1}, y, out) : FillPoints({&run, 1}, y, out);
     }
     if (m_setup.opacityFactor != 256) {
         ActiveKernels().scaleColorBy(out, m_setup.opacityFactor, count);
@@ -165,9 +163,24 @@ void SwBitmapSampler::FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* 
     }
 }
 
-void SwBitmapSampler::BuildColumns(int32_t x0, size_t count) {
+/// The table is that of these runs, or begins with it.
+bool SwBitmapSampler::HasColumns(std::span<const CoverageRun> runs) const noexcept {
+    if (runs.size() != m_tableRuns) {
+        return false;
+    }
+    for (size_t i = 0; i < m_tableRuns; ++i) {
+        if (runs[i].x0 != m_tableStarts[i]) {
+            return false;
+        }
+    }
+    return static_cast<size_t>(static_cast<int64_t>(runs.back().x1) - runs.front().x0) <= m_tableCount;
+}
+
+/// Coordinates restart at every run.
+void SwBitmapSampler::BuildColumns(std::span<const CoverageRun> runs) {
     m_kept[0].row = m_kept[1].row = -1;
     m_tableCount = 0;
+    const auto count = static_cast<size_t>(static_cast<int64_t>(runs.back().x1) - runs.front().x0);
     if (count > m_tableCapacity) {
         const size_t capacity = std::max(count, m_tableCapacity * 2);
         m_first = m_arena.AllocArray<int32_t>(capacity);
@@ -180,19 +193,24 @@ void SwBitmapSampler::BuildColumns(int32_t x0, size_t count) {
         }
         m_tableCapacity = capacity;
     }
-    float at[kPaintChunk];
-    float next = m_setup.m0 * static_cast<float>(x0) + m_setup.m4;
-    for (size_t done = 0; done < count;) {
-        const size_t n = std::min(kPaintChunk, count - done);
-        next = m_kernels.accumulate(next, m_setup.m0, at, n);
-        if (m_setup.linear) {
-            m_kernels.taps[m_setup.tilingX](at, n, m_setup.width, m_first + done, m_second + done, m_weights + done);
-        } else {
-            m_kernels.indices[m_setup.tilingX](at, n, m_setup.width, m_first + done);
-        }
-        done += n;
+    float at[kMostPainted];
+    size_t done = 0;
+    ForRunParts(
+        runs, [&](int32_t x0) { return m_setup.m0 * static_cast<float>(x0) + m_setup.m4; },
+        [&](float& next, size_t k, size_t n) { next = m_kernels.accumulate(next, m_setup.m0, at + k, n); },
+        [&](size_t n) {
+            if (m_setup.linear) {
+                m_kernels.taps[m_setup.tilingX](at, n, m_setup.width, m_first + done, m_second + done,
+                                                m_weights + done);
+            } else {
+                m_kernels.indices[m_setup.tilingX](at, n, m_setup.width, m_first + done);
+            }
+            done += n;
+        });
+    m_tableRuns = std::min(runs.size(), std::size(m_tableStarts));
+    for (size_t i = 0; i < m_tableRuns; ++i) {
+        m_tableStarts[i] = runs[i].x0;
     }
-    m_tableX = x0;
     m_tableCount = count;
 }
 
@@ -211,10 +229,11 @@ const uint32_t* SwBitmapSampler::BlendedRow(int32_t row, int32_t keepRow) {
     return place.pixels;
 }
 
-void SwBitmapSampler::FillUpright(int32_t x0, size_t count, int32_t y, uint32_t* out) {
-    if (x0 != m_tableX || count > m_tableCount) {
-        BuildColumns(x0, count);
+void SwBitmapSampler::FillUpright(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
+    if (!HasColumns(runs)) {
+        BuildColumns(runs);
     }
+    const auto count = static_cast<size_t>(static_cast<int64_t>(runs.back().x1) - runs.front().x0);
     const float v = m_setup.m3 * static_cast<float>(y) + m_setup.m5;
     if (!m_setup.linear) {
         int32_t row;
@@ -245,10 +264,10 @@ void SwBitmapSampler::FillUpright(int32_t x0, size_t count, int32_t y, uint32_t*
     m_kernels.mixBy(top, bottom, weight, count, out);
 }
 
-bool SwBitmapSampler::JoinsRuns() const noexcept { return !m_copies && !m_upright; }
+bool SwBitmapSampler::JoinsRuns() const noexcept { return !m_copies; }
 
 void SwBitmapSampler::FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {
-    FillPoints(runs, y, out);
+    m_upright ? FillUpright(runs, y, out) : FillPoints(runs, y, out);
     if (m_setup.opacityFactor != 256) {
         ActiveKernels().scaleColorBy(out, m_setup.opacityFactor, static_cast<size_t>(runs.back().x1 - runs.front().x0));
     }

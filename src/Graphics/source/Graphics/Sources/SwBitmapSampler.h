@@ -58,12 +58,13 @@ private:
     [[nodiscard]] const uint8_t* CopiedBlock(const IntRect& r, ptrdiff_t pixelBytes) const noexcept;
     [[nodiscard]] int32_t TiledRow(int32_t y) const noexcept;
     void FillCopied(int32_t x0, size_t count, int32_t y, uint32_t* out) const noexcept;
-    void FillUpright(int32_t x0, size_t count, int32_t y, uint32_t* out);
+    void FillUpright(std::span<const CoverageRun> runs, int32_t y, uint32_t* out);
     void FillPoints(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) const noexcept;
     void ReadPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
     void BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept;
-    void BuildColumns(int32_t x0, size_t count);
+    [[nodiscard]] bool HasColumns(std::span<const CoverageRun> runs) const noexcept;
+    void BuildColumns(std::span<const CoverageRun> runs);
     const uint32_t* BlendedRow(int32_t row, int32_t keepRow);
 
     Arena& m_arena;
@@ -76,8 +77,10 @@ private:
     int32_t m_shiftX = 0;
     int32_t m_shiftY = 0;
 
-    // Columns and weights of the last upright span.
-    int32_t m_tableX = 0;
+    // Columns and weights of the last upright runs. Of more runs than there are places for none is known again: shapes of
+    // so many differ from row to row.
+    int32_t m_tableStarts[4] = {};
+    size_t m_tableRuns = 0;
     size_t m_tableCount = 0;
     size_t m_tableCapacity = 0;
     int32_t* m_first = nullptr;
