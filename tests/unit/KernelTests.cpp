@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <random>
@@ -485,6 +486,7 @@ std::vector<int> SetsOfBuild() {
 INSTANTIATE_TEST_SUITE_P(Sets, KernelTest, ::testing::ValuesIn(SetsOfBuild()), SetName);
 
 TEST(KernelSelection, AnySetCanBeMadeActiveAndTheBestComesBack) {
+    const RowKernels* const before = &Graphics::ActiveKernels();
     const RowKernels* best = nullptr;
     for (const auto& set : EveryKernelSet<RowKernels>()) {
         KernelTable<RowKernels>::Select(set.kernels);
@@ -493,7 +495,10 @@ TEST(KernelSelection, AnySetCanBeMadeActiveAndTheBestComesBack) {
         best = set.kernels;
     }
     KernelTable<RowKernels>::Select(nullptr);
-    EXPECT_EQ(&Graphics::ActiveKernels(), best);
+    EXPECT_EQ(&Graphics::ActiveKernels(), before);
+    if (std::getenv("GX_TEST_KERNELS") == nullptr) { // which allows narrower sets only
+        EXPECT_EQ(before, best);
+    }
 }
 
 } // namespace
