@@ -378,6 +378,33 @@ TEST(BitmapSampler, ReducedImagesAreKeptWithTheBitmap) {
     EXPECT_EQ(fresh[2], 0xFFFFFFFFU);
 }
 
+// Coordinates begin anew at every run, so columns that were made for more runs serve no longer run in their place.
+TEST(BitmapSampler, ColumnsBelongToTheirRuns) {
+    const Image image(GXPixelFormatPBGRA32, 3000, 2);
+    const auto sourceIn = [&](Arena& arena) {
+        return CreateBitmapSource(arena,
+                                  {image.view, nullptr, 1, 0, 0, 1.0F, Matrix{1.37F, 0, 0, 1, 0.3F, 0.4F}, false});
+    };
+    for (int32_t more = 1; more < 7; ++more) { // runs of one pixel, then a long one, before and after it is cut
+        std::vector<CoverageRun> runs;
+        for (int32_t x = 0; x < more; ++x) {
+            runs.push_back({x, x + 1, nullptr, 255});
+        }
+        runs.push_back({more, 2000, nullptr, 255});
+        std::vector<CoverageRun> cut = runs;
+        cut.push_back({2000, 4000, nullptr, 255});
+        runs.back().x1 = 4000;
+        Arena arena;
+        SwColorSource* const source = sourceIn(arena);
+        std::vector<uint32_t> out(4000);
+        std::vector<uint32_t> fresh(4000);
+        source->FillRuns(cut, 0, out.data());
+        source->FillRuns(runs, 0, out.data());
+        sourceIn(arena)->FillRuns(runs, 0, fresh.data());
+        ASSERT_EQ(out, fresh) << more << " runs before the long one";
+    }
+}
+
 TEST(BitmapSampler, BearsAnyPlacement) {
     const float odd[] = {0, 1, -1, 1e-30F, 1e30F, 3e38F, -3e38F, kInf, kNaN, 1e9F, 16777216.0F};
     const Image image(GXPixelFormatBGR24, 5, 3);

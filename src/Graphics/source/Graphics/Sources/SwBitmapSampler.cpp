@@ -207,7 +207,7 @@ void SwBitmapSampler::BuildColumns(std::span<const CoverageRun> runs) {
             }
             done += n;
         });
-    m_tableRuns = std::min(runs.size(), std::size(m_tableStarts));
+    m_tableRuns = runs.size() <= std::size(m_tableStarts) ? runs.size() : 0;
     for (size_t i = 0; i < m_tableRuns; ++i) {
         m_tableStarts[i] = runs[i].x0;
     }
