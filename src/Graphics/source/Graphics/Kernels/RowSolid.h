@@ -77,7 +77,7 @@ public:
         const HalfU32 alpha = kOpaque ? both : AlphaTwice(scaled);
         const HalfU32 under = Join((HalfU16)d << 8, (HalfU16)d >> 8, m_whole - (HalfU16)alpha);
         // Without coverage the sum is d.
-        StoreHalf(dst, n, ((d & m_alpha) == 0U) & (s != 0U) ? scaled : scaled + under);
+        StoreHalf(dst, n, (((d & m_alpha) == 0U) & (s != 0U)) ? scaled : scaled + under);
     }
 
 private:
