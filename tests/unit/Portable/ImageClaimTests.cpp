@@ -202,6 +202,28 @@ TEST(ImageClaims, NoCodingMakesPicturesOfNothing) {
     }
 }
 
+TEST(ImageClaims, ManySamplesMakeNoMoreOfAByte) {
+    // Few rows and pixels, 64 samples of each: 24 rows of a fax would unpack to 400 MB, tiles of floats to 1 GB.
+    const struct {
+        uint16_t coding, bits;
+        uint32_t width, height;
+    } claims[] = {{COMPRESSION_CCITTRLE, 1, 2000, 24},     {COMPRESSION_CCITTFAX3, 1, 2000, 24},
+                  {COMPRESSION_CCITTFAX4, 1, 2300000, 24}, {COMPRESSION_CCITTRLEW, 1, 2000, 24},
+                  {COMPRESSION_LERC, 32, 2048, 2048},      {COMPRESSION_JBIG, 1, 8000, 2000}};
+    for (const auto& claim : claims) {
+        SCOPED_TRACE(testing::Message() << "coding " << claim.coding);
+        TiffFile file;
+        file.width = claim.width;
+        file.height = claim.height;
+        file.rows = claim.height;
+        file.bits = claim.bits;
+        file.samples = 64;
+        file.compression = claim.coding;
+        file.List(8, 0xFF);
+        ExpectClaimIsRefused(file.Make());
+    }
+}
+
 /// Written by libtiff: one colour, in one strip, so that every coding is at its shortest.
 Bytes BlankTiff(uint32_t width, uint32_t height, uint16_t bits, uint16_t compression) {
     const std::filesystem::path path = ScratchFolder() / "blank.tif";

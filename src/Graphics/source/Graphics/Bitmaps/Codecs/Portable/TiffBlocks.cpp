@@ -8,7 +8,8 @@
 namespace Graphics {
 namespace {
 
-/// Pictures up to this size are always allowed: every coding can produce them from very few bytes, if of one colour.
+/// Pictures up to this size are always allowed: every coding can produce them from very few bytes, if of one colour. As
+/// a pixel counts what unpacks to as much as one of the bitmap, four bytes.
 constexpr uint64_t kFreePixels = 1U << 24;
 /// For larger pictures, the pixels that a byte may stand for if the coding has no limit. Fax: blank rows as wide as the
 /// largest printers', eight to a byte. Others: pictures are cut into blocks with headers.
@@ -151,8 +152,10 @@ void TiffBlocks::RequireBacked(uint64_t fileBytes) const {
         return;
     }
     const bool fax = IsFax(m_compression);
-    Require(!fax || CanBecome(fileBytes, rowsOfAll));
-    Require(m_imagePixels <= kFreePixels || m_imagePixels / (fax ? kMostFaxPixels : kMostPixels) <= fileBytes);
+    // Fax has one bit for a pixel. libtiff would take many for a longer row, which grows as if it had that many pixels.
+    Require(!fax || (m_bitsPerPixel == 1 && CanBecome(fileBytes, rowsOfAll)));
+    const uint64_t pixels = std::max(m_imagePixels, unpacked / 4);
+    Require(pixels <= kFreePixels || pixels / (fax ? kMostFaxPixels : kMostPixels) <= fileBytes);
 }
 
 } // namespace Graphics
