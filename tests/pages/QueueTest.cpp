@@ -140,6 +140,8 @@ struct QueueTest : testing::Test {
 };
 
 TEST_F(QueueTest, EveryPageArrivesWhateverHappensToServerAndWorkers) {
+    if (!kHoldsLimits)
+        GTEST_SKIP() << kHoldsNoLimits;
     Copy("page_rotated.pdf");
     Copy("slides.pdf");
     WriteEndlessFile(root / "endless.pdf");

@@ -20,6 +20,15 @@ std::string Form(int side, const std::string& content, const std::string& resour
 // Three pages with a red square. The second one draws forms inside each other, of which the parser follows some
 // hundreds: under a stack of kSmallStack bytes it ends in a segmentation fault (it would up to 400 KB).
 constexpr size_t kSmallStack = 192 * 1024;
+
+/// Whether limits of stack and memory stop a process.
+#ifdef GX_TEST_EMULATED
+constexpr bool kHoldsLimits = false;
+#else
+constexpr bool kHoldsLimits = true;
+#endif
+constexpr const char* kHoldsNoLimits =
+    "QEMU lets the programs that it runs set limits of stack and memory and does not hold them";
 void WriteKillingFile(const std::filesystem::path& path);
 
 // Two pages with a red square. The second one draws 2^28 of them, by forms that draw the next one twice: it takes

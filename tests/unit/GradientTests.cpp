@@ -401,6 +401,56 @@ TEST(RadialGradientSource, IsNotOpaqueWhereNoCirclePasses) {
     }
 }
 
+TEST(RadialGradientSource, ThatIsOpaqueLeavesNoPixelToTheBackground) {
+    // No background, centres at and near the border of the end circle, coordinates of every size.
+    int opaque = 0;
+    for (int round = 0; round < 4000; ++round) {
+        const auto g = std::make_shared<RadialGradient>();
+        const GradientStop stops[] = {{0.0F, 0xFF112233U}, {1.0F, 0xFF445566U}};
+        g->stops.Add(stops, 2);
+        const float radii[] = {0.0F, 0.0F, 0.0F, 1.0e-30F, 0.1F, 40.0F};
+        const float sizes[] = {1.0F, 1.0e-3F, 1.0e4F, 1.0e18F, 1.0e-25F};
+        const float size = sizes[g_random() % 5];
+        const float angle = Uniform(0.0F, 6.2831855F);
+        const float distances[] = {0.0F, Uniform(0.0F, 1.0F), 1.0F, 0.99999994F, 0.999F, 1.01F};
+        const float distance = 50.0F * size * distances[g_random() % 6];
+        g->start = {Uniform(0, 100) * size, Uniform(0, 100) * size};
+        g->startRadius = radii[g_random() % 6] * size;
+        g->end = {g->start.x + distance * std::cos(angle), g->start.y + distance * std::sin(angle)};
+        g->endRadius = 50.0F * size;
+        g->extendStart = g->extendEnd = true;
+        const bool atApex = round % 4 == 0; // of the cone, in the middle of the row: start + (start - end)
+        if (atApex) {
+            const auto radius = static_cast<float>(3 + g_random() % 40);
+            g->start = {static_cast<float>(g_random() % 500), static_cast<float>(g_random() % 500)};
+            g->end = {g->start.x + 1.0F, g->start.y - static_cast<float>(g_random() % 3)};
+            g->startRadius = radius;
+            g->endRadius = 2.0F * radius;
+        }
+        const float scale = 1.0F / size;
+        const float across = Uniform(-1, 1) * scale;
+        const float down = Uniform(-1, 1) * scale;
+        const Matrix toDevice = atApex ? kIdentity : Matrix{scale, across, down, scale, 0, 0};
+        Arena arena;
+        SwColorSource* source = SwColorSource::Create(arena, InkOf(GradientBrush(g)), kBounds, toDevice);
+        if (!source->IsOpaque()) {
+            continue;
+        }
+        ++opaque;
+        // The start, where all terms cancel, among others.
+        const float apexX = 2.0F * g->start.x - g->end.x;
+        const float apexY = 2.0F * g->start.y - g->end.y;
+        const auto x = static_cast<int32_t>(atApex ? apexX : g->start.x * scale + g->start.y * down) - 3;
+        const auto y = static_cast<int32_t>(atApex ? apexY : g->start.x * across + g->start.y * scale);
+        for (const auto& [left, at] : {IntPoint{x, y}, {x, y + 1}, {0, 0}, {-100000, 70000}, {30000000, -2}}) {
+            for (const uint32_t pixel : Row(*source, left, left + 21, at)) {
+                ASSERT_EQ(pixel >> 24, 255U) << "round " << round << " from " << left << " " << at;
+            }
+        }
+    }
+    EXPECT_GT(opaque, 500);
+}
+
 TEST(GradientSources, WithoutExtentOrInverseAreBackground) {
     Arena arena;
     const GradientStop stops[] = {{0.0F, 0xFFFF0000U}, {1.0F, 0xFF00FF00U}};

@@ -67,7 +67,15 @@ struct Sum {
         v = FloatOf(first + static_cast<uint32_t>(steady) * d) + step;
         U32 bits = first + Ascending() * d;
         const U32 jump = Splat(static_cast<uint32_t>(kLanes) * d);
-        size_t done = 0;
+        // From here on whole vectors are those in which an aligned array is read: a load that takes from two stores
+        // waits for both.
+        size_t done = (0 - reinterpret_cast<uintptr_t>(out) / 4) % kLanes;
+        if (done != 0 && steady >= done) {
+            StoreSome(out, done, bits);
+            bits += Splat(static_cast<uint32_t>(done) * d);
+        } else {
+            done = 0;
+        }
 #ifdef GX_SIMD_QUADS
         for (; done + 4 * kLanes <= steady + 1; done += 4 * kLanes) {
             const U32 second = bits + jump;

@@ -14,6 +14,11 @@ namespace Graphics {
     return ag | rb;
 }
 
+/// c over d, premultiplied: d * (256 - alpha of c) / 256 + c; c if d is transparent.
+[[nodiscard]] static inline uint32_t OverPixel(uint32_t d, uint32_t c) noexcept {
+    return d >> 24 == 0 ? c : ScalePixel(d, 256 - (c >> 24)) + c;
+}
+
 /// Red, green and blue times (alpha + 1) / 256; alpha is kept. Opaque pixels do not change.
 [[nodiscard]] static inline uint32_t PremultiplyPixel(uint32_t c) noexcept {
     return (c & 0xFF000000U) | (ScalePixel(c, (c >> 24) + 1) & 0x00FFFFFFU);

@@ -135,6 +135,30 @@ void SwPipeLine::Row(int32_t y, std::span<CoverageRun> runs) {
     }
 }
 
+bool SwPipeLine::CoverSide(const CoverageRun& run, const uint32_t* below, uint32_t* colors) const noexcept {
+    constexpr size_t kBlock = 8; // pixels of a block with a side of a rectangle in it
+    const auto width = static_cast<size_t>(run.x1 - run.x0);
+    if (run.shape == nullptr || width > kBlock) {
+        return false;
+    }
+    size_t places[kBlock];
+    size_t count = 0;
+    for (size_t i = 0; i < width; ++i) {
+        places[count] = i;
+        count += run.shape[i] == 255 ? 0 : 1;
+    }
+    if (count > 2) { // quicker by the kernel
+        return false;
+    }
+    for (size_t k = 0; k < count; ++k) {
+        const size_t i = places[k];
+        const uint32_t shape = run.shape[i];
+        const uint32_t d = below[i] | (m_target.makesOpaque ? 0xFF000000U : 0U);
+        colors[i] = shape == 0 ? below[i] : OverPixel(d, ScalePixel(colors[i], shape + 1));
+    }
+    return true;
+}
+
 bool SwPipeLine::ReplaceRuns(int32_t y, std::span<const CoverageRun> runs) {
     const auto widthOf = [](const CoverageRun& run) { return static_cast<size_t>(run.x1 - run.x0); };
     const auto isWhole = [](const CoverageRun& run) { return run.shape == nullptr && run.value == 255; };
@@ -157,12 +181,16 @@ bool SwPipeLine::ReplaceRuns(int32_t y, std::span<const CoverageRun> runs) {
     m_source->FillRuns(runs, y, dst);
     next = kept;
     for (const CoverageRun& run : runs) {
-        if (!isWhole(run)) {
-            std::swap_ranges(next, next + widthOf(run), dst + (run.x0 - left));
+        if (isWhole(run)) {
+            continue;
+        }
+        uint32_t* const first = dst + (run.x0 - left);
+        if (!CoverSide(run, next, first)) {
+            std::swap_ranges(next, next + widthOf(run), first);
             m_joined = next;
             PaintSpan(y, run.x0, run.x1, run.shape, run.value);
-            next += widthOf(run);
         }
+        next += widthOf(run);
     }
     m_joined = nullptr;
     return true;

@@ -105,6 +105,9 @@ private:
     /// Requires Replaces and adjacent runs: colours go straight to the target, from which pixels that are covered in part are
     /// kept and then composited. False, with nothing done, if those are many.
     [[nodiscard]] bool ReplaceRuns(int32_t y, std::span<const CoverageRun> runs);
+    /// Requires Replaces: a run of few pixels, of which but one or two are covered as a whole, of `colors` over what was
+    /// below. False, with nothing done, for others.
+    [[nodiscard]] bool CoverSide(const CoverageRun& run, const uint32_t* below, uint32_t* colors) const noexcept;
     /// Requires IsPlain: one colour over runs inside the bounds.
     void SolidRow(int32_t y, std::span<const CoverageRun> runs) const;
     /// Requires IsPlain: a block of a solid colour, or of pixels available in memory. False, with nothing done, for

@@ -193,7 +193,7 @@ void SwBitmapSampler::BuildColumns(std::span<const CoverageRun> runs) {
         }
         m_tableCapacity = capacity;
     }
-    float at[kMostPainted];
+    alignas(64) float at[kMostPainted];
     size_t done = 0;
     ForRunParts(
         runs, [&](int32_t x0) { return m_setup.m0 * static_cast<float>(x0) + m_setup.m4; },
@@ -315,8 +315,8 @@ void SwBitmapSampler::ReadPoints(const float* u, const float* v, size_t count, u
 
 /// Nearest: samples up to kMostPainted points anywhere.
 void SwBitmapSampler::PickPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-    int32_t columns[kMostPainted];
-    int32_t rows[kMostPainted];
+    alignas(64) int32_t columns[kMostPainted];
+    alignas(64) int32_t rows[kMostPainted];
     m_kernels.indices[m_setup.tilingX](u, count, m_setup.width, columns);
     m_kernels.indices[m_setup.tilingY](v, count, m_setup.height, rows);
     m_reader.Points(rows, columns, count, out);
@@ -324,13 +324,13 @@ void SwBitmapSampler::PickPoints(const float* u, const float* v, size_t count, u
 
 /// Bilinear: samples up to kMostPainted points anywhere.
 void SwBitmapSampler::BlendPoints(const float* u, const float* v, size_t count, uint32_t* out) const noexcept {
-    int32_t columns[2][kMostPainted];
-    int32_t rows[2][kMostPainted];
-    uint32_t across[kMostPainted];
-    uint32_t down[kMostPainted];
-    uint32_t top[kMostPainted];
-    uint32_t bottom[kMostPainted];
-    uint32_t other[kMostPainted];
+    alignas(64) int32_t columns[2][kMostPainted];
+    alignas(64) int32_t rows[2][kMostPainted];
+    alignas(64) uint32_t across[kMostPainted];
+    alignas(64) uint32_t down[kMostPainted];
+    alignas(64) uint32_t top[kMostPainted];
+    alignas(64) uint32_t bottom[kMostPainted];
+    alignas(64) uint32_t other[kMostPainted];
     m_kernels.taps[m_setup.tilingX](u, count, m_setup.width, columns[0], columns[1], across);
     m_kernels.taps[m_setup.tilingY](v, count, m_setup.height, rows[0], rows[1], down);
     m_reader.Points(rows[0], columns[0], count, top);

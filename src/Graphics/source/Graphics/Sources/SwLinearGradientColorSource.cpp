@@ -38,7 +38,7 @@ void SwLinearGradientColorSource::FillRuns(std::span<const CoverageRun> runs, in
         std::fill_n(out, static_cast<int64_t>(runs.back().x1) - runs.front().x0, color);
         return;
     }
-    float t[kMostPainted];
+    alignas(64) float t[kMostPainted];
     ForRunParts(
         runs, [&](int32_t x) { return row + static_cast<float>(x) * m_dtdx + m_t0; },
         [&](float& next, size_t at, size_t n) { next = m_kernels.accumulate(next, m_dtdx, t + at, n); },

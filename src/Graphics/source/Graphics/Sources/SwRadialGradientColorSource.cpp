@@ -30,7 +30,7 @@ bool RadialGradientFiller::Set(const RadialGradient& gradient, const Matrix& gra
 void RadialGradientFiller::Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs,
                                 int32_t y, uint32_t* out) noexcept {
     const auto row = static_cast<float>(y);
-    float t[kMostPainted];
+    alignas(64) float t[kMostPainted];
     m_u.BeginRow();
     m_v.BeginRow();
     m_B.BeginRow();
@@ -64,7 +64,8 @@ SwRadialGradientColorSource::SwRadialGradientColorSource(const GradientBrush& br
         MakeConstant();
         return;
     }
-    m_opaque = m_opaque && m_background >> 24 == 255; // the background shows where no circle passes
+    // The background shows where no circle passes.
+    m_opaque = m_opaque && (m_background >> 24 == 255 || m_filler.CoversPlane());
 }
 
 void SwRadialGradientColorSource::FillRuns(std::span<const CoverageRun> runs, int32_t y, uint32_t* out) {

@@ -16,6 +16,11 @@ public:
     /// False if the circles have equal radii or the map has no inverse: then only the background is drawn.
     [[nodiscard]] bool Set(const RadialGradient& gradient, const Matrix& gradientToDevice) noexcept;
 
+    /// Whether every point has a parameter. With a start radius of 0 and the start inside of the end circle A < 0 and
+    /// C >= 0, so that B^2 - 4 A C >= 0 for every rounding of its terms. (Otherwise it may be rounded below 0 at the apex of the
+    /// cone too, where it is 0.)
+    [[nodiscard]] bool CoversPlane() const noexcept { return m_g == 0.0F && m_equation.qa4 < 0.0F; }
+
     void Fill(const PaintKernels& kernels, GradientShade& shade, std::span<const CoverageRun> runs, int32_t y,
               uint32_t* out) noexcept;
 
