@@ -76,8 +76,10 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
     if (color >> 24 == 0) {
         return;
     }
+    if (DoneByNarrower(count, [=](const RowKernels& set) { set.blendSolid[kNumber](dst, color, shape, count); })) {
+        return;
+    }
     const BlendSource full(Splat(color));
-    const auto narrower = [=](const RowKernels& set) { set.blendSolid[kNumber](dst, color, shape, count); };
     const auto step = [=](size_t i, size_t n) GX_INLINE {
         if (shape == nullptr || (n == kLanes && BytesAre(shape + i, 255))) {
             StoreSome(dst + i, n, BlendPixels<Mode>(LoadSome(dst + i, n), full));
@@ -91,7 +93,7 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
             StoreSome(dst + i, n, Select(keep, d, BlendPixels<Mode>(d, partly)));
         }
     };
-    ForBlocksOfRow(count, step, narrower);
+    ForBlocksOnce(count, step);
 }
 
 struct LayerOver {

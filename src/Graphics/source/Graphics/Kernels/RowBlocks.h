@@ -34,17 +34,36 @@ GX_INLINE inline const RowKernels& Narrower(size_t n) noexcept {
     return KernelTable<RowKernels>::Made(n < 8 ? kNarrowestSet : kNarrowerSet);
 }
 
-/// For long bodies, which are instantiated once: a row of at most half a vector is done by the set that it fills,
-/// narrower(kernels), because a masked store stalls the load of a row that lies right behind it; of longer rows the rest
-/// is masked, which takes less time than another pass.
-template <class Step, class Row> GX_INLINE inline void ForBlocksOfRow(size_t count, Step step, Row narrower) noexcept {
+/// For long bodies: a row of at most half a vector is done by the set that it fills, narrower(kernels), because a masked
+/// store stalls the load of a row that lies right behind it. False, with nothing done, for longer ones.
+template <class Row> GX_INLINE inline bool DoneByNarrower(size_t count, Row narrower) noexcept {
     if constexpr (kLanes > 4) {
         if (count <= kLanes / 2) {
             narrower(KernelTable<RowKernels>::Made(count <= 4 ? kNarrowestSet : kNarrowerSet));
+            return true;
+        }
+    }
+    return false;
+}
+
+/// For long bodies, which are instantiated once: of rows that no narrower set does the rest is masked, which takes less
+/// time than another pass.
+template <class Step, class Row> GX_INLINE inline void ForBlocksOfRow(size_t count, Step step, Row narrower) noexcept {
+    if (!DoneByNarrower(count, narrower)) {
+        ForBlocksOnce(count, step);
+    }
+}
+
+/// For bodies of a few instructions, in place, which loads and stores bound: narrower(kernels, i, n) does rows of less than a
+/// vector as a whole, and the rest of longer ones.
+template <class Step, class Part> GX_INLINE inline void ForFewSteps(size_t count, Step step, Part narrower) noexcept {
+    if constexpr (kLanes > 4) {
+        if (count < kLanes) {
+            narrower(Narrower(count), 0, count);
             return;
         }
     }
-    ForBlocksOnce(count, step);
+    ForWholeBlocks(count, step, [&](size_t i, size_t n) GX_INLINE { narrower(Narrower(n), i, n); });
 }
 
 GX_INLINE inline const uint8_t* At(const uint8_t* shape, size_t i) noexcept {

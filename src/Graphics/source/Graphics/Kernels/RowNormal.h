@@ -33,16 +33,17 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
     if (alpha == 0) {
         return;
     }
-    const U32 c = Splat(color);
-    const U32 complement = ComplementOf(Splat(alpha));
     if (shape == nullptr) {
         if (alpha == 255) {
             Fill32(dst, color, count);
             return;
         }
-        ForWholeBlocks(
-            count, [=](size_t i, size_t n) { StoreSome(dst + i, n, Over(LoadSome(dst + i, n), c, complement)); },
-            [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, nullptr, n); });
+        ForFewSteps(
+            count,
+            [=](size_t i, size_t n) GX_INLINE {
+                StoreSome(dst + i, n, Over(LoadSome(dst + i, n), Splat(color), ComplementOf(Splat(alpha))));
+            },
+            [=](const RowKernels& set, size_t i, size_t n) { set.normalSolid(dst + i, color, nullptr, n); });
         return;
     }
     alpha == 255 ? SolidShape<true>(dst, color, shape, count) : SolidShape<false>(dst, color, shape, count);

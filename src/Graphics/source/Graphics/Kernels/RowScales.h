@@ -41,7 +41,8 @@ void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
     const auto step = [=](size_t i, size_t n) GX_INLINE {
         NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), WidenSome(mask + i, n) + 1U) >> 8);
     };
-    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.scaleShape(shape, mask, count); });
+    ForFewSteps(count, step,
+                [=](const RowKernels& set, size_t i, size_t n) { set.scaleShape(shape + i, mask + i, n); });
 }
 
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
@@ -51,23 +52,25 @@ void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
         }
         StoreSome(color + i, n, Scale(LoadSome(color + i, n), FactorOf(WidenSome(mask + i, n))));
     };
-    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.scaleColor(color, mask, count); });
+    ForFewSteps(count, step,
+                [=](const RowKernels& set, size_t i, size_t n) { set.scaleColor(color + i, mask + i, n); });
 }
 
 void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
     if (factor == 256) {
         return;
     }
-    const U32 k = Spread(Splat(factor));
-    ForBlocksOfRow(
-        count, [=](size_t i, size_t n) GX_INLINE { StoreSome(color + i, n, Scale(LoadSome(color + i, n), k)); },
-        [=](const RowKernels& set) { set.scaleColorBy(color, factor, count); });
+    ForFewSteps(
+        count,
+        [=](size_t i, size_t n)
+            GX_INLINE { StoreSome(color + i, n, Scale(LoadSome(color + i, n), Spread(Splat(factor)))); },
+        [=](const RowKernels& set, size_t i, size_t n) { set.scaleColorBy(color + i, factor, n); });
 }
 
 void PremultiplyRow(uint32_t* color, size_t count) {
-    ForBlocksOfRow(
+    ForFewSteps(
         count, [=](size_t i, size_t n) GX_INLINE { StoreSome(color + i, n, Premultiply(LoadSome(color + i, n))); },
-        [=](const RowKernels& set) { set.premultiply(color, count); });
+        [=](const RowKernels& set, size_t i, size_t n) { set.premultiply(color + i, n); });
 }
 
 void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
@@ -75,12 +78,12 @@ void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t co
         Fill32(dst, color, count);
         return;
     }
-    const U32 c = Splat(color);
     const auto step = [=](size_t i, size_t n) GX_INLINE {
         const U32 s = WidenSome(shape + i, n);
-        StoreSome(dst + i, n, Scale(LoadSome(dst + i, n), ComplementOf(s)) + Scale(c, FactorOf(s)));
+        StoreSome(dst + i, n, Scale(LoadSome(dst + i, n), ComplementOf(s)) + Scale(Splat(color), FactorOf(s)));
     };
-    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.replaceSolid(dst, color, shape, count); });
+    ForFewSteps(count, step,
+                [=](const RowKernels& set, size_t i, size_t n) { set.replaceSolid(dst + i, color, shape + i, n); });
 }
 
 void Invert(uint32_t* dst, size_t count) {
@@ -88,7 +91,7 @@ void Invert(uint32_t* dst, size_t count) {
         const U32 x = LoadSome(dst + i, n);
         StoreSome(dst + i, n, SubtractClamped(SpreadBytes(Alpha(x)), x & 0x00FFFFFFU));
     };
-    ForBlocksOfRow(count, step, [=](const RowKernels& set) { set.invert(dst, count); });
+    ForFewSteps(count, step, [=](const RowKernels& set, size_t i, size_t n) { set.invert(dst + i, n); });
 }
 
 } // namespace
