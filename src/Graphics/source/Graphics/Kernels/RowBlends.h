@@ -97,14 +97,14 @@ void BlendSolidRow(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t c
 }
 
 struct LayerOver {
-    GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOf(Alpha(c))) + c; }
+    GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept { return Scale(under, ComplementOfAlpha(c)) + c; }
 };
 
 template <class Mode> struct LayerBlended {
     GX_INLINE static U32 Pixel(U32 under, U32 c) noexcept {
         const ChannelPairs mixed = Mode::Mixed(StraightChannels(under), StraightChannels(c));
-        const U32 m = Scale(c, ComplementOf(Alpha(under))) + Scale(mixed, FactorOf(Alpha(under)));
-        return Scale(under, ComplementOf(Alpha(c))) + Scale(m, FactorOf(Alpha(c)));
+        const U32 m = Scale(c, ComplementOfAlpha(under)) + Scale(mixed, FactorOf(Alpha(under)));
+        return Scale(under, ComplementOfAlpha(c)) + Scale(m, FactorOf(Alpha(c)));
     }
 };
 

@@ -80,22 +80,32 @@ void SolidRuns(const RowKernels& all, uint32_t* first, uint32_t color, const Cov
     }
 }
 
-/// A vector of pixels with the same coverage in every row.
+/// A vector of constant colours, composited row after row.
+struct SolidColumn {
+    U32 color;
+    U32 complement;
+
+    explicit SolidColumn(U32 c) noexcept : color(c), complement(ComplementOfAlpha(c)) {}
+    GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
+        StoreSome(dst, n, Over(LoadSome(dst, n), color, complement));
+    }
+};
+
+/// A vector of pixels of one colour with the same coverage in every row.
 class ShapedColumn {
 public:
     GX_INLINE ShapedColumn(U32 color, U32 shape) noexcept
-        : m_scaled(Scale(color, FactorOf(shape))), m_complement(0x01000100U - AlphaTwice(m_scaled)),
-          m_covered(~IsZero(shape)) {}
+        : m_scaled(Scale(color, FactorOf(shape))), m_covered(~IsZero(shape)) {}
 
     /// Without coverage the sum is what lies below.
     GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
         const U32 d = LoadSome(dst, n);
-        StoreSome(dst, n, Select(IsZero(d & kAlpha) & m_covered, m_scaled, Scale(d, m_complement) + m_scaled));
+        const I32 replaced = IsZero(d & kAlpha) & m_covered;
+        StoreSome(dst, n, Select(replaced, m_scaled.color, Scale(d, m_scaled.complement) + m_scaled.color));
     }
 
 private:
-    U32 m_scaled;
-    U32 m_complement;
+    SolidColumn m_scaled;
     I32 m_covered;
 };
 
@@ -126,17 +136,6 @@ void NormalSolidBlock(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, cons
         ShapedRow(row, c, shape, count);
     }
 }
-
-/// A vector of constant colours, composited row after row.
-struct SolidColumn {
-    U32 color;
-    U32 complement;
-
-    explicit SolidColumn(U32 c) noexcept : color(c), complement(ComplementOf(Alpha(c))) {}
-    GX_INLINE void Paint(uint32_t* dst, size_t n) const noexcept {
-        StoreSome(dst, n, Over(LoadSome(dst, n), color, complement));
-    }
-};
 
 /// `inner` in all lanes but the first, which takes `first`, and lane `at`, which takes `last`.
 GX_INLINE inline SolidColumn EdgeColumn(uint32_t first, uint32_t inner, uint32_t last, size_t at) noexcept {
@@ -231,7 +230,7 @@ void SolidSamples(uint32_t* dst, ptrdiff_t strideBytes, uint32_t color, const Sa
 void NormalVarying(uint32_t* dst, const uint32_t* src, const uint8_t* shape, size_t count) {
     const auto rest = [=](size_t i, size_t n) { Narrower(n).normalVarying(dst + i, src + i, At(shape, i), n); };
     const auto replaces = [](U32 c, size_t n) GX_INLINE { return n == kLanes && AllOpaque(c); };
-    const auto over = [](U32 d, U32 c) GX_INLINE { return Over(d, c, 0x01000100U - AlphaTwice(c)); };
+    const auto over = [](U32 d, U32 c) GX_INLINE { return Over(d, c, ComplementOfAlpha(c)); };
     if (shape == nullptr) {
         const auto step = [=](size_t i, size_t n) GX_INLINE {
             const U32 c = LoadSome(src + i, n);

@@ -26,7 +26,7 @@ GX_INLINE inline void ShapedSolid(uint32_t* dst, U32 color, const uint8_t* shape
     const U32 s = WidenSome(shape, n);
     const U32 both = Twice(s);
     const U32 scaled = Scale(color, both + 0x00010001U);
-    const U32 under = Scale(d, 0x01000100U - (kOpaque ? both : AlphaTwice(scaled)));
+    const U32 under = Scale(d, kOpaque ? 0x01000100U - both : ComplementOfAlpha(scaled));
     // Without coverage the sum is d.
     StoreSome(dst, n, Select(IsZero(d & kAlpha) & ~IsZero(s), scaled, under + scaled));
 #endif
@@ -131,7 +131,7 @@ GX_INLINE inline void ConstantRun(const RowKernels& all, uint32_t* dst, uint32_t
         Store(dst + n - kLanes, c);
         return;
     }
-    const U32 complement = ComplementOf(Alpha(c));
+    const U32 complement = ComplementOfAlpha(c);
     for (; i + kLanes <= n; i += kLanes) {
         Store(dst + i, Over(Load(dst + i), c, complement));
     }

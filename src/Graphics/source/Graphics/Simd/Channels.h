@@ -21,6 +21,8 @@ GX_INLINE inline U32 Spread(U32 v) noexcept { return kJoinsByShift ? Twice(v) : 
 /// Factors for Scale from a byte v: v + 1, and 256 - v.
 GX_INLINE inline U32 FactorOf(U32 v) noexcept { return Spread(v) + 0x00010001U; }
 GX_INLINE inline U32 ComplementOf(U32 v) noexcept { return 0x01000100U - Spread(v); }
+/// ComplementOf(Alpha(x)).
+GX_INLINE inline U32 ComplementOfAlpha(U32 x) noexcept { return 0x01000100U - AlphaTwice(x); }
 
 /// Blue and red, or green and alpha, in the bytes of the halves that Part takes them from.
 GX_INLINE inline U16 Even(U32 c) noexcept { return kJoinsByShift ? (U16)c & 0x00FFU : (U16)c << 8; }
