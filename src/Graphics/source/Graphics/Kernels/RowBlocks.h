@@ -54,18 +54,6 @@ template <class Step, class Row> GX_INLINE inline void ForBlocksOfRow(size_t cou
     }
 }
 
-/// For bodies of a few instructions, in place, which loads and stores bound: narrower(kernels, i, n) does rows of less than a
-/// vector as a whole, and the rest of longer ones.
-template <class Step, class Part> GX_INLINE inline void ForFewSteps(size_t count, Step step, Part narrower) noexcept {
-    if constexpr (kLanes > 4) {
-        if (count < kLanes) {
-            narrower(Narrower(count), 0, count);
-            return;
-        }
-    }
-    ForWholeBlocks(count, step, [&](size_t i, size_t n) GX_INLINE { narrower(Narrower(n), i, n); });
-}
-
 GX_INLINE inline const uint8_t* At(const uint8_t* shape, size_t i) noexcept {
     return shape != nullptr ? shape + i : nullptr;
 }

@@ -38,12 +38,12 @@ void NormalSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t cou
             Fill32(dst, color, count);
             return;
         }
-        ForFewSteps(
+        ForWholeBlocks(
             count,
             [=](size_t i, size_t n) GX_INLINE {
                 StoreSome(dst + i, n, Over(LoadSome(dst + i, n), Splat(color), ComplementOf(Splat(alpha))));
             },
-            [=](const RowKernels& set, size_t i, size_t n) { set.normalSolid(dst + i, color, nullptr, n); });
+            [=](size_t i, size_t n) { Narrower(n).normalSolid(dst + i, color, nullptr, n); });
         return;
     }
     alpha == 255 ? SolidShape<true>(dst, color, shape, count) : SolidShape<false>(dst, color, shape, count);

@@ -41,8 +41,7 @@ void ScaleShape(uint8_t* shape, const uint8_t* mask, size_t count) {
     const auto step = [=](size_t i, size_t n) GX_INLINE {
         NarrowSome(shape + i, n, Product(WidenSome(shape + i, n), WidenSome(mask + i, n) + 1U) >> 8);
     };
-    ForFewSteps(count, step,
-                [=](const RowKernels& set, size_t i, size_t n) { set.scaleShape(shape + i, mask + i, n); });
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).scaleShape(shape + i, mask + i, n); });
 }
 
 void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
@@ -52,25 +51,24 @@ void ScaleColor(uint32_t* color, const uint8_t* mask, size_t count) {
         }
         StoreSome(color + i, n, Scale(LoadSome(color + i, n), FactorOf(WidenSome(mask + i, n))));
     };
-    ForFewSteps(count, step,
-                [=](const RowKernels& set, size_t i, size_t n) { set.scaleColor(color + i, mask + i, n); });
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).scaleColor(color + i, mask + i, n); });
 }
 
 void ScaleColorBy(uint32_t* color, uint32_t factor, size_t count) {
     if (factor == 256) {
         return;
     }
-    ForFewSteps(
+    ForWholeBlocks(
         count,
         [=](size_t i, size_t n)
             GX_INLINE { StoreSome(color + i, n, Scale(LoadSome(color + i, n), Spread(Splat(factor)))); },
-        [=](const RowKernels& set, size_t i, size_t n) { set.scaleColorBy(color + i, factor, n); });
+        [=](size_t i, size_t n) { Narrower(n).scaleColorBy(color + i, factor, n); });
 }
 
 void PremultiplyRow(uint32_t* color, size_t count) {
-    ForFewSteps(
+    ForWholeBlocks(
         count, [=](size_t i, size_t n) GX_INLINE { StoreSome(color + i, n, Premultiply(LoadSome(color + i, n))); },
-        [=](const RowKernels& set, size_t i, size_t n) { set.premultiply(color + i, n); });
+        [=](size_t i, size_t n) { Narrower(n).premultiply(color + i, n); });
 }
 
 void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t count) {
@@ -82,8 +80,7 @@ void ReplaceSolid(uint32_t* dst, uint32_t color, const uint8_t* shape, size_t co
         const U32 s = WidenSome(shape + i, n);
         StoreSome(dst + i, n, Scale(LoadSome(dst + i, n), ComplementOf(s)) + Scale(Splat(color), FactorOf(s)));
     };
-    ForFewSteps(count, step,
-                [=](const RowKernels& set, size_t i, size_t n) { set.replaceSolid(dst + i, color, shape + i, n); });
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).replaceSolid(dst + i, color, shape + i, n); });
 }
 
 void Invert(uint32_t* dst, size_t count) {
@@ -91,7 +88,7 @@ void Invert(uint32_t* dst, size_t count) {
         const U32 x = LoadSome(dst + i, n);
         StoreSome(dst + i, n, SubtractClamped(SpreadBytes(Alpha(x)), x & 0x00FFFFFFU));
     };
-    ForFewSteps(count, step, [=](const RowKernels& set, size_t i, size_t n) { set.invert(dst + i, n); });
+    ForWholeBlocks(count, step, [=](size_t i, size_t n) { Narrower(n).invert(dst + i, n); });
 }
 
 } // namespace
